@@ -1,0 +1,20 @@
+# What every target of the project is compiled with. Users of the library inherit none of it.
+
+# Gives `target` the project's dialect, warnings and sanitizers.
+function(nxcore_configure target)
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    if(NXCORE_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+    if(NXCORE_SANITIZE)
+        set(flags -fsanitize=${NXCORE_SANITIZE} -fno-omit-frame-pointer -g)
+        if(NXCORE_SANITIZE MATCHES "undefined")
+            # A report that only scrolls by is no report.
+            list(APPEND flags -fno-sanitize-recover=all)
+        endif()
+        target_compile_options(${target} PRIVATE ${flags})
+        target_link_options(${target} PRIVATE ${flags})
+    endif()
+endfunction()

@@ -1,0 +1,3 @@
+#include "core/enum/nxAPIConnectionTypeEnum.h"
+
+std::string nxAPIConnectionTypeEnum::GetClassName() const { return "nxAPIConnectionTypeEnum"; }

@@ -1,0 +1,16 @@
+#ifndef CORE_ENUM_NXAPICONNECTIONTYPEENUM_H
+#define CORE_ENUM_NXAPICONNECTIONTYPEENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of how an application is connected to its servers.
+class NX_CORE_API nxAPIConnectionTypeEnum final : public nxTypedEnum<nxAPIConnectionTypeEnum, 19000, 19004>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

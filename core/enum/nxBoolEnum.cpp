@@ -1,0 +1,3 @@
+#include "core/enum/nxBoolEnum.h"
+
+std::string nxBoolEnum::GetClassName() const { return "nxBoolEnum"; }

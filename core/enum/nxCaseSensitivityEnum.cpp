@@ -1,0 +1,3 @@
+#include "core/enum/nxCaseSensitivityEnum.h"
+
+std::string nxCaseSensitivityEnum::GetClassName() const { return "nxCaseSensitivityEnum"; }

@@ -1,0 +1,16 @@
+#ifndef CORE_ENUM_NXCASESENSITIVITYENUM_H
+#define CORE_ENUM_NXCASESENSITIVITYENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of whether texts are compared with regard to case: CASE_INSENSITIVE or CASE_SENSITIVE.
+class NX_CORE_API nxCaseSensitivityEnum final : public nxTypedEnum<nxCaseSensitivityEnum, 25, 28>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

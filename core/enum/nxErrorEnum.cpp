@@ -1,0 +1,3 @@
+#include "core/enum/nxErrorEnum.h"
+
+std::string nxErrorEnum::GetClassName() const { return "nxErrorEnum"; }

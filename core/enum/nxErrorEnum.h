@@ -1,0 +1,27 @@
+#ifndef CORE_ENUM_NXERRORENUM_H
+#define CORE_ENUM_NXERRORENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The result of nearly every operation that can fail. Success is the default value, tested with IsOK().
+///
+/// Codes run from 1000001 to 1999998 and are named NX_ERR_...; the short description of a code is that name, the long
+/// description what a person reads. Values of other enumerations cannot be stored: they become 0, which reads as
+/// success, so construct an error only from a real code.
+/// @code
+/// if (const nxErrorEnum error = price.SetFromString(text, '.'); !error.IsOK())
+///     std::cerr << error.GetLongDescription() << '\n';
+/// @endcode
+class NX_CORE_API nxErrorEnum final : public nxTypedEnum<nxErrorEnum, 1000000, 1999999>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    /// @return whether the operation succeeded: the value is exactly 0. "No change" (2) is not OK.
+    bool IsOK() const { return GetValue() == NX_ENUM_UNDEFINED; }
+
+    std::string GetClassName() const override;
+};
+
+#endif

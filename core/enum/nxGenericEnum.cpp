@@ -1,0 +1,3 @@
+#include "core/enum/nxGenericEnum.h"
+
+std::string nxGenericEnum::GetClassName() const { return "nxGenericEnum"; }

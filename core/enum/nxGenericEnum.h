@@ -1,0 +1,16 @@
+#ifndef CORE_ENUM_NXGENERICENUM_H
+#define CORE_ENUM_NXGENERICENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of a value that belongs to no class in particular.
+class NX_CORE_API nxGenericEnum final : public nxTypedEnum<nxGenericEnum, 0, 999999>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

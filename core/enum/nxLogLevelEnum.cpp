@@ -1,0 +1,3 @@
+#include "core/enum/nxLogLevelEnum.h"
+
+std::string nxLogLevelEnum::GetClassName() const { return "nxLogLevelEnum"; }

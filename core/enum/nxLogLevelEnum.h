@@ -1,0 +1,16 @@
+#ifndef CORE_ENUM_NXLOGLEVELENUM_H
+#define CORE_ENUM_NXLOGLEVELENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of how grave a log record is, from NX_LOG_LEVEL_DEBUG (31) to NX_LOG_LEVEL_FATAL (38).
+class NX_CORE_API nxLogLevelEnum final : public nxTypedEnum<nxLogLevelEnum, 30, 39>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

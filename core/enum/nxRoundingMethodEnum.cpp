@@ -1,0 +1,3 @@
+#include "core/enum/nxRoundingMethodEnum.h"
+
+std::string nxRoundingMethodEnum::GetClassName() const { return "nxRoundingMethodEnum"; }

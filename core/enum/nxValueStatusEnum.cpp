@@ -1,0 +1,3 @@
+#include "core/enum/nxValueStatusEnum.h"
+
+std::string nxValueStatusEnum::GetClassName() const { return "nxValueStatusEnum"; }

@@ -1,0 +1,17 @@
+#ifndef CORE_ENUM_NXVALUESTATUSENUM_H
+#define CORE_ENUM_NXVALUESTATUSENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of whether a nullable value holds a number, nothing, or the order to leave the receiver's value as
+/// it is.
+class NX_CORE_API nxValueStatusEnum final : public nxTypedEnum<nxValueStatusEnum, 240, 244>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

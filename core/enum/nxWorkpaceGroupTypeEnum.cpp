@@ -1,0 +1,3 @@
+#include "core/enum/nxWorkpaceGroupTypeEnum.h"
+
+std::string nxWorkpaceGroupTypeEnum::GetClassName() const { return "nxWorkpaceGroupTypeEnum"; }

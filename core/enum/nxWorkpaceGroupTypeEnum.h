@@ -1,0 +1,16 @@
+#ifndef CORE_ENUM_NXWORKPACEGROUPTYPEENUM_H
+#define CORE_ENUM_NXWORKPACEGROUPTYPEENUM_H
+
+#include "core/enum/nxTypedEnum.h"
+
+/// The enumeration of who sees a group of work spaces (the spelling of the name is kept).
+class NX_CORE_API nxWorkpaceGroupTypeEnum final : public nxTypedEnum<nxWorkpaceGroupTypeEnum, 18000, 18004>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+
+    std::string GetClassName() const override;
+};
+
+#endif

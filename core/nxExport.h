@@ -1,0 +1,17 @@
+#ifndef CORE_NXEXPORT_H
+#define CORE_NXEXPORT_H
+
+/// @file
+/// Marks what the shared library exports. Everything else in it is hidden.
+
+#if defined(_WIN32)
+    #ifdef NX_CORE_BUILDING
+        #define NX_CORE_API __declspec(dllexport)
+    #else
+        #define NX_CORE_API __declspec(dllimport)
+    #endif
+#else
+    #define NX_CORE_API __attribute__((visibility("default")))
+#endif
+
+#endif

@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Sourced by the other scripts: installs what a fresh Debian machine lacks when it may, else says what to install.
+
+# need COMMAND_OR_FILE PACKAGE ... (pairs): collects the packages whose command or file is missing and installs them.
+need()
+{
+    local missing=()
+    while [ $# -ge 2 ]; do
+        if [[ $1 == /* ]]; then [ -e "$1" ] || missing+=("$2"); else command -v "$1" >/dev/null 2>&1 || missing+=("$2"); fi
+        shift 2
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    if [ "$(id -u)" -ne 0 ] || ! command -v apt-get >/dev/null 2>&1; then
+        echo "Missing packages, and no right to install them here. As root, run:" >&2
+        echo "    apt-get install ${missing[*]}" >&2
+        return 1
+    fi
+    echo "Installing ${missing[*]}" >&2
+    { apt-get update -q && DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"; } >&2
+}
+
+# What every build needs, and what the tests need beside it.
+need_build_tools() { need g++ g++ cmake cmake ninja ninja-build; }
+need_test_tools() { need_build_tools && need /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config; }
