@@ -21,4 +21,12 @@ need()
 
 # What every build needs, and what the tests need beside it.
 need_build_tools() { need g++ g++ cmake cmake ninja ninja-build; }
-need_test_tools() { need_build_tools && need /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config; }
+need_test_tools() { need_build_tools && need /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
+# The benchmarks' library and peers.
+need_benchmark_tools()
+{
+    need_build_tools && need python3 python3 /usr/include/benchmark/benchmark.h libbenchmark-dev \
+        /usr/include/spdlog/spdlog.h libspdlog-dev /usr/include/fmt/format.h libfmt-dev \
+        /usr/include/absl/base/config.h libabsl-dev /usr/include/boost/version.hpp libboost-dev gperf gperf \
+        /usr/include/bid_functions.h libintelrdfpmath-dev
+}
