@@ -18,5 +18,6 @@
 #include "core/enum/nxWorkpaceGroupTypeEnum.h"
 #include "core/nxExport.h"
 #include "core/nxVersion.h"
+#include "core/text/nxInitalizers.h"
 
 #endif

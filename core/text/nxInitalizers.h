@@ -1,0 +1,23 @@
+#ifndef CORE_TEXT_NXINITALIZERS_H
+#define CORE_TEXT_NXINITALIZERS_H
+
+/// @file
+/// The tags that pick a constructor of a nullable value. Their spelling is part of the interface.
+/// @code
+/// const nxDecimal price{nxNullInitalizer{}};       // no value
+/// const nxDecimal limit{nxNoChangeInitalizer{}};   // "leave the stored value as it is"
+/// @endcode
+
+/// Picks the constructor that makes a value without content.
+enum class nxNullInitalizer : unsigned char
+{
+    Null
+};
+
+/// Picks the constructor that makes a value meaning "leave the receiver's value as it is".
+enum class nxNoChangeInitalizer : unsigned char
+{
+    NoChange
+};
+
+#endif
