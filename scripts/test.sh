@@ -1,10 +1,105 @@
 #!/usr/bin/env bash
-# Builds the library and everything on it, then runs every test.
-set -eu
+# Builds the library and everything on it, then runs every test, with both compilers and under the sanitizers.
+#
+#     scripts/test.sh            all of it: what a submission has to pass
+#     scripts/test.sh --quick    the Release build and its tests alone
+#
+# Stages: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
+# then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++. A summary closes it.
+set -u
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
-need_test_tools
 
-cmake --preset release
-cmake --build --preset release
-ctest --preset release --no-tests=error --output-on-failure -j "$(nproc)"
+summary=()
+failed=0
+
+# stage NAME COMMAND...: runs it, remembers how it ended and how long it took.
+stage()
+{
+    local name=$1 start=$SECONDS
+    shift
+    printf '\n== %s\n' "$name"
+    if "$@"; then
+        summary+=("$(printf '%-34s passed %5d s   %s' "$name" $((SECONDS - start)) "${note:-}")")
+    else
+        summary+=("$(printf '%-34s FAILED %5d s   %s' "$name" $((SECONDS - start)) "${note:-}")")
+        failed=1
+    fi
+    note=
+}
+
+# tests PRESET: configures, builds and runs one preset; the note tells how many tests there were.
+tests()
+{
+    local log=build/$1/tests.log
+    cmake --preset "$1" >build-"$1".log 2>&1 && mv build-"$1".log build/"$1"/configure.log ||
+        { cat build-"$1".log; rm -f build-"$1".log; return 1; }
+    cmake --build --preset "$1" >build/"$1"/build.log 2>&1 || { grep -E 'error|warning|FAILED' build/"$1"/build.log; return 1; }
+    ctest --preset "$1" --no-tests=error --output-on-failure --progress -j "$(nproc)" >"$log" 2>&1
+    local result=$?
+    if [ $result -ne 0 ]; then grep -vE '^\s*[0-9]+/[0-9]+ Test|^\s*Start' "$log"; fi
+    note=$(grep -E 'tests passed' "$log")
+    tail -n 5 "$log"
+    return $result
+}
+
+format() { git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror; }
+
+# The fuzz targets over their kept corpus and a bounded number of new inputs.
+fuzz()
+{
+    local target name result=0 count=0
+    for target in build/clang-sanitize/fuzz/fuzz_*; do
+        [ -x "$target" ] || continue
+        name=${target##*/fuzz_}
+        count=$((count + 1))
+        mkdir -p "build/clang-sanitize/corpus/$name" "fuzz/corpus/$name"
+        if ! "$target" -runs="${NX_FUZZ_RUNS:-200000}" -max_total_time="${NX_FUZZ_SECONDS:-10}" -timeout=10 -rss_limit_mb=4096 -verbosity=0 \
+            -artifact_prefix="build/clang-sanitize/$name-" "build/clang-sanitize/corpus/$name" "fuzz/corpus/$name" \
+            >"build/clang-sanitize/$name.log" 2>&1; then
+            echo "fuzz_$name:"; tail -n 30 "build/clang-sanitize/$name.log"; result=1
+        fi
+    done
+    note="$count targets"
+    return $result
+}
+
+coverage()
+{
+    llvm-profdata-14 merge -sparse build/clang-sanitize/coverage/*.profraw -o build/clang-sanitize/coverage.profdata &&
+        llvm-cov-14 report build/clang-sanitize/core/libnxcore.so -instr-profile=build/clang-sanitize/coverage.profdata \
+            -ignore-filename-regex='/usr/|generated' >build/clang-sanitize/coverage.txt || return 1
+    awk '$1 == "TOTAL" {print "lines of core/ reached: " $10}' build/clang-sanitize/coverage.txt
+    note=$(awk '$1 == "TOTAL" {print $10 " of lines"}' build/clang-sanitize/coverage.txt)
+}
+
+sizes()
+{
+    local library
+    library=$(readlink -f build/release/core/libnxcore.so)
+    note="$(stat -c %s "$library") bytes, text $(size -d "$library" | awk 'NR == 2 {print $1}')"
+    echo "libnxcore.so: $note"
+}
+
+need_test_tools || exit 1
+if [ "${1:-}" = --quick ]; then
+    stage "tests, g++ Release" tests release
+else
+    need_clang_tools || exit 1
+    stage "format" format
+    stage "tests, g++ Release" tests release
+    mkdir -p build/clang-sanitize
+    export LLVM_PROFILE_FILE=$PWD/build/clang-sanitize/coverage/%4m.profraw
+    stage "tests, clang address+undefined" tests clang-sanitize
+    stage "coverage" coverage
+    unset LLVM_PROFILE_FILE
+    stage "fuzz targets" fuzz
+    stage "tests, g++ thread" tests tsan
+    stage "size" sizes
+fi
+
+printf '\n== Summary\n'
+printf '%s\n' "${summary[@]}"
+printf '%s\n' "${summary[@]}" | sed -n 's/.* \([0-9]*\) tests failed out of \([0-9]*\).*/\1 \2/p' |
+    awk '{failed += $1; all += $2} END {printf "tests: %d passed, %d failed\n", all - failed, failed}'
+exit $failed
