@@ -4,6 +4,7 @@
 /// @file
 /// Every public header of the library.
 
+#include "core/app/nxConfigurationKeys.h"
 #include "core/enum/nxAPIConnectionTypeEnum.h"
 #include "core/enum/nxBoolEnum.h"
 #include "core/enum/nxCaseSensitivityEnum.h"

@@ -1,0 +1,30 @@
+#ifndef CORE_APP_NXCONFIGURATIONKEYS_H
+#define CORE_APP_NXCONFIGURATIONKEYS_H
+
+/// @file
+/// The names of the environment settings that configure the applications.
+///
+/// Each key is a constant whose identifier and text are the same word, so a mistyped key does not compile:
+/// @code
+/// const nxDecimal rate = nxCmdLineArgs::GetInstance().GetEnvValueAsDecimal(QRX_PRICE_THROTTLER_RATE);
+/// @endcode
+/// The library supplies the names; what a setting means and its default belong to the application that reads it.
+/// The constants need no run-time initialisation: the initialisers of other files' globals may use them.
+
+#include <cstddef>
+
+#define NX_CONFIGURATION_KEY(key) inline constexpr char key[] = #key;
+#include "core/app/nxConfigurationKeys.inc"
+#undef NX_CONFIGURATION_KEY
+
+/// All keys in the order of their groups, e.g. to look for the key closest to a mistyped variable.
+inline constexpr const char* nxConfigurationKeys[] = {
+#define NX_CONFIGURATION_KEY(key) key,
+#include "core/app/nxConfigurationKeys.inc"
+#undef NX_CONFIGURATION_KEY
+};
+
+/// How many keys there are.
+inline constexpr std::size_t nxConfigurationKeyCount = sizeof(nxConfigurationKeys) / sizeof(nxConfigurationKeys[0]);
+
+#endif
