@@ -19,6 +19,9 @@
 #include "core/enum/nxWorkpaceGroupTypeEnum.h"
 #include "core/nxExport.h"
 #include "core/nxVersion.h"
+#include "core/platform/nxClock.h"
 #include "core/text/nxInitalizers.h"
+#include "core/time/nxElapsedTimeCounter.h"
+#include "core/time/nxTimeStamp.h"
 
 #endif

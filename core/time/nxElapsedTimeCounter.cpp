@@ -1,0 +1,38 @@
+#include "core/time/nxElapsedTimeCounter.h"
+
+#include <atomic>
+
+#include "core/platform/nxClock.h"
+
+namespace
+{
+// The performance counter is the system's monotonic clock, so its frequency is known without asking.
+constexpr double ticksPerSecond = 1e9;
+
+long long ReadCounter() { return nxClock::MonotonicNanoseconds(); }
+
+// Taken at load; a static constructor that asks before reads the time since the machine was started.
+std::atomic<long long> globalStart{ReadCounter()};
+
+double SecondsSince(long long start)
+{
+    // Threads may have stored a start that is later than this thread's reading.
+    const long long ticks = ReadCounter() - start;
+    return ticks > 0 ? static_cast<double>(ticks) / ticksPerSecond : 0.0;
+}
+}  // namespace
+
+nxElapsedTimeCounter::nxElapsedTimeCounter() : _start(ReadCounter()) {}
+
+nxElapsedTimeCounter::~nxElapsedTimeCounter() = default;
+
+void nxElapsedTimeCounter::Reset() { _start = ReadCounter(); }
+
+double nxElapsedTimeCounter::GetElapsedTimeInSeconds() const { return SecondsSince(_start); }
+
+void nxElapsedTimeCounter::ResetGlobalTime() { globalStart.store(ReadCounter(), std::memory_order_relaxed); }
+
+double nxElapsedTimeCounter::GetGlobalElapsedTimeInSeconds()
+{
+    return SecondsSince(globalStart.load(std::memory_order_relaxed));
+}

@@ -1,0 +1,98 @@
+#ifndef CORE_TIME_NXTIMESTAMP_H
+#define CORE_TIME_NXTIMESTAMP_H
+
+#include <compare>
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+#include "core/nxExport.h"
+#include "core/platform/nxClock.h"
+
+/// The moment at which something happened, cheap to take and cheap to print.
+///
+/// - Units: whole seconds since 1 January 1970 00:00 UTC (negative before it) and nanoseconds within the second.
+/// - Null: there is none; a default-constructed stamp is now.
+/// - Errors: a text of a moment whose year fits no calendar is empty; nothing throws but the strings' allocation.
+/// - Texts are in the local time of the process, with English month names in every locale.
+/// - Threads: like an int. Ownership: a value that owns nothing.
+/// @code
+/// const nxTimeStamp now;
+/// char text[nxTimeStamp::TextSize];
+/// now.GetAsStringFast(text, sizeof text);  // "05Mar24 09:07:03.123.000"
+/// @endcode
+class NX_CORE_API nxTimeStamp
+{
+public:
+    static constexpr unsigned TextSize = 25;  ///< Bytes that GetAsStringFast() needs, the terminating NUL included.
+
+    /// Now, in whole milliseconds. For more resolution see Now().
+    nxTimeStamp()
+    {
+        const nxClockTime now = nxClock::Now();
+        _seconds = now.seconds;
+        _nanoseconds = now.nanoseconds / 1'000'000 * 1'000'000;
+    }
+    /// From parts, kept as they are. Only @p nanoseconds below 1,000,000,000 make a proper stamp; what is above is
+    /// left out of the texts.
+    nxTimeStamp(const long long& seconds, const unsigned int& nanoseconds)
+        : _seconds(seconds), _nanoseconds(nanoseconds)
+    {
+    }
+    nxTimeStamp(const nxTimeStamp&) = default;
+    nxTimeStamp& operator=(const nxTimeStamp&) = default;
+    virtual ~nxTimeStamp() = default;
+
+    /// Now, in the full resolution of the clock.
+    static nxTimeStamp Now()
+    {
+        const nxClockTime now = nxClock::Now();
+        return nxTimeStamp(now.seconds, now.nanoseconds);
+    }
+
+    long long GetSeconds() const { return _seconds; }             ///< Whole seconds since 1970.
+    unsigned int GetNanoseconds() const { return _nanoseconds; }  ///< The fraction of the second in nanoseconds.
+    /// The fraction of the second in milliseconds, truncated.
+    unsigned int GetMilliseconds() const { return _nanoseconds / 1'000'000; }
+    /// The fraction of the second in microseconds, truncated.
+    unsigned int GetMicroseconds() const { return _nanoseconds / 1'000; }
+    /// Seconds and fraction in one number: about 0.2 microseconds are lost to rounding in our days.
+    double GetTotalSecondsAsDouble() const
+    {
+        return static_cast<double>(_seconds) + static_cast<double>(_nanoseconds) / 1e9;
+    }
+
+    /// The local time as "05Mar24 09:07:03.123", or an empty text where GetAsStringFast() returns 0.
+    std::string GetAsString() const;
+
+    /// Writes the local time as exactly 24 characters, "05Mar24 09:07:03.123.456" (milliseconds, then microseconds),
+    /// and a NUL. Years are printed modulo 100. Allocates nothing and uses no C formatting.
+    /// @param buffer room for at least TextSize bytes. @param size is not consulted.
+    /// @return 25, or 0 with nothing written when the year does not fit the C library's calendar.
+    unsigned int GetAsStringFast(char* buffer, unsigned int size) const;
+
+    /// Orders by seconds, then nanoseconds.
+    friend std::strong_ordering operator<=>(const nxTimeStamp& left, const nxTimeStamp& right) = default;
+    friend bool operator==(const nxTimeStamp& left, const nxTimeStamp& right) = default;
+
+private:
+    long long _seconds;
+    unsigned int _nanoseconds;
+};
+
+/// Writes the 24 characters of nxTimeStamp::GetAsStringFast(), or nothing where there are none.
+NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxTimeStamp& stamp);
+
+/// Equal stamps have equal hashes.
+template <>
+struct std::hash<nxTimeStamp>
+{
+    std::size_t operator()(const nxTimeStamp& stamp) const noexcept
+    {
+        const auto seconds = static_cast<unsigned long long>(stamp.GetSeconds());
+        return std::hash<unsigned long long>()(seconds * 1'000'000'000U + stamp.GetNanoseconds());
+    }
+};
+
+#endif
