@@ -1,0 +1,63 @@
+#include "core/enum/nxBitMask.h"
+
+#include <ostream>
+
+#include "core/enum/nxBitMaskRegistry.h"
+
+namespace
+{
+using Registry = nxBitMaskRegistry<nxBitMask::Word>;
+
+std::string Describe(const nxBitMask& mask, const std::string& separator, std::string Registry::Texts::*text)
+{
+    if (mask.IsNull())
+        return "Null";
+    if (mask.IsNoChange())
+        return "No Change";
+    return Registry::GetInstance().Describe(mask.GetClassName(), mask.GetValue(), separator, text);
+}
+}  // namespace
+
+nxBitMask::~nxBitMask() = default;
+
+bool nxBitMask::IsValid() const { return (_word & (NullBit | NoChangeBit)) == 0; }
+
+bool nxBitMask::IsNoChange() const { return (_word & NoChangeBit) != 0; }
+
+bool nxBitMask::IsNull() const { return (_word & NullBit) != 0; }
+
+void nxBitMask::SetBits(unsigned bits) { _word = (IsValid() ? _word : 0) | bits; }
+
+void nxBitMask::SetBits(const nxBitMask& bits) { SetBits(bits._word); }
+
+void nxBitMask::SetNull() { _word = NullBit; }
+
+void nxBitMask::SetNoChange() { _word = NoChangeBit; }
+
+std::string nxBitMask::GetShortDescription(const std::string& separator) const
+{
+    return Describe(*this, separator, &Registry::Texts::first);
+}
+
+std::string nxBitMask::GetLongDescription(const std::string& separator) const
+{
+    return Describe(*this, separator, &Registry::Texts::second);
+}
+
+bool nxBitMask::_Register(const std::string& className, unsigned bit, const std::string& shortDescription,
+                          const std::string& longDescription)
+{
+    return Registry::GetInstance().Register(className, bit, shortDescription, longDescription);
+}
+
+bool nxBitMask::_Register(unsigned bit, const std::string& shortDescription, const std::string& longDescription)
+{
+    return _Register(GetClassName(), bit, shortDescription, longDescription);
+}
+
+nxBitMask::DescriptionMap& nxBitMask::_GetDescriptionMap() { return Registry::GetInstance().GetMap(); }
+
+std::ostream& operator<<(std::ostream& stream, const nxBitMask& mask)
+{
+    return stream << mask.GetShortDescription(" ");
+}

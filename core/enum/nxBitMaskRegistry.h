@@ -1,0 +1,101 @@
+#ifndef CORE_ENUM_NXBITMASKREGISTRY_H
+#define CORE_ENUM_NXBITMASKREGISTRY_H
+
+#include <array>
+#include <atomic>
+#include <bit>
+#include <cstddef>
+#include <limits>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+/// Internal to the library: the texts of all flags of the 32-bit masks, or of the 64-bit ones.
+///
+/// The ordered maps hold the texts. Beside them stands an index of the single-bit entries that grows by publishing
+/// finished nodes, so that threads print masks without a lock while a plug-in that is being loaded registers its own.
+/// Nothing is ever removed.
+template <class Word>
+class nxBitMaskRegistry
+{
+public:
+    using Texts = std::pair<std::string, std::string>;
+    using Map = std::map<std::string, std::map<Word, Texts>>;
+
+    /// The one registry of its kind; never destroyed, because static destructors print too.
+    static nxBitMaskRegistry& GetInstance()
+    {
+        static nxBitMaskRegistry& instance = *new nxBitMaskRegistry;
+        return instance;
+    }
+
+    Map& GetMap() { return _map; }
+
+    /// One thread at a time.
+    bool Register(const std::string& className, Word word, const std::string& shortDescription,
+                  const std::string& longDescription)
+    {
+        const auto classEntry = _map.try_emplace(className).first;
+        const auto [entry, added] = classEntry->second.try_emplace(word, shortDescription, longDescription);
+        Class& indexed = FindOrAdd(classEntry->first);
+        if (added && std::has_single_bit(word))
+            indexed.texts[Index(word)].store(&entry->second, std::memory_order_release);
+        return added;
+    }
+
+    /// The texts of the flags set in @p word, lowest bit first.
+    std::string Describe(std::string_view className, Word word, std::string_view separator,
+                         std::string Texts::*text) const
+    {
+        const Class* const found = Find(className);
+        if (found == nullptr)
+            return "No Description Available";
+        std::string result;
+        for (; word != 0; word &= word - 1)
+        {
+            const Texts* const texts = found->texts[Index(word)].load(std::memory_order_acquire);
+            if (!result.empty())
+                result += separator;
+            result += texts != nullptr ? std::string_view(texts->*text) : "???";
+        }
+        return result;
+    }
+
+private:
+    static constexpr std::size_t BitCount = std::numeric_limits<Word>::digits;
+    static constexpr std::size_t BucketCount = 64;
+
+    struct Class
+    {
+        const std::string* name;
+        Class* next;
+        std::array<std::atomic<const Texts*>, BitCount> texts{};
+    };
+
+    static std::size_t Index(Word word) { return static_cast<std::size_t>(std::countr_zero(word)); }
+    static std::size_t Bucket(std::string_view name) { return std::hash<std::string_view>()(name) % BucketCount; }
+
+    Class* Find(std::string_view name) const
+    {
+        Class* found = _buckets[Bucket(name)].load(std::memory_order_acquire);
+        while (found != nullptr && *found->name != name)
+            found = found->next;
+        return found;
+    }
+
+    Class& FindOrAdd(const std::string& name)
+    {
+        if (Class* const found = Find(name))
+            return *found;
+        std::atomic<Class*>& bucket = _buckets[Bucket(name)];
+        Class* const added = new Class{&name, bucket.load(std::memory_order_relaxed), {}};
+        bucket.store(added, std::memory_order_release);
+        return *added;
+    }
+
+    Map _map;
+    std::array<std::atomic<Class*>, BucketCount> _buckets{};
+};
+
+#endif

@@ -1,0 +1,94 @@
+#ifndef CORE_ENUM_NXTYPEDBITMASK_H
+#define CORE_ENUM_NXTYPEDBITMASK_H
+
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <string>
+
+#include "core/enum/nxBitMask.h"
+#include "core/enum/nxBitMask64.h"
+
+/// What every concrete bit mask shares: public construction from a word, copying and assignment, and the registration
+/// of its flags' texts.
+///
+/// @tparam Derived the concrete class, which adds GetClassName() and its flags.
+/// @tparam Base nxBitMask or nxBitMask64.
+///
+/// An application's own mask is declared as the library's are. In the header:
+/// @code
+/// class myQuoteFlagsBitMask final : public nxTypedBitMask<myQuoteFlagsBitMask, nxBitMask>
+/// {
+/// public:
+///     enum Flag : Word
+///     {
+///         FIRM = Bit(0),
+///         INDICATIVE = Bit(1),
+///     };
+///     using nxTypedBitMask::nxTypedBitMask;
+///     using nxTypedBitMask::operator=;
+///     std::string GetClassName() const override { return "myQuoteFlagsBitMask"; }
+///
+/// private:
+///     static bool _RegisterValues();
+///     static const bool _registered;
+/// };
+/// @endcode
+/// and in the source file, so that the texts are there as soon as the program or plug-in is loaded:
+/// @code
+/// const bool myQuoteFlagsBitMask::_registered = _RegisterValues();
+/// bool myQuoteFlagsBitMask::_RegisterValues()
+/// {
+///     static constexpr FlagTexts flags[] = {{FIRM, "FIRM", "Firm"}, {INDICATIVE, "INDICATIVE", "Indicative"}};
+///     return _RegisterFlags("myQuoteFlagsBitMask", flags);
+/// }
+/// @endcode
+template <class Derived, class Base>
+class nxTypedBitMask : public Base
+{
+public:
+    using Word = typename Base::Word;
+
+    nxTypedBitMask() = default;
+    /// Holds @p word as it is, top bits included.
+    nxTypedBitMask(Word word) : Base(word) {}
+
+    /// Stores @p word as it is, top bits included.
+    Derived& operator=(Word word)
+    {
+        this->SetValue(word);
+        return static_cast<Derived&>(*this);
+    }
+
+protected:
+    /// A flag with its short and its long description.
+    struct FlagTexts
+    {
+        Word word;
+        const char* shortDescription;
+        const char* longDescription;
+    };
+
+    /// Registers @p flags as those of the class @p className.
+    /// @return true.
+    template <std::size_t Count>
+    static bool _RegisterFlags(const std::string& className, const FlagTexts (&flags)[Count])
+    {
+        for (const FlagTexts& flag : flags)
+            Base::_Register(className, flag.word, flag.shortDescription, flag.longDescription);
+        return true;
+    }
+};
+
+/// Masks of one class can be keys of unordered containers.
+template <class Mask>
+requires std::derived_from<Mask, nxBitMask> || std::derived_from<Mask, nxBitMask64>
+struct std::hash<Mask>
+{
+    std::size_t operator()(const Mask& mask) const noexcept
+    {
+        return std::hash<typename Mask::Word>()(mask.GetValue());
+    }
+};
+
+#endif
