@@ -61,6 +61,12 @@
 #include "core/nxVersion.h"
 #include "core/platform/nxClock.h"
 #include "core/text/nxInitalizers.h"
+#include "core/thread/nxConditionalMutexGuard.h"
+#include "core/thread/nxMutex.h"
+#include "core/thread/nxMutexGuard.h"
+#include "core/thread/nxThread.h"
+#include "core/thread/nxThreadAnnotations.h"
+#include "core/thread/nxThreadIndex.h"
 #include "core/time/nxElapsedTimeCounter.h"
 #include "core/time/nxTimeStamp.h"
 

@@ -1,0 +1,41 @@
+#ifndef CORE_THREAD_NXCONDITIONALMUTEXGUARD_H
+#define CORE_THREAD_NXCONDITIONALMUTEXGUARD_H
+
+#include "core/thread/nxMutexGuard.h"
+
+/// Holds an nxMutex for the length of a scope, or does nothing, as a flag says.
+///
+/// For code that is called with and without the lock. Otherwise like nxMutexGuard: it unlocks only what it locked.
+/// The compiler's analysis takes the mutex for held in both cases.
+/// @code
+/// void Book::Add(const Order& order, bool alreadyLocked)
+/// {
+///     nxConditionalMutexGuard guard(_lock, !alreadyLocked);
+///     _orders.push_back(order);
+/// }
+/// @endcode
+class NX_CORE_API NX_SCOPED_CAPABILITY nxConditionalMutexGuard
+{
+public:
+    /// Locks @p mutex when @p lock.
+    nxConditionalMutexGuard(nxMutex& mutex, bool lock) NX_ACQUIRE(mutex)
+        : _mutex(&mutex), _locked(lock && nxMutexGuard::_Lock(mutex))
+    {
+    }
+    ~nxConditionalMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        if (_locked)
+            _mutex->Unlock();
+    }
+
+    nxConditionalMutexGuard(const nxConditionalMutexGuard&) = delete;
+    nxConditionalMutexGuard& operator=(const nxConditionalMutexGuard&) = delete;
+
+private:
+    nxConditionalMutexGuard() : _mutex(nullptr), _locked(false) {}
+
+    nxMutex* _mutex;
+    bool _locked;
+};
+
+#endif

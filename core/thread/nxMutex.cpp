@@ -1,0 +1,63 @@
+#include "core/thread/nxMutex.h"
+
+#include <cerrno>
+
+namespace
+{
+// Initialises `mutex` in place as an error-checking mutex that processes share.
+// Returns the code of the first step that failed.
+int InitialiseShared(pthread_mutex_t& mutex, pthread_mutexattr_t& attributes, bool robust)
+{
+    int result = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
+    if (result == 0)
+        result = pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+    if (result == 0 && robust)
+        result = pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    if (result == 0)
+        result = pthread_mutex_init(&mutex, &attributes);
+    return result;
+}
+}  // namespace
+
+nxMutex::nxMutex(bool recursive)
+{
+    if (!recursive)
+        return;
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutex_init(&_mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+}
+
+nxErrorEnum nxMutex::Consistent() noexcept
+{
+    return pthread_mutex_consistent(&_mutex) == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
+{
+    pthread_mutexattr_t attributes;
+    int result = pthread_mutexattr_init(&attributes);
+    if (result == 0)
+    {
+        result = InitialiseShared(_mutex, attributes, robust);
+        pthread_mutexattr_destroy(&attributes);
+    }
+    return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+nxErrorEnum nxMutex::_LockError(int result) noexcept
+{
+    return result == EOWNERDEAD ? nxErrorEnum(NX_ERR_THR_OWNER_DEAD) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+nxErrorEnum nxMutex::_TryLockError(int result) noexcept
+{
+    return result == EBUSY ? nxErrorEnum(NX_ERR_THR_LOCKED) : _LockError(result);
+}
+
+nxErrorEnum nxMutex::_UnlockError(int result) noexcept
+{
+    return result == EPERM ? nxErrorEnum(NX_ERR_THR_MISMATCH) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}

@@ -1,0 +1,46 @@
+#ifndef CORE_THREAD_NXMUTEXGUARD_H
+#define CORE_THREAD_NXMUTEXGUARD_H
+
+#include "core/thread/nxMutex.h"
+
+/// Holds an nxMutex for the length of a scope.
+///
+/// Unlocks only what it locked: when Lock() fails, because the thread holds the mutex already, the destructor leaves
+/// the outer holder's lock alone. On a robust mutex whose owner died the guard holds the lock, has called Consistent()
+/// and written an error to the log; who must repair data calls nxMutex::Lock() instead.
+/// @code
+/// {
+///     nxMutexGuard guard(_lock);
+///     _orders.push_back(order);
+/// }
+/// @endcode
+class NX_CORE_API NX_SCOPED_CAPABILITY nxMutexGuard
+{
+public:
+    explicit nxMutexGuard(nxMutex& mutex) NX_ACQUIRE(mutex) : _mutex(_Lock(mutex) ? &mutex : nullptr) {}
+    ~nxMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        if (_mutex != nullptr) [[likely]]
+            _mutex->Unlock();
+    }
+
+    nxMutexGuard(const nxMutexGuard&) = delete;
+    nxMutexGuard& operator=(const nxMutexGuard&) = delete;
+
+private:
+    friend class nxConditionalMutexGuard;
+
+    nxMutexGuard() : _mutex(nullptr) {}
+
+    // Locks; true when the calling guard holds the mutex and must unlock it.
+    static bool _Lock(nxMutex& mutex) NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        const nxErrorEnum error = mutex.Lock();
+        return error.IsOK() || _IsHeldDespite(error, mutex);
+    }
+    static bool _IsHeldDespite(const nxErrorEnum& error, nxMutex& mutex);
+
+    nxMutex* _mutex;
+};
+
+#endif

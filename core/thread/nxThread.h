@@ -1,0 +1,69 @@
+#ifndef CORE_THREAD_NXTHREAD_H
+#define CORE_THREAD_NXTHREAD_H
+
+#include <pthread.h>
+
+#include <atomic>
+#include <string>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/nxExport.h"
+
+/// The base of every worker thread: a subclass supplies Run(), its owner starts it with Create() and joins with Wait().
+///
+/// - States: not started, then started by Create(), then not started again after Wait(), when Create() may follow anew.
+///   A thread whose Run() has returned stays started until Wait().
+/// - Run() decides itself when to end: give the subclass a stop flag and a way to wake it. An exception that leaves
+/// Run()
+///   ends the thread and is written to the log at the fatal level; the process goes on.
+/// - Ownership: the destructor neither stops nor joins. Destroying a started object before Wait() leaves the thread
+///   running on an object that is gone.
+/// - Threads: Create(), Wait() and the destructor belong to the owning thread; the thread itself may find out that it
+///   cannot wait for itself.
+/// @code
+/// class Poller : public nxThread
+/// {
+///     nxErrorEnum Run() override;
+/// };
+/// Poller poller;
+/// if (poller.Create().IsOK())
+///     poller.Wait();
+/// @endcode
+class NX_CORE_API nxThread
+{
+public:
+    nxThread();
+    virtual ~nxThread();
+
+    nxThread(const nxThread&) = delete;
+    nxThread& operator=(const nxThread&) = delete;
+
+    /// Starts a thread that executes Run(), with the system's default attributes.
+    /// @return NX_ERR_THR_ALREADY_STARTED when it is started; NX_ERR_THR_RESOURCE when the system has no room for a
+    ///         thread; NX_ERR_THR_PERMISSION when it forbids one; NX_ERR_THR_MISMATCH for any other failure. On failure
+    ///         nothing has changed.
+    [[nodiscard]] nxErrorEnum Create();
+
+    /// Waits until Run() has returned.
+    /// @return NX_ERR_THR_NOT_RUNNING when it is not started; NX_ERR_THR_DEADLOCK when a thread waits for itself;
+    ///         NX_ERR_THR_MISMATCH for any other failure. On failure it stays started.
+    virtual nxErrorEnum Wait();
+
+    /// The body of the thread. The result is ignored.
+    virtual nxErrorEnum Run() = 0;
+
+    /// Sleeps for microseconds / 1000 whole milliseconds, signals or not; less than 1000 only yields the processor.
+    static void Sleep(unsigned microseconds);
+
+    /// @return the system's number of the calling thread, in decimal: the one that top and gdb show.
+    static std::string GetThreadIDAsString();
+
+private:
+    static void* _ThreadProc(void* self);
+
+    pthread_attr_t _attributes;
+    pthread_t _handle;
+    std::atomic<bool> _started;
+};
+
+#endif

@@ -1,0 +1,89 @@
+#include "core/thread/nxMutex.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "core/thread/nxConditionalMutexGuard.h"
+#include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+// What another thread gets from `TryLock`; it gives the mutex back.
+nxErrorEnum TryFromAnotherThread(nxMutex& mutex)
+{
+    nxErrorEnum error;
+    std::thread(
+        [&]
+        {
+            error = mutex.TryLock();
+            if (error.IsOK())
+            {
+                mutex.AssertHeld();
+                mutex.Unlock();
+            }
+        })
+        .join();
+    return error;
+}
+
+constinit nxMutex usableBeforeMain;
+}  // namespace
+
+TEST(nxMutex, ReportsMisuseInsteadOfHangingOrFreeing)
+{
+    nxMutex mutex;
+    EXPECT_EQ(mutex.Unlock(), NX_ERR_THR_MISMATCH) << "never locked";
+    ASSERT_TRUE(mutex.Lock().IsOK());
+    EXPECT_EQ(mutex.Lock(), NX_ERR_UNSPECIFIED) << "held by this thread";
+    EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED);
+    std::thread([&] { EXPECT_EQ(mutex.Unlock(), NX_ERR_THR_MISMATCH); }).join();
+    EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "still held after a stranger's unlock";
+    EXPECT_TRUE(mutex.Unlock().IsOK());
+    EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+}
+
+TEST(nxMutex, RecursiveMutexNeedsAsManyUnlocks)
+{
+    nxMutex mutex(true);
+    ASSERT_TRUE(mutex.Lock().IsOK());
+    ASSERT_TRUE(mutex.TryLock().IsOK());
+    EXPECT_TRUE(mutex.Unlock().IsOK());
+    EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED);
+    EXPECT_TRUE(mutex.Unlock().IsOK());
+    EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+    EXPECT_EQ(mutex.Unlock(), NX_ERR_THR_MISMATCH);
+}
+
+TEST(nxMutex, ConsistentIsRefusedOnAMutexThatNeedsNoRepair)
+{
+    nxMutexGuard guard(usableBeforeMain);
+    EXPECT_EQ(usableBeforeMain.Consistent(), NX_ERR_UNSPECIFIED);
+}
+
+TEST(nxMutexGuard, UnlocksOnlyWhatItLocked)
+{
+    nxMutex mutex;
+    {
+        nxMutexGuard outer(mutex);
+        {
+            nxMutexGuard inner(mutex);
+            nxConditionalMutexGuard conditional(mutex, true);
+        }
+        EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED);
+    }
+    EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+}
+
+TEST(nxConditionalMutexGuard, LocksAsTheFlagSays)
+{
+    nxMutex mutex;
+    for (const bool lock : {false, true})
+    {
+        {
+            nxConditionalMutexGuard guard(mutex, lock);
+            EXPECT_EQ(TryFromAnotherThread(mutex).IsOK(), !lock);
+        }
+        EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+    }
+}
