@@ -1,35 +1,182 @@
 #include "core/platform/nxClock.h"
 
+#include <fcntl.h>
+#include <pthread.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <ctime>
+#include <string_view>
+
+#if defined(__x86_64__)
+    #include <cpuid.h>
+#endif
+
+#include "core/platform/nxClockDiscipline.h"
 
 namespace
 {
-timespec Read(clockid_t clock)
+std::int64_t Read(clockid_t clock)
 {
     timespec now{};
     clock_gettime(clock, &now);
-    return now;
+    // Unsigned, because a machine's clock may be set to a year that 64 bits of nanoseconds do not reach.
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
+                                     static_cast<std::uint64_t>(now.tv_nsec));
 }
+
+// The processor's word that its counter runs at one speed, whatever its clock frequency and however deep it sleeps.
+bool CounterIsConstant()
+{
+#if defined(__x86_64__)
+    unsigned a = 0, b = 0, c = 0, d = 0;
+    constexpr unsigned powerManagement = 0x80000007U, invariantCounter = 1U << 8;
+    return __get_cpuid(powerManagement, &a, &b, &c, &d) != 0 && (d & invariantCounter) != 0;
+#elif defined(__aarch64__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+// The kernel's word that all processors' counters agree: it keeps time by them itself.
+bool KernelTrustsCounter()
+{
+#if defined(__x86_64__)
+    constexpr std::string_view trusted = "tsc\n";
+#else
+    constexpr std::string_view trusted = "arch_sys_counter\n";
+#endif
+    const int file = open("/sys/devices/system/clocksource/clocksource0/current_clocksource", O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return false;
+    char text[32];
+    const ssize_t size = read(file, text, sizeof text);
+    close(file);
+    return size > 0 && std::string_view(text, static_cast<std::size_t>(size)) == trusted;
+}
+
+constexpr int readingAttempts = 4;
+constexpr std::int64_t longestReading = 5'000;  // nanoseconds; more means that the thread was interrupted in between
+
+// Reads counter and clocks together. False when the thread was interrupted each time.
+template <class ReadCounter>
+bool TakeReading(ReadCounter readCounter, nxClockReading& reading)
+{
+    for (int attempt = 0; attempt < readingAttempts; ++attempt)
+    {
+        const std::int64_t before = Read(CLOCK_MONOTONIC);
+        const std::uint64_t first = readCounter();
+        const std::int64_t wall = Read(CLOCK_REALTIME);
+        const std::uint64_t second = readCounter();
+        const std::int64_t after = Read(CLOCK_MONOTONIC);
+        if (after - before > longestReading)
+            continue;
+        reading = {first + (second - first) / 2, wall, before + (after - before) / 2};
+        return true;
+    }
+    return false;
+}
+
+// Only the thread that made the sequence number odd touches it.
+constinit nxClockDiscipline discipline;
+
+nxClockTime ToTime(std::int64_t nanoseconds) { return nxClockScale(0, nanoseconds, 0).ToTime(0); }
 }  // namespace
 
-nxClockTime nxClock::Now()
+constinit std::atomic<nxClock::Source> nxClock::_source{nxClock::Source::Undecided};
+constinit nxClock::Lines nxClock::_lines{};
+
+nxClock::Source nxClock::_Decide()
 {
-    const timespec now = Read(CLOCK_REALTIME);
-    return {now.tv_sec, static_cast<unsigned>(now.tv_nsec)};
+    const Source known = _source.load(std::memory_order_relaxed);
+    if (known != Source::Undecided)
+        return known;
+    // The first reading may be taken for a record that quotes errno.
+    const int error = errno;
+    const Source found = CounterIsConstant() && KernelTrustsCounter() ? Source::Counter : Source::System;
+    errno = error;
+    Source expected = Source::Undecided;
+    // Whoever comes first decides, so that no two readings ever have different units.
+    if (!_source.compare_exchange_strong(expected, found, std::memory_order_relaxed))
+        return expected;
+    // A child forked in the middle of an update would find the lines closed for ever.
+    if (found == Source::Counter)
+        pthread_atfork(nullptr, nullptr,
+                       []
+                       {
+                           discipline = nxClockDiscipline();
+                           _lines.validity.store(0, std::memory_order_relaxed);
+                           _lines.sequence.store(0, std::memory_order_release);
+                       });
+    return found;
 }
 
-std::uint64_t nxClock::Ticks()
+nxClockTime nxClock::_Update(const nxClockReading& reading)
 {
-    const timespec now = Read(CLOCK_REALTIME);
-    return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U + static_cast<std::uint64_t>(now.tv_nsec);
+    std::uint32_t sequence = _lines.sequence.load(std::memory_order_relaxed);
+    // Somebody else's update is as good as ours.
+    if (sequence % 2 != 0 ||
+        !_lines.sequence.compare_exchange_strong(sequence, sequence + 1, std::memory_order_acquire))
+        return ToTime(reading.wall);
+    const bool known = discipline.Update(reading);
+    const nxClockScale steady = discipline.GetSteady();
+    const nxClockScale exact = discipline.GetExact();
+    // Each store releases the odd number, so that whoever sees a new value sees that too.
+    _lines.validity.store(known ? discipline.GetValidity() : 0, std::memory_order_release);
+    _lines.ticks.store(exact.GetTicks(), std::memory_order_release);
+    _lines.steadyNanoseconds.store(steady.GetNanoseconds(), std::memory_order_release);
+    _lines.steadyRate.store(steady.GetRate(), std::memory_order_release);
+    _lines.exactNanoseconds.store(exact.GetNanoseconds(), std::memory_order_release);
+    _lines.exactRate.store(exact.GetRate(), std::memory_order_release);
+    _lines.sequence.store(sequence + 2, std::memory_order_release);
+    return known ? steady.ToTime(reading.ticks) : ToTime(reading.wall);
 }
 
-nxClockScale nxClock::GetScale() { return nxClockScale(); }
-
-void nxClock::Recalibrate() {}
-
-std::int64_t nxClock::MonotonicNanoseconds()
+nxClockTime nxClock::_NowFromSystem()
 {
-    const timespec now = Read(CLOCK_MONOTONIC);
-    return static_cast<std::int64_t>(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+    nxClockReading reading{};
+    if (UsesCounter() && TakeReading(_ReadCounter, reading))
+        return _Update(reading);
+    return ToTime(Read(CLOCK_REALTIME));
 }
+
+std::uint64_t nxClock::_TicksFromSystem()
+{
+    return UsesCounter() ? _ReadCounter() : static_cast<std::uint64_t>(Read(CLOCK_REALTIME));
+}
+
+nxClockScale nxClock::GetScale()
+{
+    // Without the counter, ticks are the nanoseconds themselves.
+    if (!UsesCounter())
+        return nxClockScale();
+    for (;;)
+    {
+        const std::uint32_t sequence = _lines.sequence.load(std::memory_order_acquire);
+        const nxClockScale scale(_lines.ticks.load(std::memory_order_acquire),
+                                 _lines.exactNanoseconds.load(std::memory_order_acquire),
+                                 _lines.exactRate.load(std::memory_order_acquire));
+        const std::uint64_t validity = _lines.validity.load(std::memory_order_acquire);
+        const bool settled = sequence % 2 == 0 && sequence == _lines.sequence.load(std::memory_order_relaxed);
+        if (settled && validity != 0)
+            return scale;
+        // Within a tenth of a millisecond of the very first reading the length of a tick is not known yet.
+        if (settled)
+            Recalibrate();
+        else
+            sched_yield();
+    }
+}
+
+void nxClock::Recalibrate()
+{
+    nxClockReading reading{};
+    if (UsesCounter() && TakeReading(_ReadCounter, reading))
+        _Update(reading);
+}
+
+bool nxClock::UsesCounter() { return _Decide() == Source::Counter; }
+
+std::int64_t nxClock::MonotonicNanoseconds() { return Read(CLOCK_MONOTONIC); }

@@ -1,0 +1,237 @@
+#include "core/platform/nxClock.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <ctime>
+#include <thread>
+#include <vector>
+
+#include "core/platform/nxClockDiscipline.h"
+
+namespace
+{
+constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t millisecond = 1'000'000;
+
+std::int64_t SystemNow()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now.tv_sec * second + now.tv_nsec;
+}
+
+std::int64_t Nanoseconds(const nxClockTime& time) { return time.seconds * second + time.nanoseconds; }
+
+// A machine whose counter and clocks the test moves by hand.
+class Machine
+{
+public:
+    explicit Machine(double ticksPerNanosecond) : _speed(ticksPerNanosecond) {}
+
+    void Pass(std::int64_t nanoseconds)
+    {
+        _ticks += static_cast<double>(nanoseconds) * _speed;
+        const auto corrected = nanoseconds + static_cast<std::int64_t>(static_cast<double>(nanoseconds) * _slewedBy);
+        _wall += corrected;
+        _monotonic += corrected;
+    }
+    void Step(std::int64_t nanoseconds) { _wall += nanoseconds; }
+    void Slew(double partsPerMillion) { _slewedBy = partsPerMillion / 1e6; }
+    void Sleep(std::int64_t nanoseconds) { _wall += nanoseconds, _ticks += static_cast<double>(nanoseconds) * _speed; }
+    void MoveTo(double ticksPerNanosecond) { _speed = ticksPerNanosecond; }
+    void ResetCounter() { _ticks = 1; }
+
+    nxClockReading Read() const { return {static_cast<std::uint64_t>(_ticks), _wall, _monotonic}; }
+
+private:
+    double _speed;
+    double _slewedBy = 0;
+    double _ticks = 1e12;
+    std::int64_t _wall = 1'709'629'623 * second;
+    std::int64_t _monotonic = 5'000 * second;
+};
+
+// What a caller of the clock does: uses the steady line while it is valid, else takes a reading.
+class Caller
+{
+public:
+    std::int64_t Ask(const nxClockReading& now)
+    {
+        if (_known && now.ticks - _discipline.GetExact().GetTicks() < _discipline.GetValidity())
+            return _discipline.GetSteady().ToNanoseconds(now.ticks);
+        _known = _discipline.Update(now);
+        return _known ? _discipline.GetSteady().ToNanoseconds(now.ticks) : now.wall;
+    }
+
+    const nxClockDiscipline& Get() const { return _discipline; }
+
+private:
+    nxClockDiscipline _discipline;
+    bool _known = false;
+};
+
+// Lets time pass in uneven steps; every answer is checked against the machine's own wall clock.
+void RunFor(Machine& machine, Caller& caller, std::int64_t duration, std::int64_t tolerance, bool mayStepBack = false)
+{
+    std::int64_t last = caller.Ask(machine.Read());
+    unsigned random = 12'345;
+    for (std::int64_t passed = 0; passed < duration;)
+    {
+        random = random * 1'664'525U + 1'013'904'223U;
+        const std::int64_t pause = random >> 28 == 0 ? 3 * millisecond + random % 1'000'000 : 200 + random % 40'000;
+        machine.Pass(pause);
+        passed += pause;
+        const std::int64_t now = caller.Ask(machine.Read());
+        ASSERT_NEAR(static_cast<double>(now - machine.Read().wall), 0.0, static_cast<double>(tolerance));
+        ASSERT_TRUE(mayStepBack || now >= last) << last << ' ' << now;
+        last = now;
+    }
+}
+}  // namespace
+
+TEST(nxClockDiscipline, FollowsAnUnevenClockWithinMicrosecondsAndNeverStepsBack)
+{
+    for (const double speed : {0.024, 0.999, 3.4})
+    {
+        SCOPED_TRACE(speed);
+        Machine machine(speed);
+        Caller caller;
+        for (const double slew : {0.0, 500.0, -500.0, 3.0})
+        {
+            machine.Slew(slew);
+            RunFor(machine, caller, 3 * second, 2'000);
+        }
+    }
+}
+
+TEST(nxClockDiscipline, IsRightAgainAMillisecondAfterAStep)
+{
+    Machine machine(2.5);
+    Caller caller;
+    RunFor(machine, caller, second, 2'000);
+    for (const std::int64_t step : {3'600 * second, -3'600 * second, 40 * millisecond, -150'000L, 90'000L})
+    {
+        SCOPED_TRACE(step);
+        machine.Step(step);
+        machine.Pass(millisecond + 1'000);
+        EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
+        RunFor(machine, caller, second / 10, 2'000);
+    }
+    // A small step back is waited for, so that nobody sees time run backwards.
+    machine.Step(-50'000);
+    RunFor(machine, caller, second / 10, 52'000);
+    EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
+}
+
+TEST(nxClockDiscipline, MeasuresAgainAfterTheMachineSleptOrMovedOrItsCounterStartedAfresh)
+{
+    Machine machine(2.5);
+    Caller caller;
+    const auto isRight = [&]
+    {
+        RunFor(machine, caller, 2 * second, millisecond, true);
+        const nxClockScale& exact = caller.Get().GetExact();
+        EXPECT_NEAR(static_cast<double>(exact.ToNanoseconds(machine.Read().ticks) - machine.Read().wall), 0.0, 2'000.0);
+    };
+    isRight();
+    machine.Sleep(7'200 * second);
+    machine.Pass(millisecond);
+    isRight();
+    machine.MoveTo(3.1);
+    machine.Pass(2 * millisecond);
+    isRight();
+    machine.ResetCounter();
+    machine.Pass(2 * millisecond);
+    isRight();
+}
+
+TEST(nxClockScale, ConvertsOnBothSidesOfItsMomentAndBefore1970)
+{
+    const std::uint64_t halfNanosecond = std::uint64_t{1} << 31;
+    const nxClockScale scale(1'000, 5, halfNanosecond);
+    EXPECT_EQ(scale.ToNanoseconds(1'000), 5);
+    EXPECT_EQ(scale.ToNanoseconds(1'020), 15);
+    EXPECT_EQ(scale.ToNanoseconds(980), -5);
+    const nxClockTime before = scale.ToTime(980);
+    EXPECT_EQ(before.seconds, -1);
+    EXPECT_EQ(before.nanoseconds, 999'999'995U);
+    // Hours away, in both directions.
+    EXPECT_EQ(scale.ToNanoseconds(1'000 + 20'000 * second), 10'000 * second + 5);
+    EXPECT_EQ(scale.ToNanoseconds(1'000 - 20'000 * second), -10'000 * second + 5);
+}
+
+TEST(nxClock, AgreesWithTheSystemsClock)
+{
+    const auto follows = [](std::int64_t before, std::int64_t now, std::int64_t after)
+    { return before - millisecond <= now && now <= after + millisecond; };
+    for (int i = 0; i < 20'000; ++i)
+    {
+        const std::int64_t before = SystemNow();
+        const std::int64_t now = Nanoseconds(nxClock::Now());
+        const std::uint64_t ticks = nxClock::Ticks();
+        const std::int64_t after = SystemNow();
+        ASSERT_TRUE(follows(before, now, after)) << before << ' ' << now << ' ' << after;
+        if (i % 100 == 0)
+            nxClock::Recalibrate();
+        const std::int64_t later = nxClock::GetScale().ToNanoseconds(ticks);
+        ASSERT_TRUE(follows(before, later, after)) << before << ' ' << later << ' ' << after;
+    }
+}
+
+TEST(nxClock, ServesManyThreadsAtOnce)
+{
+    std::atomic<bool> wrong{false};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back(
+            [&wrong, t]
+            {
+                for (int i = 0; i < 20'000; ++i)
+                {
+                    const std::int64_t before = SystemNow();
+                    const std::int64_t now = Nanoseconds(nxClock::Now());
+                    if (now < before - millisecond || now > SystemNow() + millisecond)
+                        wrong = true;
+                    if (t == 0)
+                        nxClock::Recalibrate();
+                }
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_FALSE(wrong);
+}
+
+TEST(nxClock, GoesOnInAForkedChild)
+{
+    nxClock::Now();
+    std::atomic<bool> stop{false};
+    std::thread busy(
+        [&stop]
+        {
+            while (!stop)
+                nxClock::Recalibrate();
+        });
+    for (int i = 0; i < 20; ++i)
+    {
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            const std::int64_t before = SystemNow();
+            const std::int64_t now = Nanoseconds(nxClock::Now());
+            const std::int64_t ticks = nxClock::GetScale().ToNanoseconds(nxClock::Ticks());
+            const std::int64_t after = SystemNow();
+            const bool right = before - millisecond <= now && now <= after + millisecond &&
+                               before - millisecond <= ticks && ticks <= after + millisecond;
+            _exit(right ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    stop = true;
+    busy.join();
+}
