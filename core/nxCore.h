@@ -15,6 +15,7 @@
 #include "core/enum/nxAttributeTrendBitMask.h"
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"
+#include "core/enum/nxBitMaskRegistry.h"
 #include "core/enum/nxBoolEnum.h"
 #include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/enum/nxConditionalOrderFlagsBitMask.h"

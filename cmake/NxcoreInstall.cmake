@@ -1,0 +1,31 @@
+# What is installed, in four components: runtime, development, tools, documentation.
+
+include(CMakePackageConfigHelpers)
+
+set(NXCORE_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/nxcore")
+
+install(TARGETS nxcore EXPORT nxcoreTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
+install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
+install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core" COMPONENT development)
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/nxcoreConfig.cmake.in"
+    "${PROJECT_BINARY_DIR}/nxcoreConfig.cmake" INSTALL_DESTINATION "${NXCORE_CMAKE_DIR}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/nxcoreConfig.cmake" "${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmake"
+    DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
+
+# The way back from the folder of nxcore.pc to the prefix, however many levels the library folder has.
+set(NXCORE_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH NXCORE_PC_PREFIX "/${NXCORE_PC_DIR}" "/")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/nxcore.pc.in" "${PROJECT_BINARY_DIR}/nxcore.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/nxcore.pc" DESTINATION "${NXCORE_PC_DIR}" COMPONENT development)
+
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# The library exports nothing but its own classes, and never ends the process or writes to std::cout: symbols.sh LIBRARY
+set -u
+library=$1
+faults=0
+
+# Weak instantiations of the standard library's templates may be exported by the compiler; they are nobody's interface.
+foreign=$(nm -DC --defined-only "$library" | awk '$2 != "V" && $2 != "W" && $2 != "u" {sub(/^[^ ]* . /, ""); print}' |
+    grep -vE '^(non-virtual thunk to |vtable for |typeinfo for |typeinfo name for |guard variable for |VTT for )?nx|^operator<<\(std::ostream&, |^(bool )?operator(==|<)|^std::hash<nx')
+if [ -n "$foreign" ]; then
+    echo "exported, but not the library's own:"; echo "$foreign"; faults=1
+fi
+fatal=$(nm -D --undefined-only "$library" | awk '{print $2}' | grep -E '^(abort|exit|_exit|quick_exit|_ZSt4cout|_ZSt4cerr|_ZSt9terminatev|__assert_fail)(@|$)')
+if [ -n "$fatal" ]; then
+    echo "used, though a library keeps quiet and never ends its process:"; echo "$fatal"; faults=1
+fi
+exit $faults
