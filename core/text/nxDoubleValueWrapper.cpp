@@ -1,0 +1,28 @@
+#include "core/text/nxDoubleValueWrapper.h"
+
+#include <ostream>
+
+#include "core/text/nxStringHelper.h"
+
+nxErrorEnum nxDoubleValueWrapper::SetFromString(const std::string& text)
+{
+    nxErrorEnum error = nxStringHelper::SetFromString(text, _value, '.');
+    if (!error.IsOK())
+        SetNull();
+    return error;
+}
+
+std::string nxDoubleValueWrapper::GetAsString() const
+{
+    return IsValid() ? nxStringHelper::GetAsString(_value) : std::string();
+}
+
+std::string nxDoubleValueWrapper::GetAsLogString() const
+{
+    return IsNoChange() ? "NO_CHANGE" : nxStringHelper::GetAsString(_value);
+}
+
+std::ostream& operator<<(std::ostream& stream, const nxDoubleValueWrapper& value)
+{
+    return stream << value.GetAsLogString();
+}

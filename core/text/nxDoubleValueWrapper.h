@@ -1,0 +1,146 @@
+#ifndef CORE_TEXT_NXDOUBLEVALUEWRAPPER_H
+#define CORE_TEXT_NXDOUBLEVALUEWRAPPER_H
+
+#include <compare>
+#include <concepts>
+#include <iosfwd>
+#include <string>
+#include <type_traits>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxValueStatusEnum.h"
+#include "core/nxExport.h"
+#include "core/text/nxInitalizers.h"
+
+/// A double that can also be null (no value) or no change (keep what the receiver holds).
+///
+/// - Two numbers serve as the marks: 4503599627370495 is null, 4503599627370494 is no change. Every other double, NaN
+///   included, is a value.
+/// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
+///   to its plain double, marks included, and calculates and compares with that: null plus 1 is the valid number
+///   4503599627370496. Test IsValid() first.
+/// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
+/// - The two tag constructors are crossed over, which callers rely on: nxNoChangeInitalizer makes NULL and
+///   nxNullInitalizer makes NO CHANGE. Say GetNullInstance() and GetNoChangeInstance(), which are straight.
+/// - Errors: only SetFromString() fails, and leaves null behind. Dividing by zero gives an infinity or NaN.
+/// - Threads: like a double. Ownership: an 8-byte value that owns nothing.
+/// @code
+/// nxDoubleValueWrapper tick;                  // null
+/// if (tick.SetFromString("0.25").IsOK())
+///     tick *= 2;                              // 0.5
+/// @endcode
+class NX_CORE_API nxDoubleValueWrapper
+{
+public:
+    static constexpr double NullValue = 4503599627370495.0;      ///< The number that stands for null.
+    static constexpr double NoChangeValue = 4503599627370494.0;  ///< The number that stands for no change.
+    static constexpr double Tolerance = 1e-08;                   ///< Closer numbers compare equal.
+
+    constexpr nxDoubleValueWrapper() = default;  ///< Null.
+    /// No change, NOT null: see the class.
+    constexpr explicit nxDoubleValueWrapper(nxNullInitalizer) : _value(NoChangeValue) {}
+    /// Null, NOT no change: see the class.
+    constexpr explicit nxDoubleValueWrapper(nxNoChangeInitalizer) {}
+    /// Holds the number as given; a mark makes a null or no-change wrapper.
+    constexpr nxDoubleValueWrapper(double value) : _value(value) {}
+
+    static constexpr nxDoubleValueWrapper GetNullInstance() { return nxDoubleValueWrapper(NullValue); }
+    static constexpr nxDoubleValueWrapper GetNoChangeInstance() { return nxDoubleValueWrapper(NoChangeValue); }
+
+    constexpr void SetNull() { _value = NullValue; }
+    constexpr void SetNoChange() { _value = NoChangeValue; }
+    constexpr bool IsNull() const { return _value == NullValue; }
+    constexpr bool IsNoChange() const { return _value == NoChangeValue; }
+    constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }
+    /// @return NX_VALUE_STATUS_NO_CHANGE, NX_VALUE_STATUS_NULL or NX_VALUE_STATUS_VALID.
+    nxValueStatusEnum GetStatus() const
+    {
+        if (IsNoChange())
+            return nxValueStatusEnum(NX_VALUE_STATUS_NO_CHANGE);
+        return nxValueStatusEnum(IsNull() ? NX_VALUE_STATUS_NULL : NX_VALUE_STATUS_VALID);
+    }
+
+    /// The number as it stands, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
+    constexpr operator double() const { return _value; }
+
+    constexpr nxDoubleValueWrapper& operator+=(double value) { return _Assign(_value + value); }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator-=(double value) { return _Assign(_value - value); }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator*=(double value) { return _Assign(_value * value); }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator/=(double value) { return _Assign(_value / value); }  ///< Ignores the state.
+
+    /// @return the larger of two values, @p a when they are equal within the tolerance; when one is not valid, the
+    ///         other one.
+    static constexpr nxDoubleValueWrapper GetMax(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b)
+    {
+        return _Prefers(a, b, a > b) ? a : b;
+    }
+    /// @return the smaller of two values, @p a when they are equal within the tolerance; when one is not valid, the
+    ///         other one.
+    static constexpr nxDoubleValueWrapper GetMin(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b)
+    {
+        return _Prefers(a, b, a < b) ? a : b;
+    }
+
+    /// Reads a number with '.' as decimal separator; see nxStringHelper.
+    /// @return NX_ERR_INVALID_PARAMETER when the text is none; the wrapper is then null.
+    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
+    /// @return the number with up to nine decimals; an empty text for null and no change.
+    std::string GetAsString() const;
+    /// @return "NO_CHANGE" for no change, otherwise the number. Null is no exception: it logs as the number of its
+    ///         mark, "4.503600e+15", which log readers look for.
+    std::string GetAsLogString() const;
+
+    /// Equal within the tolerance; marks count as numbers. An infinity is not equal to itself.
+    friend constexpr bool operator==(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b)
+    {
+        return _Compare(a._value, b._value) == 0;
+    }
+    /// Equivalent within the tolerance, else ordered as doubles; marks count as numbers.
+    friend constexpr std::partial_ordering operator<=>(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b)
+    {
+        return _Compare(a._value, b._value);
+    }
+    /// @copydoc operator==(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
+    template <class Number>
+        requires std::is_arithmetic_v<Number>
+    friend constexpr bool operator==(const nxDoubleValueWrapper& a, Number b)
+    {
+        return _Compare(a._value, static_cast<double>(b)) == 0;
+    }
+    /// @copydoc operator<=>(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
+    template <class Number>
+        requires std::is_arithmetic_v<Number>
+    friend constexpr std::partial_ordering operator<=>(const nxDoubleValueWrapper& a, Number b)
+    {
+        return _Compare(a._value, static_cast<double>(b));
+    }
+
+private:
+    static constexpr std::partial_ordering _Compare(double a, double b)
+    {
+        if (a - b < Tolerance && b - a < Tolerance)
+            return std::partial_ordering::equivalent;
+        // Two equal infinities get here; the difference rule does not call them equal, nor is one larger.
+        if (a > b)
+            return std::partial_ordering::greater;
+        return b > a ? std::partial_ordering::less : std::partial_ordering::unordered;
+    }
+
+    static constexpr bool _Prefers(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b, bool better)
+    {
+        return a.IsValid() && (!b.IsValid() || better || a == b);
+    }
+
+    constexpr nxDoubleValueWrapper& _Assign(double value)
+    {
+        _value = value;
+        return *this;
+    }
+
+    double _value = NullValue;
+};
+
+/// Writes the log form.
+NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxDoubleValueWrapper& value);
+
+#endif

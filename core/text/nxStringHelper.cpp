@@ -1,0 +1,286 @@
+#include "core/text/nxStringHelper.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cstring>
+
+#include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/numeric/nxDoubleHelper.h"
+#include "core/time/nxDate.h"
+#include "core/time/nxDateTime.h"
+#include "core/time/nxTime.h"
+
+namespace
+{
+constexpr const char* trimmed = " \t\n\r";
+constexpr unsigned maxDecimals = 9;
+constexpr std::uint64_t powersOfTen[] = {1,         10,         100,         1'000,        10'000,
+                                         100'000,   1'000'000,  10'000'000,  100'000'000,  1'000'000'000};
+constexpr double doublePowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// The largest text of a double: sign, 10 digits, point, 9 digits; or sign and "d.dddddde+ddd".
+constexpr std::size_t doubleTextSize = 40;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The reading rule as it stands, one digit at a time in doubles: what every shortcut has to agree with.
+bool ReadDoubleByDigits(const char* at, const char* end, char separator, double& magnitude)
+{
+    double mantissa = 0;
+    double divisor = 1;
+    bool inFraction = false;
+    bool anyDigit = false;
+    for (; at != end; ++at)
+    {
+        if (*at == separator && !inFraction)
+        {
+            inFraction = true;
+            continue;
+        }
+        if (*at == separator || !IsDigit(*at))
+            return false;
+        anyDigit = true;
+        mantissa = mantissa * 10 + (*at - '0');
+        if (inFraction)
+            divisor = divisor * 10;
+    }
+    if (anyDigit)
+        magnitude = mantissa / divisor;
+    return anyDigit;
+}
+
+// Rounds to the digits asked for. Both parts are smaller than 2^32.
+struct RoundedDouble
+{
+    std::uint64_t whole;
+    std::uint64_t fraction;  // in units of the last decimal
+};
+
+RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)
+{
+    const auto whole = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(magnitude));
+    const double rest = magnitude - static_cast<double>(whole);
+    if (decimals == 0)
+        return {whole + (rest > 0.5 || (rest == 0.5 && whole % 2 == 1) ? 1 : 0), 0};
+    const double scaled = rest * doublePowersOfTen[decimals];
+    auto fraction = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(scaled));
+    const double remainder = scaled - static_cast<double>(fraction);
+    if (remainder > 0.5 || (remainder == 0.5 && (fraction == 0 || fraction % 2 == 1)))
+        ++fraction;
+    if (fraction == powersOfTen[decimals])
+        return {whole + 1, 0};
+    return {whole, fraction};
+}
+
+// Writes the point and the decimals without trailing zeros; nothing when there are only zeros.
+char* WriteFraction(char* out, std::uint64_t fraction, unsigned decimals)
+{
+    if (fraction == 0)
+        return out;
+    // As nine decimals: the zeros added here are dropped again.
+    fraction *= powersOfTen[maxDecimals - decimals];
+    const std::uint64_t first = fraction / 100'000'000;
+    const std::uint64_t others = nxDigits::Spread(fraction % 100'000'000);
+    *out++ = '.';
+    *out++ = static_cast<char>('0' + first);
+    nxDigits::Store(out, others | nxDigits::AsText);
+    return out + 8 - std::countl_zero(others) / 8;
+}
+
+char* WriteDouble(char* out, double value, unsigned decimals)
+{
+    const double magnitude = value < 0 ? -value : value;
+    // Written so that NaN, which compares false with everything, goes this way too.
+    if (!(magnitude <= 2147483647.0))
+        return std::to_chars(out, out + doubleTextSize, value, std::chars_format::scientific, 6).ptr;
+    decimals = std::min(decimals, maxDecimals);
+    const RoundedDouble rounded = RoundToDecimals(magnitude, decimals);
+    *out = '-';
+    out = nxDigits::Write(out + (value < 0 ? 1 : 0), rounded.whole);
+    return WriteFraction(out, rounded.fraction, decimals);
+}
+}  // namespace
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, bool& value)
+{
+    value = text == "TRUE";
+    return value || text == "FALSE" ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+}
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, double& value, char separator)
+{
+    const char* begin = text.data();
+    const char* const end = begin + text.size();
+    const bool negative = begin != end && *begin == '-';
+    double magnitude = 0;
+    if (!ReadDoubleByDigits(begin + (negative ? 1 : 0), end, separator, magnitude))
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    value = negative ? -magnitude : magnitude;
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, std::string& value)
+{
+    value = text;
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxDate& value) { return value.SetFromString(text); }
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxTime& value) { return value.SetFromString(text); }
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxEnum& value)
+{
+    return value.SetFromShortDescriptionString(text) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+}
+
+void nxStringHelper::AppendAsString(std::string& out, double value, unsigned int decimals)
+{
+    char text[doubleTextSize];
+    const char* const end = WriteDouble(text, value, decimals);
+    out.append(text, static_cast<std::size_t>(end - text));
+}
+
+std::string nxStringHelper::GetAsString(double value, unsigned int decimals)
+{
+    char text[doubleTextSize];
+    const char* const end = WriteDouble(text, value, decimals);
+    return std::string(text, static_cast<std::size_t>(end - text));
+}
+
+void nxStringHelper::AppendAsString(std::string& out, const char* value)
+{
+    if (value != nullptr)
+        out.append(value);
+}
+
+std::string nxStringHelper::GetAsString(const char* value) { return value != nullptr ? value : std::string(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxDate& value) { value.AppendAsString(out); }
+
+std::string nxStringHelper::GetAsString(const nxDate& value) { return value.GetAsString(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxTime& value) { value.AppendAsString(out); }
+
+std::string nxStringHelper::GetAsString(const nxTime& value) { return value.GetAsString(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxDateTime& value) { value.AppendAsString(out); }
+
+std::string nxStringHelper::GetAsString(const nxDateTime& value) { return value.GetAsString(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxEnum& value) { out.append(value.GetShortDescription()); }
+
+std::string nxStringHelper::GetAsString(const nxEnum& value) { return value.GetShortDescription(); }
+
+void nxStringHelper::PadLeft(std::string& s, const unsigned int& width, const char& fill)
+{
+    // The arguments may refer into the string.
+    const char character = fill;
+    if (s.size() < width)
+        s.insert(0, width - s.size(), character);
+}
+
+void nxStringHelper::PadRight(std::string& s, const unsigned int& width, const char& fill)
+{
+    const char character = fill;
+    if (s.size() < width)
+        s.append(width - s.size(), character);
+}
+
+void nxStringHelper::Strip(std::string& s, char c) { s.erase(std::remove(s.begin(), s.end(), c), s.end()); }
+
+void nxStringHelper::RightTrim(std::string& s) { s.erase(s.find_last_not_of(trimmed) + 1); }
+
+void nxStringHelper::LeftTrim(std::string& s) { s.erase(0, s.find_first_not_of(trimmed)); }
+
+void nxStringHelper::RightTrim(std::string& s, const std::string& chars)
+{
+    s.erase(s.find_last_not_of(chars) + 1);
+}
+
+std::string nxStringHelper::GetRightTrimmed(const std::string& s)
+{
+    return s.substr(0, s.find_last_not_of(trimmed) + 1);
+}
+
+std::string nxStringHelper::GetLeftTrimmed(const std::string& s)
+{
+    return s.substr(std::min(s.find_first_not_of(trimmed), s.size()));
+}
+
+void nxStringHelper::Replace(std::string& s, const std::string& what, const std::string& with)
+{
+    if (what.empty())
+        return;
+    std::size_t hit = s.find(what);
+    if (hit == std::string::npos)
+        return;
+    // Built beside the old text: linear however many hits there are, and the arguments may be the string itself.
+    std::string result;
+    result.reserve(s.size());
+    std::size_t position = 0;
+    for (; hit != std::string::npos; hit = s.find(what, position))
+    {
+        result.append(s, position, hit - position).append(with);
+        position = hit + what.size();
+    }
+    result.append(s, position, std::string::npos);
+    s = std::move(result);
+}
+
+void nxStringHelper::ToUpper(std::string& s)
+{
+    for (char& c : s)
+        c = _ToUpper(c);
+}
+
+void nxStringHelper::ToLower(std::string& s)
+{
+    for (char& c : s)
+        c = _ToLower(c);
+}
+
+std::string nxStringHelper::GetUppercaseAndUnderscoreFormatted(const std::string& text)
+{
+    std::string result;
+    result.reserve(text.size() + text.size() / 4);
+    char previous = '\0';
+    for (const char c : text)
+    {
+        if (IsUppercase(c) && IsLowercase(previous))
+            result.push_back('_');
+        result.push_back(_ToUpper(c));
+        previous = c;
+    }
+    return result;
+}
+
+bool nxStringHelper::Compare(const std::string& a, const std::string& b, const nxCaseSensitivityEnum& sensitivity)
+{
+    if (sensitivity == CASE_SENSITIVE)
+        return a == b;
+    return sensitivity == CASE_INSENSITIVE &&
+           std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return _ToUpper(x) == _ToUpper(y); });
+}
+
+int nxStringHelper::CompareAlphabetically(const std::string& a, const std::string& b,
+                                          const nxCaseSensitivityEnum& sensitivity)
+{
+    if (sensitivity == CASE_SENSITIVE)
+    {
+        const int order = std::strcmp(a.c_str(), b.c_str());
+        return (order > 0) - (order < 0);
+    }
+    if (!(sensitivity == CASE_INSENSITIVE))
+        return 0;
+    const char* left = a.c_str();
+    const char* right = b.c_str();
+    while (*left != '\0' && _ToLower(*left) == _ToLower(*right))
+    {
+        ++left;
+        ++right;
+    }
+    return static_cast<unsigned char>(_ToLower(*left)) - static_cast<unsigned char>(_ToLower(*right));
+}

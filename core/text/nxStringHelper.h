@@ -1,0 +1,283 @@
+#ifndef CORE_TEXT_NXSTRINGHELPER_H
+#define CORE_TEXT_NXSTRINGHELPER_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/nxExport.h"
+#include "core/text/nxDigits.h"
+
+class nxCaseSensitivityEnum;
+class nxDate;
+class nxDateTime;
+class nxTime;
+
+/// Converts between text and the library's value types, and edits strings in place: the library's one set of rules for
+/// numeric text, used for configuration, command lines, files and log lines alike.
+///
+/// - Static operations only; no instances, no state. No operation consults a locale: letters are the 26 of ASCII,
+///   other bytes are left alone and belong to no class.
+/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched (a `bool` is set
+///   to false). Nothing throws but the allocation of a string.
+/// - Reading is strict: no blanks are skipped, a '+' is never accepted, and the whole text must be used.
+/// - Reading an integer does NOT check the range: a number too large for the target wraps modulo 2 to the number of
+///   its bits ("70000" into an `unsigned short` gives 4464). A caller that cares reads into a wider type and compares.
+/// - Threads: any thread, on strings of its own.
+/// @code
+/// unsigned volume = 0;
+/// if (nxStringHelper::SetFromString(field, volume).IsOK())
+///     nxStringHelper::AppendAsString(line, volume);
+/// double price = 0;
+/// const bool read = nxStringHelper::SetFromString("1,5", price, ',').IsOK();  // true, 1.5
+/// nxStringHelper::GetAsString(0.1 + 0.2);                                     // "0.3"
+/// @endcode
+class NX_CORE_API nxStringHelper
+{
+public:
+    nxStringHelper() = delete;
+
+    // ---------------------------------------------------------------- text to value
+
+    /// Reads exactly "TRUE" or "FALSE".
+    /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then false.
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, bool& value);
+
+    /// Reads digits, for signed types after an optional '-'. Wraps: see the class.
+    /// @return NX_ERR_INVALID_PARAMETER for an empty text, "-" alone and any other character; @p value is then
+    ///         untouched.
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, short& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, unsigned short& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, int& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, unsigned int& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, long& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, unsigned long& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, long long& value)
+    {
+        return _ReadInteger(text, value);
+    }
+    /// @copydoc SetFromString(const std::string&, short&)
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, unsigned long long& value)
+    {
+        return _ReadInteger(text, value);
+    }
+
+    /// Reads an optional '-', digits, and at most one @p separator before, among or behind the digits; no exponent.
+    /// Up to 15 digits the result is the double nearest to the number; with more it may be some units in the last
+    /// place away, and from about 309 digits on it is infinite or not a number.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, double& value, char separator);
+
+    /// Copies the text; always succeeds.
+    static nxErrorEnum SetFromString(const std::string& text, std::string& value);
+    /// Reads eight digits yyyymmdd; see nxDate::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDate& value);
+    /// Reads a time of day; see nxTime::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxTime& value);
+    /// Reads a short description (identifier) of any enumeration.
+    /// @return NX_ERR_INVALID_PARAMETER when no value has that text (@p value is untouched) or when the value belongs
+    ///         to another class (@p value is then undefined, as nxEnum's own setter leaves it).
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxEnum& value);
+
+    /// Reads digits from a text that need not be terminated; otherwise as SetFromString() into an `unsigned int`.
+    [[nodiscard]] static nxErrorEnum SetFromStringView(const std::string_view& text, unsigned int& value)
+    {
+        return _ReadInteger(text, value);
+    }
+
+    // ---------------------------------------------------------------- value to text
+
+    /// Appends the character's NUMBER in decimal: 'A' gives "65". A `char` is signed: byte 0xFF gives "-1".
+    static void AppendAsString(std::string& out, char value) { _AppendInteger(out, static_cast<signed char>(value)); }
+    /// Appends the character's number in decimal, 0 to 255.
+    static void AppendAsString(std::string& out, unsigned char value) { _AppendInteger(out, value); }
+    /// Appends the number in plain decimal, with '-' when it is negative.
+    static void AppendAsString(std::string& out, short value) { _AppendInteger(out, value); }
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, unsigned short value) { _AppendInteger(out, value); }
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, int value) { _AppendInteger(out, value); }
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, unsigned int value) { _AppendInteger(out, value); }
+    /// There is no such operation for `long`, whose width depends on the platform: convert to `long long`.
+    static void AppendAsString(std::string& out, long value) = delete;
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, unsigned long value) { _AppendInteger(out, value); }
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, long long value) { _AppendInteger(out, value); }
+    /// @copydoc AppendAsString(std::string&, short)
+    static void AppendAsString(std::string& out, unsigned long long value) { _AppendInteger(out, value); }
+    /// Appends "TRUE" or "FALSE".
+    static void AppendAsString(std::string& out, bool value) { out.append(value ? "TRUE" : "FALSE"); }
+    /// As for a double with nine decimals.
+    static void AppendAsString(std::string& out, float value) { AppendAsString(out, static_cast<double>(value), 9); }
+    /// As for a double with nine decimals.
+    static void AppendAsString(std::string& out, double value) { AppendAsString(out, value, 9); }
+    /// Appends the number rounded to at most @p decimals decimals (9 when it is more), trailing zeros and a trailing
+    /// point left out: 2.5 with nine decimals is "2.5", 3.0 is "3". A negative number that rounds to zero is "-0".
+    ///
+    /// Magnitudes above 2147483647, infinities and NaN come in the form of the C format "%e" ("2.147484e+09", "inf").
+    /// An exact half is rounded away from zero where the last digit kept is odd or all decimals kept are zero, else
+    /// toward zero; without decimals, to the even number (0.5 is "0", 1.5 is "2").
+    static void AppendAsString(std::string& out, double value, unsigned int decimals);
+    /// Appends the text; nothing for a null pointer.
+    static void AppendAsString(std::string& out, const char* value);
+    /// Appends the text.
+    static void AppendAsString(std::string& out, const std::string& value) { out.append(value); }
+    /// Appends eight digits yyyymmdd, nothing for null.
+    static void AppendAsString(std::string& out, const nxDate& value);
+    /// Appends "HH:MM:SS", nothing for null; see nxTime::GetAsString().
+    static void AppendAsString(std::string& out, const nxTime& value);
+    /// Appends "05 Mar 2024 09:07:03", nothing for null; see nxDateTime::GetAsString().
+    static void AppendAsString(std::string& out, const nxDateTime& value);
+    /// Appends the short description.
+    static void AppendAsString(std::string& out, const nxEnum& value);
+
+    /// @return the character's NUMBER in decimal: 'A' gives "65", byte 0xFF gives "-1".
+    static std::string GetAsString(char value) { return _GetInteger(static_cast<signed char>(value)); }
+    /// @return the character's number in decimal, 0 to 255.
+    static std::string GetAsString(unsigned char value) { return _GetInteger(value); }
+    /// @return the number in plain decimal, with '-' when it is negative.
+    static std::string GetAsString(short value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(unsigned short value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(int value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(unsigned int value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(long value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(unsigned long value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(long long value) { return _GetInteger(value); }
+    /// @copydoc GetAsString(short)
+    static std::string GetAsString(unsigned long long value) { return _GetInteger(value); }
+    /// @return "TRUE" or "FALSE".
+    static std::string GetAsString(bool value) { return value ? "TRUE" : "FALSE"; }
+    /// @return the text that AppendAsString() appends for a double with nine decimals.
+    static std::string GetAsString(float value) { return GetAsString(static_cast<double>(value), 9); }
+    /// @return the text that AppendAsString() appends for a double with nine decimals.
+    static std::string GetAsString(double value) { return GetAsString(value, 9); }
+    /// @return the text that AppendAsString() appends for a double.
+    static std::string GetAsString(double value, unsigned int decimals);
+    /// @return a copy; empty for a null pointer.
+    static std::string GetAsString(const char* value);
+    /// @return a copy.
+    static std::string GetAsString(const std::string& value) { return value; }
+    /// @return eight digits yyyymmdd, empty for null.
+    static std::string GetAsString(const nxDate& value);
+    /// @return "HH:MM:SS", empty for null; see nxTime::GetAsString().
+    static std::string GetAsString(const nxTime& value);
+    /// @return "05 Mar 2024 09:07:03", empty for null; see nxDateTime::GetAsString().
+    static std::string GetAsString(const nxDateTime& value);
+    /// @return the short description.
+    static std::string GetAsString(const nxEnum& value);
+
+    // ---------------------------------------------------------------- editing and queries
+
+    /// Puts copies of @p fill in front until @p s has @p width characters; a longer text stays as it is.
+    static void PadLeft(std::string& s, const unsigned int& width, const char& fill);
+    /// Puts copies of @p fill behind until @p s has @p width characters; a longer text stays as it is.
+    static void PadRight(std::string& s, const unsigned int& width, const char& fill);
+    /// Removes every @p c, wherever it stands.
+    static void Strip(std::string& s, char c);
+    /// Removes blanks, tabs, newlines and carriage returns at the end; no other white space.
+    static void RightTrim(std::string& s);
+    /// Removes blanks, tabs, newlines and carriage returns at the front; no other white space.
+    static void LeftTrim(std::string& s);
+    /// Removes the characters at the end that are among @p chars.
+    static void RightTrim(std::string& s, const std::string& chars);
+    /// @return a copy without blanks, tabs, newlines and carriage returns at the end.
+    static std::string GetRightTrimmed(const std::string& s);
+    /// @return a copy without blanks, tabs, newlines and carriage returns at the front.
+    static std::string GetLeftTrimmed(const std::string& s);
+    /// Replaces every @p what, from left to right, by @p with; what was put in is not searched again. Nothing happens
+    /// when @p what is empty. The arguments may be the same string.
+    static void Replace(std::string& s, const std::string& what, const std::string& with);
+    static void ToUpper(std::string& s);  ///< Turns a to z into A to Z.
+    static void ToLower(std::string& s);  ///< Turns A to Z into a to z.
+    static bool IsUppercase(char c) { return c >= 'A' && c <= 'Z'; }  ///< @return whether @p c is one of A to Z.
+    static bool IsLowercase(char c) { return c >= 'a' && c <= 'z'; }  ///< @return whether @p c is one of a to z.
+    /// @return camel case as upper case with underscores: "orderId" gives "ORDER_ID", "ABCValue" gives "ABCVALUE".
+    static std::string GetUppercaseAndUnderscoreFormatted(const std::string& text);
+    /// @return whether the texts are equal, byte by byte (NUL included); false when @p sensitivity is neither of its
+    ///         two values.
+    static bool Compare(const std::string& a, const std::string& b, const nxCaseSensitivityEnum& sensitivity);
+    /// Orders by byte value (unsigned), case-insensitively by that of the lower-case letters; only what stands before
+    /// the first NUL counts.
+    /// @return negative, 0 or positive (-1, 0 or 1 when case-sensitive); 0 when @p sensitivity is neither of its two
+    ///         values.
+    static int CompareAlphabetically(const std::string& a, const std::string& b,
+                                     const nxCaseSensitivityEnum& sensitivity);
+
+private:
+    static constexpr char _ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+    static constexpr char _ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+    template <class Integer>
+    static nxErrorEnum _ReadInteger(std::string_view text, Integer& value)
+    {
+        const char* begin = text.data();
+        const char* const end = begin + text.size();
+        const bool negative = std::is_signed_v<Integer> && begin != end && *begin == '-';
+        std::uint64_t magnitude = 0;
+        if (!nxDigits::Parse(begin + (negative ? 1 : 0), end, magnitude))
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        value = static_cast<Integer>(negative ? 0 - magnitude : magnitude);
+        return nxErrorEnum();
+    }
+
+    template <class Integer>
+    static char* _WriteInteger(char* out, Integer value)
+    {
+        if constexpr (std::is_signed_v<Integer>)
+            return nxDigits::WriteSigned(out, value);
+        else
+            return nxDigits::Write(out, value);
+    }
+
+    template <class Integer>
+    static void _AppendInteger(std::string& out, Integer value)
+    {
+        char text[nxDigits::MaxDigits];
+        const char* const end = _WriteInteger(text, value);
+        out.append(text, static_cast<std::size_t>(end - text));
+    }
+
+    template <class Integer>
+    static std::string _GetInteger(Integer value)
+    {
+        char text[nxDigits::MaxDigits];
+        const char* const end = _WriteInteger(text, value);
+        return std::string(text, static_cast<std::size_t>(end - text));
+    }
+};
+
+#endif

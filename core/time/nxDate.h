@@ -1,0 +1,93 @@
+#ifndef CORE_TIME_NXDATE_H
+#define CORE_TIME_NXDATE_H
+
+#include <compare>
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/nxExport.h"
+#include "core/text/nxInitalizers.h"
+#include "core/time/nxCalendar.h"
+
+/// A nullable day of the Gregorian calendar, from 1 January of the year 1 to 31 December 9999.
+///
+/// - Units: the day is held and written as one number, yyyymmdd (20240305 is 5 March 2024). It has no time zone.
+/// - Null: a default-constructed date is null; null comes before every day.
+/// - Errors: an impossible day is never held. The constructors make null of it; the setters return
+///   NX_ERR_INVALID_PARAMETER and leave the date as it was.
+/// - Threads: like an int.
+/// - Ownership: a 4-byte value that owns nothing; pass it by value.
+/// @code
+/// nxDate expiry;
+/// if (expiry.SetFromString("20240229").IsOK())
+///     expiry = expiry.GetWithDaysAdded(1);  // 1 March 2024
+/// @endcode
+class NX_CORE_API nxDate
+{
+public:
+    constexpr nxDate() = default;  ///< Null.
+    constexpr explicit nxDate(nxNullInitalizer) {}
+    /// The day with the number @p isoDate (yyyymmdd), or null when there is no such day.
+    constexpr explicit nxDate(unsigned isoDate) : nxDate(isoDate / 10000, isoDate / 100 % 100, isoDate % 100) {}
+    /// Month 1 to 12, day from 1; null when there is no such day.
+    constexpr nxDate(unsigned year, unsigned month, unsigned day)
+        : _isoDate(nxCalendar::IsDate(year, month, day) ? year * 10000 + month * 100 + day : 0)
+    {
+    }
+
+    static constexpr nxDate GetNullInstance() { return nxDate(); }
+    /// @return the day that is @p dayNumber days after 1 January 1970 (before it when negative), or null when that lies
+    ///         outside the years 1 to 9999.
+    static nxDate GetFromDayNumber(long long dayNumber);
+
+    constexpr void SetNull() { _isoDate = 0; }
+    constexpr bool IsNull() const { return _isoDate == 0; }
+    constexpr bool IsValid() const { return !IsNull(); }
+
+    /// @return the day as the number yyyymmdd; 0 for null.
+    constexpr unsigned GetISODate() const { return _isoDate; }
+    constexpr unsigned GetYear() const { return _isoDate / 10000; }          ///< 1 to 9999; 0 for null.
+    constexpr unsigned GetMonth() const { return _isoDate / 100 % 100; }     ///< 1 to 12; 0 for null.
+    constexpr unsigned GetDay() const { return _isoDate % 100; }             ///< 1 to 31; 0 for null.
+    /// @return 1 for Monday to 7 for Sunday; 0 for null.
+    unsigned GetDayOfWeek() const;
+    /// @return days since 1 January 1970, negative before it; 0 for null.
+    int GetDayNumber() const;
+    /// @return the day @p days later (earlier when negative); null when this date is null or the result is out of range.
+    nxDate GetWithDaysAdded(int days) const;
+
+    /// Takes the day with the number @p isoDate (yyyymmdd).
+    /// @return NX_ERR_INVALID_PARAMETER when there is no such day; the date is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromISODate(unsigned isoDate);
+    /// Reads exactly eight digits, yyyymmdd: no sign, no blanks.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text and for an impossible day; the date is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
+
+    /// @return the eight digits yyyymmdd; an empty text for null.
+    std::string GetAsString() const;
+    /// Appends what GetAsString() returns.
+    void AppendAsString(std::string& out) const;
+    /// @return the eight digits yyyymmdd, or "NULL".
+    std::string GetAsLogString() const;
+    /// Appends what GetAsLogString() returns.
+    void AppendAsLogString(std::string& out) const;
+
+    friend constexpr bool operator==(nxDate, nxDate) = default;
+    friend constexpr auto operator<=>(nxDate, nxDate) = default;
+
+private:
+    unsigned _isoDate = 0;  // yyyymmdd, 0 for null
+};
+
+/// Writes the log form.
+NX_CORE_API std::ostream& operator<<(std::ostream& stream, nxDate date);
+
+template <>
+struct std::hash<nxDate>
+{
+    std::size_t operator()(nxDate date) const noexcept { return std::hash<unsigned>()(date.GetISODate()); }
+};
+
+#endif

@@ -1,0 +1,130 @@
+#include "core/time/nxDateTime.h"
+
+#include <cstddef>
+#include <ctime>
+#include <ostream>
+
+#include "core/text/nxDigits.h"
+
+namespace
+{
+template <unsigned Digits>
+void AppendFixed(std::string& out, unsigned value)
+{
+    char text[Digits];
+    nxDigits::WriteFixed<Digits>(text, value);
+    out.append(text, Digits);
+}
+
+// Calendar years are far from the ends of the integer, so a carry that would overflow lies outside them anyway.
+bool CarryIntoSeconds(long long& seconds, unsigned& nanoseconds)
+{
+    constexpr unsigned nanosecondsPerSecond = 1'000'000'000;
+    if (__builtin_add_overflow(seconds, nanoseconds / nanosecondsPerSecond, &seconds))
+        return false;
+    nanoseconds %= nanosecondsPerSecond;
+    return true;
+}
+}  // namespace
+
+nxDateTime::nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds)
+{
+    if (!CarryIntoSeconds(secondsSinceEpoch, nanoseconds))
+        return;
+    const std::time_t seconds = secondsSinceEpoch;
+    std::tm fields;
+    if (localtime_r(&seconds, &fields) == nullptr || fields.tm_year < -1900)
+        return;
+    const nxDate date(static_cast<unsigned>(fields.tm_year) + 1900, static_cast<unsigned>(fields.tm_mon) + 1,
+                      static_cast<unsigned>(fields.tm_mday));
+    // Time zones that count leap seconds have a second 60, which is shown as a second 59.
+    const int second = fields.tm_sec < 60 ? fields.tm_sec : 59;
+    if (date.IsValid())
+        *this = nxDateTime(date, nxTime(static_cast<unsigned>(fields.tm_hour), static_cast<unsigned>(fields.tm_min),
+                                        static_cast<unsigned>(second), nanoseconds));
+}
+
+void nxDateTime::_AppendField(std::string& out, char directive) const
+{
+    switch (directive)
+    {
+        case 'd':
+            return AppendFixed<2>(out, _date.GetDay());
+        case 'm':
+            return AppendFixed<2>(out, _date.GetMonth());
+        case 'b':
+            out.append(nxCalendar::GetMonthName(_date.GetMonth()));
+            return;
+        case 'y':
+            return AppendFixed<2>(out, _date.GetYear() % 100);
+        case 'Y':
+            return AppendFixed<4>(out, _date.GetYear());
+        case 'H':
+            return AppendFixed<2>(out, _time.GetHours());
+        case 'M':
+            return AppendFixed<2>(out, _time.GetMinutes());
+        default:
+            return AppendFixed<2>(out, _time.GetSeconds());
+    }
+}
+
+void nxDateTime::AppendAsString(std::string& out, std::string_view pattern) const
+{
+    constexpr std::string_view dateFields = "dmbyY";
+    constexpr std::string_view timeFields = "HMS";
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+    {
+        if (pattern[i] != '%' || i + 1 == pattern.size())
+        {
+            out.push_back(pattern[i]);
+            continue;
+        }
+        const char directive = pattern[++i];
+        const bool ofDate = dateFields.find(directive) != std::string_view::npos;
+        const bool ofTime = timeFields.find(directive) != std::string_view::npos;
+        if ((ofDate && _date.IsValid()) || (ofTime && _time.IsValid()))
+            _AppendField(out, directive);
+        else if (!ofDate && !ofTime)
+            out.append(pattern.substr(directive == '%' ? i : i - 1, directive == '%' ? 1 : 2));
+    }
+}
+
+void nxDateTime::AppendAsString(std::string& out) const
+{
+    if (IsValid())
+        AppendAsString(out, IsTimeOfDayOnly() ? "%H:%M:%S" : "%d %b %Y %H:%M:%S");
+}
+
+std::string nxDateTime::GetAsString(std::string_view pattern) const
+{
+    std::string text;
+    AppendAsString(text, pattern);
+    return text;
+}
+
+std::string nxDateTime::GetAsString() const
+{
+    std::string text;
+    AppendAsString(text);
+    return text;
+}
+
+void nxDateTime::AppendAsLogString(std::string& out) const
+{
+    if (IsNull())
+        out.append("NULL");
+    else
+        AppendAsString(out);
+}
+
+std::string nxDateTime::GetAsLogString() const
+{
+    std::string text;
+    AppendAsLogString(text);
+    return text;
+}
+
+std::ostream& operator<<(std::ostream& stream, const nxDateTime& dateTime)
+{
+    return stream << dateTime.GetAsLogString();
+}

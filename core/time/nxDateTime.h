@@ -1,0 +1,94 @@
+#ifndef CORE_TIME_NXDATETIME_H
+#define CORE_TIME_NXDATETIME_H
+
+#include <compare>
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include "core/nxExport.h"
+#include "core/text/nxInitalizers.h"
+#include "core/time/nxDate.h"
+#include "core/time/nxTime.h"
+
+/// A nullable calendar moment of local time: a date with a time of day, or a time of day alone.
+///
+/// - Units: a day and nanoseconds since midnight. It is what the wall clock shows and keeps no time zone.
+/// - Null: a default-constructed date-time is null and comes before all others; one with a time of day alone comes
+///   before all that have a date.
+/// - Errors: an impossible date or time, and a moment outside the years 1 to 9999, make null.
+/// - Threads: like an int. The constructor that converts a moment reads the process's time zone; nobody may change the
+///   environment variable TZ meanwhile.
+/// - Ownership: a 16-byte value that owns nothing.
+/// @code
+/// const nxDateTime start(nxDate(2024, 3, 5), nxTime(9, 7, 3));
+/// start.GetAsString();            // "05 Mar 2024 09:07:03"
+/// start.GetAsString("%d%b%Y");    // "05Mar2024"
+/// nxDateTime(8, 30, 0).IsTimeOfDayOnly();  // true
+/// @endcode
+class NX_CORE_API nxDateTime
+{
+public:
+    constexpr nxDateTime() = default;  ///< Null.
+    constexpr explicit nxDateTime(nxNullInitalizer) {}
+    /// Null when @p time is null; a time of day alone when only @p date is null.
+    constexpr nxDateTime(nxDate date, nxTime time) : _date(time.IsNull() ? nxDate() : date), _time(time) {}
+    /// A time of day alone: hours 0 to 23, minutes and seconds 0 to 59, else null.
+    constexpr nxDateTime(unsigned hours, unsigned minutes, unsigned seconds) : _time(hours, minutes, seconds) {}
+    /// The local time of a moment.
+    /// @param secondsSinceEpoch seconds since 1 January 1970, 00:00 UTC; negative before it.
+    /// @param nanoseconds what is added to them; a second and more is carried over.
+    nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds);
+
+    static constexpr nxDateTime GetNullInstance() { return nxDateTime(); }
+
+    constexpr void SetNull() { *this = nxDateTime(); }
+    constexpr bool IsNull() const { return _time.IsNull(); }
+    constexpr bool IsValid() const { return !IsNull(); }
+    /// @return whether there is a time of day and no date.
+    constexpr bool IsTimeOfDayOnly() const { return _date.IsNull() && _time.IsValid(); }
+
+    constexpr nxDate GetDate() const { return _date; }  ///< Null when there is none.
+    constexpr nxTime GetTime() const { return _time; }  ///< Null when there is none.
+
+    /// @return "05 Mar 2024 09:07:03" (the pattern "%d %b %Y %H:%M:%S"), "09:07:03" for a time of day alone, an empty
+    ///         text for null. The fraction of the second is not shown.
+    std::string GetAsString() const;
+    /// Appends what GetAsString() returns.
+    void AppendAsString(std::string& out) const;
+    /// Formats with a pattern: %d day and %m month with two digits, %b month as "Jan" to "Dec", %y year with two digits,
+    /// %Y with four, %H, %M and %S hours, minutes and seconds with two digits, %% a percent sign. Everything else
+    /// stands for itself. Months are English whatever the locale. A field that is null gives nothing.
+    std::string GetAsString(std::string_view pattern) const;
+    /// Appends what GetAsString(pattern) returns.
+    void AppendAsString(std::string& out, std::string_view pattern) const;
+    /// @return what GetAsString() returns, or "NULL".
+    std::string GetAsLogString() const;
+    /// Appends what GetAsLogString() returns.
+    void AppendAsLogString(std::string& out) const;
+
+    friend constexpr bool operator==(const nxDateTime&, const nxDateTime&) = default;
+    friend constexpr auto operator<=>(const nxDateTime&, const nxDateTime&) = default;
+
+private:
+    void _AppendField(std::string& out, char directive) const;
+
+    nxDate _date;
+    nxTime _time;
+};
+
+/// Writes the log form.
+NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxDateTime& dateTime);
+
+template <>
+struct std::hash<nxDateTime>
+{
+    std::size_t operator()(const nxDateTime& dateTime) const noexcept
+    {
+        // Days and nanoseconds of a day share 64 bits: 47 bits hold the nanoseconds.
+        return (static_cast<std::size_t>(dateTime.GetDate().GetISODate()) << 47) ^ std::hash<nxTime>()(dateTime.GetTime());
+    }
+};
+
+#endif
