@@ -63,10 +63,22 @@ public:
     /// The number as it stands, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
     constexpr operator double() const { return _value; }
 
-    constexpr nxDoubleValueWrapper& operator+=(double value) { return _Assign(_value + value); }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator-=(double value) { return _Assign(_value - value); }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator*=(double value) { return _Assign(_value * value); }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator/=(double value) { return _Assign(_value / value); }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator+=(double value)
+    {
+        return _Assign(_value + value);
+    }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator-=(double value)
+    {
+        return _Assign(_value - value);
+    }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator*=(double value)
+    {
+        return _Assign(_value * value);
+    }  ///< Ignores the state.
+    constexpr nxDoubleValueWrapper& operator/=(double value)
+    {
+        return _Assign(_value / value);
+    }  ///< Ignores the state.
 
     /// @return the larger of two values, @p a when they are equal within the tolerance; when one is not valid, the
     ///         other one.
@@ -102,14 +114,14 @@ public:
     }
     /// @copydoc operator==(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
     template <class Number>
-        requires std::is_arithmetic_v<Number>
+    requires std::is_arithmetic_v<Number>
     friend constexpr bool operator==(const nxDoubleValueWrapper& a, Number b)
     {
         return _Compare(a._value, static_cast<double>(b)) == 0;
     }
     /// @copydoc operator<=>(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
     template <class Number>
-        requires std::is_arithmetic_v<Number>
+    requires std::is_arithmetic_v<Number>
     friend constexpr std::partial_ordering operator<=>(const nxDoubleValueWrapper& a, Number b)
     {
         return _Compare(a._value, static_cast<double>(b));

@@ -15,8 +15,8 @@ namespace
 {
 constexpr const char* trimmed = " \t\n\r";
 constexpr unsigned maxDecimals = 9;
-constexpr std::uint64_t powersOfTen[] = {1,         10,         100,         1'000,        10'000,
-                                         100'000,   1'000'000,  10'000'000,  100'000'000,  1'000'000'000};
+constexpr std::uint64_t powersOfTen[] = {1,       10,        100,        1'000,       10'000,
+                                         100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
 constexpr double doublePowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
@@ -195,10 +195,7 @@ void nxStringHelper::RightTrim(std::string& s) { s.erase(s.find_last_not_of(trim
 
 void nxStringHelper::LeftTrim(std::string& s) { s.erase(0, s.find_first_not_of(trimmed)); }
 
-void nxStringHelper::RightTrim(std::string& s, const std::string& chars)
-{
-    s.erase(s.find_last_not_of(chars) + 1);
-}
+void nxStringHelper::RightTrim(std::string& s, const std::string& chars) { s.erase(s.find_last_not_of(chars) + 1); }
 
 std::string nxStringHelper::GetRightTrimmed(const std::string& s)
 {
@@ -261,8 +258,8 @@ bool nxStringHelper::Compare(const std::string& a, const std::string& b, const n
 {
     if (sensitivity == CASE_SENSITIVE)
         return a == b;
-    return sensitivity == CASE_INSENSITIVE &&
-           std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return _ToUpper(x) == _ToUpper(y); });
+    return sensitivity == CASE_INSENSITIVE && std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                                                         [](char x, char y) { return _ToUpper(x) == _ToUpper(y); });
 }
 
 int nxStringHelper::CompareAlphabetically(const std::string& a, const std::string& b,

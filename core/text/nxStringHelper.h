@@ -221,8 +221,8 @@ public:
     /// Replaces every @p what, from left to right, by @p with; what was put in is not searched again. Nothing happens
     /// when @p what is empty. The arguments may be the same string.
     static void Replace(std::string& s, const std::string& what, const std::string& with);
-    static void ToUpper(std::string& s);  ///< Turns a to z into A to Z.
-    static void ToLower(std::string& s);  ///< Turns A to Z into a to z.
+    static void ToUpper(std::string& s);                              ///< Turns a to z into A to Z.
+    static void ToLower(std::string& s);                              ///< Turns A to Z into a to z.
     static bool IsUppercase(char c) { return c >= 'A' && c <= 'Z'; }  ///< @return whether @p c is one of A to Z.
     static bool IsLowercase(char c) { return c >= 'a' && c <= 'z'; }  ///< @return whether @p c is one of a to z.
     /// @return camel case as upper case with underscores: "orderId" gives "ORDER_ID", "ABCValue" gives "ABCVALUE".

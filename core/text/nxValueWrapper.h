@@ -45,8 +45,8 @@ public:
     static constexpr T NullValue = NullMark;          ///< The number that stands for null.
     static constexpr T NoChangeValue = NoChangeMark;  ///< The number that stands for no change.
 
-    constexpr nxValueWrapper() = default;                          ///< Null.
-    constexpr explicit nxValueWrapper(nxNullInitalizer) {}         ///< Null.
+    constexpr nxValueWrapper() = default;                                              ///< Null.
+    constexpr explicit nxValueWrapper(nxNullInitalizer) {}                             ///< Null.
     constexpr explicit nxValueWrapper(nxNoChangeInitalizer) : _value(NoChangeMark) {}  ///< No change.
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxValueWrapper(T value) : _value(value) {}

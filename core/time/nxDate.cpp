@@ -13,10 +13,7 @@ nxDate nxDate::GetFromDayNumber(long long dayNumber)
     return nxCalendar::GetDateOfDay(dayNumber, year, month, day) ? nxDate(year, month, day) : nxDate();
 }
 
-int nxDate::GetDayNumber() const
-{
-    return IsNull() ? 0 : nxCalendar::GetDayNumber(GetYear(), GetMonth(), GetDay());
-}
+int nxDate::GetDayNumber() const { return IsNull() ? 0 : nxCalendar::GetDayNumber(GetYear(), GetMonth(), GetDay()); }
 
 unsigned nxDate::GetDayOfWeek() const
 {

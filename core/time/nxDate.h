@@ -48,14 +48,15 @@ public:
 
     /// @return the day as the number yyyymmdd; 0 for null.
     constexpr unsigned GetISODate() const { return _isoDate; }
-    constexpr unsigned GetYear() const { return _isoDate / 10000; }          ///< 1 to 9999; 0 for null.
-    constexpr unsigned GetMonth() const { return _isoDate / 100 % 100; }     ///< 1 to 12; 0 for null.
-    constexpr unsigned GetDay() const { return _isoDate % 100; }             ///< 1 to 31; 0 for null.
+    constexpr unsigned GetYear() const { return _isoDate / 10000; }       ///< 1 to 9999; 0 for null.
+    constexpr unsigned GetMonth() const { return _isoDate / 100 % 100; }  ///< 1 to 12; 0 for null.
+    constexpr unsigned GetDay() const { return _isoDate % 100; }          ///< 1 to 31; 0 for null.
     /// @return 1 for Monday to 7 for Sunday; 0 for null.
     unsigned GetDayOfWeek() const;
     /// @return days since 1 January 1970, negative before it; 0 for null.
     int GetDayNumber() const;
-    /// @return the day @p days later (earlier when negative); null when this date is null or the result is out of range.
+    /// @return the day @p days later (earlier when negative); null when this date is null or the result is out of
+    /// range.
     nxDate GetWithDaysAdded(int days) const;
 
     /// Takes the day with the number @p isoDate (yyyymmdd).

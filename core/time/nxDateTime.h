@@ -57,9 +57,9 @@ public:
     std::string GetAsString() const;
     /// Appends what GetAsString() returns.
     void AppendAsString(std::string& out) const;
-    /// Formats with a pattern: %d day and %m month with two digits, %b month as "Jan" to "Dec", %y year with two digits,
-    /// %Y with four, %H, %M and %S hours, minutes and seconds with two digits, %% a percent sign. Everything else
-    /// stands for itself. Months are English whatever the locale. A field that is null gives nothing.
+    /// Formats with a pattern: %d day and %m month with two digits, %b month as "Jan" to "Dec", %y year with two
+    /// digits, %Y with four, %H, %M and %S hours, minutes and seconds with two digits, %% a percent sign. Everything
+    /// else stands for itself. Months are English whatever the locale. A field that is null gives nothing.
     std::string GetAsString(std::string_view pattern) const;
     /// Appends what GetAsString(pattern) returns.
     void AppendAsString(std::string& out, std::string_view pattern) const;
@@ -87,7 +87,8 @@ struct std::hash<nxDateTime>
     std::size_t operator()(const nxDateTime& dateTime) const noexcept
     {
         // Days and nanoseconds of a day share 64 bits: 47 bits hold the nanoseconds.
-        return (static_cast<std::size_t>(dateTime.GetDate().GetISODate()) << 47) ^ std::hash<nxTime>()(dateTime.GetTime());
+        return (static_cast<std::size_t>(dateTime.GetDate().GetISODate()) << 47) ^
+               std::hash<nxTime>()(dateTime.GetTime());
     }
 };
 

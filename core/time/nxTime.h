@@ -44,9 +44,9 @@ public:
     constexpr bool IsNull() const { return _nanoseconds == _null; }
     constexpr bool IsValid() const { return !IsNull(); }
 
-    constexpr unsigned GetHours() const { return GetSecondsSinceMidnight() / 3600; }         ///< 0 to 23; 0 for null.
-    constexpr unsigned GetMinutes() const { return GetSecondsSinceMidnight() / 60 % 60; }    ///< 0 to 59; 0 for null.
-    constexpr unsigned GetSeconds() const { return GetSecondsSinceMidnight() % 60; }         ///< 0 to 59; 0 for null.
+    constexpr unsigned GetHours() const { return GetSecondsSinceMidnight() / 3600; }       ///< 0 to 23; 0 for null.
+    constexpr unsigned GetMinutes() const { return GetSecondsSinceMidnight() / 60 % 60; }  ///< 0 to 59; 0 for null.
+    constexpr unsigned GetSeconds() const { return GetSecondsSinceMidnight() % 60; }       ///< 0 to 59; 0 for null.
     /// @return the fraction of the second, 0 to 999,999,999; 0 for null.
     constexpr unsigned GetNanoseconds() const
     {
