@@ -1,0 +1,66 @@
+#ifndef CORE_LOG_NXLOGDEVICE_H
+#define CORE_LOG_NXLOGDEVICE_H
+
+#include "core/nxExport.h"
+
+class nxLog;
+class nxLogLineSink;
+
+/// Where log records end up: a file, the console, a test's memory. Derive from it, register with
+/// nxLogManager::RegisterLogDevice().
+///
+/// - The manager calls a device by one thread at a time: the deferred-write thread, or a thread that writes
+/// immediately,
+///   flushes or registers. So a device needs no lock of its own against the manager.
+/// - A device may log and may unregister itself while it is being written to; records that it writes immediately
+/// meanwhile
+///   go to the other devices only.
+/// - A device that does not return holds up the queue; after a second of that the manager drops records and counts
+/// them.
+/// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager
+/// has
+///   left it.
+///
+/// A device that takes finished lines instead of records gives the manager an nxLogLineSink: the library's own devices
+/// do, because one call for a mebibyte of lines costs far less than a call for every record.
+/// @code
+/// class Counter : public nxLogDevice
+/// {
+///     void Write(const nxLog& record) override { _count += record.GetLogLevel() == NX_LOG_LEVEL_ERROR; }
+///     void Flush() override {}
+///     void Destroy() override {}
+///     int _count = 0;
+/// };
+/// @endcode
+class NX_CORE_API nxLogDevice
+{
+public:
+    virtual ~nxLogDevice();
+
+    /// Writes one record. @p record is valid during the call only; copy it to keep it.
+    virtual void Write(const nxLog& record) = 0;
+    /// Hands everything written so far to the operating system.
+    virtual void Flush() = 0;
+    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering the device.
+    virtual void Destroy() = 0;
+
+    /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.
+    void SetVerboseOutput(bool verbose) { _verbose = verbose; }
+    bool IsVerboseOutput() const { return _verbose; }
+
+    /// @return what takes this device's lines in batches; null for a device that takes records.
+    nxLogLineSink* GetLineSink() const { return _lineSink; }
+
+protected:
+    nxLogDevice() = default;
+    /// A device that takes lines in batches. @p lineSink lives as long as the device; usually it is a member or a base.
+    explicit nxLogDevice(nxLogLineSink* lineSink) : _lineSink(lineSink) {}
+    nxLogDevice(const nxLogDevice&) = delete;
+    nxLogDevice& operator=(const nxLogDevice&) = delete;
+
+private:
+    bool _verbose = true;
+    nxLogLineSink* _lineSink = nullptr;
+};
+
+#endif

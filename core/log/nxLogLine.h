@@ -1,0 +1,22 @@
+#ifndef CORE_LOG_NXLOGLINE_H
+#define CORE_LOG_NXLOGLINE_H
+
+#include <string>
+
+#include "core/log/nxLogLineSink.h"
+#include "core/nxExport.h"
+
+class nxLog;
+
+/// The one place where records become lines; the devices' own Write() use it too.
+class NX_CORE_API nxLogLine
+{
+public:
+    nxLogLine() = delete;
+
+    /// Appends @p record as one ended line. Control bytes of its texts but tabs become \xNN; a message of more than a
+    /// mebibyte is cut and says so. Whether a full line carries the thread's index is the manager's setting.
+    static void Append(std::string& lines, const nxLog& record, const nxLogLineStyle& style);
+};
+
+#endif

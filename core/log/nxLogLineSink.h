@@ -1,0 +1,61 @@
+#ifndef CORE_LOG_NXLOGLINESINK_H
+#define CORE_LOG_NXLOGLINESINK_H
+
+#include <cstddef>
+
+#include "core/enum/nxEnumValue.h"
+#include "core/nxExport.h"
+
+/// What a line of the log carries and how it ends.
+struct nxLogLineStyle
+{
+    /// The parts of a line.
+    enum Form
+    {
+        Full,          ///< "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]"
+        LevelAndText,  ///< "[INF] text"
+        TimeAndText    ///< "[05Mar24 09:07:03.123.456] text"
+    };
+
+    Form form = Full;
+    bool carriageReturn = false;  ///< Whether lines end in CR LF rather than in LF alone.
+
+    friend bool operator==(const nxLogLineStyle&, const nxLogLineStyle&) = default;
+};
+
+/// Finished lines on their way to one device. All of them ended, none with a control byte inside but tabs.
+struct nxLogLineBatch
+{
+    const char* text;  ///< The lines, one after the other; not terminated.
+    std::size_t size;  ///< Their bytes, at most a mebibyte and one line.
+    unsigned lines;    ///< How many there are, at least one.
+    nxEnumValue
+        worstLevel;     ///< The gravest level among them. From NX_LOG_LEVEL_WARNING on they must not wait in a buffer.
+    long long seconds;  ///< The time of the first line, as nxTimeStamp::GetSeconds(). All lines are of one local day.
+};
+
+/// The part of a device that takes finished lines in batches, instead of records one by one.
+///
+/// All operations come from one thread at a time, never from two. None may throw.
+class NX_CORE_API nxLogLineSink
+{
+public:
+    /// The lines that this sink wants. Asked before every batch, so it may change.
+    virtual nxLogLineStyle GetLineStyle() const = 0;
+
+    /// Writes the lines of @p batch. They are lost when the sink cannot write them; it counts them then.
+    virtual void WriteLines(const nxLogLineBatch& batch) = 0;
+
+    /// Just before the process forks: takes what must not be held by another thread in the child. Keep it short.
+    virtual void BeforeFork() {}
+    /// In the parent, after the fork: gives it back.
+    virtual void AfterForkInParent() {}
+    /// In the child, whose only thread this is: forgets, without writing, what the parent had buffered; its mutexes are
+    /// constructed anew in place.
+    virtual void AfterForkInChild() {}
+
+protected:
+    ~nxLogLineSink() = default;
+};
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef CORE_LOG_NXLOGMACROS_H
+#define CORE_LOG_NXLOGMACROS_H
+
+/// @file
+/// The pattern in which everything reports: test the level, build a record, stream into it, hand it over.
+/// @code
+/// NX_LOG(NX_LOG_LEVEL_INFO) << "order " << id << " at " << price;
+/// @endcode
+
+#include "core/log/nxLogStatement.h"
+
+/// A log record of level @p level (an nxLogLevelEnum or an nxEnumValue, without side effects) to stream values into. It
+/// carries this source file and line, and is handed over at the end of the statement. Below the threshold nothing that
+/// is streamed is evaluated. No co_await inside the statement.
+#define NX_LOG(level) NX_LOG_AT(level, __FILE__, __LINE__)
+
+/// The same with a source file name (a literal) and a line of the caller's choice.
+#define NX_LOG_AT(level, file, line) \
+    !nxLogManager::ShouldLog(level) ? (void)0 : nxLogStatement::End() & nxLogStatement(level, file, line).Stream()
+
+#endif
