@@ -2,6 +2,8 @@
 
 #include <cerrno>
 
+#include "core/platform/nxRobustMutex.h"
+
 namespace
 {
 // Initialises `mutex` in place as an error-checking mutex that processes share.
@@ -46,6 +48,8 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     }
     return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
+
+int nxMutex::_LockRobust() noexcept { return nxRobustMutex::Lock(_mutex); }
 
 nxErrorEnum nxMutex::_LockError(int result) noexcept
 {

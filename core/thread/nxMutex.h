@@ -15,7 +15,8 @@
 /// - Errors: returned, never thrown and never logged by Lock(), TryLock(), Unlock(), Consistent().
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once; the other
 ///   processes use the memory as it is, without constructing. Such a mutex is never unmapped while it is held, and its
-///   users live in one process-id namespace.
+///   users live in one process-id namespace. Make it robust if processes may be killed: a holder's death is then told
+///   to the next one, and no death of a waiter makes the others wait for ever, since Lock() looks again every 100 ms.
 /// - Fork: a mutex held by the forking thread is held by nobody in the child and cannot be unlocked there; construct it
 ///   anew in place.
 /// - A mutex constructed with the default constructor is a constant: it can be used before main, in any static
@@ -47,15 +48,15 @@ public:
     ///         NX_ERR_UNSPECIFIED for any other failure, the second lock by the holder among them: not taken.
     nxErrorEnum Lock() noexcept NX_ACQUIRE()
     {
-        const int result = pthread_mutex_lock(&_mutex);
+        const int result = _IsRobust() ? _LockRobust() : pthread_mutex_lock(&_mutex);
         if (result == 0) [[likely]]
             return nxErrorEnum();
         return _LockError(result);
     }
 
     /// Takes the mutex if it is free.
-    /// @return NX_ERR_THR_LOCKED when it is held, by this thread too unless recursive; NX_ERR_THR_OWNER_DEAD as Lock();
-    ///         NX_ERR_UNSPECIFIED for any other failure.
+    /// @return NX_ERR_THR_LOCKED when it is held; NX_ERR_THR_OWNER_DEAD as Lock(); NX_ERR_UNSPECIFIED for any other
+    ///         failure, a robust mutex held by this thread among them.
     [[nodiscard]] nxErrorEnum TryLock() noexcept
     {
         const int result = pthread_mutex_trylock(&_mutex);
@@ -91,6 +92,13 @@ public:
     void AssertHeld() const NX_ASSERT_CAPABILITY(this) {}
 
 private:
+    friend class nxConditionMutex;
+    friend class nxConditionRaw;
+
+    // The C library has no question for this. The bit is part of its binary interface, which processes share.
+    bool _IsRobust() const noexcept { return (_mutex.__data.__kind & 16) != 0; }
+    int _LockRobust() noexcept;
+
     static nxErrorEnum _LockError(int result) noexcept;
     static nxErrorEnum _TryLockError(int result) noexcept;
     static nxErrorEnum _UnlockError(int result) noexcept;

@@ -1,0 +1,54 @@
+#include "core/thread/nxCondition.h"
+
+#include <cerrno>
+
+#include "core/platform/nxDeadline.h"
+
+namespace
+{
+nxErrorEnum FromResult(int result)
+{
+    if (result == 0)
+        return nxErrorEnum();
+    return result == ETIMEDOUT ? nxErrorEnum(NX_ERR_THR_TIMEDOUT) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+// Executes `step` under `mutex`, which is free again whatever `step` returns. The first failure is the result.
+template <class Step>
+nxErrorEnum WithLock(pthread_mutex_t& mutex, Step step)
+{
+    if (pthread_mutex_lock(&mutex) != 0)
+        return nxErrorEnum(NX_ERR_UNSPECIFIED);
+    const int result = step();
+    if (pthread_mutex_unlock(&mutex) != 0 && result == 0)
+        return nxErrorEnum(NX_ERR_UNSPECIFIED);
+    return FromResult(result);
+}
+}  // namespace
+
+nxCondition::~nxCondition()
+{
+    pthread_cond_destroy(&_condition);
+    pthread_mutex_destroy(&_mutex);
+}
+
+nxErrorEnum nxCondition::Wait()
+{
+    return WithLock(_mutex, [this] { return pthread_cond_wait(&_condition, &_mutex); });
+}
+
+nxErrorEnum nxCondition::TimedWait(double seconds)
+{
+    const timespec deadline = nxDeadline::After(nxDeadline::Split(seconds));
+    return WithLock(_mutex, [&] { return pthread_cond_timedwait(&_condition, &_mutex, &deadline); });
+}
+
+nxErrorEnum nxCondition::Signal()
+{
+    return WithLock(_mutex, [this] { return pthread_cond_signal(&_condition); });
+}
+
+nxErrorEnum nxCondition::SignalAll()
+{
+    return WithLock(_mutex, [this] { return pthread_cond_broadcast(&_condition); });
+}

@@ -1,0 +1,62 @@
+#ifndef CORE_THREAD_NXCONDITION_H
+#define CORE_THREAD_NXCONDITION_H
+
+#include <pthread.h>
+
+#include <chrono>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/nxExport.h"
+
+/// An event without memory: threads wait, others wake them. It has a mutex of its own, which callers never see.
+///
+/// A signal that nobody waits for is lost, and a waiter may wake without one. Use it where a wake-up only saves time,
+/// wait with a limit, and look afterwards whether there is work; nxConditionMutex and nxConditionRaw wait for a
+/// condition without a gap.
+/// - Errors: NX_ERR_UNSPECIFIED when the system refuses a step; the call ends there, and the inner mutex is free.
+/// - Threads: any number may wait and signal. Nobody waits when it is destroyed; the destructor would hang.
+/// @code
+/// while (!_stop)
+/// {
+///     _wake.TimedWait(0.1);  // nxCondition _wake
+///     DoWhatHasArrived();
+/// }
+/// @endcode
+class NX_CORE_API nxCondition
+{
+public:
+    constexpr nxCondition() noexcept = default;
+    ~nxCondition();
+
+    /// Waits for a signal.
+    nxErrorEnum Wait();
+
+    /// Waits for a signal, at most @p seconds. Nothing, less than nothing and NaN time out at once; more than 136 years
+    /// is 136 years.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time. When the fraction of the deadline is exactly one
+    ///         second, which happens in one millisecond of a thousand, NX_ERR_UNSPECIFIED at once.
+    nxErrorEnum TimedWait(double seconds);
+
+    /// @copydoc TimedWait(double)
+    template <class Rep, class Period>
+    nxErrorEnum TimedWait(const std::chrono::duration<Rep, Period>& time)
+    {
+        return TimedWait(std::chrono::duration<double>(time).count());
+    }
+
+    /// Wakes one waiter.
+    nxErrorEnum Signal();
+    /// Wakes all waiters.
+    nxErrorEnum SignalAll();
+
+private:
+    nxCondition(const nxCondition&) = delete;
+    nxCondition& operator=(const nxCondition&) = delete;
+
+    pthread_cond_t _condition = PTHREAD_COND_INITIALIZER;
+    pthread_mutex_t _mutex = PTHREAD_MUTEX_INITIALIZER;
+};
+
+static_assert(sizeof(nxCondition) == sizeof(pthread_cond_t) + sizeof(pthread_mutex_t), "nothing but its primitives");
+
+#endif

@@ -1,0 +1,28 @@
+#include "core/thread/nxConditionRaw.h"
+
+#include <cerrno>
+
+#include "core/platform/nxDeadline.h"
+
+nxErrorEnum nxConditionRaw::TimedWait(nxMutex& mutex, double seconds)
+{
+    const timespec deadline = nxDeadline::After(nxDeadline::Split(seconds));
+    const int result = pthread_cond_timedwait(&_condition, &mutex._mutex, &deadline);
+    if (result == 0)
+        return nxErrorEnum();
+    return result == ETIMEDOUT ? nxErrorEnum(NX_ERR_THR_TIMEDOUT) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+nxErrorEnum nxConditionRaw::InitialiseAsShared()
+{
+    pthread_condattr_t attributes;
+    int result = pthread_condattr_init(&attributes);
+    if (result == 0)
+    {
+        result = pthread_condattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
+        if (result == 0)
+            result = pthread_cond_init(&_condition, &attributes);
+        pthread_condattr_destroy(&attributes);
+    }
+    return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}

@@ -1,0 +1,32 @@
+#ifndef CORE_THREAD_NXREADERWRITERLOCKGUARD_READ_H
+#define CORE_THREAD_NXREADERWRITERLOCKGUARD_READ_H
+
+#include "core/thread/nxReaderWriterLock.h"
+
+/// Holds an nxReaderWriterLock for reading for the length of a scope. Unlocks only what it locked.
+/// @code
+/// nxReaderWriterLockGuard_Read guard(_lock);
+/// return _prices.at(product);
+/// @endcode
+class NX_SCOPED_CAPABILITY nxReaderWriterLockGuard_Read
+{
+public:
+    explicit nxReaderWriterLockGuard_Read(nxReaderWriterLock& lock) NX_ACQUIRE_SHARED(lock)
+        : _lock(lock.ReadLock().IsOK() ? &lock : nullptr)
+    {
+    }
+    ~nxReaderWriterLockGuard_Read() NX_RELEASE_GENERIC() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        if (_lock != nullptr) [[likely]]
+            _lock->ReadUnlock();
+    }
+
+private:
+    nxReaderWriterLockGuard_Read() : _lock(nullptr) {}
+    nxReaderWriterLockGuard_Read(const nxReaderWriterLockGuard_Read&) = delete;
+    nxReaderWriterLockGuard_Read& operator=(const nxReaderWriterLockGuard_Read&) = delete;
+
+    nxReaderWriterLock* _lock;
+};
+
+#endif

@@ -1,0 +1,72 @@
+#include "core/thread/nxSemaphore.h"
+
+#include <cstdio>
+
+#include "core/platform/nxDeadline.h"
+
+// Zeroed first: should the initialisation fail, the other operations find a defined object.
+nxSemaphore::nxSemaphore(unsigned initialCount) : _semaphore()
+{
+    if (sem_init(&_semaphore, 0, initialCount) != 0)
+        std::printf("sem_init err %d, %d\n", -1, errno);
+}
+
+nxErrorEnum nxSemaphore::InitialiseAsShared(unsigned initialCount)
+{
+    _semaphore = sem_t();
+    if (sem_init(&_semaphore, 1, initialCount) == 0)
+        return nxErrorEnum();
+    return nxErrorEnum(NX_ERR_THR_UNSUPPORTED);
+}
+
+nxErrorEnum nxSemaphore::TimedWait(double seconds)
+{
+    timespec relative = nxDeadline::Split(seconds);
+    return _TimedWait(relative);
+}
+
+nxErrorEnum nxSemaphore::TimedWait_Microseconds(const unsigned long long& microseconds)
+{
+    timespec relative = nxDeadline::SplitMicroseconds(microseconds);
+    return _TimedWait(relative);
+}
+
+nxErrorEnum nxSemaphore::_TimedWait(timespec& relative)
+{
+    const timespec deadline = nxDeadline::After(relative);
+    errno = 0;
+    if (sem_timedwait(&_semaphore, &deadline) == 0)
+        return nxErrorEnum();
+    switch (errno)
+    {
+        case EINVAL:
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        case EDEADLK:
+            return nxErrorEnum(NX_ERR_THR_DEADLOCK);
+        case EINTR:
+            return nxErrorEnum(NX_ERR_THR_INTERRUPTED);
+        default:
+            return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+    }
+}
+
+// Lenient by contract: what is not named is success.
+nxErrorEnum nxSemaphore::_WaitError(int error)
+{
+    switch (error)
+    {
+        case ENOSYS:
+            return nxErrorEnum(NX_ERR_THR_UNSUPPORTED);
+        case EDEADLK:
+            return nxErrorEnum(NX_ERR_THR_DEADLOCK);
+        case EINTR:
+            return nxErrorEnum(NX_ERR_THR_INTERRUPTED);
+        default:
+            return nxErrorEnum();
+    }
+}
+
+nxErrorEnum nxSemaphore::_TryWaitError(int error)
+{
+    return error == EAGAIN ? nxErrorEnum(NX_ERR_THR_LOCKED) : _WaitError(error);
+}
