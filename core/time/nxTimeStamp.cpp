@@ -1,57 +1,138 @@
 #include "core/time/nxTimeStamp.h"
 
+#include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <ostream>
+
+#include "core/platform/nxLocalZone.h"
 
 namespace
 {
-constexpr char monthNames[12][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+static_assert(std::endian::native == std::endian::little, "texts are put together in words, first character lowest");
 
-char* PutDigit(char* out, unsigned digit)
+// "00" to "99", each as the word that these two characters are in memory.
+constexpr auto twoDigits = []
 {
-    *out = static_cast<char>('0' + digit);
-    return out + 1;
+    std::array<std::uint16_t, 100> words{};
+    for (unsigned i = 0; i < 100; ++i)
+        words[i] = static_cast<std::uint16_t>(('0' + i / 10) | ('0' + i % 10) << 8);
+    return words;
+}();
+
+constexpr std::uint64_t Character(char character, int position)
+{
+    return static_cast<std::uint64_t>(static_cast<unsigned char>(character)) << (8 * position);
 }
 
-char* PutTwo(char* out, int value)
+// "Jan" to "Dec", and a blank, where they stand in the first eight characters.
+constexpr auto monthNames = []
 {
-    const auto number = static_cast<unsigned>(value);
-    return PutDigit(PutDigit(out, number / 10 % 10), number % 10);
+    constexpr char names[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    std::array<std::uint64_t, 12> words{};
+    for (unsigned i = 0; i < 12; ++i)
+        words[i] = Character(names[3 * i], 2) | Character(names[3 * i + 1], 3) | Character(names[3 * i + 2], 4) |
+                   Character(' ', 7);
+    return words;
+}();
+
+// "000." to "999.".
+constexpr auto threeDigitsAndPoint = []
+{
+    std::array<std::uint32_t, 1'000> words{};
+    for (unsigned i = 0; i < 1'000; ++i)
+        words[i] = static_cast<std::uint32_t>(Character(static_cast<char>('0' + i / 100), 0) |
+                                              std::uint64_t{twoDigits[i % 100]} << 8 | Character('.', 3));
+    return words;
+}();
+
+// The text of the minute whose stamps this thread printed last.
+struct MinuteText
+{
+    std::int64_t begin;    // of the seconds that it serves
+    std::uint64_t length;  // how many these are; none at first
+    std::uint64_t date;    // "05Mar24 "
+    std::uint64_t time;    // "09:07:" and two NULs
+    nxLocalZoneMark mark;
+    unsigned firstSecond;
+    int trust;  // how many more texts may be printed before the zone is looked at again
+
+    bool Holds(long long second) const
+    {
+        return static_cast<std::uint64_t>(second) - static_cast<std::uint64_t>(begin) < length;
+    }
+    bool MarkIsOld() const { return mark != nxLocalZoneMark::Now(); }
+
+    void Set(const nxLocalMinute& minute)
+    {
+        begin = minute.begin;
+        length = minute.length;
+        firstSecond = minute.firstSecond;
+        date =
+            twoDigits[minute.day] | monthNames[minute.month - 1] | std::uint64_t{twoDigits[minute.yearOfCentury]} << 40;
+        time = twoDigits[minute.hour] | Character(':', 2) | std::uint64_t{twoDigits[minute.minute]} << 24 |
+               Character(':', 5);
+    }
+
+    unsigned Print(long long second, unsigned nanoseconds, char* buffer) const
+    {
+        if (nanoseconds >= 1'000'000'000) [[unlikely]]
+            nanoseconds %= 1'000'000'000;
+        const unsigned microseconds = nanoseconds / 1'000;
+        const unsigned milliseconds = nanoseconds / 1'000'000;
+        const std::uint16_t seconds = twoDigits[static_cast<unsigned>(second - begin) + firstSecond];
+        const std::uint32_t first = threeDigitsAndPoint[milliseconds];
+        const std::uint32_t last = threeDigitsAndPoint[microseconds - 1'000 * milliseconds] & 0x00FF'FFFF;  // and NUL
+        std::memcpy(buffer, &date, 8);
+        std::memcpy(buffer + 8, &time, 8);
+        std::memcpy(buffer + 14, &seconds, 2);
+        buffer[16] = '.';
+        std::memcpy(buffer + 17, &first, 4);
+        std::memcpy(buffer + 21, &last, 4);
+        return nxTimeStamp::TextSize;
+    }
+};
+
+// Bounds how many texts a thread prints in the old zone after a change of the process's zone that its mark does not
+// show.
+constexpr int textsBetweenChecks = 256;
+
+[[gnu::tls_model("initial-exec")]] constinit thread_local MinuteText lastMinute{};
+
+// Out of line, so that the usual case saves no registers.
+[[gnu::noinline]] unsigned PrintAfterCheck(long long second, unsigned nanoseconds, char* buffer)
+{
+    MinuteText& last = lastMinute;
+    nxLocalMinute minute;
+    last.trust = 0;
+    if (!nxLocalZone::FindAndCheck(second, minute))
+        return 0;
+    last.Set(minute);
+    last.mark = nxLocalZoneMark::Now();
+    last.trust = textsBetweenChecks - 1;
+    return last.Print(second, nanoseconds, buffer);
 }
 
-char* PutThree(char* out, unsigned value) { return PutDigit(PutTwo(out, static_cast<int>(value / 10)), value % 10); }
-
-// A year of any sign as 0 to 99.
-int YearOfCentury(int yearsSince1900)
+[[gnu::noinline]] unsigned PrintOtherMinute(long long second, unsigned nanoseconds, char* buffer)
 {
-    const int year = yearsSince1900 % 100;
-    return year < 0 ? year + 100 : year;
+    MinuteText& last = lastMinute;
+    nxLocalMinute minute;
+    if (last.MarkIsOld() || --last.trust < 0 || !nxLocalZone::Find(second, minute)) [[unlikely]]
+        return PrintAfterCheck(second, nanoseconds, buffer);
+    last.Set(minute);
+    return last.Print(second, nanoseconds, buffer);
 }
 }  // namespace
 
 unsigned int nxTimeStamp::GetAsStringFast(char* buffer, unsigned int) const
 {
-    const std::time_t seconds = _seconds;
-    std::tm fields{};
-    if (localtime_r(&seconds, &fields) == nullptr)
-        return 0;
-    const unsigned microseconds = _nanoseconds % 1'000'000'000 / 1'000;
-    char* out = PutTwo(buffer, fields.tm_mday);
-    std::memcpy(out, monthNames[fields.tm_mon], 3);
-    out = PutTwo(out + 3, YearOfCentury(fields.tm_year));
-    *out++ = ' ';
-    out = PutTwo(out, fields.tm_hour);
-    *out++ = ':';
-    out = PutTwo(out, fields.tm_min);
-    *out++ = ':';
-    out = PutTwo(out, fields.tm_sec);
-    *out++ = '.';
-    out = PutThree(out, microseconds / 1'000);
-    *out++ = '.';
-    out = PutThree(out, microseconds % 1'000);
-    *out = '\0';
-    return TextSize;
+    MinuteText& last = lastMinute;
+    if (!last.Holds(_seconds)) [[unlikely]]
+        return PrintOtherMinute(_seconds, _nanoseconds, buffer);
+    if (last.MarkIsOld() || --last.trust < 0) [[unlikely]]
+        return PrintAfterCheck(_seconds, _nanoseconds, buffer);
+    return last.Print(_seconds, _nanoseconds, buffer);
 }
 
 std::string nxTimeStamp::GetAsString() const

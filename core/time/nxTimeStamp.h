@@ -2,20 +2,34 @@
 #define CORE_TIME_NXTIMESTAMP_H
 
 #include <compare>
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 #include "core/nxExport.h"
 #include "core/platform/nxClock.h"
+
+/// A time point of std::chrono::system_clock, in whole units of any length that are a part or a multiple of a second.
+/// Written so that this header does without <chrono>.
+template <class TimePoint>
+concept nxSystemTimePoint = std::integral<typename TimePoint::rep> && requires(const TimePoint& moment)
+{
+    TimePoint::clock::to_time_t(moment);
+    moment.time_since_epoch().count();
+} &&(TimePoint::period::den == 1 || (TimePoint::period::num == 1 && 1'000'000'000 % TimePoint::period::den == 0));
 
 /// The moment at which something happened, cheap to take and cheap to print.
 ///
 /// - Units: whole seconds since 1 January 1970 00:00 UTC (negative before it) and nanoseconds within the second.
 /// - Null: there is none; a default-constructed stamp is now.
 /// - Errors: a text of a moment whose year fits no calendar is empty; nothing throws but the strings' allocation.
-/// - Texts are in the local time of the process, with English month names in every locale.
+/// - Texts are in the local time of the process, with English month names in every locale. Each thread remembers the
+///   minute that it printed last. When the process's zone is changed (the variable TZ, then tzset()), texts follow at
+///   once; only between two zones that the C library's `timezone` and `daylight` do not tell apart, such as those of
+///   Chicago and Mexico City, a thread may print up to 256 more texts in the old one.
 /// - Threads: like an int. Ownership: a value that owns nothing.
 /// @code
 /// const nxTimeStamp now;
@@ -40,6 +54,17 @@ public:
         : _seconds(seconds), _nanoseconds(nanoseconds)
     {
     }
+    /// The same moment, what is shorter than a nanosecond excepted.
+    template <nxSystemTimePoint TimePoint>
+    explicit nxTimeStamp(const TimePoint& moment)
+    {
+        constexpr long long unitsPerSecond = TimePoint::period::den;
+        const auto units = static_cast<long long>(moment.time_since_epoch().count());
+        const long long rest = units % unitsPerSecond;
+        _seconds = (units / unitsPerSecond - (rest < 0 ? 1 : 0)) * static_cast<long long>(TimePoint::period::num);
+        _nanoseconds =
+            static_cast<unsigned>((rest < 0 ? rest + unitsPerSecond : rest) * (1'000'000'000 / unitsPerSecond));
+    }
     nxTimeStamp(const nxTimeStamp&) = default;
     nxTimeStamp& operator=(const nxTimeStamp&) = default;
     virtual ~nxTimeStamp() = default;
@@ -61,6 +86,25 @@ public:
     double GetTotalSecondsAsDouble() const
     {
         return static_cast<double>(_seconds) + static_cast<double>(_nanoseconds) / 1e9;
+    }
+
+    /// The moment as a time point of std::chrono::system_clock, e.g.
+    /// GetAsTimePoint<std::chrono::system_clock::time_point>(): rounded down to a whole unit, or the type's first or
+    /// last moment when it does not reach that far.
+    template <nxSystemTimePoint TimePoint>
+    TimePoint GetAsTimePoint() const
+    {
+        using Duration = typename TimePoint::duration;
+        using Count = typename TimePoint::rep;
+        constexpr long long unitsPerSecond = TimePoint::period::den;
+        constexpr long long secondsPerUnit = TimePoint::period::num;
+        const long long wholeUnits = _seconds / secondsPerUnit - (_seconds % secondsPerUnit < 0 ? 1 : 0);
+        const long long fraction = secondsPerUnit == 1 ? _nanoseconds / (1'000'000'000 / unitsPerSecond) : 0;
+        long long units = 0;
+        if (__builtin_mul_overflow(wholeUnits, unitsPerSecond, &units) ||
+            __builtin_add_overflow(units, fraction, &units) || !std::in_range<Count>(units))
+            return _seconds < 0 ? (TimePoint::min)() : (TimePoint::max)();
+        return TimePoint(Duration(static_cast<Count>(units)));
     }
 
     /// The local time as "05Mar24 09:07:03.123", or an empty text where GetAsStringFast() returns 0.

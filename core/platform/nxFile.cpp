@@ -1,0 +1,182 @@
+#include "core/platform/nxFile.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+#include <utility>
+
+namespace
+{
+constexpr mode_t fileMode = 0640;
+constexpr mode_t directoryMode = 0750;
+
+// Keeps from the process the signals with which the system accompanies a failed write. One that was waiting to be
+// delivered before stays waiting.
+class WriteSignals
+{
+public:
+    WriteSignals()
+    {
+        sigemptyset(&_signals);
+        sigaddset(&_signals, SIGXFSZ);
+        sigaddset(&_signals, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &_signals, &_before);
+    }
+    WriteSignals(const WriteSignals&) = delete;
+    WriteSignals& operator=(const WriteSignals&) = delete;
+    ~WriteSignals() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
+
+    // write(2), less the signal.
+    ssize_t Write(int descriptor, const char* data, std::size_t size) const
+    {
+        sigset_t waiting;
+        sigpending(&waiting);
+        const ssize_t written = write(descriptor, data, size);
+        if (written >= 0)
+            return written;
+        const int error = errno;
+        if (error == EFBIG)
+            Consume(SIGXFSZ, waiting);
+        else if (error == EPIPE)
+            Consume(SIGPIPE, waiting);
+        errno = error;
+        return written;
+    }
+
+private:
+    static void Consume(int signal, const sigset_t& waitingBefore)
+    {
+        if (sigismember(&waitingBefore, signal) == 1)
+            return;
+        sigset_t one;
+        sigemptyset(&one);
+        sigaddset(&one, signal);
+        const timespec noTime{};
+        while (sigtimedwait(&one, nullptr, &noTime) < 0 && errno == EINTR)
+        {
+        }
+    }
+
+    sigset_t _signals;
+    sigset_t _before;
+};
+
+// The same open file under a number above those of the standard streams: where these were closed, a new file would
+// take their place and receive what other code prints.
+int MoveAboveStandardStreams(int descriptor)
+{
+    if (descriptor < 0 || descriptor > STDERR_FILENO)
+        return descriptor;
+    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    close(descriptor);
+    errno = error;
+    return moved;
+}
+
+int OpenAbove(const char* path, int flags, mode_t mode)
+{
+    int descriptor = -1;
+    do
+        descriptor = open(path, flags | O_CLOEXEC, mode);
+    while (descriptor < 0 && errno == EINTR);
+    return MoveAboveStandardStreams(descriptor);
+}
+}  // namespace
+
+nxFile::~nxFile() { Close(); }
+
+int nxFile::CreateNew(const std::string& path)
+{
+    Close();
+    const int descriptor = OpenAbove(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_APPEND, fileMode);
+    if (descriptor < 0)
+        return errno;
+    _descriptor = descriptor;
+    return 0;
+}
+
+int nxFile::Write(const char* data, std::size_t size, std::size_t& written)
+{
+    return WriteTo(_descriptor, data, size, written);
+}
+
+int nxFile::WriteTo(int descriptor, const char* data, std::size_t size, std::size_t& written)
+{
+    const WriteSignals signals;
+    written = 0;
+    while (written < size)
+    {
+        const ssize_t taken = signals.Write(descriptor, data + written, size - written);
+        if (taken > 0)
+            written += static_cast<std::size_t>(taken);
+        else if (taken == 0)
+            return ENOSPC;  // a device that takes nothing and gives no reason is full
+        else if (errno != EINTR)
+            return errno;
+    }
+    return 0;
+}
+
+int nxFile::Truncate(std::uint64_t size) { return ftruncate(_descriptor, static_cast<off_t>(size)) == 0 ? 0 : errno; }
+
+void nxFile::Close()
+{
+    if (_descriptor >= 0)
+        close(std::exchange(_descriptor, -1));
+}
+
+int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size)
+{
+    // Not blocking, so that opening a pipe that somebody put there does not hang.
+    nxFile file;
+    file._descriptor = OpenAbove(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0);
+    if (!file.IsOpen())
+        return errno;
+    struct stat status
+    {
+    };
+    if (fstat(file._descriptor, &status) != 0)
+        return errno;
+    if (!S_ISREG(status.st_mode))
+        return EINVAL;
+    std::size_t used = 0;
+    for (;;)
+    {
+        const ssize_t taken = read(file._descriptor, content.data() + used, content.size() - used);
+        if (taken < 0 && errno != EINTR)
+            return errno;
+        if (taken > 0)
+            used += static_cast<std::size_t>(taken);
+        if (used == content.size())
+            return EFBIG;
+        if (taken == 0)
+            break;
+    }
+    size = used;
+    return 0;
+}
+
+int nxFile::CreateDirectories(const std::string& path)
+{
+    int error = ENOENT;
+    for (std::size_t end = 0; end != std::string::npos;)
+    {
+        end = path.find('/', end + 1);
+        const std::string part = path.substr(0, end);
+        error = mkdir(part.c_str(), directoryMode) == 0 ? 0 : errno;
+    }
+    if (error != EEXIST)
+        return error;
+    struct stat status
+    {
+    };
+    if (stat(path.c_str(), &status) != 0)
+        return errno;
+    return S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
+}
