@@ -4,6 +4,8 @@
 /// @file
 /// Every public header of the library.
 
+#include "core/app/nxApplicationData.h"
+#include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/enum/nxAPIConnectionTypeEnum.h"
 #include "core/enum/nxAccountNodeDefinitionFieldsBitMask.h"

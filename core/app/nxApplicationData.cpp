@@ -1,0 +1,109 @@
+#include "core/app/nxApplicationData.h"
+
+#include "core/app/nxCmdLineArgs.h"
+#include "core/app/nxConfigurationKeys.h"
+#include "core/platform/nxProcess.h"
+#include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+struct Settings
+{
+    nxMutex mutex;  // guards the others
+    std::string applicationName;
+    std::string applicationInstanceName;
+    std::string userName;
+    std::string location;
+    std::string daemonHostName;
+    nxAPIConnectionTypeEnum apiConnectionType;
+    bool mifidEnabled = false;
+    nxServerCapabilityBitMask serverCapabilities;
+    nxDateTime startTime;
+    unsigned startTimeOf = 0;  // the process that startTime belongs to
+};
+
+// Never destroyed: threads and the destructors of other globals may ask while the process ends.
+Settings& TheSettings()
+{
+    static Settings& settings = *new Settings;
+    return settings;
+}
+
+template <class Value>
+Value Get(Value Settings::*setting)
+{
+    Settings& settings = TheSettings();
+    const nxMutexGuard guard(settings.mutex);
+    return settings.*setting;
+}
+
+template <class Value>
+void Set(Value Settings::*setting, const Value& value)
+{
+    Settings& settings = TheSettings();
+    const nxMutexGuard guard(settings.mutex);
+    settings.*setting = value;
+}
+}  // namespace
+
+std::string nxApplicationData::GetApplicationName() { return Get(&Settings::applicationName); }
+void nxApplicationData::SetApplicationName(const std::string& name) { Set(&Settings::applicationName, name); }
+
+std::string nxApplicationData::GetApplicationInstanceName() { return Get(&Settings::applicationInstanceName); }
+void nxApplicationData::SetApplicationInstanceName(const std::string& name)
+{
+    Set(&Settings::applicationInstanceName, name);
+}
+
+std::string nxApplicationData::GetUserName() { return Get(&Settings::userName); }
+void nxApplicationData::SetUserName(const std::string& name) { Set(&Settings::userName, name); }
+
+std::string nxApplicationData::GetLocation() { return Get(&Settings::location); }
+void nxApplicationData::SetLocation(const std::string& location) { Set(&Settings::location, location); }
+
+std::string nxApplicationData::GetDaemonHostName() { return Get(&Settings::daemonHostName); }
+void nxApplicationData::SetDaemonHostName(const std::string& name) { Set(&Settings::daemonHostName, name); }
+
+nxAPIConnectionTypeEnum nxApplicationData::GetAPIConnectionType() { return Get(&Settings::apiConnectionType); }
+void nxApplicationData::SetAPIConnectionType(const nxAPIConnectionTypeEnum& type)
+{
+    Set(&Settings::apiConnectionType, type);
+}
+
+bool nxApplicationData::GetMifidEnabled() { return Get(&Settings::mifidEnabled); }
+void nxApplicationData::SetMifidEnabled(bool enabled) { Set(&Settings::mifidEnabled, enabled); }
+
+nxServerCapabilityBitMask nxApplicationData::GetServerCapabilities() { return Get(&Settings::serverCapabilities); }
+void nxApplicationData::SetServerCapabilities(const nxServerCapabilityBitMask& capabilities)
+{
+    Set(&Settings::serverCapabilities, capabilities);
+}
+
+std::string nxApplicationData::GetHostName() { return nxProcess::GetHostName(); }
+
+std::string nxApplicationData::GetIPAddress() { return nxProcess::GetIPAddress(); }
+
+unsigned nxApplicationData::GetProcessID() { return nxProcess::GetID(); }
+
+nxDateTime nxApplicationData::GetStartTime()
+{
+    const unsigned process = nxProcess::GetID();
+    Settings& settings = TheSettings();
+    const nxMutexGuard guard(settings.mutex);
+    if (settings.startTimeOf != process)
+    {
+        const nxProcess::StartTime start = nxProcess::GetStartTime();
+        settings.startTime = nxDateTime(start.seconds, start.nanoseconds);
+        settings.startTimeOf = process;
+    }
+    return settings.startTime;
+}
+
+bool nxApplicationData::GetIsSecureSSLConnection()
+{
+    std::string daemon = nxCmdLineArgs::GetInstance().GetEnvValue(QRX_DAEMON);
+    for (char& c : daemon)
+        if ('A' <= c && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return daemon.find("ssl:") != std::string::npos;
+}

@@ -1,0 +1,80 @@
+#ifndef CORE_APP_NXAPPLICATIONDATA_H
+#define CORE_APP_NXAPPLICATIONDATA_H
+
+#include <string>
+
+#include "core/enum/nxAPIConnectionTypeEnum.h"
+#include "core/enum/nxServerCapabilityBitMask.h"
+#include "core/nxExport.h"
+#include "core/time/nxDateTime.h"
+
+/// The process-wide facts about the running application: who it is, where it runs and what it is connected to.
+///
+/// The application sets what it knows of itself, usually in main; the rest comes from the platform and needs no
+/// network. Settings nobody has set are empty, false, undefined or a mask without flags.
+///
+/// - Errors: none.
+/// - Threads: every operation may be called at any time from any thread; getters return copies.
+/// - Ownership: static operations only, there are no objects of this class.
+/// @code
+/// nxApplicationData::SetApplicationName("orderserver");
+/// NX_LOG(NX_LOG_LEVEL_INFO) << nxApplicationData::GetApplicationName() << " on " << nxApplicationData::GetHostName();
+/// @endcode
+class NX_CORE_API nxApplicationData
+{
+public:
+    static std::string GetApplicationName();
+    static void SetApplicationName(const std::string& name);
+
+    /// Tells several processes of one application apart.
+    static std::string GetApplicationInstanceName();
+    static void SetApplicationInstanceName(const std::string& name);
+
+    /// The user on whose behalf the application works; not the account that the system runs it under.
+    static std::string GetUserName();
+    static void SetUserName(const std::string& name);
+
+    /// The site at which the application runs.
+    static std::string GetLocation();
+    static void SetLocation(const std::string& location);
+
+    /// The host of the daemon that the application is connected to.
+    static std::string GetDaemonHostName();
+    static void SetDaemonHostName(const std::string& name);
+
+    static nxAPIConnectionTypeEnum GetAPIConnectionType();
+    static void SetAPIConnectionType(const nxAPIConnectionTypeEnum& type);
+
+    static bool GetMifidEnabled();
+    static void SetMifidEnabled(bool enabled);
+
+    static nxServerCapabilityBitMask GetServerCapabilities();
+    static void SetServerCapabilities(const nxServerCapabilityBitMask& capabilities);
+
+    /// The machine's own name; "localhost" when it has none.
+    static std::string GetHostName();
+
+    /// The machine's address on the first interface that is up: IPv4 where there is one, else IPv6; "127.0.0.1" on a
+    /// machine without a network. No name server is asked.
+    static std::string GetIPAddress();
+
+    /// The process's number. A forked child gets its own.
+    static unsigned GetProcessID();
+
+    /// The local time at which the system started this process, to a hundredth of a second; the same answer every time,
+    /// also after the clock was set. A forked child gets its own.
+    static nxDateTime GetStartTime();
+
+    /// Whether the connection to the daemon is encrypted: the environment setting QRX_DAEMON, as nxCmdLineArgs reads
+    /// it, contains "ssl:" in any case and at any place.
+    static bool GetIsSecureSSLConnection();
+
+private:
+    nxApplicationData() = delete;
+    ~nxApplicationData() = delete;
+    nxApplicationData(const nxApplicationData&) = delete;
+    nxApplicationData& operator=(const nxApplicationData&) = delete;
+    bool operator==(const nxApplicationData&) const = delete;
+};
+
+#endif

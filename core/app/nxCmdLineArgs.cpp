@@ -1,0 +1,244 @@
+#include "core/app/nxCmdLineArgs.h"
+
+#include <cstring>
+
+#include "core/log/nxLogMacros.h"
+#include "core/platform/nxEnvironment.h"
+#include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+constexpr char sourceFile[] = "core/trunk/nxCmdLineArgs";
+
+bool HasNul(const std::string& text) { return text.find('\0') != std::string::npos; }
+
+std::string UpperCase(std::string text)
+{
+    for (char& c : text)
+        if ('a' <= c && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
+bool IsNumber(const char* word) { return nxDecimal().SetFromString(word, '.').IsOK(); }
+
+// A wrapper that reads itself from text; what is no number makes it null.
+template <class Value>
+Value FromText(const std::string& text)
+{
+    Value value;
+    static_cast<void>(value.SetFromString(text));
+    return value;
+}
+
+bool IsSecret(const std::string& name)
+{
+    const std::string upper = UpperCase(name);
+    for (const char* const word : {"PASSWORD", "SECRET", "TOKEN"})
+        if (upper.find(word) != std::string::npos)
+            return true;
+    return false;
+}
+
+// One entry as one line: control bytes, which could break the line or steer a terminal, as \xNN.
+std::string DumpLine(const std::string& name, const std::string& value)
+{
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string line;
+    const std::string text = name + " = " + (IsSecret(name) ? "***" : value);
+    for (const char c : text)
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F)
+            line.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+        else
+            line += c;
+    }
+    return line;
+}
+
+void LogEntries(const nxLogLevelEnum& level, const char* heading, const std::map<std::string, std::string>& entries)
+{
+    NX_LOG_AT(level, sourceFile, __LINE__) << heading;
+    for (const auto& [name, value] : entries)
+        NX_LOG_AT(level, sourceFile, __LINE__) << DumpLine(name, value);
+}
+}  // namespace
+
+nxCmdLineArgs& nxCmdLineArgs::GetInstance()
+{
+    // Never destroyed: threads and the destructors of other globals may ask while the process ends.
+    static nxCmdLineArgs& instance = *new nxCmdLineArgs;
+    return instance;
+}
+
+void nxCmdLineArgs::Initialise(char** argv, char** envp)
+{
+    const nxMutexGuard guard(_mutex);
+    if (!_argsRead && argv != nullptr)
+        _ReadArgs(argv);
+    if (!_envsRead && envp != nullptr)
+        _ReadEnvs(envp);
+}
+
+void nxCmdLineArgs::_ReadArgs(char** argv)
+{
+    _argv = argv;
+    _argsRead = true;
+    if (*argv == nullptr)
+        return;
+    _command = *argv;
+
+    std::string option;
+    bool isPending = false;
+    while (*++argv != nullptr)
+    {
+        const char* const word = *argv;
+        const bool isValue = word[0] != '-' || (isPending && IsNumber(word));
+        if (isPending)
+            _args[option] = isValue ? word : "";
+        else if (isValue)
+            _unprocessedArgs.emplace_back(word);
+        isPending = !isValue;
+        if (isPending)
+            option = word + 1;
+    }
+    if (isPending)
+        _args[option].clear();
+}
+
+void nxCmdLineArgs::_ReadEnvs(char** envp)
+{
+    _envp = envp;
+    _envsRead = true;
+    for (; *envp != nullptr; ++envp)
+        if (const char* const separator = std::strchr(*envp, '='); separator != nullptr)
+            _envs[std::string(static_cast<const char*>(*envp), separator)] = separator + 1;
+}
+
+bool nxCmdLineArgs::IsArgDefined(const std::string& name) const
+{
+    const nxMutexGuard guard(_mutex);
+    return _args.count(name) != 0;
+}
+
+std::string nxCmdLineArgs::GetArgValue(const std::string& name) const
+{
+    const nxMutexGuard guard(_mutex);
+    const auto found = _args.find(name);
+    return found == _args.end() ? std::string() : found->second;
+}
+
+nxDecimal nxCmdLineArgs::GetArgValueAsDecimal(const std::string& name) const
+{
+    return nxDecimal(GetArgValue(name), '.');
+}
+
+nxValueWrapper<unsigned int> nxCmdLineArgs::GetArgValueAsVolume(const std::string& name) const
+{
+    return FromText<nxValueWrapper<unsigned int>>(GetArgValue(name));
+}
+
+nxDoubleValueWrapper nxCmdLineArgs::GetArgValueAsDoubleValue(const std::string& name) const
+{
+    return FromText<nxDoubleValueWrapper>(GetArgValue(name));
+}
+
+void nxCmdLineArgs::GetArgs(std::map<std::string, std::string>& args) const
+{
+    const nxMutexGuard guard(_mutex);
+    args = _args;
+}
+
+void nxCmdLineArgs::GetEnvs(std::map<std::string, std::string>& envs) const
+{
+    const nxMutexGuard guard(_mutex);
+    envs = _envs;
+}
+
+void nxCmdLineArgs::GetUnprocessedArgs(std::vector<std::string>& words) const
+{
+    const nxMutexGuard guard(_mutex);
+    words = _unprocessedArgs;
+}
+
+std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
+{
+    const nxMutexGuard guard(_mutex);
+    if (!_envsRead)
+        return nxEnvironment::Get(name);
+    const auto found = _envs.find(name);
+    return found == _envs.end() ? std::string() : found->second;
+}
+
+bool nxCmdLineArgs::GetEnvValueAsBool(const std::string& name, bool defaultValue) const
+{
+    const std::string value = UpperCase(GetEnvValue(name));
+    if (value == "TRUE" || value == "YES")
+        return true;
+    if (value == "FALSE" || value == "NO")
+        return false;
+    return defaultValue;
+}
+
+bool nxCmdLineArgs::GetEnvValueAsBool(const std::string& name) const { return GetEnvValueAsBool(name, false); }
+
+nxDecimal nxCmdLineArgs::GetEnvValueAsDecimal(const std::string& name) const
+{
+    return nxDecimal(GetEnvValue(name), '.');
+}
+
+nxValueWrapper<unsigned int> nxCmdLineArgs::GetEnvValueAsVolume(const std::string& name) const
+{
+    return FromText<nxValueWrapper<unsigned int>>(GetEnvValue(name));
+}
+
+nxValueWrapper<unsigned long long> nxCmdLineArgs::GetEnvValueAsUInteger64(const std::string& name) const
+{
+    return FromText<nxValueWrapper<unsigned long long>>(GetEnvValue(name));
+}
+
+nxDoubleValueWrapper nxCmdLineArgs::GetEnvValueAsDoubleValue(const std::string& name) const
+{
+    return FromText<nxDoubleValueWrapper>(GetEnvValue(name));
+}
+
+nxDateTime nxCmdLineArgs::GetEnvValueAsHHMMSS(const std::string& name) const
+{
+    const std::string text = GetEnvValue(name);
+    if (text.size() != 6 || text.find_first_not_of("0123456789") != std::string::npos)
+        return nxDateTime();
+    const auto field = [&text](std::size_t at)
+    { return static_cast<unsigned>((text[at] - '0') * 10 + (text[at + 1] - '0')); };
+    return nxDateTime(field(0), field(2), field(4));
+}
+
+bool nxCmdLineArgs::SetEnvValue(const std::string& name, const std::string& value)
+{
+    bool isSet = !name.empty() && name.find('=') == std::string::npos && !HasNul(name) && !HasNul(value);
+    if (isSet)
+    {
+        const nxMutexGuard guard(_mutex);
+        isSet = nxEnvironment::Set(name, value);
+        if (isSet && _envsRead)
+            _envs[name] = value;
+    }
+    if (isSet)
+        NX_LOG_AT(NX_LOG_LEVEL_INFO, sourceFile, __LINE__) << "Successfully changed environment variable.";
+    else
+        NX_LOG_AT(NX_LOG_LEVEL_ERROR, sourceFile, __LINE__) << "Failed to change environment variable.";
+    return isSet;
+}
+
+void nxCmdLineArgs::Dump(const nxLogLevelEnum& level) const
+{
+    std::map<std::string, std::string> args;
+    std::map<std::string, std::string> envs;
+    {
+        const nxMutexGuard guard(_mutex);
+        args = _args;
+        envs = _envs;
+    }
+    LogEntries(level, "Command Line Args:", args);
+    LogEntries(level, "Environment Variables:", envs);
+}

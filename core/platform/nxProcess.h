@@ -1,0 +1,36 @@
+#ifndef CORE_PLATFORM_NXPROCESS_H
+#define CORE_PLATFORM_NXPROCESS_H
+
+#include <string>
+
+/// What the platform knows about the running process and its machine. Nothing here needs a network, a name server or
+/// permission; every call asks the system afresh and may come from any thread.
+class nxProcess
+{
+public:
+    nxProcess() = delete;
+
+    /// A moment in seconds and nanoseconds since 1 January 1970, UTC.
+    struct StartTime
+    {
+        long long seconds;
+        unsigned nanoseconds;
+    };
+
+    /// The process's number; a forked child gets its own.
+    static unsigned GetID();
+
+    /// The moment at which the system started the process, to a hundredth of a second. It is worked out from the wall
+    /// clock now and the process's age, so calls on both sides of a clock step differ: ask once and keep the answer.
+    /// Where the system does not tell, the answer is now.
+    static StartTime GetStartTime();
+
+    /// The machine's own name, as configured there; "localhost" when it has none.
+    static std::string GetHostName();
+
+    /// The address by which other machines are most likely to reach this one, from the interfaces that are up: an IPv4
+    /// address, else a routable IPv6 address, else a link-local one, else the loopback address "127.0.0.1".
+    static std::string GetIPAddress();
+};
+
+#endif

@@ -1,0 +1,94 @@
+#include "core/app/nxApplicationData.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <string>
+#include <utility>
+
+#include "core/app/nxCmdLineArgs.h"
+
+namespace
+{
+TEST(nxApplicationData, SettingsKeepWhatTheyAreGiven)
+{
+    EXPECT_EQ(nxApplicationData::GetLocation(), "");
+    using TextSetting = std::pair<std::string (*)(), void (*)(const std::string&)>;
+    const TextSetting settings[] = {
+        {&nxApplicationData::GetApplicationName, &nxApplicationData::SetApplicationName},
+        {&nxApplicationData::GetApplicationInstanceName, &nxApplicationData::SetApplicationInstanceName},
+        {&nxApplicationData::GetUserName, &nxApplicationData::SetUserName},
+        {&nxApplicationData::GetLocation, &nxApplicationData::SetLocation},
+        {&nxApplicationData::GetDaemonHostName, &nxApplicationData::SetDaemonHostName},
+    };
+    int number = 0;
+    for (const auto& [get, set] : settings)
+        set("text " + std::to_string(number++));
+    number = 0;
+    for (const auto& [get, set] : settings)
+        EXPECT_EQ(get(), "text " + std::to_string(number++));
+
+    nxApplicationData::SetMifidEnabled(true);
+    EXPECT_TRUE(nxApplicationData::GetMifidEnabled());
+    nxServerCapabilityBitMask capabilities;
+    capabilities.SetNull();
+    nxApplicationData::SetServerCapabilities(capabilities);
+    EXPECT_TRUE(nxApplicationData::GetServerCapabilities().IsNull());
+    EXPECT_EQ(nxApplicationData::GetAPIConnectionType(), nxAPIConnectionTypeEnum());
+}
+
+TEST(nxApplicationData, ThePlatformsFactsAreLive)
+{
+    char host[256] = "";
+    ASSERT_EQ(::gethostname(host, sizeof(host) - 1), 0);
+    EXPECT_EQ(nxApplicationData::GetHostName(), host);
+
+    const std::string address = nxApplicationData::GetIPAddress();
+    unsigned char binary[16];
+    EXPECT_TRUE(::inet_pton(AF_INET, address.c_str(), binary) == 1 ||
+                ::inet_pton(AF_INET6, address.c_str(), binary) == 1)
+        << address;
+
+    EXPECT_EQ(nxApplicationData::GetProcessID(), static_cast<unsigned>(::getpid()));
+    const nxDateTime start = nxApplicationData::GetStartTime();
+    EXPECT_TRUE(start.IsValid());
+    EXPECT_LE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) + 1, 0));
+    EXPECT_GE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) - 24 * 3600, 0));
+    EXPECT_EQ(nxApplicationData::GetStartTime(), start);
+}
+
+TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
+{
+    const unsigned parent = nxApplicationData::GetProcessID();
+    const nxDateTime parentStart = nxApplicationData::GetStartTime();
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+        ::_exit(nxApplicationData::GetProcessID() == static_cast<unsigned>(::getpid()) &&
+                        nxApplicationData::GetProcessID() != parent && nxApplicationData::GetStartTime() >= parentStart
+                    ? 0
+                    : 1);
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(nxApplicationData, SecureConnectionIsReadFromTheDaemonSetting)
+{
+    const std::pair<const char*, bool> rows[] = {{"SSL:daemonhost:1234", true},
+                                                 {"tcp:x;ssl:y", true},
+                                                 {"sSl:", true},
+                                                 {"ssl", false},
+                                                 {"tcp:daemonhost", false},
+                                                 {"", false}};
+    EXPECT_FALSE(nxApplicationData::GetIsSecureSSLConnection());
+    for (const auto& [daemon, isSecure] : rows)
+    {
+        ASSERT_TRUE(nxCmdLineArgs::GetInstance().SetEnvValue("QRX_DAEMON", daemon));
+        EXPECT_EQ(nxApplicationData::GetIsSecureSSLConnection(), isSecure) << daemon;
+    }
+}
+}  // namespace

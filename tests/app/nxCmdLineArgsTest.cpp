@@ -1,0 +1,289 @@
+#include "core/app/nxCmdLineArgs.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace
+{
+using Map = std::map<std::string, std::string>;
+using Words = std::vector<std::string>;
+
+// argv or envp: texts that may be written to, and a null at the end.
+class Vector
+{
+public:
+    Vector(Words texts) : _texts(std::move(texts))
+    {
+        for (std::string& text : _texts)
+            _pointers.push_back(text.data());
+        _pointers.push_back(nullptr);
+    }
+    char** Get() { return _pointers.data(); }
+
+private:
+    Words _texts;
+    std::vector<char*> _pointers;
+};
+
+// A reader of its own: the process's one is read once only.
+class Args : public nxCmdLineArgs
+{
+public:
+    Args() = default;
+    Args(const Words& argv, const Words& envp) : _argvStore(argv), _envpStore(envp)
+    {
+        Initialise(_argvStore.Get(), _envpStore.Get());
+    }
+
+    Map Options() const
+    {
+        Map options;
+        GetArgs(options);
+        return options;
+    }
+    Words Rest() const
+    {
+        Words words;
+        GetUnprocessedArgs(words);
+        return words;
+    }
+    Map Environment() const
+    {
+        Map variables;
+        GetEnvs(variables);
+        return variables;
+    }
+
+private:
+    Vector _argvStore{{}};
+    Vector _envpStore{{}};
+};
+
+TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
+{
+    struct Row
+    {
+        Words words;
+        Map options;
+        Words rest;
+    };
+    const Row rows[] = {
+        {{}, {}, {}},
+        {{"-a", "-b", "7", "file.txt", "-c"}, {{"a", ""}, {"b", "7"}, {"c", ""}}, {"file.txt"}},
+        {{"-price", "-1.5"}, {{"price", "-1.5"}}, {}},
+        {{"-price", "-.5", "-5."}, {{"price", "-.5"}, {"5.", ""}}, {}},  // a number, yet no option waits for it
+        {{"-x", "-y"}, {{"x", ""}, {"y", ""}}, {}},
+        {{"-x", "-1.5.2"}, {{"x", ""}, {"1.5.2", ""}}, {}},  // not a number
+        {{"-x", "-"}, {{"x", ""}, {"", ""}}, {}},
+        {{"-x", "--5"}, {{"x", ""}, {"-5", ""}}, {}},
+        {{"--x", "1"}, {{"-x", "1"}}, {}},
+        {{"-a", "1", "-a", "2"}, {{"a", "2"}}, {}},
+        {{"-a", "1", "-a"}, {{"a", ""}}, {}},
+        {{"-a", "", "b", ""}, {{"a", ""}}, {"b", ""}},
+        {{"1", "2", "-a", "3", "4"}, {{"a", "3"}}, {"1", "2", "4"}},
+    };
+    for (const Row& row : rows)
+    {
+        Words argv = row.words;
+        argv.insert(argv.begin(), "prog");
+        const Args args(argv, {});
+        SCOPED_TRACE(testing::PrintToString(row.words));
+        EXPECT_EQ(args.GetCommand(), "prog");
+        EXPECT_EQ(args.Options(), row.options);
+        EXPECT_EQ(args.Rest(), row.rest);
+        for (const auto& [name, value] : row.options)
+        {
+            EXPECT_TRUE(args.IsArgDefined(name));
+            EXPECT_EQ(args.GetArgValue(name), value);
+        }
+        EXPECT_FALSE(args.IsArgDefined("other"));
+        EXPECT_EQ(args.GetArgValue("other"), "");
+    }
+}
+
+TEST(nxCmdLineArgs, EnvironmentIsSplitAtTheFirstEqualsSign)
+{
+    const Args args({"prog"}, {"A=1", "B=x=y", "EMPTY=", "no sign", "A=2", "a=lower", "=C:=odd"});
+    EXPECT_EQ(args.Environment(), (Map{{"A", "2"}, {"B", "x=y"}, {"EMPTY", ""}, {"a", "lower"}, {"", "C:=odd"}}));
+    EXPECT_EQ(args.GetEnvValue("B"), "x=y");
+    EXPECT_EQ(args.GetEnvValue("missing"), "");
+}
+
+TEST(nxCmdLineArgs, WhatWasReadStays)
+{
+    Vector first({"one", "-a", "1"});
+    Vector second({"two", "-b", "2"});
+    Vector environment({"A=1"});
+    Vector otherEnvironment({"A=2"});
+
+    Args args;
+    args.Initialise(nullptr, nullptr);
+    EXPECT_EQ(args.GetRawArgv(), nullptr);
+    args.Initialise(first.Get(), nullptr);
+    args.Initialise(second.Get(), environment.Get());
+    args.Initialise(second.Get(), otherEnvironment.Get());
+    EXPECT_EQ(args.GetCommand(), "one");
+    EXPECT_EQ(args.Options(), (Map{{"a", "1"}}));
+    EXPECT_EQ(args.GetEnvValue("A"), "1");
+    EXPECT_EQ(args.GetRawArgv(), first.Get());
+    EXPECT_EQ(args.GetRawEnvp(), environment.Get());
+}
+
+TEST(nxCmdLineArgs, ArgvMayLackEvenTheCommand)
+{
+    char* none[] = {nullptr};
+    Args args;
+    args.Initialise(none, none);
+    EXPECT_EQ(args.GetCommand(), "");
+    EXPECT_TRUE(args.Options().empty());
+    EXPECT_EQ(args.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
+}
+
+TEST(nxCmdLineArgs, TheLiveEnvironmentAnswersUntilOneIsRead)
+{
+    const std::string name = "NX_TEST_LIVE_" + std::to_string(::getpid());
+    const std::string value(5000, 'x');  // longer than any fixed buffer
+    Args args;
+    ASSERT_EQ(::setenv(name.c_str(), value.c_str(), 1), 0);
+    EXPECT_EQ(args.GetEnvValue(name), value);
+    Vector environment({"A=1"});
+    args.Initialise(nullptr, environment.Get());
+    EXPECT_EQ(args.GetEnvValue(name), "");
+    ::unsetenv(name.c_str());
+}
+
+TEST(nxCmdLineArgs, BooleansKnowFourWords)
+{
+    struct Row
+    {
+        const char* text;
+        bool orTrue, orFalse, alone;
+    };
+    const Row rows[] = {{"TRUE", true, true, true},  {"yes", true, true, true},      {"Yes", true, true, true},
+                        {"no", false, false, false}, {"False", false, false, false}, {"maybe", true, false, false},
+                        {"1", true, false, false},   {"", true, false, false},       {"TRUE ", true, false, false}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        const Args args({}, {std::string("K=") + row.text});
+        EXPECT_EQ(args.GetEnvValueAsBool("K", true), row.orTrue);
+        EXPECT_EQ(args.GetEnvValueAsBool("K", false), row.orFalse);
+        EXPECT_EQ(args.GetEnvValueAsBool("K"), row.alone);
+    }
+}
+
+TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
+{
+    struct Row
+    {
+        const char* text;
+        const char* decimal;
+        const char* volume;
+        double doubleValue;
+    };
+    const double null = nxDoubleValueWrapper::GetNullInstance();
+    const Row rows[] = {
+        {"12", "12", "12", 12},
+        {"1.50", "1.50", "NULL", 1.5},
+        {"x", "NULL", "NULL", null},
+        {"", "NULL", "NULL", null},
+        {"12x", "NULL", "NULL", null},
+        {"4294967297", "4294967297", "1", 4294967297.0},  // whole numbers are read modulo their range
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        const Args args({"prog", "-k", row.text}, {std::string("K=") + row.text});
+        EXPECT_EQ(args.GetEnvValueAsDecimal("K").GetAsLogString('.'), row.decimal);
+        EXPECT_EQ(args.GetArgValueAsDecimal("k").GetAsLogString('.'), row.decimal);
+        EXPECT_EQ(args.GetEnvValueAsVolume("K").GetAsLogString(), row.volume);
+        EXPECT_EQ(args.GetArgValueAsVolume("k").GetAsLogString(), row.volume);
+        EXPECT_EQ(static_cast<double>(args.GetEnvValueAsDoubleValue("K")), row.doubleValue);
+        EXPECT_EQ(static_cast<double>(args.GetArgValueAsDoubleValue("k")), row.doubleValue);
+    }
+    const Args args({}, {"BIG=18446744073709551613"});
+    EXPECT_EQ(args.GetEnvValueAsUInteger64("BIG").GetAsLogString(), "18446744073709551613");
+    EXPECT_TRUE(args.GetEnvValueAsUInteger64("MISSING").IsNull());
+    EXPECT_TRUE(args.GetArgValueAsDecimal("MISSING").IsNull());
+}
+
+TEST(nxCmdLineArgs, TimesOfDayAreSixDigitsInRange)
+{
+    const std::pair<const char*, bool> rows[] = {
+        {"000000", true},
+        {"235959", true},
+        {"240000", false},
+        {"236000", false},
+        {"235960", false},
+        {"999999", false},
+        {"", false},
+        {"93005", false},
+        {"0930050", false},
+        {"09:005", false},
+        {"-93005", false},
+        {"0930\xB2"
+         "5",
+         false},
+    };
+    for (const auto& [text, isTime] : rows)
+    {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(Args({}, {std::string("T=") + text}).GetEnvValueAsHHMMSS("T").IsValid(), isTime);
+    }
+    EXPECT_EQ(Args({}, {"T=093005"}).GetEnvValueAsHHMMSS("T"), nxDateTime(9, 30, 5));
+}
+
+TEST(nxCmdLineArgs, SetEnvValueReachesTheProcessAndTheCopy)
+{
+    const std::string name = "NX_TEST_SET_" + std::to_string(::getpid());
+    Args live;
+    Args read({}, {"A=1"});
+    EXPECT_TRUE(read.SetEnvValue(name, "v=1"));
+    EXPECT_STREQ(std::getenv(name.c_str()), "v=1");
+    EXPECT_EQ(read.GetEnvValue(name), "v=1");
+    EXPECT_EQ(live.GetEnvValue(name), "v=1");
+    EXPECT_TRUE(live.SetEnvValue(name, ""));
+    EXPECT_STREQ(std::getenv(name.c_str()), "");
+    ::unsetenv(name.c_str());
+
+    const std::string withNul("A\0B", 3);
+    const std::pair<std::string, std::string> refused[] = {{"", "x"}, {"A=B", "x"}, {withNul, "x"}, {"A", withNul}};
+    for (const auto& [badName, badValue] : refused)
+        EXPECT_FALSE(read.SetEnvValue(badName, badValue)) << badName;
+    EXPECT_EQ(read.GetEnvValue("A"), "1");
+}
+
+TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
+{
+    const std::string name = "NX_TEST_RACE_" + std::to_string(::getpid());
+    Args args;
+    std::atomic<bool> stop{false};
+    std::atomic<int> torn{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 3; ++i)
+        readers.emplace_back(
+            [&]
+            {
+                while (!stop)
+                    if (const std::string value = args.GetEnvValue(name);
+                        value.find_first_not_of(value.substr(0, 1)) != std::string::npos)
+                        ++torn;
+            });
+    for (int i = 0; i < 2000; ++i)
+        args.SetEnvValue(name, std::string(static_cast<std::size_t>(1 + i % 300), static_cast<char>('a' + i % 26)));
+    stop = true;
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_EQ(torn, 0);
+    ::unsetenv(name.c_str());
+}
+}  // namespace
