@@ -1,0 +1,201 @@
+#include "CsvReader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "Failure.h"
+
+namespace nxtick
+{
+namespace
+{
+// Takes the quotes off one raw field; text behind the closing quote is kept as it stands.
+std::string Unquote(std::string_view raw)
+{
+    std::string text;
+    text.reserve(raw.size());
+    bool isQuoted = true;
+    for (std::size_t i = 1; i < raw.size(); ++i)
+    {
+        if (isQuoted && raw[i] == '"')
+        {
+            if (i + 1 == raw.size() || raw[i + 1] != '"')
+            {
+                isQuoted = false;
+                continue;
+            }
+            ++i;
+        }
+        text += raw[i];
+    }
+    return text;
+}
+
+// The raw field that begins at the start of rest.
+std::string_view FirstField(std::string_view rest)
+{
+    std::size_t from = 0;
+    if (!rest.empty() && rest.front() == '"')
+    {
+        for (from = rest.find('"', 1); from != std::string_view::npos; from = rest.find('"', from + 2))
+            if (from + 1 == rest.size() || rest[from + 1] != '"')
+                break;
+        if (from == std::string_view::npos)
+            return rest;
+    }
+    return rest.substr(0, rest.find(',', from));
+}
+
+std::string_view FirstFieldWithoutQuotes(std::string_view rest) { return rest.substr(0, rest.find(',')); }
+}  // namespace
+
+bool CsvRow::GetField(std::size_t index, std::string& scratch, std::string_view& field) const
+{
+    std::string_view rest = content;
+    for (;; --index)
+    {
+        const std::string_view raw = hasQuotes ? FirstField(rest) : FirstFieldWithoutQuotes(rest);
+        if (index == 0)
+        {
+            field = raw;
+            if (!raw.empty() && raw.front() == '"')
+                field = scratch = Unquote(raw);
+            return true;
+        }
+        if (raw.size() == rest.size())
+            return false;
+        rest.remove_prefix(raw.size() + 1);
+    }
+}
+
+std::vector<std::string> CsvRow::GetFields() const
+{
+    std::vector<std::string> fields;
+    std::string_view rest = content;
+    for (;;)
+    {
+        const std::string_view raw = FirstField(rest);
+        fields.push_back(!raw.empty() && raw.front() == '"' ? Unquote(raw) : std::string(raw));
+        if (raw.size() == rest.size())
+            return fields;
+        rest.remove_prefix(raw.size() + 1);
+    }
+}
+
+CsvReader::CsvReader(Source source) : _source(std::move(source)), _buffer(maximumRowSize) {}
+
+bool CsvReader::Next(CsvRow& row)
+{
+    while (!_FindLineEnd())
+    {
+        if (_Refill())
+            continue;
+        if (_begin == _end)
+            return false;
+        if (_rowHasQuotes && _state == State::Quoted)
+            throw FileFailure(std::to_string(_line) + ": a quote is opened in this row and never closed");
+        _TakeRow(row, _seen, 0);
+        return true;
+    }
+    _TakeRow(row, _seen, 1);
+    return true;
+}
+
+// Moves _seen to the end of the current row; false when that end has not been read yet.
+bool CsvReader::_FindLineEnd()
+{
+    const char* const begin = _buffer.data() + _begin;
+    const char* const end = _buffer.data() + _end;
+    if (!_rowHasQuotes)
+    {
+        const char* const from = begin + _seen;
+        const auto* const found =
+            static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(end - from)));
+        const char* const lineEnd = found == nullptr ? end : found;
+        if (_NextQuote() >= lineEnd)
+        {
+            _seen = static_cast<std::size_t>(lineEnd - begin);
+            return found != nullptr;
+        }
+        _rowHasQuotes = true;
+        _state = State::FieldStart;
+        _seen = 0;
+    }
+    for (; begin + _seen < end; ++_seen)
+    {
+        const char c = begin[_seen];
+        if (c == '\n' && _state != State::Quoted)
+            return true;
+        switch (_state)
+        {
+            case State::FieldStart:
+                _state = c == '"' ? State::Quoted : c == ',' ? State::FieldStart : State::Plain;
+                break;
+            case State::Plain:
+                _state = c == ',' ? State::FieldStart : State::Plain;
+                break;
+            case State::Quoted:
+                _state = c == '"' ? State::QuoteInQuoted : State::Quoted;
+                break;
+            case State::QuoteInQuoted:
+                _state = c == '"' ? State::Quoted : c == ',' ? State::FieldStart : State::Plain;
+                break;
+        }
+    }
+    return false;
+}
+
+// The first quote in what is read and not yet searched, or the end of what is read.
+const char* CsvReader::_NextQuote()
+{
+    const char* const from = _buffer.data() + _begin + _seen;
+    if (_quote == nullptr || _quote < from)
+    {
+        const char* const end = _buffer.data() + _end;
+        const void* const found = std::memchr(from, '"', static_cast<std::size_t>(end - from));
+        _quote = found == nullptr ? end : static_cast<const char*>(found);
+    }
+    return _quote;
+}
+
+// Reads another block behind the part of the current row that is already here; false at the end of the input.
+bool CsvReader::_Refill()
+{
+    if (_atEnd)
+        return false;
+    if (_begin != 0)
+    {
+        std::memmove(_buffer.data(), _buffer.data() + _begin, _end - _begin);
+        _end -= _begin;
+        _begin = 0;
+    }
+    if (_end == _buffer.size())
+        throw FileFailure(std::to_string(_line) + ": the row that begins here is longer than " +
+                          std::to_string(maximumRowSize) + " bytes" +
+                          (_rowHasQuotes ? "; is a quote never closed?" : ""));
+    const std::size_t size = _source(_buffer.data() + _end, _buffer.size() - _end);
+    _atEnd = size == 0;
+    _end += size;
+    _quote = nullptr;
+    return !_atEnd;
+}
+
+void CsvReader::_TakeRow(CsvRow& row, std::size_t size, std::size_t terminatorSize)
+{
+    const char* const begin = _buffer.data() + _begin;
+    row.line = _line;
+    row.hasQuotes = _rowHasQuotes;
+    _line += terminatorSize + (_rowHasQuotes ? static_cast<std::uint64_t>(std::count(begin, begin + size, '\n')) : 0);
+    _begin += size + terminatorSize;
+    if (size != 0 && begin[size - 1] == '\r')
+    {
+        --size;
+        ++terminatorSize;
+    }
+    row.content = {begin, size};
+    row.terminator = {begin + size, terminatorSize};
+    _seen = 0;
+    _rowHasQuotes = false;
+}
+}  // namespace nxtick

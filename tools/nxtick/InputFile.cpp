@@ -1,0 +1,53 @@
+#include "InputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "Failure.h"
+
+namespace nxtick
+{
+InputFile::InputFile(const std::string& path)
+    : _name(path.empty() ? "stdin" : path),
+      _file(path.empty() ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+{
+    if (_file < 0)
+        _Fail();
+    struct stat status = {};
+    if (::fstat(_file, &status) == 0 && S_ISREG(status.st_mode))
+        _size = static_cast<std::uint64_t>(status.st_size);
+}
+
+InputFile::~InputFile()
+{
+    if (_file != STDIN_FILENO)
+        ::close(_file);
+}
+
+std::size_t InputFile::Read(char* buffer, std::size_t size)
+{
+    ssize_t count = 0;
+    do
+        count = ::read(_file, buffer, size);
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        _Fail();
+    _read += static_cast<std::uint64_t>(count);
+    return static_cast<std::size_t>(count);
+}
+
+double InputFile::GetShareRead() const
+{
+    return _size == 0 ? -1.0 : static_cast<double>(_read) / static_cast<double>(_size);
+}
+
+void InputFile::_Fail() const
+{
+    const std::string reason = std::strerror(errno);  // before anything else can change errno
+    throw Failure("cannot read " + _name + ": " + reason);
+}
+}  // namespace nxtick

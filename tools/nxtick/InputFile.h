@@ -1,0 +1,39 @@
+#ifndef NXTICK_INPUTFILE_H
+#define NXTICK_INPUTFILE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace nxtick
+{
+/// A file, or standard input, read in blocks.
+class InputFile
+{
+public:
+    /// @param path empty for standard input. @throws Failure when it cannot be opened.
+    explicit InputFile(const std::string& path);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// What messages call it: its path, or "stdin".
+    const std::string& GetName() const { return _name; }
+
+    /// Reads at most @p size bytes. @return how many came, 0 at the end. @throws Failure.
+    std::size_t Read(char* buffer, std::size_t size);
+
+    /// How much of the file has been read, from 0 to 1; negative where its size is not known.
+    double GetShareRead() const;
+
+private:
+    [[noreturn]] void _Fail() const;
+
+    std::string _name;
+    int _file;
+    std::uint64_t _size = 0;
+    std::uint64_t _read = 0;
+};
+}  // namespace nxtick
+
+#endif

@@ -1,0 +1,52 @@
+#ifndef NXTICK_REQUEST_H
+#define NXTICK_REQUEST_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxDecimal.h"
+
+namespace nxtick
+{
+/// What the command line asks for.
+struct Request
+{
+    enum class Action
+    {
+        Help,
+        Version,
+        List,    ///< the tick tables
+        Bands,   ///< of one table
+        Price,   ///< what a grid says at one price
+        Ladder,  ///< the prices around one
+        Chart,   ///< tick size over price, as a picture
+        Snap     ///< a column of prices
+    };
+
+    Action action = Action::Help;
+    std::string table;       ///< Empty: the fixed increment.
+    nxDecimal increment;     ///< Positive where there is no table.
+    std::string tablesFile;  ///< Tables of the user's own; empty: none.
+    std::string filter;
+    std::string price;  ///< As given; the grid reads it.
+    int step = 0;
+    int ladder = 0;
+    std::string chartFile;
+    std::string csvFile;  ///< Empty: standard input.
+    std::string column;
+    std::string outFile;  ///< Empty: standard output.
+    nxRoundingMethodEnum method = nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST);
+};
+
+/// Checks the options and turns them into a request.
+/// @param options name without its first dash, and value; @param words what belongs to no option.
+/// @throws Failure naming the first thing that is wrong, with the closest option or value where one is near.
+Request ReadRequest(const std::map<std::string, std::string>& options, const std::vector<std::string>& words);
+
+/// What -help prints; fits a screen of 80 by 24 characters.
+std::string GetHelp();
+}  // namespace nxtick
+
+#endif

@@ -1,0 +1,93 @@
+#include "SnapReport.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "Terminal.h"
+#include "Text.h"
+#include "core/log/nxLogMacros.h"
+
+namespace nxtick
+{
+namespace
+{
+constexpr double secondsBetweenProgress = 0.1;
+constexpr std::size_t rejectedAtOnce = std::size_t{1} << 14;
+constexpr char clearLine[] = "\r\x1b[K";
+
+std::string SecondsText(double seconds)
+{
+    const auto milliseconds = static_cast<std::uint64_t>(seconds * 1000 + 0.5);
+    const std::string fraction = std::to_string(1000 + milliseconds % 1000).substr(1);
+    return CountText(milliseconds / 1000) + "." + fraction + " s";
+}
+
+std::uint64_t Rate(std::uint64_t count, double seconds)
+{
+    return static_cast<std::uint64_t>(static_cast<double>(count) / std::max(seconds, 1e-6));
+}
+}  // namespace
+
+SnapReport::SnapReport(const std::string& fileName) : _fileName(fileName), _isWatched(IsErrorTerminal()) {}
+
+// Also when the run failed: what was rejected until then is part of the story.
+SnapReport::~SnapReport()
+{
+    _ClearProgress();
+    _FlushRejected();
+}
+
+void SnapReport::Rejected(std::uint64_t line, const std::string& reason)
+{
+    const std::string message = _fileName + ":" + std::to_string(line) + ": " + reason;
+    NX_LOG(NX_LOG_LEVEL_WARNING) << message;
+    _rejected += message + "\n";
+    if (_isWatched || _rejected.size() > rejectedAtOnce)
+    {
+        _ClearProgress();
+        _FlushRejected();
+    }
+}
+
+void SnapReport::Progress(const SnapCounts& counts, double share)
+{
+    if (!_isWatched)
+        return;
+    const double seconds = _Seconds();
+    if (seconds < _nextProgress)
+        return;
+    _nextProgress = seconds + secondsBetweenProgress;
+    _isProgressShown = true;
+    const std::string percent = share < 0 ? "" : std::to_string(static_cast<int>(std::min(share, 1.0) * 100)) + " %, ";
+    WriteError(clearLine + percent + CountText(counts.rows) + " rows, " + CountText(Rate(counts.rows, seconds)) +
+               " prices a second");
+}
+
+void SnapReport::Summary(const SnapCounts& counts)
+{
+    _ClearProgress();
+    _FlushRejected();
+    const double seconds = _Seconds();
+    const std::vector<std::vector<std::string>> lines = {
+        {"rows", CountText(counts.rows)},   {"on the grid", CountText(counts.onGrid)},
+        {"moved", CountText(counts.moved)}, {"rejected", CountText(counts.rejected)},
+        {"time", SecondsText(seconds)},     {"prices a second", CountText(Rate(counts.rows, seconds))},
+    };
+    WriteError(Columns(lines, {1}, {}));
+    NX_LOG(NX_LOG_LEVEL_INFO) << _fileName << ": " << counts.rows << " rows, " << counts.onGrid << " on the grid, "
+                              << counts.moved << " moved, " << counts.rejected << " rejected, " << SecondsText(seconds);
+}
+
+void SnapReport::_ClearProgress()
+{
+    if (_isProgressShown)
+        WriteError(clearLine);
+    _isProgressShown = false;
+}
+
+void SnapReport::_FlushRejected()
+{
+    WriteError(_rejected);
+    _rejected.clear();
+}
+}  // namespace nxtick

@@ -1,0 +1,44 @@
+#ifndef NXTICK_SNAPREPORT_H
+#define NXTICK_SNAPREPORT_H
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "PriceSnapper.h"
+
+namespace nxtick
+{
+/// What a person learns on standard error while a column is snapped: a line for each rejected row, how far the work is
+/// when it takes more than a second and somebody watches, and the summary. The same goes to the log.
+class SnapReport
+{
+public:
+    /// @param fileName what messages call the input.
+    explicit SnapReport(const std::string& fileName);
+    ~SnapReport();
+    SnapReport(const SnapReport&) = delete;
+    SnapReport& operator=(const SnapReport&) = delete;
+
+    void Rejected(std::uint64_t line, const std::string& reason);
+    /// @param share of the input that has been read, 0 to 1; negative where it is not known.
+    void Progress(const SnapCounts& counts, double share);
+    void Summary(const SnapCounts& counts);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    double _Seconds() const { return std::chrono::duration<double>(Clock::now() - _start).count(); }
+    void _ClearProgress();
+    void _FlushRejected();
+
+    std::string _fileName;
+    bool _isWatched;
+    Clock::time_point _start = Clock::now();
+    double _nextProgress = 1.0;  // seconds after the start
+    bool _isProgressShown = false;
+    std::string _rejected;  // lines not written yet
+};
+}  // namespace nxtick
+
+#endif

@@ -1,0 +1,39 @@
+#include "Terminal.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "core/app/nxCmdLineArgs.h"
+
+namespace nxtick
+{
+Terminal::Terminal()
+{
+    const nxCmdLineArgs& environment = nxCmdLineArgs::GetInstance();
+    _hasColours = ::isatty(STDOUT_FILENO) != 0 && environment.GetEnvValue("NO_COLOR").empty() &&
+                  environment.GetEnvValue("TERM") != "dumb";
+}
+
+std::string Terminal::Styled(Style style, std::string_view text) const
+{
+    if (!_hasColours || text.empty())
+        return std::string(text);
+    const char* const start = style == Style::Bold ? "\x1b[1m" : style == Style::Faint ? "\x1b[2m" : "\x1b[33m";
+    return start + std::string(text) + "\x1b[0m";
+}
+
+bool IsErrorTerminal() { return ::isatty(STDERR_FILENO) != 0; }
+
+void WriteError(std::string_view text)
+{
+    while (!text.empty())
+    {
+        const ssize_t count = ::write(STDERR_FILENO, text.data(), text.size());
+        if (count > 0)
+            text.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EINTR)
+            return;  // nobody is left to be told
+    }
+}
+}  // namespace nxtick

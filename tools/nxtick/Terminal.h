@@ -1,0 +1,37 @@
+#ifndef NXTICK_TERMINAL_H
+#define NXTICK_TERMINAL_H
+
+#include <string>
+#include <string_view>
+
+namespace nxtick
+{
+/// Standard output as a person sees it: plain bytes everywhere, colours on a terminal alone, and none where the
+/// environment variable NO_COLOR is set or the terminal calls itself "dumb".
+class Terminal
+{
+public:
+    Terminal();
+
+    enum class Style
+    {
+        Bold,
+        Faint,
+        Marked
+    };
+
+    /// The text in the style, or as it is where there are no colours.
+    std::string Styled(Style style, std::string_view text) const;
+
+private:
+    bool _hasColours;
+};
+
+/// Whether standard error is a terminal, so that a line on it can be overwritten.
+bool IsErrorTerminal();
+
+/// Writes to standard error.
+void WriteError(std::string_view text);
+}  // namespace nxtick
+
+#endif

@@ -1,0 +1,32 @@
+#ifndef NXTICK_TEXT_H
+#define NXTICK_TEXT_H
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/numeric/nxDecimal.h"
+
+namespace nxtick
+{
+/// The number with all its decimals.
+std::string DecimalText(const nxDecimal& value);
+
+/// 1234567 as "1,234,567".
+std::string CountText(std::uint64_t count);
+
+/// Text of unknown origin for a message: in quotes, cut to 40 bytes, control bytes as \xNN.
+std::string Quoted(std::string_view text);
+
+/// " Did you mean A, B or C?" with the candidates nearest to @p wrong, three at most; empty when none is near.
+std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates);
+
+/// Lines up columns: the first row is the heading, every column as wide as its widest cell, two blanks between.
+/// Columns named in @p rightAligned (from 0) are aligned on the right, those in @p onPoint on the decimal point.
+std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::set<std::size_t>& rightAligned,
+                    const std::set<std::size_t>& onPoint);
+}  // namespace nxtick
+
+#endif

@@ -1,0 +1,49 @@
+#include <exception>
+#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Failure.h"
+#include "Request.h"
+#include "Terminal.h"
+#include "core/app/nxCmdLineArgs.h"
+#include "core/nxVersion.h"
+
+namespace
+{
+int Run()
+{
+    std::map<std::string, std::string> options;
+    std::vector<std::string> words;
+    nxCmdLineArgs::GetInstance().GetArgs(options);
+    nxCmdLineArgs::GetInstance().GetUnprocessedArgs(words);
+    const nxtick::Request request = nxtick::ReadRequest(options, words);
+    switch (request.action)
+    {
+        case nxtick::Request::Action::Help:
+            std::cout << nxtick::GetHelp();
+            return 0;
+        case nxtick::Request::Action::Version:
+            std::cout << "nxtick " NX_CORE_VERSION "\n";
+            return 0;
+        default:
+            return nxtick::Snap(request);
+    }
+}
+}  // namespace
+
+int main(int, char** argv, char** envp)
+{
+    nxCmdLineArgs::GetInstance().Initialise(argv, envp);
+    try
+    {
+        return Run();
+    }
+    catch (const std::exception& failure)
+    {
+        nxtick::WriteError("nxtick: " + std::string(failure.what()) + "\n");
+        return 2;
+    }
+}
