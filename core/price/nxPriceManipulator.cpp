@@ -1,0 +1,53 @@
+#include "core/price/nxPriceManipulator.h"
+
+#include <cstdint>
+
+#include "core/price/nxVariableTickTable.h"
+#include "core/price/nxVariableTickTableContainer.h"
+
+namespace
+{
+// So many increments; wraps as decimal arithmetic does.
+nxDecimal Multiple(const nxDecimal& increment, int count)
+{
+    const std::uint64_t mantissa =
+        static_cast<std::uint64_t>(increment.GetValue()) * static_cast<std::uint64_t>(std::int64_t{count});
+    return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(mantissa),
+                                                         increment.GetDecimalPlaces());
+}
+}  // namespace
+
+nxErrorEnum nxPriceManipulator::SetVariableTickTable(const std::string& id)
+{
+    const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable(id);
+    if (table == nullptr)
+        return nxErrorEnum(NX_ERR_NOT_FOUND);
+    _table = table;
+    return nxErrorEnum();
+}
+
+const nxDecimal& nxPriceManipulator::GetTickIncrement(const nxDecimal& price) const
+{
+    return _table != nullptr ? _table->GetTickIncrement(price) : _tickIncrement;
+}
+
+void nxPriceManipulator::Increment(nxDecimal& price, int ticks) const
+{
+    if (_table != nullptr)
+        _table->Increment(price, ticks);
+    else if (_tickIncrement.IsPositive() && ticks != 0)
+        price += Multiple(_tickIncrement, ticks);
+}
+
+void nxPriceManipulator::RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const
+{
+    if (_table != nullptr)
+        _table->RoundToValidTick(method, price);
+    else if (_tickIncrement.IsPositive())
+        price.Round(_tickIncrement, method);
+}
+
+void nxDecimal::Round(const nxPriceManipulator& manipulator, const nxRoundingMethodEnum& method)
+{
+    manipulator.RoundToValidTick(method, *this);
+}

@@ -1,0 +1,61 @@
+#ifndef CORE_PRICE_NXPRICEMANIPULATOR_H
+#define CORE_PRICE_NXPRICEMANIPULATOR_H
+
+#include <string>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/nxExport.h"
+
+class nxVariableTickTable;
+
+/// How the prices of one instrument are stepped and rounded: by a variable tick table, or by one fixed tick.
+///
+/// nxDecimal::Round() takes one, so that code which rounds prices need not know which of the two an instrument has.
+/// @code
+/// nxPriceManipulator manipulator(nxDecimal("0.05", '.'));
+/// nxDecimal price("99.87", '.');
+/// price.Round(manipulator, nxRoundingMethodEnum(NX_ROUNDING_METHOD_DOWN));  // 99.85
+/// manipulator.Increment(price, 2);                                          // 99.95
+/// @endcode
+///
+/// - Null: without a table and with an increment that is not positive, as default-constructed, prices are left alone.
+/// - Steps by the fixed tick add or subtract it; only a table changes the number of places to that of the tick.
+/// - Threads: readers may share one; a writer needs the caller's lock.
+/// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.
+class NX_CORE_API nxPriceManipulator
+{
+public:
+    /// Neither a table nor an increment.
+    nxPriceManipulator() = default;
+    /// A fixed tick.
+    explicit nxPriceManipulator(const nxDecimal& tickIncrement) : _tickIncrement(tickIncrement) {}
+    /// A variable tick; null means none.
+    explicit nxPriceManipulator(const nxVariableTickTable* table) : _table(table) {}
+
+    /// Takes the table of the catalogue that has the identifier @p id, "VTT_CHIX_CPH1".
+    /// @return NX_ERR_NOT_FOUND when there is none; nothing is changed then.
+    [[nodiscard]] nxErrorEnum SetVariableTickTable(const std::string& id);
+
+    bool HasVariableTickTable() const { return _table != nullptr; }
+    /// @return null when there is none.
+    const nxVariableTickTable* GetVariableTickTable() const { return _table; }
+    /// @return the fixed tick; null when there is none.
+    const nxDecimal& GetTickIncrement() const { return _tickIncrement; }
+    /// @return the tick at @p price: that of the table, or else the fixed one.
+    const nxDecimal& GetTickIncrement(const nxDecimal& price) const;
+
+    /// Moves the price up by @p ticks steps, down when they are negative.
+    void Increment(nxDecimal& price, int ticks = 1) const;
+    /// Moves the price down by one step.
+    void Decrement(nxDecimal& price) const { Increment(price, -1); }
+    /// Rounds the price to a multiple of the tick at it.
+    void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+
+private:
+    const nxVariableTickTable* _table = nullptr;
+    nxDecimal _tickIncrement = nxDecimal::GetNullDecimal();
+};
+
+#endif

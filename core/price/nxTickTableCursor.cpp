@@ -1,0 +1,58 @@
+#include "core/price/nxTickTableCursor.h"
+
+nxVariableTickTable::iterator nxTickTableCursor::_FindRange(const nxDecimal& price)
+{
+    if (_Relocate(price))
+        return _table->_ranges.begin() + _zone.band;
+    return _table->_Scan(nxVariableTickTable::_Magnitude(price));
+}
+
+const nxDecimal& nxTickTableCursor::_FindTick(const nxDecimal& price)
+{
+    if (_Relocate(price))
+        return *_zone.increment;
+    const nxDecimal magnitude = nxVariableTickTable::_Magnitude(price);
+    const auto band = _table->_Scan(magnitude);
+    return band == _table->_ranges.end() ? nxVariableTickTable::_ReportUnknownBand() : _table->_TickIn(band, magnitude);
+}
+
+unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
+{
+    const auto band = _FindRange(price);
+    return band == _table->_ranges.end() ? static_cast<unsigned char>(0) : band->second.GetDecimalPlaces();
+}
+
+void nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal& price)
+{
+    while (ticks != 0 && price.IsValid())
+    {
+        std::uint64_t done = _Relocate(price) ? _zone.Step(up, ticks, price) : 0;
+        if (done == 0)
+        {
+            if (!_StepByDecimals(up, price))
+                return;
+            done = 1;
+        }
+        ticks -= done;
+    }
+}
+
+// False when the price stays as it is, as it then does at every further step.
+bool nxTickTableCursor::_StepByDecimals(bool up, nxDecimal& price)
+{
+    const auto band = _FindRange(price);
+    if (band == _table->_ranges.end())
+    {
+        nxVariableTickTable::_ReportUnknownBand();
+        return false;
+    }
+    const nxDecimal before = price;
+    _table->_StepFrom(band, up, price);
+    return price.GetValue() != before.GetValue() || price.GetDecimalPlaces() != before.GetDecimalPlaces();
+}
+
+void nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal& price)
+{
+    if (price.IsValid() && !(_Relocate(price) && _zone.Round(method, price)))
+        price.Round(_FindTick(price), method);
+}

@@ -1,0 +1,185 @@
+#ifndef CORE_PRICE_NXVARIABLETICKTABLE_H
+#define CORE_PRICE_NXVARIABLETICKTABLE_H
+
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/nxExport.h"
+#include "core/price/nxTickGrid.h"
+#include "core/price/nxTickZone.h"
+#include "core/thread/nxMutex.h"
+#include "core/thread/nxMutexGuard.h"
+
+class nxTickTableCursor;
+
+/// The ticks of an instrument whose smallest price step depends on the price: below one price the tick is one size, up
+/// to the next price another, and so on.
+///
+/// A band (upper bound U, increment I) covers every price P with previous U < P <= U; the last band's bound is the
+/// maximum decimal. Take a table from nxVariableTickTableContainer, make one with nxCustomVariableTickTable, or derive
+/// a class whose constructor calls _AddRange() for each band and ends with _AddTopRange().
+/// @code
+/// const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
+/// nxDecimal price("9.9985", '.');
+/// table->RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), price);  // 9.999
+/// table->Increment(price);                                                      // 10.000, now by ticks of 0.005
+/// @endcode
+///
+/// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
+/// bound
+///   still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 it is 0.05.
+/// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
+/// step
+///   lands on its bound or lower. The result has the places of the increment of the band it lies in: zeros are added or
+///   dropped, and no other digit is.
+/// - Negative prices are the exact mirror of their magnitude: the tick at -10.5 is that at 10.5, and one step up from
+///   -10.05 is -10.00 because one step down from 10.05 is 10.00.
+/// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
+/// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
+/// has
+///   a null tick and is left alone; a fatal record is written to the log. No operation throws.
+/// - Limits: comparisons and sums are those of nxDecimal. A mantissa that does not fit 64 bits wraps.
+/// - Threads: a finished table is shared by any number of threads. Each search takes the table's lock, because the last
+///   band found is remembered. A thread with many prices calls an operation on a span, which takes the lock once, or
+///   keeps an nxTickTableCursor of its own, which takes none. Bands are added before the table is shared.
+/// - Ownership: not copyable; returned references live as long as the table.
+class NX_CORE_API nxVariableTickTable
+{
+public:
+    /// A table without bands.
+    nxVariableTickTable() : _cache(_ranges.begin()) {}
+
+    nxVariableTickTable(const nxVariableTickTable&) = delete;
+    nxVariableTickTable& operator=(const nxVariableTickTable&) = delete;
+
+    /// @return the tick at @p price; a null decimal when the price has no band.
+    const nxDecimal& GetTickIncrement(const nxDecimal& price) const
+    {
+        {
+            const nxMutexGuard guard(_lock);
+            if (_zone.Contains(price) || _Relocate(price))
+                return *_zone.increment;
+        }
+        return _GetIncrementForPrice(price);
+    }
+    /// Writes the tick at each price to the same place of @p increments, as far as both spans reach. Takes the lock
+    /// once.
+    void GetTickIncrement(std::span<const nxDecimal> prices, std::span<nxDecimal> increments) const;
+
+    /// Moves the price up by one tick.
+    void Increment(nxDecimal& price) const
+    {
+        if (!_StepInZone(true, price))
+            _StepSlowly(true, price);
+    }
+    /// Moves the price down by one tick.
+    void Decrement(nxDecimal& price) const
+    {
+        if (!_StepInZone(false, price))
+            _StepSlowly(false, price);
+    }
+    /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
+    ///
+    /// Steps within a band cost no more than one step, however many they are. Only prices of 2^49 or more units of the
+    /// finest scale involved are stepped one by one, and stop where a step changes nothing.
+    void Increment(nxDecimal& price, int ticks) const;
+    /// Moves each price by @p ticks single steps. Takes the lock once.
+    void Increment(std::span<nxDecimal> prices, int ticks) const;
+
+    /// Rounds the price to a multiple of the tick at it. The multiple has the tick's number of places; it may lie in
+    /// the next band. Nothing happens when @p method is none of the four.
+    void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const
+    {
+        if (!_RoundInZone(method, price))
+            _RoundSlowly(method, price);
+    }
+    /// Rounds each price. Takes the lock once.
+    void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
+
+    /// @return the decimal places of the increment of the price's band; 0 when there is no band.
+    unsigned char NumberOfDecimalPlaces(const nxDecimal& price) const;
+
+    /// @return the bands in ascending order, each an inclusive upper bound and an increment.
+    const std::vector<std::pair<nxDecimal, nxDecimal>>& GetRangeData() const { return _ranges; }
+    /// @return the smallest increment; a null decimal when there are no bands.
+    nxDecimal GetMinimumTickIncrement() const;
+
+protected:
+    /// A band of the table.
+    typedef std::vector<std::pair<nxDecimal, nxDecimal>>::const_iterator iterator;
+
+    /// Remembers the band that a search found; called with the lock held. An override that does not call this one
+    /// switches the memory off.
+    virtual void _SetCache(iterator range) const NX_REQUIRES(_lock);
+
+public:
+    virtual ~nxVariableTickTable();
+
+protected:
+    /// Adds a band above the present ones.
+    void _AddRange(const nxDecimal& upperBound, const nxDecimal& increment);
+    /// Adds the last band, which has no upper bound: its bound is the maximum decimal.
+    void _AddTopRange(const nxDecimal& increment);
+    /// Adds the bands that a text lists, "4.990 0.010; 9.950 0.050; 0.100": bounds and increments, at the end the top
+    /// increment alone. What is not a number becomes null and fails the constraints.
+    void _AddRanges(std::string_view bands);
+
+    /// @return whether the table is usable: it has bands, the last bound is the maximum decimal, the bounds are
+    /// positive
+    ///         and strictly ascending, and every increment is positive.
+    bool _CheckConstraints() const;
+
+    /// @return the band of the price's magnitude, a price without a value counting as 0; the end when there is none.
+    iterator _FindRange(const nxDecimal& price) const;
+    /// @return the tick at @p price; a null decimal, after a fatal record in the log, when the price has no band.
+    const nxDecimal& _GetIncrementForPrice(const nxDecimal& price) const;
+    /// Adds the band's increment; the places are then those of the band that the result lies in, this or the next.
+    void _IncreasePrice(nxDecimal& price, iterator band) const;
+    /// Subtracts the band's increment; the places are then those of the band that the result lies in, this or, for a
+    /// negative result, the next.
+    void _DecreasePrice(nxDecimal& price, iterator band) const;
+
+private:
+    friend class nxTickTableCursor;
+    friend class nxVariableTickTableContainer;
+
+    // The magnitude by which a price is looked up; negative for the one mantissa that has none.
+    static nxDecimal _Magnitude(const nxDecimal& price);
+    static const nxDecimal& _ReportUnknownBand();
+
+    // By the decimal rules, without lock or memory.
+    iterator _Scan(const nxDecimal& magnitude) const;
+    const nxDecimal& _TickIn(iterator band, const nxDecimal& magnitude) const;
+    void _StepFrom(iterator band, bool up, nxDecimal& price) const;
+
+    // Makes the zone one that holds the price; false when the price needs the decimal rules.
+    bool _Relocate(const nxDecimal& price) const NX_REQUIRES(_lock);
+    nxTickTableCursor _StartCursor(const nxDecimal& price) const;
+
+    bool _StepInZone(bool up, nxDecimal& price) const
+    {
+        const nxMutexGuard guard(_lock);
+        return price.IsValid() && _zone.Step(up, 1, price) != 0;
+    }
+    bool _RoundInZone(const nxRoundingMethodEnum& method, nxDecimal& price) const
+    {
+        const nxMutexGuard guard(_lock);
+        return price.IsValid() && _zone.Round(method, price);
+    }
+    void _StepSlowly(bool up, nxDecimal& price) const;
+    void _RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+
+    std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;
+    mutable nxMutex _lock;
+    mutable iterator _cache NX_GUARDED_BY(_lock);
+
+    // The remembered band once more, as integers: empty, or within the band at _cache.
+    mutable nxTickZone _zone NX_GUARDED_BY(_lock);
+    nxTickGrid _grid;
+};
+
+#endif

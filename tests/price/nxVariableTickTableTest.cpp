@@ -1,0 +1,606 @@
+#include "core/price/nxVariableTickTable.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <random>
+#include <thread>
+
+#include "core/price/nxTickTableCursor.h"
+#include "core/price/nxVariableTickTableContainer.h"
+#include "tests/price/recordingLogDevice.h"
+#include "tests/price/transcribedTickTable.h"
+
+namespace
+{
+nxDecimal D(const char* text) { return nxDecimal(text, '.'); }
+nxDecimal D(long long mantissa, int places)
+{
+    return nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, static_cast<unsigned char>(places));
+}
+std::string Text(const nxDecimal& decimal) { return decimal.GetAsLogString('.'); }
+
+// To the last place: status, mantissa and number of places.
+std::string Exact(const nxDecimal& decimal)
+{
+    return decimal.IsValid() ? std::to_string(decimal.GetValue()) + "e-" + std::to_string(decimal.GetDecimalPlaces())
+                             : decimal.GetAsLogString('.');
+}
+
+// A table of any bands, with its protected operations in reach.
+class Table : public nxVariableTickTable
+{
+public:
+    using nxVariableTickTable::_AddRange;
+    using nxVariableTickTable::_AddRanges;
+    using nxVariableTickTable::_AddTopRange;
+    using nxVariableTickTable::_CheckConstraints;
+    using nxVariableTickTable::_DecreasePrice;
+    using nxVariableTickTable::_FindRange;
+    using nxVariableTickTable::_GetIncrementForPrice;
+    using nxVariableTickTable::_IncreasePrice;
+
+    Table() = default;
+    explicit Table(const char* bands) { _AddRanges(bands); }
+
+    long Band(const nxDecimal& price) const { return _FindRange(price) - GetRangeData().begin(); }
+    auto At(int band) const { return GetRangeData().begin() + band; }
+};
+
+const nxRoundingMethodEnum methods[] = {NX_ROUNDING_METHOD_DOWN, NX_ROUNDING_METHOD_UP, NX_ROUNDING_METHOD_NEAREST,
+                                        NX_ROUNDING_METHOD_MODIFIED_NEAREST};
+
+int Operations(int standard)
+{
+    const char* count = std::getenv("NX_TEST_OPERATIONS");
+    return count != nullptr ? std::atoi(count) : standard;
+}
+}  // namespace
+
+TEST(nxVariableTickTable, TicksAndStepsAtAndAroundABound)
+{
+    struct Row
+    {
+        const char *price, *tick, *up, *down;
+    };
+    const Row rows[] = {
+        {"0", "0.01", "0.01", "-0.01"},
+        {"0.005", "0.01", "0.015", "-0.005"},
+        {"9.99", "0.01", "10.00", "9.98"},
+        {"10", "0.01", "10.01", "9.99"},
+        {"10.00", "0.01", "10.01", "9.99"},
+        {"10.005", "0.01", "10.055", "9.995"},  // nearer to the bound than a lower tick
+        {"10.01", "0.05", "10.06", "10.00"},
+        {"10.04", "0.05", "10.09", "9.99"},  // 10.03 is above 10, so the larger step
+        {"10.05", "0.05", "10.10", "10.00"},
+        {"100.00", "0.05", "100.05", "99.95"},
+        {"100.05", "0.50", "100.55", "100.00"},
+        {"100.50", "0.50", "101.00", "100.00"},
+        {"-0.005", "0.01", "0.005", "-0.015"},
+        {"-10", "0.01", "-9.99", "-10.01"},
+        {"-10.01", "0.05", "-10.00", "-10.06"},
+        {"-10.05", "0.05", "-10.00", "-10.10"},
+        {"-10.5", "0.05", "-10.45", "-10.55"},
+        {"-100.50", "0.50", "-100.00", "-101.00"},
+        {"1.2345", "0.01", "1.2445", "1.2245"},  // off the grid no digit is cut
+        {"1.200", "0.01", "1.21", "1.19"},       // and zeros are dropped
+        {"5", "0.01", "5.01", "4.99"},
+    };
+    const Table table("10 0.01; 100 0.05; 0.50");
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.price);
+        EXPECT_EQ(Text(table.GetTickIncrement(D(row.price))), row.tick);
+        nxDecimal up = D(row.price), down = D(row.price);
+        table.Increment(up);
+        table.Decrement(down);
+        EXPECT_EQ(Text(up), row.up);
+        EXPECT_EQ(Text(down), row.down);
+    }
+}
+
+TEST(nxVariableTickTable, PlacesFollowTheBandThatTheResultLiesIn)
+{
+    const Table table("0.9995 0.0005; 9.999 0.001; 99.9 0.1; 1");
+    struct Row
+    {
+        const char *price, *up;
+        int places;
+    };
+    const Row rows[] = {
+        {"0.9990", "0.9995", 4}, {"0.9995", "1.000", 4}, {"9.999", "10.0", 3},
+        {"99.9", "100", 1},      {"100", "101", 0},      {"-1.000", "-0.9995", 3},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.price);
+        nxDecimal price = D(row.price);
+        EXPECT_EQ(table.NumberOfDecimalPlaces(price), row.places);
+        table.Increment(price);
+        EXPECT_EQ(Text(price), row.up);
+    }
+}
+
+TEST(nxVariableTickTable, RoundsOntoTheGridAtThePrice)
+{
+    struct Row
+    {
+        const char *price, *down, *up, *nearest, *modified;
+    };
+    const Row rows[] = {
+        {"9.994", "9.99", "10.00", "9.99", "9.99"},
+        {"9.995", "9.99", "10.00", "10.00", "9.99"},
+        {"10.005", "10.00", "10.01", "10.01", "10.00"},  // still by the lower tick
+        {"10.03", "10.00", "10.05", "10.05", "10.05"},
+        {"10.025", "10.00", "10.05", "10.05", "10.00"},
+        {"-10.025", "-10.05", "-10.00", "-10.05", "-10.00"},
+        {"-0.004", "-0.01", "0.00", "0.00", "0.00"},
+        {"99.9", "99.90", "99.90", "99.90", "99.90"},
+        {"104", "100", "110", "100", "100"},
+        {"105.00", "100", "110", "110", "100"},
+        {"0", "0.00", "0.00", "0.00", "0.00"},
+    };
+    const Table table("10 0.01; 100 0.05; 10");
+    for (const Row& row : rows)
+    {
+        const char* const expected[] = {row.down, row.up, row.nearest, row.modified};
+        for (int i = 0; i < 4; ++i)
+        {
+            SCOPED_TRACE(std::string(row.price) + " " + methods[i].GetShortDescription());
+            nxDecimal price = D(row.price);
+            table.RoundToValidTick(methods[i], price);
+            EXPECT_EQ(Text(price), expected[i]);
+        }
+    }
+    nxDecimal price = D("9.994");
+    table.RoundToValidTick(nxRoundingMethodEnum(), price);
+    EXPECT_EQ(Text(price), "9.994");
+}
+
+TEST(nxVariableTickTable, APriceWithoutAValueIsLeftAloneAndCountsAsZero)
+{
+    const Table table("10 0.01; 0.05");
+    for (const nxDecimal& absent : {nxDecimal::GetNullDecimal(), nxDecimal::GetNoChangeDecimal()})
+    {
+        nxDecimal price = absent;
+        nxTickTableCursor cursor(table);
+        table.Increment(price);
+        table.Decrement(price);
+        table.Increment(price, INT_MIN);
+        table.RoundToValidTick(methods[1], price);
+        cursor.Increment(price);
+        cursor.Decrement(price);
+        cursor.Increment(price, INT_MAX);
+        cursor.RoundToValidTick(methods[1], price);
+        EXPECT_EQ(Exact(price), Exact(absent));
+        EXPECT_EQ(Text(table.GetTickIncrement(absent)), "0.01");
+        EXPECT_EQ(Text(cursor.GetTickIncrement(absent)), "0.01");
+        EXPECT_EQ(table.NumberOfDecimalPlaces(absent), 2);
+    }
+}
+
+TEST(nxVariableTickTable, APriceWithoutABandHasANullTickAndIsReported)
+{
+    const Table empty;
+    Table topless;
+    topless._AddRange(D("10"), D("0.01"));
+    const Table whole("10 0.01; 0.05");
+    struct Row
+    {
+        const Table& table;
+        nxDecimal price;
+    };
+    const Row rows[] = {
+        {empty, D("5")}, {topless, D("10.01")}, {topless, D("-11")}, {whole, D(INT64_MIN, 0)}, {whole, D(INT64_MIN, 2)},
+    };
+    RecordingLogDevice device;
+    std::size_t reports = 0;
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(Exact(row.price));
+        nxDecimal price = row.price;
+        nxTickTableCursor cursor(row.table);
+        EXPECT_TRUE(row.table.GetTickIncrement(price).IsNull());
+        EXPECT_TRUE(cursor.GetTickIncrement(price).IsNull());
+        row.table.Increment(price);
+        row.table.Decrement(price);
+        row.table.Increment(price, INT_MIN);  // reports once, not two billion times
+        row.table.RoundToValidTick(methods[1], price);
+        cursor.Increment(price);
+        cursor.RoundToValidTick(methods[1], price);
+        EXPECT_EQ(Exact(price), Exact(row.price));
+        EXPECT_EQ(row.table.NumberOfDecimalPlaces(price), 0);
+        EXPECT_EQ(row.table.Band(price), static_cast<long>(row.table.GetRangeData().size()));
+        reports += 8;
+    }
+    const auto records = device.WaitForRecords(reports);
+    ASSERT_EQ(records.size(), reports);
+    EXPECT_EQ(records.front().text, "Fatal error in variable tick table");
+    EXPECT_EQ(records.front().line, 108U);
+    EXPECT_TRUE(records.front().level == NX_LOG_LEVEL_FATAL);
+}
+
+TEST(nxVariableTickTable, ConstraintsRefuseWhatIsNotATable)
+{
+    struct Row
+    {
+        const char* bands;
+        bool isTable;
+    };
+    const Row rows[] = {
+        {"0.01", true},
+        {"0", false},
+        {"-0.01", false},
+        {"", false},
+        {"10 0.01; 0.05", true},
+        {"0 0.01; 0.05", false},
+        {"0.00001 0.01; 0.05", true},
+        {"10 0.01; 10 0.02; 0.05", false},
+        {"10 0.01; 10.0 0.02; 0.05", false},
+        {"10 0.01; 10.0001 0.02; 0.05", true},
+        {"10 0.01; 9 0.02; 0.05", false},
+        {"10 0; 0.05", false},
+        {"10 x; 0.05", false},
+        {"10; 0.05", false},
+        {"9223372036854775806 0.01; 1", true},
+        {"9223372036854775807 0.01; 1", false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(Table(row.bands)._CheckConstraints(), row.isTable) << row.bands;
+    Table topless;
+    EXPECT_FALSE(topless._CheckConstraints());
+    topless._AddRange(D("10"), D("0.01"));
+    EXPECT_FALSE(topless._CheckConstraints());
+    topless._AddTopRange(D("0.05"));
+    EXPECT_TRUE(topless._CheckConstraints());
+    topless._AddRange(D("20"), D("0.05"));
+    EXPECT_FALSE(topless._CheckConstraints());
+}
+
+TEST(nxVariableTickTable, SmallestIncrement)
+{
+    EXPECT_TRUE(Table().GetMinimumTickIncrement().IsNull());
+    EXPECT_EQ(Text(Table("0.10").GetMinimumTickIncrement()), "0.10");
+    EXPECT_EQ(Text(Table("1 0.5; 2 0.05; 1").GetMinimumTickIncrement()), "0.05");
+}
+
+TEST(nxVariableTickTable, BandsAddedLaterCountAtOnce)
+{
+    Table table;
+    table._AddRange(D("10"), D("0.01"));
+    EXPECT_EQ(Text(table.GetTickIncrement(D("9"))), "0.01");
+    for (int i = 11; i < 100; ++i)  // moves the bands in memory
+        table._AddRange(nxDecimal(i, 0), D(i, 2));
+    EXPECT_EQ(Text(table.GetTickIncrement(D("98.5"))), "0.98");  // nearer to 98 than a tick of 0.98
+    table._AddTopRange(D("2"));
+    EXPECT_EQ(Text(table.GetTickIncrement(D("98.99"))), "0.99");
+    EXPECT_EQ(Text(table.GetTickIncrement(D("500"))), "2");
+}
+
+// A subclass may watch or refuse the memory of the last band; results do not depend on it.
+TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
+{
+    class Watched : public Table
+    {
+    public:
+        explicit Watched(bool remembers) : Table("10 0.01; 100 0.05; 0.5"), _remembers(remembers) {}
+        mutable int calls = 0;
+
+    protected:
+        void _SetCache(iterator range) const override
+        {
+            ++calls;
+            if (_remembers)
+                nxVariableTickTable::_SetCache(range);
+        }
+
+    private:
+        bool _remembers;
+    };
+    const Watched watched(true), forgetful(false);
+    struct Row
+    {
+        nxDecimal price;
+        const char* tick;
+        int calls;
+    };
+    const Row rows[] = {
+        {D("9"), "0.01", 0},   {D("10"), "0.01", 0},     {D("10.005"), "0.01", 1},
+        {D("11"), "0.05", 1},  {D("100"), "0.05", 1},    {D("100.5"), "0.5", 2},
+        {D("-11"), "0.05", 3}, {D("11.123"), "0.05", 3}, {nxDecimal::GetNullDecimal(), "0.01", 4},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(Text(row.price));
+        EXPECT_EQ(Text(watched.GetTickIncrement(row.price)), row.tick);
+        EXPECT_EQ(watched.calls, row.calls);
+        EXPECT_EQ(Text(forgetful.GetTickIncrement(row.price)), row.tick);
+        nxDecimal price = D("99.95");
+        forgetful.Increment(price);
+        forgetful.RoundToValidTick(methods[0], price);
+        EXPECT_EQ(Text(price), "100.00");
+    }
+    EXPECT_GT(forgetful.calls, 4);
+}
+
+TEST(nxVariableTickTable, ManyTicksAreThatManySingleSteps)
+{
+    struct Row
+    {
+        const char *bands, *price;
+        int ticks;
+        const char* after;
+    };
+    const Row rows[] = {
+        {"10 0.01; 0.05", "9.98", 0, "9.98"},
+        {"10 0.01; 0.05", "9.98", 4, "10.06"},
+        {"10 0.01; 0.05", "10.06", -3, "9.99"},
+        {"10 0.01; 0.05", "-10.05", 3, "-9.98"},
+        {"0.01", "0", INT_MIN, "-21474836.48"},
+        {"0.01", "0.005", INT_MAX, "21474836.475"},
+        {"0.5", "-3", INT_MAX, "1073741820.5"},
+        {"10 0.01; 100 0.05; 5", "0", INT_MAX, "10737404330.01"},
+        {"10 0.01; 100 0.05; 5", "-0.5", INT_MIN, "-10737404585.01"},
+        {"10 0.01; 100 0.05; 5.00", "10737404330.01", -INT_MAX, "0.00"},
+        {"9 1; 1000000000", "0", INT_MAX, "2147483637000000010"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(std::string(row.price) + " by " + std::to_string(row.ticks));
+        const Table table(row.bands);
+        nxDecimal locked = D(row.price), free = D(row.price);
+        table.Increment(locked, row.ticks);
+        nxTickTableCursor(table).Increment(free, row.ticks);
+        EXPECT_EQ(Text(locked), row.after);
+        EXPECT_EQ(Text(free), row.after);
+    }
+}
+
+// Where a step is lost in the double it goes through, two billion of them end at once; where the mantissa overflows, it
+// wraps as decimal arithmetic does.
+TEST(nxVariableTickTable, StepsAtTheLimitsOfTheMantissaEnd)
+{
+    nxDecimal lost = D(562949953421312125, 3);
+    Table("10 0.01; 0.01").Increment(lost, INT_MAX);
+    EXPECT_EQ(Exact(lost), "562949953421312125e-3");
+    const Table table("10 0.01; 1");
+    nxDecimal wrapped = D(INT64_MAX - 5, 0);
+    table.Increment(wrapped, 6);
+    EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));  // and this one has no band
+    table.Increment(wrapped, INT_MAX);
+    EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));
+}
+
+namespace
+{
+// Prices around everything where a decision can change, at other scales too, and prices of every kind.
+class PriceSource
+{
+public:
+    PriceSource(const nxVariableTickTable& table, unsigned seed) : _bands(table.GetRangeData()), _random(seed) {}
+
+    nxDecimal Next()
+    {
+        nxDecimal price;
+        switch (Below(12))
+        {
+            case 0:  // anything at all
+                return D(static_cast<long long>(_random()), static_cast<int>(Below(256)));
+            case 1:  // anything that looks like a number
+                return D(static_cast<long long>(_random() >> Below(64)), static_cast<int>(Below(20)));
+            case 2:  // near the largest numbers that the quick paths take
+                price = D((1LL << 49) / Power(Below(16)) + Small(), static_cast<int>(Below(16)));
+                break;
+            case 3:
+                price = D(INT64_MAX - static_cast<long long>(Below(5)), static_cast<int>(Below(20)));
+                break;
+            case 4:
+                price = D(static_cast<long long>(Below(200)), static_cast<int>(Below(19)));
+                break;
+            case 5:  // anywhere in a band
+            case 6:
+            {
+                const nxDecimal& bound = _bands[Below(_bands.size())].first;
+                price = D(static_cast<long long>(Below(static_cast<std::uint64_t>(bound.GetValue()))),
+                          bound.GetDecimalPlaces());
+                break;
+            }
+            default:  // near a bound, or a tick above it
+            {
+                const auto& [bound, increment] = _bands[Below(_bands.size())];
+                price = Below(2) == 0 ? bound : bound + increment;
+                const auto places = static_cast<unsigned char>(Below(18));
+                if (places > price.GetDecimalPlaces() && price.GetIntegerPart() < Power(17U - places))
+                    price.SetDecimalPlaces(places, true);
+                price = D(static_cast<long long>(static_cast<std::uint64_t>(price.GetValue()) +
+                                                 static_cast<std::uint64_t>(Small())),
+                          price.GetDecimalPlaces());
+            }
+        }
+        if (Below(3) == 0)
+            price.InvertSign();
+        return price;
+    }
+
+    std::uint64_t Below(std::uint64_t end) { return _random() % end; }
+
+private:
+    static long long Power(std::uint64_t places)
+    {
+        long long power = 1;
+        for (; places != 0; --places)
+            power *= 10;
+        return power;
+    }
+    long long Small() { return static_cast<long long>(Below(7)) - 3; }
+
+    const std::vector<std::pair<nxDecimal, nxDecimal>>& _bands;
+    std::mt19937_64 _random;
+};
+
+// Compares every way of asking with the transcription, on one table.
+void CompareWithTranscription(const nxVariableTickTable& table, unsigned seed, int operations)
+{
+    const TranscribedTickTable rules(table.GetRangeData());
+    PriceSource source(table, seed);
+    nxTickTableCursor cursor(table);
+    nxDecimal walking = source.Next();
+    for (int i = 0; i < operations; ++i)
+    {
+        // Half of the prices come from stepping on, as those of a market do.
+        const nxDecimal price = source.Below(2) == 0 ? walking : source.Next();
+        const nxRoundingMethodEnum& method = methods[source.Below(4)];
+        const bool up = source.Below(2) == 0;
+        const int ticks = static_cast<int>(source.Below(9)) - 4;
+        SCOPED_TRACE("price " + Exact(price) + ", " + method.GetShortDescription() + ", ticks " +
+                     std::to_string(ticks) + (up ? ", up" : ", down"));
+
+        const std::string tick = Exact(rules.Tick(price));
+        nxDecimal batchTick;
+        table.GetTickIncrement(std::span(&price, 1), std::span(&batchTick, 1));
+        ASSERT_EQ(Exact(table.GetTickIncrement(price)), tick);
+        ASSERT_EQ(Exact(cursor.GetTickIncrement(price)), tick);
+        ASSERT_EQ(Exact(batchTick), tick);
+        ASSERT_EQ(table.NumberOfDecimalPlaces(price), rules.Places(price));
+        ASSERT_EQ(cursor.NumberOfDecimalPlaces(price), rules.Places(price));
+
+        const std::string rounded = Exact(rules.Rounded(price, method));
+        nxDecimal a = price, b = price, c = price;
+        table.RoundToValidTick(method, a);
+        cursor.RoundToValidTick(method, b);
+        table.RoundToValidTick(method, std::span(&c, 1));
+        ASSERT_EQ(Exact(a), rounded);
+        ASSERT_EQ(Exact(b), rounded);
+        ASSERT_EQ(Exact(c), rounded);
+
+        const std::string stepped = Exact(rules.Stepped(price, up));
+        a = b = price;
+        up ? table.Increment(a) : table.Decrement(a);
+        up ? cursor.Increment(b) : cursor.Decrement(b);
+        ASSERT_EQ(Exact(a), stepped);
+        ASSERT_EQ(Exact(b), stepped);
+        walking = a;
+
+        nxDecimal many = price;
+        for (int step = 0; step < std::abs(ticks); ++step)
+            many = rules.Stepped(many, ticks > 0);
+        a = b = c = price;
+        table.Increment(a, ticks);
+        cursor.Increment(b, ticks);
+        table.Increment(std::span(&c, 1), ticks);
+        ASSERT_EQ(Exact(a), Exact(many));
+        ASSERT_EQ(Exact(b), Exact(many));
+        ASSERT_EQ(Exact(c), Exact(many));
+    }
+}
+}  // namespace
+
+TEST(nxVariableTickTable, EveryWayOfAskingAgreesWithTheRulesOnTheCatalogue)
+{
+    unsigned seed = 1;
+    for (const std::string& id : nxVariableTickTableContainer::GetVariableTickTableIDs())
+    {
+        SCOPED_TRACE(id);
+        const nxVariableTickTable& table = *nxVariableTickTableContainer::GetVariableTickTable(id);
+        ASSERT_NO_FATAL_FAILURE(CompareWithTranscription(table, ++seed, Operations(1000)));
+    }
+}
+
+TEST(nxVariableTickTable, EveryWayOfAskingAgreesWithTheRulesOnOddTables)
+{
+    const char* const tables[] = {
+        "0.01",
+        "1000000000000000000",
+        "0.000000000000001",
+        "0.0000000000000001 0.0000000000000001; 1",  // finer than the integers take
+        "1 0.0000000001; 2 0.3; 7",                  // increments that do not divide the bounds
+        "0.5 1; 0.7 2; 0.8 3; 10 4; 5",              // bands narrower than a tick
+        "0.001 0.01; 0.5",
+        "10.00 0.05; 10.01 0.05; 20.000 0.01; 0.5",  // ticks that fall
+        "9007199254740993 1; 2",                     // bounds beyond what a double holds
+        "562949953.421311 0.000001; 562949953.421312 1; 2",
+        "5 0.01; 900000000000000000 0.5; 9223372036854775806 3; 7",
+    };
+    unsigned seed = 1000;
+    for (const char* bands : tables)
+    {
+        SCOPED_TRACE(bands);
+        const Table table(bands);
+        ASSERT_TRUE(table._CheckConstraints());
+        ASSERT_NO_FATAL_FAILURE(CompareWithTranscription(table, ++seed, Operations(10000)));
+    }
+}
+
+TEST(nxVariableTickTable, SpansAreTakenAsFarAsTheyReach)
+{
+    const Table table("10 0.01; 0.05");
+    std::vector<nxDecimal> prices = {D("9.996"), nxDecimal::GetNullDecimal(), D("12.33"), D("-12.33")};
+    const auto text = [](const std::vector<nxDecimal>& decimals)
+    {
+        std::string all;
+        for (const nxDecimal& decimal : decimals)
+            all += Text(decimal) + " ";
+        return all;
+    };
+    std::vector<nxDecimal> ticks(5, D("7"));
+    table.GetTickIncrement(std::span(prices).first(3), ticks);
+    table.GetTickIncrement(std::span<const nxDecimal>(), ticks);
+    EXPECT_EQ(text(ticks), "0.01 0.01 0.05 7 7 ");
+    table.GetTickIncrement(prices, std::span(ticks).last(1));
+    EXPECT_EQ(text(ticks), "0.01 0.01 0.05 7 0.01 ");
+    table.RoundToValidTick(methods[1], prices);
+    EXPECT_EQ(text(prices), "10.00 NULL 12.35 -12.30 ");
+    table.Increment(prices, -2);
+    EXPECT_EQ(text(prices), "9.98 NULL 12.25 -12.40 ");
+}
+
+TEST(nxVariableTickTable, StepsOfOneBandByItsIterator)
+{
+    const Table table("10 0.01; 0.050");
+    nxDecimal price = D("9.99");
+    table._IncreasePrice(price, table.At(0));
+    EXPECT_EQ(Text(price), "10.00");  // the bound itself is still in the band
+    table._IncreasePrice(price, table.At(0));
+    EXPECT_EQ(Text(price), "10.010");
+    price = D("-9.995");
+    table._DecreasePrice(price, table.At(0));
+    EXPECT_EQ(Text(price), "-10.005");
+    table._DecreasePrice(price, table.At(1));
+    EXPECT_EQ(Text(price), "-10.055");
+    table._DecreasePrice(price, table.At(2));  // no band
+    table._IncreasePrice(price, table.At(2));
+    EXPECT_EQ(Text(price), "-10.055");
+    EXPECT_EQ(Text(table._GetIncrementForPrice(D("10.01"))), "0.050");
+    EXPECT_EQ(table.Band(D("10.0")), 0);
+    EXPECT_EQ(table.Band(D("-10.0001")), 1);
+}
+
+// Threads on one table, at prices far apart, take the remembered band from each other all the time.
+TEST(nxVariableTickTable, ThreadsShareATable)
+{
+    const Table table("9.99 0.01; 99.95 0.05; 999.75 0.25; 0.50");
+    constexpr std::size_t threads = 4;
+    std::vector<std::string> ends(threads);
+    {
+        std::vector<std::jthread> workers;
+        for (std::size_t thread = 0; thread < threads; ++thread)
+            workers.emplace_back(
+                [&, isUp = thread % 2 == 0, &end = ends[thread]]
+                {
+                    nxDecimal locked = D("0.00"), free = locked;
+                    nxTickTableCursor cursor(table);
+                    for (int step = 0; step < 5000; ++step)
+                    {
+                        isUp ? table.Increment(locked) : table.Decrement(locked);
+                        isUp ? cursor.Increment(free) : cursor.Decrement(free);
+                        table.RoundToValidTick(methods[0], locked);
+                        if (Exact(locked) != Exact(free) ||
+                            Exact(table.GetTickIncrement(free)) != Exact(cursor.GetTickIncrement(free)))
+                            return;
+                    }
+                    end = Text(locked);
+                });
+    }
+    EXPECT_EQ(ends, (std::vector<std::string>{"650.00", "-650.00", "650.00", "-650.00"}));
+}
