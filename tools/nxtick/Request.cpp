@@ -241,7 +241,7 @@ std::string GetHelp()
            "\n"
            "  nxtick -list [-filter TEXT]              the tick tables that it knows\n"
            "  nxtick -table ID                         the bands of one\n"
-           "  nxtick -table ID -price P [-step N]      tick, neighbours, roundings at a price\n"
+           "  nxtick -table ID -price P [-step N]      tick, neighbours, roundings there\n"
            "  nxtick -table ID -price P -ladder N      N ticks up and down from a price\n"
            "  nxtick -table ID -chart FILE.svg         tick size over price, as a picture\n"
            "  nxtick -table ID -column NAME [-csv FILE] [-out FILE] [-method METHOD]\n"
@@ -252,10 +252,11 @@ std::string GetHelp()
            "  -method        nearest (the default), modified-nearest, up or down\n"
            "  -csv, -out     by default standard input and standard output\n"
            "\n"
+           "Examples\n"
            "  nxtick -increment 0.05 -csv wti-daily.csv -column Price -out snapped.csv\n"
            "  nxtick -table VTT_EURONEXT_07 -price 9.999 -step 2\n"
            "  nxtick -list -filter CME\n"
            "\n"
-           "Exit status: 0 done, 1 some prices were rejected, 2 nothing was done.\n";
+           "Exit status  0 done, 1 some prices were rejected, 2 nothing was done.\n";
 }
 }  // namespace nxtick

@@ -86,7 +86,9 @@ std::string Quoted(std::string_view text)
 
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates)
 {
-    const std::size_t bound = std::max<std::size_t>(2, wrong.size() / 3);
+    // A third of the text may differ, two characters in a short one, but never all of it.
+    const std::size_t bound =
+        std::min(std::max<std::size_t>(2, wrong.size() / 3), std::max<std::size_t>(1, wrong.size()) - 1);
     std::vector<std::pair<std::size_t, std::string>> near;
     if (wrong.size() <= longestQuoted)
         for (const std::string& candidate : candidates)

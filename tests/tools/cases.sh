@@ -1,0 +1,53 @@
+# shellcheck shell=bash
+# Sourced by the test scripts: a scratch directory of their own and the checks that they are tables of.
+
+nxtick=$1
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cd "$scratch" || exit 2
+unset QRX_LOG_DIRECTORY QRX_LOG_LEVEL NO_COLOR
+failures=0
+
+# same WHAT EXPECTED ACTUAL
+same()
+{
+    [ "$2" = "$3" ] && return 0
+    printf '%s\n--- %s: expected\n%s\n--- got\n%s\n' "FAILED: $case" "$1" "$2" "$3"
+    failures=$((failures + 1))
+}
+
+# run EXIT-STATUS OPTION...: with standard input as given; leaves the files out and err.
+run()
+{
+    local expected=$1 status=0
+    shift
+    case="nxtick $*"
+    "$nxtick" "$@" >out 2>err || status=$?
+    same "exit status" "$expected" "$status"
+}
+
+# Text with line ends kept, in a form that survives $(...): CR as <CR>, and a mark at the end.
+visible() { sed 's/\r/<CR>/g'; printf '<END>'; }
+out_is() { same "standard output" "$(printf '%b' "$1" | visible)" "$(visible <out)"; }
+# The time that a run took is no fault.
+err_is()
+{
+    same "standard error" "$(printf '%b' "$1" | visible)" \
+        "$(sed -E 's/^(time|prices a second) +[0-9.,]+( s)?$/\1/; s/  +/  /' err | visible)"
+}
+# A run that ends with one line on standard error, and leaves nothing but out and err behind.
+refused()
+{
+    local message=$1
+    shift
+    run 2 "$@" </dev/null
+    out_is ''
+    err_is "nxtick: $message\n"
+}
+
+finish()
+{
+    [ "$failures" -eq 0 ] && exit 0
+    echo "$failures failed"
+    exit 1
+}

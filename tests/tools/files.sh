@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# The output file: whole or not there, and no trace of an attempt.
+set -u
+. "$(dirname "$0")/cases.sh"
+
+printf 'Price\n1.23\n' >good.csv
+printf 'Price\n"1.23\n' >open.csv
+expected='Price,tick,snapped,moved\n1.23,0.05,1.25,0.02\n'
+snap='-increment 0.05 -column Price'
+content_is() { same "$1" "$(printf '%b' "$2" | visible)" "$(visible <"$1")"; }
+nothing_left() { same "left behind" "" "$(find . -name '*.tmp*')"; }
+
+run 0 $snap -csv good.csv -out new.csv
+out_is ''
+content_is new.csv "$expected"
+
+# A file that was there keeps its mode, a link stays a link, and the input may be the output.
+echo old >mode.csv && chmod 600 mode.csv && ln -s mode.csv link.csv
+run 0 $snap -csv good.csv -out link.csv
+content_is mode.csv "$expected"
+same "mode and link" "600 symbolic link" "$(stat -c %a mode.csv) $(stat -c %F link.csv)"
+cp good.csv same.csv
+run 0 $snap -csv same.csv -out same.csv
+content_is same.csv "$expected"
+
+# Failures of any kind leave the old file, and no new one.
+echo old >kept.csv
+for input in open.csv missing.csv .; do
+    run 2 $snap -csv "$input" -out kept.csv
+    content_is kept.csv 'old\n'
+    run 2 $snap -csv "$input" -out none.csv
+    same "none.csv" "" "$(ls none.csv 2>/dev/null)"
+done
+refused "open.csv:2: a quote is opened in this row and never closed" $snap -csv open.csv -out kept.csv
+{ echo Price; head -c 1200000 /dev/zero | tr '\0' 'x'; } >long.csv
+refused "long.csv:2: the row that begins here is longer than 1048576 bytes" $snap -csv long.csv -out kept.csv
+refused "cannot write kept.csv/x: Not a directory" $snap -csv good.csv -out kept.csv/x
+refused "cannot write .: Is a directory" $snap -csv good.csv -out .
+nothing_left
+
+# What is no file is written to directly.
+run 0 $snap -csv good.csv -out /dev/null
+same "/dev/null" "character special file" "$(stat -c %F /dev/null)"
+if [ -e /dev/full ]; then
+    run 2 $snap -csv good.csv -out /dev/full
+    err_is "nxtick: cannot write /dev/full: No space left on device\n"
+    "$nxtick" $snap -csv good.csv >/dev/full 2>err
+    same "full standard output" "nxtick: cannot write stdout: No space left on device" "$(cat err)"
+fi
+
+# Ended by a signal in the middle of the work.
+mkfifo pipe
+for signal in TERM HUP; do
+    case="ended by SIG$signal"
+    "$nxtick" $snap -csv pipe -out kept.csv 2>/dev/null &
+    process=$!
+    exec 3>pipe
+    printf 'Price\n1.23\n' >&3
+    for _ in $(seq 500); do
+        [ -n "$(find . -name 'kept.csv.tmp*')" ] && break
+        sleep 0.01
+    done
+    same "temporary file while working" "1" "$(find . -name 'kept.csv.tmp*' | wc -l)"
+    kill -s "$signal" "$process"
+    wait "$process" 2>/dev/null
+    status=$?
+    same "exit status" "$((128 + $(kill -l "$signal")))" "$status"
+    exec 3>&-
+    content_is kept.csv 'old\n'
+    nothing_left
+done
+
+finish

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# What the user asks for, rightly and wrongly.
+set -u
+. "$(dirname "$0")/cases.sh"
+
+snap='-increment 0.05 -column Price'
+refused "nothing to do; try nxtick -help"
+refused "'price.csv' belongs to no option; try nxtick -help" price.csv $snap
+refused "unknown option '-colum'; did you mean -column?" -colum Price
+refused "unknown option '-xyzzy'" -xyzzy
+refused "option -csv needs a value" $snap -csv
+refused "option -list takes no value, yet 'CME' follows it" -list CME
+refused "option -column is missing: the column that holds the prices" -increment 0.05 -csv x.csv
+refused "-column needs -table ID or -increment I" -column Price
+refused "-table and -increment exclude each other" $snap -table VTT_NFX_1
+refused "option -step does not go with -column" $snap -step 3
+refused "-increment '0' is not a positive number of at most 18 digits" -increment 0 -column Price
+refused "-increment '-0.05' is not a positive number of at most 18 digits" -increment -0.05 -column Price
+refused "-increment 'abc' is not a positive number of at most 18 digits" -increment abc -column Price
+refused "unknown method 'neares'; did you mean nearest?" $snap -method neares
+refused "unknown method '?'; there are nearest, modified-nearest, up and down" $snap -method '?'
+refused "stdin:1: there is no header line" $snap
+refused "cannot read missing.csv: No such file or directory" $snap -csv missing.csv
+refused "cannot read .: Is a directory" $snap -csv .
+refused "cannot write missing/out.csv: No such file or directory" $snap -out missing/out.csv
+
+printf 'Date,Price,Price 2,x,x\n1,2\n' >columns.csv
+refused "columns.csv:1: there is no column 'price'; did you mean Price?" -increment 1 -csv columns.csv -column price
+refused "columns.csv:1: there is no column 'volume'" -increment 1 -csv columns.csv -column volume
+refused "columns.csv:1: there are several columns 'x'" -increment 1 -csv columns.csv -column x
+
+for option in -help --help -h; do
+    run 0 $option
+    err_is ''
+    same "first line" "nxtick" "$(head -c 6 out)"
+    same "fits a screen" "yes" "$(awk 'length > 80 || NR > 24 {exit 1}' out && echo yes)"
+    same "ends with a line end" "" "$(tail -c 1 out)"
+done
+run 0 -version
+same "version" "nxtick 1" "$(grep -oE '^nxtick [0-9]+' out)"
+finish
