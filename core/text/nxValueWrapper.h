@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxValueStatusEnum.h"
@@ -40,6 +41,8 @@ class nxValueWrapper
     static_assert(NullMark != NoChangeMark);
     // Two's complement without overflow: calculated unsigned, and no narrower than the language calculates anyway.
     using Unsigned = std::common_type_t<std::make_unsigned_t<T>, unsigned>;
+    template <class Other>
+    static constexpr bool _IsOperand = std::integral<Other> || std::same_as<Other, nxValueWrapper>;
 
 public:
     static constexpr T NullValue = NullMark;          ///< The number that stands for null.
@@ -115,34 +118,46 @@ public:
 
     friend constexpr bool operator==(const nxValueWrapper&, const nxValueWrapper&) = default;
     friend constexpr auto operator<=>(const nxValueWrapper&, const nxValueWrapper&) = default;
+    /// Compares the numbers themselves, whatever their types: an unsigned wrapper is never equal to -1.
     template <std::integral Number>
     friend constexpr bool operator==(const nxValueWrapper& a, Number b)
     {
-        return a._value == static_cast<T>(b);
+        return std::cmp_equal(+a._value, +b);
     }
+    /// Orders the numbers themselves, whatever their types.
     template <std::integral Number>
     friend constexpr std::strong_ordering operator<=>(const nxValueWrapper& a, Number b)
     {
-        return a._value <=> static_cast<T>(b);
+        if (std::cmp_less(+a._value, +b))
+            return std::strong_ordering::less;
+        return std::cmp_equal(+a._value, +b) ? std::strong_ordering::equal : std::strong_ordering::greater;
     }
 
-    template <std::integral Number>
-    friend constexpr T operator+(const nxValueWrapper& a, Number b)
+    /// Calculates in T and wraps silently.
+    template <class Other>
+        requires _IsOperand<Other>
+    friend constexpr T operator+(const nxValueWrapper& a, Other b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) + static_cast<Unsigned>(b));
+        return static_cast<T>(static_cast<Unsigned>(a._value) + static_cast<Unsigned>(static_cast<T>(b)));
     }
-    template <std::integral Number>
-    friend constexpr T operator-(const nxValueWrapper& a, Number b)
+    /// @copydoc operator+(const nxValueWrapper&, Other)
+    template <class Other>
+        requires _IsOperand<Other>
+    friend constexpr T operator-(const nxValueWrapper& a, Other b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) - static_cast<Unsigned>(b));
+        return static_cast<T>(static_cast<Unsigned>(a._value) - static_cast<Unsigned>(static_cast<T>(b)));
     }
-    template <std::integral Number>
-    friend constexpr T operator*(const nxValueWrapper& a, Number b)
+    /// @copydoc operator+(const nxValueWrapper&, Other)
+    template <class Other>
+        requires _IsOperand<Other>
+    friend constexpr T operator*(const nxValueWrapper& a, Other b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) * static_cast<Unsigned>(b));
+        return static_cast<T>(static_cast<Unsigned>(a._value) * static_cast<Unsigned>(static_cast<T>(b)));
     }
-    template <std::integral Number>
-    friend constexpr T operator/(const nxValueWrapper& a, Number b)
+    /// Calculates in T; the quotient is cut toward zero, and by zero it is the null mark.
+    template <class Other>
+        requires _IsOperand<Other>
+    friend constexpr T operator/(const nxValueWrapper& a, Other b)
     {
         const T divisor = static_cast<T>(b);
         if (divisor == 0)
@@ -154,6 +169,30 @@ public:
                 return static_cast<T>(0 - static_cast<Unsigned>(a._value));
         }
         return static_cast<T>(a._value / divisor);
+    }
+    /// @copydoc operator+(const nxValueWrapper&, Other)
+    template <std::integral Number>
+    friend constexpr T operator+(Number a, const nxValueWrapper& b)
+    {
+        return nxValueWrapper(static_cast<T>(a)) + b;
+    }
+    /// @copydoc operator+(const nxValueWrapper&, Other)
+    template <std::integral Number>
+    friend constexpr T operator-(Number a, const nxValueWrapper& b)
+    {
+        return nxValueWrapper(static_cast<T>(a)) - b;
+    }
+    /// @copydoc operator+(const nxValueWrapper&, Other)
+    template <std::integral Number>
+    friend constexpr T operator*(Number a, const nxValueWrapper& b)
+    {
+        return nxValueWrapper(static_cast<T>(a)) * b;
+    }
+    /// @copydoc operator/(const nxValueWrapper&, Other)
+    template <std::integral Number>
+    friend constexpr T operator/(Number a, const nxValueWrapper& b)
+    {
+        return nxValueWrapper(static_cast<T>(a)) / b;
     }
 
 private:
