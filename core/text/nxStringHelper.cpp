@@ -6,7 +6,9 @@
 #include <cstring>
 
 #include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxDoubleHelper.h"
+#include "core/numeric/nxMoney.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
@@ -131,6 +133,16 @@ nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxDate& value
 
 nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxTime& value) { return value.SetFromString(text); }
 
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxDecimal& value, char separator)
+{
+    return value.SetFromString(text, separator);
+}
+
+nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxMoney& value, char separator)
+{
+    return value.SetFromString(text, separator);
+}
+
 nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxEnum& value)
 {
     return value.SetFromShortDescriptionString(text) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
@@ -157,6 +169,10 @@ void nxStringHelper::AppendAsString(std::string& out, const char* value)
 }
 
 std::string nxStringHelper::GetAsString(const char* value) { return value != nullptr ? value : std::string(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxDecimal& value) { value.AppendAsString(out, '.'); }
+
+std::string nxStringHelper::GetAsString(const nxDecimal& value) { return value.GetAsString('.'); }
 
 void nxStringHelper::AppendAsString(std::string& out, const nxDate& value) { value.AppendAsString(out); }
 

@@ -13,6 +13,8 @@
 class nxCaseSensitivityEnum;
 class nxDate;
 class nxDateTime;
+class nxDecimal;
+class nxMoney;
 class nxTime;
 
 /// Converts between text and the library's value types, and edits strings in place: the library's one set of rules for
@@ -100,6 +102,10 @@ public:
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDate& value);
     /// Reads a time of day; see nxTime::SetFromString().
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxTime& value);
+    /// Reads a decimal; see nxDecimal::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDecimal& value, char separator);
+    /// Reads an amount and a currency; see nxMoney::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxMoney& value, char separator);
     /// Reads a short description (identifier) of any enumeration.
     /// @return NX_ERR_INVALID_PARAMETER when no value has that text (@p value is untouched) or when the value belongs
     ///         to another class (@p value is then undefined, as nxEnum's own setter leaves it).
@@ -150,6 +156,8 @@ public:
     static void AppendAsString(std::string& out, const char* value);
     /// Appends the text.
     static void AppendAsString(std::string& out, const std::string& value) { out.append(value); }
+    /// Appends the decimal with "." as separator, nothing unless it is valid; see nxDecimal::GetAsString().
+    static void AppendAsString(std::string& out, const nxDecimal& value);
     /// Appends eight digits yyyymmdd, nothing for null.
     static void AppendAsString(std::string& out, const nxDate& value);
     /// Appends "HH:MM:SS", nothing for null; see nxTime::GetAsString().
@@ -191,6 +199,8 @@ public:
     static std::string GetAsString(const char* value);
     /// @return a copy.
     static std::string GetAsString(const std::string& value) { return value; }
+    /// @return the decimal with "." as separator, empty unless it is valid; see nxDecimal::GetAsString().
+    static std::string GetAsString(const nxDecimal& value);
     /// @return eight digits yyyymmdd, empty for null.
     static std::string GetAsString(const nxDate& value);
     /// @return "HH:MM:SS", empty for null; see nxTime::GetAsString().

@@ -135,28 +135,28 @@ public:
 
     /// Calculates in T and wraps silently.
     template <class Other>
-        requires _IsOperand<Other>
+    requires _IsOperand<Other>
     friend constexpr T operator+(const nxValueWrapper& a, Other b)
     {
         return static_cast<T>(static_cast<Unsigned>(a._value) + static_cast<Unsigned>(static_cast<T>(b)));
     }
     /// @copydoc operator+(const nxValueWrapper&, Other)
     template <class Other>
-        requires _IsOperand<Other>
+    requires _IsOperand<Other>
     friend constexpr T operator-(const nxValueWrapper& a, Other b)
     {
         return static_cast<T>(static_cast<Unsigned>(a._value) - static_cast<Unsigned>(static_cast<T>(b)));
     }
     /// @copydoc operator+(const nxValueWrapper&, Other)
     template <class Other>
-        requires _IsOperand<Other>
+    requires _IsOperand<Other>
     friend constexpr T operator*(const nxValueWrapper& a, Other b)
     {
         return static_cast<T>(static_cast<Unsigned>(a._value) * static_cast<Unsigned>(static_cast<T>(b)));
     }
     /// Calculates in T; the quotient is cut toward zero, and by zero it is the null mark.
     template <class Other>
-        requires _IsOperand<Other>
+    requires _IsOperand<Other>
     friend constexpr T operator/(const nxValueWrapper& a, Other b)
     {
         const T divisor = static_cast<T>(b);

@@ -1,0 +1,76 @@
+#ifndef CORE_NUMERIC_NXMONEY_H
+#define CORE_NUMERIC_NXMONEY_H
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/nxExport.h"
+#include "core/text/nxInitalizers.h"
+
+/// An amount of money: a decimal in the units of a currency, and the currency's code.
+///
+/// - Currency: three capital letters as in "USD"; whether such a currency exists is not checked.
+/// - Null and no change are those of the amount; such money has no currency.
+/// - Errors: an impossible currency is never held. The constructor makes null of it; SetFromString() returns its error
+///   and leaves the money as it was.
+/// - Threads: like an int. Ownership: a value of 24 bytes that owns nothing.
+/// @code
+/// nxMoney fee;
+/// if (fee.SetFromString("12.50 EUR", '.').IsOK())
+///     std::cout << fee.GetCurrency();  // EUR
+/// @endcode
+class NX_CORE_API nxMoney
+{
+public:
+    nxMoney() : _amount(nxNullInitalizer{}) {}  ///< Null.
+    explicit nxMoney(nxNullInitalizer null) : _amount(null) {}
+    explicit nxMoney(nxNoChangeInitalizer noChange) : _amount(noChange) {}
+    /// @p amount of @p currency; null when @p currency is not three capital letters. An amount that is not valid makes
+    /// null or no change, whatever the currency.
+    nxMoney(const nxDecimal& amount, std::string_view currency);
+
+    bool IsNull() const { return _amount.IsNull(); }
+    bool IsNoChange() const { return _amount.IsNoChange(); }
+    bool IsValid() const { return _amount.IsValid(); }
+    void SetNull() { *this = nxMoney(); }
+    void SetNoChange() { *this = nxMoney(nxNoChangeInitalizer{}); }
+
+    const nxDecimal& GetAmount() const { return _amount; }
+    /// @return three capital letters, or an empty text unless valid. Refers into this object.
+    std::string_view GetCurrency() const { return std::string_view(_currency, IsValid() ? _currencySize : 0); }
+
+    /// Reads an amount as nxDecimal does, one blank, and three capital letters: "-1234.50 USD".
+    /// @return NX_ERR_INVALID_PARAMETER for any other text; the money is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator);
+
+    /// @return the amount with all its decimals (twelve at most), a blank and the currency: "-1234.50 USD"; an empty
+    ///         text unless valid.
+    std::string GetAsString(char separator) const;
+    /// Appends what GetAsString() returns.
+    void AppendAsString(std::string& out, char separator) const;
+    /// @return what GetAsString() returns, "NULL" or "NO_CHANGE".
+    std::string GetAsLogString(char separator) const;
+    /// Appends what GetAsLogString() returns.
+    void AppendAsLogString(std::string& out, char separator) const;
+
+    /// Equal amounts of the same currency; null equals null and no change equals no change. Amounts compare as
+    /// nxDecimal's do, across scales with a tolerance, so money makes no key of a hashed container.
+    friend bool operator==(const nxMoney& a, const nxMoney& b)
+    {
+        return a._amount == b._amount && a.GetCurrency() == b.GetCurrency();
+    }
+
+private:
+    static constexpr unsigned _currencySize = 3;
+
+    nxDecimal _amount;
+    char _currency[_currencySize + 1] = {};
+};
+
+/// Writes the log form, with '.' as the decimal separator.
+NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxMoney& money);
+
+#endif

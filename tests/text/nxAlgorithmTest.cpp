@@ -1,0 +1,198 @@
+#include "core/text/nxAlgorithm.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/nxVersion.h"
+#include "core/text/nxByteArray.h"
+#include "core/text/nxVersionNumber.h"
+
+namespace
+{
+const nxCaseSensitivityEnum caseSensitive(CASE_SENSITIVE);
+const nxCaseSensitivityEnum caseInsensitive(CASE_INSENSITIVE);
+
+// The textbook recursion over all prefixes, without any bound.
+unsigned long long PlainDistance(const std::string& a, const std::string& b)
+{
+    std::vector<std::vector<unsigned long long>> table(a.size() + 1, std::vector<unsigned long long>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i)
+        for (std::size_t j = 0; j <= b.size(); ++j)
+            if (i == 0 || j == 0)
+                table[i][j] = i + j;
+            else
+                table[i][j] = std::min(
+                    {table[i - 1][j] + 1, table[i][j - 1] + 1, table[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0U : 1U)});
+    return table[a.size()][b.size()];
+}
+}  // namespace
+
+TEST(nxAlgorithm, ReadsOneByteOfHexInFourForms)
+{
+    struct Row
+    {
+        std::string text;
+        int value;  // -1: refused
+    };
+    const Row rows[] = {{"7", 7},      {"f", 15},
+                        {"ff", 255},   {"Ff", 255},
+                        {"0xA", 10},   {"0x0A", 10},
+                        {"00", 0},     {"0X0A", -1},
+                        {"", -1},      {"0x", -1},
+                        {"x", -1},     {"1FF", -1},
+                        {"G1", -1},    {"1G", -1},
+                        {"0x0", 0},    {"0x0x", -1},
+                        {"0x123", -1}, {"-1", -1},
+                        {" 1", -1},    {"xx12", -1},
+                        {"00x1", -1},  {"\xFF", -1},
+                        {"@", -1},     {"`", -1},
+                        {"0x1G", -1},  {std::string("1\0", 2), -1}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE("'" + row.text + "'");
+        unsigned char value = 42;
+        EXPECT_EQ(nxAlgorithm::SetFromHex(row.text, value).IsOK(), row.value >= 0);
+        EXPECT_EQ(value, row.value >= 0 ? row.value : 42);
+    }
+    unsigned char value = 42;
+    EXPECT_EQ(nxAlgorithm::SetFromHex(std::string_view(), value), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
+    EXPECT_EQ(value, 42);
+}
+
+TEST(nxAlgorithm, WritesHexInUpperCase)
+{
+    std::string text = ">";
+    nxAlgorithm::AppendAsHex(static_cast<unsigned char>(0x0A), text);
+    nxAlgorithm::AppendAsHex(std::vector<unsigned char>{0xBE, 0x00, 0xFF}, text);
+    nxAlgorithm::AppendAsHex(std::vector<unsigned char>(), text);
+    nxByteArray bytes;
+    bytes.Append(0x1C);
+    const unsigned char more[] = {0x2D, 0x3E};
+    bytes.Append(more, sizeof more);
+    nxAlgorithm::AppendAsHex(bytes, text);
+    EXPECT_EQ(text, ">0ABE00FF1C2D3E");
+    nxAlgorithm::GetAsHex(bytes, text);
+    EXPECT_EQ(text, "1C2D3E");
+    nxAlgorithm::GetAsHex(std::vector<unsigned char>{0x01}, text);
+    EXPECT_EQ(text, "01");
+    EXPECT_EQ(nxAlgorithm::GetAsHex(static_cast<unsigned short>(0xBEEF)), "BEEF");
+    EXPECT_EQ(nxAlgorithm::GetAsHex(static_cast<unsigned short>(255)), "00FF");
+    EXPECT_EQ(nxByteArray(more, sizeof more), nxByteArray(std::vector<unsigned char>{0x2D, 0x3E}));
+}
+
+TEST(nxAlgorithm, FindsTheOneCandidateThatWasMeant)
+{
+    const std::set<std::string> tables = {"VTT_CME", "VTT_CME_ES", "VTT_EUREX", "VTT_LIFFE",
+                                          "vtt_cme", "Lse",        "LSE2",      "lsE2"};
+    struct Row
+    {
+        const char* text;
+        nxCaseSensitivityEnum sensitivity;
+        unsigned distance;
+        const char* match;  // "": none
+    };
+    const Row rows[] = {
+        {"VTT_CME", caseInsensitive, 3, "VTT_CME"},      // exact wins over what differs in case and what is longer
+        {"Vtt_Cme", caseInsensitive, 3, ""},             // two differ in case alone
+        {"vtt_eurex", caseInsensitive, 0, "VTT_EUREX"},  //
+        {"vtt_eurex", caseSensitive, 0, ""},             //
+        {"VTT_E", caseSensitive, 0, "VTT_EUREX"},        // unique prefix
+        {"vtt_l", caseInsensitive, 0, "VTT_LIFFE"},      //
+        {"VTT_", caseSensitive, 9, ""},                  // prefix of several, and that decides
+        {"LSE", caseInsensitive, 0, "Lse"},              // equal but for case wins over prefixes
+        {"VTT_LIFE", caseSensitive, 1, "VTT_LIFFE"},     // one letter short
+        {"VTT_LIFE", caseSensitive, 0, ""},              // beyond the bound
+        {"VVT_UREX", caseSensitive, 2, "VTT_EUREX"},     //
+        {"VVT_UREX", caseSensitive, 1, ""},              //
+        {"LSE3", caseInsensitive, 1, ""},                // three at the same distance
+        {"", caseInsensitive, UINT_MAX, "Lse"},          // the shortest is nearest
+        {"", caseInsensitive, 2, ""},                    //
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        std::string match;
+        EXPECT_EQ(nxAlgorithm::GetBestMatch(tables, row.text, row.sensitivity, row.distance, match),
+                  *row.match != '\0');
+        EXPECT_EQ(match, row.match);
+    }
+    std::string match = "kept";
+    EXPECT_FALSE(nxAlgorithm::GetBestMatch({}, "x", caseInsensitive, 9, match));
+    EXPECT_EQ(match, "kept");
+}
+
+TEST(nxAlgorithm, BoundedDistanceAgreesWithTheUnboundedOne)
+{
+    std::mt19937 random(4);
+    const auto text = [&random]
+    {
+        std::string s(random() % 9, 'a');
+        for (char& c : s)
+            c = static_cast<char>('a' + random() % 3);
+        return s;
+    };
+    for (int i = 0; i < 20'000; ++i)
+    {
+        const std::string a = text();
+        const std::string b = text();
+        const unsigned long long distance = PlainDistance(a, b);
+        for (const unsigned maximum : {0U, 1U, 2U, 4U, 20U, UINT_MAX})
+            ASSERT_EQ(nxAlgorithm::GetEditDistance(a, b, maximum, caseSensitive), std::min(distance, 1ULL + maximum))
+                << a << " and " << b << " up to " << maximum;
+    }
+    EXPECT_EQ(nxAlgorithm::GetEditDistance("ABC", "abd", 3, caseInsensitive), 1U);
+}
+
+TEST(nxVersionNumber, IsCompatibleWithinMajorAndMinor)
+{
+    const nxVersionNumber& version = nxVersionNumber::GetInstance();
+    EXPECT_EQ(version.GetVersionNumber(), NX_CORE_VERSION);
+    unsigned major = 0;
+    unsigned minor = 0;
+    unsigned sub = 0;
+    version.GetMajorMinorSubVersionParts(version.GetVersionNumber(), major, minor, sub);
+    const auto make = [](unsigned a, unsigned b) { return std::to_string(a) + "." + std::to_string(b); };
+    EXPECT_TRUE(version.IsCompatibleVersionNumber(make(major, minor)));
+    EXPECT_TRUE(version.IsCompatibleVersionNumber(make(major, minor) + ".99"));
+    EXPECT_FALSE(version.IsCompatibleVersionNumber(make(major, minor + 1) + ".0"));
+    EXPECT_FALSE(version.IsCompatibleVersionNumber(make(major + 1, minor) + ".0"));
+    EXPECT_FALSE(version.IsCompatibleVersionNumber(""));
+}
+
+TEST(nxVersionNumber, ReadsPartsByTheRuleForLeadingDigits)
+{
+    struct Row
+    {
+        const char* text;
+        unsigned major, minor, sub;
+    };
+    const Row rows[] = {
+        {"2.5.1", 2, 5, 1},
+        {"2.5", 2, 5, 0},
+        {"", 0, 0, 0},
+        {"..3", 0, 0, 3},
+        {"2.5.1.9", 2, 5, 1},
+        {"v2.5rc1.x", 0, 5, 0},
+        {" 2.\t+5.-1", 2, 5, UINT_MAX},
+        {"2147483647.2147483648.99999999999999999999999", INT_MAX, INT_MAX, INT_MAX},
+        {"-2147483648.-99999999999.- 1", 1U + INT_MAX, 1U + INT_MAX, 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        unsigned major = 7;
+        unsigned minor = 7;
+        unsigned sub = 7;
+        nxVersionNumber::GetInstance().GetMajorMinorSubVersionParts(row.text, major, minor, sub);
+        EXPECT_EQ(major, row.major);
+        EXPECT_EQ(minor, row.minor);
+        EXPECT_EQ(sub, row.sub);
+    }
+}

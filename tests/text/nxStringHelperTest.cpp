@@ -1,0 +1,641 @@
+#include "core/text/nxStringHelper.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/enum/nxBoolEnum.h"
+#include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxMoney.h"
+#include "core/time/nxDate.h"
+#include "core/time/nxDateTime.h"
+#include "core/time/nxTime.h"
+
+namespace
+{
+const nxErrorEnum ok;
+const nxErrorEnum invalid(NX_ERR_INVALID_PARAMETER);
+
+const nxCaseSensitivityEnum caseSensitive(CASE_SENSITIVE);
+const nxCaseSensitivityEnum caseInsensitive(CASE_INSENSITIVE);
+
+template <class Integer>
+struct IntegerRow
+{
+    std::string text;
+    nxErrorEnum error;
+    Integer after;
+};
+
+template <class Integer>
+void CheckReading(const std::vector<IntegerRow<Integer>>& rows)
+{
+    for (const IntegerRow<Integer>& row : rows)
+    {
+        SCOPED_TRACE("'" + row.text + "'");
+        Integer value = 42;
+        EXPECT_EQ(nxStringHelper::SetFromString(row.text, value), row.error);
+        EXPECT_EQ(value, row.after);
+    }
+}
+
+template <class Integer>
+void CheckMalformed(bool acceptsMinus)
+{
+    const Integer before = 42;
+    CheckReading<Integer>({{"", invalid, before},
+                           {"-", invalid, before},
+                           {"+5", invalid, before},
+                           {" 5", invalid, before},
+                           {"5 ", invalid, before},
+                           {"--5", invalid, before},
+                           {"5-", invalid, before},
+                           {"1,000", invalid, before},
+                           {"0x10", invalid, before},
+                           {"12345678/", invalid, before},
+                           {"1234567:", invalid, before},
+                           {std::string("5\0", 2), invalid, before},
+                           {std::string("\0", 1), invalid, before},
+                           {"1234\xB5", invalid, before},
+                           {"0", ok, 0},
+                           {"007", ok, 7},
+                           {"-0", acceptsMinus ? ok : invalid, acceptsMinus ? Integer{0} : before},
+                           {"-5", acceptsMinus ? ok : invalid, acceptsMinus ? static_cast<Integer>(-5) : before}});
+}
+
+// The reading rule for doubles as it is defined, one step at a time.
+bool ReadPlainly(const std::string& text, char separator, double& value)
+{
+    std::size_t i = 0;
+    const bool negative = !text.empty() && text[0] == '-';
+    if (negative)
+        i = 1;
+    double mantissa = 0;
+    double divisor = 1;
+    bool seen = false;
+    bool digit = false;
+    for (; i < text.size(); ++i)
+    {
+        if (text[i] == separator)
+        {
+            if (seen)
+                return false;
+            seen = true;
+        }
+        else if (text[i] < '0' || text[i] > '9')
+            return false;
+        else
+        {
+            digit = true;
+            mantissa = mantissa * 10.0 + static_cast<double>(text[i] - '0');
+            if (seen)
+                divisor = divisor * 10.0;
+        }
+    }
+    if (!digit)
+        return false;
+    value = negative ? -(mantissa / divisor) : mantissa / divisor;
+    return true;
+}
+
+// The printing rule for doubles as it is defined, with the digits made by the C library.
+std::string PrintPlainly(double value, unsigned decimals)
+{
+    char buffer[64];
+    const double magnitude = std::fabs(value);
+    if (!(magnitude <= 2147483647.0))
+    {
+        std::snprintf(buffer, sizeof buffer, "%e", value);
+        return buffer;
+    }
+    decimals = std::min(decimals, 9U);
+    const std::string sign = value < 0 ? "-" : "";
+    long long whole = static_cast<long long>(magnitude);
+    const double fraction = magnitude - static_cast<double>(whole);
+    if (decimals == 0)
+    {
+        if (fraction > 0.5 || (fraction == 0.5 && whole % 2 != 0))
+            ++whole;
+        return sign + std::to_string(whole);
+    }
+    const double power = std::pow(10.0, decimals);
+    const double scaled = fraction * power;
+    long long digits = static_cast<long long>(scaled);
+    const double rest = scaled - static_cast<double>(digits);
+    if (rest > 0.5 || (rest == 0.5 && (digits == 0 || digits % 2 != 0)))
+        ++digits;
+    if (static_cast<double>(digits) >= power)
+    {
+        ++whole;
+        digits = 0;
+    }
+    std::snprintf(buffer, sizeof buffer, ".%0*lld", static_cast<int>(decimals), digits);
+    std::string text = buffer;
+    while (text.back() == '0')
+        text.pop_back();
+    if (text == ".")
+        text.clear();
+    return sign + std::to_string(whole) + text;
+}
+
+// Digits in random number with a separator in a random place or nowhere, sometimes with a character spoilt.
+std::string RandomNumberText(std::mt19937_64& random, char separator)
+{
+    std::string text(random() % 4 == 0 ? "-" : "");
+    const std::size_t digits = random() % (random() % 8 == 0 ? 40 : 19);
+    for (std::size_t i = 0; i < digits; ++i)
+        text += static_cast<char>('0' + random() % 10);
+    if (random() % 4 != 0)
+        text.insert(random() % (text.size() + 1), 1, separator);
+    if (random() % 16 == 0 && !text.empty())
+        text[random() % text.size()] = static_cast<char>(random() % 256);
+    return text;
+}
+
+// Doubles of every kind: any bits, products of prices, halves and their neighbours.
+double RandomDouble(std::mt19937_64& random)
+{
+    const double sign = random() % 2 == 0 ? 1 : -1;
+    switch (random() % 4)
+    {
+        case 0:
+            return std::bit_cast<double>(random());
+        case 1:
+            return sign * static_cast<double>(random() % 10'000'000'000) / std::pow(10.0, random() % 12);
+        case 2:
+            return sign * (static_cast<double>(random() % 20'000) + 0.5) / std::pow(10.0, random() % 10);
+        default:
+        {
+            const double value = sign * static_cast<double>(random() % 2'147'483'650) / std::exp2(random() % 33);
+            return random() % 2 == 0 ? value : std::nextafter(value, 0);
+        }
+    }
+}
+}  // namespace
+
+TEST(nxStringHelper, ReadsIntegersOfEveryWidthByOneRule)
+{
+    CheckMalformed<short>(true);
+    CheckMalformed<unsigned short>(false);
+    CheckMalformed<int>(true);
+    CheckMalformed<unsigned>(false);
+    CheckMalformed<long>(true);
+    CheckMalformed<unsigned long>(false);
+    CheckMalformed<long long>(true);
+    CheckMalformed<unsigned long long>(false);
+}
+
+TEST(nxStringHelper, IntegersTooLargeWrap)
+{
+    CheckReading<short>({{"32767", ok, 32767}, {"32768", ok, -32768}, {"-32768", ok, -32768}, {"-32769", ok, 32767}});
+    CheckReading<unsigned short>({{"65535", ok, 65535}, {"65536", ok, 0}, {"70000", ok, 4464}});
+    CheckReading<int>({{"2147483647", ok, INT_MAX},
+                       {"2147483648", ok, INT_MIN},
+                       {"-2147483648", ok, INT_MIN},
+                       {"-2147483649", ok, INT_MAX}});
+    CheckReading<unsigned>({{"4294967295", ok, UINT_MAX}, {"4294967296", ok, 0}, {"4294967297", ok, 1}});
+    CheckReading<long long>({{"9223372036854775807", ok, LLONG_MAX},
+                             {"-9223372036854775808", ok, LLONG_MIN},
+                             {"9223372036854775808", ok, LLONG_MIN},
+                             {"-18446744073709551617", ok, -1}});
+    CheckReading<unsigned long long>({{"18446744073709551615", ok, ULLONG_MAX},
+                                      {"18446744073709551616", ok, 0},
+                                      {std::string(40, '0').append("12"), ok, 12},
+                                      {std::string("1").append(64, '0'), ok, 0}});
+}
+
+TEST(nxStringHelper, IntegersOfEveryLengthSurviveTheRoundTrip)
+{
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 20'000; ++i)
+    {
+        const auto value = static_cast<long long>(random() >> (random() % 64));
+        for (const long long number : {value, -value})
+        {
+            const std::string text = nxStringHelper::GetAsString(number);
+            ASSERT_EQ(text, std::to_string(number));
+            long long back = 0;
+            ASSERT_EQ(nxStringHelper::SetFromString(text, back), ok) << text;
+            ASSERT_EQ(back, number);
+        }
+    }
+}
+
+TEST(nxStringHelper, ViewsAreReadToTheirOwnEnd)
+{
+    unsigned value = 42;
+    EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view("123456", 3), value), ok);
+    EXPECT_EQ(value, 123U);
+    EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view(), value), invalid);
+    EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view("1\0", 2), value), invalid);
+    EXPECT_EQ(value, 123U);
+    // Room for the digits alone, so that the address sanitizer sees any byte read beside them.
+    for (std::size_t size = 1; size <= 24; ++size)
+    {
+        const std::vector<char> digits(size, '1');
+        EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view(digits.data(), size), value), ok) << size;
+    }
+}
+
+TEST(nxStringHelper, ReadsFlagsExactlyAndOtherwiseFalse)
+{
+    for (const std::string text : {"True", "true", "1", " TRUE", "TRUE ", "FALSE ", "", "TRUEFALSE"})
+    {
+        bool value = true;
+        EXPECT_EQ(nxStringHelper::SetFromString(text, value), invalid) << text;
+        EXPECT_FALSE(value) << text;
+    }
+    bool value = false;
+    EXPECT_EQ(nxStringHelper::SetFromString("TRUE", value), ok);
+    EXPECT_TRUE(value);
+    EXPECT_EQ(nxStringHelper::SetFromString("FALSE", value), ok);
+    EXPECT_FALSE(value);
+}
+
+TEST(nxStringHelper, ReadsDoublesWithTheSeparatorGiven)
+{
+    struct Row
+    {
+        std::string text;
+        char separator;
+        nxErrorEnum error;
+        double after;
+    };
+    const double before = 42;
+    const Row rows[] = {
+        {"1,5", ',', ok, 1.5},
+        {"1.5", ',', invalid, before},
+        {"1,2,3", ',', invalid, before},
+        {",", ',', invalid, before},
+        {"-,", ',', invalid, before},
+        {"-,5", ',', ok, -0.5},
+        {"5,", ',', ok, 5},
+        {"", '.', invalid, before},
+        {"-", '.', invalid, before},
+        {"+1", '.', invalid, before},
+        {"1e5", '.', invalid, before},
+        {"inf", '.', invalid, before},
+        {" 1", '.', invalid, before},
+        {"1 5", ' ', ok, 1.5},
+        {"1.", '.', ok, 1},
+        {"0.1", '.', ok, 0.1},
+        {"123456789012.345", '.', ok, 123456789012.345},
+        {"-99999999.9999999", '.', ok, -99999999.9999999},
+        {"4503599627370495", '.', ok, 4503599627370495.0},
+        {"12.34567.", '.', invalid, before},
+        {"12345678.12345.", '.', invalid, before},
+        {"1.3", '3', invalid, before},
+        {"153", '5', ok, 1.3},
+        {"1553", '5', invalid, before},
+        {"5", '5', invalid, before},
+        {"0003", '0', invalid, before},
+        {"30", '0', ok, 3},
+        {"--5", '-', ok, -0.5},
+        {std::string("1\0", 2), '.', invalid, before},
+        {std::string("1\0005", 3), '\0', ok, 1.5},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE("'" + row.text + "' by '" + row.separator + "'");
+        double value = before;
+        EXPECT_EQ(nxStringHelper::SetFromString(row.text, value, row.separator), row.error);
+        EXPECT_EQ(value, row.after);
+    }
+}
+
+TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
+{
+    double value = 0;
+    EXPECT_EQ(nxStringHelper::SetFromString(std::string(400, '9'), value, '.'), ok);
+    EXPECT_TRUE(std::isinf(value));
+    EXPECT_EQ(nxStringHelper::SetFromString(std::string("9.").append(400, '9'), value, '.'), ok);
+    EXPECT_TRUE(std::isnan(value));
+    EXPECT_EQ(nxStringHelper::SetFromString("-0", value, '.'), ok);
+    EXPECT_TRUE(value == 0 && std::signbit(value));
+}
+
+TEST(nxStringHelper, ReadingDoublesAgreesWithThePlainRuleToTheLastBit)
+{
+    std::mt19937_64 random(2);
+    for (int i = 0; i < 300'000; ++i)
+    {
+        const char separator = random() % 32 == 0 ? static_cast<char>(random() % 256) : '.';
+        const std::string text = RandomNumberText(random, separator);
+        double expected = -1;
+        double value = -1;
+        const bool readable = ReadPlainly(text, separator, expected);
+        ASSERT_EQ(nxStringHelper::SetFromString(text, value, separator).IsOK(), readable) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
+    }
+}
+
+TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
+{
+    struct Row
+    {
+        double value;
+        unsigned decimals;
+        const char* text;
+    };
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const Row rows[] = {
+        {2.5, 9, "2.5"},
+        {3.0, 9, "3"},
+        {0.1 + 0.2, 9, "0.3"},
+        {1.05, 9, "1.05"},
+        {-1.05, 9, "-1.05"},
+        {0.000000001, 9, "0.000000001"},
+        {0.0000000004, 9, "0"},
+        {-0.0000000004, 9, "-0"},
+        {-0.0, 9, "0"},
+        {0.999999999999, 9, "1"},
+        {123.456, 40, "123.456"},
+        {0.5, 0, "0"},
+        {1.5, 0, "2"},
+        {2.5, 0, "2"},
+        {2.500001, 0, "3"},
+        {0.25, 1, "0.2"},  // half of an even digit: down
+        {0.75, 1, "0.8"},  // half of an odd digit: up
+        {0.05, 1, "0.1"},  // half of no digit at all: up
+        {0.95, 1, "1"},    // 9.5 after scaling, and carried
+        {0.96, 1, "1"},
+        {1234567.125, 2, "1234567.12"},
+        {2147483647.0, 9, "2147483647"},
+        {2147483647.9, 9, "2.147484e+09"},
+        {2147483648.0, 0, "2.147484e+09"},
+        {-1e300, 9, "-1.000000e+300"},
+        {2147483646.75, 0, "2147483647"},
+        {infinity, 9, "inf"},
+        {-infinity, 9, "-inf"},
+        {std::numeric_limits<double>::quiet_NaN(), 9, "nan"},
+        {std::numeric_limits<double>::max(), 9, "1.797693e+308"},
+        {std::numeric_limits<double>::denorm_min(), 9, "0"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(nxStringHelper::GetAsString(row.value, row.decimals), row.text);
+        std::string appended = "x";
+        nxStringHelper::AppendAsString(appended, row.value, row.decimals);
+        EXPECT_EQ(appended, std::string("x").append(row.text));
+    }
+}
+
+TEST(nxStringHelper, PrintingDoublesAgreesWithThePlainRuleToTheByte)
+{
+    std::mt19937_64 random(3);
+    for (int i = 0; i < 300'000; ++i)
+    {
+        const double value = RandomDouble(random);
+        const auto decimals = static_cast<unsigned>(random() % 11);
+        ASSERT_EQ(nxStringHelper::GetAsString(value, decimals), PrintPlainly(value, decimals))
+            << std::hexfloat << value << ", " << decimals << " decimals";
+    }
+}
+
+TEST(nxStringHelper, PrintsEveryType)
+{
+    const auto appended = [](const auto& value)
+    {
+        std::string text = ">";
+        nxStringHelper::AppendAsString(text, value);
+        return text;
+    };
+    EXPECT_EQ(appended('A'), ">65");
+    EXPECT_EQ(appended('\xFF'), ">-1");
+    EXPECT_EQ(appended(static_cast<unsigned char>(0xFF)), ">255");
+    EXPECT_EQ(appended(static_cast<short>(SHRT_MIN)), ">-32768");
+    EXPECT_EQ(appended(static_cast<unsigned short>(USHRT_MAX)), ">65535");
+    EXPECT_EQ(appended(INT_MIN), ">-2147483648");
+    EXPECT_EQ(appended(UINT_MAX), ">4294967295");
+    EXPECT_EQ(appended(LLONG_MIN), ">-9223372036854775808");
+    EXPECT_EQ(appended(ULLONG_MAX), ">18446744073709551615");
+    EXPECT_EQ(appended(std::string(3, 'x').size()), ">3");
+    EXPECT_EQ(appended(true), ">TRUE");
+    EXPECT_EQ(appended(false), ">FALSE");
+    EXPECT_EQ(appended(0.5F), ">0.5");
+    EXPECT_EQ(appended(-2.25), ">-2.25");
+    EXPECT_EQ(appended("text"), ">text");
+    EXPECT_EQ(appended(static_cast<const char*>(nullptr)), ">");
+    EXPECT_EQ(appended(nxDecimal(5, 2)), ">5.00");
+    EXPECT_EQ(appended(nxDecimal::GetNullDecimal()), ">");
+    EXPECT_EQ(appended(nxDate(2024, 3, 5)), ">20240305");
+    EXPECT_EQ(appended(nxTime(9, 7, 3)), ">09:07:03");
+    EXPECT_EQ(appended(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), ">05 Mar 2024 09:07:03");
+    EXPECT_EQ(appended(nxBoolEnum(NX_BOOL_TRUE)), ">TRUE");
+
+    EXPECT_EQ(nxStringHelper::GetAsString('A'), "65");
+    EXPECT_EQ(nxStringHelper::GetAsString(LONG_MIN), std::to_string(LONG_MIN));
+    EXPECT_EQ(nxStringHelper::GetAsString("text"), "text");  // and not the flag that a pointer converts to
+    EXPECT_EQ(nxStringHelper::GetAsString(static_cast<const char*>(nullptr)), "");
+    EXPECT_EQ(nxStringHelper::GetAsString(std::string("a\0b", 3)), std::string("a\0b", 3));
+    EXPECT_EQ(nxStringHelper::GetAsString(nxDecimal("-1.50", '.')), "-1.50");
+    EXPECT_EQ(nxStringHelper::GetAsString(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), "05 Mar 2024 09:07:03");
+}
+
+TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
+{
+    nxDecimal decimal(7, 0);
+    EXPECT_EQ(nxStringHelper::SetFromString("1,x", decimal, ','), invalid);
+    EXPECT_EQ(decimal, nxDecimal(7, 0));
+    EXPECT_EQ(nxStringHelper::SetFromString("1,25", decimal, ','), ok);
+    EXPECT_EQ(decimal.GetAsString('.'), "1.25");
+
+    nxMoney money(nxDecimal(7, 0), "USD");
+    EXPECT_EQ(nxStringHelper::SetFromString("1.25", money, '.'), invalid);
+    EXPECT_EQ(money.GetAsString('.'), "7 USD");
+    EXPECT_EQ(nxStringHelper::SetFromString("1.25 EUR", money, '.'), ok);
+    EXPECT_EQ(money.GetAsString('.'), "1.25 EUR");
+
+    nxDate date(2024, 2, 29);
+    EXPECT_EQ(nxStringHelper::SetFromString("20230229", date), invalid);
+    EXPECT_EQ(date, nxDate(2024, 2, 29));
+    EXPECT_EQ(nxStringHelper::SetFromString("20230228", date), ok);
+    EXPECT_EQ(date, nxDate(2023, 2, 28));
+
+    nxTime time(1, 2, 3);
+    EXPECT_EQ(nxStringHelper::SetFromString("24:00:00", time), invalid);
+    EXPECT_EQ(time, nxTime(1, 2, 3));
+    EXPECT_EQ(nxStringHelper::SetFromString("23:59:59", time), ok);
+    EXPECT_EQ(time, nxTime(23, 59, 59));
+
+    nxBoolEnum flag(NX_BOOL_TRUE);
+    EXPECT_EQ(nxStringHelper::SetFromString("SURELY_NOT", flag), invalid);
+    EXPECT_EQ(flag, NX_BOOL_TRUE);
+    // A name of another class: refused, and stored as that class's setter stores it.
+    EXPECT_EQ(nxStringHelper::SetFromString("CASE_SENSITIVE", flag), invalid);
+    EXPECT_TRUE(flag.IsUndefined());
+    EXPECT_EQ(nxStringHelper::SetFromString("FALSE", flag), ok);
+    EXPECT_EQ(flag, NX_BOOL_FALSE);
+}
+
+TEST(nxStringHelper, PadsButNeverCuts)
+{
+    struct Row
+    {
+        const char* text;
+        unsigned width;
+        const char* left;
+        const char* right;
+    };
+    const Row rows[] = {
+        {"123", 5, "00123", "12300"}, {"123", 3, "123", "123"}, {"123", 2, "123", "123"}, {"", 2, "00", "00"}};
+    for (const Row& row : rows)
+    {
+        std::string left = row.text;
+        std::string right = row.text;
+        nxStringHelper::PadLeft(left, row.width, '0');
+        nxStringHelper::PadRight(right, row.width, '0');
+        EXPECT_EQ(left, row.left);
+        EXPECT_EQ(right, row.right);
+    }
+    std::string itsOwnFill = "ab";
+    nxStringHelper::PadLeft(itsOwnFill, 40, itsOwnFill[1]);
+    EXPECT_EQ(itsOwnFill, std::string(38, 'b').append("ab"));
+}
+
+TEST(nxStringHelper, TrimsFourCharactersAndNoOthers)
+{
+    struct Row
+    {
+        std::string text;
+        std::string right;
+        std::string left;
+    };
+    const Row rows[] = {
+        {" \t\n\r", "", ""},
+        {"", "", ""},
+        {"a \r", "a", "a \r"},
+        {"\n a b ", "\n a b", "a b "},
+        {"a\v", "a\v", "a\v"},
+        {"\fa\f ", "\fa\f", "\fa\f "},
+        {std::string(" \0 ", 3), std::string(" \0", 2), std::string("\0 ", 2)},
+    };
+    for (const Row& row : rows)
+    {
+        std::string right = row.text;
+        std::string left = row.text;
+        nxStringHelper::RightTrim(right);
+        nxStringHelper::LeftTrim(left);
+        EXPECT_EQ(right, row.right);
+        EXPECT_EQ(left, row.left);
+        EXPECT_EQ(nxStringHelper::GetRightTrimmed(row.text), row.right);
+        EXPECT_EQ(nxStringHelper::GetLeftTrimmed(row.text), row.left);
+    }
+    std::string zeros = "1.500";
+    nxStringHelper::RightTrim(zeros, "0");
+    EXPECT_EQ(zeros, "1.5");
+    nxStringHelper::RightTrim(zeros, "");
+    EXPECT_EQ(zeros, "1.5");
+    nxStringHelper::RightTrim(zeros, zeros);
+    EXPECT_EQ(zeros, "");
+}
+
+TEST(nxStringHelper, ReplacesEveryHitOnce)
+{
+    struct Row
+    {
+        const char* text;
+        const char* what;
+        const char* with;
+        const char* result;
+    };
+    const Row rows[] = {{"aaa", "a", "aa", "aaaaaa"}, {"aaa", "aa", "b", "ba"},   {"abc", "", "x", "abc"},
+                        {"abc", "x", "y", "abc"},     {"abcabc", "bc", "", "aa"}, {"ab", "ab", "ab", "ab"},
+                        {"", "a", "b", ""},           {"aXb", "X", "XX", "aXXb"}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        std::string text = row.text;
+        nxStringHelper::Replace(text, row.what, row.with);
+        EXPECT_EQ(text, row.result);
+    }
+    std::string itself = "ab";
+    nxStringHelper::Replace(itself, itself, itself);
+    EXPECT_EQ(itself, "ab");
+    std::string doubled = "xyx";
+    const std::string x = "x";
+    nxStringHelper::Replace(doubled, x, doubled);
+    EXPECT_EQ(doubled, "xyxyxyx");
+    std::string large(1'000'000, 'a');
+    nxStringHelper::Replace(large, "a", "bc");
+    EXPECT_EQ(large.size(), 2'000'000U);
+}
+
+TEST(nxStringHelper, StripsAndChangesCase)
+{
+    std::string text = ",1,,000,";
+    nxStringHelper::Strip(text, ',');
+    EXPECT_EQ(text, "1000");
+    std::string mixed = "aZ09_\xE4\xC4{[@`";
+    nxStringHelper::ToUpper(mixed);
+    EXPECT_EQ(mixed, "AZ09_\xE4\xC4{[@`");
+    nxStringHelper::ToLower(mixed);
+    EXPECT_EQ(mixed, "az09_\xE4\xC4{[@`");
+    for (int c = CHAR_MIN; c <= CHAR_MAX; ++c)
+    {
+        EXPECT_EQ(nxStringHelper::IsUppercase(static_cast<char>(c)), c >= 'A' && c <= 'Z') << c;
+        EXPECT_EQ(nxStringHelper::IsLowercase(static_cast<char>(c)), c >= 'a' && c <= 'z') << c;
+    }
+}
+
+TEST(nxStringHelper, FormatsCamelCase)
+{
+    const char* const rows[][2] = {{"orderId", "ORDER_ID"},
+                                   {"ABCValue", "ABCVALUE"},
+                                   {"order_id", "ORDER_ID"},
+                                   {"a1B", "A1B"},
+                                   {"", ""},
+                                   {"aBcD", "A_BC_D"},
+                                   {"A", "A"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(nxStringHelper::GetUppercaseAndUnderscoreFormatted(row[0]), row[1]);
+}
+
+TEST(nxStringHelper, ComparesWithAndWithoutCase)
+{
+    struct Row
+    {
+        std::string a;
+        std::string b;
+        bool same;
+        bool sameButForCase;
+        int order;
+        int orderButForCase;
+    };
+    const Row rows[] = {
+        {"abc", "abc", true, true, 0, 0},
+        {"abc", "ABC", false, true, 1, 0},
+        {"abc", "abcd", false, false, -1, -1},
+        {"a", "B", false, false, 1, -1},
+        {"\xE4", "a", false, false, 1, 1},
+        {"\xE4", "\xC4", false, false, 1, 1},
+        {"_", "a", false, false, -1, -1},
+        {"_", "A", false, false, 1, -1},
+        {"", "", true, true, 0, 0},
+        {std::string("a\0b", 3), std::string("a\0c", 3), false, false, 0, 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.a + " and " + row.b);
+        const auto sign = [](int order) { return (order > 0) - (order < 0); };
+        EXPECT_EQ(nxStringHelper::Compare(row.a, row.b, caseSensitive), row.same);
+        EXPECT_EQ(nxStringHelper::Compare(row.a, row.b, caseInsensitive), row.sameButForCase);
+        EXPECT_EQ(nxStringHelper::CompareAlphabetically(row.a, row.b, caseSensitive), row.order);
+        EXPECT_EQ(sign(nxStringHelper::CompareAlphabetically(row.a, row.b, caseInsensitive)), row.orderButForCase);
+        EXPECT_EQ(nxStringHelper::CompareAlphabetically(row.b, row.a, caseSensitive), -row.order);
+    }
+    const nxCaseSensitivityEnum neither;
+    EXPECT_FALSE(nxStringHelper::Compare("a", "a", neither));
+    EXPECT_EQ(nxStringHelper::CompareAlphabetically("a", "b", neither), 0);
+}

@@ -1,0 +1,251 @@
+#include "core/text/nxValueWrapper.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <type_traits>
+#include <unordered_set>
+
+#include "core/text/nxDoubleValueWrapper.h"
+
+namespace
+{
+using Unsigned = nxValueWrapper<unsigned int>;
+using Signed = nxValueWrapper<int>;
+
+template <class Value>
+std::string Streamed(const Value& value)
+{
+    std::ostringstream stream;
+    stream << value;
+    return stream.str();
+}
+}  // namespace
+
+static_assert(std::is_same_v<Unsigned, nxValueWrapper<unsigned int, 0xFFFFFFFF, 0xFFFFFFFE>>);
+static_assert(std::is_same_v<Signed, nxValueWrapper<int, 0x7FFFFFFF, 0x7FFFFFFE>>);
+static_assert(nxValueWrapper<unsigned long long>::NullValue == ULLONG_MAX);
+static_assert(sizeof(Unsigned) == 4 && sizeof(nxDoubleValueWrapper) == 8);
+
+TEST(nxDoubleValueWrapper, TagConstructorsAreCrossedAndInstancesAreNot)
+{
+    EXPECT_TRUE(nxDoubleValueWrapper().IsNull());
+    EXPECT_TRUE(nxDoubleValueWrapper(nxNullInitalizer{}).IsNoChange());
+    EXPECT_TRUE(nxDoubleValueWrapper(nxNoChangeInitalizer{}).IsNull());
+    EXPECT_TRUE(nxDoubleValueWrapper::GetNullInstance().IsNull());
+    EXPECT_TRUE(nxDoubleValueWrapper::GetNoChangeInstance().IsNoChange());
+}
+
+TEST(nxDoubleValueWrapper, TwoNumbersAreMarksAndAllOthersAreValues)
+{
+    struct Row
+    {
+        double number;
+        nxEnumValue status;
+        const char* text;
+        const char* logText;
+    };
+    const Row rows[] = {
+        {4503599627370495.0, NX_VALUE_STATUS_NULL, "", "4.503600e+15"},
+        {4503599627370494.0, NX_VALUE_STATUS_NO_CHANGE, "", "NO_CHANGE"},
+        {4503599627370496.0, NX_VALUE_STATUS_VALID, "4.503600e+15", "4.503600e+15"},
+        {4503599627370493.0, NX_VALUE_STATUS_VALID, "4.503600e+15", "4.503600e+15"},
+        {2.5, NX_VALUE_STATUS_VALID, "2.5", "2.5"},
+        {std::nan(""), NX_VALUE_STATUS_VALID, "nan", "nan"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.number);
+        const nxDoubleValueWrapper value(row.number);
+        EXPECT_EQ(value.GetStatus(), row.status);
+        EXPECT_EQ(value.IsNull(), row.status == NX_VALUE_STATUS_NULL);
+        EXPECT_EQ(value.IsNoChange(), row.status == NX_VALUE_STATUS_NO_CHANGE);
+        EXPECT_EQ(value.IsValid(), row.status == NX_VALUE_STATUS_VALID);
+        EXPECT_EQ(value.GetAsString(), row.text);
+        EXPECT_EQ(value.GetAsLogString(), row.logText);
+        EXPECT_EQ(Streamed(value), row.logText);
+    }
+    nxDoubleValueWrapper value(1.0);
+    value.SetNull();
+    EXPECT_TRUE(value.IsNull());
+    value.SetNoChange();
+    EXPECT_TRUE(value.IsNoChange());
+}
+
+TEST(nxDoubleValueWrapper, ComparesWithATolerance)
+{
+    struct Row
+    {
+        double a;
+        double b;
+        int order;  // 2: neither equal nor ordered
+    };
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const Row rows[] = {{1.000000001, 1.0, 0},     {1.00000002, 1.0, 1},
+                        {1.0, 1.00000002, -1},     {1.0, 1.000000009, 0},
+                        {-infinity, infinity, -1}, {infinity, infinity, 2},
+                        {std::nan(""), 1.0, 2},    {nxDoubleValueWrapper::NullValue, 5.0, 1}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.a << " and " << row.b);
+        const nxDoubleValueWrapper a(row.a);
+        const nxDoubleValueWrapper b(row.b);
+        EXPECT_EQ(a == row.b, row.order == 0);
+        EXPECT_EQ(a != row.b, row.order != 0);
+        EXPECT_EQ(a < row.b, row.order == -1);
+        EXPECT_EQ(a <= row.b, row.order == -1 || row.order == 0);
+        EXPECT_EQ(a > row.b, row.order == 1);
+        EXPECT_EQ(a >= row.b, row.order == 1 || row.order == 0);
+        EXPECT_EQ(a == b, row.order == 0);
+        EXPECT_EQ(a < b, row.order == -1);
+        EXPECT_EQ(row.a == b, row.order == 0);
+        EXPECT_EQ(row.a < b, row.order == -1);
+    }
+    EXPECT_TRUE(nxDoubleValueWrapper(3.0) == 3);  // an integer is as good as a double
+    EXPECT_TRUE(2 < nxDoubleValueWrapper(3.0));
+}
+
+TEST(nxDoubleValueWrapper, CalculatesWithTheRawNumber)
+{
+    nxDoubleValueWrapper value;
+    EXPECT_EQ(value + 1, 4503599627370496.0);
+    value += 1;
+    EXPECT_TRUE(value.IsValid());
+    value = 6;
+    EXPECT_EQ(value - 2.0, 4.0);
+    EXPECT_EQ(value * 2, 12.0);
+    EXPECT_EQ(value / 4, 1.5);
+    value -= 2;
+    value *= 3;
+    value /= 8;
+    EXPECT_EQ(static_cast<double>(value), 1.5);
+    value /= 0;
+    EXPECT_TRUE(std::isinf(static_cast<double>(value)));
+}
+
+TEST(nxDoubleValueWrapper, MaximumAndMinimumPassOverWhatIsNoValue)
+{
+    using Value = nxDoubleValueWrapper;
+    const Value null;
+    const Value noChange = Value::GetNoChangeInstance();
+    struct Row
+    {
+        Value a;
+        Value b;
+        double maximum;
+        double minimum;
+    };
+    const Row rows[] = {
+        {null, 5, 5, 5},
+        {5, null, 5, 5},
+        {5, noChange, 5, 5},
+        {3, 3.000000001, 3, 3},
+        {3.000000001, 3, 3.000000001, 3.000000001},
+        {3, 4, 4, 3},
+        {null, noChange, Value::NoChangeValue, Value::NoChangeValue},
+    };
+    for (const Row& row : rows)
+    {
+        EXPECT_EQ(static_cast<double>(null.GetMax(row.a, row.b)), row.maximum);
+        EXPECT_EQ(static_cast<double>(null.GetMin(row.a, row.b)), row.minimum);
+    }
+}
+
+TEST(nxDoubleValueWrapper, ReadsTextOrBecomesNull)
+{
+    nxDoubleValueWrapper value;
+    EXPECT_EQ(value.SetFromString("2.5"), nxErrorEnum());
+    EXPECT_EQ(static_cast<double>(value), 2.5);
+    EXPECT_EQ(value.SetFromString("abc"), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
+    EXPECT_TRUE(value.IsNull());
+    EXPECT_EQ(value.SetFromString("4503599627370494"), nxErrorEnum());
+    EXPECT_TRUE(value.IsNoChange());
+}
+
+TEST(nxValueWrapper, KeepsItsStatesStraight)
+{
+    EXPECT_TRUE(Unsigned().IsNull());
+    EXPECT_TRUE(Unsigned(nxNullInitalizer{}).IsNull());
+    EXPECT_TRUE(Unsigned(nxNoChangeInitalizer{}).IsNoChange());
+    EXPECT_TRUE(Unsigned::GetNullInstance().IsNull());
+    EXPECT_TRUE(Unsigned::GetNoChangeInstance().IsNoChange());
+    Signed value(-1);
+    EXPECT_TRUE(value.IsValid());
+    value.SetNull();
+    EXPECT_EQ(value.GetStatus(), NX_VALUE_STATUS_NULL);
+    value.SetNoChange();
+    EXPECT_EQ(value.GetStatus(), NX_VALUE_STATUS_NO_CHANGE);
+    value = 0;
+    EXPECT_EQ(value.GetStatus(), NX_VALUE_STATUS_VALID);
+}
+
+TEST(nxValueWrapper, PrintsAndReads)
+{
+    struct Row
+    {
+        const char* read;
+        bool accepted;
+        const char* text;
+        const char* logText;
+    };
+    const Row rows[] = {{"300", true, "300", "300"},
+                        {"4294967293", true, "4294967293", "4294967293"},
+                        {"4294967294", true, "", "NO_CHANGE"},
+                        {"4294967295", true, "", "NULL"},
+                        {"4294967297", true, "1", "1"},
+                        {"-1", false, "", "NULL"},
+                        {"", false, "", "NULL"}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.read);
+        Unsigned value(7);
+        EXPECT_EQ(value.SetFromString(row.read).IsOK(), row.accepted);
+        EXPECT_EQ(value.GetAsString(), row.text);
+        EXPECT_EQ(value.GetAsLogString(), row.logText);
+        EXPECT_EQ(Streamed(value), row.logText);
+    }
+    EXPECT_EQ(Signed(INT_MIN).GetAsLogString(), "-2147483648");
+}
+
+TEST(nxValueWrapper, CalculatesInItsTypeAndWraps)
+{
+    EXPECT_EQ(Signed(INT_MAX - 2) + 5, INT_MIN + 2);
+    EXPECT_EQ(Signed(INT_MIN) - 1, INT_MAX);
+    EXPECT_EQ(Signed(INT_MIN) * Signed(-1), INT_MIN);
+    EXPECT_EQ(Signed(INT_MIN) / -1, INT_MIN);
+    EXPECT_EQ(Signed(-7) / 2, -3);
+    EXPECT_EQ(2 - Signed(5), -3);
+    EXPECT_EQ(Unsigned(3) - 5, UINT_MAX - 1);
+    EXPECT_EQ(Unsigned(4) + Unsigned(5), 9U);
+    Unsigned value(20);
+    value += 4;
+    value -= 3;
+    value *= 2;
+    value /= 5;
+    EXPECT_EQ(static_cast<unsigned>(value), 8U);
+    value /= 0;
+    EXPECT_TRUE(value.IsNull());
+    value += 1;
+    EXPECT_EQ(static_cast<unsigned>(value), 0U);  // the state is not looked at
+    nxValueWrapper<unsigned short> narrow(40000);
+    narrow *= 40000;
+    EXPECT_EQ(static_cast<unsigned short>(narrow), static_cast<unsigned short>(40000U * 40000U));
+}
+
+TEST(nxValueWrapper, ComparesExactly)
+{
+    EXPECT_TRUE(Unsigned(5) == 5);
+    EXPECT_TRUE(Unsigned(5) == Unsigned(5));
+    EXPECT_FALSE(Unsigned() == -1);  // whatever the bits of the mark
+    EXPECT_TRUE(Unsigned(1) < 5'000'000'000LL);
+    EXPECT_TRUE(-1 < Unsigned(0));
+    EXPECT_TRUE(Signed(-1) < 0U);
+    EXPECT_TRUE(Signed(2) >= Signed(2));
+    EXPECT_EQ(static_cast<unsigned>(Unsigned().GetMax(Unsigned(), 5)), 5U);
+    EXPECT_EQ(static_cast<unsigned>(Unsigned().GetMax(6, Unsigned::GetNoChangeInstance())), 6U);
+    EXPECT_EQ(static_cast<unsigned>(Unsigned::GetMin(6, 5)), 5U);
+    EXPECT_EQ(std::unordered_set<Signed>({Signed(1), Signed(1), Signed()}).size(), 2U);
+}

@@ -1,0 +1,288 @@
+#include "core/time/nxDate.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <unordered_set>
+
+#include "core/time/nxDateTime.h"
+#include "core/time/nxTime.h"
+
+namespace
+{
+// Local time with a fixed offset while it lives: 5 hours 30 minutes ahead of UTC.
+class FixedTimeZone
+{
+public:
+    FixedTimeZone()
+    {
+        if (const char* zone = std::getenv("TZ"))
+            _before = zone;
+        Set("FIX-5:30");
+    }
+    ~FixedTimeZone()
+    {
+        if (_before)
+            Set(_before->c_str());
+        else
+        {
+            unsetenv("TZ");
+            tzset();
+        }
+    }
+
+private:
+    static void Set(const char* zone)
+    {
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+
+    std::optional<std::string> _before;
+};
+
+template <class Value>
+std::string Streamed(const Value& value)
+{
+    std::ostringstream stream;
+    stream << value;
+    return stream.str();
+}
+}  // namespace
+
+TEST(nxDate, AcceptsTheDaysOfTheCalendarAndNoOthers)
+{
+    struct Row
+    {
+        const char* text;
+        bool accepted;
+    };
+    const Row rows[] = {
+        {"20240229", true},    {"20230228", true},  {"20230229", false}, {"19000228", true},  {"19000229", false},
+        {"20000229", true},    {"20240131", true},  {"20240132", false}, {"20240430", true},  {"20240431", false},
+        {"20241231", true},    {"20241301", false}, {"20240001", false}, {"20240100", false}, {"00010101", true},
+        {"00000101", false},   {"99991231", true},  {"00000000", false}, {"2024030", false},  {"020240305", false},
+        {"", false},           {"-2024030", false}, {"2024 305", false}, {"2024030x", false}, {"2024-03-05", false},
+        {"4315207601", false},  // 20240305 modulo 2^32
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        nxDate date(1999, 12, 31);
+        EXPECT_EQ(date.SetFromString(row.text),
+                  nxErrorEnum(row.accepted ? NX_ENUM_UNDEFINED : NX_ERR_INVALID_PARAMETER));
+        EXPECT_EQ(date.GetAsString(), row.accepted ? row.text : "19991231");
+    }
+    EXPECT_TRUE(nxDate(20230229U).IsNull());
+    EXPECT_TRUE(nxDate(2023, 2, 29).IsNull());
+    EXPECT_TRUE(nxDate(UINT_MAX, UINT_MAX, UINT_MAX).IsNull());
+    EXPECT_TRUE(nxDate(2024, 102, 1).IsNull());  // not October of another century
+    nxDate date(2024, 1, 1);
+    EXPECT_FALSE(date.SetFromISODate(20240230).IsOK());
+    EXPECT_EQ(date.GetISODate(), 20240101U);
+}
+
+TEST(nxDate, NullIsNoDayAndComesFirst)
+{
+    const nxDate null;
+    EXPECT_TRUE(null.IsNull());
+    EXPECT_EQ(null.GetAsString(), "");
+    EXPECT_EQ(Streamed(null), "NULL");
+    EXPECT_EQ(null.GetDayOfWeek(), 0U);
+    EXPECT_TRUE(null.GetWithDaysAdded(1).IsNull());
+    EXPECT_LT(null, nxDate(1, 1, 1));
+    EXPECT_LT(nxDate(2023, 12, 31), nxDate(2024, 1, 1));
+    EXPECT_EQ(std::unordered_set<nxDate>({null, nxDate(), nxDate(2024, 1, 1)}).size(), 2U);
+}
+
+TEST(nxDate, CountsDaysWithoutAGap)
+{
+    // Every day of ten thousand years: its number, its weekday and its successor.
+    nxDate date(1, 1, 1);
+    int number = -719162;
+    unsigned weekday = 1;
+    for (; date.IsValid(); ++number, weekday = weekday % 7 + 1)
+    {
+        ASSERT_EQ(date.GetDayNumber(), number) << date;
+        ASSERT_EQ(date.GetDayOfWeek(), weekday) << date;
+        ASSERT_EQ(nxDate::GetFromDayNumber(number), date);
+        const nxDate next = date.GetWithDaysAdded(1);
+        if (next.IsValid() && next.GetDay() != date.GetDay() + 1)
+        {
+            ASSERT_EQ(next.GetDay(), 1U) << date;
+            ASSERT_FALSE(nxDate(date.GetYear(), date.GetMonth(), date.GetDay() + 1).IsValid()) << date;
+        }
+        date = next;
+    }
+    EXPECT_EQ(nxDate::GetFromDayNumber(number - 1), nxDate(9999, 12, 31));
+    EXPECT_EQ(nxDate::GetFromDayNumber(0), nxDate(1970, 1, 1));
+    EXPECT_EQ(nxDate(2020, 4, 20).GetDayOfWeek(), 1U);
+    EXPECT_TRUE(nxDate::GetFromDayNumber(-719163).IsNull());
+    EXPECT_TRUE(nxDate::GetFromDayNumber(LLONG_MIN).IsNull());
+    EXPECT_TRUE(nxDate(2024, 1, 1).GetWithDaysAdded(INT_MAX).IsNull());
+    EXPECT_TRUE(nxDate(2024, 1, 1).GetWithDaysAdded(INT_MIN).IsNull());
+}
+
+TEST(nxTime, ReadsTwoFormsAndLeavesItsValueAloneOtherwise)
+{
+    struct Row
+    {
+        std::string text;
+        const char* after;
+    };
+    const char* const before = "01:02:03";
+    const Row rows[] = {
+        {"00:00:00", "00:00:00"},
+        {"23:59:59", "23:59:59"},
+        {"235959", "23:59:59"},
+        {"083000", "08:30:00"},
+        {"09:07:03.5", "09:07:03.500"},
+        {"09:07:03.000001", "09:07:03.000001"},
+        {"09:07:03.000000001", "09:07:03.000000001"},
+        {"09:07:03.120", "09:07:03.120"},
+        {"24:00:00", before},
+        {"23:60:00", before},
+        {"23:59:60", before},
+        {"999999", before},
+        {"9:07:03", before},
+        {"09:07", before},
+        {"0907", before},
+        {"09:07:0", before},
+        {"09:07:03.", before},
+        {"09:07:03.0000000001", before},
+        {"09:07:03,5", before},
+        {"090703.5", before},
+        {"09.07.03", before},
+        {" 9:07:03", before},
+        {"-9:07:03", before},
+        {"09:07:03 ", before},
+        {"", before},
+        {std::string("09\00007\00003", 8), before},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        nxTime time(1, 2, 3);
+        EXPECT_EQ(time.SetFromString(row.text).IsOK(), row.after != before);
+        EXPECT_EQ(time.GetAsString(), row.after);
+    }
+}
+
+TEST(nxTime, HoldsOnlyTimesOfADay)
+{
+    EXPECT_TRUE(nxTime().IsNull());
+    EXPECT_NE(nxTime(), nxTime(0, 0, 0));
+    EXPECT_LT(nxTime(), nxTime(0, 0, 0));
+    EXPECT_EQ(Streamed(nxTime()), "NULL");
+    EXPECT_EQ(nxTime().GetAsString(), "");
+    EXPECT_TRUE(nxTime(24, 0, 0).IsNull());
+    EXPECT_TRUE(nxTime(0, 60, 0).IsNull());
+    EXPECT_TRUE(nxTime(0, 0, 60).IsNull());
+    EXPECT_TRUE(nxTime(0, 0, 0, 1'000'000'000).IsNull());
+    EXPECT_TRUE(nxTime(UINT_MAX, 0, 0).IsNull());
+    const nxTime last(23, 59, 58, 999'999'999);
+    EXPECT_EQ(last.GetHours(), 23U);
+    EXPECT_EQ(last.GetMinutes(), 59U);
+    EXPECT_EQ(last.GetSeconds(), 58U);
+    EXPECT_EQ(last.GetNanoseconds(), 999'999'999U);
+    EXPECT_EQ(last.GetSecondsSinceMidnight(), 86'398U);
+    EXPECT_EQ(std::unordered_set<nxTime>({nxTime(), nxTime(0, 0, 0), last, last}).size(), 3U);
+}
+
+TEST(nxDateTime, IsTheLocalTimeOfAMoment)
+{
+    const FixedTimeZone zone;
+    struct Row
+    {
+        long long seconds;
+        unsigned nanoseconds;
+        const char* text;
+        unsigned fraction;
+    };
+    const Row rows[] = {
+        {0, 0, "01 Jan 1970 05:30:00", 0},
+        {1709609823, 123'456'789, "05 Mar 2024 09:07:03", 123'456'789},
+        {-1, 999'999'999, "01 Jan 1970 05:29:59", 999'999'999},
+        {0, 4'000'000'001, "01 Jan 1970 05:30:04", 1},
+        {-62135616600, 0, "01 Jan 0001 00:00:00", 0},
+        {-62135616601, 0, "", 0},
+        {-62135616601, 1'000'000'000, "01 Jan 0001 00:00:00", 0},
+        {253402280999, 0, "31 Dec 9999 23:59:59", 0},
+        {253402281000, 0, "", 0},
+        {LLONG_MAX, 4'000'000'000, "", 0},
+        {LLONG_MIN, 0, "", 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.seconds);
+        const nxDateTime moment(row.seconds, row.nanoseconds);
+        EXPECT_EQ(moment.GetAsString(), row.text);
+        EXPECT_EQ(moment.GetTime().GetNanoseconds(), row.fraction);
+        EXPECT_EQ(moment.IsNull(), *row.text == '\0');
+    }
+}
+
+TEST(nxDateTime, IsADateWithATimeOrATimeAlone)
+{
+    struct Row
+    {
+        nxDateTime value;
+        bool isNull;
+        bool isTimeOnly;
+        const char* logText;
+    };
+    const nxDate date(2024, 3, 5);
+    const Row rows[] = {
+        {nxDateTime(date, nxTime(9, 7, 3)), false, false, "05 Mar 2024 09:07:03"},
+        {nxDateTime(date, nxTime()), true, false, "NULL"},
+        {nxDateTime(nxDate(), nxTime(9, 7, 3)), false, true, "09:07:03"},
+        {nxDateTime(8, 30, 0), false, true, "08:30:00"},
+        {nxDateTime(24, 0, 0), true, false, "NULL"},
+        {nxDateTime(), true, false, "NULL"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.logText);
+        EXPECT_EQ(row.value.IsNull(), row.isNull);
+        EXPECT_EQ(row.value.IsTimeOfDayOnly(), row.isTimeOnly);
+        EXPECT_EQ(Streamed(row.value), row.logText);
+        EXPECT_EQ(row.value.GetAsString(), row.isNull ? "" : row.logText);
+    }
+    EXPECT_EQ(nxDateTime(date, nxTime()), nxDateTime());
+    EXPECT_LT(nxDateTime(), nxDateTime(8, 30, 0));
+    EXPECT_LT(nxDateTime(23, 0, 0), nxDateTime(date, nxTime(0, 0, 0)));
+    EXPECT_LT(nxDateTime(date, nxTime(0, 0, 0)), nxDateTime(date, nxTime(0, 0, 0, 1)));
+    EXPECT_EQ(std::unordered_set<nxDateTime>({rows[0].value, nxDateTime(date, nxTime(9, 7, 3)), rows[3].value}).size(),
+              2U);
+}
+
+TEST(nxDateTime, FormatsByAPatternInEnglish)
+{
+    const nxDateTime moment(nxDate(2024, 12, 5), nxTime(9, 7, 3));
+    const nxDateTime time(9, 7, 3);
+    const char* const rows[][3] = {
+        // pattern, moment, time of day alone
+        {"%d%b%Y", "05Dec2024", ""},
+        {"%H%M%S", "090703", "090703"},
+        {"%d%b%y %H:%M:%S", "05Dec24 09:07:03", " 09:07:03"},
+        {"%Y-%m-%d", "2024-12-05", "--"},
+        {"100%% %q %", "100% %q %", "100% %q %"},
+        {"c:\\log%", "c:\\log%", "c:\\log%"},
+        {"%n%s%x", "%n%s%x", "%n%s%x"},
+        {"", "", ""},
+    };
+    for (const auto& row : rows)
+    {
+        EXPECT_EQ(moment.GetAsString(row[0]), row[1]);
+        EXPECT_EQ(time.GetAsString(row[0]), row[2]);
+    }
+    std::string months;
+    for (unsigned month = 1; month <= 12; ++month)
+        months += nxDateTime(nxDate(2024, month, 1), nxTime(0, 0, 0)).GetAsString("%b");
+    EXPECT_EQ(months, "JanFebMarAprMayJunJulAugSepOctNovDec");
+}
