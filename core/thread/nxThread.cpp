@@ -1,8 +1,7 @@
 #include "core/thread/nxThread.h"
 
-#include <cxxabi.h>
-
 #include <cerrno>
+#include <exception>
 
 #include "core/platform/nxPlatformThread.h"
 
@@ -57,14 +56,11 @@ void* nxThread::_ThreadProc(void* self)
     {
         static_cast<nxThread*>(self)->Run();
     }
-#ifdef __GLIBCXX__
-    catch (const abi::__forced_unwind&)
-    {
-        throw;  // The thread is being cancelled or has called pthread_exit: not an exception to swallow.
-    }
-#endif
     catch (...)
     {
+        // Not an exception: the thread is being cancelled or has called pthread_exit, which has to go its way.
+        if (std::current_exception() == nullptr)
+            throw;
     }
     return nullptr;
 }

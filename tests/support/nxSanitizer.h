@@ -1,0 +1,18 @@
+#ifndef TESTS_SUPPORT_NXSANITIZER_H
+#define TESTS_SUPPORT_NXSANITIZER_H
+
+/// Whether the program is built with the thread sanitizer, which objects to the misuse of locks that some tests are
+/// about, and which does not know every function of the C library.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool nxUnderThreadSanitizer = true;
+#elif defined(__has_feature)
+    #if __has_feature(thread_sanitizer)
+inline constexpr bool nxUnderThreadSanitizer = true;
+    #else
+inline constexpr bool nxUnderThreadSanitizer = false;
+    #endif
+#else
+inline constexpr bool nxUnderThreadSanitizer = false;
+#endif
+
+#endif

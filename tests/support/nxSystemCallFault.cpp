@@ -1,0 +1,310 @@
+#include "tests/support/nxSystemCallFault.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <semaphore.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <type_traits>
+
+// This file is compiled without sanitizers: its functions are called before and below them.
+
+namespace
+{
+enum Function : unsigned
+{
+#define NX_CALL(style, result, name, parameters, arguments, exceptions) Function_##name,
+#include "tests/support/nxSystemCalls.inc"
+#undef NX_CALL
+    Function_open,
+    Function_openat,
+    Function_fcntl,
+    Function_malloc,
+    Function_realloc,
+    FunctionCount
+};
+
+constexpr const char* names[] = {
+#define NX_CALL(style, result, name, parameters, arguments, exceptions) #name,
+#include "tests/support/nxSystemCalls.inc"
+#undef NX_CALL
+    "open", "openat", "fcntl", "malloc", "realloc",
+};
+static_assert(sizeof(names) / sizeof(names[0]) == FunctionCount);
+
+// How a function tells its caller that it has failed.
+enum class Style
+{
+    Code,
+    Errno
+};
+
+// The file that a call is about, if it is about one.
+struct Target
+{
+    const char* path = nullptr;
+    int descriptor = -1;
+};
+
+// One armed fault. Atomic, because a fault for any thread is read by threads that nobody synchronises with.
+struct Fault
+{
+    std::atomic<bool> armed{false};
+    std::atomic<int> error{0};
+    std::atomic<bool> executed{false};
+    std::atomic<unsigned> skip{0};
+    std::atomic<unsigned> times{0};
+    std::atomic<unsigned> hits{0};
+    std::atomic<const char*> path{nullptr};
+};
+
+constinit Fault ofAnyThread[FunctionCount];
+constinit thread_local Fault ofThisThread[FunctionCount];
+
+constinit thread_local bool clockStands = false;
+constinit thread_local timespec standingClock{};
+
+Fault& FaultOf(unsigned function, bool anyThread) { return anyThread ? ofAnyThread[function] : ofThisThread[function]; }
+
+// Takes one from `count` unless it is zero.
+bool TakeOne(std::atomic<unsigned>& count)
+{
+    unsigned left = count.load();
+    while (left != 0 && !count.compare_exchange_weak(left, left - 1))
+    {
+    }
+    return left != 0;
+}
+
+// Whether the call is about a file with `wanted` in its path. Looked up in /proc, because the call knows a number only.
+bool IsAbout(const char* wanted, const Target& target)
+{
+    if (*wanted == '\0')
+        return true;
+    if (target.path != nullptr)
+        return std::strstr(target.path, wanted) != nullptr;
+    char link[64];
+    char path[4096];
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", target.descriptor);
+    const ssize_t length = readlink(link, path, sizeof path - 1);
+    path[length < 0 ? 0 : length] = '\0';
+    return std::strstr(path, wanted) != nullptr;
+}
+
+bool Strikes(Fault& fault, const Target& target)
+{
+    if (!fault.armed.load(std::memory_order_acquire) || !IsAbout(fault.path.load(), target))
+        return false;
+    if (TakeOne(fault.skip) || !TakeOne(fault.times))
+        return false;
+    ++fault.hits;
+    return true;
+}
+
+// What is to become of a call: fail with `error` unless that is 0, and be executed first or not.
+struct Verdict
+{
+    int error = 0;
+    bool executed = false;
+};
+
+Verdict Judge(Function function, const Target& target)
+{
+    for (Fault* const fault : {&ofThisThread[function], &ofAnyThread[function]})
+    {
+        if (Strikes(*fault, target))
+            return {fault->error.load(), fault->executed.load()};
+    }
+    return {};
+}
+
+// For the functions that are never executed before they fail.
+int InjectedError(Function function, const Target& target) { return Judge(function, target).error; }
+
+// The function that would have been called without this file: the sanitizer's if there is one, else the C library's.
+template <class Pointer>
+Pointer Next(std::atomic<void*>& cache, Pointer sanitizers, const char* name)
+{
+    if (sanitizers != nullptr)
+        return sanitizers;
+    void* next = cache.load(std::memory_order_relaxed);
+    if (next == nullptr)
+    {
+        next = dlsym(RTLD_NEXT, name);
+        cache.store(next, std::memory_order_relaxed);
+    }
+    return reinterpret_cast<Pointer>(next);
+}
+
+// The file is the first parameter of every function that is about one.
+template <class First, class... Rest>
+Target TargetOf([[maybe_unused]] First first, Rest...)
+{
+    Target target;
+    if constexpr (std::is_same_v<First, const char*>)
+        target.path = first;
+    else if constexpr (std::is_same_v<First, int>)
+        target.descriptor = first;
+    return target;
+}
+
+template <class Result>
+Result Failed([[maybe_unused]] Style style, int error)
+{
+    if constexpr (std::is_pointer_v<Result>)
+    {
+        errno = error;
+        return MAP_FAILED;
+    }
+    else
+    {
+        if (style != Style::Errno)
+            return error;
+        errno = error;
+        return -1;
+    }
+}
+
+void* FailedAllocation(int error)
+{
+    errno = error;
+    return nullptr;
+}
+}  // namespace
+
+#define NX_NEXT(name) Next(next_##name, &__interceptor_##name, #name)
+
+extern "C"
+{
+#define NX_CALL(style, result, name, parameters, arguments, exceptions)      \
+    __attribute__((weak)) result __interceptor_##name parameters exceptions; \
+    static constinit std::atomic<void*> next_##name{nullptr};                \
+    result name parameters exceptions                                        \
+    {                                                                        \
+        const Verdict verdict = Judge(Function_##name, TargetOf arguments);  \
+        if (verdict.error == 0)                                              \
+            return NX_NEXT(name) arguments;                                  \
+        if (verdict.executed)                                                \
+            NX_NEXT(name) arguments;                                         \
+        return Failed<result>(Style::style, verdict.error);                  \
+    }
+#include "tests/support/nxSystemCalls.inc"
+#undef NX_CALL
+
+    __attribute__((weak)) int __interceptor_open(const char* path, int flags, ...);
+    static constinit std::atomic<void*> next_open{nullptr};
+    int open(const char* path, int flags, ...)
+    {
+        va_list rest;
+        va_start(rest, flags);
+        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
+        va_end(rest);
+        if (const int error = InjectedError(Function_open, TargetOf(path)); error != 0)
+            return Failed<int>(Style::Errno, error);
+        return NX_NEXT(open)(path, flags, mode);
+    }
+
+    __attribute__((weak)) int __interceptor_openat(int directory, const char* path, int flags, ...);
+    static constinit std::atomic<void*> next_openat{nullptr};
+    int openat(int directory, const char* path, int flags, ...)
+    {
+        va_list rest;
+        va_start(rest, flags);
+        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
+        va_end(rest);
+        if (const int error = InjectedError(Function_openat, TargetOf(path)); error != 0)
+            return Failed<int>(Style::Errno, error);
+        return NX_NEXT(openat)(directory, path, flags, mode);
+    }
+
+    __attribute__((weak)) int __interceptor_fcntl(int descriptor, int command, ...);
+    static constinit std::atomic<void*> next_fcntl{nullptr};
+    int fcntl(int descriptor, int command, ...)
+    {
+        va_list rest;
+        va_start(rest, command);
+        void* const argument =
+            va_arg(rest, void*);  // An int where the command takes one: it travels in the same register.
+        va_end(rest);
+        if (const int error = InjectedError(Function_fcntl, TargetOf(descriptor)); error != 0)
+            return Failed<int>(Style::Errno, error);
+        return NX_NEXT(fcntl)(descriptor, command, argument);
+    }
+
+    // The C library's allocator is asked for by its other names, because dlsym may allocate.
+    void* __libc_malloc(size_t size) noexcept;
+    void* __libc_realloc(void* block, size_t size) noexcept;
+    __attribute__((weak)) void* __interceptor_malloc(size_t size) noexcept;
+    __attribute__((weak)) void* __interceptor_realloc(void* block, size_t size) noexcept;
+
+    void* malloc(size_t size) noexcept
+    {
+        if (const int error = InjectedError(Function_malloc, Target()); error != 0)
+            return FailedAllocation(error);
+        return &__interceptor_malloc != nullptr ? __interceptor_malloc(size) : __libc_malloc(size);
+    }
+
+    void* realloc(void* block, size_t size) noexcept
+    {
+        if (const int error = InjectedError(Function_realloc, Target()); error != 0)
+            return FailedAllocation(error);
+        return &__interceptor_realloc != nullptr ? __interceptor_realloc(block, size) : __libc_realloc(block, size);
+    }
+
+    __attribute__((weak)) int __interceptor_clock_gettime(clockid_t clock, timespec* time) noexcept;
+    static constinit std::atomic<void*> next_clock_gettime{nullptr};
+    int clock_gettime(clockid_t clock, timespec* time) noexcept
+    {
+        if (clockStands && clock == CLOCK_REALTIME)
+        {
+            *time = standingClock;
+            return 0;
+        }
+        return NX_NEXT(clock_gettime)(clock, time);
+    }
+}  // extern "C"
+
+nxSystemCallFault::nxSystemCallFault(const char* function, int error) : nxSystemCallFault(function, error, Options()) {}
+
+nxSystemCallFault::nxSystemCallFault(const char* function, int error, const Options& options)
+    : _function(0), _anyThread(options.anyThread)
+{
+    while (_function != FunctionCount && std::strcmp(names[_function], function) != 0)
+        ++_function;
+    if (_function == FunctionCount || FaultOf(_function, _anyThread).armed)
+    {
+        std::fprintf(stderr, "nxSystemCallFault: \"%s\" is unknown or has a fault already\n", function);
+        std::abort();
+    }
+    Fault& fault = FaultOf(_function, _anyThread);
+    fault.error = error;
+    fault.executed = options.executed;
+    fault.skip = options.skip;
+    fault.times = options.times;
+    fault.hits = 0;
+    fault.path = options.path;
+    fault.armed.store(true, std::memory_order_release);
+}
+
+nxSystemCallFault::~nxSystemCallFault() { FaultOf(_function, _anyThread).armed = false; }
+
+unsigned nxSystemCallFault::GetHits() const { return FaultOf(_function, _anyThread).hits; }
+
+nxFixedWallClock::nxFixedWallClock(long long seconds, long nanoseconds)
+{
+    standingClock = {seconds, nanoseconds};
+    clockStands = true;
+}
+
+nxFixedWallClock::~nxFixedWallClock() { clockStands = false; }
