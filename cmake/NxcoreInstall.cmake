@@ -25,6 +25,13 @@ file(RELATIVE_PATH NXCORE_PC_PREFIX "/${NXCORE_PC_DIR}" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/nxcore.pc.in" "${PROJECT_BINARY_DIR}/nxcore.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/nxcore.pc" DESTINATION "${NXCORE_PC_DIR}" COMPONENT development)
 
+# gdb looks for printers under the whole path of the library, which only the installation knows.
+install(CODE "
+    set(path \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}\")
+    file(INSTALL \"${PROJECT_SOURCE_DIR}/tools/gdb/nxcore_printers.py\" DESTINATION \"\${path}\"
+        RENAME \"libnxcore.so.${PROJECT_VERSION}-gdb.py\")
+" COMPONENT development)
+
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation

@@ -1,13 +1,16 @@
 #!/usr/bin/env bash
-# Builds the Debian packages into build/packages.
+# Builds the Debian packages into build/packages, then unpacks them elsewhere and compiles and runs a program with them.
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 need_build_tools
-need dpkg-deb dpkg file file dpkg-shlibdeps dpkg-dev
+need dpkg-deb dpkg file file dpkg-shlibdeps dpkg-dev objcopy binutils
 
-cmake --preset release
-cmake --build --preset release
-cpack --config build/release/CPackConfig.cmake -B build/packages
+cmake --preset package
+cmake --build --preset package
+# Only the libraries and tools are kept from before: cpack writes the packages anew.
+rm -rf build/packages
+cpack --config build/package/CPackConfig.cmake -B build/packages
 rm -rf build/packages/_CPack_Packages
-ls -l build/packages/*.deb
+ls -l build/packages
+bash tests/package/debs.sh "$PWD/build/packages" "$PWD"

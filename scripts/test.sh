@@ -73,6 +73,12 @@ coverage()
     note=$(awk '$1 == "TOTAL" {print $10 " of lines"}' build/clang-sanitize/coverage.txt)
 }
 
+packages()
+{
+    scripts/release.sh >build/packages.log 2>&1 || { tail -n 20 build/packages.log; return 1; }
+    note="$(ls build/packages/*.deb | wc -l) packages"
+}
+
 sizes()
 {
     local library
@@ -95,6 +101,7 @@ else
     unset LLVM_PROFILE_FILE
     stage "fuzz targets" fuzz
     stage "tests, g++ thread" tests tsan
+    stage "Debian packages" packages
     stage "size" sizes
 fi
 

@@ -1,17 +1,12 @@
 #!/usr/bin/env bash
-# Installs the build into a scratch prefix, moves it, and builds and runs the consumer against it in one of the three ways.
+# Builds and runs the consumer against the library in one of the three ways.
 #
-#     consume.sh find_package|pkg-config|add_subdirectory BUILD SOURCE SCRATCH LIBDIR CXX
+#     consume.sh find_package|pkg-config PREFIX SOURCE SCRATCH LIBDIR CXX     against an installation
+#     consume.sh add_subdirectory - SOURCE SCRATCH - CXX                     as a part of the consumer's own build
 set -eu
-way=$1 build=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
+way=$1 prefix=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
 
 rm -rf "$scratch" && mkdir -p "$scratch"
-prefix=$scratch/moved
-if [ "$way" != add_subdirectory ]; then
-    cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
-    mv "$scratch/installed" "$prefix"  # nothing in the package may know where it was installed first
-fi
-
 case $way in
 find_package)
     cmake -S "$source/tests/consumer" -B "$scratch/build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/configure.log"
@@ -34,4 +29,5 @@ add_subdirectory)
     ;;
 esac
 
-[ "$("$program")" = "$(sed -n 's/.*NX_CORE_VERSION "\(.*\)"/\1/p' "$build/generated/core/nxVersion.h") not found" ]
+version=$(sed -n 's/^project(nxcore VERSION \([0-9.]*\).*/\1/p' "$source/CMakeLists.txt")
+[ "$("$program")" = "$version not found" ]

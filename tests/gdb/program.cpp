@@ -1,0 +1,35 @@
+#include "core/enum/nxBoolEnum.h"
+#include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxProductStateBitMask.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxValueWrapper.h"
+#include "core/time/nxTimeStamp.h"
+
+namespace
+{
+volatile int stop = 0;
+
+// Keeps what it is given alive at the breakpoint.
+template <class... Values>
+void Look(const Values&...)
+{
+    stop = 1;
+}
+}  // namespace
+
+int main()
+{
+    const nxDecimal price(25, 1), cents("-0.05", '.'), nothing = nxDecimal::GetNullDecimal(),
+        same = nxDecimal::GetNoChangeDecimal();
+    const nxErrorEnum error(NX_ERR_NOT_FOUND);
+    const nxBoolEnum truth(NX_BOOL_TRUE);
+    nxProductStateBitMask state, none;
+    state.SetBits(nxProductStateBitMask::CLOSED | nxProductStateBitMask::EXPIRING);
+    none.SetNull();
+    const nxTimeStamp stamp(1709629623, 123456000);
+    const nxValueWrapper<unsigned> volume(7), noVolume;
+    const nxDoubleValueWrapper ratio(2.5), noRatio;
+    Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio);
+    return 0;
+}

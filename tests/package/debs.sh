@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Unpacks the Debian packages into a scratch root and consumes them, in a multi-arch library folder: debs.sh PACKAGES SOURCE
+set -eu
+packages=$1 source=$2
+root=$packages/root
+
+rm -rf "$root"
+for package in "$packages"/*.deb; do
+    dpkg -x "$package" "$root"
+done
+libdir=$(cd "$root/usr" && dirname "$(find lib -name libnxcore.so)")
+for way in find_package pkg-config; do
+    bash "$(dirname "$0")/consume.sh" "$way" "$root/usr" "$source" "$root/$way" "$libdir" g++
+done
+for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/bash-completion/completions/nxtick usr/share/doc/nxcore/guide; do
+    ls -d "$root/$wanted"* >/dev/null
+done
+LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/nxtick" -version

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Installs the build into a scratch prefix, moves that, and consumes it: installed.sh WAY BUILD SOURCE SCRATCH LIBDIR CXX
+set -eu
+way=$1 build=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
+
+rm -rf "$scratch" && mkdir -p "$scratch"
+cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
+mv "$scratch/installed" "$scratch/moved"  # nothing in the package may know where it was installed first
+bash "$(dirname "$0")/consume.sh" "$way" "$scratch/moved" "$source" "$scratch/consumer" "$libdir" "$cxx"

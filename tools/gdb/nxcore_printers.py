@@ -1,0 +1,188 @@
+"""Shows the values of nxcore in gdb as they print themselves: 12.50 rather than a mantissa and a scale.
+
+gdb loads this file by itself when the library was installed under its own prefix; elsewhere: source nxcore_printers.py.
+Everything is read from memory and no function of the program is called, so core dumps show the same.
+
+Enumerations and masks need the library's debug symbols, or a program compiled with -femit-class-debug-always (g++) or
+-fno-limit-debug-info (clang++): compilers describe classes with virtual operations only inside the library otherwise.
+"""
+
+import time
+
+import gdb
+import gdb.printing
+
+ENUM_PAGE = 65536
+NULL_TEXTS = {"unsigned int": (0xFFFFFFFF, 0xFFFFFFFE), "int": (0x7FFFFFFF, 0x7FFFFFFE),
+              "unsigned long long": (0xFFFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFE),
+              "unsigned long": (0xFFFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFE)}
+
+
+def std_string(value):
+    """The bytes of a std::string, read from memory."""
+    size = int(value["_M_string_length"])
+    return value["_M_dataplus"]["_M_p"].string(length=size, errors="backslashreplace")
+
+
+def enum_identifier(number):
+    """The registered short description; else the name of the constant; else the number."""
+    try:
+        pages = gdb.parse_and_eval("nxEnumTable::_pages")
+        page = (pages + number // ENUM_PAGE).dereference()["_M_b"]["_M_p"]
+        if page:
+            texts = page["texts"][number % ENUM_PAGE]["_M_b"]["_M_p"]
+            if texts:
+                return std_string(texts["first"])
+    except gdb.error:
+        pass
+    try:
+        for field in gdb.lookup_type("nxEnumValue").fields():
+            if field.enumval == number:
+                return field.name
+    except gdb.error:
+        pass
+    return "NOT_REGISTERED (%d)" % number
+
+
+class DecimalPrinter:
+    """nxDecimal: all its places, NULL or NO_CHANGE."""
+
+    def __init__(self, value):
+        self._mantissa, self._format = int(value["_mantissa"]), int(value["_format"])
+
+    def to_string(self):
+        if self._format == 0x100:
+            return "NULL"
+        if self._format == 0x200:
+            return "NO_CHANGE"
+        digits = str(abs(self._mantissa)).rjust(self._format + 1, "0")
+        whole, fraction = digits[:len(digits) - self._format], digits[len(digits) - self._format:]
+        return ("-" if self._mantissa < 0 else "") + whole + ("." + fraction if fraction else "")
+
+
+class EnumPrinter:
+    """Everything derived from nxEnum: its identifier."""
+
+    def __init__(self, value):
+        self._value = int(value["_value"])
+
+    def to_string(self):
+        return enum_identifier(self._value)
+
+
+class MaskPrinter:
+    """Bit masks: the names of the flags that are set."""
+
+    def __init__(self, value):
+        self._word, self._bits = int(value["_word"]), 8 * value["_word"].type.sizeof
+        self._flags = {}
+        try:
+            flag_type = gdb.lookup_type(str(value.dynamic_type.strip_typedefs()) + "::Flag")
+            self._flags = {field.enumval & (2 ** self._bits - 1): field.name.split("::")[-1] for field in flag_type.fields()}
+        except gdb.error:
+            pass
+
+    def to_string(self):
+        if self._word >> (self._bits - 1) & 1:
+            return "NULL"
+        if self._word >> (self._bits - 2) & 1:
+            return "NO_CHANGE"
+        bits = [1 << index for index in range(self._bits) if self._word >> index & 1]
+        return " | ".join(self._flags.get(bit, hex(bit)) for bit in bits) or "(no flag)"
+
+
+class TimeStampPrinter:
+    """nxTimeStamp: its 24 characters, in the local time of the debugger."""
+
+    MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
+
+    def __init__(self, value):
+        self._seconds, self._nanoseconds = int(value["_seconds"]), int(value["_nanoseconds"])
+
+    def to_string(self):
+        try:
+            fields = time.localtime(self._seconds)
+        except (OverflowError, OSError, ValueError):
+            return "%d s + %d ns" % (self._seconds, self._nanoseconds)
+        microseconds = self._nanoseconds % 10 ** 9 // 1000
+        return "%02d%s%02d %02d:%02d:%02d.%03d.%03d" % (
+            fields.tm_mday, self.MONTHS[fields.tm_mon - 1], fields.tm_year % 100, fields.tm_hour, fields.tm_min,
+            fields.tm_sec, microseconds // 1000, microseconds % 1000)
+
+
+class ValueWrapperPrinter:
+    """nxValueWrapper: its number, NULL or NO_CHANGE."""
+
+    def __init__(self, value):
+        self._value = int(value["_value"])
+        wrapper = value.type.strip_typedefs().unqualified()
+        try:
+            self._markers = (int(wrapper.template_argument(1)), int(wrapper.template_argument(2)))
+        except (gdb.error, RuntimeError):
+            self._markers = NULL_TEXTS.get(str(value["_value"].type.strip_typedefs()), (None, None))
+
+    def to_string(self):
+        if self._value in self._markers:
+            return ("NULL", "NO_CHANGE")[self._markers.index(self._value)]
+        return str(self._value)
+
+
+class DoubleValueWrapperPrinter:
+    """nxDoubleValueWrapper: its number, NULL or NO_CHANGE."""
+
+    MARKERS = {4503599627370495.0: "NULL", 4503599627370494.0: "NO_CHANGE"}
+
+    def __init__(self, value):
+        self._value = float(value["_value"])
+
+    def to_string(self):
+        return self.MARKERS.get(self._value, repr(self._value))
+
+
+class StringValuePrinter:
+    """nxStringValue: its text in quotes, NULL or NO_CHANGE."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        status = self._value["_status"]
+        code = int(status["_value"] if status.type.strip_typedefs().code == gdb.TYPE_CODE_STRUCT else status)
+        if code in (242, 243):
+            return "NULL" if code == 242 else "NO_CHANGE"
+        return '"%s"' % std_string(self._value["_text"])
+
+
+PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDoubleValueWrapper": DoubleValueWrapperPrinter,
+            "nxStringValue": StringValuePrinter}
+BASES = {"nxEnum": EnumPrinter, "nxBitMask": MaskPrinter, "nxBitMask64": MaskPrinter}
+
+
+def derived_printer(type_):
+    """The printer of the base that the type derives from, or None."""
+    if type_.code != gdb.TYPE_CODE_STRUCT:
+        return None
+    for field in type_.fields():
+        if field.is_base_class:
+            base = field.type.strip_typedefs()
+            found = BASES.get(base.tag) or derived_printer(base)
+            if found:
+                return found
+    return None
+
+
+def lookup(value):
+    """gdb asks this for every value that it shows."""
+    type_ = gdb.types.get_basic_type(value.type) if hasattr(gdb, "types") else value.type.strip_typedefs().unqualified()
+    tag = type_.tag
+    if tag is None:
+        return None
+    if tag in PRINTERS:
+        return PRINTERS[tag](value)
+    if tag.startswith("nxValueWrapper<"):
+        return ValueWrapperPrinter(value)
+    printer = derived_printer(type_)
+    return printer(value) if printer else None
+
+
+gdb.pretty_printers.append(lookup)
