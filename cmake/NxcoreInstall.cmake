@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 
 set(NXCORE_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/nxcore")
 
-install(TARGETS nxcore EXPORT nxcoreTargets
+install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 

@@ -21,7 +21,7 @@ need()
 
 # What every build needs, and what the tests need beside it.
 need_build_tools() { need g++ g++ cmake cmake ninja ninja-build; }
-need_test_tools() { need_build_tools && need /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
+need_test_tools() { need_build_tools && need /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
 # The second compiler, with its sanitizers, coverage and formatter.
 need_clang_tools()
 {

@@ -64,6 +64,7 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
 {
     const unsigned parent = nxApplicationData::GetProcessID();
     const nxDateTime parentStart = nxApplicationData::GetStartTime();
+    ::usleep(50'000);  // more than the resolution of start times, which is a clock tick
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0)

@@ -11,4 +11,5 @@ check()
 }
 export -f check
 export compiler generated
-find core -name '*.h' -print0 | xargs -0 -P "$(nproc)" -I{} bash -c 'check "{}"'
+if [ ! -e /usr/include/fmt/format.h ]; then skip=nxFmt.h; fi  # the one header that needs another library
+find core ! -name "${skip:-none}" -name '*.h' -print0 | xargs -0 -P "$(nproc)" -I{} bash -c 'check "{}"'
