@@ -72,6 +72,7 @@ nxLocalMinute FromFields(const std::tm& fields, std::int64_t second)
     return {second,
             1,
             static_cast<unsigned>(fields.tm_sec),
+            1'900LL + fields.tm_year,
             static_cast<unsigned>(year < 0 ? year + 100 : year),
             static_cast<unsigned>(fields.tm_mon) + 1,
             static_cast<unsigned>(fields.tm_mday),

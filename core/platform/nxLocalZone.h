@@ -11,9 +11,10 @@
 /// A minute of the process's local time, or the part of one during which nothing unusual happens to the clock.
 struct nxLocalMinute
 {
-    std::int64_t begin;      ///< Its first second, counted from 1 January 1970 00:00 UTC.
-    unsigned length;         ///< How many seconds it has, at least one.
-    unsigned firstSecond;    ///< What a clock's second hand shows at its beginning.
+    std::int64_t begin;    ///< Its first second, counted from 1 January 1970 00:00 UTC.
+    unsigned length;       ///< How many seconds it has, at least one.
+    unsigned firstSecond;  ///< What a clock's second hand shows at its beginning.
+    std::int64_t year;
     unsigned yearOfCentury;  ///< The year modulo 100, also for years before the year 0.
     unsigned month;          ///< 1 to 12.
     unsigned day;
@@ -109,6 +110,7 @@ private:
         const std::uint32_t n3 = 2'141 * dayOfYear + 197'913;
         const unsigned nextYear = dayOfYear >= 306 ? 1 : 0;
         const unsigned year = yearOfCentury + nextYear;
+        minute.year = std::int64_t{100 * (n1 / 146'097) + year} - 400;
         minute.yearOfCentury = year == 100 ? 0 : year;
         minute.month = (n3 >> 16) - 12 * nextYear;
         minute.day = (n3 & 0xFFFF) / 2'141 + 1;

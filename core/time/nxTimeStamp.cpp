@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <cstring>
 #include <ostream>
+#include <string_view>
 
 #include "core/platform/nxLocalZone.h"
+#include "core/time/nxCalendar.h"
+#include "core/time/nxDateTime.h"
 
 namespace
 {
@@ -29,11 +32,12 @@ constexpr std::uint64_t Character(char character, int position)
 // "Jan" to "Dec", and a blank, where they stand in the first eight characters.
 constexpr auto monthNames = []
 {
-    constexpr char names[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
     std::array<std::uint64_t, 12> words{};
     for (unsigned i = 0; i < 12; ++i)
-        words[i] = Character(names[3 * i], 2) | Character(names[3 * i + 1], 3) | Character(names[3 * i + 2], 4) |
-                   Character(' ', 7);
+    {
+        const std::string_view name = nxCalendar::GetMonthName(i + 1);
+        words[i] = Character(name[0], 2) | Character(name[1], 3) | Character(name[2], 4) | Character(' ', 7);
+    }
     return words;
 }();
 
@@ -134,6 +138,8 @@ unsigned int nxTimeStamp::GetAsStringFast(char* buffer, unsigned int) const
         return PrintAfterCheck(_seconds, _nanoseconds, buffer);
     return last.Print(_seconds, _nanoseconds, buffer);
 }
+
+nxDateTime nxTimeStamp::GetAsDateTime() const { return nxDateTime(_seconds, _nanoseconds); }
 
 std::string nxTimeStamp::GetAsString() const
 {

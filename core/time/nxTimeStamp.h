@@ -12,6 +12,8 @@
 #include "core/nxExport.h"
 #include "core/platform/nxClock.h"
 
+class nxDateTime;
+
 /// A time point of std::chrono::system_clock, in whole units of any length that are a part or a multiple of a second.
 /// Written so that this header does without <chrono>.
 template <class TimePoint>
@@ -87,6 +89,10 @@ public:
     {
         return static_cast<double>(_seconds) + static_cast<double>(_nanoseconds) / 1e9;
     }
+
+    /// The local time at this moment as a date-time, which keeps the nanoseconds; null outside the years 1 to 9999.
+    /// Include core/time/nxDateTime.h to use it.
+    nxDateTime GetAsDateTime() const;
 
     /// The moment as a time point of std::chrono::system_clock, e.g.
     /// GetAsTimePoint<std::chrono::system_clock::time_point>(): rounded down to a whole unit, or the type's first or

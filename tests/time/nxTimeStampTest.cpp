@@ -20,6 +20,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/time/nxDateTime.h"
+
 namespace
 {
 // The process's zone for the length of a test.
@@ -279,6 +281,16 @@ TEST(nxTimeStamp, GivesItsPartsAndOrdersByThem)
     EXPECT_LT(stamp, nxTimeStamp(10, 500'000'001));
     const std::unordered_set<nxTimeStamp> set{stamp, nxTimeStamp(10, 500'000'000), nxTimeStamp(10, 5)};
     EXPECT_EQ(set.size(), 2U);
+}
+
+TEST(nxTimeStamp, GivesALocalDateTime)
+{
+    const ZoneOfProcess zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const nxDateTime moment = nxTimeStamp(1'689'000'000, 5).GetAsDateTime();
+    EXPECT_EQ(moment.GetDate(), nxDate(2023, 7, 10));
+    EXPECT_EQ(moment.GetAsString(), "10 Jul 2023 16:40:00");
+    EXPECT_NE(moment, nxTimeStamp(1'689'000'000, 6).GetAsDateTime());
+    EXPECT_TRUE(nxTimeStamp(LLONG_MAX, 0).GetAsDateTime().IsNull());
 }
 
 TEST(nxTimeStamp, ConvertsToAndFromTimePoints)
