@@ -68,6 +68,7 @@
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSetUp.h"
+#include "core/log/nxLogSettings.h"
 #include "core/log/nxLogStatement.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxDoubleHelper.h"
