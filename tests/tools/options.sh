@@ -12,7 +12,7 @@ refused "option -csv needs a value" $snap -csv
 refused "option -list takes no value, yet 'CME' follows it" -list CME
 refused "option -column is missing: the column that holds the prices" -increment 0.05 -csv x.csv
 refused "-column needs -table ID or -increment I" -column Price
-refused "-table and -increment exclude each other" $snap -table VTT_NFX_1
+refused "-table and -increment exclude each other" $snap -table NFX_1
 refused "option -step does not go with -column" $snap -step 3
 refused "-increment '0' is not a positive number of at most 18 digits" -increment 0 -column Price
 refused "-increment '-0.05' is not a positive number of at most 18 digits" -increment -0.05 -column Price

@@ -5,9 +5,14 @@
 
 namespace nxtick
 {
-/// @name What nxtick can do, one function for each action, each in a file named after it
-/// @return the exit status. @throws Failure when nothing was done.
+/// @name What nxtick can do, one function for each action/// @return the exit status. @throws Failure when nothing was
+/// done.
 /// @{
+int List(const Request& request);
+int Bands(const Request& request);
+int Price(const Request& request);
+int Ladder(const Request& request);
+int Chart(const Request& request);
 int Snap(const Request& request);
 /// @}
 }  // namespace nxtick

@@ -69,12 +69,11 @@ void PriceGrid::_AddTick(const nxDecimal& tick)
         throw Failure("a tick of " + DecimalText(tick) + " has more digits than a price can hold");
 }
 
-void PriceGrid::Step(nxDecimal& price, int ticks)
+void PriceGrid::CheckReach(const nxDecimal& price, int ticks) const
 {
     const double farthest = std::abs(price.GetAsDouble()) + std::abs(static_cast<double>(ticks)) * _largestTick;
     if (farthest * std::pow(10.0, std::max(_places, price.GetDecimalPlaces())) > 9e18)
         throw Failure("the price " + std::to_string(ticks) + " ticks away has more digits than a price can hold");
-    _Step(price, ticks);
 }
 
 bool PriceGrid::IsOnGrid(const nxDecimal& price)
@@ -99,7 +98,7 @@ nxDecimal PriceGrid::_Neighbour(const nxDecimal& price, nxEnumValue method, int 
 
 FixedGrid::FixedGrid(const nxDecimal& increment) : _increment(increment) { _AddTick(increment); }
 
-void FixedGrid::_Step(nxDecimal& price, int ticks)
+void FixedGrid::Step(nxDecimal& price, int ticks)
 {
     const unsigned char places = MorePlaces(price, _increment);
     nxDecimal tick = _increment;

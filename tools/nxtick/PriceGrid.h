@@ -27,8 +27,11 @@ public:
     virtual nxDecimal GetTick(const nxDecimal& price) = 0;
     virtual void Round(const nxRoundingMethodEnum& method, nxDecimal& price) = 0;
 
-    /// Moves a price by ticks. @throws Failure when it would leave the range of 64-bit prices.
-    void Step(nxDecimal& price, int ticks);
+    /// @throws Failure when the price so many ticks away might not fit 64 bits; one tick away from what ReadPrice()
+    ///         accepted always fits.
+    void CheckReach(const nxDecimal& price, int ticks) const;
+    /// Moves a price by ticks that CheckReach() accepts.
+    virtual void Step(nxDecimal& price, int ticks) = 0;
 
     bool IsOnGrid(const nxDecimal& price);
     /// The next price of the grid below, whether or not the price itself is on the grid.
@@ -43,7 +46,6 @@ protected:
     void _AddTick(const nxDecimal& tick);
 
 private:
-    virtual void _Step(nxDecimal& price, int ticks) = 0;
     nxDecimal _Neighbour(const nxDecimal& price, nxEnumValue method, int ticks);
 
     unsigned char _places = 0;  // the most that a tick has
@@ -60,10 +62,9 @@ public:
     bool HasBands() const override { return false; }
     nxDecimal GetTick(const nxDecimal&) override { return _increment; }
     void Round(const nxRoundingMethodEnum& method, nxDecimal& price) override { price.Round(_increment, method); }
+    void Step(nxDecimal& price, int ticks) override;
 
 private:
-    void _Step(nxDecimal& price, int ticks) override;
-
     nxDecimal _increment;
 };
 }  // namespace nxtick

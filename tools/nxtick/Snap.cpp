@@ -1,10 +1,10 @@
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "Commands.h"
 #include "CsvReader.h"
 #include "Failure.h"
+#include "GridChoice.h"
 #include "InputFile.h"
 #include "OutputFile.h"
 #include "PriceGrid.h"
@@ -54,10 +54,10 @@ int SnapFile(InputFile& input, PriceGrid& grid, const Request& request)
 int Snap(const Request& request)
 {
     InputFile input(request.csvFile);
-    const std::unique_ptr<PriceGrid> grid = std::make_unique<FixedGrid>(request.increment);
+    const GridChoice choice(request);
     try
     {
-        return SnapFile(input, *grid, request);
+        return SnapFile(input, choice.GetGrid(), request);
     }
     catch (const FileFailure& failure)
     {

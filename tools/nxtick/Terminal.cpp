@@ -23,6 +23,12 @@ std::string Terminal::Styled(Style style, std::string_view text) const
     return start + std::string(text) + "\x1b[0m";
 }
 
+std::string Terminal::WithHeading(const std::string& lines) const
+{
+    const std::size_t end = lines.find('\n');
+    return Styled(Style::Faint, lines.substr(0, end)) + lines.substr(end);
+}
+
 bool IsErrorTerminal() { return ::isatty(STDERR_FILENO) != 0; }
 
 void WriteError(std::string_view text)

@@ -22,6 +22,8 @@ public:
 
     /// The text in the style, or as it is where there are no colours.
     std::string Styled(Style style, std::string_view text) const;
+    /// Several lines, the first of them as a heading.
+    std::string WithHeading(const std::string& lines) const;
 
 private:
     bool _hasColours;

@@ -1,9 +1,10 @@
 #include "Text.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
+#include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/text/nxAlgorithm.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
 
@@ -12,27 +13,9 @@ namespace nxtick
 namespace
 {
 constexpr std::size_t longestQuoted = 40;
+constexpr std::size_t lineWidth = 78;
 constexpr std::size_t mostSuggestions = 3;
-
-// How many single-character changes turn one text into the other, the case of letters aside.
-std::size_t EditDistance(const std::string& a, const std::string& b)
-{
-    const auto lower = [](char c) { return 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i)
-    {
-        std::size_t diagonal = std::exchange(row[0], i);
-        for (std::size_t j = 1; j <= b.size(); ++j)
-        {
-            const std::size_t replaced = diagonal + (lower(a[i - 1]) == lower(b[j - 1]) ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
+constexpr std::size_t longestSuggestedFor = 100;
 
 // Where the decimals begin: the point itself, or the end of a text without one.
 std::size_t PointOf(const std::string& text) { return std::min(text.find('.'), text.size()); }
@@ -41,15 +24,16 @@ struct Width
 {
     std::size_t before = 0;  // the point
     std::size_t after = 0;
+    std::size_t total = 0;
 };
 
-std::string Padded(const std::string& cell, Width width, bool onPoint, bool rightAligned)
+std::string Padded(const std::string& cell, const Width& width, bool onPoint, bool rightAligned)
 {
-    const std::size_t before = onPoint ? PointOf(cell) : rightAligned ? cell.size() : 0;
-    const std::size_t total = width.before + width.after;
-    std::string text(onPoint || rightAligned ? width.before - before : 0, ' ');
+    const std::size_t total = std::max(width.total, width.before + width.after);
+    const std::size_t behind = onPoint ? width.after - (cell.size() - PointOf(cell)) : 0;
+    std::string text(onPoint || rightAligned ? total - cell.size() - behind : 0, ' ');
     text += cell;
-    text.resize(std::max(total, text.size()), ' ');
+    text.resize(total, ' ');
     return text;
 }
 }  // namespace
@@ -87,19 +71,21 @@ std::string Quoted(std::string_view text)
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates)
 {
     // A third of the text may differ, two characters in a short one, but never all of it.
-    const std::size_t bound =
-        std::min(std::max<std::size_t>(2, wrong.size() / 3), std::max<std::size_t>(1, wrong.size()) - 1);
-    std::vector<std::pair<std::size_t, std::string>> near;
-    if (wrong.size() <= longestQuoted)
+    const std::size_t length = std::max<std::size_t>(1, wrong.size());
+    const auto bound = static_cast<unsigned>(std::min(std::max<std::size_t>(2, length / 3), length - 1));
+    const nxCaseSensitivityEnum ignoreCase(CASE_INSENSITIVE);
+    std::vector<std::pair<unsigned long long, std::string>> near;
+    if (wrong.size() <= longestSuggestedFor)
         for (const std::string& candidate : candidates)
-            if (const std::size_t distance = EditDistance(wrong, candidate); distance <= bound)
+            if (const auto distance = nxAlgorithm::GetEditDistance(wrong, candidate, bound, ignoreCase);
+                distance <= bound)
                 near.emplace_back(distance, candidate);
     if (near.empty())
         return {};
     std::sort(near.begin(), near.end());
 
     // Those as near as the best, and a little beyond: a far third only distracts.
-    const std::size_t farthest = near.front().first + 1;
+    const unsigned long long farthest = near.front().first + 1;
     std::size_t count = 0;
     while (count < near.size() && count < mostSuggestions && near[count].first <= farthest)
         ++count;
@@ -109,36 +95,61 @@ std::string Suggestion(const std::string& wrong, const std::set<std::string>& ca
     return text += "?";
 }
 
-std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::set<std::size_t>& rightAligned,
-                    const std::set<std::size_t>& onPoint)
+std::vector<std::string> ColumnLines(const std::vector<std::vector<std::string>>& rows,
+                                     const std::set<std::size_t>& rightAligned, const std::set<std::size_t>& onPoint)
 {
+    // A heading is aligned on the right above numbers, and on the left above texts.
+    const auto isOnPoint = [&](const auto& row, std::size_t i)
+    { return &row != &rows.front() && onPoint.count(i) != 0; };
     std::vector<Width> widths;
     for (const std::vector<std::string>& row : rows)
     {
-        const bool isHeading = &row == &rows.front();
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i)
         {
-            const std::size_t before = onPoint.count(i) != 0 && !isHeading ? PointOf(row[i]) : row[i].size();
+            const std::size_t before = isOnPoint(row, i) ? PointOf(row[i]) : 0;
             widths[i].before = std::max(widths[i].before, before);
-            if (onPoint.count(i) != 0 && !isHeading)
-                widths[i].after = std::max(widths[i].after, row[i].size() - before);
+            widths[i].after = std::max(widths[i].after, isOnPoint(row, i) ? row[i].size() - before : 0);
+            widths[i].total = std::max(widths[i].total, row[i].size());
         }
     }
-    std::string text;
+    std::vector<std::string> lines;
     for (const std::vector<std::string>& row : rows)
     {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i)
-        {
-            const bool isHeading = &row == &rows.front();
-            line += Padded(row[i], widths[i], onPoint.count(i) != 0 && !isHeading,
-                           rightAligned.count(i) != 0 || (onPoint.count(i) != 0 && isHeading));
-            line += "  ";
-        }
+            line += (i == 0 ? "" : "  ") +
+                    Padded(row[i], widths[i], isOnPoint(row, i), rightAligned.count(i) + onPoint.count(i) != 0);
         line.erase(line.find_last_not_of(' ') + 1);
-        text += line + "\n";
+        lines.push_back(line);
     }
+    return lines;
+}
+
+std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::set<std::size_t>& rightAligned,
+                    const std::set<std::size_t>& onPoint)
+{
+    std::string text;
+    for (const std::string& line : ColumnLines(rows, rightAligned, onPoint))
+        text += line + "\n";
     return text;
+}
+
+std::string Wrapped(const std::string& text)
+{
+    std::string lines;
+    std::string_view rest = text;
+    while (!rest.empty())
+    {
+        std::size_t size = rest.size();
+        if (size > lineWidth)
+        {
+            const std::size_t blank = rest.rfind(' ', lineWidth);
+            size = blank == std::string_view::npos ? lineWidth : blank;
+        }
+        lines.append(rest.substr(0, size)) += "\n";
+        rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(' ', size)));
+    }
+    return lines;
 }
 }  // namespace nxtick

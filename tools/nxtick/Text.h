@@ -25,8 +25,15 @@ std::string Suggestion(const std::string& wrong, const std::set<std::string>& ca
 
 /// Lines up columns: the first row is the heading, every column as wide as its widest cell, two blanks between.
 /// Columns named in @p rightAligned (from 0) are aligned on the right, those in @p onPoint on the decimal point.
+/// @return one line for each row, without line ends.
+std::vector<std::string> ColumnLines(const std::vector<std::vector<std::string>>& rows,
+                                     const std::set<std::size_t>& rightAligned, const std::set<std::size_t>& onPoint);
+/// The same as one text.
 std::string Columns(const std::vector<std::vector<std::string>>& rows, const std::set<std::size_t>& rightAligned,
                     const std::set<std::size_t>& onPoint);
+
+/// The text in lines of at most 78 characters, broken between words; nothing for an empty text.
+std::string Wrapped(const std::string& text);
 }  // namespace nxtick
 
 #endif

@@ -22,15 +22,26 @@ int Run()
     const nxtick::Request request = nxtick::ReadRequest(options, words);
     switch (request.action)
     {
-        case nxtick::Request::Action::Help:
-            std::cout << nxtick::GetHelp();
-            return 0;
         case nxtick::Request::Action::Version:
             std::cout << "nxtick " NX_CORE_VERSION "\n";
             return 0;
-        default:
+        case nxtick::Request::Action::List:
+            return nxtick::List(request);
+        case nxtick::Request::Action::Bands:
+            return nxtick::Bands(request);
+        case nxtick::Request::Action::Price:
+            return nxtick::Price(request);
+        case nxtick::Request::Action::Ladder:
+            return nxtick::Ladder(request);
+        case nxtick::Request::Action::Chart:
+            return nxtick::Chart(request);
+        case nxtick::Request::Action::Snap:
             return nxtick::Snap(request);
+        case nxtick::Request::Action::Help:
+            break;
     }
+    std::cout << nxtick::GetHelp();
+    return 0;
 }
 }  // namespace
 

@@ -1,0 +1,32 @@
+#ifndef NXTICK_GRIDCHOICE_H
+#define NXTICK_GRIDCHOICE_H
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "PriceGrid.h"
+#include "Request.h"
+#include "TickTables.h"
+
+namespace nxtick
+{
+/// The grid that the user asked for, by -table or -increment, and what it is called.
+class GridChoice
+{
+public:
+    /// @throws Failure when there is no such table.
+    explicit GridChoice(const Request& request);
+
+    PriceGrid& GetGrid() const { return *_grid; }
+    /// The table's identifier, or "ticks of 0.05".
+    const std::string& GetName() const { return _name; }
+
+private:
+    std::optional<TickTables> _tables;  // own what the grid refers to
+    std::unique_ptr<PriceGrid> _grid;
+    std::string _name;
+};
+}  // namespace nxtick
+
+#endif

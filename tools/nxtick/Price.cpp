@@ -1,0 +1,128 @@
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Failure.h"
+#include "GridChoice.h"
+#include "PriceGrid.h"
+#include "Terminal.h"
+#include "Text.h"
+
+namespace nxtick
+{
+namespace
+{
+using Rows = std::vector<std::vector<std::string>>;
+
+nxDecimal ReadPrice(const PriceGrid& grid, const Request& request)
+{
+    nxDecimal price;
+    if (const char* const reason = grid.ReadPrice(request.price, price); reason != nullptr)
+        throw Failure("-price " + Quoted(request.price) + " " + reason);
+    return price;
+}
+
+nxDecimal Rounded(PriceGrid& grid, nxEnumValue method, nxDecimal price)
+{
+    grid.Round(nxRoundingMethodEnum(method), price);
+    return price;
+}
+
+nxDecimal Moved(PriceGrid& grid, int ticks, nxDecimal price)
+{
+    grid.CheckReach(price, ticks);
+    grid.Step(price, ticks);
+    return price;
+}
+
+std::string TicksText(int ticks)
+{
+    const int count = ticks < 0 ? -ticks : ticks;
+    return std::to_string(count) + (count == 1 ? " tick " : " ticks ") + (ticks < 0 ? "down" : "up");
+}
+
+// A step of a ladder: a price, its tick, and what there is to say about it.
+struct Rung
+{
+    nxDecimal price;
+    nxDecimal tick;
+    bool isMiddle = false;
+    bool isOnGrid = true;
+};
+
+std::vector<Rung> MakeLadder(PriceGrid& grid, const nxDecimal& middle, int ticks)
+{
+    grid.CheckReach(middle, ticks + 1);
+    std::vector<Rung> rungs;
+    nxDecimal price = middle;
+    for (int i = 0; i < ticks; ++i)
+    {
+        price = grid.GetAbove(price);
+        rungs.push_back({price, grid.GetTick(price)});
+    }
+    std::reverse(rungs.begin(), rungs.end());
+    rungs.push_back({middle, grid.GetTick(middle), true, grid.IsOnGrid(middle)});
+    price = middle;
+    for (int i = 0; i < ticks; ++i)
+    {
+        price = grid.GetBelow(price);
+        rungs.push_back({price, grid.GetTick(price)});
+    }
+    return rungs;
+}
+
+std::string ChangeText(const nxDecimal& above, const nxDecimal& below)
+{
+    return "--- ticks of " + DecimalText(above) + " above, " + DecimalText(below) + " below ---";
+}
+}  // namespace
+
+int Price(const Request& request)
+{
+    const GridChoice choice(request);
+    PriceGrid& grid = choice.GetGrid();
+    const nxDecimal price = ReadPrice(grid, request);
+    Rows rows = {
+        {"tick", DecimalText(grid.GetTick(price))},
+        {"next below", DecimalText(grid.GetBelow(price))},
+        {"next above", DecimalText(grid.GetAbove(price))},
+        {"nearest", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_NEAREST, price))},
+        {"modified nearest", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_MODIFIED_NEAREST, price))},
+        {"rounded up", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_UP, price))},
+        {"rounded down", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_DOWN, price))},
+    };
+    if (request.step != 0)
+        rows.push_back({TicksText(request.step), DecimalText(Moved(grid, request.step, price))});
+    std::cout << Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) << ", "
+              << (grid.IsOnGrid(price) ? "on the grid" : "off the grid") << "\n\n"
+              << Columns(rows, {}, {1});
+    return 0;
+}
+
+int Ladder(const Request& request)
+{
+    const GridChoice choice(request);
+    PriceGrid& grid = choice.GetGrid();
+    const nxDecimal middle = ReadPrice(grid, request);
+    const std::vector<Rung> rungs = MakeLadder(grid, middle, request.ladder);
+
+    Rows rows = {{"", "price", "tick"}};
+    for (const Rung& rung : rungs)
+        rows.push_back({rung.isMiddle ? ">" : "", DecimalText(rung.price), DecimalText(rung.tick),
+                        rung.isOnGrid ? "" : "off the grid"});
+    const std::vector<std::string> lines = ColumnLines(rows, {}, {1, 2});
+
+    const Terminal terminal;
+    std::cout << terminal.Styled(Terminal::Style::Bold, choice.GetName() + " around " + DecimalText(middle)) << "\n\n"
+              << terminal.Styled(Terminal::Style::Faint, lines.front()) << "\n";
+    for (std::size_t i = 0; i < rungs.size(); ++i)
+    {
+        if (i > 0 && rungs[i].tick != rungs[i - 1].tick)
+            std::cout << terminal.Styled(Terminal::Style::Marked, ChangeText(rungs[i - 1].tick, rungs[i].tick)) << "\n";
+        std::cout << (rungs[i].isMiddle ? terminal.Styled(Terminal::Style::Bold, lines[i + 1]) : lines[i + 1]) << "\n";
+    }
+    return 0;
+}
+}  // namespace nxtick
