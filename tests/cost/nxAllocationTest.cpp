@@ -1,0 +1,98 @@
+// What must not allocate does not: every operation of a trading thread's steady state is run with all allocations
+// counted.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <new>
+#include <string>
+
+#include "core/nxCore.h"
+
+namespace
+{
+std::atomic<std::size_t> allocations{0};
+
+void* Allocate(std::size_t size)
+{
+    allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* const block = std::malloc(size == 0 ? 1 : size))
+        return block;
+    throw std::bad_alloc();
+}
+}  // namespace
+
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+
+TEST(nxAllocation, TheSteadyStateAllocatesNothing)
+{
+    const std::string decimalText = "12345.67890", integerText = "123456789", name = "NX_ERR_INSUFFICIENT_MEMORY";
+    const nxVariableTickTable& table = *nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
+    const nxRoundingMethodEnum nearest(NX_ROUNDING_METHOD_NEAREST);
+    const nxDecimal cent = nxDecimal::ConstructFromValueAndDecimalPlaces(1, 2);
+    nxTickTableCursor cursor(table);
+    nxDecimal price(decimalText, '.'), other(7, 1);
+    nxErrorEnum error;
+    nxMutex mutex;
+    int integer = 0;
+    double number = 0;
+    bool kept = true;
+    char buffer[nxDecimal::MaxTextSize];
+    std::string text;
+    text.reserve(4096);
+
+    const struct
+    {
+        const char* name;
+        std::function<void()> run;
+    } operations[] = {
+        {"decimal from text", [&] { kept = price.SetFromString(decimalText, '.').IsOK(); }},
+        {"decimal arithmetic", [&] { other = (price + other) * other / price - cent; }},
+        {"decimal rounded", [&] { other.Round(cent, nearest); }},
+        {"decimal to a buffer", [&] { price.GetAsString(buffer, '.'); }},
+        {"decimal appended", [&] { price.AppendAsString(text, '.'); }},
+        {"integer from text", [&] { kept = nxStringHelper::SetFromString(integerText, integer).IsOK(); }},
+        {"double from text", [&] { kept = nxStringHelper::SetFromString(decimalText, number, '.').IsOK(); }},
+        {"integer appended", [&] { nxStringHelper::AppendAsString(text, integer); }},
+        {"double appended", [&] { nxStringHelper::AppendAsString(text, number); }},
+        {"error from its name", [&] { kept = error.SetFromString(name); }},
+        {"error's name", [&] { kept = !error.GetShortDescription().empty(); }},
+        {"tick at a price", [&] { other = table.GetTickIncrement(price); }},
+        {"tick by cursor", [&] { other = cursor.GetTickIncrement(price); }},
+        {"rounded to a tick", [&] { table.RoundToValidTick(nearest, price); }},
+        {"rounded by cursor", [&] { cursor.RoundToValidTick(nearest, price); }},
+        {"stepped", [&] { table.Increment(price, 3); }},
+        {"time stamp taken and printed", [&] { nxTimeStamp().GetAsStringFast(buffer, sizeof buffer); }},
+        {"mutex", [&] { const nxMutexGuard guard(mutex); }},
+    };
+    for (const auto& operation : operations)
+    {
+        operation.run();  // what is remembered from the first time on may be made then
+        text.clear();
+        const std::size_t before = allocations.load();
+        for (int i = 0; i < 100; ++i)
+            operation.run();
+        EXPECT_EQ(allocations.load() - before, 0u) << operation.name;
+        EXPECT_TRUE(kept) << operation.name;
+    }
+}
+
+TEST(nxAllocation, ValuesAreAsSmallAsTheyShouldBe)
+{
+    EXPECT_EQ(sizeof(nxDecimal), 16u);
+    EXPECT_EQ(sizeof(nxErrorEnum), 16u);  // the table of virtual operations and one 32-bit value
+    EXPECT_EQ(sizeof(nxProductStateBitMask), 16u);
+    EXPECT_EQ(sizeof(nxServerCapabilityBitMask), 16u);
+    EXPECT_EQ(sizeof(nxValueWrapper<unsigned>), 4u);
+    EXPECT_EQ(sizeof(nxDoubleValueWrapper), 8u);
+    EXPECT_EQ(sizeof(nxTimeStamp), 24u);
+    EXPECT_EQ(sizeof(nxDate), 4u);
+    EXPECT_TRUE(std::is_trivially_copyable_v<nxDecimal>);
+}
