@@ -21,7 +21,7 @@ void Look(const Values&...)
 int main()
 {
     const nxDecimal price(25, 1), cents("-0.05", '.'), nothing = nxDecimal::GetNullDecimal(),
-        same = nxDecimal::GetNoChangeDecimal();
+                                                       same = nxDecimal::GetNoChangeDecimal();
     const nxErrorEnum error(NX_ERR_NOT_FOUND);
     const nxBoolEnum truth(NX_BOOL_TRUE);
     nxProductStateBitMask state, none;
