@@ -25,6 +25,8 @@
 #include "core/enum/nxDataObjectCacheObserverBitMask.h"
 #include "core/enum/nxDatabaseModeBitMask.h"
 #include "core/enum/nxEnum.h"
+#include "core/enum/nxEnumRange.h"
+#include "core/enum/nxEnumTable.h"
 #include "core/enum/nxEnumValue.h"
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxExchangePriceFilterBitMask.h"

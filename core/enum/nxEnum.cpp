@@ -2,9 +2,20 @@
 
 #include <ostream>
 
+#include "core/enum/nxEnumRange.h"
+#include "core/enum/nxEnumRows.h"
+
 namespace
 {
-const std::size_t MaximumIdentifierLength = 64;
+std::string_view View(const char* text) { return text != nullptr ? text : ""; }
+}  // namespace
+
+const bool nxEnum::_registered = nxEnum::_RegisterValues();
+
+bool nxEnum::_RegisterValues()
+{
+    const nxEnumRows rows = nxEnumRows::GetRange(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE);
+    return _RegisterAll(rows.first, rows.last);
 }
 
 std::map<unsigned, std::pair<std::string, std::string>>& nxEnum::_Map()
@@ -20,72 +31,70 @@ std::map<std::string, unsigned>& nxEnum::_ReverseMap()
     return map;
 }
 
+bool nxEnum::_Add(unsigned value, std::string_view shortDescription, std::string_view longDescription)
+{
+    if (shortDescription.size() > nxEnumTable::MaximumTextSize || nxEnumTable::Find(value) != nullptr ||
+        nxEnumTable::Find(shortDescription) != nxEnumTable::NotFound)
+        return false;
+    const auto entry = _Map().try_emplace(_Map().end(), value, shortDescription, longDescription);
+    _ReverseMap().try_emplace(entry->second.first, value);
+    nxEnumTable::Add(value, entry->second);
+    return true;
+}
+
 bool nxEnum::_Register(unsigned value, const std::string& shortDescription, const std::string& longDescription)
 {
-    if (shortDescription.size() > MaximumIdentifierLength || _Map().count(value) != 0 ||
-        _ReverseMap().count(shortDescription) != 0)
-        return false;
-    _Map().emplace(value, std::make_pair(shortDescription, longDescription));
-    _ReverseMap().emplace(shortDescription, value);
+    return _Add(value, shortDescription, longDescription);
+}
+
+bool nxEnum::_RegisterAll(const ValueTexts* first, const ValueTexts* last)
+{
+    for (const ValueTexts* row = first; row != last; ++row)
+        _Add(row->value, View(row->shortDescription), View(row->longDescription));
     return true;
 }
 
-const bool nxEnum::_registered = nxEnum::_RegisterValues();
-
-bool nxEnum::_RegisterValues()
+void nxEnum::_FillFromLists()
 {
-#define NX_ENUM_VALUE(constant, value, shortDescription, longDescription) \
-    _Register(value, shortDescription, longDescription);
-#define NX_ERROR_CODE(value, identifier, wording) _Register(value, #identifier, wording);
-#include "core/enum/nxEnumValues.inc"
-#include "core/enum/nxErrorCodes.inc"
-#undef NX_ENUM_VALUE
-#undef NX_ERROR_CODE
-    return true;
+    static const nxEnumRows rows = nxEnumRows::GetAll();
+    static const bool isFilled = _RegisterAll(rows.first, rows.last);
+    static_cast<void>(isFilled);
 }
 
-bool nxEnum::IsRegisteredEnumValue(unsigned value) { return _Map().count(value) != 0; }
-
-const std::string& nxEnum::GetShortDescription() const
+const nxEnumTable::Texts& nxEnum::_GetMissingTexts(unsigned value)
 {
-    const auto found = _Map().find(_value);
-    return found != _Map().end() ? found->second.first : _Map()[NX_ENUM_NOT_REGISTERED].first;
+    _FillFromLists();
+    const nxEnumTable::Texts* const texts = nxEnumTable::Find(value);
+    return texts != nullptr ? *texts : *nxEnumTable::Find(NX_ENUM_NOT_REGISTERED);
 }
 
-const std::string& nxEnum::GetLongDescription() const
+std::int64_t nxEnum::_FindMissing(std::string_view text)
 {
-    const auto found = _Map().find(_value);
-    return found != _Map().end() ? found->second.second : _Map()[NX_ENUM_NOT_REGISTERED].second;
+    _FillFromLists();
+    return nxEnumTable::Find(text);
+}
+
+bool nxEnum::IsRegisteredEnumValue(unsigned value)
+{
+    if (nxEnumTable::Find(value) == nullptr)
+        _FillFromLists();
+    return nxEnumTable::Find(value) != nullptr;
 }
 
 void nxEnum::GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>& values) const
 {
     values.clear();
-    for (auto entry = _Map().lower_bound(_MinValue()); entry != _Map().end() && entry->first <= _MaxValue(); ++entry)
-        values.push_back(static_cast<nxEnumValue>(entry->first));
+    _FillFromLists();
+    for (const unsigned value : nxEnumRange<unsigned>(_MinValue(), _MaxValue()))
+        values.push_back(static_cast<nxEnumValue>(value));
 }
 
 void nxEnum::GetRegisteredEnumValuesForInstance(std::set<nxEnumValue>& values) const
 {
-    std::vector<nxEnumValue> ascending;
-    GetRegisteredEnumValuesForInstance(ascending);
-    values = std::set<nxEnumValue>(ascending.begin(), ascending.end());
-}
-
-bool nxEnum::SetFromShortDescriptionString(const std::string& text)
-{
-    const auto found = _ReverseMap().find(text);
-    if (found == _ReverseMap().end())
-        return false;
-    _Set(found->second);
-    return _value == found->second;
-}
-
-void nxEnum::_Set(unsigned value)
-{
-    const bool acceptable = (_MinValue() < value && value < _MaxValue() && value != NX_ENUM_NOT_REGISTERED) ||
-                            value == NX_ENUM_UNDEFINED || value == NX_ENUM_NO_CHANGE;
-    _value = acceptable ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
+    values.clear();
+    _FillFromLists();
+    for (const unsigned value : nxEnumRange<unsigned>(_MinValue(), _MaxValue()))
+        values.insert(values.end(), static_cast<nxEnumValue>(value));
 }
 
 std::ostream& operator<<(std::ostream& stream, const nxEnum& value) { return stream << value.GetShortDescription(); }

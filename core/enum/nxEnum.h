@@ -1,13 +1,18 @@
 #ifndef CORE_ENUM_NXENUM_H
 #define CORE_ENUM_NXENUM_H
 
+#include <concepts>
+#include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "core/enum/nxEnumTable.h"
 #include "core/enum/nxEnumValue.h"
 #include "core/nxExport.h"
 
@@ -19,12 +24,20 @@
 /// - Value 0 is "undefined": the state after construction and Clear(). Value 2 is "no change". Value 1 is never stored.
 /// - Errors: a setter that is given a value outside the class's interval stores 0 and says nothing; only the parsing
 ///   setters report by their result.
-/// - Threads: like an int. The registry is filled while the library (or a plug-in) is loaded and only read afterwards;
-///   no operation takes a lock.
+/// - Threads: like an int. The registry is filled while the library is loaded; looking up takes no lock. A plug-in that
+///   is loaded later may register its own values while other threads print and parse.
 /// - Ownership: a 16-byte value that owns nothing. Texts are returned by reference and live as long as the process.
 class NX_CORE_API nxEnum
 {
 public:
+    /// One value with its identifier (at most 64 characters) and its wording, for registration.
+    struct ValueTexts
+    {
+        unsigned value;                ///< Inside the interval of its class.
+        const char* shortDescription;  ///< The identifier.
+        const char* longDescription;   ///< The wording.
+    };
+
     /// @return the name of the concrete class, e.g. "nxBoolEnum".
     virtual std::string GetClassName() const = 0;
 
@@ -32,24 +45,25 @@ public:
     static bool IsRegisteredEnumValue(unsigned value);
 
     /// @return the identifier; "NOT_REGISTERED" for a value without texts.
-    const std::string& GetShortDescription() const;
+    const std::string& GetShortDescription() const { return _GetTexts().first; }
     /// @return the wording; "not registered" for a value without texts.
-    const std::string& GetLongDescription() const;
+    const std::string& GetLongDescription() const { return _GetTexts().second; }
     /// The same as GetShortDescription().
     const std::string& GetAsString() const { return GetShortDescription(); }
 
-    unsigned GetValue() const { return _value; }
-    nxEnumValue GetEnumValue() const { return static_cast<nxEnumValue>(_value); }
+    unsigned GetValue() const { return _value; }                                   ///< The value as a number.
+    nxEnumValue GetEnumValue() const { return static_cast<nxEnumValue>(_value); }  ///< The value as a constant.
 
-    bool IsUndefined() const { return _value == NX_ENUM_UNDEFINED; }
-    bool IsNoChange() const { return _value == NX_ENUM_NO_CHANGE; }
-    void Clear() { _value = NX_ENUM_UNDEFINED; }
-    void SetNoChange() { _value = NX_ENUM_NO_CHANGE; }
+    bool IsUndefined() const { return _value == NX_ENUM_UNDEFINED; }  ///< The value is 0.
+    bool IsNoChange() const { return _value == NX_ENUM_NO_CHANGE; }   ///< The value is 2.
+    void Clear() { _value = NX_ENUM_UNDEFINED; }                      ///< The value becomes 0.
+    void SetNoChange() { _value = NX_ENUM_NO_CHANGE; }                ///< The value becomes 2.
 
     /// @return whether the value is one of the class's own and not one of the three shared ones.
     bool IsSpecificTypeForInstance() const { return _MinValue() < _value && _value < _MaxValue(); }
 
-    /// Replaces @p values with the registered values of this object's class, ascending.
+    /// Replaces @p values with the registered values of this object's class, ascending, the two bounds included where
+    /// they are registered. nxTypedEnum::GetRegisteredValues() walks over them without a container.
     void GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>& values) const;
     /// @copydoc GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>&) const
     void GetRegisteredEnumValuesForInstance(std::set<nxEnumValue>& values) const;
@@ -59,12 +73,20 @@ public:
     /// @return whether this is one of the two messaging time-outs. A lock's or thread's time-out is not counted.
     bool IsTimeout() const { return _value == NX_ERR_MSG_RECEIPT_TIMED_OUT || _value == NX_ERR_MSG_RESPONSE_TIMED_OUT; }
 
-    /// Sets the value whose short description is @p text; exact, case-sensitive.
+    /// Sets the value whose short description is @p text; exact, case-sensitive. A null pointer is an empty text.
     /// @return false when no value has that text (this object is unchanged), or when the value belongs to another class
     ///         (this object becomes undefined).
-    bool SetFromString(const std::string& text) { return SetFromShortDescriptionString(text); }
-    /// @copydoc SetFromString
-    bool SetFromShortDescriptionString(const std::string& text);
+    bool SetFromString(const std::string& text) { return _SetFromText(text); }
+    /// @copydoc SetFromString(const std::string&)
+    bool SetFromString(std::string_view text) { return _SetFromText(text); }
+    /// @copydoc SetFromString(const std::string&)
+    bool SetFromString(const char* text) { return _SetFromText(text != nullptr ? text : ""); }
+    /// The same as SetFromString().
+    bool SetFromShortDescriptionString(const std::string& text) { return _SetFromText(text); }
+    /// The same as SetFromString().
+    bool SetFromShortDescriptionString(std::string_view text) { return _SetFromText(text); }
+    /// The same as SetFromString().
+    bool SetFromShortDescriptionString(const char* text) { return SetFromString(text); }
 
     /// Stores @p value, or 0 when it is neither inside the class's interval nor 0 nor 2.
     nxEnum& operator=(nxEnumValue value)
@@ -79,7 +101,9 @@ public:
         return *this;
     }
 
+    /// Compares the stored value.
     bool operator==(nxEnumValue value) const { return _value == static_cast<unsigned>(value); }
+    /// @copydoc operator==(nxEnumValue) const
     bool operator==(unsigned value) const { return _value == value; }
     /// Compares the stored values, whatever the classes.
     bool operator==(const nxEnum& other) const { return _value == other._value; }
@@ -94,11 +118,25 @@ protected:
     virtual unsigned _MaxValue() const = 0;
 
     /// Adds one value with its texts to the process-wide registry. Call it while the process or a plug-in is loaded,
-    /// from one thread.
+    /// from one thread; other threads may look up meanwhile.
     /// @return false, with nothing changed, when the value or the short description is taken, or when the short
     ///         description is longer than 64 characters.
     static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription);
+    /// Adds the rows from @p first to before @p last; those that _Register() refuses are left out.
+    /// @return true, for the class's _registered to hold.
+    static bool _RegisterAll(const ValueTexts* first, const ValueTexts* last);
+    /// @copydoc _RegisterAll(const ValueTexts*, const ValueTexts*)
+    template <std::size_t Count>
+    static bool _RegisterAll(const ValueTexts (&rows)[Count])
+    {
+        return _RegisterAll(rows, rows + Count);
+    }
 
+    /// Makes sure that the library's own values are registered, whichever initialiser runs first.
+    static void _FillFromLists();
+
+    /// @name Comparison of the stored values as unsigned numbers, for the operators of the concrete classes.
+    /// @{
     bool _EqualTo(unsigned value) const { return _value == value; }
     bool _EqualTo(const nxEnum& other) const { return _value == other._value; }
     bool _NotEqualTo(unsigned value) const { return _value != value; }
@@ -107,7 +145,14 @@ protected:
     bool _LessThan(const nxEnum& other) const { return _value < other._value; }
     bool _GreaterThan(unsigned value) const { return _value > value; }
     bool _GreaterThan(const nxEnum& other) const { return _value > other._value; }
+    /// @}
 
+    /// The rule of every setter: a value between the exclusive bounds, or 0, or 2; never 1.
+    static constexpr bool _IsAcceptable(unsigned value, unsigned minimum, unsigned maximum)
+    {
+        return (minimum < value && value < maximum && value != NX_ENUM_NOT_REGISTERED) || value == NX_ENUM_UNDEFINED ||
+               value == NX_ENUM_NO_CHANGE;
+    }
     /// Stores a value that the concrete class has already accepted.
     void _SetAccepted(unsigned value) { _value = value; }
 
@@ -120,12 +165,42 @@ private:
     static std::map<std::string, unsigned>& _ReverseMap();
     static const bool _registered;
 
-    void _Set(unsigned value);
+    static bool _Add(unsigned value, std::string_view shortDescription, std::string_view longDescription);
+    // What a look-up that finds nothing falls back on: the library's own values are registered at the latest now, and
+    // it looks again. That makes the order of initialisers irrelevant.
+    static const nxEnumTable::Texts& _GetMissingTexts(unsigned value);
+    static std::int64_t _FindMissing(std::string_view text);
+
+    const nxEnumTable::Texts& _GetTexts() const
+    {
+        const nxEnumTable::Texts* const texts = nxEnumTable::Find(_value);
+        return texts != nullptr ? *texts : _GetMissingTexts(_value);
+    }
+
+    bool _SetFromText(std::string_view text)
+    {
+        std::int64_t found = nxEnumTable::Find(text);
+        if (found == nxEnumTable::NotFound && (found = _FindMissing(text)) == nxEnumTable::NotFound)
+            return false;
+        const unsigned value = static_cast<unsigned>(found);
+        _Set(value);
+        return _value == value;
+    }
+
+    void _Set(unsigned value) { _value = _IsAcceptable(value, _MinValue(), _MaxValue()) ? value : +NX_ENUM_UNDEFINED; }
 
     unsigned _value = NX_ENUM_UNDEFINED;
 };
 
 /// Writes the short description.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxEnum& value);
+
+/// Values of one enumeration class can be keys of unordered containers.
+template <class Enum>
+requires std::derived_from<Enum, nxEnum>
+struct std::hash<Enum>
+{
+    std::size_t operator()(const Enum& value) const noexcept { return std::hash<unsigned>()(value.GetValue()); }
+};
 
 #endif

@@ -22,6 +22,10 @@ public:
     bool IsOK() const { return GetValue() == NX_ENUM_UNDEFINED; }
 
     std::string GetClassName() const override;
+
+private:
+    static bool _RegisterValues();
+    static const bool _registered;
 };
 
 #endif

@@ -1,3 +1,10 @@
 #include "core/enum/nxGenericEnum.h"
 
+const bool nxGenericEnum::_registered = _RegisterValues();
+
+bool nxGenericEnum::_RegisterValues()
+{
+    return true;  // no value belongs to this class alone
+}
+
 std::string nxGenericEnum::GetClassName() const { return "nxGenericEnum"; }

@@ -11,6 +11,10 @@ public:
     using nxTypedEnum::operator=;
 
     std::string GetClassName() const override;
+
+private:
+    static bool _RegisterValues();
+    static const bool _registered;
 };
 
 #endif

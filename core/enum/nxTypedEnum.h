@@ -1,45 +1,106 @@
 #ifndef CORE_ENUM_NXTYPEDENUM_H
 #define CORE_ENUM_NXTYPEDENUM_H
 
-#include <cstddef>
-#include <functional>
+#include <compare>
+#include <concepts>
 
 #include "core/enum/nxEnum.h"
+#include "core/enum/nxEnumRange.h"
 
 /// What every concrete enumeration class shares: construction, assignment, comparison with its own class, and bounds.
 ///
 /// @tparam Derived the concrete class, which adds GetClassName() and registers its values.
-/// @tparam Minimum, Maximum the exclusive bounds of its values; intervals of different classes are disjoint.
+/// @tparam Minimum, Maximum the bounds of its values, neither of them a value itself; intervals of different classes
+/// are
+///         disjoint. The library's own lie below 2000000.
+///
+/// An application's own enumeration is declared as the library's are. In the header:
+/// @code
+/// class mySessionEnum final : public nxTypedEnum<mySessionEnum, 3000000, 3000100>
+/// {
+/// public:
+///     static constexpr nxEnumValue DAY{3000001};
+///     static constexpr nxEnumValue NIGHT{3000002};
+///
+///     using nxTypedEnum::nxTypedEnum;
+///     using nxTypedEnum::operator=;
+///     std::string GetClassName() const override { return "mySessionEnum"; }
+///
+/// private:
+///     static bool _RegisterValues();
+///     static const bool _registered;
+/// };
+/// @endcode
+/// and in the source file, so that the texts are there as soon as the program or plug-in is loaded:
+/// @code
+/// const bool mySessionEnum::_registered = _RegisterValues();
+/// bool mySessionEnum::_RegisterValues()
+/// {
+///     static constexpr ValueTexts values[] = {{DAY, "MY_SESSION_DAY", "day session"},
+///                                             {NIGHT, "MY_SESSION_NIGHT", "night session"}};
+///     return _RegisterAll(values);
+/// }
+/// @endcode
 template <class Derived, unsigned Minimum, unsigned Maximum>
 class nxTypedEnum : public nxEnum
 {
+    static_assert(Minimum < Maximum);
+
 public:
-    nxTypedEnum() = default;
+    static constexpr unsigned MinimumValue = Minimum;  ///< Exclusive lower bound of the class's values.
+    static constexpr unsigned MaximumValue = Maximum;  ///< Exclusive upper bound of the class's values.
+
+    nxTypedEnum() = default;  ///< Undefined.
     /// Holds @p value, or 0 when the class does not accept it.
-    nxTypedEnum(nxEnumValue value) { _SetAccepted(_Accepted(value)); }
-    nxTypedEnum(const nxTypedEnum& other) : nxEnum() { _SetAccepted(other.GetValue()); }
-    nxTypedEnum& operator=(const nxTypedEnum& other)
+    nxTypedEnum(nxEnumValue value) noexcept { _SetAccepted(_Accepted(value)); }
+    /// The same for a plain number; explicit, so that no number becomes an enumeration by accident.
+    template <std::integral Number>
+    explicit nxTypedEnum(Number value) noexcept
+    {
+        _SetAccepted(_Accepted(_Narrowed(value)));
+    }
+    /// Holds the value of @p other.
+    nxTypedEnum(const nxTypedEnum& other) noexcept : nxEnum() { _SetAccepted(other.GetValue()); }
+    /// Stores the value of @p other.
+    nxTypedEnum& operator=(const nxTypedEnum& other) noexcept
     {
         _SetAccepted(other.GetValue());
         return *this;
     }
     /// Stores @p value, or 0 when the class does not accept it.
-    Derived& operator=(nxEnumValue value)
+    Derived& operator=(nxEnumValue value) noexcept
     {
         _SetAccepted(_Accepted(value));
         return static_cast<Derived&>(*this);
     }
-    /// @copydoc operator=(nxEnumValue)
-    Derived& operator=(unsigned value)
+    /// Stores @p value, or 0 when the class does not accept it.
+    template <std::integral Number>
+    Derived& operator=(Number value) noexcept
     {
-        _SetAccepted(_Accepted(value));
+        _SetAccepted(_Accepted(_Narrowed(value)));
         return static_cast<Derived&>(*this);
     }
 
+    /// @return the class's own registered values, ascending:
+    ///         `for (const nxBoolEnum value : nxBoolEnum::GetRegisteredValues())`.
+    static nxEnumRange<Derived> GetRegisteredValues()
+    {
+        _FillFromLists();
+        constexpr unsigned lowest = Minimum < NX_ENUM_NO_CHANGE ? NX_ENUM_NO_CHANGE : Minimum;  // not the shared values
+        return {lowest + 1, Maximum - 1};
+    }
+
+    /// Equal when the values are.
     friend bool operator==(const Derived& left, const Derived& right) { return left._EqualTo(right); }
+    /// @copydoc operator==(const Derived&, const Derived&)
     friend bool operator==(const Derived& left, nxEnumValue right) { return left._EqualTo(right); }
+    /// @copydoc operator==(const Derived&, const Derived&)
     friend bool operator==(const Derived& left, unsigned right) { return left._EqualTo(right); }
-    friend bool operator<(const Derived& left, const Derived& right) { return left._LessThan(right); }
+    /// Ordered by value.
+    friend std::strong_ordering operator<=>(const Derived& left, const Derived& right)
+    {
+        return left.GetValue() <=> right.GetValue();
+    }
 
 protected:
     ~nxTypedEnum() = default;
@@ -49,9 +110,16 @@ protected:
 private:
     static constexpr unsigned _Accepted(unsigned value)
     {
-        const bool acceptable = (Minimum < value && value < Maximum && value != NX_ENUM_NOT_REGISTERED) ||
-                                value == NX_ENUM_UNDEFINED || value == NX_ENUM_NO_CHANGE;
-        return acceptable ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
+        return _IsAcceptable(value, Minimum, Maximum) ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
+    }
+
+    // A negative number, or one that is too wide, is not cut down to one that happens to fit.
+    template <std::integral Number>
+    static constexpr unsigned _Narrowed(Number number)
+    {
+        const unsigned value = static_cast<unsigned>(number);
+        const bool isKept = static_cast<Number>(value) == number && !(number < Number{});
+        return isKept ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
     }
 };
 

@@ -1,0 +1,63 @@
+#ifndef CORE_ENUM_NXENUMTABLE_H
+#define CORE_ENUM_NXENUMTABLE_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/nxExport.h"
+
+/// The look-up tables of all enumerations, by value and by short description. Not for direct use: nxEnum is the way in.
+///
+/// By value it is a table of pages, by text an open hash table; both stand in zero-initialised memory, so they may be
+/// asked at any moment of the process's life. One thread at a time adds entries; meanwhile any number of threads may
+/// look up, and find an entry either whole or not at all. Nothing is ever removed, and texts stay where they are.
+class NX_CORE_API nxEnumTable
+{
+public:
+    using Texts = std::pair<std::string, std::string>;  ///< Short description, long description.
+
+    static constexpr std::int64_t NotFound = -1;        ///< Stands for "no value".
+    static constexpr std::size_t MaximumTextSize = 64;  ///< Of a short description.
+
+    /// @return the texts of @p value, or null.
+    static const Texts* Find(unsigned value)
+    {
+        const Page* const page = _pages[value / PageSize].load(std::memory_order_acquire);
+        return page != nullptr ? page->texts[value % PageSize].load(std::memory_order_acquire) : nullptr;
+    }
+
+    /// @return the value whose short description is @p text, or NotFound.
+    static std::int64_t Find(std::string_view text);
+
+    /// @return the smallest value with texts that is not below @p from, or NotFound.
+    static std::int64_t FindFrom(unsigned from);
+
+    /// Adds a value that is not there yet, with a short description that is not there yet and not too long.
+    /// @p texts must live as long as the process.
+    static void Add(unsigned value, const Texts& texts);
+
+private:
+    static constexpr std::size_t PageSize = 65536;
+    static constexpr std::size_t PageCount = 65536;
+    static constexpr std::size_t WordBits = 64;
+
+    struct Page
+    {
+        std::atomic<const Texts*> texts[PageSize];
+        std::atomic<std::uint64_t> present[PageSize / WordBits];  // one bit a value, for walks over sparse values
+    };
+    struct Slot;
+    struct Storage;
+
+    static void AddToPage(unsigned value, const Texts& texts);
+    static void AddToSlots(unsigned value, const std::string& text);
+
+    // A pointer rather than the array itself: programs that are not position-independent copy exported data.
+    static std::atomic<Page*>* const _pages;
+};
+
+#endif

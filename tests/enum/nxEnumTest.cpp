@@ -1,0 +1,386 @@
+#include "core/enum/nxEnum.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <sstream>
+#include <thread>
+#include <unordered_set>
+
+#include "core/nxCore.h"
+
+namespace
+{
+//! [application enumeration]
+class SessionEnum final : public nxTypedEnum<SessionEnum, 3000000, 3000100>
+{
+public:
+    static constexpr nxEnumValue DAY{3000001};
+    static constexpr nxEnumValue NIGHT{3000002};
+
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+    std::string GetClassName() const override { return "SessionEnum"; }
+
+    using nxEnum::_Register;
+
+private:
+    static bool _RegisterValues();
+    static const bool _registered;
+};
+
+const bool SessionEnum::_registered = _RegisterValues();
+
+bool SessionEnum::_RegisterValues()
+{
+    static constexpr ValueTexts values[] = {{DAY, "SESSION_DAY", "day session"}, {NIGHT, "SESSION_NIGHT", nullptr}};
+    return _RegisterAll(values);
+}
+//! [application enumeration]
+
+// Intervals that touch both ends of the numbering.
+class LastEnum final : public nxTypedEnum<LastEnum, 0xFFFFFFF0, 0xFFFFFFFF>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    using nxTypedEnum::operator=;
+    using nxEnum::_Register;
+    std::string GetClassName() const override { return "LastEnum"; }
+};
+
+template <class Enum>
+std::vector<unsigned> Registered()
+{
+    std::vector<unsigned> values;
+    for (const Enum value : Enum::GetRegisteredValues())
+        values.push_back(value.GetValue());
+    return values;
+}
+
+TEST(nxEnum, SettersAcceptTheClassesOwnValuesAndTheTwoSharedOnes)
+{
+    struct Row
+    {
+        unsigned value, generic, boolean, error;
+    };
+    const Row rows[] = {
+        {0, 0, 0, 0},
+        {1, 0, 0, 0},  // "not registered" is a text, never a value
+        {2, 2, 2, 2},
+        {3, 3, 0, 0},
+        {5000, 5000, 0, 0},
+        {5001, 5001, 5001, 0},
+        {5002, 5002, 5002, 0},
+        {5003, 5003, 0, 0},
+        {999998, 999998, 0, 0},
+        {999999, 0, 0, 0},
+        {1000000, 0, 0, 0},
+        {1000001, 0, 0, 1000001},
+        {1000112, 0, 0, 1000112},  // inside the interval though without a text
+        {1999998, 0, 0, 1999998},
+        {1999999, 0, 0, 0},
+        {0xFFFFFFFF, 0, 0, 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.value);
+        const auto expect = [&row](auto prototype, unsigned expected)
+        {
+            using Enum = decltype(prototype);
+            const nxEnumValue constant{row.value};
+            Enum fromConstant, fromNumber, fromBase;
+            fromConstant = constant;
+            fromNumber = row.value;
+            static_cast<nxEnum&>(fromBase) = row.value;
+            EXPECT_EQ(Enum(constant).GetValue(), expected);
+            EXPECT_EQ(Enum(row.value).GetValue(), expected);
+            EXPECT_EQ(fromConstant.GetValue(), expected);
+            EXPECT_EQ(fromNumber.GetValue(), expected);
+            EXPECT_EQ(fromBase.GetValue(), expected);
+            static_cast<nxEnum&>(fromBase) = constant;
+            EXPECT_EQ(fromBase.GetValue(), expected);
+        };
+        expect(nxGenericEnum(), row.generic);
+        expect(nxBoolEnum(), row.boolean);
+        expect(nxErrorEnum(), row.error);
+    }
+    EXPECT_EQ(nxErrorEnum((1ll << 32) + 1000001).GetValue(), 0u);
+    EXPECT_EQ(nxErrorEnum(-1).GetValue(), 0u);
+    nxErrorEnum emptied(NX_ERR_INTERNAL);
+    emptied = {};
+    EXPECT_TRUE(emptied.IsOK());
+}
+
+TEST(nxEnum, ParsesIdentifiersOfItsClass)
+{
+    struct Row
+    {
+        const char* text;
+        bool result;
+        unsigned after;
+    };
+    const unsigned before = NX_ERR_INTERNAL;
+    const std::string longest = "NX_ERR_ORDER_GATEWAY_HELD_ORDER_DEL_WHEN_CONTINGENT_ORDER_FILLED";
+    ASSERT_EQ(longest.size(), 64u);
+    const std::string oneMore = longest + "S";
+    const Row rows[] = {
+        {"NX_ERR_SOCKET_BIND_FAILED", true, 1010202},
+        {longest.c_str(), true, 1005064},
+        {oneMore.c_str(), false, before},
+        {"NX_ERR_THR_FAILED_TO_SET_SCHEDULER_PARAMATERS", true, 1000113},
+        {"NO_CHANGE", true, 2},
+        {"UNDEFINED", true, 0},
+        {"NOT_REGISTERED", false, 0},  // known, but never stored
+        {"FALSE", false, 0},           // another class's
+        {"no such name", false, before},
+        {"Socket bind failed", false, before},  // wordings are not parsed
+        {"nx_err_socket_bind_failed", false, before},
+        {"NX_ERR_SOCKET_BIND_FAILED ", false, before},
+        {"", false, before},
+        {nullptr, false, before},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text != nullptr ? row.text : "null");
+        const std::string text = row.text != nullptr ? row.text : "";
+        nxErrorEnum pointer(before), string(before), view(before), shortPointer(before), shortString(before);
+        EXPECT_EQ(pointer.SetFromString(row.text), row.result);
+        EXPECT_EQ(string.SetFromString(text), row.result);
+        EXPECT_EQ(view.SetFromString(std::string_view(text)), row.result);
+        EXPECT_EQ(shortPointer.SetFromShortDescriptionString(row.text), row.result);
+        EXPECT_EQ(shortString.SetFromShortDescriptionString(text), row.result);
+        for (const nxErrorEnum& after : {pointer, string, view, shortPointer, shortString})
+            EXPECT_EQ(after.GetValue(), row.after);
+    }
+    nxErrorEnum error(before);
+    EXPECT_FALSE(error.SetFromString(std::string("NX_ERR_INTERNAL\0", 16)));
+    EXPECT_FALSE(error.SetFromString(std::string(1 << 20, 'N')));
+}
+
+TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValue)
+{
+    std::vector<nxEnumValue> values;
+    nxErrorEnum().GetRegisteredEnumValuesForInstance(values);
+    EXPECT_EQ(values.size(), 581u);
+    std::vector<nxEnumValue> small;
+    nxGenericEnum().GetRegisteredEnumValuesForInstance(small);
+    values.insert(values.end(), small.begin(), small.end());
+    std::erase(values, NX_ENUM_NOT_REGISTERED);  // a text that is never parsed
+    for (const nxEnumValue value : values)
+    {
+        SCOPED_TRACE(value);
+        EXPECT_TRUE(nxEnum::IsRegisteredEnumValue(value));
+        nxErrorEnum error(value);
+        nxGenericEnum generic(value);
+        const nxEnum& known = value < nxErrorEnum::MinimumValue ? static_cast<nxEnum&>(generic) : error;
+        nxErrorEnum parsedError;
+        nxGenericEnum parsedGeneric;
+        nxEnum& parsed = value < nxErrorEnum::MinimumValue ? static_cast<nxEnum&>(parsedGeneric) : parsedError;
+        EXPECT_TRUE(parsed.SetFromString(known.GetShortDescription()));
+        EXPECT_EQ(parsed, value);
+        EXPECT_FALSE(known.GetLongDescription().empty());
+    }
+}
+
+TEST(nxEnum, AValueWithoutTextsSaysSo)
+{
+    for (const nxErrorEnum& error : {nxErrorEnum(1000112), nxErrorEnum(1999998)})
+    {
+        EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(error.GetValue()));
+        EXPECT_EQ(error.GetShortDescription(), "NOT_REGISTERED");
+        EXPECT_EQ(error.GetLongDescription(), "not registered");
+        EXPECT_EQ(&error.GetAsString(), &error.GetShortDescription());
+    }
+}
+
+TEST(nxEnum, RegistrationRefusesWhatIsTakenOrTooLong)
+{
+    const std::string sixtyFour(64, 'S');
+    struct Row
+    {
+        unsigned value;
+        std::string text;
+        bool result;
+    };
+    const Row rows[] = {
+        {3000001, "SESSION_OTHER", false},     // the value is taken
+        {3000010, "SESSION_DAY", false},       // the text is taken
+        {3000010, "NX_ERR_NOT_FOUND", false},  // by another class
+        {3000010, sixtyFour + "S", false},     // 65 characters
+        {3000010, sixtyFour, true},           {3000011, sixtyFour, false}, {3000012, "", true}, {3000013, "", false},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        const bool wasRegistered = nxEnum::IsRegisteredEnumValue(row.value);
+        EXPECT_EQ(SessionEnum::_Register(row.value, row.text, "any wording"), row.result);
+        EXPECT_EQ(nxEnum::IsRegisteredEnumValue(row.value), wasRegistered || row.result);
+    }
+    EXPECT_EQ(SessionEnum(SessionEnum::DAY).GetLongDescription(), "day session");
+    SessionEnum parsed;
+    EXPECT_FALSE(parsed.SetFromString("SESSION_OTHER"));
+    EXPECT_TRUE(parsed.SetFromString("SESSION_DAY"));
+    EXPECT_EQ(parsed, SessionEnum::DAY);
+    EXPECT_TRUE(parsed.SetFromString(sixtyFour));
+    EXPECT_EQ(parsed, 3000010u);
+}
+
+TEST(nxEnum, ListsTheRegisteredValuesOfAClassInOrder)
+{
+    const std::vector<nxEnumValue> expected{NX_BOOL_FALSE, NX_BOOL_TRUE};
+    std::vector<nxEnumValue> values{NX_ERR_INTERNAL};
+    nxBoolEnum().GetRegisteredEnumValuesForInstance(values);
+    EXPECT_EQ(values, expected);
+    std::set<nxEnumValue> set{NX_ERR_INTERNAL};
+    nxBoolEnum().GetRegisteredEnumValuesForInstance(set);
+    EXPECT_EQ(set, std::set<nxEnumValue>(expected.begin(), expected.end()));
+    EXPECT_EQ(Registered<nxBoolEnum>(), (std::vector<unsigned>{5001, 5002}));
+    EXPECT_EQ(Registered<nxErrorEnum>().size(), 581u);
+
+    // The generic class spans all the small ones; its bounds are part of the list.
+    nxGenericEnum().GetRegisteredEnumValuesForInstance(values);
+    EXPECT_EQ(values.front(), NX_ENUM_UNDEFINED);
+    EXPECT_EQ(values[2], NX_ENUM_NO_CHANGE);
+    EXPECT_EQ(values.back(), NX_API_CONNECTION_TYPE_DAEMON);
+    EXPECT_TRUE(std::is_sorted(values.begin(), values.end()));
+    EXPECT_EQ(Registered<nxGenericEnum>().size(), values.size() - 3);
+
+    EXPECT_TRUE(Registered<LastEnum>().empty());
+    ASSERT_TRUE(LastEnum::_Register(0xFFFFFFFF, "LAST_BOUND", ""));
+    ASSERT_TRUE(LastEnum::_Register(0xFFFFFFFE, "LAST", ""));
+    EXPECT_EQ(Registered<LastEnum>(), (std::vector<unsigned>{0xFFFFFFFE}));
+    LastEnum().GetRegisteredEnumValuesForInstance(values);
+    EXPECT_EQ(values, (std::vector<nxEnumValue>{nxEnumValue{0xFFFFFFFE}, nxEnumValue{0xFFFFFFFF}}));
+}
+
+TEST(nxEnum, SharedStatesAreReachedAndTold)
+{
+    nxBoolEnum value;
+    EXPECT_TRUE(value.IsUndefined());
+    EXPECT_FALSE(value.IsSpecificTypeForInstance());
+    EXPECT_EQ(value.GetShortDescription(), "UNDEFINED");
+    value.SetNoChange();
+    EXPECT_TRUE(value.IsNoChange());
+    EXPECT_FALSE(value.IsSpecificTypeForInstance());
+    EXPECT_EQ(value.GetLongDescription(), "no change");
+    value = NX_BOOL_TRUE;
+    EXPECT_TRUE(value.IsSpecificTypeForInstance());
+    EXPECT_EQ(value.GetEnumValue(), NX_BOOL_TRUE);
+    value.Clear();
+    EXPECT_TRUE(value.IsUndefined());
+    std::ostringstream stream;
+    stream << nxBoolEnum(NX_BOOL_FALSE) << ' ' << value;
+    EXPECT_EQ(stream.str(), "FALSE UNDEFINED");
+}
+
+TEST(nxEnum, ComparesValuesWithinAndAcrossClasses)
+{
+    const nxBoolEnum no(NX_BOOL_FALSE), yes(NX_BOOL_TRUE), undefined;
+    const nxGenericEnum generic(NX_BOOL_TRUE);
+    EXPECT_TRUE(yes == nxBoolEnum(yes) && yes == NX_BOOL_TRUE && yes == 5002u && yes == 5002 && yes == generic);
+    EXPECT_TRUE(NX_BOOL_TRUE == yes && 5002u == yes && generic == yes);
+    EXPECT_TRUE(yes != no && yes != NX_BOOL_FALSE && yes != 5001u && no != generic);
+    EXPECT_TRUE(undefined == nxErrorEnum());
+    EXPECT_TRUE(static_cast<const nxEnum&>(yes) == static_cast<const nxEnum&>(generic));
+    EXPECT_TRUE(static_cast<const nxEnum&>(yes) != NX_BOOL_FALSE && static_cast<const nxEnum&>(yes) == 5002u);
+    EXPECT_TRUE(no < yes && yes > no && no <= no && undefined < no);
+    const std::unordered_set<nxBoolEnum> set{no, yes, nxBoolEnum(yes)};
+    EXPECT_EQ(set.size(), 2u);
+    const std::set<nxBoolEnum> ordered{yes, no};
+    EXPECT_EQ(*ordered.begin(), no);
+}
+
+TEST(nxEnum, EveryClassHasItsNameAndBounds)
+{
+    const auto expect = [](auto value, const char* name, unsigned minimum, unsigned maximum)
+    {
+        EXPECT_EQ(value.GetClassName(), name);
+        EXPECT_EQ(decltype(value)::MinimumValue, minimum);
+        EXPECT_EQ(decltype(value)::MaximumValue, maximum);
+        EXPECT_EQ(sizeof value, 2 * sizeof(void*));
+    };
+    expect(nxGenericEnum(), "nxGenericEnum", 0, 999999);
+    expect(nxErrorEnum(), "nxErrorEnum", 1000000, 1999999);
+    expect(nxBoolEnum(), "nxBoolEnum", 5000, 5003);
+    expect(nxWorkpaceGroupTypeEnum(), "nxWorkpaceGroupTypeEnum", 18000, 18004);
+    expect(nxAPIConnectionTypeEnum(), "nxAPIConnectionTypeEnum", 19000, 19004);
+    expect(nxRoundingMethodEnum(), "nxRoundingMethodEnum", 7400, 7405);
+    expect(nxValueStatusEnum(), "nxValueStatusEnum", 240, 244);
+    expect(nxCaseSensitivityEnum(), "nxCaseSensitivityEnum", 25, 28);
+    expect(nxLogLevelEnum(), "nxLogLevelEnum", 30, 39);
+}
+
+#if defined(__x86_64__)
+TEST(nxEnum, HasItsThreeVirtualSlotsInTheirOrder)
+{
+    struct Opened : nxEnum
+    {
+        static auto Minimum() { return &Opened::_MinValue; }
+        static auto Maximum() { return &Opened::_MaxValue; }
+    };
+    // A pointer to a virtual member function holds the slot's offset plus one.
+    struct Pointer
+    {
+        std::uintptr_t function;
+        std::ptrdiff_t adjustment;
+    };
+    const auto slot = [](auto member) { return (std::bit_cast<Pointer>(member).function - 1) / sizeof(void*); };
+    EXPECT_EQ(slot(&nxEnum::GetClassName), 0u);
+    EXPECT_EQ(slot(Opened::Minimum()), 1u);
+    EXPECT_EQ(slot(Opened::Maximum()), 2u);
+}
+#endif
+
+// A plug-in registers thousands of values, which makes the tables grow, while threads look up old and new ones: what
+// they find is always whole, and what they found before stays.
+TEST(nxEnum, APluginRegistersWhileOtherThreadsLookUp)
+{
+    const std::string& kept = nxErrorEnum(NX_ERR_NOT_FOUND).GetShortDescription();
+    constexpr unsigned first = 4000001;
+    constexpr unsigned count = 5000;
+    std::atomic<bool> stop = false;
+    std::atomic<unsigned> started = 0;
+    std::atomic<unsigned> wrong = 0;
+    const auto look = [&](unsigned seed)
+    {
+        ++started;
+        for (unsigned i = seed; !stop; i = (i + 7) % count)
+        {
+            const std::string name = "PLUGIN_VALUE_" + std::to_string(i);
+            class PluginEnum final : public nxTypedEnum<PluginEnum, 4000000, 4010000>
+            {
+            public:
+                using nxTypedEnum::nxTypedEnum;
+                std::string GetClassName() const override { return "PluginEnum"; }
+            } value(nxEnumValue{first + i}), parsed;
+            const std::string& text = value.GetShortDescription();
+            const bool isParsed = parsed.SetFromString(name);
+            nxErrorEnum error;
+            wrong += (text != name && text != "NOT_REGISTERED") ||
+                     (isParsed ? parsed != value : !parsed.IsUndefined()) || !error.SetFromString("NX_ERR_NO_MATCH") ||
+                     nxProductStateBitMask(2).GetShortDescription(" ") != "CLOSED";
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i != 3; ++i)
+        threads.emplace_back(look, i * 1000);
+    while (started != threads.size())
+        std::this_thread::yield();
+    void* const plugin = dlopen(NX_TEST_PLUGIN, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(plugin, nullptr) << dlerror();
+    stop = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_TRUE(nxEnum::IsRegisteredEnumValue(first + count - 1));
+    EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(first + count));
+    EXPECT_EQ(&kept, &nxErrorEnum(NX_ERR_NOT_FOUND).GetShortDescription());
+    EXPECT_EQ(kept, "NX_ERR_NOT_FOUND");
+    dlclose(plugin);
+    EXPECT_TRUE(nxEnum::IsRegisteredEnumValue(first));
+}
+}  // namespace

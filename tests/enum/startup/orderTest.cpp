@@ -1,0 +1,39 @@
+// Built from the library's sources, so that the object below is initialised before all of theirs and destroyed after
+// them: texts are found all the same.
+#include <cstdio>
+#include <cstdlib>
+
+#include "core/enum/nxBoolEnum.h"
+#include "core/enum/nxErrorEnum.h"
+
+namespace
+{
+bool IsComplete()
+{
+    nxErrorEnum parsed;
+    std::vector<nxEnumValue> values;
+    nxErrorEnum().GetRegisteredEnumValuesForInstance(values);
+    return nxErrorEnum(1000112).GetShortDescription() == "NOT_REGISTERED" &&
+           nxErrorEnum(NX_ERR_NOT_FOUND).GetLongDescription() == "not found" &&
+           parsed.SetFromString("NX_ERR_NO_MATCH") && parsed == NX_ERR_NO_MATCH &&
+           nxEnum::IsRegisteredEnumValue(NX_BOOL_TRUE) && values.size() == 581;
+}
+
+struct EarlyAndLate
+{
+    EarlyAndLate() : wasComplete(IsComplete()) {}
+    ~EarlyAndLate()
+    {
+        if (!wasComplete || !IsComplete())
+        {
+            std::fputs("a text was missing before or after main\n", stderr);
+            std::_Exit(1);
+        }
+    }
+    bool wasComplete;
+};
+
+[[gnu::init_priority(101)]] const EarlyAndLate earlyAndLate;
+}  // namespace
+
+int main() { return IsComplete() ? 0 : 1; }
