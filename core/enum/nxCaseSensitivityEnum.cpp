@@ -1,13 +1,7 @@
 #include "core/enum/nxCaseSensitivityEnum.h"
 
-#include "core/enum/nxEnumRows.h"
-
 const bool nxCaseSensitivityEnum::_registered = _RegisterValues();
 
-bool nxCaseSensitivityEnum::_RegisterValues()
-{
-    const nxEnumRows rows = nxEnumRows::GetRange(MinimumValue + 1, MaximumValue - 1);
-    return _RegisterAll(rows.first, rows.last);
-}
+bool nxCaseSensitivityEnum::_RegisterValues() { return _RegisterListed(MinimumValue + 1, MaximumValue - 1); }
 
 std::string nxCaseSensitivityEnum::GetClassName() const { return "nxCaseSensitivityEnum"; }

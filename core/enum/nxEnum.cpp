@@ -1,22 +1,34 @@
 #include "core/enum/nxEnum.h"
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
 
 #include "core/enum/nxEnumRange.h"
-#include "core/enum/nxEnumRows.h"
 
 namespace
 {
+constexpr nxEnum::ValueTexts listedRows[] = {
+#define NX_ENUM_VALUE(constant, value, shortDescription, longDescription) {value, shortDescription, longDescription},
+#define NX_ERROR_CODE(value, identifier, wording) {value, #identifier, wording},
+#include "core/enum/nxEnumValues.inc"
+#include "core/enum/nxErrorCodes.inc"
+#undef NX_ENUM_VALUE
+#undef NX_ERROR_CODE
+};
+
+constexpr bool IsBelow(const nxEnum::ValueTexts& left, const nxEnum::ValueTexts& right)
+{
+    return left.value < right.value;
+}
+static_assert(std::is_sorted(std::begin(listedRows), std::end(listedRows), IsBelow), "the lists ascend");
+
 std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 }  // namespace
 
 const bool nxEnum::_registered = nxEnum::_RegisterValues();
 
-bool nxEnum::_RegisterValues()
-{
-    const nxEnumRows rows = nxEnumRows::GetRange(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE);
-    return _RegisterAll(rows.first, rows.last);
-}
+bool nxEnum::_RegisterValues() { return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE); }
 
 std::map<unsigned, std::pair<std::string, std::string>>& nxEnum::_Map()
 {
@@ -54,10 +66,16 @@ bool nxEnum::_RegisterAll(const ValueTexts* first, const ValueTexts* last)
     return true;
 }
 
+bool nxEnum::_RegisterListed(unsigned lowest, unsigned highest)
+{
+    return _RegisterAll(
+        std::lower_bound(std::begin(listedRows), std::end(listedRows), ValueTexts{lowest, "", ""}, IsBelow),
+        std::upper_bound(std::begin(listedRows), std::end(listedRows), ValueTexts{highest, "", ""}, IsBelow));
+}
+
 void nxEnum::_FillFromLists()
 {
-    static const nxEnumRows rows = nxEnumRows::GetAll();
-    static const bool isFilled = _RegisterAll(rows.first, rows.last);
+    static const bool isFilled = _RegisterAll(listedRows);
     static_cast<void>(isFilled);
 }
 

@@ -132,6 +132,9 @@ protected:
         return _RegisterAll(rows, rows + Count);
     }
 
+    /// Adds the rows of the library's own lists from @p lowest to @p highest, both included: what its classes register.
+    /// @return true.
+    static bool _RegisterListed(unsigned lowest, unsigned highest);
     /// Makes sure that the library's own values are registered, whichever initialiser runs first.
     static void _FillFromLists();
 

@@ -1,13 +1,7 @@
 #include "core/enum/nxErrorEnum.h"
 
-#include "core/enum/nxEnumRows.h"
-
 const bool nxErrorEnum::_registered = _RegisterValues();
 
-bool nxErrorEnum::_RegisterValues()
-{
-    const nxEnumRows rows = nxEnumRows::GetRange(MinimumValue + 1, MaximumValue - 1);
-    return _RegisterAll(rows.first, rows.last);
-}
+bool nxErrorEnum::_RegisterValues() { return _RegisterListed(MinimumValue + 1, MaximumValue - 1); }
 
 std::string nxErrorEnum::GetClassName() const { return "nxErrorEnum"; }

@@ -1,13 +1,7 @@
 #include "core/enum/nxLogLevelEnum.h"
 
-#include "core/enum/nxEnumRows.h"
-
 const bool nxLogLevelEnum::_registered = _RegisterValues();
 
-bool nxLogLevelEnum::_RegisterValues()
-{
-    const nxEnumRows rows = nxEnumRows::GetRange(MinimumValue + 1, MaximumValue - 1);
-    return _RegisterAll(rows.first, rows.last);
-}
+bool nxLogLevelEnum::_RegisterValues() { return _RegisterListed(MinimumValue + 1, MaximumValue - 1); }
 
 std::string nxLogLevelEnum::GetClassName() const { return "nxLogLevelEnum"; }

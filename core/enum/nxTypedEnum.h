@@ -90,17 +90,13 @@ public:
         return {lowest + 1, Maximum - 1};
     }
 
+    using nxEnum::operator==;  // with a value of any class, a constant or a number
     /// Equal when the values are.
-    friend bool operator==(const Derived& left, const Derived& right) { return left._EqualTo(right); }
-    /// @copydoc operator==(const Derived&, const Derived&)
-    friend bool operator==(const Derived& left, nxEnumValue right) { return left._EqualTo(right); }
-    /// @copydoc operator==(const Derived&, const Derived&)
-    friend bool operator==(const Derived& left, unsigned right) { return left._EqualTo(right); }
+    bool operator==(const nxTypedEnum& other) const { return _EqualTo(other); }
     /// Ordered by value.
-    friend std::strong_ordering operator<=>(const Derived& left, const Derived& right)
-    {
-        return left.GetValue() <=> right.GetValue();
-    }
+    std::strong_ordering operator<=>(const nxTypedEnum& other) const { return GetValue() <=> other.GetValue(); }
+    /// Ordered by value.
+    std::strong_ordering operator<=>(nxEnumValue value) const { return GetValue() <=> static_cast<unsigned>(value); }
 
 protected:
     ~nxTypedEnum() = default;

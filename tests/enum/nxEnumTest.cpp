@@ -288,6 +288,7 @@ TEST(nxEnum, ComparesValuesWithinAndAcrossClasses)
     EXPECT_TRUE(static_cast<const nxEnum&>(yes) == static_cast<const nxEnum&>(generic));
     EXPECT_TRUE(static_cast<const nxEnum&>(yes) != NX_BOOL_FALSE && static_cast<const nxEnum&>(yes) == 5002u);
     EXPECT_TRUE(no < yes && yes > no && no <= no && undefined < no);
+    EXPECT_TRUE(no < NX_BOOL_TRUE && NX_BOOL_FALSE < yes && yes >= NX_BOOL_TRUE);
     const std::unordered_set<nxBoolEnum> set{no, yes, nxBoolEnum(yes)};
     EXPECT_EQ(set.size(), 2u);
     const std::set<nxBoolEnum> ordered{yes, no};
