@@ -24,16 +24,23 @@ def std_string(value):
     return value["_M_dataplus"]["_M_p"].string(length=size, errors="backslashreplace")
 
 
+def read_word(address, size=8):
+    """An unsigned number at an address of the program."""
+    return int.from_bytes(gdb.selected_inferior().read_memory(address, size).tobytes(), "little")
+
+
 def enum_identifier(number):
     """The registered short description; else the name of the constant; else the number."""
     try:
-        pages = gdb.parse_and_eval("nxEnumTable::_pages")
-        page = (pages + number // ENUM_PAGE).dereference()["_M_b"]["_M_p"]
-        if page:
-            texts = page["texts"][number % ENUM_PAGE]["_M_b"]["_M_p"]
-            if texts:
-                return std_string(texts["first"])
-    except gdb.error:
+        # nxEnumTable: a pointer to pages; a page begins with a pointer to the texts of each value; texts begin with a
+        # std::string, that is, with address and size.
+        pages = int(gdb.parse_and_eval("(unsigned long)_ZN11nxEnumTable6_pagesE"))
+        page = read_word(pages + 8 * (number // ENUM_PAGE))
+        texts = read_word(page + 8 * (number % ENUM_PAGE)) if page else 0
+        if texts:
+            size = read_word(texts + 8)
+            return gdb.selected_inferior().read_memory(read_word(texts), size).tobytes().decode("utf-8", "backslashreplace")
+    except (gdb.error, gdb.MemoryError):
         pass
     try:
         for field in gdb.lookup_type("nxEnumValue").fields():
