@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "core/log/nxLogMacros.h"
 #include "core/platform/nxDeadline.h"
 
 nxErrorEnum nxConditionRaw::TimedWait(nxMutex& mutex, double seconds)
@@ -24,5 +25,9 @@ nxErrorEnum nxConditionRaw::InitialiseAsShared()
             result = pthread_cond_init(&_condition, &attributes);
         pthread_condattr_destroy(&attributes);
     }
-    return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
+    if (result == 0)
+        return nxErrorEnum();
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxConditionRaw", 62)
+        << "Condition could not be created in shared memory. Result : " << result;
+    return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }

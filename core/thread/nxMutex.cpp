@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "core/log/nxLogMacros.h"
 #include "core/platform/nxRobustMutex.h"
 
 namespace
@@ -14,7 +15,10 @@ int InitialiseShared(pthread_mutex_t& mutex, pthread_mutexattr_t& attributes, bo
     if (result == 0)
         result = pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
     if (result == 0 && robust)
+    {
         result = pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+        NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxMutex", 107) << "Set Robust attribute. result: " << result;
+    }
     if (result == 0)
         result = pthread_mutex_init(&mutex, &attributes);
     return result;
@@ -46,7 +50,11 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
         result = InitialiseShared(_mutex, attributes, robust);
         pthread_mutexattr_destroy(&attributes);
     }
-    return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
+    if (result == 0)
+        return nxErrorEnum();
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxMutex", 127)
+        << "Mutex could not be created in shared memory. Result : " << result;
+    return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
 int nxMutex::_LockRobust() noexcept { return nxRobustMutex::Lock(_mutex); }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "core/log/nxLogMacros.h"
 #include "core/platform/nxDeadline.h"
 
 // Zeroed first: should the initialisation fail, the other operations find a defined object.
@@ -14,8 +15,11 @@ nxSemaphore::nxSemaphore(unsigned initialCount) : _semaphore()
 nxErrorEnum nxSemaphore::InitialiseAsShared(unsigned initialCount)
 {
     _semaphore = sem_t();
-    if (sem_init(&_semaphore, 1, initialCount) == 0)
+    const int result = sem_init(&_semaphore, 1, initialCount);
+    if (result == 0)
         return nxErrorEnum();
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxSemaphore", 87)
+        << "Semaphore could not be created in shared memory. Result : " << result;
     return nxErrorEnum(NX_ERR_THR_UNSUPPORTED);
 }
 

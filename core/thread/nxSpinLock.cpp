@@ -2,10 +2,14 @@
 
 #include <cerrno>
 
+#include "core/log/nxLogMacros.h"
+
 nxErrorEnum nxSpinLock::InitialiseAsShared()
 {
     if (pthread_spin_init(&_lock, PTHREAD_PROCESS_SHARED) == 0)
         return nxErrorEnum();
+    // The text speaks of a semaphore; those who search logs for it know it so.
+    NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxSpinLock", 43) << "Semaphore error";
     return nxErrorEnum(NX_ERR_INTERNAL);
 }
 

@@ -1,0 +1,282 @@
+// Conditions, spin lock, reader-writer lock and barrier between threads.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include "core/thread/nxBarrier.h"
+#include "core/thread/nxCondition.h"
+#include "core/thread/nxConditionMutex.h"
+#include "core/thread/nxConditionRaw.h"
+#include "core/thread/nxMutexGuard.h"
+#include "core/thread/nxReaderWriterLockGuard_Read.h"
+#include "core/thread/nxReaderWriterLockGuard_Write.h"
+#include "core/thread/nxSpinLockGuard.h"
+#include "tests/support/nxSanitizer.h"
+#include "tests/support/nxSystemCallFault.h"
+
+namespace
+{
+// What `operation` returns in another thread.
+template <class Operation>
+nxErrorEnum InAnotherThread(Operation operation)
+{
+    nxErrorEnum error;
+    std::thread([&] { error = operation(); }).join();
+    return error;
+}
+
+template <class Wait>
+nxErrorEnum UntilAccepted(Wait wait)
+{
+    nxErrorEnum error = wait();
+    while (error == NX_ERR_UNSPECIFIED)
+        error = wait();
+    return error;
+}
+
+// Four threads, each of which adds to a plain number 20,000 times under `Guard`.
+template <class Guard, class Lock>
+void ExpectMutualExclusion()
+{
+    Lock lock;
+    long count = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back(
+            [&]
+            {
+                for (int n = 0; n < 20'000; ++n)
+                {
+                    const Guard guard(lock);
+                    ++count;
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(count, 80'000);
+}
+}  // namespace
+
+TEST(locks, GuardsExcludeEachOther)
+{
+    ExpectMutualExclusion<nxMutexGuard, nxMutex>();
+    ExpectMutualExclusion<nxSpinLockGuard, nxSpinLock>();
+    ExpectMutualExclusion<nxReaderWriterLockGuard_Write, nxReaderWriterLock>();
+}
+
+TEST(nxConditionMutex, PassesEveryItemFromProducerToConsumers)
+{
+    constexpr int items = 2'000;
+    nxConditionMutex ready;
+    int queued = 0;
+    int taken = 0;
+    std::vector<std::thread> consumers;
+    for (int i = 0; i < 2; ++i)
+    {
+        consumers.emplace_back(
+            [&]
+            {
+                nxMutexGuard guard(ready);
+                while (taken + queued != items || queued != 0)
+                {
+                    while (queued == 0 && taken != items && ready.Wait().IsOK())
+                    {
+                    }
+                    if (queued == 0)
+                        break;
+                    --queued;
+                    ++taken;
+                }
+                ready.Signal();
+            });
+    }
+    for (int i = 0; i < items; ++i)
+    {
+        nxMutexGuard guard(ready);
+        ++queued;
+        EXPECT_TRUE(ready.Signal().IsOK());
+    }
+    for (std::thread& consumer : consumers)
+        consumer.join();
+    EXPECT_EQ(taken, items);
+}
+
+TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwards)
+{
+    nxConditionMutex condition;
+    std::atomic<bool> woken{false};
+    std::thread waiter(
+        [&]
+        {
+            EXPECT_TRUE(condition.LockAndWait().IsOK());
+            woken = true;
+            EXPECT_TRUE(condition.Unlock().IsOK());
+        });
+    while (!woken)
+        condition.Signal();
+    waiter.join();
+}
+
+TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
+{
+    nxCondition condition;
+    EXPECT_TRUE(condition.Signal().IsOK());
+    EXPECT_EQ(UntilAccepted([&] { return condition.TimedWait(0.02); }), NX_ERR_THR_TIMEDOUT) << "the signal is lost";
+    EXPECT_EQ(UntilAccepted([&] { return condition.TimedWait(std::chrono::milliseconds(2)); }), NX_ERR_THR_TIMEDOUT);
+    for (const double past : {0.0, -3.0})
+        EXPECT_EQ(condition.TimedWait(past), NX_ERR_THR_TIMEDOUT);
+
+    std::atomic<int> waiting{3};
+    const auto waitFor = [&](double seconds)
+    {
+        EXPECT_TRUE(UntilAccepted([&] { return condition.TimedWait(seconds); }).IsOK());
+        --waiting;
+    };
+    std::vector<std::thread> waiters;
+    waiters.emplace_back(waitFor, 60.0);
+    waiters.emplace_back(waitFor, 1e300);
+    waiters.emplace_back(
+        [&]
+        {
+            EXPECT_TRUE(condition.Wait().IsOK());
+            --waiting;
+        });
+    while (waiting != 0)
+        EXPECT_TRUE((waiting == 3 ? condition.Signal() : condition.SignalAll()).IsOK());
+    for (std::thread& waiter : waiters)
+        waiter.join();
+}
+
+TEST(nxConditionRaw, WaitsOnTheCallersMutex)
+{
+    nxConditionRaw condition;
+    nxMutex mutex;
+    bool ready = false;
+    std::thread signaller(
+        [&]
+        {
+            nxMutexGuard guard(mutex);
+            ready = true;
+            EXPECT_TRUE(condition.SignalAll().IsOK());
+        });
+    {
+        nxMutexGuard guard(mutex);
+        while (!ready && condition.Wait(mutex).IsOK())
+        {
+        }
+        EXPECT_EQ(UntilAccepted([&]() NX_NO_THREAD_SAFETY_ANALYSIS { return condition.TimedWait(mutex, 0.002); }),
+                  NX_ERR_THR_TIMEDOUT);
+        EXPECT_EQ(InAnotherThread([&] { return mutex.TryLock(); }), NX_ERR_THR_LOCKED) << "held after the time-out";
+    }
+    signaller.join();
+}
+
+TEST(locks, ConditionsRefuseADeadlineOfExactlyOneSecondOfNanoseconds)
+{
+    const nxFixedWallClock clock(1'700'000'000, 750'000'000);
+    nxCondition condition;
+    EXPECT_EQ(condition.TimedWait(0.25), NX_ERR_UNSPECIFIED);
+    EXPECT_EQ(condition.TimedWait(0.249), NX_ERR_THR_TIMEDOUT);
+    EXPECT_EQ(condition.TimedWait(0.251), NX_ERR_THR_TIMEDOUT);
+    nxConditionRaw raw;
+    nxMutex mutex;
+    nxMutexGuard guard(mutex);
+    EXPECT_EQ(raw.TimedWait(mutex, 0.25), NX_ERR_UNSPECIFIED);
+    EXPECT_EQ(raw.TimedWait(mutex, std::chrono::milliseconds(251)), NX_ERR_THR_TIMEDOUT);
+}
+
+TEST(nxSpinLock, TryLockOfALockThatIsHeld)
+{
+    nxSpinLock lock;
+    ASSERT_TRUE(lock.InitialiseAsShared().IsOK());
+    ASSERT_TRUE(lock.TryLock().IsOK());
+    EXPECT_EQ(InAnotherThread([&] { return lock.TryLock(); }), NX_ERR_THR_LOCKED);
+    lock.AssertHeld();
+    EXPECT_TRUE(lock.Unlock().IsOK());
+}
+
+TEST(nxReaderWriterLock, ManyReadersOrOneWriter)
+{
+    nxReaderWriterLock lock;
+    const auto tryRead = [&]
+    {
+        const nxErrorEnum error = lock.TryReadLock();
+        if (error.IsOK())
+        {
+            lock.AssertHeldForReading();
+            lock.ReadUnlock();
+        }
+        return error;
+    };
+    const auto tryWrite = [&]
+    {
+        const nxErrorEnum error = lock.TryWriteLock();
+        if (error.IsOK())
+        {
+            lock.AssertHeld();
+            lock.WriteUnlock();
+        }
+        return error;
+    };
+    {
+        nxReaderWriterLockGuard_Read reader(lock);
+        EXPECT_TRUE(InAnotherThread(tryRead).IsOK());
+        EXPECT_EQ(InAnotherThread(tryWrite), NX_ERR_THR_LOCKED);
+    }
+    {
+        nxReaderWriterLockGuard_Write writer(lock);
+        EXPECT_EQ(InAnotherThread(tryRead), NX_ERR_THR_LOCKED);
+        EXPECT_EQ(InAnotherThread(tryWrite), NX_ERR_THR_LOCKED);
+    }
+    EXPECT_TRUE(InAnotherThread(tryWrite).IsOK());
+}
+
+TEST(nxReaderWriterLock, AWriterThatAsksAgainIsToldThatItIsLocked)
+{
+    nxReaderWriterLock lock;
+    [&]() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        ASSERT_TRUE(lock.WriteLock().IsOK());
+        EXPECT_EQ(lock.WriteLock(), NX_ERR_THR_LOCKED);
+        EXPECT_EQ(lock.ReadLock(), NX_ERR_THR_LOCKED);
+        {
+            const nxReaderWriterLockGuard_Read inner(lock);
+        }
+        EXPECT_EQ(InAnotherThread([&] { return lock.TryReadLock(); }), NX_ERR_THR_LOCKED) << "a guard that failed";
+        EXPECT_TRUE(lock.WriteUnlock().IsOK());
+    }();
+}
+
+TEST(nxBarrier, NobodyPassesBeforeAllHaveCome)
+{
+    constexpr int rounds = 200;
+    nxBarrier barrier(3);
+    std::atomic<int> arrived{0};
+    const auto walk = [&]
+    {
+        for (int round = 1; round <= rounds; ++round)
+        {
+            ++arrived;
+            EXPECT_TRUE(barrier.Wait().IsOK());
+            EXPECT_GE(arrived, 3 * round);
+            EXPECT_TRUE(barrier.Wait().IsOK());
+        }
+    };
+    std::thread first(walk);
+    std::thread second(walk);
+    walk();
+    first.join();
+    second.join();
+}
+
+TEST(nxBarrier, OfNoThreadsOrTooManyHoldsNobody)
+{
+    for (const unsigned count : {0U, 1U, 4294967295U})
+        EXPECT_TRUE(nxBarrier(count).Wait().IsOK());
+}
