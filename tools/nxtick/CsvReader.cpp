@@ -83,7 +83,7 @@ std::vector<std::string> CsvRow::GetFields() const
     }
 }
 
-CsvReader::CsvReader(Source source) : _source(std::move(source)), _buffer(maximumRowSize) {}
+CsvReader::CsvReader(Source source, std::size_t maximumRowSize) : _source(std::move(source)), _buffer(maximumRowSize) {}
 
 bool CsvReader::Next(CsvRow& row)
 {
@@ -172,7 +172,7 @@ bool CsvReader::_Refill()
     }
     if (_end == _buffer.size())
         throw FileFailure(std::to_string(_line) + ": the row that begins here is longer than " +
-                          std::to_string(maximumRowSize) + " bytes" +
+                          std::to_string(_buffer.size()) + " bytes" +
                           (_rowHasQuotes ? "; is a quote never closed?" : ""));
     const std::size_t size = _source(_buffer.data() + _end, _buffer.size() - _end);
     _atEnd = size == 0;

@@ -43,11 +43,13 @@ public:
     /// Failure.
     using Source = std::function<std::size_t(char*, std::size_t)>;
 
-    /// A row may be this long; more is taken for a quote that somebody forgot to close.
-    static constexpr std::size_t maximumRowSize = std::size_t{1} << 20;
+    static constexpr std::size_t usualMaximumRowSize = std::size_t{1} << 20;
 
     /// @param source is called once for each block and lives at least as long as the reader.
-    explicit CsvReader(Source source);
+    /// @param maximumRowSize a row may be this long, its line end included; more is taken for a quote that somebody
+    /// forgot
+    ///        to close. The memory that the reader takes.
+    explicit CsvReader(Source source, std::size_t maximumRowSize = usualMaximumRowSize);
 
     /// Reads the next row; empty lines are rows with empty content.
     /// @return false at the end of the input.

@@ -1,0 +1,182 @@
+// The rows of a price file: finding them and their price field, and snapping the price.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "CsvReader.h"
+#include "PriceGrid.h"
+#include "PriceSnapper.h"
+
+#if defined(NX_BENCHMARK_HAS_LIBCSV)
+    #include <csv.h>
+#endif
+
+namespace
+{
+constexpr std::int64_t rowCount = 100'000;
+constexpr std::size_t priceColumn = 2;
+
+// A day of trades: date, symbol, price, volume.
+const std::string& File()
+{
+    static const std::string file = []
+    {
+        std::mt19937_64 random(1);
+        std::string text = "Date,Symbol,Price,Volume\n";
+        for (std::int64_t i = 0; i < rowCount; ++i)
+        {
+            const auto cents = static_cast<unsigned>(random() % 2'000'000);
+            text += "2020-04-20,WTI," + std::to_string(cents / 100) + "." +
+                    std::to_string(100 + cents % 100).substr(1) + "," + std::to_string(random() % 5000) + "\n";
+        }
+        return text;
+    }();
+    return file;
+}
+
+// The file in blocks, as the system would give it.
+nxtick::CsvReader::Source Blocks()
+{
+    return [done = std::size_t{0}](char* buffer, std::size_t size) mutable
+    {
+        const std::size_t count = std::min(size, File().size() - done);
+        std::memcpy(buffer, File().data() + done, count);
+        done += count;
+        return count;
+    };
+}
+
+void ReadOurs(benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        nxtick::CsvReader reader(Blocks());
+        nxtick::CsvRow row;
+        std::string scratch;
+        std::string_view field;
+        while (reader.Next(row))
+            if (row.GetField(priceColumn, scratch, field))
+                benchmark::DoNotOptimize(field);
+    }
+    state.SetItemsProcessed(state.iterations() * rowCount);
+}
+BENCHMARK(ReadOurs)->Name("csv_read/ours")->Unit(benchmark::kMillisecond);
+
+// Line ends and nothing else.
+void ReadMemchr(benchmark::State& state)
+{
+    std::string block(File().size(), '\0');
+    for (auto _ : state)
+    {
+        std::memcpy(block.data(), File().data(), File().size());
+        const char* from = block.data();
+        const char* const end = from + block.size();
+        while (const void* const found = std::memchr(from, '\n', static_cast<std::size_t>(end - from)))
+        {
+            benchmark::DoNotOptimize(found);
+            from = static_cast<const char*>(found) + 1;
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * rowCount);
+}
+BENCHMARK(ReadMemchr)->Name("csv_read/limit_memchr")->Unit(benchmark::kMillisecond);
+
+#if defined(NX_BENCHMARK_HAS_LIBCSV)
+struct Column
+{
+    std::size_t at = 0;
+};
+
+void ReadLibcsv(benchmark::State& state)
+{
+    const auto field = [](void* text, std::size_t, void* column)
+    {
+        if (static_cast<Column*>(column)->at++ == priceColumn)
+            benchmark::DoNotOptimize(text);
+    };
+    const auto row = [](int, void* column) { static_cast<Column*>(column)->at = 0; };
+    for (auto _ : state)
+    {
+        csv_parser parser;
+        Column column;
+        csv_init(&parser, 0);
+        csv_parse(&parser, File().data(), File().size(), field, row, &column);
+        csv_fini(&parser, field, row, &column);
+        csv_free(&parser);
+    }
+    state.SetItemsProcessed(state.iterations() * rowCount);
+}
+BENCHMARK(ReadLibcsv)->Name("csv_read/peer_libcsv")->Unit(benchmark::kMillisecond);
+#endif
+
+void SnapOurs(benchmark::State& state)
+{
+    std::string out;
+    out.reserve(2 * File().size());
+    for (auto _ : state)
+    {
+        out.clear();
+        nxtick::FixedGrid grid(nxDecimal("0.05", '.'));
+        nxtick::PriceSnapper snapper(
+            grid, nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST), [&](std::string_view text) { out.append(text); },
+            [](std::uint64_t, const std::string&) {});
+        nxtick::CsvReader reader(Blocks());
+        nxtick::CsvRow row;
+        if (reader.Next(row))
+            snapper.Header(row, "Price");
+        while (reader.Next(row))
+            snapper.Row(row);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * rowCount);
+}
+BENCHMARK(SnapOurs)->Name("csv_snap/ours")->Unit(benchmark::kMillisecond);
+
+// What one would write by hand with doubles, inexact as they are: the same reader, the same columns.
+void SnapDouble(benchmark::State& state)
+{
+    constexpr double increment = 0.05;
+    std::string out;
+    out.reserve(2 * File().size());
+    for (auto _ : state)
+    {
+        out.clear();
+        nxtick::CsvReader reader(Blocks());
+        nxtick::CsvRow row;
+        std::string scratch;
+        std::string_view field;
+        const auto add = [&out](double value)
+        {
+            char text[32];
+            const auto result = std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed, 2);
+            out += ',';
+            out.append(text, result.ptr);
+        };
+        while (reader.Next(row))
+        {
+            double price = 0;
+            out.append(row.content);
+            if (row.GetField(priceColumn, scratch, field) &&
+                std::from_chars(field.data(), field.data() + field.size(), price).ec == std::errc())
+            {
+                const double snapped = std::floor(price / increment + 0.5) * increment;
+                add(increment);
+                add(snapped);
+                add(snapped - price);
+            }
+            out.append(row.terminator);
+        }
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * rowCount);
+}
+BENCHMARK(SnapDouble)->Name("csv_snap/peer_double")->Unit(benchmark::kMillisecond);
+}  // namespace
