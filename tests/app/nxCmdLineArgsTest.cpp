@@ -12,6 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogManager.h"
+#include "core/testing/nxCapturingLogDevice.h"
+
 namespace
 {
 using Map = std::map<std::string, std::string>;
@@ -285,5 +289,70 @@ TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
         reader.join();
     EXPECT_EQ(torn, 0);
     ::unsetenv(name.c_str());
+}
+
+// What reached the log since the device was made, beside the records of others.
+Words Texts(const nxCapturingLogDevice& log, const Words& wanted)
+{
+    for (const std::string& text : wanted)
+        EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains(text))) << text;
+    Words texts;
+    for (const nxCapturedRecord& record : log.GetRecords())
+        texts.push_back(record.text);
+    return texts;
+}
+
+TEST(nxCmdLineArgs, DumpWritesOneRecordAnEntryAndHidesPasswords)
+{
+    const Args args({"prog", "-user", "jane", "-dbPassword", "hunter2", "-empty", "-x", "a\r\nb\x1b[2J"},
+                    {"QRX_DB_PASSWORD=hunter2", "MY_SECRET_KEY=hunter2", "api_token=hunter2", "LAST=1"});
+    nxCapturingLogDevice log;
+    args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_WARNING));
+    EXPECT_EQ(Texts(log, {"LAST = 1"}), (Words{"Command Line Args:", "dbPassword = ***", "empty = ", "user = jane",
+                                               "x = a\\x0D\\x0Ab\\x1B[2J", "Environment Variables:", "LAST = 1",
+                                               "MY_SECRET_KEY = ***", "QRX_DB_PASSWORD = ***", "api_token = ***"}));
+    EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING)), 10U);
+}
+
+TEST(nxCmdLineArgs, SetEnvValueTellsTheLog)
+{
+    const std::string name = "NX_TEST_TOLD_" + std::to_string(::getpid());
+    Args args;
+    nxCapturingLogDevice log;
+    EXPECT_TRUE(args.SetEnvValue(name, "1"));
+    EXPECT_FALSE(args.SetEnvValue("", "1"));
+    EXPECT_EQ(Texts(log, {"Failed to change environment variable."}),
+              (Words{"Successfully changed environment variable.", "Failed to change environment variable."}));
+    ::unsetenv(name.c_str());
+}
+
+// A device that asks for settings while it writes, as a file device does.
+class AskingDevice : public nxLogDevice
+{
+public:
+    explicit AskingDevice(const nxCmdLineArgs& args) : _args(args)
+    {
+        nxLogManager::GetInstance().RegisterLogDevice(this);
+    }
+    ~AskingDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
+    void Write(const nxLog&) override { answered += _args.GetEnvValue("A") == "1" ? 1 : 0; }
+    void Flush() override {}
+    void Destroy() override {}
+
+    std::atomic<int> answered{0};
+
+private:
+    const nxCmdLineArgs& _args;
+};
+
+TEST(nxCmdLineArgs, LogsWithoutHoldingItsMutex)
+{
+    Args args({}, {"A=1"});
+    const AskingDevice device(args);
+    const nxCapturingLogDevice after;  // is written to behind the other
+    args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));
+    args.SetEnvValue("", "");
+    EXPECT_TRUE(after.WaitFor(nxCapturingLogDevice::Contains("Failed to change environment variable.")));
+    EXPECT_EQ(device.answered, 4);
 }
 }  // namespace
