@@ -62,6 +62,8 @@
 #include "core/enum/nxUserOrderFlagsBitMask.h"
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/enum/nxWorkpaceGroupTypeEnum.h"
+#include "core/log/nxConsoleLogDevice.h"
+#include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogCharLenPair.h"
 #include "core/log/nxLogDevice.h"

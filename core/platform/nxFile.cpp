@@ -1,6 +1,7 @@
 #include "core/platform/nxFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -66,6 +67,14 @@ private:
     sigset_t _before;
 };
 
+// For a stream that somebody else has set not to block. False when it has taken nothing for a second.
+bool WaitForRoom(int descriptor)
+{
+    constexpr int milliseconds = 1'000;
+    pollfd stream{descriptor, POLLOUT, 0};
+    return poll(&stream, 1, milliseconds) == 1;
+}
+
 // The same open file under a number above those of the standard streams: where these were closed, a new file would
 // take their place and receive what other code prints.
 int MoveAboveStandardStreams(int descriptor)
@@ -117,6 +126,8 @@ int nxFile::WriteTo(int descriptor, const char* data, std::size_t size, std::siz
             written += static_cast<std::size_t>(taken);
         else if (taken == 0)
             return ENOSPC;  // a device that takes nothing and gives no reason is full
+        else if (errno == EAGAIN && WaitForRoom(descriptor))
+            continue;
         else if (errno != EINTR)
             return errno;
     }
@@ -129,6 +140,12 @@ void nxFile::Close()
 {
     if (_descriptor >= 0)
         close(std::exchange(_descriptor, -1));
+}
+
+bool nxFile::IsUnlinked() const
+{
+    struct stat status{};
+    return IsOpen() && fstat(_descriptor, &status) == 0 && status.st_nlink == 0;
 }
 
 int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size)

@@ -39,6 +39,9 @@ public:
 
     void Close();
 
+    /// Whether the open file has no name any more: somebody removed it, and what is written to it will be lost.
+    bool IsUnlinked() const;
+
     /// Writes to a descriptor that belongs to somebody else, as Write() does.
     static int WriteTo(int descriptor, const char* data, std::size_t size, std::size_t& written);
 

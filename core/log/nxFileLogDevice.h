@@ -1,0 +1,96 @@
+#ifndef CORE_LOG_NXFILELOGDEVICE_H
+#define CORE_LOG_NXFILELOGDEVICE_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogLineSink.h"
+#include "core/nxExport.h"
+#include "core/text/nxValueWrapper.h"
+#include "core/thread/nxMutex.h"
+
+/// The log file of the process.
+///
+/// Each record is one line, "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]" and CR LF; the thread's
+/// index in the third brackets only while nxLogManager::GetLogThreadIndex(). Files are named
+/// `directory/05Mar2024/application_090703_4711_1.log`: the local date on which the file was opened, the application's
+/// name, the time at which the process was started, its number, and a sequence number. A file is always a new one; one
+/// that exists is never opened. The file is for its owner to write and for the group to read.
+///
+/// - A new file is begun when one has grown beyond the maximum size, by CloseAndReopenLogFile(), and if
+///   QRX_LOG_RECREATE_ON_CHANGE_OF_DATE asks for it with the first record of a new local day.
+/// - Lines wait in a buffer (QRX_LOG_FILE_BUFF_SIZE_MB) until it is full or Flush() is called; warnings and worse, and
+///   records that are written immediately, do not wait. A line is in the file completely or not at all.
+/// - Errors: nothing fails for those who log. What goes wrong is told on the error stream, once until it is right
+///   again: a directory or file that cannot be created, a file that cannot be written (a full disk) or was removed.
+///   Meanwhile lines wait in the buffer; those that find no room are lost, counted, and told in the log afterwards.
+///   Every second, when records come, the device tries again.
+/// - Threads: every operation may be called at any time from any thread.
+/// - Ownership: one object per process, never destroyed.
+/// @code
+/// nxFileLogDevice::GetInstance().Create(nxValueWrapper<unsigned long long>(100'000'000));  // bytes
+/// NX_LOG(NX_LOG_LEVEL_INFO) << "started";
+/// nxFileLogDevice::GetInstance().Destroy();
+/// @endcode
+class NX_CORE_API nxFileLogDevice final : public nxLogDevice, private nxLogLineSink
+{
+public:
+    /// The directory for log files when QRX_LOG_DIRECTORY is not set. The same text on every platform: where it is not
+    /// that of a drive, it is the name of a directory in the current one.
+    static constexpr const char* DefaultDirectory = "c:\\corvane\\log";
+
+    /// The process's one file device, made on first use.
+    static nxFileLogDevice& GetInstance();
+
+    /// Reads the settings, opens a log file and registers the device with the log manager.
+    /// @param maximumFileSize bytes beyond which a new file is begun; null, no change and 0 mean no limit.
+    /// @return false when a log file is open already, then nothing changes; and when none could be opened, then the
+    ///         device is at work nevertheless and goes on trying.
+    bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize);
+
+    /// Writes a record, and hands it to the operating system with all before it.
+    void Write(const nxLog& record) override;
+
+    /// Hands all lines to the operating system.
+    void Flush() override;
+
+    /// Takes the device from the log manager, writes what waits and closes the file. Create() may be called again.
+    void Destroy() override;
+
+    /// Closes the file and opens the next one. At the info level, the last line of the old file names it and the first
+    /// line of the new file names both; these two count for no file's size. Does nothing before Create().
+    void CloseAndReopenLogFile();
+
+    /// The beginning of a file name: directory, local date and the application's name (that of the program when
+    /// nxApplicationData has none), e.g. "/var/log/05Mar2024/application".
+    std::string GenerateLogDirectoryFilenamePrefix() const;
+
+    /// The name that the next file will have unless there is such a file: the prefix, start time, process number and
+    /// the sequence number, e.g. "/var/log/05Mar2024/application_090703_4711_1.log".
+    std::string GenerateFileName() const;
+
+    /// The name of the open file; empty when there is none.
+    std::string GetFileName() const;
+
+    /// Lines that could not be written since the process was started.
+    std::uint64_t GetLostLines() const;
+
+private:
+    class State;
+
+    nxFileLogDevice();
+    ~nxFileLogDevice() override;
+
+    nxLogLineStyle GetLineStyle() const override;
+    void WriteLines(const nxLogLineBatch& batch) override;
+    void BeforeFork() override NX_NO_THREAD_SAFETY_ANALYSIS;
+    void AfterForkInParent() override NX_NO_THREAD_SAFETY_ANALYSIS;
+    void AfterForkInChild() override;
+
+    mutable nxMutex _mutex;  // guards the state, except in a child that was just forked
+    std::unique_ptr<State> _state;
+};
+
+#endif
