@@ -62,6 +62,7 @@
 #include "core/enum/nxUserOrderFlagsBitMask.h"
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/enum/nxWorkpaceGroupTypeEnum.h"
+#include "core/log/internal/nxLogLineFile.h"
 #include "core/log/nxConsoleLogDevice.h"
 #include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLog.h"

@@ -371,7 +371,7 @@ namespace
 {
 // Devices may not throw; where there is no memory for a line or a file name, that line or file is not written.
 template <class Action>
-void WithoutThrowing(const Action& action) noexcept
+void WithoutThrowing(const Action& action)
 {
     try
     {
