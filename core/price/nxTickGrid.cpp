@@ -1,6 +1,7 @@
 #include "core/price/nxTickGrid.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 
 #include "core/numeric/nxPowersOfTen.h"
@@ -10,10 +11,10 @@ namespace
 constexpr unsigned char maxPlaces = 15;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
-std::uint64_t Power(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
+constexpr std::uint64_t Power(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
 
 // ceil(2^(63 + shift) / divisor), where 2^shift is the largest power of two not above the divisor: then
-// (2n * reciprocal) >> (64 + shift) is n / divisor for every n up to nxTickZone::MaxScaled.
+// (2n * reciprocal) >> (64 + shift) is n / divisor for every n below 2^50.
 void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned char& shift)
 {
     shift = static_cast<unsigned char>(std::bit_width(divisor) - 1);
@@ -21,37 +22,125 @@ void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned ch
     reciprocal = static_cast<std::uint64_t>(((Wide{1} << (63 + shift)) + divisor - 1) / divisor);
 }
 
-nxTickZone::Range MakeRange(std::uint64_t first, std::uint64_t last)
+// The largest magnitude that stays within nxTickZone::MaxScaled when it gets so many more places.
+constexpr auto maxExact = []
 {
-    return first <= last ? nxTickZone::Range{first, last - first} : nxTickZone::Range{};
-}
+    std::array<std::uint64_t, maxPlaces + 1> limits{};
+    for (unsigned places = 0; places <= maxPlaces; ++places)
+        limits[places] = nxTickZone::MaxScaled / Power(places);
+    return limits;
+}();
 
 // Takes the common scale's codes of ends to magnitudes of one number of places.
-struct Scale
+class Scale
 {
-    std::uint64_t power;  // between the two scales
-    bool isFiner;         // whether the prices have more places than the common scale
-
-    std::uint64_t MaxExact() const { return isFiner ? nxTickZone::MaxScaled : nxTickZone::MaxScaled / power; }
-
-    // Where a magnitude lies among the codes: 2x on a point x of the common scale, 2x + 1 behind it. A magnitude beyond
-    // MaxExact() lies behind all codes.
-    std::uint64_t Position(std::uint64_t magnitude) const
+public:
+    Scale(unsigned commonPlaces, unsigned places)
+        : _difference(places > commonPlaces ? places - commonPlaces : commonPlaces - places),
+          _power(Power(_difference)),
+          _isFiner(places > commonPlaces)
     {
-        if (magnitude > MaxExact())
-            return UINT64_MAX;
-        return isFiner ? 2 * (magnitude / power) + (magnitude % power != 0 ? 1 : 0) : 2 * magnitude * power;
     }
 
-    // The largest magnitude whose position is not behind the code, but MaxExact() at most.
-    std::uint64_t LastAt(std::uint64_t code) const
+    std::uint64_t GetPower() const { return _power; }
+    // Whether the prices have more places than the common scale.
+    bool IsFiner() const { return _isFiner; }
+    // The largest magnitude of which all is known that the rules ask.
+    std::uint64_t GetMaxExact() const { return _isFiner ? nxTickZone::MaxScaled : maxExact[_difference]; }
+
+    // Where a magnitude lies among the codes: 2x on a point x of the common scale, 2x + 1 behind it; behind all codes
+    // when it is beyond GetMaxExact().
+    std::uint64_t GetPosition(std::uint64_t magnitude) const
     {
-        if (!isFiner)
-            return std::min(code / (2 * power), MaxExact());
+        if (magnitude > GetMaxExact())
+            return UINT64_MAX;
+        return _isFiner ? 2 * (magnitude / _power) + (magnitude % _power != 0 ? 1 : 0) : 2 * magnitude * _power;
+    }
+
+    // The largest magnitude whose position is not behind the code, but GetMaxExact() at most.
+    std::uint64_t GetLastAt(std::uint64_t code) const
+    {
+        if (_difference == 0)
+            return std::min(code / 2, GetMaxExact());
+        if (!_isFiner)
+            return std::min(code / (2 * _power), GetMaxExact());
         const std::uint64_t point = code / 2 + code % 2;
-        return point > MaxExact() / power ? MaxExact() : point * power - code % 2;
+        return point > maxExact[_difference] ? GetMaxExact() : point * _power - code % 2;
+    }
+
+private:
+    unsigned _difference;
+    std::uint64_t _power;
+    bool _isFiner;
+};
+
+// Where a stretch lies, in magnitudes of one number of places.
+struct Extent
+{
+    std::uint64_t first;      // 0 for the first stretch, which lies on both sides of 0
+    std::uint64_t last;       // as far as the tick is known
+    std::uint64_t lastExact;  // as far as everything is
+    std::uint64_t firstInwards;
+    bool isNegative;
+    bool isFirst;
+    bool isTop;
+
+    nxTickZone::Range MakeRange(std::uint64_t from, std::uint64_t to) const
+    {
+        if (isFirst)
+            return {0 - to, 2 * to};
+        return {isNegative ? 0 - to : from, to - from};
     }
 };
+
+void SetRounding(const Extent& extent, const Scale& scale, std::uint64_t divisor, nxTickZone& zone)
+{
+    if (extent.first > extent.lastExact)
+        return;
+    zone.roundingPlaces = zone.places;
+    zone.rounding = extent.MakeRange(extent.first, extent.lastExact);
+    zone.factor[0] = 2 * static_cast<std::int64_t>(scale.IsFiner() ? 1 : scale.GetPower());
+    zone.factor[1] = -zone.factor[0];
+    zone.tick[0] = zone.increment->GetValue();
+    zone.tick[1] = -zone.tick[0];
+    // Down, up, nearest and modified nearest; on the magnitude of a negative price the first two change places.
+    zone.bias[0] = zone.bias[5] = 0;
+    zone.bias[1] = zone.bias[4] = 2 * (divisor - 1);
+    zone.bias[2] = zone.bias[6] = divisor / 2 * 2;
+    zone.bias[3] = zone.bias[7] = (divisor - 1) / 2 * 2;
+}
+
+// A step adds at the price's own scale. With the very places of the tick that is exact whatever the size, but the
+// comparison with the band below subtracts at the common scale and must not come near an overflow there.
+void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
+{
+    const unsigned morePlaces = static_cast<unsigned>(zone.places - zone.tickPlaces);
+    const std::uint64_t tick = nxTickZone::Magnitude(zone.increment->GetValue());
+    if (zone.places < zone.tickPlaces || tick > maxExact[morePlaces])
+        return;
+    const std::uint64_t step = tick * Power(morePlaces);
+    const std::uint64_t last = morePlaces == 0 ? extent.last : extent.lastExact;
+    if (extent.isFirst)
+    {
+        if (2 * last < step)
+            return;
+        zone.up = {0 - last, 2 * last - step};
+        zone.down = {step - last, 2 * last - step};
+    }
+    else
+    {
+        const std::uint64_t firstInwards = std::max(extent.firstInwards, step);
+        const std::uint64_t lastInwards = morePlaces == 0 && extent.isTop ? maxMagnitude / 2 / scale.GetPower() : last;
+        if (last < extent.first + step || lastInwards < firstInwards)
+            return;
+        const nxTickZone::Range outwards = extent.MakeRange(extent.first, last - step);
+        const nxTickZone::Range inwards = extent.MakeRange(firstInwards, lastInwards);
+        zone.up = extent.isNegative ? inwards : outwards;
+        zone.down = extent.isNegative ? outwards : inwards;
+    }
+    zone.step = static_cast<std::int64_t>(step);
+    zone.steppingPlaces = zone.places;
+}
 }  // namespace
 
 void nxTickGrid::Build(const Bands& bands)
@@ -99,7 +188,7 @@ bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
 
 void nxTickGrid::_AddStretch(std::uint64_t end, std::size_t band, const nxDecimal& increment, bool hasOwnTick)
 {
-    Stretch stretch;
+    _Stretch stretch;
     stretch.increment = &increment;
     _ScaleUp(increment, stretch.divisor);
     SetReciprocal(stretch.divisor, stretch.reciprocal, stretch.shift);
@@ -120,65 +209,61 @@ bool nxTickGrid::_ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const
     return magnitude <= nxTickZone::MaxScaled / power;
 }
 
-bool nxTickGrid::Locate(const nxDecimal& price, nxTickZone& zone) const
+std::size_t nxTickGrid::Find(const nxDecimal& price) const
 {
     const unsigned char places = price.GetDecimalPlaces();
+    if (_ends.empty() || places > maxPlaces)
+        return NotFound;
+    const Scale scale(_places, places);
     const std::uint64_t magnitude = nxTickZone::Magnitude(price.GetValue());
-    const bool isFiner = places > _places;
-    const Scale scale{Power(isFiner ? places - _places : _places - places), isFiner};
     // A coarse price beyond the exact ones is still above all bounds; a fine one need not be.
-    if (_ends.empty() || places > maxPlaces || magnitude > (isFiner ? scale.MaxExact() : maxMagnitude))
-        return false;
+    if (magnitude > (scale.IsFiner() ? scale.GetMaxExact() : maxMagnitude))
+        return NotFound;
 
-    const std::uint64_t position = scale.Position(magnitude);
-    std::size_t index = 0;
-    for (const std::uint64_t end : _ends)
-        index += end < position ? 1 : 0;
-    const Stretch& stretch = _stretches[index];
-    const bool isTop = index + 1 == _ends.size();
-    const std::uint64_t first = index == 0 ? 0 : scale.LastAt(_ends[index - 1]) + 1;
-    const std::uint64_t lastExact = scale.LastAt(_ends[index]);
-    const std::uint64_t last = isTop && !isFiner ? maxMagnitude : lastExact;
+    // The first end that is not before the price; there is one, as the last is before none. Without branches, because
+    // prices that come here are those that could not be foretold.
+    const std::uint64_t position = scale.GetPosition(magnitude);
+    std::size_t first = 0;
+    for (std::size_t count = _ends.size(); count > 1; count -= count / 2)
+        first += _ends[first + count / 2 - 1] < position ? count / 2 : 0;
+    return first;
+}
 
-    nxTickZone found;
-    found.prices = MakeRange(first, last);
-    found.increment = stretch.increment;
-    found.band = stretch.band;
-    found.places = places;
-    found.tick = stretch.increment->GetValue();
-    found.tickPlaces = stretch.increment->GetDecimalPlaces();
+void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zone) const
+{
+    const unsigned char places = price.GetDecimalPlaces();
+    const Scale scale(_places, places);
+    const _Stretch& stretch = _stretches[index];
+    Extent extent;
+    extent.isNegative = price.IsNegative();
+    extent.isFirst = index == 0;
+    extent.isTop = index + 1 == _ends.size();
+    extent.first = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1]) + 1;
+    extent.lastExact = scale.GetLastAt(_ends[index]);
+    extent.last = extent.isTop && !scale.IsFiner() ? maxMagnitude : extent.lastExact;
+    // On the point where this band's tick begins a step towards zero still goes by the band below.
+    extent.firstInwards = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1] + 1) + 1;
 
-    // Rounding divides at the finer of the two scales.
-    found.factor = isFiner ? 1 : scale.power;
-    found.divisor = stretch.divisor;
-    found.reciprocal = stretch.reciprocal;
-    found.shift = stretch.shift;
-    if (!isFiner)
-        found.rounding = MakeRange(first, lastExact);
-    else if (stretch.divisor <= nxTickZone::MaxScaled / scale.power)
+    // Every member is written once, and singly: a copy would wait for the writes.
+    zone.prices = extent.MakeRange(extent.first, extent.last);
+    zone.places = places;
+    zone.roundingPlaces = nxTickZone::NoPlaces;
+    zone.steppingPlaces = nxTickZone::NoPlaces;
+    zone.band = stretch.band;
+    zone.increment = stretch.increment;
+    zone.tickPlaces = stretch.increment->GetDecimalPlaces();
+    if (!scale.IsFiner())
     {
-        found.divisor = stretch.divisor * scale.power;
-        SetReciprocal(found.divisor, found.reciprocal, found.shift);
-        found.rounding = found.prices;
+        zone.reciprocal = stretch.reciprocal;
+        zone.shift = stretch.shift;
+        SetRounding(extent, scale, stretch.divisor, zone);
     }
-
-    // Stepping adds at the price's own scale. With the very places of the tick that is exact whatever the size, but the
-    // comparison with the band below subtracts at the common scale and must not come near an overflow there.
-    if (stretch.hasOwnTick && places >= found.tickPlaces &&
-        static_cast<std::uint64_t>(found.tick) <= nxTickZone::MaxScaled / Power(places - found.tickPlaces))
+    else if (stretch.divisor <= nxTickZone::MaxScaled / scale.GetPower())
     {
-        const auto step = static_cast<std::uint64_t>(found.tick) * Power(places - found.tickPlaces);
-        const bool isExact = places == found.tickPlaces;
-        const std::uint64_t outwardsLast = isExact ? last : lastExact;
-        const std::uint64_t inwardsLast =
-            isExact && isTop && index != 0 ? maxMagnitude / 2 / scale.power : outwardsLast;
-        // On the point where this band's tick begins a step towards zero still goes by the band below.
-        const std::uint64_t inwardsFirst = index == 0 ? 0 : scale.LastAt(_ends[index - 1] + 1) + 1;
-        found.step = static_cast<std::int64_t>(step);
-        if (outwardsLast >= step)
-            found.outwards = MakeRange(first, outwardsLast - step);
-        found.inwards = MakeRange(std::max(inwardsFirst, step), inwardsLast);
+        const std::uint64_t divisor = stretch.divisor * scale.GetPower();
+        SetReciprocal(divisor, zone.reciprocal, zone.shift);
+        SetRounding(extent, scale, divisor, zone);
     }
-    zone = found;
-    return true;
+    if (stretch.hasOwnTick)
+        SetSteps(extent, scale, zone);
 }

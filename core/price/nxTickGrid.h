@@ -13,9 +13,9 @@
 /// applications; a table keeps one beside its bands.
 ///
 /// The rules of a table are made of decimal comparisons and additions, which go through doubles across scales. For
-/// operands of at most 15 places and less than 2^49 units those are exact, and integers decide the same. Locate()
+/// operands of at most 15 places and less than 2^49 units those are exact, and integers decide the same. Find()
 /// declines everything else.
-/// - Threads: Build() excludes everything; Locate() may run in any number of threads.
+/// - Threads: Build() excludes everything; the rest may run in any number of threads.
 /// - Ownership: points into the bands it was built from.
 class nxTickGrid
 {
@@ -27,14 +27,20 @@ public:
     /// @param bands outlives the grid; after a change it needs another Build().
     void Build(const Bands& bands);
 
-    /// Finds the stretch around a price. A price without a value counts as 0.
-    /// @return false, with @p zone unchanged, for a price that needs the decimal rules.
-    bool Locate(const nxDecimal& price, nxTickZone& zone) const;
+    /// What Find() returns for a price that needs the decimal rules.
+    static constexpr std::size_t NotFound = SIZE_MAX;
+
+    /// @return the stretch that holds the price; a price without a value counts as 0.
+    std::size_t Find(const nxDecimal& price) const;
+    /// @return the index of the band that a found stretch lies in.
+    std::size_t GetBand(std::size_t stretch) const { return _stretches[stretch].band; }
+    /// Makes @p zone the stretch that Find() gave for @p price.
+    void Fill(std::size_t stretch, const nxDecimal& price, nxTickZone& zone) const;
 
 private:
     // One stretch at the common scale. Two make a band: the prices less than one lower tick above the lower bound,
     // which still take the lower tick, and the rest.
-    struct Stretch
+    struct _Stretch
     {
         const nxDecimal* increment = nullptr;
         std::uint64_t divisor = 0;
@@ -50,7 +56,7 @@ private:
 
     // Where the stretches end, ascending: 2x for an end at x that belongs to its stretch, 2x - 1 for one that does not.
     std::vector<std::uint64_t> _ends;
-    std::vector<Stretch> _stretches;
+    std::vector<_Stretch> _stretches;
     unsigned char _places = 0;
 };
 

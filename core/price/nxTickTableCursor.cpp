@@ -1,5 +1,16 @@
 #include "core/price/nxTickTableCursor.h"
 
+bool nxTickTableCursor::_Relocate(const nxDecimal& price)
+{
+    if (_zone.Contains(price))
+        return true;
+    const std::size_t stretch = _table->_grid.Find(price);
+    if (stretch == nxTickGrid::NotFound)
+        return false;
+    _table->_grid.Fill(stretch, price, _zone);
+    return true;
+}
+
 nxVariableTickTable::iterator nxTickTableCursor::_FindRange(const nxDecimal& price)
 {
     if (_Relocate(price))
@@ -7,7 +18,7 @@ nxVariableTickTable::iterator nxTickTableCursor::_FindRange(const nxDecimal& pri
     return _table->_Scan(nxVariableTickTable::_Magnitude(price));
 }
 
-const nxDecimal& nxTickTableCursor::_FindTick(const nxDecimal& price)
+const nxDecimal& nxTickTableCursor::_FindTick(nxDecimal price)
 {
     if (_Relocate(price))
         return *_zone.increment;
@@ -22,7 +33,7 @@ unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
     return band == _table->_ranges.end() ? static_cast<unsigned char>(0) : band->second.GetDecimalPlaces();
 }
 
-void nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal& price)
+nxDecimal nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal price)
 {
     while (ticks != 0 && price.IsValid())
     {
@@ -30,11 +41,12 @@ void nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal& price)
         if (done == 0)
         {
             if (!_StepByDecimals(up, price))
-                return;
+                break;
             done = 1;
         }
         ticks -= done;
     }
+    return price;
 }
 
 // False when the price stays as it is, as it then does at every further step.
@@ -51,8 +63,9 @@ bool nxTickTableCursor::_StepByDecimals(bool up, nxDecimal& price)
     return price.GetValue() != before.GetValue() || price.GetDecimalPlaces() != before.GetDecimalPlaces();
 }
 
-void nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal& price)
+nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal price)
 {
     if (price.IsValid() && !(_Relocate(price) && _zone.Round(method, price)))
         price.Round(_FindTick(price), method);
+    return price;
 }

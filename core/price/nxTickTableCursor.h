@@ -35,27 +35,30 @@ public:
     /// Moves the price up by one tick.
     void Increment(nxDecimal& price)
     {
-        if (!price.IsValid() || _zone.Step(true, 1, price) == 0)
-            _Step(true, 1, price);
+        if (_zone.Step(true, 1, price) == 0) [[unlikely]]
+            price = _Step(true, 1, price);
     }
     /// Moves the price down by one tick.
     void Decrement(nxDecimal& price)
     {
-        if (!price.IsValid() || _zone.Step(false, 1, price) == 0)
-            _Step(false, 1, price);
+        if (_zone.Step(false, 1, price) == 0) [[unlikely]]
+            price = _Step(false, 1, price);
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing.
     void Increment(nxDecimal& price, int ticks)
     {
-        const auto count = static_cast<std::int64_t>(ticks);
-        _Step(ticks > 0, static_cast<std::uint64_t>(ticks > 0 ? count : -count), price);
+        const bool isUp = ticks > 0;
+        const auto count = static_cast<std::uint64_t>(isUp ? std::int64_t{ticks} : -std::int64_t{ticks});
+        const std::uint64_t done = ticks != 0 ? _zone.Step(isUp, count, price) : 0;
+        if (done != count)
+            price = _Step(isUp, count - done, price);
     }
 
     /// Rounds the price to a multiple of the tick at it.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price)
     {
-        if (!price.IsValid() || !_zone.Round(method, price))
-            _Round(method, price);
+        if (!_zone.Round(method, price)) [[unlikely]]
+            price = _Round(method, price);
     }
 
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
@@ -68,12 +71,14 @@ private:
 
     nxTickTableCursor(const nxVariableTickTable& table, const nxTickZone& zone) : _table(&table), _zone(zone) {}
 
-    bool _Relocate(const nxDecimal& price) { return _zone.Contains(price) || _table->_grid.Locate(price, _zone); }
+    bool _Relocate(const nxDecimal& price);
     nxVariableTickTable::iterator _FindRange(const nxDecimal& price);
-    const nxDecimal& _FindTick(const nxDecimal& price);
-    void _Step(bool up, std::uint64_t ticks, nxDecimal& price);
     bool _StepByDecimals(bool up, nxDecimal& price);
-    void _Round(const nxRoundingMethodEnum& method, nxDecimal& price);
+
+    // By value, so that the caller's price can stay in registers.
+    const nxDecimal& _FindTick(nxDecimal price);
+    nxDecimal _Step(bool up, std::uint64_t ticks, nxDecimal price);
+    nxDecimal _Round(const nxRoundingMethodEnum& method, nxDecimal price);
 
     const nxVariableTickTable* _table;
     nxTickZone _zone;

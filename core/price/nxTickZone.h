@@ -1,6 +1,7 @@
 #ifndef CORE_PRICE_NXTICKZONE_H
 #define CORE_PRICE_NXTICKZONE_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "core/enum/nxRoundingMethodEnum.h"
@@ -9,114 +10,106 @@
 /// A stretch of prices of one number of decimal places that lie in one band and share one tick, as plain integers: what
 /// a tick table or a cursor remembers of its last search. Not for applications; nxTickGrid makes it.
 ///
-/// Prices are told by their magnitude, the mantissa without its sign. Every operation either gives to the last place
-/// what the slow decimal rules give, or declines and touches nothing.
+/// Every operation either gives to the last place what the decimal rules give, or declines and touches nothing.
 /// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
 struct nxTickZone
 {
-    /// The magnitudes from first to first + span; empty as it is made.
+    /// Mantissas from a first to a last one, both included.
     struct Range
     {
-        std::uint64_t first = UINT64_MAX;  // no magnitude is that large
-        std::uint64_t span = 0;
+        std::uint64_t first = 0;  ///< As unsigned, so that one comparison tests both ends.
+        std::uint64_t span = 0;   ///< Last minus first.
 
-        bool Contains(std::uint64_t magnitude) const { return magnitude - first <= span; }
-        std::uint64_t Last() const { return first + span; }
+        bool Contains(std::int64_t mantissa) const { return static_cast<std::uint64_t>(mantissa) - first <= span; }
+        /// @return how many mantissas of the range lie above @p mantissa, which is in it.
+        std::uint64_t CountAbove(std::int64_t mantissa) const
+        {
+            return first + span - static_cast<std::uint64_t>(mantissa);
+        }
+        /// @return how many mantissas of the range lie below @p mantissa, which is in it.
+        std::uint64_t CountBelow(std::int64_t mantissa) const { return static_cast<std::uint64_t>(mantissa) - first; }
     };
 
-    Range prices;                          ///< The stretch.
-    Range rounding;                        ///< Where Round() may work.
-    Range outwards;                        ///< From where one step away from zero stays in the band.
-    Range inwards;                         ///< From where one step towards zero uses this band's tick.
-    std::uint64_t factor = 0;              ///< Brings a magnitude to the scale of divisor.
-    std::uint64_t divisor = 1;             ///< One tick.
-    std::uint64_t reciprocal = 0;          ///< ceil(2^(63 + shift) / divisor).
-    std::int64_t tick = 0;                 ///< The mantissa of the increment.
-    std::int64_t step = 0;                 ///< One tick at the places of the stretch.
-    const nxDecimal* increment = nullptr;  ///< The tick, in the table's own band.
-    std::uint32_t band = 0;                ///< Index of the band that holds the stretch.
-    unsigned char places = 0;              ///< Decimal places of the prices.
-    unsigned char tickPlaces = 0;          ///< Decimal places of the increment.
-    unsigned char shift = 0;
-
-    /// Magnitudes below this divide exactly by the reciprocal.
+    /// No decimal has this scale: what the zone cannot do, it does for no price.
+    static constexpr std::uint16_t NoPlaces = UINT16_MAX;
+    /// Larger scaled magnitudes are not divided by the reciprocal.
     static constexpr std::uint64_t MaxScaled = (std::uint64_t{1} << 49) - 1;
 
+    Range prices;                             ///< The stretch.
+    Range rounding;                           ///< Where Round() works.
+    Range up;                                 ///< From where a step up goes by this zone's tick and stays in its band.
+    Range down;                               ///< The same for a step down.
+    std::uint16_t places = NoPlaces;          ///< Decimal places of the prices.
+    std::uint16_t roundingPlaces = NoPlaces;  ///< The same, or NoPlaces when Round() declines.
+    std::uint16_t steppingPlaces = NoPlaces;  ///< The same, or NoPlaces when Step() declines.
+    unsigned char tickPlaces = 0;             ///< Decimal places of the increment.
+    unsigned char shift = 0;                  ///< Of the division by one tick.
+    std::uint32_t band = 0;                   ///< Index of the band.
+    const nxDecimal* increment = nullptr;     ///< The tick, in the table's own band.
+    std::int64_t step = 0;                    ///< One tick at the places of the prices.
+    std::uint64_t reciprocal = 0;             ///< ceil(2^(63 + shift) / one tick at the scale of the division).
+
+    // For positive prices, then for negative ones.
+    std::int64_t factor[2] = {};  ///< Takes a price to twice its magnitude at the scale of the division.
+    std::int64_t tick[2] = {};    ///< Takes the magnitude in ticks to the rounded price.
+    std::uint64_t bias[8] = {};   ///< Added before the division, one for each rounding method.
+
+    /// Makes the zone one that holds no price.
+    void Clear() { places = roundingPlaces = steppingPlaces = NoPlaces; }
+
+    /// @return the number without its sign, 2^63 for the most negative one.
     static std::uint64_t Magnitude(std::int64_t mantissa)
     {
         const auto sign = static_cast<std::uint64_t>(mantissa >> 63);
         return (static_cast<std::uint64_t>(mantissa) ^ sign) - sign;
     }
 
-    /// A price without a value counts as 0.
+    /// @return false for a price without a value.
     bool Contains(const nxDecimal& price) const
     {
-        return price.GetDecimalPlaces() == places && prices.Contains(Magnitude(price.GetValue()));
+        return price.GetScale() == places && prices.Contains(price.GetValue());
     }
 
-    /// Rounds a valid price to a multiple of the tick.
-    /// @return false, with the price unchanged, when the price is outside or the method is none of the four.
+    /// Rounds a price to a multiple of the tick.
+    /// @return false, with the price unchanged, when it is outside or not valid, or the method is none of the four.
     bool Round(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
         const std::int64_t value = price.GetValue();
-        const std::uint64_t magnitude = Magnitude(value);
-        if (price.GetDecimalPlaces() != places || !rounding.Contains(magnitude))
+        const std::size_t index = method.GetValue() - std::size_t{NX_ROUNDING_METHOD_DOWN};
+        if (price.GetScale() != roundingPlaces || !rounding.Contains(value) || index > 3)
             return false;
-        const std::uint64_t roundsUp = _LeastRestThatRoundsOutwards(method, value < 0);
-        if (roundsUp == 0)
-            return false;
-        const std::uint64_t scaled = magnitude * factor;
-        const std::uint64_t whole = _MultiplyHigh(2 * scaled, reciprocal) >> shift;
-        const std::uint64_t rest = scaled - whole * divisor;
-        const std::int64_t rounded = static_cast<std::int64_t>(whole + (rest >= roundsUp ? 1 : 0)) * tick;
-        price = nxDecimal::ConstructFromValueAndDecimalPlaces(value < 0 ? -rounded : rounded, tickPlaces);
+        const std::size_t side = value < 0 ? 1 : 0;
+        const std::uint64_t scaled = static_cast<std::uint64_t>(value * factor[side]) + bias[4 * side + index];
+        const auto ticks = static_cast<std::int64_t>(_MultiplyHigh(scaled, reciprocal) >> shift);
+        price = nxDecimal::ConstructFromValueAndDecimalPlaces(ticks * tick[side], tickPlaces);
         return true;
     }
 
-    /// Moves a valid price up (or down) by as many of @p wanted ticks as provably stay by the rules of this band.
-    /// @return the ticks moved, 0 when even the first one needs the slow rules.
-    std::uint64_t Step(bool up, std::uint64_t wanted, nxDecimal& price) const
+    /// Moves a price up (or down) by as many of @p wanted ticks as provably stay by the rules of this band.
+    /// @return the ticks moved, 0 when even the first one needs the decimal rules.
+    std::uint64_t Step(bool isUp, std::uint64_t wanted, nxDecimal& price) const
     {
         const std::int64_t value = price.GetValue();
-        const std::uint64_t magnitude = Magnitude(value);
-        const bool isOutwards = up == (value >= 0);
-        const Range& range = isOutwards ? outwards : inwards;
-        if (price.GetDecimalPlaces() != places || !range.Contains(magnitude))
+        const Range& range = isUp ? up : down;
+        if (price.GetScale() != steppingPlaces || !range.Contains(value))
             return 0;
         // Places beyond the tick's are dropped after a step while the last digit is 0.
-        if (places != tickPlaces && magnitude % 10 == 0)
+        if (steppingPlaces != tickPlaces && value % 10 == 0)
             return 0;
         std::uint64_t ticks = 1;
         if (wanted > 1)
         {
-            const std::uint64_t room = isOutwards ? range.Last() - magnitude : magnitude - range.first;
+            const std::uint64_t room = isUp ? range.CountAbove(value) : range.CountBelow(value);
             const std::uint64_t possible = room / static_cast<std::uint64_t>(step) + 1;
             ticks = wanted < possible ? wanted : possible;
         }
         const std::int64_t distance = static_cast<std::int64_t>(ticks) * step;
-        price = nxDecimal::ConstructFromValueAndDecimalPlaces(up ? value + distance : value - distance, places);
+        price = nxDecimal::ConstructFromValueAndDecimalPlaces(isUp ? value + distance : value - distance,
+                                                              static_cast<unsigned char>(steppingPlaces));
         return ticks;
     }
 
 private:
-    // The least remainder of a division by the tick that goes to the multiple away from zero; 0 for an unknown method.
-    std::uint64_t _LeastRestThatRoundsOutwards(const nxRoundingMethodEnum& method, bool isNegative) const
-    {
-        switch (method.GetValue())
-        {
-            case NX_ROUNDING_METHOD_DOWN:
-                return isNegative ? 1 : divisor;
-            case NX_ROUNDING_METHOD_UP:
-                return isNegative ? divisor : 1;
-            case NX_ROUNDING_METHOD_NEAREST:
-                return divisor - divisor / 2;
-            case NX_ROUNDING_METHOD_MODIFIED_NEAREST:
-                return divisor / 2 + 1;
-            default:
-                return 0;
-        }
-    }
-
     static std::uint64_t _MultiplyHigh(std::uint64_t a, std::uint64_t b)
     {
         __extension__ typedef unsigned __int128 Product;

@@ -11,7 +11,7 @@ nxVariableTickTable::~nxVariableTickTable() = default;
 void nxVariableTickTable::_SetCache(iterator range) const
 {
     _cache = range;
-    _zone = nxTickZone();
+    _zone.Clear();
 }
 
 void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal& increment)
@@ -19,7 +19,7 @@ void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal
     const nxMutexGuard guard(_lock);
     _ranges.emplace_back(upperBound, increment);
     _cache = _ranges.begin();
-    _zone = nxTickZone();
+    _zone.Clear();
     _grid.Build(_ranges);
 }
 
@@ -106,15 +106,15 @@ nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& p
 
 bool nxVariableTickTable::_Relocate(const nxDecimal& price) const
 {
-    nxTickZone zone;
-    if (!_grid.Locate(price, zone))
+    const std::size_t stretch = _grid.Find(price);
+    if (stretch == nxTickGrid::NotFound)
         return false;
-    const iterator band = _ranges.begin() + zone.band;
+    const iterator band = _ranges.begin() + static_cast<std::ptrdiff_t>(_grid.GetBand(stretch));
     if (band != _cache)
         _SetCache(band);
     if (band != _cache)  // an override has not remembered it
         return false;
-    _zone = zone;
+    _grid.Fill(stretch, price, _zone);
     return true;
 }
 
@@ -184,32 +184,34 @@ void nxVariableTickTable::_StepFrom(iterator band, bool up, nxDecimal& price) co
         price.InvertSign();
 }
 
-void nxVariableTickTable::_StepSlowly(bool up, nxDecimal& price) const
+nxDecimal nxVariableTickTable::_StepSlowly(bool up, nxDecimal price) const
 {
     if (!price.IsValid())
-        return;
+        return price;
     {
         const nxMutexGuard guard(_lock);
         if (!_zone.Contains(price) && _Relocate(price) && _zone.Step(up, 1, price) != 0)
-            return;
+            return price;
     }
     const iterator band = _FindRange(price);
     if (band == _ranges.end())
         _ReportUnknownBand();
     else
         _StepFrom(band, up, price);
+    return price;
 }
 
-void nxVariableTickTable::_RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal& price) const
+nxDecimal nxVariableTickTable::_RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const
 {
     if (!price.IsValid())
-        return;
+        return price;
     {
         const nxMutexGuard guard(_lock);
         if (!_zone.Contains(price) && _Relocate(price) && _zone.Round(method, price))
-            return;
+            return price;
     }
     price.Round(_GetIncrementForPrice(price), method);
+    return price;
 }
 
 nxTickTableCursor nxVariableTickTable::_StartCursor(const nxDecimal& price) const

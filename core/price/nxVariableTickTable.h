@@ -73,14 +73,14 @@ public:
     /// Moves the price up by one tick.
     void Increment(nxDecimal& price) const
     {
-        if (!_StepInZone(true, price))
-            _StepSlowly(true, price);
+        if (!_StepInZone(true, price)) [[unlikely]]
+            price = _StepSlowly(true, price);
     }
     /// Moves the price down by one tick.
     void Decrement(nxDecimal& price) const
     {
-        if (!_StepInZone(false, price))
-            _StepSlowly(false, price);
+        if (!_StepInZone(false, price)) [[unlikely]]
+            price = _StepSlowly(false, price);
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
@@ -94,8 +94,8 @@ public:
     /// the next band. Nothing happens when @p method is none of the four.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
-        if (!_RoundInZone(method, price))
-            _RoundSlowly(method, price);
+        if (!_RoundInZone(method, price)) [[unlikely]]
+            price = _RoundSlowly(method, price);
     }
     /// Rounds each price. Takes the lock once.
     void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
@@ -163,15 +163,16 @@ private:
     bool _StepInZone(bool up, nxDecimal& price) const
     {
         const nxMutexGuard guard(_lock);
-        return price.IsValid() && _zone.Step(up, 1, price) != 0;
+        return _zone.Step(up, 1, price) != 0;
     }
     bool _RoundInZone(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
         const nxMutexGuard guard(_lock);
-        return price.IsValid() && _zone.Round(method, price);
+        return _zone.Round(method, price);
     }
-    void _StepSlowly(bool up, nxDecimal& price) const;
-    void _RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+    // By value, so that the caller's price can stay in registers.
+    nxDecimal _StepSlowly(bool up, nxDecimal price) const;
+    nxDecimal _RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const;
 
     std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;
     mutable nxMutex _lock;

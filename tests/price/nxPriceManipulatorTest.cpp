@@ -1,0 +1,67 @@
+#include "core/price/nxPriceManipulator.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "core/price/nxVariableTickTableContainer.h"
+
+namespace
+{
+nxDecimal D(const char* text) { return nxDecimal(text, '.'); }
+}  // namespace
+
+TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
+{
+    nxPriceManipulator variable;
+    ASSERT_TRUE(variable.SetVariableTickTable("VTT_EURONEXT_07").IsOK());
+    struct Row
+    {
+        nxPriceManipulator manipulator;
+        const char *price, *rounded, *tick, *up2, *down;
+    };
+    const Row rows[] = {
+        {variable, "9.9985", "9.999", "0.001", "10.0045", "9.9975"},
+        {variable, "50.007", "50.01", "0.01", "50.027", "49.997"},
+        {nxPriceManipulator(D("0.05")), "9.99", "10.00", "0.05", "10.09", "9.94"},
+        {nxPriceManipulator(D("0.05")), "-9.9", "-9.90", "0.05", "-9.80", "-9.95"},
+        {nxPriceManipulator(), "9.99", "9.99", "NULL", "9.99", "9.99"},
+        {nxPriceManipulator(D("0")), "9.99", "9.99", "0", "9.99", "9.99"},
+        {nxPriceManipulator(D("-0.05")), "9.99", "9.99", "-0.05", "9.99", "9.99"},
+        {nxPriceManipulator(D("0.05")), "", "NULL", "0.05", "NULL", "NULL"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.price);
+        const nxPriceManipulator& manipulator = row.manipulator;
+        nxDecimal rounded = D(row.price), up = rounded, down = rounded, same = rounded;
+        rounded.Round(manipulator, nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP));
+        manipulator.Increment(up, 2);
+        manipulator.Decrement(down);
+        manipulator.Increment(same, 0);
+        EXPECT_EQ(rounded.GetAsLogString('.'), row.rounded);
+        EXPECT_EQ(up.GetAsLogString('.'), row.up2);
+        EXPECT_EQ(down.GetAsLogString('.'), row.down);
+        EXPECT_EQ(same.GetAsLogString('.'), D(row.price).GetAsLogString('.'));
+        EXPECT_EQ(manipulator.GetTickIncrement(D(row.price)).GetAsLogString('.'), row.tick);
+    }
+}
+
+TEST(nxPriceManipulator, TakesItsTableFromTheCatalogue)
+{
+    nxPriceManipulator manipulator(D("0.05"));
+    EXPECT_TRUE(manipulator.SetVariableTickTable("EURONEXT_07") == NX_ERR_NOT_FOUND);
+    EXPECT_FALSE(manipulator.HasVariableTickTable());
+    EXPECT_TRUE(manipulator.SetVariableTickTable("VTT_EURONEXT_07").IsOK());
+    EXPECT_EQ(manipulator.GetVariableTickTable(),
+              nxVariableTickTableContainer::GetVariableTickTable("VTT_EURONEXT_07"));
+    EXPECT_EQ(nxPriceManipulator(manipulator.GetVariableTickTable()).HasVariableTickTable(), true);
+    EXPECT_FALSE(nxPriceManipulator(static_cast<const nxVariableTickTable*>(nullptr)).HasVariableTickTable());
+}
+
+TEST(nxPriceManipulator, AFixedTickTakenTooOftenWraps)
+{
+    nxDecimal price = D("0");
+    nxPriceManipulator(D("9223372036854775807")).Increment(price, INT_MIN);
+    EXPECT_EQ(price.GetValue(), 2147483648);
+}
