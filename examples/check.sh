@@ -1,5 +1,13 @@
 #!/usr/bin/env bash
-# check.sh PROGRAM EXPECTED: runs an example and compares what it prints with the file, where there is one.
+# check.sh PROGRAM EXPECTED [ARGUMENT...]: runs an example in an empty directory, and compares what it prints with the file
+# where there is one.
 set -eu
-printed=$("$1")
-[ ! -e "$2" ] || diff "$2" <(printf '%s\n' "$printed")
+program=$(realpath "$1")
+expected=$(realpath "$2")
+shift 2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cd "$scratch"
+unset QRX_LOG_DIRECTORY QRX_LOG_LEVEL QRX_LOG_TO_CONSOLE
+printed=$("$program" "$@")
+[ ! -e "$expected" ] || diff "$expected" <(printf '%s\n' "$printed")

@@ -70,4 +70,10 @@ for signal in TERM HUP; do
     nothing_left
 done
 
+# The log: a file where a directory is configured.
+mkdir logs
+printf 'Price\nx\n' >bad.csv
+QRX_LOG_DIRECTORY=$scratch/logs run 1 $snap -csv bad.csv
+case="log file"
+same "rejected row in the log" "1" "$(cat logs/*/*.log | grep -c "bad.csv:2: 'x' is not a price")"
 finish

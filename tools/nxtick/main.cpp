@@ -8,11 +8,23 @@
 #include "Failure.h"
 #include "Request.h"
 #include "Terminal.h"
+#include "core/app/nxApplicationData.h"
 #include "core/app/nxCmdLineArgs.h"
+#include "core/app/nxConfigurationKeys.h"
+#include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLogMacros.h"
 #include "core/nxVersion.h"
 
 namespace
 {
+// A log file where a directory is configured. Standard output belongs to the rows, so the log never goes there.
+void OpenLog(const nxCmdLineArgs& args)
+{
+    nxApplicationData::SetApplicationName("nxtick");
+    if (!args.GetEnvValue(QRX_LOG_DIRECTORY).empty())
+        nxFileLogDevice::GetInstance().Create(nxValueWrapper<unsigned long long>());
+}
+
 int Run()
 {
     std::map<std::string, std::string> options;
@@ -50,10 +62,12 @@ int main(int, char** argv, char** envp)
     nxCmdLineArgs::GetInstance().Initialise(argv, envp);
     try
     {
+        OpenLog(nxCmdLineArgs::GetInstance());
         return Run();
     }
     catch (const std::exception& failure)
     {
+        NX_LOG(NX_LOG_LEVEL_ERROR) << failure.what();
         nxtick::WriteError("nxtick: " + std::string(failure.what()) + "\n");
         return 2;
     }
