@@ -1,74 +1,135 @@
 #include "core/log/nxLog.h"
 
-#include <charconv>
+#include <algorithm>
+#include <new>
 
-#include "core/enum/nxBitMask.h"
-#include "core/enum/nxBitMask64.h"
+#include "core/log/internal/nxLogHexDump.h"
+#include "core/log/internal/nxLogLineBuffer.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogValueReader.h"
+#include "core/log/nxLogManager.h"
+#include "core/platform/nxThreadHooks.h"
 #include "core/thread/nxThreadIndex.h"
 
 namespace
 {
-template <class Number>
-void AppendNumber(std::string& text, Number number, int base = 10)
+// The records of one dump, all from one place.
+class Dump
 {
-    char digits[24];
-    text.append(digits, std::to_chars(digits, digits + sizeof digits, number, base).ptr);
-}
+public:
+    Dump(const nxLogLevelEnum& level, const char* file, unsigned line) : _level(level), _file(file), _line(line) {}
+
+    template <class... Values>
+    void Log(const Values&... values) const
+    {
+        nxLog record(_level, _file, _line, nxTimeStamp::Now());
+        (record << ... << values);
+        nxLogManager::GetInstance().Write(record);
+    }
+
+private:
+    nxLogLevelEnum _level;
+    const char* _file;
+    unsigned _line;
+};
 }  // namespace
 
-nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp)
+nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp) noexcept
     : _level(level),
-      _sourceFile(sourceFile == nullptr ? "" : sourceFile),
+      _message(sourceFile),
       _line(line),
       _timeStamp(timeStamp),
-      _threadIndex(nxThreadIndex::GetIndexOfCurrentThread())
+      _threadIndex(nxThreadIndex::GetIndexOfCurrentThread()),
+      _threadCPU(*nxThreadHooks::GetProcessorWord())
 {
 }
 
-nxLog& nxLog::operator<<(bool value) { return *this << (value ? "TRUE" : "FALSE"); }
-nxLog& nxLog::operator<<(char value) { return *this << static_cast<int>(value); }
-nxLog& nxLog::operator<<(signed char value) { return *this << static_cast<int>(value); }
-nxLog& nxLog::operator<<(unsigned char value) { return *this << static_cast<int>(value); }
-nxLog& nxLog::operator<<(short value) { return *this << static_cast<int>(value); }
-nxLog& nxLog::operator<<(unsigned short value) { return *this << static_cast<int>(value); }
-nxLog& nxLog::operator<<(int value) { return *this << static_cast<long long>(value); }
-nxLog& nxLog::operator<<(unsigned value) { return *this << static_cast<unsigned long long>(value); }
-nxLog& nxLog::operator<<(long value) { return *this << static_cast<long long>(value); }
-nxLog& nxLog::operator<<(unsigned long value) { return *this << static_cast<unsigned long long>(value); }
-
-nxLog& nxLog::operator<<(long long value)
+nxLog::nxLog(const nxLogRecord& record) noexcept
+    : _level(static_cast<nxEnumValue>(record.level)),
+      _message(record.file, record.values, record.end),
+      _line(record.line),
+      _timeStamp(record.time.seconds, record.time.nanoseconds),
+      _threadIndex(record.threadIndex),
+      _threadCPU(record.processor)
 {
-    AppendNumber(_text, value);
-    return *this;
 }
 
-nxLog& nxLog::operator<<(unsigned long long value)
+nxLogRecord nxLog::_GetRecord() const noexcept
 {
-    AppendNumber(_text, value);
-    return *this;
+    nxLogRecord record;
+    record.level = _level.GetValue();
+    record.time = {_timeStamp.GetSeconds(), _timeStamp.GetNanoseconds()};
+    record.threadIndex = _threadIndex;
+    record.processor = _threadCPU;
+    record.source = nullptr;
+    record.file = _message.GetFile();
+    record.line = _line;
+    record.values = _message.GetValues();
+    record.end = _message.GetEnd();
+    return record;
 }
 
-nxLog& nxLog::operator<<(const char* text) { return *this << std::string_view(text == nullptr ? "" : text); }
-nxLog& nxLog::operator<<(const std::string& text) { return *this << std::string_view(text); }
-
-nxLog& nxLog::operator<<(std::string_view text)
+std::string nxLog::GetText() const
 {
-    _text.append(text);
-    return *this;
+    nxLogLineBuffer buffer;
+    if (_message.GetValues() == _message.GetEnd() ||
+        !buffer.AppendMessage(_message.GetValues(), _message.GetEnd(), false))
+        return std::string();
+    return std::string(buffer.GetText(), buffer.GetSize());
 }
 
-nxLog& nxLog::operator<<(const nxLogCharLenPair& text)
+nxValueWrapper<unsigned> nxLog::GetDestinationUserID() const
 {
-    return *this << std::string_view(text.GetText(), text.GetLength());
+    nxValueWrapper<unsigned> user;
+    for (nxLogValueReader value(_message.GetValues(), _message.GetEnd()); value.Next();)
+        if (value.GetTag() == nxLogTag::DestinationUser)
+            user = nxValueWrapper<unsigned>(value.Get<unsigned>());
+    return user;
 }
 
-nxLog& nxLog::operator<<(const void* address)
+std::string nxLog::GetSourceApplication() const
 {
-    _text.append("0x");
-    AppendNumber(_text, reinterpret_cast<unsigned long long>(address), 16);
-    return *this;
+    std::string application;
+    for (nxLogValueReader value(_message.GetValues(), _message.GetEnd()); value.Next();)
+        if (value.GetTag() == nxLogTag::SourceApplication)
+            application = value.GetText();
+    return application;
 }
 
-nxLog& nxLog::operator<<(const nxEnum& value) { return *this << value.GetShortDescription(); }
-nxLog& nxLog::operator<<(const nxBitMask& mask) { return *this << mask.GetShortDescription(" "); }
-nxLog& nxLog::operator<<(const nxBitMask64& mask) { return *this << mask.GetShortDescription(" "); }
+nxLog* nxLog::CreateCopyWithOwnershipTransfer() noexcept
+{
+    auto* const copy = new (std::nothrow) nxLog(*this);
+    if (copy != nullptr)
+        _message.ClearValues();
+    return copy;
+}
+
+nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const unsigned& bytesPerLine,
+                                  const nxLogLevelEnum& level, const char* sourceFile, unsigned line, char placeholder,
+                                  bool withOffsets)
+{
+    const char* const fault = buffer == nullptr ? "Unable to dump memory as hex and ascii. A null buffer was passed in"
+                              : bytesPerLine == 0 || bytesPerLine > MaximumBytesPerLine
+                                  ? "Unable to dump memory as hex and ascii. Bytes per line value is not valid"
+                                  : nullptr;
+    if (fault != nullptr)
+    {
+        if (nxLogManager::ShouldLog(NX_LOG_LEVEL_ERROR))
+            Dump(NX_LOG_LEVEL_ERROR, sourceFile, line).Log(fault);
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    }
+    if (!nxLogManager::ShouldLog(level))
+        return nxErrorEnum();
+
+    const Dump dump(level, sourceFile, line);
+    const unsigned size = std::min(length, MaximumDump);
+    dump.Log("Dumping memory as hex and ascii. At most ", size, " bytes of data will be dumped");
+    const nxLogHexDump lines{bytesPerLine, placeholder, withOffsets};
+    std::string text;
+    for (unsigned offset = 0; offset < size; offset += bytesPerLine)
+    {
+        lines.MakeLine(text, buffer + offset, std::min(bytesPerLine, size - offset), offset);
+        dump.Log(text);
+    }
+    return nxErrorEnum();
+}

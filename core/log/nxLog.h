@@ -1,82 +1,102 @@
 #ifndef CORE_LOG_NXLOG_H
 #define CORE_LOG_NXLOG_H
 
+#include <cstddef>
 #include <string>
-#include <string_view>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxLogLevelEnum.h"
-#include "core/log/nxLogCharLenPair.h"
+#include "core/log/nxLogMarkers.h"
+#include "core/log/nxLogMessage.h"
+#include "core/log/nxLogStream.h"
 #include "core/nxExport.h"
+#include "core/text/nxValueWrapper.h"
 #include "core/time/nxTimeStamp.h"
 
-class nxBitMask;
-class nxBitMask64;
+struct nxLogRecord;
 
-/// One log record: a text with a level, the place that reported it, the time and the thread.
+/// One log record: a message with a level, the place that reported it, the time and the thread.
 ///
 /// Build one, stream values into it and hand it to nxLogManager::Write(); the macros of nxLogMacros.h do all of that in
-/// one statement, test the level first and are faster. A record of one's own is for the cases that they do not serve: a
-/// source file known only at run time, a text that grows over several statements, an immediate write.
+/// one statement, test the level first and are faster. A record of one's own is for what they do not serve: a source
+/// file known only at run time, a message that grows over several statements, a record that is written at once.
 ///
-/// - Errors: none. A message is cut, and says so, beyond a mebibyte or when there is no memory.
+/// - Errors: none, nothing throws. A message is cut, and says so, beyond a mebibyte; it ends early without memory.
 /// - Threads: like a string.
-/// - Ownership: the record owns copies of all that was streamed and of the file name; nothing passed in is kept.
+/// - Ownership: the record owns copies of all that was streamed and of the file's name. The record that a device is
+/// given
+///   borrows them from the queue; a copy of it owns its own.
 /// @code
-/// nxLog record(NX_LOG_LEVEL_WARNING, "feed/session", 88, nxTimeStamp());
+/// nxLog record(NX_LOG_LEVEL_WARNING, "feed/session", 88, nxTimeStamp::Now());
 /// record << "gap of " << count << " messages";
 /// nxLogManager::GetInstance().Write(record);
 /// @endcode
-class NX_CORE_API nxLog
+class NX_CORE_API nxLog : public nxLogMarkers, public nxLogStream<nxLog>
 {
 public:
-    /// Starts a record without text, of the calling thread.
+    /// Starts a record without a message, of the calling thread.
+    /// @param level how grave it is.
     /// @param sourceFile the reporting file, copied; null is as empty.
-    nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp);
+    /// @param line the reporting line.
+    /// @param timeStamp the time that the record carries.
+    nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp) noexcept;
 
-    nxLogLevelEnum GetLogLevel() const { return _level; }
-    /// The message: the texts of all values, one after the other.
-    std::string GetText() const { return _text; }
-    const char* GetSourceFile() const { return _sourceFile.c_str(); }
-    unsigned GetLineNumber() const { return _line; }
-    nxTimeStamp GetTimeStamp() const { return _timeStamp; }
-    /// nxThreadIndex of the thread that built the record.
-    unsigned GetThreadIndex() const { return _threadIndex; }
+    const nxLogLevelEnum& GetLogLevel() const { return _level; }  ///< How grave it is.
+    /// The message: the texts of all values, one after the other, control bytes as they are. Made at every call.
+    std::string GetText() const;
+    const char* GetSourceFile() const { return _message.GetFile(); }  ///< Never null; valid until the record changes.
+    unsigned GetLineNumber() const { return _line; }                  ///< The reporting line.
+    const nxTimeStamp& GetTimeStamp() const { return _timeStamp; }    ///< When it was reported.
+    unsigned GetThreadIndex() const { return _threadIndex; }          ///< nxThreadIndex of the reporting thread.
+    /// The processor on which the thread ran, counted from 0.
+    unsigned GetThreadCPU() const { return _threadCPU; }
+    /// The user that the record is meant for; null when none was streamed.
+    nxValueWrapper<unsigned> GetDestinationUserID() const;
+    /// The application that the record comes from; empty when none was streamed.
+    std::string GetSourceApplication() const;
 
-    /// "TRUE" or "FALSE".
-    nxLog& operator<<(bool value);
-    /// Integers, characters included, as decimal numbers.
-    nxLog& operator<<(char value);
-    nxLog& operator<<(signed char value);         ///< @copydoc operator<<(char)
-    nxLog& operator<<(unsigned char value);       ///< @copydoc operator<<(char)
-    nxLog& operator<<(short value);               ///< @copydoc operator<<(char)
-    nxLog& operator<<(unsigned short value);      ///< @copydoc operator<<(char)
-    nxLog& operator<<(int value);                 ///< @copydoc operator<<(char)
-    nxLog& operator<<(unsigned value);            ///< @copydoc operator<<(char)
-    nxLog& operator<<(long value);                ///< @copydoc operator<<(char)
-    nxLog& operator<<(unsigned long value);       ///< @copydoc operator<<(char)
-    nxLog& operator<<(long long value);           ///< @copydoc operator<<(char)
-    nxLog& operator<<(unsigned long long value);  ///< @copydoc operator<<(char)
-    /// Text as it is; null is as empty.
-    nxLog& operator<<(const char* text);
-    nxLog& operator<<(const std::string& text);       ///< Text as it is, NULs included.
-    nxLog& operator<<(std::string_view text);         ///< @copydoc operator<<(const std::string&)
-    nxLog& operator<<(const nxLogCharLenPair& text);  ///< @copydoc operator<<(const std::string&)
-    /// An address as "0x" and hexadecimal digits.
-    nxLog& operator<<(const void* address);
-    /// An enumeration or an error code by its short description.
-    nxLog& operator<<(const nxEnum& value);
-    /// The short descriptions of the flags that are set, separated by blanks.
-    nxLog& operator<<(const nxBitMask& mask);
-    nxLog& operator<<(const nxBitMask64& mask);  ///< @copydoc operator<<(const nxBitMask&)
+    /// @return a copy that the caller owns and deletes, with the message; this record's message is empty afterwards,
+    /// all
+    ///         else stays. Null, and nothing changed, without memory.
+    [[nodiscard]] nxLog* CreateCopyWithOwnershipTransfer() noexcept;
+
+    /// Writes a dump of a buffer to the log: an opening record with the number of bytes, then a record for every line,
+    /// `00000010  48 65 6C 6C 6F 20 77 6F  72 6C 64 0A 00 01 02 03  |Hello world.....|`:
+    /// the offset, the bytes in two halves, and their characters where they are printable.
+    /// @param buffer the bytes; null is reported in the log, as an error.
+    /// @param length how many there are. At most MaximumDump are dumped; the opening record says how many.
+    /// @param bytesPerLine 1 to MaximumBytesPerLine; anything else is reported in the log, as an error.
+    /// @param level the level of the dump. Below the threshold nothing is written and the result is success.
+    /// @param sourceFile, line the place that the records name.
+    /// @param placeholder what stands for a byte that is not printable.
+    /// @param withOffsets whether lines begin with the offset.
+    /// @return NX_ERR_INVALID_PARAMETER for a null buffer or a wrong number of bytes per line.
+    static nxErrorEnum LogBufferAsHex(const char* buffer, unsigned length, const unsigned& bytesPerLine = 16,
+                                      const nxLogLevelEnum& level = NX_LOG_LEVEL_INFO,
+                                      const char* sourceFile = "core/trunk/nxLog", unsigned line = 0,
+                                      char placeholder = '.', bool withOffsets = true);
+
+    static constexpr unsigned MaximumBytesPerLine = 256;  ///< Of LogBufferAsHex().
+    static constexpr unsigned MaximumDump = 64 * 1024;    ///< Bytes that LogBufferAsHex() dumps at most.
 
 private:
+    friend class nxLogStream<nxLog>;
+    friend class nxLogStatement;
+    friend class nxLogQueue;
+    friend class nxLogWriter;
+    friend class nxLogLine;
+    friend class nxLogManager;
+
+    explicit nxLog(const nxLogRecord& record) noexcept;
+    nxLogRecord _GetRecord() const noexcept;
+    char* _Take(std::size_t bytes) noexcept { return _message.Take(bytes); }
+
     nxLogLevelEnum _level;
-    std::string _text;
-    std::string _sourceFile;
+    nxLogMessage _message;
     unsigned _line;
     nxTimeStamp _timeStamp;
     unsigned _threadIndex;
+    unsigned _threadCPU;
 };
 
 #endif

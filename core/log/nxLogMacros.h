@@ -2,7 +2,7 @@
 #define CORE_LOG_NXLOGMACROS_H
 
 /// @file
-/// The pattern in which everything reports: test the level, build a record, stream into it, hand it over.
+/// The pattern in which everything reports: test the level, begin a record, stream into it, hand it over.
 /// @code
 /// NX_LOG(NX_LOG_LEVEL_INFO) << "order " << id << " at " << price;
 /// @endcode
@@ -10,12 +10,21 @@
 #include "core/log/nxLogStatement.h"
 
 /// A log record of level @p level (an nxLogLevelEnum or an nxEnumValue, without side effects) to stream values into. It
-/// carries this source file and line, and is handed over at the end of the statement. Below the threshold nothing that
+/// carries this source file and line and is handed over at the end of the statement. Below the threshold nothing that
 /// is streamed is evaluated. No co_await inside the statement.
 #define NX_LOG(level) NX_LOG_AT(level, __FILE__, __LINE__)
 
 /// The same with a source file name (a literal) and a line of the caller's choice.
-#define NX_LOG_AT(level, file, line) \
-    !nxLogManager::ShouldLog(level) ? (void)0 : nxLogStatement::End() & nxLogStatement(level, file, line).Stream()
+#define NX_LOG_AT(level, file, line)          \
+    !nxLogManager::ShouldLog(level) ? (void)0 \
+                                    : nxLogStatement::End() & nxLogStatement(level, NX_LOG_SITE(file, line)).Stream()
+
+/// The static part of one statement. Internal to the log.
+#define NX_LOG_SITE(file, line)                                    \
+    []() noexcept -> nxLogSite&                                    \
+    {                                                              \
+        static constinit nxLogSite nxLogStatementSite(file, line); \
+        return nxLogStatementSite;                                 \
+    }()
 
 #endif

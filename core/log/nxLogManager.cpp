@@ -1,98 +1,187 @@
 #include "core/log/nxLogManager.h"
 
 #include <algorithm>
-#include <mutex>
+#include <new>
 
+#include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogSourceTable.h"
+#include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
+#include "core/log/nxLogSettings.h"
+#include "core/platform/nxThreadHooks.h"
 
 namespace
 {
-struct Devices
-{
-    std::recursive_mutex mutex;
-    std::vector<nxLogDevice*> list;
-    bool writing = false;
-};
+constexpr std::int64_t second = 1'000'000'000;
+constexpr double longestWait = 86'400;
 
-Devices& GetDevices()
+// Nothing of the log's is in the middle of a change while the process is copied.
+void BeforeFork()
 {
-    static auto& devices = *new Devices;
-    return devices;
+    nxLogDeviceList::GetInstance().BeforeFork();
+    nxLogQueue::GetInstance().BeforeFork();
+    nxLogSourceTable::GetInstance().BeforeFork();
 }
 
-template <class Action>
-void ForEachDevice(const Action& action)
+void AfterForkInParent()
 {
-    Devices& devices = GetDevices();
-    const std::lock_guard<std::recursive_mutex> lock(devices.mutex);
-    if (devices.writing)
-        return;
-    devices.writing = true;
-    const std::vector<nxLogDevice*> list = devices.list;
-    for (nxLogDevice* device : list)
-        if (std::find(devices.list.begin(), devices.list.end(), device) != devices.list.end())
-            action(*device);
-    devices.writing = false;
+    nxLogSourceTable::GetInstance().AfterForkInParent();
+    nxLogQueue::GetInstance().AfterForkInParent();
+    nxLogDeviceList::GetInstance().AfterForkInParent();
 }
+
+void AfterForkInChild()
+{
+    nxLogSourceTable::GetInstance().AfterForkInChild();
+    nxLogQueue::GetInstance().AfterForkInChild();
+    nxLogWriter::GetInstance().AfterForkInChild();
+    nxLogDeviceList::GetInstance().AfterForkInChild();
+}
+
+// Made while the library is loaded, so that the threshold is right from the first statement on.
+[[maybe_unused]] const nxLogManager& madeInTime = nxLogManager::GetInstance();
 }  // namespace
 
 constinit std::atomic<unsigned> nxLogManager::_threshold{NX_LOG_LEVEL_INFO};
 
-nxLogManager& nxLogManager::GetInstance()
+nxLogManager& nxLogManager::GetInstance() noexcept
 {
-    static nxLogManager& manager = *new nxLogManager;
+    alignas(nxLogManager) static unsigned char storage[sizeof(nxLogManager)];
+    static nxLogManager& manager = *::new (storage) nxLogManager;
     return manager;
 }
 
-void nxLogManager::SetLogLevel(const nxLogLevelEnum& level)
+// Logs nothing and starts nothing: the library may just be being loaded.
+nxLogManager::nxLogManager() noexcept
+{
+    nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
+    try
+    {
+        const nxLogSettings settings = nxLogSettings::Read();
+        SetLogLevel(settings.level);
+        SetLogThreadIndex(settings.threadIndex);
+        SetTimeBetweenFlushes(settings.forceFlush ? 0 : static_cast<double>(settings.secondsBetweenFlushes));
+        if (settings.reservedEntries != 0)
+            SetRecommendedBufferCapacity(static_cast<unsigned>(settings.reservedEntries));
+    }
+    catch (...)
+    {
+        // The defaults serve.
+    }
+}
+
+void nxLogManager::SetLogLevel(const nxLogLevelEnum& level) noexcept
 {
     if (level.IsSpecificTypeForInstance())
         _threshold.store(level.GetValue(), std::memory_order_relaxed);
 }
 
-nxLogLevelEnum nxLogManager::GetLogLevel()
+nxLogLevelEnum nxLogManager::GetLogLevel() noexcept
 {
     return nxLogLevelEnum(static_cast<nxEnumValue>(_threshold.load(std::memory_order_relaxed)));
 }
 
-void nxLogManager::Write(nxLog& record) { ImmediateWrite(record); }
-
-void nxLogManager::ImmediateWrite(const nxLog& record)
+void nxLogManager::Write(nxLog& record) noexcept
 {
-    ForEachDevice([&record](nxLogDevice& device) { device.Write(record); });
+    nxLogQueue::GetInstance().Write(record);
+    record._message.ClearValues();
 }
 
-void nxLogManager::ImmediateWrite(const std::vector<nxLog*>& records)
+void nxLogManager::ImmediateWrite(const nxLog& record) noexcept
 {
-    for (const nxLog* record : records)
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *devices)
+        entry->Call([&record](nxLogDevice& device) { device.Write(record); });
+}
+
+void nxLogManager::ImmediateWrite(const std::vector<nxLog*>& records) noexcept
+{
+    for (const nxLog* const record : records)
         if (record != nullptr)
             ImmediateWrite(*record);
 }
 
-void nxLogManager::RegisterLogDevice(nxLogDevice* device)
+void nxLogManager::RegisterLogDevice(nxLogDevice* device) noexcept
 {
-    Devices& devices = GetDevices();
-    const std::lock_guard<std::recursive_mutex> lock(devices.mutex);
-    if (device != nullptr && std::find(devices.list.begin(), devices.list.end(), device) == devices.list.end())
-        devices.list.push_back(device);
+    if (device == nullptr || !nxLogDeviceList::GetInstance().Add(device))
+        return;
+    // What was reported before there was a device is waiting for this one.
+    nxLogWriter::GetInstance().Wake();
 }
 
-void nxLogManager::UnregisterLogDevice(nxLogDevice* device)
+void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept { nxLogDeviceList::GetInstance().Remove(device); }
+
+void nxLogManager::UnregisterAllLogDevices() noexcept
 {
-    Devices& devices = GetDevices();
-    const std::lock_guard<std::recursive_mutex> lock(devices.mutex);
-    std::erase(devices.list, device);
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
+    for (const auto& entry : *devices)
+        entry->Remove();
 }
 
-void nxLogManager::UnregisterAllLogDevices()
+void nxLogManager::FlushDevices() noexcept
 {
-    Devices& devices = GetDevices();
-    const std::lock_guard<std::recursive_mutex> lock(devices.mutex);
-    devices.list.clear();
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *devices)
+        entry->Call([](nxLogDevice& device) { device.Flush(); });
 }
 
-void nxLogManager::FlushDevices()
+void nxLogManager::WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept
 {
-    ForEachDevice([](nxLogDevice& device) { device.Flush(); });
+    const double wanted = seconds;
+    // NaN fails the comparison, too.
+    if (!seconds.IsValid() || !(wanted > 0))
+        return;
+    const auto limit = static_cast<std::int64_t>(std::min(wanted, longestWait) * static_cast<double>(second));
+    nxLogWriter::GetInstance().WaitUntilWritten(limit, limit);
+}
+
+std::vector<nxLog> nxLogManager::GetLogEntriesQueue() const
+{
+    std::vector<nxLog> records;
+    nxLogQueue::GetInstance().CopyRecords(records);
+    return records;
+}
+
+void nxLogManager::SetRecommendedBufferCapacity(unsigned records) noexcept
+{
+    nxLogQueue::GetInstance().Reserve(records);
+}
+
+void nxLogManager::SetMaximumQueueBytes(std::uint64_t bytes) noexcept
+{
+    nxLogQueue::GetInstance().SetMaximumBytes(bytes);
+}
+
+std::uint64_t nxLogManager::GetMaximumQueueBytes() const noexcept
+{
+    return nxLogQueue::GetInstance().GetMaximumBytes();
+}
+
+void nxLogManager::SetTimeBetweenFlushes(double seconds) noexcept
+{
+    nxLogWriter::GetInstance().SetFlushInterval(seconds);
+}
+
+nxLogStatistics nxLogManager::GetStatistics() const noexcept
+{
+    const nxLogQueue& queue = nxLogQueue::GetInstance();
+    const nxLogWriter& writer = nxLogWriter::GetInstance();
+    return {writer.GetWritten(), queue.GetDropped(), writer.GetUnheard(), queue.GetWaits(), queue.GetBytes()};
+}
+
+void nxLogManager::Destroy() noexcept
+{
+    nxLogWriter& writer = nxLogWriter::GetInstance();
+    writer.WriteOut(10 * second, 2 * second);
+    const bool stopped = writer.Stop(2 * second);
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
+    for (const auto& entry : *devices)
+    {
+        // With the deferred-write thread stuck inside a device, there is no waiting for that.
+        if (stopped)
+            entry->Call([](nxLogDevice& device) { device.Flush(); });
+        entry->RemoveAndDestroy(stopped);
+    }
 }

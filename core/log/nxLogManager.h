@@ -2,54 +2,127 @@
 #define CORE_LOG_NXLOGMANAGER_H
 
 #include <atomic>
+#include <cstdint>
 #include <vector>
 
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/nxExport.h"
+#include "core/text/nxDoubleValueWrapper.h"
 
 class nxLog;
 class nxLogDevice;
 
-/// The one log of the process: takes records from any thread and passes them to the registered devices.
+/// What the log has done since the process started; a forked child starts again at 0.
+struct nxLogStatistics
+{
+    std::uint64_t written;  ///< Records passed to the devices, those written immediately not counted.
+    std::uint64_t dropped;  ///< Records lost because the queue was full and a device had stalled, or without memory.
+    std::uint64_t unheard;  ///< Records that came when no device was registered and that could not be kept for one.
+    std::uint64_t waits;    ///< How often a caller had to wait because the queue was full.
+    std::uint64_t bytes;    ///< The memory that the queue takes at the moment.
+};
+
+/// The one log of the process: takes records from any thread and passes them to the registered devices, by the
+/// deferred-write thread or at once. Applications report with the macros of nxLogMacros.h.
+///
+/// - Order: records of one thread stay in their order. Those of several threads are put in the order of time as far as
+///   they meet in one look of the deferred-write thread.
+/// - Queue: bounded in bytes. When it is full, a caller waits as long as the devices make progress; a device that has
+///   stalled for a second makes it drop records instead, and one record tells how many when the device is back. A
+///   thread inside a device never waits.
+/// - Start: the deferred-write thread starts with the first record. Records from before the first device are kept for
+/// it,
+///   up to a mebibyte.
+/// - End: when the process ends by exit() or by returning from main, what is queued is written out; a device that does
+/// not
+///   move for two seconds, or ten seconds in all, end the wait. After _exit(), a crash or SIGKILL what is queued is
+///   lost. No signal handler is installed.
+/// - Fork: a child starts with an empty queue, with the same devices, and with a deferred-write thread of its own when
+/// it
+///   first reports.
+/// - Settings: when the library is loaded, QRX_LOG_LEVEL sets the threshold, QRX_LOG_THREAD_INDEX whether lines carry
+/// the
+///   thread's index, QRX_LOG_TIME_BETWEEN_FLUSHES and QRX_LOG_FORCE_FLUSH when devices are flushed, and
+///   QRX_LOG_BUFF_RESERVE_ENTRIES what SetRecommendedBufferCapacity() does. See nxLogSettings.
+/// - Errors: none is reported to callers and nothing throws; losses are counted.
+/// - Threads: every operation may come from any thread, at any time, from inside a device too.
+/// - Ownership: devices belong to the application.
 class NX_CORE_API nxLogManager
 {
 public:
-    static nxLogManager& GetInstance();
+    /// The manager; made when the library is loaded, never destroyed.
+    static nxLogManager& GetInstance() noexcept;
 
     /// Whether records of @p level are wanted: at or above the threshold, at first NX_LOG_LEVEL_INFO.
     static bool ShouldLog(const nxLogLevelEnum& level) { return ShouldLog(level.GetEnumValue()); }
     /// @copydoc ShouldLog(const nxLogLevelEnum&)
     static bool ShouldLog(nxEnumValue level) { return level >= _threshold.load(std::memory_order_relaxed); }
-    /// Changes the threshold; an undefined level changes nothing.
-    static void SetLogLevel(const nxLogLevelEnum& level);
-    static nxLogLevelEnum GetLogLevel();
+    /// Changes the threshold. A level that is none changes nothing.
+    static void SetLogLevel(const nxLogLevelEnum& level) noexcept;
+    /// The threshold.
+    static nxLogLevelEnum GetLogLevel() noexcept;
 
-    /// Queues @p record for the deferred-write thread, which passes it to every device. The record loses its text.
-    void Write(nxLog& record);
-    /// Writes to every registered device before it returns.
-    void ImmediateWrite(const nxLog& record);
-    /// @copydoc ImmediateWrite(const nxLog&)
-    void ImmediateWrite(const std::vector<nxLog*>& records);
+    /// Queues @p record for the deferred-write thread. The record gives up its message: written again, it is empty.
+    void Write(nxLog& record) noexcept;
+    /// Writes to every registered device before it returns, ahead of what is queued. Does not look at the threshold.
+    void ImmediateWrite(const nxLog& record) noexcept;
+    /// The same for several records, in their order; null ones are left out.
+    void ImmediateWrite(const std::vector<nxLog*>& records) noexcept;
 
-    /// Adds a device. Null, or a device that is registered already, changes nothing.
-    void RegisterLogDevice(nxLogDevice* device);
-    /// Takes a device away, and waits until the log has left it.
-    void UnregisterLogDevice(nxLogDevice* device);
-    void UnregisterAllLogDevices();  ///< @copybrief UnregisterLogDevice
+    /// Adds a device. Null, or one that is registered already, changes nothing.
+    void RegisterLogDevice(nxLogDevice* device) noexcept;
+    /// Takes a device away, and waits until no thread is inside it any more; a device that unregisters itself while it
+    /// is written to is the exception. What is queued at this moment does not go to it: see
+    /// WaitForWriteThreadToWriteQueueToDisk().
+    void UnregisterLogDevice(nxLogDevice* device) noexcept;
+    /// The same for all devices.
+    void UnregisterAllLogDevices() noexcept;
 
-    /// Makes every device hand what it has buffered to the operating system.
-    void FlushDevices();
+    /// Makes every device hand what it has buffered to the operating system. What is queued is not waited for.
+    void FlushDevices() noexcept;
 
-    /// Whether lines carry the thread's index, as they do unless QRX_LOG_THREAD_INDEX is FALSE.
+    /// Waits until everything that was queued before the call has been written to the devices and flushed by them.
+    /// @param seconds how long at most; capped at a day. Null, no change, NaN and what is not above 0 do not wait. Nor
+    /// does
+    ///        a thread inside a device.
+    void WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept;
+
+    /// @return copies of the records that wait, or are being written at the moment; in order within each thread.
+    std::vector<nxLog> GetLogEntriesQueue() const;
+
+    /// Reserves memory for about so many waiting records, so that a burst need not allocate.
+    void SetRecommendedBufferCapacity(unsigned records) noexcept;
+    /// Bounds the memory of the queue, 64 MiB at first; less than a mebibyte is taken as that.
+    void SetMaximumQueueBytes(std::uint64_t bytes) noexcept;
+    /// The bound.
+    std::uint64_t GetMaximumQueueBytes() const noexcept;
+    /// After how many seconds at the latest devices are flushed, 1 at first; 0 flushes whenever something was written.
+    void SetTimeBetweenFlushes(double seconds) noexcept;
+
+    /// Whether lines carry the index of the thread, as they do at first.
     bool GetLogThreadIndex() const { return _logThreadIndex.load(std::memory_order_relaxed); }
+    /// Sets whether lines carry the index of the thread.
     void SetLogThreadIndex(bool on) { _logThreadIndex.store(on, std::memory_order_relaxed); }
+    /// Whether the index of the thread is followed by its processor, "[7/1]" for "[7]"; not at first.
+    bool GetLogThreadCPU() const { return _logThreadCPU.load(std::memory_order_relaxed); }
+    /// Sets whether lines carry the processor.
+    void SetLogThreadCPU(bool on) { _logThreadCPU.store(on, std::memory_order_relaxed); }
+
+    /// Counters of what was written, lost and waited for.
+    nxLogStatistics GetStatistics() const noexcept;
+
+    /// Writes out what is queued, within the limits named above for the end of the process, stops the deferred-write
+    /// thread, and unregisters, flushes and destroys all devices. Calling it again does no harm. A record that comes
+    /// later starts the log anew.
+    void Destroy() noexcept;
 
 private:
-    nxLogManager() = default;
+    nxLogManager() noexcept;
     ~nxLogManager() = default;
 
     static std::atomic<unsigned> _threshold;
     std::atomic<bool> _logThreadIndex{true};
+    std::atomic<bool> _logThreadCPU{false};
 };
 
 #endif

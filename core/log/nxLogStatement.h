@@ -1,31 +1,85 @@
 #ifndef CORE_LOG_NXLOGSTATEMENT_H
 #define CORE_LOG_NXLOGSTATEMENT_H
 
-#include "core/log/nxLog.h"
-#include "core/log/nxLogManager.h"
+#include <concepts>
 
-/// One statement of NX_LOG: a record that is written when the statement ends. Use the macros.
-class nxLogStatement
+#include "core/enum/nxLogLevelEnum.h"
+#include "core/log/nxLog.h"
+#include "core/log/nxLogChannel.h"
+#include "core/log/nxLogManager.h"
+#include "core/log/nxLogSource.h"
+#include "core/log/nxLogStream.h"
+
+/// One statement of NX_LOG: begins a record, takes what is streamed straight into the calling thread's ring and hands
+/// it over when the statement ends, also when an argument throws. Use the macros of nxLogMacros.h.
+///
+/// Never an object that outlives its statement, and never a co_await inside the statement: the ring belongs to the
+/// thread.
+class nxLogStatement : public nxLogStream<nxLogStatement>
 {
 public:
-    nxLogStatement(const nxLogLevelEnum& level, const char* sourceFile, unsigned line)
-        : _record(level, sourceFile, line, nxTimeStamp::Now())
+    /// Begins a record of @p level at @p site.
+    [[gnu::always_inline]] nxLogStatement(nxEnumValue level, nxLogSite& site) noexcept
+        : _level(level), _room(nxLogChannel::Open(site.GetSource()))
     {
     }
-    ~nxLogStatement() { nxLogManager::GetInstance().Write(_record); }
+    /// @copydoc nxLogStatement(nxEnumValue, nxLogSite&)
+    [[gnu::always_inline]] nxLogStatement(const nxLogLevelEnum& level, nxLogSite& site) noexcept
+        : nxLogStatement(level.GetEnumValue(), site)
+    {
+    }
+    /// Hands the record over.
+    [[gnu::always_inline]] ~nxLogStatement() { nxLogChannel::Close(_room, _level); }
     nxLogStatement(const nxLogStatement&) = delete;
     nxLogStatement& operator=(const nxLogStatement&) = delete;
 
-    nxLog& Stream() { return _record; }
+    /// Itself, as something that an operator can be applied to.
+    nxLogStatement& Stream() { return *this; }
+
+    /// Appends the values of @p record; its other properties do not count.
+    NX_CORE_API void AppendValuesOf(const nxLog& record) noexcept;
 
     /// Turns the streaming expression into one of type void.
     struct End
     {
-        void operator&(const nxLog&) const {}
+        /// Binds less tightly than << and more tightly than ?:.
+        void operator&(const nxLogStatement&) const {}
     };
 
 private:
-    nxLog _record;
+    friend class nxLogStream<nxLogStatement>;
+
+    // Room for so many bytes of the record; null when there is no memory.
+    [[gnu::always_inline]] char* _Take(std::size_t bytes)
+    {
+        if (static_cast<std::size_t>(_room.end - _room.cursor) < bytes) [[unlikely]]
+        {
+            _room = nxLogChannel::Grow(_room, bytes);
+            if (static_cast<std::size_t>(_room.end - _room.cursor) < bytes)
+                return nullptr;
+        }
+        char* const at = _room.cursor;
+        _room.cursor += bytes;
+        return at;
+    }
+
+    nxEnumValue _level;
+    nxLogRoom _room;
 };
+
+/// Values of an application's own types, by their `nxLog& operator<<(nxLog&, const Value&)`.
+template <class Statement, class Value>
+requires(std::same_as<Statement, nxLogStatement> &&
+         !requires(nxLogStream<Statement>& stream, const Value& value) { stream.operator<<(value); } &&
+         requires(nxLog& record, const Value& value) {
+             { record << value } -> std::same_as<nxLog&>;
+         })
+Statement& operator<<(Statement& statement, const Value& value)
+{
+    nxLog record{nxLogLevelEnum(), nullptr, 0, nxTimeStamp(0, 0)};
+    record << value;
+    statement.AppendValuesOf(record);
+    return statement;
+}
 
 #endif

@@ -2,12 +2,375 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxGenericBitMask.h"
+#include "core/enum/nxGenericBitMask64.h"
+#include "core/enum/nxProductStateBitMask.h"
+#include "core/log/nxLogLine.h"
 #include "core/log/nxLogMacros.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxMoney.h"
+#include "core/testing/nxCapturingLogDevice.h"
+#include "core/thread/nxThreadIndex.h"
+
+namespace
+{
+nxLog MakeRecord() { return nxLog(NX_LOG_LEVEL_INFO, "core/trunk/nxLogTest", 7, nxTimeStamp(10, 500)); }
+
+template <class Value>
+std::string TextOf(const Value& value)
+{
+    nxLog record = MakeRecord();
+    record << value;
+    return record.GetText();
+}
+
+/// A type of an application, with the one operator that the guide asks for.
+struct Order
+{
+    int id;
+    double price;
+};
+
+nxLog& operator<<(nxLog& record, const Order& order) { return record << '#' << order.id << "@" << order.price; }
+}  // namespace
 
 TEST(nxLog, EveryValueBecomesItsText)
 {
-    nxLog record(NX_LOG_LEVEL_INFO, "core/trunk/nxLogTest", 7, nxTimeStamp(10, 500));
-    record << true << ' ' << "text" << std::string("string") << std::string_view("view") << nxLogCharLenPair("pair!", 4)
-           << -1 << 18446744073709551615ULL << nxErrorEnum(NX_ERR_NOT_FOUND);
-    EXPECT_EQ(record.GetText(), "TRUE32textstringviewpair-118446744073709551615NX_ERR_NOT_FOUND");
+    nxProductStateBitMask mask;
+    mask.SetBits(nxProductStateBitMask::CLOSED | nxProductStateBitMask::EXPIRING);
+    using Unsigned = nxValueWrapper<unsigned>;
+    const struct
+    {
+        std::string actual;
+        const char* expected;
+    } rows[] = {
+        {TextOf(true) + TextOf(false), "TRUEFALSE"},
+        {TextOf('a'), "97"},
+        {TextOf(static_cast<signed char>(-1)), "-1"},
+        {TextOf(static_cast<unsigned char>(255)), "255"},
+        {TextOf(std::numeric_limits<short>::min()), "-32768"},
+        {TextOf(std::numeric_limits<unsigned short>::max()), "65535"},
+        {TextOf(std::numeric_limits<int>::min()), "-2147483648"},
+        {TextOf(std::numeric_limits<unsigned>::max()), "4294967295"},
+        {TextOf(std::numeric_limits<long>::min()), "-9223372036854775808"},
+        {TextOf(std::numeric_limits<unsigned long>::max()), "18446744073709551615"},
+        {TextOf(std::numeric_limits<long long>::max()), "9223372036854775807"},
+        {TextOf(std::numeric_limits<unsigned long long>::max()), "18446744073709551615"},
+        {TextOf(0), "0"},
+        {TextOf(2.5), "2.5"},
+        {TextOf("literal"), "literal"},
+        {TextOf(static_cast<const char*>(nullptr)), ""},
+        {TextOf(std::string("str\0ing", 7)), "str"},  // up to its NUL, as compared here
+        {TextOf(std::string_view("view!", 4)), "view"},
+        {TextOf(nxLogCharLenPair("pair!", 4)), "pair"},
+        {TextOf(nxLogCharLenPair(nullptr, 4)), ""},
+        {TextOf(reinterpret_cast<const void*>(std::uintptr_t{0xAB0})), "0xab0"},
+        {TextOf(static_cast<const void*>(nullptr)), "0x0"},
+        {TextOf(nxDecimal::ConstructFromValueAndDecimalPlaces(-5, 2)), "-0.05"},
+        {TextOf(nxDecimal::GetNullDecimal()), "NULL"},
+        {TextOf(nxDecimal::GetNoChangeDecimal()), "NO_CHANGE"},
+        {TextOf(Unsigned(7u)), "7"},
+        {TextOf(Unsigned(4294967295u)), "NULL"},
+        {TextOf(Unsigned(4294967294u)), "NO_CHANGE"},
+        {TextOf(nxValueWrapper<int>::GetNullInstance()), "NULL"},
+        {TextOf(nxDoubleValueWrapper(0.25)), "0.25"},
+        {TextOf(nxDoubleValueWrapper::GetNoChangeInstance()), "NO_CHANGE"},
+        {TextOf(nxDoubleValueWrapper::GetNullInstance()), "4.503600e+15"},
+        {TextOf(nxErrorEnum(NX_ERR_NOT_FOUND)), "NX_ERR_NOT_FOUND"},
+        {TextOf(nxLogLevelEnum(NX_LOG_LEVEL_FATAL)), "FTL"},
+        {TextOf(mask), "CLOSED EXPIRING"},
+        {TextOf(nxGenericBitMask64()), "No Description Available"},
+        {TextOf(Order{12, 1.5}),
+         "35"
+         "12"
+         "@1.5"},
+    };
+    for (const auto& row : rows)
+        EXPECT_STREQ(row.actual.c_str(), row.expected);
+    EXPECT_EQ(TextOf(std::string("str\0ing", 7)), std::string("str\0ing", 7));
+
+    nxMoney money;
+    EXPECT_EQ(TextOf(money), money.GetAsLogString('.'));
+}
+
+TEST(nxLog, CarriesWhatItWasMadeWith)
+{
+    nxLog record(NX_LOG_LEVEL_WARNING, "core/trunk/nxMutex", 107, nxTimeStamp(1709629623, 123456789));
+    EXPECT_EQ(record.GetLogLevel(), NX_LOG_LEVEL_WARNING);
+    EXPECT_STREQ(record.GetSourceFile(), "core/trunk/nxMutex");
+    EXPECT_EQ(record.GetLineNumber(), 107u);
+    EXPECT_EQ(record.GetTimeStamp(), nxTimeStamp(1709629623, 123456789));
+    EXPECT_EQ(record.GetThreadIndex(), nxThreadIndex::GetIndexOfCurrentThread());
+    EXPECT_EQ(record.GetText(), "");
+    EXPECT_TRUE(record.GetDestinationUserID().IsNull());
+    EXPECT_EQ(record.GetSourceApplication(), "");
+    EXPECT_STREQ(nxLog(NX_LOG_LEVEL_INFO, nullptr, 1, nxTimeStamp()).GetSourceFile(), "");
+
+    record << "to " << nxLog::nxLogDestinationUserID(7u) << "one";
+    EXPECT_EQ(record.GetDestinationUserID(), 7u);
+    record << nxLog::nxLogSourceApplicationDestUserID("router", 8u);
+    EXPECT_EQ(record.GetDestinationUserID(), 8u);
+    EXPECT_EQ(record.GetSourceApplication(), "router");
+    EXPECT_EQ(record.GetText(), "to one");
+    record << nxLog::nxLogTerminator() << " and nothing more";
+    EXPECT_EQ(record.GetText(), "to one");
+}
+
+TEST(nxLog, OwnsItsTextsWhateverTheirLength)
+{
+    // Around the sizes at which the bytes move: into a block of their own, and to a larger one.
+    for (const std::size_t fileSize : {0, 1, 100, 237, 238, 239, 240, 5000})
+        for (const std::size_t textSize : {0, 1, 200, 5000, 300000})
+        {
+            std::string file(fileSize, 'f');
+            std::string text(textSize, 't');
+            nxLog record(NX_LOG_LEVEL_INFO, file.c_str(), 1, nxTimeStamp(0, 0));
+            record << 1 << text;
+            const nxLog copy = record;
+            nxLog assigned = MakeRecord();
+            assigned << "something else";
+            assigned = copy;
+            std::fill(file.begin(), file.end(), 'x');
+            std::fill(text.begin(), text.end(), 'x');
+            const std::string expected = std::string(1, '1').append(textSize, 't');
+            for (const nxLog* each : {&std::as_const(record), &copy, &std::as_const(assigned)})
+            {
+                EXPECT_EQ(each->GetSourceFile(), std::string(fileSize, 'f'));
+                EXPECT_EQ(each->GetText(), expected);
+            }
+        }
+}
+
+TEST(nxLog, CutsAMessageAfterAMebibyteAndSaysSo)
+{
+    constexpr std::size_t most = std::size_t{1} << 20;
+    const std::string mark = "... [cut]";
+    const auto text = [](std::initializer_list<std::string> pieces)
+    {
+        nxLog record = MakeRecord();
+        for (const std::string& piece : pieces)
+            record << piece;
+        return record.GetText();
+    };
+    const std::string full(most, 'a');
+    EXPECT_EQ(text({full}), full);
+    EXPECT_EQ(text({full + 'b'}), full + mark);
+    EXPECT_EQ(text({full, "b"}), full + mark);
+    EXPECT_EQ(text({std::string(3 * most, 'a')}), full + mark);
+    EXPECT_EQ(text({full.substr(1), "bc", "d"}), full.substr(1) + "b" + mark);
+    // A character of several bytes stays whole or goes whole.
+    EXPECT_EQ(text({full.substr(1), "\xC3\xA9"}), full.substr(1) + mark);
+    EXPECT_EQ(text({full.substr(2), "\xC3\xA9"}), full.substr(2) + "\xC3\xA9");
+
+    nxLog endless = MakeRecord();
+    for (int count = 0; count < 100; ++count)
+        endless << full;
+    EXPECT_EQ(endless.GetText(), full + mark);
+}
+
+TEST(nxLog, GivesItsMessageAwayOnce)
+{
+    nxLog record = MakeRecord();
+    record << "message " << 1;
+    const std::unique_ptr<nxLog> first(record.CreateCopyWithOwnershipTransfer());
+    const std::unique_ptr<nxLog> second(record.CreateCopyWithOwnershipTransfer());
+    EXPECT_EQ(first->GetText(), "message 1");
+    EXPECT_EQ(second->GetText(), "");
+    EXPECT_STREQ(second->GetSourceFile(), "core/trunk/nxLogTest");
+    record << "again";
+    EXPECT_EQ(record.GetText(), "again");
+}
+
+TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)
+{
+    nxLog record(NX_LOG_LEVEL_INFO, "core/tr\nunk", 7, nxTimeStamp(0, 123456789));
+    record << "tab\tcr\rlf\nnul" << nxLogCharLenPair("\0", 1) << "esc\x1B"
+           << "del\x7F"
+           << "utf8 \xC3\xA9";
+    const std::string message =
+        "tab\tcr\\x0Dlf\\x0Anul\\x00esc\\x1B"
+        "del\\x7Futf8 \xC3\xA9";
+    char time[nxTimeStamp::TextSize];
+    ASSERT_NE(record.GetTimeStamp().GetAsStringFast(time, sizeof time), 0u);
+    const std::string index = std::to_string(record.GetThreadIndex());
+    const struct
+    {
+        nxLogLineStyle style;
+        std::string expected;
+    } rows[] = {
+        {{nxLogLineStyle::Full, true},
+         "[INF][" + std::string(time) + "][" + index + "] " + message + " [core/tr\\x0Aunk:7]\r\n"},
+        {{nxLogLineStyle::Full, false},
+         "[INF][" + std::string(time) + "][" + index + "] " + message + " [core/tr\\x0Aunk:7]\n"},
+        {{nxLogLineStyle::LevelAndText, false}, "[INF] " + message + "\n"},
+        {{nxLogLineStyle::TimeAndText, false}, "[" + std::string(time) + "] " + message + "\n"},
+    };
+    for (const auto& row : rows)
+    {
+        std::string line = "kept ";
+        nxLogLine::Append(line, record, row.style);
+        EXPECT_EQ(line, "kept " + row.expected);
+    }
+
+    nxLogManager::GetInstance().SetLogThreadIndex(false);
+    std::string line;
+    nxLogLine::Append(line, MakeRecord() << "x", {nxLogLineStyle::Full, true});
+    EXPECT_NE(line.find("] x [core/trunk/nxLogTest:7]\r\n"), std::string::npos);
+    EXPECT_EQ(line.find("][" + index + "]"), std::string::npos);
+    nxLogManager::GetInstance().SetLogThreadIndex(true);
+}
+
+TEST(nxLogLine, EscapesEveryByteOfEveryLength)
+{
+    // Every byte at every place of texts that are looked at eight bytes at a time.
+    for (std::size_t size = 1; size <= 18; ++size)
+        for (std::size_t place = 0; place < size; ++place)
+            for (unsigned byte = 0; byte < 256; ++byte)
+            {
+                std::string text(size, 'a');
+                text[place] = static_cast<char>(byte);
+                std::string expected = text;
+                if ((byte < 0x20 && byte != '\t') || byte == 0x7F)
+                {
+                    char escaped[5];
+                    std::snprintf(escaped, sizeof escaped, "\\x%02X", byte);
+                    expected.replace(place, 1, escaped);
+                }
+                std::string line;
+                nxLogLine::Append(line, MakeRecord() << text, {nxLogLineStyle::LevelAndText, false});
+                ASSERT_EQ(line, "[INF] " + expected + "\n") << byte;
+            }
+}
+
+TEST(nxLogStatement, CarriesThePlaceAndAllKindsOfValues)
+{
+    nxCapturingLogDevice device;
+    const nxTimeStamp before = nxTimeStamp::Now();
+    NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxSomewhere", 42)
+        << "all " << true << ' ' << std::string("of it ") << nxDecimal::ConstructFromValueAndDecimalPlaces(1250, 2)
+        << " " << nxErrorEnum(NX_ERR_NOT_FOUND) << " " << Order{3, 0.5} << " " << nxValueWrapper<unsigned>() << " "
+        << nxProductStateBitMask() << static_cast<const void*>(nullptr);
+    const nxLogLevelEnum level(NX_LOG_LEVEL_ERROR);
+    NX_LOG(level) << "second";
+    ASSERT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("second")));
+    const std::vector<nxCapturedRecord> records = device.GetRecords();
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(records[0].text, "all TRUE32of it 12.50 NX_ERR_NOT_FOUND 353@0.5 NULL 0x0");
+    EXPECT_EQ(records[0].sourceFile, "core/trunk/nxSomewhere");
+    EXPECT_EQ(records[0].line, 42u);
+    EXPECT_EQ(records[0].threadIndex, nxThreadIndex::GetIndexOfCurrentThread());
+    EXPECT_LT(std::abs(records[0].timeStamp.GetTotalSecondsAsDouble() - before.GetTotalSecondsAsDouble()), 60);
+    EXPECT_EQ(records[1].level, NX_LOG_LEVEL_ERROR);
+    EXPECT_NE(records[1].sourceFile.find("nxLogTest.cpp"), std::string::npos);
+}
+
+TEST(nxLogStatement, EvaluatesNothingBelowTheThreshold)
+{
+    nxCapturingLogDevice device;
+    int evaluated = 0;
+    // One expression: an else that follows belongs to the if before.
+    if (evaluated == 0)
+        NX_LOG(NX_LOG_LEVEL_DEBUG) << "never seen" << ++evaluated;
+    else
+        ++evaluated;
+    EXPECT_EQ(evaluated, 0);
+    nxLogManager::SetLogLevel(NX_LOG_LEVEL_DEBUG);
+    NX_LOG(NX_LOG_LEVEL_DEBUG) << "seen" << ++evaluated;
+    nxLogManager::SetLogLevel(nxLogLevelEnum());  // none, and so no change
+    EXPECT_EQ(nxLogManager::GetLogLevel(), NX_LOG_LEVEL_DEBUG);
+    nxLogManager::SetLogLevel(NX_LOG_LEVEL_INFO);
+    EXPECT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("seen1")));
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("never")), 0u);
+}
+
+TEST(nxLogStatement, MayLogInItsArguments)
+{
+    nxCapturingLogDevice device;
+    const auto inner = [](int depth, const auto& self) -> int
+    {
+        if (depth > 0)
+            NX_LOG(NX_LOG_LEVEL_INFO) << "nested " << depth << " got " << self(depth - 1, self);
+        nxLog record = MakeRecord();
+        record << "object in " << depth;
+        nxLogManager::GetInstance().Write(record);
+        return depth;
+    };
+    for (int round = 0; round < 3; ++round)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "outer " << inner(4, inner)
+                                  << std::string(static_cast<std::size_t>(round) * 200, 'x') << inner(1, inner);
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "end";
+    ASSERT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("end")));
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("outer 4")), 3u);
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("nested")), 15u);
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("object in")), 21u);
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("outer 4" + std::string(400, 'x') + "1")), 1u);
+}
+
+TEST(nxLogStatement, IsWrittenAsFarAsItCameWhenAnArgumentThrows)
+{
+    nxCapturingLogDevice device;
+    const auto fail = []() -> int { throw std::runtime_error("no value"); };
+    EXPECT_THROW(NX_LOG(NX_LOG_LEVEL_INFO) << "value: " << fail(), std::runtime_error);
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "end";
+    ASSERT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("end")));
+    ASSERT_EQ(device.GetRecords().size(), 2u);
+    EXPECT_EQ(device.GetRecords()[0].text, "value: ");
+}
+
+namespace
+{
+std::vector<std::string> DumpLines(const nxCapturingLogDevice& device)
+{
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "end of dump";
+    EXPECT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("end of dump")));
+    std::vector<std::string> lines;
+    for (const nxCapturedRecord& record : device.GetRecords())
+        lines.push_back(record.text);
+    lines.pop_back();
+    return lines;
+}
+}  // namespace
+
+TEST(nxLogHexDump, LooksAsPeopleExpect)
+{
+    nxCapturingLogDevice device;
+    const char bytes[] = "Hello world\n\x00\x7F\xFFtail";
+    EXPECT_TRUE(nxLog::LogBufferAsHex(bytes, 19, 16).IsOK());
+    EXPECT_TRUE(nxLog::LogBufferAsHex(bytes, 5, 4, NX_LOG_LEVEL_INFO, "here", 5, '?', false).IsOK());
+    EXPECT_TRUE(nxLog::LogBufferAsHex(bytes, 0, 16).IsOK());
+    const std::vector<std::string> expected = {
+        "Dumping memory as hex and ascii. At most 19 bytes of data will be dumped",
+        "00000000  48 65 6C 6C 6F 20 77 6F  72 6C 64 0A 00 7F FF 74  |Hello world....t|",
+        "00000010  61 69 6C                                          |ail|",
+        "Dumping memory as hex and ascii. At most 5 bytes of data will be dumped",
+        "48 65 6C 6C  |Hell|",
+        "6F           |o|",
+        "Dumping memory as hex and ascii. At most 0 bytes of data will be dumped",
+    };
+    EXPECT_EQ(DumpLines(device), expected);
+}
+
+TEST(nxLogHexDump, IsBoundedAndRefusesNonsense)
+{
+    nxCapturingLogDevice device;
+    const std::string large(nxLog::MaximumDump + 1, 'z');
+    const unsigned tooMany = nxLog::MaximumBytesPerLine + 1;
+    EXPECT_EQ(nxLog::LogBufferAsHex(nullptr, 10, 16), NX_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(nxLog::LogBufferAsHex("x", 1, 0), NX_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(nxLog::LogBufferAsHex("x", 1, tooMany), NX_ERR_INVALID_PARAMETER);
+    EXPECT_TRUE(nxLog::LogBufferAsHex("x", 1, 16, NX_LOG_LEVEL_DEBUG).IsOK());
+    EXPECT_TRUE(nxLog::LogBufferAsHex(large.data(), static_cast<unsigned>(large.size()), tooMany - 1).IsOK());
+    const std::vector<std::string> lines = DumpLines(device);
+    ASSERT_EQ(lines.size(), 4 + nxLog::MaximumDump / nxLog::MaximumBytesPerLine);
+    EXPECT_EQ(lines[0], "Unable to dump memory as hex and ascii. A null buffer was passed in");
+    EXPECT_EQ(lines[1], "Unable to dump memory as hex and ascii. Bytes per line value is not valid");
+    EXPECT_EQ(lines[2], lines[1]);
+    EXPECT_EQ(lines[3], "Dumping memory as hex and ascii. At most 65536 bytes of data will be dumped");
 }

@@ -1,0 +1,296 @@
+#include "core/log/internal/nxLogLineBuffer.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include "core/enum/nxLogLevelEnum.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogValueReader.h"
+#include "core/log/nxLogSource.h"
+#include "core/text/nxDigits.h"
+#include "core/text/nxStringHelper.h"
+
+namespace
+{
+constexpr std::size_t maximumMessage = std::size_t{1} << 20;
+constexpr std::size_t firstCapacity = 1024;
+// Room enough for any value that is not itself a text, and for everything in a line beside its texts.
+constexpr std::size_t longestValue = 256;
+constexpr std::string_view cutMark = "... [cut]";
+constexpr char hexDigits[] = "0123456789ABCDEF";
+constexpr char lowerHexDigits[] = "0123456789abcdef";
+
+bool IsControl(unsigned char byte) { return (byte < 0x20 && byte != '\t') || byte == 0x7F; }
+
+std::uint64_t LoadWord(const char* text)
+{
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+// Whether any of eight bytes may be a control byte. Errs on the side of yes, for tabs.
+bool MayHoldControl(std::uint64_t word)
+{
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    constexpr std::uint64_t tops = 0x8080808080808080;
+    const std::uint64_t below = (word - ones * 0x20) & ~word;
+    const std::uint64_t deletes = word ^ (ones * 0x7F);
+    return ((below | ((deletes - ones) & ~deletes)) & tops) != 0;
+}
+
+bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+// The largest size up to `limit` that tears no UTF-8 character of `text`, which is longer than `limit`.
+std::size_t CutPosition(std::string_view text, std::size_t limit)
+{
+    std::size_t position = limit;
+    while (position > 0 && limit - position < 3 && IsContinuation(text[position]))
+        --position;
+    return IsContinuation(text[position]) ? limit : position;
+}
+
+char* WriteHex(char* out, std::uint64_t value)
+{
+    char digits[16];
+    char* at = digits + sizeof digits;
+    do
+    {
+        *--at = lowerHexDigits[value & 15];
+        value >>= 4;
+    } while (value != 0);
+    return std::copy(at, digits + sizeof digits, out);
+}
+}  // namespace
+
+nxLogLineBuffer::~nxLogLineBuffer() { std::free(_begin); }
+
+bool nxLogLineBuffer::_Grow(std::size_t bytes) noexcept
+{
+    const std::size_t size = GetSize();
+    const std::size_t capacity = std::max({firstCapacity, 2 * static_cast<std::size_t>(_end - _begin), size + bytes});
+    char* const grown = static_cast<char*>(std::realloc(_begin, capacity));
+    if (grown == nullptr)
+        return false;
+    _begin = grown;
+    _cursor = grown + size;
+    _end = grown + capacity;
+    return true;
+}
+
+void nxLogLineBuffer::ShrinkTo(std::size_t bytes) noexcept
+{
+    if (GetSize() != 0 || static_cast<std::size_t>(_end - _begin) <= bytes)
+        return;
+    std::free(_begin);
+    _begin = _cursor = _end = nullptr;
+    _Grow(bytes);
+}
+
+bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
+{
+    if (!_Ensure(text.size() + longestValue))
+        return false;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end)
+    {
+        // Eight bytes at a time while none needs care; a piece of a careful eight becomes at most 32.
+        for (; end - at >= 8; at += 8)
+        {
+            const std::uint64_t word = LoadWord(at);
+            if (MayHoldControl(word)) [[unlikely]]
+                break;
+            std::memcpy(_cursor, &word, sizeof word);
+            _cursor += sizeof word;
+        }
+        const char* const pieceEnd = end - at < 8 ? end : at + 8;
+        for (; at != pieceEnd; ++at)
+        {
+            const auto byte = static_cast<unsigned char>(*at);
+            if (!IsControl(byte)) [[likely]]
+            {
+                *_cursor++ = *at;
+                continue;
+            }
+            const char escaped[] = {'\\', 'x', hexDigits[byte >> 4], hexDigits[byte & 15]};
+            _Put({escaped, sizeof escaped});
+        }
+        if (!_Ensure(static_cast<std::size_t>(end - at) + longestValue))
+            return false;
+    }
+    return true;
+}
+
+bool nxLogLineBuffer::_AppendText(std::string_view text, bool escape) noexcept
+{
+    if (escape)
+        return _AppendEscaped(text);
+    if (!_Ensure(text.size() + longestValue))
+        return false;
+    _Put(text);
+    return true;
+}
+
+bool nxLogLineBuffer::_AppendDouble(double value) noexcept
+{
+    try
+    {
+        return _AppendText(nxStringHelper::GetAsString(value), false);
+    }
+    catch (...)
+    {
+        return false;
+    }
+}
+
+bool nxLogLineBuffer::AppendMessage(const char* values, const char* end, bool escape) noexcept
+{
+    if (!_Ensure(longestValue))
+        return false;
+    // How much of the message has been written, a control byte counted once.
+    std::size_t written = 0;
+    // Every round finds room for one value that is not a text, and leaves as much.
+    for (nxLogValueReader value(values, end); value.Next();)
+    {
+        const std::size_t before = GetSize();
+        switch (value.GetTag())
+        {
+            case nxLogTag::Text:
+            {
+                const std::string_view text = value.GetText();
+                if (text.size() > maximumMessage - written) [[unlikely]]
+                {
+                    const std::string_view kept = text.substr(0, CutPosition(text, maximumMessage - written));
+                    if (!_AppendText(kept, escape))
+                        return false;
+                    _Put(cutMark);
+                    return true;
+                }
+                if (!_AppendText(text, escape))
+                    return false;
+                written += text.size();
+                continue;
+            }
+            case nxLogTag::KeptText:
+                if (!_AppendText(*value.Get<const std::string*>(), escape))
+                    return false;
+                break;
+            case nxLogTag::True:
+                _Put("TRUE");
+                break;
+            case nxLogTag::False:
+                _Put("FALSE");
+                break;
+            case nxLogTag::Signed32:
+                _cursor = nxDigits::WriteSigned(_cursor, value.Get<std::int32_t>());
+                break;
+            case nxLogTag::Unsigned32:
+                _cursor = nxDigits::Write(_cursor, value.Get<std::uint32_t>());
+                break;
+            case nxLogTag::Signed64:
+                _cursor = nxDigits::WriteSigned(_cursor, value.Get<std::int64_t>());
+                break;
+            case nxLogTag::Unsigned64:
+                _cursor = nxDigits::Write(_cursor, value.Get<std::uint64_t>());
+                break;
+            case nxLogTag::Decimal:
+                _cursor += value.Get<nxDecimal>().GetAsLogString(_cursor, '.');
+                break;
+            case nxLogTag::Double:
+                if (!_AppendDouble(value.Get<double>()))
+                    return false;
+                break;
+            case nxLogTag::Address:
+                _Put("0x");
+                _cursor = WriteHex(_cursor, value.Get<std::uint64_t>());
+                break;
+            case nxLogTag::Cut:
+                _Put(cutMark);
+                break;
+            case nxLogTag::DestinationUser:
+            case nxLogTag::SourceApplication:
+            case nxLogTag::End:
+                break;
+        }
+        written += GetSize() - before;
+        if (!_Ensure(longestValue))
+            return false;
+        if (written > maximumMessage) [[unlikely]]
+        {
+            _Put(cutMark);
+            return true;
+        }
+    }
+    return true;
+}
+
+void nxLogLineBuffer::_PutLevel(unsigned level) noexcept
+{
+    const std::string& text = nxLogLevelEnum(static_cast<nxEnumValue>(level)).GetShortDescription();
+    _Put(std::string_view(text).substr(0, longestValue / 2));
+}
+
+bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
+{
+    if (!_Ensure(longestValue))
+        return false;
+    _Put(" [");
+    if (!_AppendEscaped(file))
+        return false;
+    *_cursor++ = ':';
+    _cursor = nxDigits::Write(_cursor, line);
+    *_cursor++ = ']';
+    return true;
+}
+
+bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogLineStyle& style,
+                                   nxLogLineThread thread) noexcept
+{
+    if (!_Ensure(longestValue))
+        return false;
+    *_cursor++ = '[';
+    if (style.form == nxLogLineStyle::TimeAndText)
+        _Put(record.GetTimeText());
+    else
+        _PutLevel(record.level);
+    if (style.form == nxLogLineStyle::Full)
+    {
+        _Put("][");
+        _Put(record.GetTimeText());
+        if (thread.index)
+        {
+            _Put("][");
+            _cursor = nxDigits::Write(_cursor, record.threadIndex);
+            if (thread.processor)
+            {
+                *_cursor++ = '/';
+                _cursor = nxDigits::Write(_cursor, record.processor);
+            }
+        }
+    }
+    _Put("] ");
+    if (!AppendMessage(record.values, record.end, true))
+        return false;
+    if (style.form != nxLogLineStyle::Full)
+        return true;
+    if (record.source == nullptr)
+        return AppendSuffix(record.file, record.line);
+    return _AppendText({record.source->suffix, record.source->suffixSize}, false);
+}
+
+bool nxLogLineBuffer::AppendLine(const nxLogRecord& record, const nxLogLineStyle& style,
+                                 nxLogLineThread thread) noexcept
+{
+    const std::size_t start = GetSize();
+    if (!_AppendParts(record, style, thread) || !_Ensure(longestValue))
+    {
+        _cursor = _begin + start;
+        return false;
+    }
+    if (style.carriageReturn)
+        *_cursor++ = '\r';
+    *_cursor++ = '\n';
+    return true;
+}

@@ -1,0 +1,74 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGLINEBUFFER_H
+#define CORE_LOG_INTERNAL_NXLOGLINEBUFFER_H
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+#include "core/log/nxLogLineSink.h"
+
+struct nxLogRecord;
+
+/// What full lines tell about the reporting thread: "[7]", or "[7/1]" with the processor. Nothing without the index.
+struct nxLogLineThread
+{
+    bool index;
+    bool processor;
+};
+
+/// A growing piece of memory in which records become text: the one place that knows how each value and each line looks.
+///
+/// Errors: what there is no memory for is refused, and an incomplete line taken back. Threads: none.
+class nxLogLineBuffer
+{
+public:
+    nxLogLineBuffer() = default;
+    ~nxLogLineBuffer();
+    nxLogLineBuffer(const nxLogLineBuffer&) = delete;
+    nxLogLineBuffer& operator=(const nxLogLineBuffer&) = delete;
+
+    const char* GetText() const { return _begin; }
+    std::size_t GetSize() const { return static_cast<std::size_t>(_cursor - _begin); }
+
+    /// Keeps the memory.
+    void Clear() { _cursor = _begin; }
+    /// Makes room for @p bytes, so that appending so many takes no further memory.
+    bool Reserve(std::size_t bytes) noexcept { return _Ensure(bytes); }
+    /// Gives memory back that a giant line has left behind.
+    void ShrinkTo(std::size_t bytes) noexcept;
+
+    /// Appends one ended line. The record has its time text.
+    /// @return false, with nothing appended, when there is no memory for it.
+    bool AppendLine(const nxLogRecord& record, const nxLogLineStyle& style, nxLogLineThread thread) noexcept;
+
+    /// Appends the message of a record alone. @param escape whether control bytes but tabs become \xNN.
+    bool AppendMessage(const char* values, const char* end, bool escape) noexcept;
+
+    /// Appends how a full line ends: " [file:line]".
+    bool AppendSuffix(const char* file, unsigned line) noexcept;
+
+private:
+    // At least so many bytes behind the cursor.
+    bool _Ensure(std::size_t bytes) noexcept
+    {
+        return static_cast<std::size_t>(_end - _cursor) >= bytes || _Grow(bytes);
+    }
+    bool _Grow(std::size_t bytes) noexcept;
+
+    bool _AppendText(std::string_view text, bool escape) noexcept;
+    bool _AppendEscaped(std::string_view text) noexcept;
+    bool _AppendDouble(double value) noexcept;
+    bool _AppendParts(const nxLogRecord& record, const nxLogLineStyle& style, nxLogLineThread thread) noexcept;
+    void _PutLevel(unsigned level) noexcept;
+    void _Put(std::string_view text)
+    {
+        std::memcpy(_cursor, text.data(), text.size());
+        _cursor += text.size();
+    }
+
+    char* _begin = nullptr;
+    char* _cursor = nullptr;
+    char* _end = nullptr;
+};
+
+#endif

@@ -1,0 +1,153 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGQUEUE_H
+#define CORE_LOG_INTERNAL_NXLOGQUEUE_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "core/log/internal/nxLogRecord.h"
+#include "core/log/nxLogChannel.h"
+#include "core/platform/nxClock.h"
+#include "core/thread/nxMutex.h"
+
+class nxLog;
+
+/// The memory of one ring, its own bytes behind it.
+struct nxLogSegment
+{
+    nxLogSegment* nextFree;
+    std::size_t capacity;
+    char* begin;
+    char* end;  ///< Behind it is room for one jump.
+};
+
+/// The block of its own of a statement whose record did not fit into what its ring had left.
+struct nxLogSpill
+{
+    char* begin;
+    std::size_t capacity;
+    bool cut;  ///< The record takes no more values.
+};
+
+/// All channels of the process, and the memory that they share: bounded in bytes.
+///
+/// The filling side is every reporting thread, each with channels of its own; what takes more than the inline part of
+/// nxLogChannel is here. The emptying side is one thread at a time, whoever holds nxLogWriter's round. Never destroyed.
+class nxLogQueue
+{
+public:
+    static nxLogQueue& GetInstance() noexcept;
+
+    // The filling side.
+
+    nxLogRoom Open(nxLogChannel* channel, const nxLogSource* source) noexcept;
+    nxLogRoom Grow(nxLogRoom room, std::size_t bytes) noexcept;
+    void Close(const nxLogRoom& room, nxEnumValue level) noexcept;
+    /// Queues a copy of @p record.
+    void Write(const nxLog& record) noexcept;
+
+    /// The bound in bytes, for rings and large records together.
+    void SetMaximumBytes(std::size_t bytes) noexcept;
+    std::size_t GetMaximumBytes() const noexcept { return _maximumBytes.load(std::memory_order_relaxed); }
+    /// Allocates rings for about so many records in advance.
+    void Reserve(std::size_t records) noexcept;
+
+    // The emptying side. One round is BeginRound(), then Next() until there is none.
+
+    /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for
+    /// the next round, so that the threads' records go out in the order of time; not so with @p everything.
+    void BeginRound(bool everything) noexcept;
+    /// @return whether there is another record: the oldest of those left. Its bytes stay until the next call.
+    bool Next(nxLogRecord& record) noexcept;
+    /// Gives back the room of all records that Next() has returned, and tells those who wait for it.
+    void Release() noexcept;
+    /// Between rounds: frees what ended threads and past bursts left behind.
+    void Trim() noexcept;
+    /// Whether no channel holds a record.
+    bool IsEmpty() noexcept;
+
+    /// Appends copies of all records that wait; only that the order is kept within each thread.
+    void CopyRecords(std::vector<nxLog>& records);
+
+    void CountDrop() noexcept { _dropped.fetch_add(1, std::memory_order_relaxed); }
+    /// Whenever a device has returned: the sign of life that waiting callers watch.
+    void CountProgress() noexcept;
+
+    std::uint64_t GetDropped() const noexcept { return _dropped.load(std::memory_order_relaxed); }
+    std::uint64_t GetWaits() const noexcept { return _waits.load(std::memory_order_relaxed); }
+    std::size_t GetBytes() const noexcept { return _bytes.load(std::memory_order_relaxed); }
+    std::uint32_t GetProgress() const noexcept { return _progress.load(std::memory_order_acquire); }
+
+    void BeforeFork() noexcept { _mutex.Lock(); }
+    void AfterForkInParent() noexcept { _mutex.Unlock(); }
+    void AfterForkInChild() noexcept;
+
+    static void ThreadEnds(void* firstChannel) noexcept;
+
+private:
+    nxLogQueue() noexcept = default;
+    ~nxLogQueue() = delete;
+
+    // What may be done to make room in a channel.
+    enum class Effort
+    {
+        Extend,  // use what is free behind the head
+        Move,    // begin at the start of the ring again, or in a further one
+        Wait     // wait for the writer as long as it makes progress
+    };
+
+    nxLogChannel* _Attach() noexcept;
+    nxLogChannel* _NewChannel() noexcept;
+    nxLogSegment* _TakeSegment() noexcept;
+    nxLogSegment* _AllocateSegment(std::size_t capacity) noexcept;
+    void _GiveSegment(nxLogSegment* segment) noexcept;
+    void _FreeSegment(nxLogSegment* segment) noexcept;
+    bool _ClaimBytes(std::size_t bytes) noexcept;
+
+    bool _FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
+    static bool _LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
+    bool _AppendSegment(nxLogChannel& channel) noexcept;
+    template <class Attempt>
+    bool _WaitUntil(const Attempt& attempt) noexcept;
+    nxLogRoom _OpenSpill(nxLogChannel* channel, const nxLogSource* source) noexcept;
+    template <class Fill>
+    bool _Append(nxLogChannel& channel, std::size_t size, const Fill& fill) noexcept;
+    bool _AppendElsewhere(nxLogChannel& channel, char* block, std::size_t size) noexcept;
+
+    const char* _Peek(nxLogChannel& channel) noexcept;
+    void _Pick() noexcept;
+    void _StepOver() noexcept;
+    static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;
+    static nxLogRecord _Decode(const char* bytes, const nxLogChannel& channel, const nxClockScale& scale) noexcept;
+
+    static constexpr std::size_t _ringSize = std::size_t{256} << 10;
+    static constexpr std::size_t _smallRingSize = std::size_t{16} << 10;
+    static constexpr std::size_t _spareSegments = 4;
+
+    nxMutex _mutex;  // the lists of channels and segments, and the moving of tails
+    nxLogChannel* _channels = nullptr;
+    nxLogChannel* _freeChannels = nullptr;
+    nxLogSegment* _freeSegments = nullptr;
+    std::size_t _freeSegmentCount = 0;
+    std::atomic<std::size_t> _reservedSegments{0};
+
+    std::atomic<std::size_t> _bytes{0};
+    std::atomic<std::size_t> _maximumBytes{std::size_t{64} << 20};
+    std::atomic<std::uint64_t> _dropped{0};
+    std::atomic<std::uint64_t> _waits{0};
+    std::atomic<std::uint32_t> _progress{0};
+    std::atomic<std::uint32_t> _waiting{0};
+    std::atomic<std::uint64_t> _stalledAt{~std::uint64_t{0}};  // the progress at which a caller gave up waiting
+
+    // The round, touched by the emptying thread only.
+    nxLogChannel* _round = nullptr;  // the channels that had records when it began
+    nxLogChannel* _current = nullptr;
+    bool _mustStep = false;     // the record at _current's _read has been returned
+    std::uint64_t _bound = 0;   // up to which _current may go before another channel's turn
+    std::uint64_t _cutOff = 0;  // records begun later belong to the next round
+    bool _everything = false;
+    nxClockScale _scale;
+};
+
+#endif

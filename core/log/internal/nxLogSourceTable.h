@@ -1,0 +1,34 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGSOURCETABLE_H
+#define CORE_LOG_INTERNAL_NXLOGSOURCETABLE_H
+
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "core/log/nxLogSource.h"
+#include "core/thread/nxMutex.h"
+
+/// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
+class nxLogSourceTable
+{
+public:
+    static nxLogSourceTable& GetInstance() noexcept;
+
+    /// @return the place, the same object for equal arguments. Throws without memory.
+    const nxLogSource* Keep(const char* file, unsigned line);
+
+    void BeforeFork() noexcept { _mutex.Lock(); }
+    void AfterForkInParent() noexcept { _mutex.Unlock(); }
+    void AfterForkInChild() noexcept;
+
+private:
+    using Key = std::pair<std::string_view, unsigned>;
+
+    nxLogSourceTable() noexcept = default;
+    ~nxLogSourceTable() = delete;
+
+    nxMutex _mutex;
+    std::map<Key, nxLogSource> _sources;
+};
+
+#endif

@@ -1,0 +1,500 @@
+#include "core/log/internal/nxLogWriter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+
+#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/log/nxLogDeferredWriteThread.h"
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogMacros.h"
+#include "core/log/nxLogManager.h"
+#include "core/platform/nxClock.h"
+#include "core/platform/nxFutex.h"
+#include "core/platform/nxThreadHooks.h"
+#include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t millisecond = 1'000'000;
+// How long the thread sleeps between two looks, while records come and while none do.
+constexpr std::int64_t busySleep = 3 * millisecond / 2;
+constexpr std::int64_t idleSleep = 100 * millisecond;
+// After how many looks in vain the sleeps become long.
+constexpr unsigned patience = 64;
+// Lines go out in pieces of this size.
+constexpr std::size_t batchSize = std::size_t{1} << 20;
+constexpr std::size_t batchCapacity = batchSize + (std::size_t{1} << 16);
+// How often in a long round the callers get back what has been taken.
+constexpr unsigned recordsPerRelease = 256;
+// What is kept of the records from before the first device, with what each costs beside its values.
+constexpr std::size_t maximumEarlyBytes = std::size_t{1} << 20;
+constexpr std::size_t dateSize = 7;
+
+// States of the word that the thread sleeps on.
+constexpr std::uint32_t awake = 0;
+constexpr std::uint32_t called = 1;
+constexpr std::uint32_t asleep = 2;
+
+constinit thread_local bool isWriter = false;
+
+bool HasReached(std::uint32_t reached, std::uint32_t ticket)
+{
+    return static_cast<std::int32_t>(reached - ticket) >= 0;
+}
+
+// At the end of the process the queue is written out, unless a device keeps it up too long.
+void WriteOutAtExit()
+{
+    constexpr std::int64_t longest = 10 * second;
+    constexpr std::int64_t longestStall = 2 * second;
+    nxLogWriter::GetInstance().WriteOut(longest, longestStall);
+}
+
+// Once more when the library itself ends: static destructors that ran meanwhile may have reported.
+[[gnu::destructor]] void WriteOutAtUnload() { WriteOutAtExit(); }
+}  // namespace
+
+nxLogWriter& nxLogWriter::GetInstance() noexcept
+{
+    // Never destroyed: threads and static destructors report to the very end.
+    alignas(nxLogWriter) static unsigned char storage[sizeof(nxLogWriter)];
+    static nxLogWriter& writer = *::new (storage) nxLogWriter;
+    return writer;
+}
+
+// The thread.
+
+bool nxLogWriter::EnsureRunning() noexcept
+{
+    if (_running.load(std::memory_order_acquire)) [[likely]]
+        return true;
+    // Whoever finds another thread at it leaves it to that one.
+    if (!_startMutex.TryLock().IsOK())
+        return false;
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    bool running = _running.load(std::memory_order_acquire);
+    if (!running && now >= _nextStart)
+    {
+        static const bool registered = nxThreadHooks::AtExit(&WriteOutAtExit);
+        static_cast<void>(registered);
+        if (_thread != nullptr)
+            _thread->Wait();  // it has ended: that is what _running says
+        else
+            _thread = new (std::nothrow) nxLogDeferredWriteThread;
+        _stop.store(false, std::memory_order_relaxed);
+        _running.store(true, std::memory_order_release);
+        running = _thread != nullptr && _thread->Create().IsOK();
+        if (!running)
+        {
+            _running.store(false, std::memory_order_release);
+            _nextStart = now + second;
+        }
+    }
+    _startMutex.Unlock();
+    return running;
+}
+
+bool nxLogWriter::Stop(std::int64_t limit) noexcept
+{
+    if (!MayWait())
+        return false;
+    const nxMutexGuard guard(_startMutex);
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
+    _stop.store(true, std::memory_order_relaxed);
+    while (_running.load(std::memory_order_acquire))
+    {
+        Wake();
+        const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
+        if (left <= 0)
+        {
+            // It will end when the device lets it. A new object for the next start.
+            _thread = nullptr;
+            return false;
+        }
+        nxFutex::Wait(_reached, _reached.load(std::memory_order_relaxed), std::min(left, millisecond));
+    }
+    if (_thread != nullptr)
+        _thread->Wait();
+    return true;
+}
+
+void nxLogWriter::Wake() noexcept
+{
+    if (_wake.exchange(called, std::memory_order_acq_rel) == asleep)
+        nxFutex::WakeAll(_wake);
+}
+
+bool nxLogWriter::MayWait() const noexcept { return !isWriter && !nxLogDeviceEntry::IsThreadInsideAny(); }
+
+void nxLogWriter::_Sleep(bool busy) noexcept
+{
+    std::uint32_t expected = awake;
+    if (_wake.compare_exchange_strong(expected, asleep, std::memory_order_acq_rel))
+        nxFutex::Wait(_wake, asleep, busy ? busySleep : idleSleep);
+    _wake.store(awake, std::memory_order_release);
+}
+
+void nxLogWriter::_Run() noexcept
+{
+    nxThreadHooks::BecomeServiceThread("nxlog");
+    isWriter = true;
+    unsigned inVain = 0;
+    while (!_stop.load(std::memory_order_relaxed))
+    {
+        _roundMutex.Lock();
+        const bool found = _WriteQueued();
+        _roundMutex.Unlock();
+        inVain = found ? 0 : inVain + 1;
+        const bool busy = inVain < patience;
+        if (inVain == patience)
+            nxLogQueue::GetInstance().Trim();
+        inVain = std::min(inVain, patience + 1);
+        _Sleep(busy);
+    }
+    isWriter = false;
+    _running.store(false, std::memory_order_release);
+}
+
+void nxLogWriter::DrainHere() noexcept
+{
+    if (!MayWait() || !_roundMutex.TryLock().IsOK())
+        return;
+    isWriter = true;
+    _WriteQueued();
+    isWriter = false;
+    _roundMutex.Unlock();
+}
+
+bool nxLogWriter::WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept
+{
+    return MayWait() && _WaitUntilWritten(limit, stallLimit, true);
+}
+
+bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, bool mayStart) noexcept
+{
+    const nxLogQueue& queue = nxLogQueue::GetInstance();
+    const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
+    const std::int64_t begin = nxClock::MonotonicNanoseconds();
+    std::int64_t lastSign = begin;
+    std::uint32_t progress = queue.GetProgress();
+    for (;;)
+    {
+        if (!(mayStart ? EnsureRunning() : _running.load(std::memory_order_acquire)))
+            DrainHere();
+        Wake();
+        const std::uint32_t reached = _reached.load(std::memory_order_acquire);
+        if (HasReached(reached, ticket))
+            return true;
+        const std::int64_t now = nxClock::MonotonicNanoseconds();
+        if (queue.GetProgress() != progress)
+        {
+            progress = queue.GetProgress();
+            lastSign = now;
+        }
+        const std::int64_t left = std::min(limit - (now - begin), stallLimit - (now - lastSign));
+        if (left <= 0)
+            return false;
+        nxFutex::Wait(_reached, reached, std::min(left, 10 * millisecond));
+    }
+}
+
+void nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
+{
+    // A thread that ends the process from inside a device cannot wait for itself.
+    const bool nothingEver = !_running.load(std::memory_order_acquire) && nxLogQueue::GetInstance().IsEmpty();
+    if (!nothingEver && MayWait())
+        _WaitUntilWritten(limit, stallLimit, false);
+}
+
+void nxLogWriter::SetFlushInterval(double seconds) noexcept
+{
+    constexpr double most = 3'600;
+    const double clamped = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, most);
+    _flushInterval.store(static_cast<std::int64_t>(clamped * 1e9), std::memory_order_relaxed);
+}
+
+// A round.
+
+// Everything that one look at the queue entails. With the round's mutex.
+bool nxLogWriter::_WriteQueued() noexcept
+{
+    const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
+    const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
+    const bool found = _DoRound(isAwaited);
+    _FlushWhereDue(isAwaited);
+    _ReportLosses();
+    if (isAwaited)
+    {
+        _reached.store(wanted, std::memory_order_release);
+        nxFutex::WakeAll(_reached);
+    }
+    return found;
+}
+
+bool nxLogWriter::_DoRound(bool everything) noexcept
+{
+    nxLogQueue& queue = nxLogQueue::GetInstance();
+    nxClock::Recalibrate();
+    try
+    {
+        _BeginRound();
+    }
+    catch (...)
+    {
+        // The records stay where they are until there is memory.
+        return false;
+    }
+    _WriteEarly();
+    queue.BeginRound(everything);
+    nxLogRecord record;
+    unsigned count = 0;
+    while (queue.Next(record))
+    {
+        _Pass(record);
+        if (++count % recordsPerRelease == 0)
+            queue.Release();
+    }
+    _SendBatches();
+    if (count != 0)
+        queue.Release();
+    if (_round->worstLevel >= NX_LOG_LEVEL_WARNING)
+        _FlushDevices(false);
+    return count != 0;
+}
+
+// Looks at which devices there are, and at the lines that they want.
+void nxLogWriter::_BeginRound()
+{
+    if (_round == nullptr)
+        _round = std::make_unique<Round>();
+    Round& round = *_round;
+    round.devices = nxLogDeviceList::GetInstance().Get();
+    const nxLogManager& manager = nxLogManager::GetInstance();
+    round.thread = {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()};
+    round.worstLevel = NX_ENUM_UNDEFINED;
+    round.batchOfDevice.assign(round.devices->size(), nullptr);
+    for (const auto& batch : round.batches)
+        batch->isWanted = false;
+    for (std::size_t index = 0; index < round.devices->size(); ++index)
+    {
+        nxLogDeviceEntry& entry = *(*round.devices)[index];
+        if (entry.GetLineSink() == nullptr)
+            continue;
+        nxLogLineStyle style;
+        entry.Call([&](nxLogDevice&) { style = entry.GetLineSink()->GetLineStyle(); });
+        round.batchOfDevice[index] = &_GetBatch(style);
+    }
+    if (!round.devices->empty())
+        _hadDevices = true;
+}
+
+// The batch of lines in this style. There are few styles, so a batch once made is kept.
+nxLogWriter::Batch& nxLogWriter::_GetBatch(const nxLogLineStyle& style)
+{
+    for (const auto& batch : _round->batches)
+        if (batch->style == style)
+        {
+            batch->isWanted = true;
+            return *batch;
+        }
+    auto batch = std::make_unique<Batch>();
+    batch->style = style;
+    batch->isWanted = true;
+    if (!batch->lines.Reserve(batchCapacity))
+        throw std::bad_alloc();
+    _round->batches.push_back(std::move(batch));
+    return *_round->batches.back();
+}
+
+// The first device gets what was reported before there was one.
+void nxLogWriter::_WriteEarly() noexcept
+{
+    if (_early.empty() || _round->devices->empty())
+        return;
+    for (const nxLog& early : _early)
+    {
+        nxLogRecord record = early._GetRecord();
+        _Pass(record);
+    }
+    _early = std::vector<nxLog>();
+    _earlyBytes = 0;
+}
+
+void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
+{
+    const std::size_t cost = sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values);
+    if (_hadDevices || _earlyBytes + cost > maximumEarlyBytes)
+    {
+        _unheard.fetch_add(1, std::memory_order_relaxed);
+        return;
+    }
+    try
+    {
+        const nxLog borrowed(record);
+        _early.push_back(borrowed);
+        _earlyBytes += cost;
+    }
+    catch (...)
+    {
+        _unheard.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+void nxLogWriter::_Pass(nxLogRecord& record) noexcept
+{
+    Round& round = *_round;
+    if (round.devices->empty())
+    {
+        _KeepEarly(record);
+        return;
+    }
+    record.MakeTimeText();
+    // No batch holds lines of two days.
+    if (std::memcmp(round.date, record.timeText, dateSize) != 0)
+    {
+        _SendBatches();
+        std::memcpy(round.date, record.timeText, dateSize);
+    }
+    bool full = false;
+    for (const auto& batch : round.batches)
+        if (batch->isWanted)
+        {
+            _AppendToBatch(*batch, record);
+            full = full || batch->lines.GetSize() >= batchSize;
+        }
+    if (full)
+        _SendBatches();
+    _PassRecord(record);
+    round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
+    _unflushed = true;
+    _written.fetch_add(1, std::memory_order_relaxed);
+}
+
+void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
+{
+    if (!batch.lines.AppendLine(record, batch.style, _round->thread))
+    {
+        nxLogQueue::GetInstance().CountDrop();
+        return;
+    }
+    if (batch.count++ == 0)
+        batch.seconds = record.time.seconds;
+    batch.worstLevel = std::max(batch.worstLevel, static_cast<nxEnumValue>(record.level));
+}
+
+// To the devices that take records instead of lines.
+void nxLogWriter::_PassRecord(const nxLogRecord& record) noexcept
+{
+    const Round& round = *_round;
+    for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
+    {
+        if (round.batchOfDevice[index] != nullptr)
+            continue;
+        const nxLog borrowed(record);
+        (*round.devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
+        nxLogQueue::GetInstance().CountProgress();
+    }
+}
+
+void nxLogWriter::_SendBatches() noexcept
+{
+    const Round& round = *_round;
+    for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
+    {
+        const Batch* const batch = round.batchOfDevice[index];
+        if (batch == nullptr || batch->count == 0)
+            continue;
+        nxLogDeviceEntry& entry = *(*round.devices)[index];
+        const nxLogLineBatch lines{batch->lines.GetText(), batch->lines.GetSize(), batch->count, batch->worstLevel,
+                                   batch->seconds};
+        entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
+        nxLogQueue::GetInstance().CountProgress();
+    }
+    for (const auto& batch : round.batches)
+    {
+        batch->lines.Clear();
+        batch->lines.ShrinkTo(batchCapacity);
+        batch->count = 0;
+        batch->worstLevel = NX_ENUM_UNDEFINED;
+    }
+}
+
+// `linesToo`: also the devices that take lines, which see to warnings themselves.
+void nxLogWriter::_FlushDevices(bool linesToo) noexcept
+{
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *devices)
+        if (linesToo || entry->GetLineSink() == nullptr)
+        {
+            entry->Call([](nxLogDevice& device) { device.Flush(); });
+            nxLogQueue::GetInstance().CountProgress();
+        }
+}
+
+void nxLogWriter::_FlushWhereDue(bool now) noexcept
+{
+    const std::int64_t time = nxClock::MonotonicNanoseconds();
+    if (!_unflushed)
+    {
+        // The interval begins with the first record after a flush.
+        _lastFlush = time;
+        if (!now)
+            return;
+    }
+    if (!now && time - _lastFlush < _flushInterval.load(std::memory_order_relaxed))
+        return;
+    _FlushDevices(true);
+    _unflushed = false;
+    _lastFlush = time;
+}
+
+// Tells in the log what the log has lost, and who had to wait; once for what has come together in a second.
+void nxLogWriter::_ReportLosses() noexcept
+{
+    const nxLogQueue& queue = nxLogQueue::GetInstance();
+    const std::uint64_t drops = queue.GetDropped() - _reportedDrops;
+    const std::uint64_t waits = queue.GetWaits() - _reportedWaits;
+    if (drops == 0 && waits == 0)
+        return;
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    if (_lastReport != 0 && now - _lastReport < second)
+        return;
+    _lastReport = now;
+    _reportedDrops += drops;
+    _reportedWaits += waits;
+    if (drops != 0)
+        NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxLogManager", 211)
+            << "Log records dropped because the queue was full and a device had stalled: " << drops
+            << ", callers that waited: " << waits;
+    else
+        NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxLogManager", 215)
+            << "Callers that waited because the log's queue was full: " << waits;
+}
+
+void nxLogWriter::AfterForkInChild() noexcept
+{
+    // Whatever the parent's thread was at is left as it was caught, and not touched again.
+    ::new (&_startMutex) nxMutex;
+    ::new (&_roundMutex) nxMutex;
+    static_cast<void>(_round.release());
+    ::new (&_early) std::vector<nxLog>;
+    _earlyBytes = 0;
+    _thread = nullptr;
+    _running.store(false, std::memory_order_relaxed);
+    _stop.store(false, std::memory_order_relaxed);
+    _nextStart = 0;
+    _wake.store(awake, std::memory_order_relaxed);
+    _wanted.store(0, std::memory_order_relaxed);
+    _reached.store(0, std::memory_order_relaxed);
+    _unflushed = false;
+    _reportedDrops = _reportedWaits = 0;
+    _lastReport = 0;
+    _written.store(0, std::memory_order_relaxed);
+    _unheard.store(0, std::memory_order_relaxed);
+}

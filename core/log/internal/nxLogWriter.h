@@ -1,0 +1,129 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGWRITER_H
+#define CORE_LOG_INTERNAL_NXLOGWRITER_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogLineBuffer.h"
+#include "core/log/nxLog.h"
+#include "core/thread/nxMutex.h"
+
+class nxLogDeferredWriteThread;
+struct nxLogRecord;
+
+/// What the deferred-write thread does: takes the queued records in rounds and passes them to the devices.
+///
+/// A round belongs to one thread at a time. That is the deferred-write thread; another one only where that thread
+/// cannot run, so that records are written all the same. Never destroyed.
+class nxLogWriter
+{
+public:
+    static nxLogWriter& GetInstance() noexcept;
+
+    /// Starts the deferred-write thread unless it runs. Never waits for it.
+    /// @return whether it runs.
+    bool EnsureRunning() noexcept;
+    /// Ends the deferred-write thread. @return whether it ended within @p patience nanoseconds.
+    bool Stop(std::int64_t patience) noexcept;
+
+    /// Makes the deferred-write thread look at once.
+    void Wake() noexcept;
+    /// Whether the calling thread may wait for the writer: it is not the writer itself, nor inside a device.
+    bool MayWait() const noexcept;
+    /// Does one round in the calling thread, if nobody else is at one.
+    void DrainHere() noexcept;
+
+    /// Waits until all that was queued before the call has been written and flushed.
+    /// @param limit, stallLimit nanoseconds: how long at most, and how long without a sign of life from the devices.
+    /// @return whether it has been.
+    bool WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept;
+
+    /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
+    void WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
+
+    /// Seconds between two flushes of devices that have been written to; 0 or less means after every round.
+    void SetFlushInterval(double seconds) noexcept;
+
+    std::uint64_t GetWritten() const noexcept { return _written.load(std::memory_order_relaxed); }
+    std::uint64_t GetUnheard() const noexcept { return _unheard.load(std::memory_order_relaxed); }
+
+    void AfterForkInChild() noexcept;
+
+private:
+    friend class nxLogDeferredWriteThread;
+
+    /// The lines of one style that wait for the devices that want it.
+    struct Batch
+    {
+        nxLogLineStyle style;
+        nxLogLineBuffer lines;
+        unsigned count = 0;
+        nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
+        long long seconds = 0;
+        bool isWanted = false;  // in this round
+    };
+
+    /// What a round works with; its own object, so that a forked child can start anew.
+    struct Round
+    {
+        std::shared_ptr<const nxLogDeviceList::Entries> devices;
+        std::vector<std::unique_ptr<Batch>> batches;
+        std::vector<Batch*> batchOfDevice;  // null for a device that takes records
+        char date[8] = {};                  // of the lines in the batches
+        nxLogLineThread thread{};
+        nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
+    };
+
+    nxLogWriter() noexcept = default;
+    ~nxLogWriter() = delete;
+
+    void _Run() noexcept;
+    bool _WriteQueued() noexcept;
+    void _Sleep(bool busy) noexcept;
+
+    bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, bool mayStart) noexcept;
+    bool _DoRound(bool everything) noexcept;
+    void _BeginRound();
+    Batch& _GetBatch(const nxLogLineStyle& style);
+    void _WriteEarly() noexcept;
+    void _KeepEarly(const nxLogRecord& record) noexcept;
+    void _Pass(nxLogRecord& record) noexcept;
+    void _PassRecord(const nxLogRecord& record) noexcept;
+    void _AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept;
+    void _SendBatches() noexcept;
+    void _FlushDevices(bool linesToo) noexcept;
+    void _FlushWhereDue(bool now) noexcept;
+    void _ReportLosses() noexcept;
+
+    nxMutex _startMutex;
+    std::atomic<bool> _running{false};
+    std::atomic<bool> _stop{false};
+    std::int64_t _nextStart = 0;
+    nxLogDeferredWriteThread* _thread = nullptr;
+
+    std::atomic<std::uint32_t> _wake{0};
+    std::atomic<std::uint32_t> _wanted{0};   // the number of the last wait
+    std::atomic<std::uint32_t> _reached{0};  // the number of the wait that has been satisfied last
+
+    nxMutex _roundMutex;
+    std::unique_ptr<Round> _round;
+    std::vector<nxLog> _early;  // records from before the first device
+    std::size_t _earlyBytes = 0;
+    bool _hadDevices = false;
+    bool _unflushed = false;
+    std::int64_t _lastFlush = 0;
+    std::atomic<std::int64_t> _flushInterval{1'000'000'000};
+
+    std::atomic<std::uint64_t> _written{0};
+    std::atomic<std::uint64_t> _unheard{0};
+    std::uint64_t _reportedDrops = 0;
+    std::uint64_t _reportedWaits = 0;
+    std::int64_t _lastReport = 0;
+};
+
+#endif

@@ -1,0 +1,152 @@
+#ifndef CORE_LOG_NXLOGCHANNEL_H
+#define CORE_LOG_NXLOGCHANNEL_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "core/enum/nxEnumValue.h"
+#include "core/nxExport.h"
+#include "core/platform/nxClock.h"
+
+struct nxLogSource;
+struct nxLogSegment;
+struct nxLogSpill;
+
+/// What stands in front of every queued record. The values follow as tagged bytes; sizes are rounded up to 8.
+struct nxLogRecordHeader
+{
+    /// What follows the header.
+    enum Kind : std::uint8_t
+    {
+        Statement,  ///< The values of an NX_LOG statement.
+        Object,     ///< nxLogObjectFields, the source file with a NUL, then the values of an nxLog.
+        Elsewhere,  ///< A pointer to a block with the whole record; for very large ones.
+        Jump        ///< Not a record: a pointer to where the next one stands. Nothing else in the header counts.
+    };
+
+    std::uint32_t size;       ///< Bytes of header and values, not rounded.
+    std::uint16_t processor;  ///< Where the thread ran.
+    std::uint8_t level;       ///< An nxLogLevelEnum; all its values fit.
+    Kind kind;                ///< What follows.
+    std::uint64_t ticks;      ///< nxClock::Ticks() when the record was begun (Statement) or handed over (Object).
+    const void* source;       ///< Statement: its nxLogSource.
+};
+static_assert(sizeof(nxLogRecordHeader) == 24);
+
+/// Where an open statement writes: the free part of its thread's channel, or a block of its own.
+struct nxLogRoom
+{
+    class nxLogChannel* channel;  ///< The channel that the statement has taken; null when there was no memory for one.
+    char* cursor;                 ///< Where the next value goes.
+    char* end;                    ///< The end of the room.
+    nxLogSpill* spill;            ///< The block, when the channel's own room did not do.
+};
+
+/// The way of one thread's records to the deferred-write thread: a ring in memory that one thread fills and one
+/// empties, without a lock. Full rings are followed by further ones, up to the bound that all channels share.
+///
+/// Internal to the log: the part that has to be inline in every reporting statement.
+///
+/// A statement takes its thread's channel while it is open. Whatever logs meanwhile on the same thread - a function
+/// called by an argument - finds the channel's nested one.
+class NX_CORE_API nxLogChannel
+{
+public:
+    nxLogChannel(const nxLogChannel&) = delete;
+    nxLogChannel& operator=(const nxLogChannel&) = delete;
+
+    /// Takes the calling thread's channel and begins a record in it. Never waits.
+    [[gnu::always_inline]] static nxLogRoom Open(const nxLogSource* source) noexcept
+    {
+        nxLogChannel* const channel = _current;
+        if (channel == nullptr) [[unlikely]]
+            return _OpenFirst(source);
+        _current = channel->_nested;
+        // A signal handler that logs here finds the nested channel, or has finished with this one.
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        char* const begin = channel->_head.load(std::memory_order_relaxed);
+        if (channel->_limit - begin < static_cast<std::ptrdiff_t>(MinimumRoom)) [[unlikely]]
+            return _OpenSlowly(channel, source);
+        _WriteHeader(begin, source);
+        return {channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
+    }
+
+    /// Publishes the record and gives the channel back. May wait for room when the record did not fit.
+    [[gnu::always_inline]] static void Close(const nxLogRoom& room, nxEnumValue level) noexcept
+    {
+        if (room.spill != nullptr || room.channel == nullptr) [[unlikely]]
+        {
+            _CloseSlowly(room, level);
+            return;
+        }
+        nxLogChannel* const channel = room.channel;
+        char* const begin = channel->_head.load(std::memory_order_relaxed);
+        const auto size = static_cast<std::uint64_t>(room.cursor - begin);
+        const std::uint64_t word = size | static_cast<std::uint64_t>(*channel->_processor & 0xFFFF) << 32 |
+                                   static_cast<std::uint64_t>(level & 0xFF) << 48;
+        std::memcpy(begin, &word, sizeof word);
+        channel->_head.store(begin + ((size + 7) & ~std::uint64_t{7}), std::memory_order_release);
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        _current = channel;
+        if (level >= NX_LOG_LEVEL_WARNING)
+            WakeWriter();
+    }
+
+    /// @return @p room with at least @p bytes free; the values written so far may have moved. With too little memory
+    /// the
+    ///         room stays too small.
+    [[gnu::cold, gnu::noinline]] static nxLogRoom Grow(nxLogRoom room, std::size_t bytes) noexcept;
+
+    /// Makes the deferred-write thread look at once.
+    static void WakeWriter() noexcept;
+
+    /// What a record may count on when it is begun; what needs more may have to move.
+    static constexpr std::size_t MinimumRoom = 256;
+
+private:
+    friend class nxLogQueue;
+    nxLogChannel() = default;
+
+    [[gnu::always_inline]] static void _WriteHeader(char* begin, const nxLogSource* source) noexcept
+    {
+        const std::uint64_t ticks = nxClock::Ticks();
+        std::memcpy(begin + 8, &ticks, sizeof ticks);
+        std::memcpy(begin + 16, &source, sizeof source);
+        // The record after next: its lines were last read by the other thread, so fetch them back in good time.
+        __builtin_prefetch(begin + _prefetchDistance, 1);
+        __builtin_prefetch(begin + _prefetchDistance + 64, 1);
+    }
+    [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenFirst(const nxLogSource* source) noexcept;
+    [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenSlowly(nxLogChannel* channel,
+                                                              const nxLogSource* source) noexcept;
+    [[gnu::cold, gnu::noinline]] static void _CloseSlowly(const nxLogRoom& room, nxEnumValue level) noexcept;
+
+    static constexpr std::ptrdiff_t _prefetchDistance = 512;
+
+    // The channel that a record of the calling thread goes to; null before the first one and while all its channels are
+    // taken. Initial-exec: read without a call, from whatever module the code is inlined into.
+    static constinit thread_local nxLogChannel* _current __attribute__((tls_model("initial-exec")));
+
+    // Written by the filling thread only.
+    std::atomic<char*> _head{nullptr};              // where the next record will begin; what stands before is published
+    char* _limit = nullptr;                         // up to where it may write without looking
+    nxLogChannel* _nested = nullptr;                // who serves the thread while this one is taken
+    const volatile unsigned* _processor = nullptr;  // the number of the processor the thread runs on
+    nxLogSegment* _segment = nullptr;               // where the head is
+    unsigned _threadIndex = 0;
+    std::atomic<bool> _ended{false};  // the thread is gone: nothing will follow
+
+    // Written by the emptying thread only.
+    alignas(64) std::atomic<char*> _tail{nullptr};  // what stands before is free again
+    char* _read = nullptr;                          // the next record to be read
+    char* _seen = nullptr;                          // the head as the current round found it
+    char* _owed = nullptr;                          // up to where this round must go: what the last one held back
+    nxLogSegment* _readSegment = nullptr;           // where _read is
+    bool _finished = false;                         // nothing more in this round
+    nxLogChannel* _nextInRound = nullptr;           // in the list of this round's channels
+    nxLogChannel* _next = nullptr;                  // in the list of all channels, under the queue's mutex
+};
+
+#endif

@@ -1,0 +1,18 @@
+#ifndef CORE_LOG_NXLOGDEFERREDWRITETHREAD_H
+#define CORE_LOG_NXLOGDEFERREDWRITETHREAD_H
+
+#include "core/thread/nxThread.h"
+
+/// The one thread that the library starts: it takes queued records and writes them to the devices.
+///
+/// It starts with the first record that is written, and is nobody's to control: see nxLogManager. While records come it
+/// looks every one or two milliseconds, otherwise ten times a second; a warning, a ring that is a quarter full, or
+/// somebody who waits makes it look at once. It keeps all signals away from itself.
+class nxLogDeferredWriteThread final : public nxThread
+{
+public:
+    /// Writes until it is told to stop.
+    nxErrorEnum Run() override;
+};
+
+#endif

@@ -1,0 +1,41 @@
+#ifndef CORE_LOG_NXLOGMARKERS_H
+#define CORE_LOG_NXLOGMARKERS_H
+
+#include <string>
+#include <utility>
+
+#include "core/text/nxValueWrapper.h"
+
+/// What can be streamed into a record without becoming part of its message. Spelled as members of nxLog:
+/// `record << nxLog::nxLogDestinationUserID(7)`.
+struct nxLogMarkers
+{
+    /// The user that a record is meant for.
+    struct nxLogDestinationUserID
+    {
+        /// @param userID the user, or null for nobody in particular.
+        explicit nxLogDestinationUserID(const nxValueWrapper<unsigned>& userID) : destinationUserID(userID) {}
+
+        nxValueWrapper<unsigned> destinationUserID;  ///< The user.
+    };
+
+    /// The application that a record comes from and the user that it is meant for.
+    struct nxLogSourceApplicationDestUserID
+    {
+        /// @param application its name. @param userID the user, or null for nobody in particular.
+        nxLogSourceApplicationDestUserID(std::string application, const nxValueWrapper<unsigned>& userID)
+            : sourceApplication(std::move(application)), destinationUserID(userID)
+        {
+        }
+
+        std::string sourceApplication;               ///< The application.
+        nxValueWrapper<unsigned> destinationUserID;  ///< The user.
+    };
+
+    /// The end of a record.
+    struct nxLogTerminator
+    {
+    };
+};
+
+#endif

@@ -1,0 +1,41 @@
+#ifndef CORE_LOG_NXLOGSOURCE_H
+#define CORE_LOG_NXLOGSOURCE_H
+
+#include <atomic>
+#include <cstddef>
+
+#include "core/nxExport.h"
+
+/// The place of a reporting statement as the log keeps it: one object for each file and line, for the life of the
+/// process, so that a queued record can point to it even when the plug-in that reported is gone.
+struct nxLogSource
+{
+    const char* file;        ///< The library's own copy, terminated.
+    unsigned line;           ///< The line in the file.
+    const char* suffix;      ///< How full lines end: " [core/trunk/nxMutex:107]", control bytes replaced.
+    std::size_t suffixSize;  ///< The bytes of the suffix.
+};
+
+/// The static part of one reporting statement. Use the macros of nxLogMacros.h.
+class NX_CORE_API nxLogSite
+{
+public:
+    /// @param file a literal. @param line its line.
+    constexpr nxLogSite(const char* file, unsigned line) noexcept : _file(file), _line(line) {}
+
+    /// The kept place; made by the first statement that runs here.
+    const nxLogSource* GetSource() noexcept
+    {
+        const nxLogSource* const source = _source.load(std::memory_order_acquire);
+        return source != nullptr ? source : _Keep();
+    }
+
+private:
+    const nxLogSource* _Keep() noexcept;
+
+    std::atomic<const nxLogSource*> _source{nullptr};
+    const char* _file;
+    unsigned _line;
+};
+
+#endif

@@ -1,0 +1,211 @@
+#ifndef CORE_LOG_NXLOGSTREAM_H
+#define CORE_LOG_NXLOGSTREAM_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "core/enum/nxEnum.h"
+#include "core/log/nxLogCharLenPair.h"
+#include "core/log/nxLogMarkers.h"
+#include "core/log/nxLogTexts.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/nxExport.h"
+#include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxValueWrapper.h"
+
+/// How values stand in a record: a tag, then the value's bytes as they are in memory. Internal to the log.
+enum class nxLogTag : std::uint8_t
+{
+    Cut,                ///< The message was longer than allowed, or memory ran out. Nothing follows.
+    End,                ///< nxLogTerminator. What follows does not count.
+    Text,               ///< A 32-bit length and the bytes.
+    True,               ///< Nothing more.
+    False,              ///< Nothing more.
+    Signed32,           ///< 4 bytes.
+    Unsigned32,         ///< 4 bytes.
+    Signed64,           ///< 8 bytes.
+    Unsigned64,         ///< 8 bytes.
+    Double,             ///< 8 bytes.
+    Address,            ///< 8 bytes.
+    Decimal,            ///< The 16 bytes of an nxDecimal.
+    KeptText,           ///< A pointer to a std::string that lives as long as the process.
+    DestinationUser,    ///< 4 bytes; not part of the message.
+    SourceApplication,  ///< A 32-bit length and the bytes; not part of the message.
+};
+
+/// The values that can be streamed into a log record, for nxLog and for the statements of NX_LOG alike.
+///
+/// A value is kept as it is; the deferred-write thread makes the text. Types of an application's own join in by an
+/// `nxLog& operator<<(nxLog&, const Type&)`.
+/// @tparam Record the class that is written to.
+template <class Record>
+class nxLogStream
+{
+public:
+    /// "TRUE" or "FALSE".
+    [[gnu::always_inline]] Record& operator<<(bool value)
+    {
+        if (char* const at = _Self()._Take(1))
+            *at = static_cast<char>(value ? nxLogTag::True : nxLogTag::False);
+        return _Self();
+    }
+
+    /// A decimal number, as all integers: 'a' is 97.
+    [[gnu::always_inline]] Record& operator<<(char value) { return *this << static_cast<int>(value); }
+    /// @copydoc operator<<(char)
+    [[gnu::always_inline]] Record& operator<<(signed char value) { return *this << static_cast<int>(value); }
+    /// @copydoc operator<<(char)
+    [[gnu::always_inline]] Record& operator<<(unsigned char value) { return *this << static_cast<int>(value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(short value) { return *this << static_cast<int>(value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(unsigned short value) { return *this << static_cast<int>(value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(int value) { return _Put(nxLogTag::Signed32, value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(unsigned int value) { return _Put(nxLogTag::Unsigned32, value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(long value) { return *this << static_cast<long long>(value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(unsigned long value)
+    {
+        return *this << static_cast<unsigned long long>(value);
+    }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(long long value) { return _Put(nxLogTag::Signed64, value); }
+    /// A decimal number.
+    [[gnu::always_inline]] Record& operator<<(unsigned long long value) { return _Put(nxLogTag::Unsigned64, value); }
+    /// A number as nxStringHelper::GetAsString(double) writes it.
+    [[gnu::always_inline]] Record& operator<<(double value) { return _Put(nxLogTag::Double, value); }
+
+    /// Text as it is, up to its NUL; null is as empty.
+    [[gnu::always_inline]] Record& operator<<(const char* text)
+    {
+        return text == nullptr ? _Self() : _PutText(nxLogTag::Text, text, std::strlen(text));
+    }
+    /// Text as it is, NULs included.
+    [[gnu::always_inline]] Record& operator<<(const std::string& text)
+    {
+        return _PutText(nxLogTag::Text, text.data(), text.size());
+    }
+    /// Text as it is, NULs included.
+    [[gnu::always_inline]] Record& operator<<(std::string_view text)
+    {
+        return _PutText(nxLogTag::Text, text.data(), text.size());
+    }
+    /// Text as it is, NULs included.
+    [[gnu::always_inline]] Record& operator<<(const nxLogCharLenPair& text)
+    {
+        return _PutText(nxLogTag::Text, text.GetText(), text.GetLength());
+    }
+
+    /// An address: "0x" and hexadecimal digits, small letters.
+    [[gnu::always_inline]] Record& operator<<(const void* address) { return _Put(nxLogTag::Address, address); }
+
+    /// The log form, with '.' as separator: the number, "NULL" or "NO_CHANGE".
+    [[gnu::always_inline]] Record& operator<<(const nxDecimal& value)
+    {
+        static_assert(std::is_trivially_copyable_v<nxDecimal>);
+        return _Put(nxLogTag::Decimal, value);
+    }
+    /// The number, "NULL" or "NO_CHANGE".
+    template <class Integer, Integer NullMark, Integer NoChangeMark>
+    Record& operator<<(const nxValueWrapper<Integer, NullMark, NoChangeMark>& value)
+    {
+        if (value.IsValid())
+            return *this << static_cast<Integer>(value);
+        return *this << (value.IsNull() ? "NULL" : "NO_CHANGE");
+    }
+    /// The number or "NO_CHANGE"; null is the number that stands for it, as in nxDoubleValueWrapper::GetAsLogString().
+    Record& operator<<(const nxDoubleValueWrapper& value)
+    {
+        return value.IsNoChange() ? *this << "NO_CHANGE" : *this << static_cast<double>(value);
+    }
+    /// Amount and currency as nxMoney::GetAsLogString() writes them.
+    Record& operator<<(const nxMoney& value) { return *this << nxLogTexts::Get(value); }
+    /// The short description of an enumeration or error code.
+    [[gnu::always_inline]] Record& operator<<(const nxEnum& value)
+    {
+        return _Put(nxLogTag::KeptText, &value.GetShortDescription());
+    }
+    /// The short descriptions of the flags that are set, with a blank between them.
+    Record& operator<<(const nxBitMask& mask) { return *this << nxLogTexts::Get(mask); }
+    /// @copydoc operator<<(const nxBitMask&)
+    Record& operator<<(const nxBitMask64& mask) { return *this << nxLogTexts::Get(mask); }
+
+    /// Sets the destination user of the record; adds nothing to the message.
+    Record& operator<<(const nxLogMarkers::nxLogDestinationUserID& marker)
+    {
+        return _Put(nxLogTag::DestinationUser, static_cast<unsigned>(marker.destinationUserID));
+    }
+    /// Sets source application and destination user of the record; adds nothing to the message.
+    Record& operator<<(const nxLogMarkers::nxLogSourceApplicationDestUserID& marker)
+    {
+        _PutText(nxLogTag::SourceApplication, marker.sourceApplication.data(), marker.sourceApplication.size());
+        return _Put(nxLogTag::DestinationUser, static_cast<unsigned>(marker.destinationUserID));
+    }
+    /// Ends the record: what is streamed after it is left out.
+    Record& operator<<(nxLogMarkers::nxLogTerminator)
+    {
+        if (char* const at = _Self()._Take(1))
+            *at = static_cast<char>(nxLogTag::End);
+        return _Self();
+    }
+
+protected:
+    nxLogStream() = default;
+    ~nxLogStream() = default;
+    nxLogStream(const nxLogStream&) = default;
+    nxLogStream& operator=(const nxLogStream&) = default;
+
+    /// Puts @p value behind @p tag.
+    template <class Value>
+    [[gnu::always_inline]] Record& _Put(nxLogTag tag, const Value& value)
+    {
+        if (char* const at = _Self()._Take(1 + sizeof value))
+        {
+            *at = static_cast<char>(tag);
+            std::memcpy(at + 1, &value, sizeof value);
+        }
+        return _Self();
+    }
+
+    /// Puts text behind @p tag and its length.
+    [[gnu::always_inline]] Record& _PutText(nxLogTag tag, const char* text, std::size_t size)
+    {
+        if (size > MaximumText) [[unlikely]]
+            return _PutCutText(tag, text);
+        if (char* const at = _Self()._Take(1 + sizeof(std::uint32_t) + size))
+        {
+            *at = static_cast<char>(tag);
+            const auto length = static_cast<std::uint32_t>(size);
+            std::memcpy(at + 1, &length, sizeof length);
+            std::memcpy(at + 1 + sizeof length, text, size);
+        }
+        return _Self();
+    }
+
+    /// A message is cut here, in bytes.
+    static constexpr std::size_t MaximumText = std::size_t{1} << 20;
+
+private:
+    [[gnu::cold, gnu::noinline]] Record& _PutCutText(nxLogTag tag, const char* text)
+    {
+        // One byte more than a message may have, so that the writer notices and marks the cut.
+        if (char* const at = _Self()._Take(1 + sizeof(std::uint32_t) + MaximumText + 1))
+        {
+            *at = static_cast<char>(tag);
+            const auto length = static_cast<std::uint32_t>(MaximumText + 1);
+            std::memcpy(at + 1, &length, sizeof length);
+            std::memcpy(at + 1 + sizeof length, text, length);
+        }
+        return _Self();
+    }
+    Record& _Self() { return static_cast<Record&>(*this); }
+};
+
+#endif

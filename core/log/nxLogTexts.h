@@ -1,0 +1,26 @@
+#ifndef CORE_LOG_NXLOGTEXTS_H
+#define CORE_LOG_NXLOGTEXTS_H
+
+#include <string>
+
+#include "core/nxExport.h"
+
+class nxBitMask;
+class nxBitMask64;
+class nxMoney;
+
+/// The texts of the values whose text is made by the caller rather than by the deferred-write thread. Internal to the
+/// log.
+///
+/// Errors: empty without memory.
+class NX_CORE_API nxLogTexts
+{
+public:
+    nxLogTexts() = delete;
+
+    static std::string Get(const nxBitMask& mask) noexcept;    ///< The short descriptions, with blanks between.
+    static std::string Get(const nxBitMask64& mask) noexcept;  ///< The short descriptions, with blanks between.
+    static std::string Get(const nxMoney& money) noexcept;     ///< The log form.
+};
+
+#endif
