@@ -11,13 +11,13 @@
 
 #include "core/app/nxApplicationData.h"
 #include "core/app/nxConfigurationKeys.h"
-#include "core/log/internal/nxLogLineFile.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSettings.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxFile.h"
+#include "core/platform/nxLineFile.h"
 #include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
 #include "core/thread/nxMutexGuard.h"
@@ -118,7 +118,7 @@ private:
     bool IsBeyondLimit() const;
     bool MustHandOver(bool atOnce, std::int64_t now);
 
-    nxLogLineFile _file;
+    nxLineFile _file;
     bool _isCreated = false;
     nxLogSettings _settings;
     std::string _application;

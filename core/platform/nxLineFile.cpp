@@ -1,4 +1,4 @@
-#include "core/log/internal/nxLogLineFile.h"
+#include "core/platform/nxLineFile.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,7 +17,7 @@ std::size_t SizeOfWholeLines(std::string_view text)
 }
 }  // namespace
 
-bool nxLogLineFile::SetBufferSize(std::size_t bytes)
+bool nxLineFile::SetBufferSize(std::size_t bytes)
 {
     if (_used != 0 || bytes == _capacity)
         return true;
@@ -28,7 +28,7 @@ bool nxLogLineFile::SetBufferSize(std::size_t bytes)
     return hasMemory;
 }
 
-int nxLogLineFile::CreateNew(const std::string& path)
+int nxLineFile::CreateNew(const std::string& path)
 {
     const int error = _file.CreateNew(path);
     if (error == 0)
@@ -39,12 +39,12 @@ int nxLogLineFile::CreateNew(const std::string& path)
     return error;
 }
 
-bool nxLogLineFile::_MayTry() const
+bool nxLineFile::_MayTry() const
 {
     return _file.IsOpen() && (_error == 0 || nxClock::MonotonicNanoseconds() >= _nextTry);
 }
 
-void nxLogLineFile::Append(std::string_view lines, bool atOnce)
+void nxLineFile::Append(std::string_view lines, bool atOnce)
 {
     const bool fits = lines.size() <= _capacity - _used;
     const bool mayWait = fits && !atOnce && _error == 0;
@@ -61,7 +61,7 @@ void nxLogLineFile::Append(std::string_view lines, bool atOnce)
     _Keep(_Hand(lines));
 }
 
-bool nxLogLineFile::Flush()
+bool nxLineFile::Flush()
 {
     if (_used == 0)
         return true;
@@ -73,7 +73,7 @@ bool nxLogLineFile::Flush()
     return _used == 0;
 }
 
-void nxLogLineFile::Close()
+void nxLineFile::Close()
 {
     if (_used != 0 && _file.IsOpen())
         _Lose(_Hand({_buffer, _used}));
@@ -82,7 +82,7 @@ void nxLogLineFile::Close()
     Forget();
 }
 
-void nxLogLineFile::Forget()
+void nxLineFile::Forget()
 {
     _used = 0;
     _error = 0;
@@ -90,7 +90,7 @@ void nxLogLineFile::Forget()
 }
 
 // Copies the lines that find room.
-void nxLogLineFile::_Keep(std::string_view lines)
+void nxLineFile::_Keep(std::string_view lines)
 {
     const std::size_t room = _capacity - _used;
     const std::size_t kept = lines.size() <= room ? lines.size() : SizeOfWholeLines(lines.substr(0, room));
@@ -99,13 +99,13 @@ void nxLogLineFile::_Keep(std::string_view lines)
     _Lose(lines.substr(kept));
 }
 
-void nxLogLineFile::_Lose(std::string_view lines)
+void nxLineFile::_Lose(std::string_view lines)
 {
     _lostLines += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
 // Writes; returns what is left to write, from the beginning of a line on unless the file could not be cut back there.
-std::string_view nxLogLineFile::_Hand(std::string_view lines)
+std::string_view nxLineFile::_Hand(std::string_view lines)
 {
     std::size_t written = 0;
     _error = _file.Write(lines.data(), lines.size(), written);

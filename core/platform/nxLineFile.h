@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_INTERNAL_NXLOGLINEFILE_H
-#define CORE_LOG_INTERNAL_NXLOGLINEFILE_H
+#ifndef CORE_PLATFORM_NXLINEFILE_H
+#define CORE_PLATFORM_NXLINEFILE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -16,10 +16,10 @@
 /// lost whole, and counted. The next attempt comes a second later.
 ///
 /// Threads: none. Errors: kept, see GetError().
-class nxLogLineFile
+class nxLineFile
 {
 public:
-    nxLogLineFile() = default;
+    nxLineFile() = default;
 
     /// Gives the buffer its size; only while it is empty.
     /// @return false when there is no memory for it: a small one then serves.
