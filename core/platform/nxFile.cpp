@@ -144,7 +144,7 @@ void nxFile::Close()
 
 bool nxFile::IsUnlinked() const
 {
-    struct stat status{};
+    struct stat status = {};
     return IsOpen() && fstat(_descriptor, &status) == 0 && status.st_nlink == 0;
 }
 
@@ -155,9 +155,7 @@ int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size
     file._descriptor = OpenAbove(path, O_RDONLY | O_NONBLOCK | O_NOCTTY, 0);
     if (!file.IsOpen())
         return errno;
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (fstat(file._descriptor, &status) != 0)
         return errno;
     if (!S_ISREG(status.st_mode))
@@ -190,9 +188,7 @@ int nxFile::CreateDirectories(const std::string& path)
     }
     if (error != EEXIST)
         return error;
-    struct stat status
-    {
-    };
+    struct stat status = {};
     if (stat(path.c_str(), &status) != 0)
         return errno;
     return S_ISDIR(status.st_mode) ? 0 : ENOTDIR;

@@ -1,6 +1,7 @@
 #include "core/log/nxFileLogDevice.h"
 
 #include <fcntl.h>
+#include <fnmatch.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -18,7 +19,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -249,27 +249,24 @@ TEST_F(nxFileLogDeviceTest, NamesFilesByDateApplicationStartProcessAndSequence)
 {
     ASSERT_TRUE(Create());
     const fs::path first = Device().GetFileName();
-    const std::string pid = std::to_string(getpid());
-    const std::regex pattern(
-        "/[0-3]\\d(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec)20\\d\\d/"
-        "[-A-Za-z0-9]+_[0-2]\\d[0-5]\\d[0-5]\\d_" +
-        pid + "_(\\d+)\\.log");
-    const std::string name = first.string().substr(GetDirectory().string().size());
-    std::smatch match;
-    ASSERT_TRUE(std::regex_match(name, match, pattern)) << name;
-    EXPECT_TRUE(first.string().starts_with(Device().GenerateLogDirectoryFilenamePrefix() + "_"));
+    const std::string ending = std::string("_") + std::to_string(getpid()) + "_";
+    const std::string pattern = GetDirectory().string() + "/[0-3][0-9][A-Z][a-z][a-z]20[0-9][0-9]" +
+                                "/*_[0-2][0-9][0-5][0-9][0-5][0-9]" + ending + "*.log";
+    EXPECT_EQ(fnmatch(pattern.c_str(), first.c_str(), FNM_PATHNAME), 0) << first << " is not " << pattern;
+    const std::string prefix = Device().GenerateLogDirectoryFilenamePrefix() + "_";
+    EXPECT_TRUE(first.string().starts_with(prefix)) << prefix;
+
+    const std::string stem = first.string().substr(0, first.string().rfind('_') + 1);
+    const int sequence = std::stoi(first.string().substr(stem.size()));
     const std::string next = Device().GenerateFileName();
-    EXPECT_EQ(next, std::regex_replace(first.string(), std::regex("_\\d+\\.log$"),
-                                       std::string("_") + std::to_string(std::stoi(match[2]) + 1) + ".log"));
+    EXPECT_EQ(next, stem + std::to_string(sequence + 1) + ".log");
 
     EXPECT_FALSE(Create()) << "a file is open already";
     EXPECT_EQ(Device().GetFileName(), first);
     Device().CloseAndReopenLogFile();
     EXPECT_EQ(Device().GetFileName(), next);
 
-    struct stat status
-    {
-    };
+    struct stat status = {};
     ASSERT_EQ(stat(first.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777 & ~0640U, 0U);
     ASSERT_EQ(stat(first.parent_path().c_str(), &status), 0);

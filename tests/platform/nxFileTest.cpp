@@ -121,9 +121,7 @@ TEST_F(nxFileTest, CreatesDirectoriesAndThoseAboveThem)
 {
     EXPECT_EQ(nxFile::CreateDirectories(Path("a/b//c")), 0);
     EXPECT_EQ(nxFile::CreateDirectories(Path("a/b/c")), 0);
-    struct stat status
-    {
-    };
+    struct stat status = {};
     ASSERT_EQ(stat(Path("a/b").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777 & ~0750U, 0U);
     std::ofstream(Path("file")) << "";
