@@ -65,7 +65,6 @@
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogHexDump.h"
 #include "core/log/internal/nxLogLineBuffer.h"
-#include "core/log/internal/nxLogLineFile.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogSourceTable.h"
