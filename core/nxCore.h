@@ -133,6 +133,8 @@
 #include "core/thread/nxThreadAnnotations.h"
 #include "core/thread/nxThreadIndex.h"
 #include "core/thread/nxThreadSpecificMemoryBuffer.h"
+#include "core/thread/nxWindowsMutex.h"
+#include "core/thread/nxWindowsSemaphore.h"
 #include "core/time/nxCalendar.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"

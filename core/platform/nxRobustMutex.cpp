@@ -5,8 +5,6 @@
 
 namespace
 {
-constexpr long SliceNanoseconds = 100'000'000;
-
 #if defined(__SANITIZE_THREAD__)
     #define NX_THREAD_SANITIZER 1
 #elif defined(__has_feature)
@@ -15,41 +13,44 @@ constexpr long SliceNanoseconds = 100'000'000;
     #endif
 #endif
 
-timespec SliceFromNow(clockid_t clock)
+#ifdef NX_THREAD_SANITIZER
+// The sanitizer does not see that a timed lock takes the mutex of a dead owner, so here the mutex is tried instead.
+int LockForASlice(pthread_mutex_t& mutex)
 {
+    const timespec pause{0, 1'000'000};
+    clock_nanosleep(CLOCK_MONOTONIC, 0, &pause, nullptr);
+    const int result = pthread_mutex_trylock(&mutex);
+    return result == EBUSY ? ETIMEDOUT : result;
+}
+#else
+constexpr long SliceNanoseconds = 100'000'000;
+
+int LockForASlice(pthread_mutex_t& mutex)
+{
+    // Not the wall clock, which stretches the slice when it is set back.
     timespec end{};
-    clock_gettime(clock, &end);
+    clock_gettime(CLOCK_MONOTONIC, &end);
     end.tv_nsec += SliceNanoseconds;
     if (end.tv_nsec >= 1'000'000'000)
     {
         end.tv_nsec -= 1'000'000'000;
         ++end.tv_sec;
     }
-    return end;
-}
-
-int LockForASlice(pthread_mutex_t& mutex)
-{
-#ifdef NX_THREAD_SANITIZER
-    // The sanitizer knows only this call.
-    const timespec end = SliceFromNow(CLOCK_REALTIME);
-    return pthread_mutex_timedlock(&mutex, &end);
-#else
-    // A wall clock that is set back would stretch the slice.
-    const timespec end = SliceFromNow(CLOCK_MONOTONIC);
     return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &end);
-#endif
 }
+#endif
 }  // namespace
 
 int nxRobustMutex::Lock(pthread_mutex_t& mutex)
 {
-    int result = pthread_mutex_trylock(&mutex);
-    if (result != EBUSY)
-        return result;
-    do
-    {
+    const int result = pthread_mutex_trylock(&mutex);
+    return result == EBUSY ? Wait(mutex) : result;
+}
+
+int nxRobustMutex::Wait(pthread_mutex_t& mutex)
+{
+    int result = LockForASlice(mutex);
+    while (result == ETIMEDOUT)
         result = LockForASlice(mutex);
-    } while (result == ETIMEDOUT);
     return result;
 }

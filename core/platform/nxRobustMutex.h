@@ -11,9 +11,12 @@
 class nxRobustMutex
 {
 public:
-    /// Waits until the mutex is taken.
+    /// Takes the mutex, and waits for it as long as that lasts.
     /// @return 0, EOWNERDEAD (taken as well), or why it cannot be taken.
     static int Lock(pthread_mutex_t& mutex);
+
+    /// The same for a caller that has just found the mutex taken.
+    static int Wait(pthread_mutex_t& mutex);
 };
 
 #endif

@@ -1,0 +1,66 @@
+#include "core/thread/nxWindowsSemaphore.h"
+
+#include <cerrno>
+
+#include "core/log/nxLogMacros.h"
+#include "core/platform/nxNamedObjectTable.h"
+
+namespace
+{
+// One less than the number that means "for ever" to those who count milliseconds in 32 bits: 49 days.
+constexpr double LongestMilliseconds = 4'294'967'294.0;
+
+std::int64_t WholeMilliseconds(double seconds)
+{
+    const double milliseconds = seconds * 1000.0;
+    if (!(milliseconds > 0))
+        return 0;
+    return static_cast<std::int64_t>(milliseconds < LongestMilliseconds ? milliseconds : LongestMilliseconds);
+}
+}  // namespace
+
+nxWindowsSemaphore::nxWindowsSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount)
+    : _semaphore(nullptr)
+{
+    const auto initialise = [&](nxNamedObject& made)
+    {
+        errno = EINVAL;
+        if (maximumCount == 0 || maximumCount > nxNamedSemaphore::LargestCount || initialCount > maximumCount)
+            return false;
+        made.semaphore.Initialise(initialCount, maximumCount);
+        return true;
+    };
+    nxNamedObject* const object =
+        nxNamedObjectTable::GetInstance().Open(name, nxNamedObjectKind::Semaphore, initialise);
+    if (object != nullptr)
+    {
+        _semaphore = &object->semaphore;
+        return;
+    }
+    const int error = errno;
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxWindowsSemaphore", __LINE__)
+        << "Named semaphore could not be opened and will hold nobody. Name: " << name << ", errno: " << error;
+}
+
+nxWindowsSemaphore::~nxWindowsSemaphore() = default;
+
+nxErrorEnum nxWindowsSemaphore::Wait()
+{
+    if (_semaphore != nullptr)
+        _semaphore->Wait(-1);
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxWindowsSemaphore::TimedWait(double seconds)
+{
+    if (_semaphore == nullptr || _semaphore->Wait(WholeMilliseconds(seconds) * 1'000'000))
+        return nxErrorEnum();
+    return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+}
+
+nxErrorEnum nxWindowsSemaphore::Post()
+{
+    if (_semaphore != nullptr)
+        _semaphore->Post();
+    return nxErrorEnum();
+}

@@ -1,0 +1,62 @@
+#ifndef CORE_THREAD_NXWINDOWSSEMAPHORE_H
+#define CORE_THREAD_NXWINDOWSSEMAPHORE_H
+
+#include <chrono>
+#include <string>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/nxExport.h"
+
+class nxNamedSemaphore;
+
+/// A counting semaphore with a maximum that processes of one user share by its name.
+///
+/// - Name and life: as nxWindowsMutex. While the name lives, a count that a killed process has taken stays taken.
+/// - Errors: none are returned but the time-out. When the name is too long or stands for a mutex, when it is new and
+/// the
+///   maximum is 0, above 2,147,483,647 or below the initial count, or when the system refuses, IsNull() is true, the
+///   log has an error, and all calls return success at once.
+/// - Fork: the child has the object open too.
+/// @code
+/// nxWindowsSemaphore slots("my firm's licences", 3, 3);
+/// if (slots.TimedWait(0.5).IsOK())
+///     slots.Post();
+/// @endcode
+class NX_CORE_API nxWindowsSemaphore
+{
+public:
+    /// Opens the semaphore of that name, whatever its counts, or makes it with these.
+    nxWindowsSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount);
+    virtual ~nxWindowsSemaphore();
+
+    nxWindowsSemaphore(const nxWindowsSemaphore&) = delete;
+    nxWindowsSemaphore& operator=(const nxWindowsSemaphore&) = delete;
+
+    /// Waits until the count is above zero and takes one. Always success.
+    nxErrorEnum Wait();
+
+    /// The same, for at most (seconds * 1000) whole milliseconds. Nothing, less than nothing and NaN do not wait; more
+    /// than 49 days is 49 days.
+    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero.
+    nxErrorEnum TimedWait(double seconds);
+
+    /// @copydoc TimedWait(double)
+    template <class Rep, class Period>
+    nxErrorEnum TimedWait(const std::chrono::duration<Rep, Period>& time)
+    {
+        return TimedWait(std::chrono::duration<double>(time).count());
+    }
+
+    /// Adds one, unless the maximum is reached. Always success.
+    nxErrorEnum Post();
+
+    /// Whether the semaphore is not there, so that no call waits.
+    bool IsNull() const { return _semaphore == nullptr; }
+
+private:
+    nxNamedSemaphore* _semaphore;  // in shared memory, for the life of the process
+};
+
+static_assert(sizeof(nxWindowsSemaphore) == 2 * sizeof(void*), "the virtual table and the handle");
+
+#endif

@@ -1,0 +1,162 @@
+// Locks in memory that processes share, with processes that are killed.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "core/thread/nxConditionRaw.h"
+#include "core/thread/nxMutexGuard.h"
+#include "core/thread/nxSemaphore.h"
+#include "core/thread/nxSpinLockGuard.h"
+#include "tests/support/nxChildProcess.h"
+#include "tests/support/nxRecordedLog.h"
+
+namespace
+{
+struct Shared
+{
+    nxMutex mutex;
+    nxSpinLock spinLock;
+    nxSemaphore semaphore{0};
+    nxConditionRaw condition;
+    std::atomic<int> stage{0};
+    int count = 0;
+};
+
+void WaitForStage(const Shared& shared, int stage)
+{
+    while (shared.stage < stage)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+// Leaves the mutex locked by a process that has been killed.
+void LockAndDie(Shared& shared)
+{
+    shared.stage = 0;
+    nxChildProcess owner(
+        [&]() NX_NO_THREAD_SAFETY_ANALYSIS
+        {
+            shared.mutex.Lock();
+            shared.stage = 1;
+            pause();
+        });
+    WaitForStage(shared, 1);
+    EXPECT_EQ(shared.mutex.TryLock(), NX_ERR_THR_LOCKED);
+    owner.Kill();
+}
+}  // namespace
+
+TEST(sharedLocks, ARobustMutexOutlivesOwnersThatAreKilled)
+{
+    nxSharedMemory<Shared> shared;
+    nxMutex& mutex = shared->mutex;
+    ASSERT_TRUE(mutex.InitialiseAsShared(true).IsOK());
+    for (const bool tries : {false, true})
+    {
+        LockAndDie(*shared);
+        EXPECT_EQ(tries ? mutex.TryLock() : mutex.Lock(), NX_ERR_THR_OWNER_DEAD);
+        mutex.AssertHeld();
+        nxChildProcess other([&] { EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED) << "held by the one who was told"; });
+        EXPECT_TRUE(other.Succeeds());
+        EXPECT_TRUE(mutex.Consistent().IsOK());
+        EXPECT_TRUE(mutex.Unlock().IsOK());
+    }
+    LockAndDie(*shared);
+    {
+        nxRecordedLog log("core/trunk/nxMutexGuard");
+        nxMutexGuard guard(mutex);
+        EXPECT_EQ(log.WaitFor(1).size(), 1U);
+    }
+    EXPECT_TRUE(mutex.TryLock().IsOK()) << "the guard has made it consistent";
+    mutex.AssertHeld();
+    mutex.Unlock();
+
+    LockAndDie(*shared);
+    EXPECT_EQ(mutex.Lock(), NX_ERR_THR_OWNER_DEAD);
+    EXPECT_TRUE(mutex.Unlock().IsOK()) << "without making it consistent";
+    EXPECT_EQ(mutex.TryLock(), NX_ERR_UNSPECIFIED) << "and nobody can have it any more";
+}
+
+TEST(sharedLocks, ASharedMutexReportsMisuseToo)
+{
+    nxSharedMemory<Shared> shared;
+    for (const bool robust : {false, true})
+    {
+        ASSERT_TRUE(shared->mutex.InitialiseAsShared(robust).IsOK());
+        nxMutexGuard guard(shared->mutex);
+        EXPECT_EQ(shared->mutex.Lock(), NX_ERR_UNSPECIFIED);
+        nxChildProcess stranger(
+            [&]() NX_NO_THREAD_SAFETY_ANALYSIS
+            {
+                EXPECT_EQ(shared->mutex.Unlock(), NX_ERR_THR_MISMATCH);
+                EXPECT_EQ(shared->mutex.TryLock(), NX_ERR_THR_LOCKED);
+            });
+        EXPECT_TRUE(stranger.Succeeds());
+    }
+}
+
+TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
+{
+    constexpr int rounds = 2'000;
+    nxSharedMemory<Shared> shared;
+    ASSERT_TRUE(shared->mutex.InitialiseAsShared(false).IsOK());
+    ASSERT_TRUE(shared->spinLock.InitialiseAsShared().IsOK());
+    ASSERT_TRUE(shared->condition.InitialiseAsShared().IsOK());
+    ASSERT_TRUE(shared->semaphore.InitialiseAsShared(0).IsOK());
+    nxChildProcess waiter(
+        [&]
+        {
+            nxMutexGuard guard(shared->mutex);
+            while (shared->stage == 0 && shared->condition.Wait(shared->mutex).IsOK())
+            {
+            }
+            shared->semaphore.Post();
+        });
+    const auto add = [&]
+    {
+        for (int i = 0; i < rounds; ++i)
+        {
+            nxSpinLockGuard guard(shared->spinLock);
+            ++shared->count;
+        }
+    };
+    {
+        nxChildProcess adder(add);
+        add();
+        EXPECT_TRUE(adder.Succeeds());
+    }
+    EXPECT_EQ(shared->count, 2 * rounds);
+    EXPECT_EQ(shared->semaphore.TryWait(), NX_ERR_THR_LOCKED) << "the waiter waits";
+    {
+        nxMutexGuard guard(shared->mutex);
+        shared->stage = 1;
+        shared->condition.SignalAll();
+    }
+    EXPECT_TRUE(shared->semaphore.Wait().IsOK());
+    EXPECT_TRUE(waiter.Succeeds());
+}
+
+TEST(sharedLocks, ASemaphoreOutlivesWaitersThatAreKilled)
+{
+    nxSharedMemory<Shared> shared;
+    ASSERT_TRUE(shared->semaphore.InitialiseAsShared(0).IsOK());
+    for (int i = 0; i < 10; ++i)
+    {
+        shared->stage = 0;
+        nxChildProcess killed(
+            [&]
+            {
+                shared->stage = 1;
+                shared->semaphore.Wait();
+            });
+        nxChildProcess survivor([&] { EXPECT_TRUE(shared->semaphore.Wait().IsOK()); });
+        WaitForStage(*shared, 1);
+        killed.Kill();
+        EXPECT_TRUE(shared->semaphore.Post().IsOK());
+        EXPECT_TRUE(survivor.Succeeds());
+        EXPECT_EQ(shared->semaphore.GetValue(), 0);
+    }
+}
