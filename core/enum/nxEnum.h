@@ -102,11 +102,11 @@ public:
     }
 
     /// Compares the stored value.
-    bool operator==(nxEnumValue value) const { return _value == static_cast<unsigned>(value); }
-    /// @copydoc operator==(nxEnumValue) const
-    bool operator==(unsigned value) const { return _value == value; }
+    friend bool operator==(const nxEnum& left, nxEnumValue right) { return left._EqualTo(right); }
+    /// Compares the stored value.
+    friend bool operator==(const nxEnum& left, unsigned right) { return left._EqualTo(right); }
     /// Compares the stored values, whatever the classes.
-    bool operator==(const nxEnum& other) const { return _value == other._value; }
+    friend bool operator==(const nxEnum& left, const nxEnum& right) { return left._EqualTo(right); }
 
 protected:
     nxEnum() = default;

@@ -160,8 +160,8 @@ TEST(nxClockScale, ConvertsOnBothSidesOfItsMomentAndBefore1970)
     EXPECT_EQ(before.seconds, -1);
     EXPECT_EQ(before.nanoseconds, 999'999'995U);
     // Hours away, in both directions.
-    EXPECT_EQ(scale.ToNanoseconds(1'000 + 20'000 * second), 10'000 * second + 5);
-    EXPECT_EQ(scale.ToNanoseconds(1'000 - 20'000 * second), -10'000 * second + 5);
+    EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 + 20'000 * second)), 10'000 * second + 5);
+    EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 - 20'000 * second)), -10'000 * second + 5);
 }
 
 TEST(nxClock, AgreesWithTheSystemsClock)
