@@ -73,10 +73,13 @@ coverage()
     note=$(awk '$1 == "TOTAL" {print $10 " of lines"}' build/clang-sanitize/coverage.txt)
 }
 
+# The packages of the Release build; those that scripts/release.sh makes hold debug symbols beside.
 packages()
 {
-    scripts/release.sh >build/packages.log 2>&1 || { tail -n 20 build/packages.log; return 1; }
-    note="$(ls build/packages/*.deb | wc -l) packages"
+    cpack --config build/release/CPackConfig.cmake -B build/release/packages >build/release/packages.log 2>&1 ||
+        { tail -n 20 build/release/packages.log; return 1; }
+    bash tests/package/debs.sh "$PWD/build/release/packages" "$PWD" || return 1
+    note="$(ls build/release/packages/*.deb | wc -l) packages"
 }
 
 sizes()
