@@ -1,0 +1,276 @@
+// The log in processes that are killed, exit, fork, rotate and run out of disk. Each test's number of rounds comes from
+// the environment, so that the endurance script can ask for more.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+int Rounds(const char* name, int short_form)
+{
+    const char* const text = std::getenv(name);
+    return text != nullptr ? std::atoi(text) : short_form;
+}
+
+// A directory of one test's own, gone afterwards.
+class Scratch
+{
+public:
+    Scratch()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "nxendureXXXXXX").string();
+        _path = ::mkdtemp(name.data());
+    }
+    ~Scratch()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(_path, ignored);
+    }
+    const std::filesystem::path& GetPath() const { return _path; }
+
+private:
+    std::filesystem::path _path;
+};
+
+// A logger at work on a directory.
+class Logger
+{
+public:
+    Logger(const std::filesystem::path& directory, std::vector<std::string> words,
+           std::vector<std::string> settings = {})
+    {
+        int ends[2];
+        EXPECT_EQ(::pipe(ends), 0);
+        _output = ends[0];
+        settings.push_back("QRX_LOG_DIRECTORY=" + directory.string());
+        words.insert(words.begin(), NX_LOGGER);
+        std::vector<char*> arguments;
+        for (std::string& word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        _id = ::fork();
+        if (_id == 0)
+        {
+            for (std::string& setting : settings)
+                ::putenv(setting.data());
+            const rlimit none{0, 0};
+            ::setrlimit(RLIMIT_CORE, &none);
+            ::dup2(ends[1], STDOUT_FILENO);
+            ::close(ends[0]);
+            ::close(ends[1]);
+            ::execv(arguments[0], arguments.data());
+            ::_exit(127);
+        }
+        ::close(ends[1]);
+    }
+    ~Logger() { ::close(_output); }
+
+    void Kill(int signal) { ::kill(_id, signal); }
+    // The last number that it acknowledged; what it wrote is read to the end.
+    int GetLastNumber()
+    {
+        int number = -1, last = -1;
+        while (::read(_output, &number, sizeof number) == sizeof number)
+            last = number;
+        return last;
+    }
+    // How it ended. A process that hangs is killed after a minute, which then shows as its status.
+    int Wait()
+    {
+        int status = -1;
+        for (int i = 0; i < 60'000; ++i)
+        {
+            if (::waitpid(_id, &status, WNOHANG) == _id)
+                return status;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        Kill(SIGKILL);
+        ::waitpid(_id, &status, 0);
+        ADD_FAILURE() << "the process hung";
+        return status;
+    }
+
+private:
+    pid_t _id = -1;
+    int _output = -1;
+};
+
+struct Found
+{
+    std::map<int, std::map<int, int>> numbers;  // by thread, how often each number stands
+    int torn = 0;                               // lines without their end
+    int files = 0;
+};
+
+Found ReadLines(const std::filesystem::path& directory)
+{
+    Found found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
+    {
+        if (!entry.is_regular_file())
+            continue;
+        ++found.files;
+        std::ifstream file(entry.path(), std::ios::binary);
+        std::stringstream content;
+        content << file.rdbuf();
+        std::string text = content.str();
+        for (std::size_t at = 0; at < text.size();)
+        {
+            const std::size_t end = text.find("\r\n", at);
+            if (end == std::string::npos)
+            {
+                ++found.torn;
+                break;
+            }
+            int thread, number;
+            const std::string line = text.substr(at, end - at);
+            const std::size_t ours = line.find("] t");
+            if (ours != std::string::npos && std::sscanf(line.c_str() + ours, "] t%d n%d;", &thread, &number) == 2)
+                ++found.numbers[thread][number];
+            at = end + 2;
+        }
+    }
+    return found;
+}
+
+// Every number of every thread from 0 on stands exactly once.
+void ExpectGapless(const Found& found)
+{
+    for (const auto& [thread, numbers] : found.numbers)
+    {
+        SCOPED_TRACE(thread);
+        EXPECT_EQ(numbers.rbegin()->first + 1, static_cast<int>(numbers.size()));
+        for (const auto& [number, times] : numbers)
+            ASSERT_EQ(times, 1) << number;
+    }
+}
+}  // namespace
+
+TEST(nxLogEndurance, WhatWasAcknowledgedSurvivesAKill)
+{
+    std::mt19937 random(static_cast<unsigned>(Rounds("NX_TEST_SEED", 1)));
+    for (int round = 0, rounds = Rounds("NX_TEST_CRASHES", 100); round < rounds; ++round)
+    {
+        SCOPED_TRACE(round);
+        const Scratch scratch;
+        Logger logger(scratch.GetPath(), {"acknowledge"});
+        std::this_thread::sleep_for(std::chrono::microseconds(5'000 + random() % 40'000));
+        logger.Kill(SIGKILL);
+        const int last = logger.GetLastNumber();
+        EXPECT_TRUE(WIFSIGNALED(logger.Wait()));
+        const Found found = ReadLines(scratch.GetPath());
+        EXPECT_LE(found.torn, 1);
+        ExpectGapless(found);
+        if (last >= 0)
+        {
+            ASSERT_EQ(found.numbers.size(), 1u);
+            EXPECT_GE(found.numbers.begin()->second.rbegin()->first, last);
+        }
+    }
+}
+
+TEST(nxLogEndurance, AFatalSignalEndsTheProcessAsWithoutTheLibrary)
+{
+    for (const int signal : {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGTERM})
+    {
+        SCOPED_TRACE(signal);
+        const Scratch scratch;
+        Logger logger(scratch.GetPath(), {"signal", std::to_string(signal)});
+        const int status = logger.Wait();
+        // Sanitizers catch some of these themselves and exit.
+        EXPECT_TRUE((WIFSIGNALED(status) && WTERMSIG(status) == signal) || (NX_SANITIZED && status != 0)) << status;
+        const Found found = ReadLines(scratch.GetPath());
+        ASSERT_EQ(found.numbers.size(), 1u);
+        EXPECT_EQ(found.numbers.at(0).size(), 100u);
+    }
+}
+
+TEST(nxLogEndurance, ExitWhileThreadsLogLosesNoLineInTheMiddleAndWritesNoneTwice)
+{
+    for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
+    {
+        SCOPED_TRACE(round);
+        const Scratch scratch;
+        Logger logger(scratch.GetPath(), {"exit"});
+        EXPECT_EQ(logger.Wait(), 0);
+        const Found found = ReadLines(scratch.GetPath());
+        EXPECT_EQ(found.torn, 0);
+        EXPECT_EQ(found.numbers.size(), 8u);
+        ExpectGapless(found);
+    }
+}
+
+TEST(nxLogEndurance, ForkWhileThreadsLogWritesNoLineTwice)
+{
+    for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
+    {
+        SCOPED_TRACE(round);
+        const Scratch scratch;
+        Logger logger(scratch.GetPath(), {"fork", "4"});
+        EXPECT_EQ(logger.Wait(), 0);
+        const Found found = ReadLines(scratch.GetPath());
+        ExpectGapless(found);
+        for (int child = 100; child < 104; ++child)
+            EXPECT_EQ(found.numbers.count(child) == 0 ? 0u : found.numbers.at(child).size(), 20u) << child;
+    }
+}
+
+TEST(nxLogEndurance, RotationBySizeKeepsEveryRecordExactlyOnce)
+{
+    const int rotations = Rounds("NX_TEST_ROTATIONS", 50);
+    const int lines = rotations * 4000 / 4 / 100 + 1;  // of four threads, of some hundred bytes, into files of 4000
+    const Scratch scratch;
+    Logger logger(scratch.GetPath(), {"rotate", std::to_string(lines)});
+    EXPECT_EQ(logger.Wait(), 0);
+    const Found found = ReadLines(scratch.GetPath());
+    ExpectGapless(found);
+    ASSERT_EQ(found.numbers.size(), 4u);
+    for (const auto& [thread, numbers] : found.numbers)
+        EXPECT_EQ(numbers.size(), static_cast<std::size_t>(lines)) << thread;
+    EXPECT_GT(found.files, rotations / 4);  // a batch is not divided, so files may grow beyond the limit
+}
+
+TEST(nxLogEndurance, AChangeOfDateKeepsEveryRecordExactlyOnce)
+{
+    const Scratch scratch;
+    Logger logger(scratch.GetPath(), {"dates", "100"}, {"QRX_LOG_RECREATE_ON_CHANGE_OF_DATE=TRUE"});
+    EXPECT_EQ(logger.Wait(), 0);
+    const Found found = ReadLines(scratch.GetPath());
+    ExpectGapless(found);
+    ASSERT_EQ(found.numbers.size(), 1u);
+    EXPECT_EQ(found.numbers.at(0).size(), 100u);
+    EXPECT_GE(std::distance(std::filesystem::directory_iterator(scratch.GetPath()), {}), 2);
+}
+
+TEST(nxLogEndurance, WhatAFullDiskCostsIsCounted)
+{
+    const Scratch scratch;
+    const std::string cycles = std::to_string(Rounds("NX_TEST_DISK_CYCLES", 1));
+    // A small disk of its own, seen by this process alone.
+    const std::string command = "unshare -m sh -c 'mount -t tmpfs -o size=512k tmpfs " + scratch.GetPath().string() +
+                                " || exit 77; QRX_LOG_DIRECTORY=" + scratch.GetPath().string() +
+                                " exec " NX_LOGGER " disk " + cycles + "' 2>" + scratch.GetPath().string() + "/../" +
+                                scratch.GetPath().filename().string() + ".err";
+    const int status = std::system(command.c_str());
+    std::filesystem::remove(scratch.GetPath().string() + ".err");
+    if (!WIFEXITED(status) || WEXITSTATUS(status) == 77 || WEXITSTATUS(status) == 1)
+        if (::geteuid() != 0 || WEXITSTATUS(status) == 77)
+            GTEST_SKIP() << "full disk: no right to mount a small one here";
+    EXPECT_EQ(status, 0);
+}
