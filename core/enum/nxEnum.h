@@ -176,8 +176,9 @@ private:
 
     const nxEnumTable::Texts& _GetTexts() const
     {
-        const nxEnumTable::Texts* const texts = nxEnumTable::Find(_value);
-        return texts != nullptr ? *texts : _GetMissingTexts(_value);
+        if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(_value); texts != nullptr) [[likely]]
+            return *texts;
+        return _GetMissingTexts(_value);
     }
 
     bool _SetFromText(std::string_view text)

@@ -7,7 +7,7 @@
 
 // One name of the hash table. The text is stored last: who sees it sees the rest. Element 0 of a table is none of its
 // slots but holds, as its value, the number of slots less one.
-struct nxEnumTable::Slot
+struct [[gnu::visibility("hidden")]] nxEnumTable::Slot
 {
     std::atomic<const char*> text;
     std::uint32_t tag;
@@ -30,14 +30,14 @@ std::uint64_t Load(const char* data)
 // equal lengths; names that differ only elsewhere share a tag, and the comparison tells them apart.
 constexpr unsigned SizeBits = std::bit_width(nxEnumTable::MaximumTextSize);
 
-std::uint32_t Tag(std::string_view text)
+inline std::uint32_t Tag(std::string_view text)
 {
     const char* const data = text.data();
     const std::size_t size = text.size();
     std::uint64_t first = 0;
     std::uint64_t middle = 0;
     std::uint64_t last = 0;
-    if (size >= 8)
+    if (size >= 8) [[likely]]
     {
         first = Load<std::uint64_t>(data);
         middle = Load<std::uint64_t>(data + size / 2 - 4);
@@ -61,7 +61,7 @@ std::uint32_t Tag(std::string_view text)
 }  // namespace
 
 // All state is initialised with constants: look-ups work before any initialiser of the library has run.
-struct nxEnumTable::Storage
+struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
 {
     static constinit std::atomic<Page*> pages[PageCount];
     static constinit Slot noSlots[2];
@@ -83,7 +83,7 @@ struct nxEnumTable::Storage
         }
     }
 
-    static void FillFreeSlot(Slot* table, std::uint32_t tag, std::uint32_t value, const char* text)
+    static void FillFreeSlot(Slot * table, std::uint32_t tag, std::uint32_t value, const char* text)
     {
         const std::uint32_t mask = table[0].value;
         std::uint32_t i = tag >> SizeBits;
@@ -122,7 +122,7 @@ constinit std::atomic<nxEnumTable::Page*>* const nxEnumTable::_pages = Storage::
 
 std::int64_t nxEnumTable::Find(std::string_view text)
 {
-    if (text.size() > MaximumTextSize)
+    if (text.size() > MaximumTextSize) [[unlikely]]
         return NotFound;
     const Slot* const slot = Storage::FindName(Storage::slots.load(std::memory_order_acquire), Tag(text), text);
     return slot != nullptr ? std::int64_t{slot->value} : NotFound;

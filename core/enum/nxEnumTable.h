@@ -26,8 +26,10 @@ public:
     /// @return the texts of @p value, or null.
     static const Texts* Find(unsigned value)
     {
-        const Page* const page = _pages[value / PageSize].load(std::memory_order_acquire);
-        return page != nullptr ? page->texts[value % PageSize].load(std::memory_order_acquire) : nullptr;
+        if (const Page* const page = _pages[value / PageSize].load(std::memory_order_acquire); page != nullptr)
+            [[likely]]
+            return page->texts[value % PageSize].load(std::memory_order_acquire);
+        return nullptr;
     }
 
     /// @return the value whose short description is @p text, or NotFound.

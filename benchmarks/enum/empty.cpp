@@ -1,0 +1,2 @@
+// A library that does nothing when it is loaded.
+int NothingToDo() { return 0; }
