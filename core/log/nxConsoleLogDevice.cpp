@@ -6,6 +6,7 @@
 #include <new>
 #include <string_view>
 
+#include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
@@ -82,7 +83,12 @@ void nxConsoleLogDevice::_Write(std::string_view lines)
 
 void nxConsoleLogDevice::Flush() {}
 
-void nxConsoleLogDevice::Destroy() { nxLogManager::GetInstance().UnregisterLogDevice(this); }
+void nxConsoleLogDevice::Destroy()
+{
+    constexpr std::int64_t second = 1'000'000'000;
+    nxLogWriter::GetInstance().WriteOut(10 * second, 2 * second);
+    nxLogManager::GetInstance().UnregisterLogDevice(this);
+}
 
 void nxConsoleLogDevice::BeforeFork() { (void)_mutex.Lock(); }
 

@@ -47,7 +47,8 @@ public:
 
     void Write(const nxLog& record) override;  ///< Writes a line.
     void Flush() override;                     ///< Does nothing: no line waits.
-    void Destroy() override;                   ///< Takes the device from the log manager.
+    /// Waits until the log has written out what is queued, and takes the device from it.
+    void Destroy() override;
 
     /// Lines that standard output did not take.
     std::uint64_t GetLostLines() const { return _lostLines.load(std::memory_order_relaxed); }

@@ -11,6 +11,7 @@
 
 #include "core/app/nxApplicationData.h"
 #include "core/app/nxConfigurationKeys.h"
+#include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
@@ -29,6 +30,9 @@ namespace
 constexpr const char* sourceFile = "core/trunk/nxFileLogDevice";
 constexpr nxLogLineStyle fileStyle{nxLogLineStyle::Full, true};
 constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+// How long the end of the device waits for queued records, as the end of the process does.
+constexpr std::int64_t longestDrain = 10 * nanosecondsPerSecond;
+constexpr std::int64_t longestStall = 2 * nanosecondsPerSecond;
 
 void Complain(const std::string& text)
 {
@@ -427,7 +431,8 @@ void nxFileLogDevice::Flush()
 
 void nxFileLogDevice::Destroy()
 {
-    // First, and without the mutex, which the log's thread may be waiting for inside this device.
+    nxLogWriter::GetInstance().WriteOut(longestDrain, longestStall);
+    // Then, and without the mutex, which the log's thread may be waiting for inside this device.
     nxLogManager::GetInstance().UnregisterLogDevice(this);
     const nxMutexGuard guard(_mutex);
     _state->Destroy();

@@ -56,7 +56,8 @@ public:
     /// Hands all lines to the operating system.
     void Flush() override;
 
-    /// Takes the device from the log manager, writes what waits and closes the file. Create() may be called again.
+    /// Waits until the log has written out what is queued (with the limits of nxLogManager for the end of the process),
+    /// takes the device from it and closes the file. Create() may be called again.
     void Destroy() override;
 
     /// Closes the file and opens the next one. At the info level, the last line of the old file names it and the first

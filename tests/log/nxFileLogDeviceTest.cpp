@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "core/log/nxLog.h"
+#include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/thread/nxThreadIndex.h"
 
@@ -279,8 +280,10 @@ TEST_F(nxFileLogDeviceTest, IsRegisteredFromCreateToDestroy)
     ASSERT_TRUE(Create());
     manager.ImmediateWrite(Record("one"));
     const fs::path first = Device().GetFileName();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "queued";
     Device().Destroy();
     EXPECT_EQ(Device().GetFileName(), "");
+    EXPECT_EQ(Count(ReadFile(first), "] queued ["), 1U);
     manager.ImmediateWrite(Record("nowhere"));
     Device().CloseAndReopenLogFile();
     Device().Destroy();

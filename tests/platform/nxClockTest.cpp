@@ -1,12 +1,17 @@
 #include "core/platform/nxClock.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -14,6 +19,7 @@
 
 namespace
 {
+constexpr const char* clockSource = "/sys/devices/system/clocksource/clocksource0/current_clocksource";
 constexpr std::int64_t second = 1'000'000'000;
 constexpr std::int64_t millisecond = 1'000'000;
 
@@ -162,6 +168,46 @@ TEST(nxClockScale, ConvertsOnBothSidesOfItsMomentAndBefore1970)
     // Hours away, in both directions.
     EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 + 20'000 * second)), 10'000 * second + 5);
     EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 - 20'000 * second)), -10'000 * second + 5);
+}
+
+TEST(nxClock, TrustsTheCounterOnlyWhereTheKernelDoes)
+{
+    std::string trusted;
+    std::ifstream(clockSource) >> trusted;
+    EXPECT_TRUE(!nxClock::UsesCounter() || trusted == "tsc" || trusted == "arch_sys_counter") << trusted;
+    const std::uint64_t first = nxClock::Ticks();
+    EXPECT_LE(first, nxClock::Ticks());
+    EXPECT_TRUE(nxClock::UsesCounter() || nxClock::GetScale().ToNanoseconds(first) == static_cast<std::int64_t>(first));
+}
+
+// The tests of this file once more, on a machine whose kernel keeps time by something else.
+TEST(nxClock, DoesWithoutACounter)
+{
+    if (std::getenv("NX_TEST_WITHOUT_COUNTER") != nullptr)
+    {
+        EXPECT_FALSE(nxClock::UsesCounter());
+        return;
+    }
+    const std::filesystem::path other =
+        std::filesystem::temp_directory_path() / ("nxClock_" + std::to_string(getpid()));
+    std::ofstream(other) << "hpet\n";
+    constexpr int notPermitted = 77;
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount(other.c_str(), clockSource, nullptr, MS_BIND, nullptr) != 0)
+            _exit(notPermitted);
+        setenv("NX_TEST_WITHOUT_COUNTER", "1", 1);
+        execl("/proc/self/exe", "test_platform", "--gtest_filter=nxClock.*", static_cast<char*>(nullptr));
+        _exit(EXIT_FAILURE);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    std::filesystem::remove(other);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == notPermitted)
+        GTEST_SKIP() << "may not put another file in the place of the kernel's";
+    EXPECT_EQ(status, 0);
 }
 
 TEST(nxClock, AgreesWithTheSystemsClock)
