@@ -142,7 +142,6 @@ private:
     alignas(64) std::atomic<char*> _tail{nullptr};  // what stands before is free again
     char* _read = nullptr;                          // the next record to be read
     char* _seen = nullptr;                          // the head as the current round found it
-    char* _owed = nullptr;                          // up to where this round must go: what the last one held back
     nxLogSegment* _readSegment = nullptr;           // where _read is
     bool _finished = false;                         // nothing more in this round
     nxLogChannel* _nextInRound = nullptr;           // in the list of this round's channels

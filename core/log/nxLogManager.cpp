@@ -16,6 +16,14 @@ namespace
 {
 constexpr std::int64_t second = 1'000'000'000;
 constexpr double longestWait = 86'400;
+constexpr std::int64_t longestWriteOut = 10 * second;
+
+// Passes what is queued to the devices, if there is anything.
+void WriteOut(std::int64_t limit, std::int64_t stallLimit)
+{
+    if (!nxLogQueue::GetInstance().IsEmpty())
+        nxLogWriter::GetInstance().WaitUntilWritten(limit, stallLimit);
+}
 
 // Nothing of the log's is in the middle of a change while the process is copied.
 void BeforeFork()
@@ -105,16 +113,27 @@ void nxLogManager::ImmediateWrite(const std::vector<nxLog*>& records) noexcept
 
 void nxLogManager::RegisterLogDevice(nxLogDevice* device) noexcept
 {
-    if (device == nullptr || !nxLogDeviceList::GetInstance().Add(device))
+    nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
+    if (device == nullptr || devices.Contains(device))
         return;
-    // What was reported before there was a device is waiting for this one.
+    // What has been reported by now is for the devices that are there. The first one gets all that there was.
+    WriteOut(second, second / 10);
+    devices.Add(device);
     nxLogWriter::GetInstance().Wake();
 }
 
-void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept { nxLogDeviceList::GetInstance().Remove(device); }
+void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
+{
+    nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
+    if (!devices.Contains(device))
+        return;
+    WriteOut(longestWriteOut, second);
+    devices.Remove(device);
+}
 
 void nxLogManager::UnregisterAllLogDevices() noexcept
 {
+    WriteOut(longestWriteOut, second);
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
     for (const auto& entry : *devices)
         entry->Remove();
@@ -174,7 +193,7 @@ nxLogStatistics nxLogManager::GetStatistics() const noexcept
 void nxLogManager::Destroy() noexcept
 {
     nxLogWriter& writer = nxLogWriter::GetInstance();
-    writer.WriteOut(10 * second, 2 * second);
+    writer.WriteOut(longestWriteOut, 2 * second);
     const bool stopped = writer.Stop(2 * second);
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
     for (const auto& entry : *devices)

@@ -69,11 +69,12 @@ public:
     /// The same for several records, in their order; null ones are left out.
     void ImmediateWrite(const std::vector<nxLog*>& records) noexcept;
 
-    /// Adds a device. Null, or one that is registered already, changes nothing.
+    /// Adds a device. It gets the records that come from now on, the first device of the process also what there was
+    /// before. Null, or one that is registered already, changes nothing.
     void RegisterLogDevice(nxLogDevice* device) noexcept;
-    /// Takes a device away, and waits until no thread is inside it any more; a device that unregisters itself while it
-    /// is written to is the exception. What is queued at this moment does not go to it: see
-    /// WaitForWriteThreadToWriteQueueToDisk().
+    /// Takes a device away. What was queued before the call is written first, unless a device has stalled for a second;
+    /// then it waits until no thread is inside the device any more. A device that unregisters itself while it is
+    /// written to waits for neither.
     void UnregisterLogDevice(nxLogDevice* device) noexcept;
     /// The same for all devices.
     void UnregisterAllLogDevices() noexcept;

@@ -69,12 +69,15 @@ private:
 
 /// Values of an application's own types, by their `nxLog& operator<<(nxLog&, const Value&)`.
 template <class Statement, class Value>
-requires(std::same_as<Statement, nxLogStatement> &&
-         !requires(nxLogStream<Statement>& stream, const Value& value) { stream.operator<<(value); } &&
-         requires(nxLog& record, const Value& value) {
-             { record << value } -> std::same_as<nxLog&>;
-         })
-Statement& operator<<(Statement& statement, const Value& value)
+requires(
+    std::same_as<Statement, nxLogStatement> &&
+    !requires(nxLogStream<Statement> & stream, const Value& value) { stream.operator<<(value); } &&
+    requires(nxLog & record, const Value& value) {
+        {
+            record << value
+            } -> std::same_as<nxLog&>;
+    }) Statement&
+operator<<(Statement& statement, const Value& value)
 {
     nxLog record{nxLogLevelEnum(), nullptr, 0, nxTimeStamp(0, 0)};
     record << value;

@@ -43,8 +43,14 @@ public:
     /// Says whether a record is one that is looked for.
     using Matcher = std::function<bool(const nxCapturedRecord&)>;
 
-    /// Registers the device with the process's log.
-    nxCapturingLogDevice() { nxLogManager::GetInstance().RegisterLogDevice(this); }
+    /// Registers the device with the process's log. What was reported before is not kept.
+    nxCapturingLogDevice()
+    {
+        nxLogManager& manager = nxLogManager::GetInstance();
+        manager.RegisterLogDevice(this);
+        manager.WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
+        Clear();
+    }
     ~nxCapturingLogDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 
     /// Matches records whose message contains @p part.

@@ -19,6 +19,9 @@ public:
     explicit nxRecordedLog(std::string sourceFile) : _sourceFile(std::move(sourceFile))
     {
         nxLogManager::GetInstance().RegisterLogDevice(this);
+        // The first device of a process is given what was reported before it.
+        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(20.0));
+        _records.clear();
     }
     ~nxRecordedLog() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 

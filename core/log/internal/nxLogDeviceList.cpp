@@ -120,6 +120,13 @@ std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::Get() noexcept
     return _entries;
 }
 
+bool nxLogDeviceList::Contains(const nxLogDevice* device) noexcept
+{
+    const std::shared_ptr<const Entries> entries = Get();
+    return std::any_of(entries->begin(), entries->end(),
+                       [device](const auto& entry) { return entry->IsFor(device) && !entry->IsRemoved(); });
+}
+
 bool nxLogDeviceList::Add(nxLogDevice* device) noexcept
 {
     try

@@ -97,6 +97,7 @@ public:
     /// A number that changes whenever the list does.
     unsigned GetVersion() const noexcept { return _version.load(std::memory_order_acquire); }
 
+    bool Contains(const nxLogDevice* device) noexcept;
     /// @return false when it was registered already or there is no memory.
     bool Add(nxLogDevice* device) noexcept;
     /// @return whether it was registered.

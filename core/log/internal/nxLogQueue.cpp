@@ -32,6 +32,10 @@ constexpr std::size_t touchedInAdvance = std::size_t{64} << 10;
 constexpr std::size_t firstSpill = 1024;
 constexpr std::int64_t stallTime = 1'000'000'000;
 constexpr std::int64_t waitSlice = 1'000'000;
+// By so many ticks, some microseconds, processors were seen to read their counters too early.
+constexpr std::uint64_t clockSlack = 10'000;
+// By so many ticks at least, no more than some seconds, a clock has stepped rather than run on.
+constexpr std::uint64_t clockSetBack = 100'000'000;
 // What the average record is taken to need.
 constexpr std::size_t averageRecord = 128;
 // The largest part of a ring that one record may take.
@@ -143,11 +147,12 @@ nxLogSegment* nxLogQueue::_TakeSegment() noexcept
 {
     {
         const nxMutexGuard guard(_mutex);
-        if (nxLogSegment* const segment = _freeSegments)
+        if (nxLogSegment* const segment = _PopFreeSegment())
         {
-            _freeSegments = segment->nextFree;
-            --_freeSegmentCount;
-            return segment;
+            if (_bytes.load(std::memory_order_relaxed) <= GetMaximumBytes())
+                return segment;
+            // The bound has been lowered since.
+            _FreeSegment(segment);
         }
     }
     if (!_ClaimBytes(_ringSize))
@@ -158,7 +163,17 @@ nxLogSegment* nxLogQueue::_TakeSegment() noexcept
     return segment;
 }
 
-// With the mutex held.
+// With the mutex held, as in the following ones.
+nxLogSegment* nxLogQueue::_PopFreeSegment() noexcept
+{
+    nxLogSegment* const segment = _freeSegments;
+    if (segment == nullptr)
+        return nullptr;
+    _freeSegments = segment->nextFree;
+    --_freeSegmentCount;
+    return segment;
+}
+
 void nxLogQueue::_GiveSegment(nxLogSegment* segment) noexcept
 {
     if (segment->capacity != _ringSize)
@@ -181,6 +196,9 @@ void nxLogQueue::SetMaximumBytes(std::size_t bytes) noexcept
 {
     constexpr std::size_t least = std::size_t{1} << 20;
     _maximumBytes.store(std::max(bytes, least), std::memory_order_relaxed);
+    const nxMutexGuard guard(_mutex);
+    while (_bytes.load(std::memory_order_relaxed) > GetMaximumBytes() && _freeSegments != nullptr)
+        _FreeSegment(_PopFreeSegment());
 }
 
 void nxLogQueue::Reserve(std::size_t records) noexcept
@@ -579,15 +597,14 @@ void nxLogQueue::BeginRound(bool everything) noexcept
     _everything = everything;
     _scale = nxClock::GetScale();
     // Before the heads are read: whatever was begun earlier and is published by now is in this round.
-    _cutOff = nxClock::Ticks();
+    _cutOff = nxClock::Ticks() - clockSlack;
     _round = nullptr;
     _current = nullptr;
     _mustStep = false;
     const nxMutexGuard guard(_mutex);
+    _RemoveEnded();
     for (nxLogChannel* channel = _channels; channel != nullptr; channel = channel->_next)
     {
-        // What the round before has seen and held back is due now, whatever its time.
-        channel->_owed = channel->_read != channel->_seen ? channel->_seen : nullptr;
         channel->_seen = channel->_head.load(std::memory_order_acquire);
         channel->_finished = channel->_read == channel->_seen;
         if (channel->_finished)
@@ -609,8 +626,6 @@ const char* nxLogQueue::_Peek(nxLogChannel& channel) noexcept
             channel._finished = true;
             return nullptr;
         }
-        if (channel._read == channel._owed)
-            channel._owed = nullptr;
         if (ReadKind(channel._read) != nxLogRecordHeader::Jump)
             break;
         char* const target = ReadPointer(channel._read + 8);
@@ -623,7 +638,9 @@ const char* nxLogQueue::_Peek(nxLogChannel& channel) noexcept
         _GiveSegment(channel._readSegment);
         channel._readSegment = segment;
     }
-    if (ReadTicks(channel._read) > _cutOff && !_everything && channel._owed == nullptr)
+    // What lies far ahead was read from a clock that has been set back since, and does not wait for it.
+    const std::uint64_t ahead = ReadTicks(channel._read) - _cutOff - 1;
+    if (ahead < clockSetBack && !_everything)
     {
         channel._finished = true;
         return nullptr;
@@ -734,10 +751,9 @@ void nxLogQueue::Release() noexcept
     CountProgress();
 }
 
-void nxLogQueue::Trim() noexcept
+// Takes the channels of threads that are gone out of the list, once they are empty.
+void nxLogQueue::_RemoveEnded() noexcept
 {
-    const std::size_t kept = std::max(_spareSegments, _reservedSegments.load(std::memory_order_relaxed));
-    const nxMutexGuard guard(_mutex);
     for (nxLogChannel** link = &_channels; *link != nullptr;)
     {
         nxLogChannel* const channel = *link;
@@ -752,13 +768,14 @@ void nxLogQueue::Trim() noexcept
         channel->_next = _freeChannels;
         _freeChannels = channel;
     }
+}
+
+void nxLogQueue::Trim() noexcept
+{
+    const std::size_t kept = std::max(_spareSegments, _reservedSegments.load(std::memory_order_relaxed));
+    const nxMutexGuard guard(_mutex);
     while (_freeSegmentCount > kept)
-    {
-        nxLogSegment* const segment = _freeSegments;
-        _freeSegments = segment->nextFree;
-        --_freeSegmentCount;
-        _FreeSegment(segment);
-    }
+        _FreeSegment(_PopFreeSegment());
 }
 
 bool nxLogQueue::IsEmpty() noexcept
@@ -809,7 +826,6 @@ void nxLogQueue::AfterForkInChild() noexcept
         channel->_limit = head;
         channel->_tail.store(head, std::memory_order_relaxed);
         channel->_read = channel->_seen = head;
-        channel->_owed = nullptr;
         channel->_readSegment = channel->_segment;
         channel->_next = _channels;
         _channels = channel;

@@ -62,7 +62,7 @@ public:
     bool Next(nxLogRecord& record) noexcept;
     /// Gives back the room of all records that Next() has returned, and tells those who wait for it.
     void Release() noexcept;
-    /// Between rounds: frees what ended threads and past bursts left behind.
+    /// Frees what past bursts have left behind.
     void Trim() noexcept;
     /// Whether no channel holds a record.
     bool IsEmpty() noexcept;
@@ -101,6 +101,7 @@ private:
     nxLogChannel* _NewChannel() noexcept;
     nxLogSegment* _TakeSegment() noexcept;
     nxLogSegment* _AllocateSegment(std::size_t capacity) noexcept;
+    nxLogSegment* _PopFreeSegment() noexcept;
     void _GiveSegment(nxLogSegment* segment) noexcept;
     void _FreeSegment(nxLogSegment* segment) noexcept;
     bool _ClaimBytes(std::size_t bytes) noexcept;
@@ -116,6 +117,7 @@ private:
     bool _AppendElsewhere(nxLogChannel& channel, char* block, std::size_t size) noexcept;
 
     const char* _Peek(nxLogChannel& channel) noexcept;
+    void _RemoveEnded() noexcept;
     void _Pick() noexcept;
     void _StepOver() noexcept;
     static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;

@@ -1,0 +1,552 @@
+#include "core/log/nxLogManager.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <functional>
+#include <limits>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogLine.h"
+#include "core/log/nxLogLineSink.h"
+#include "core/log/nxLogMacros.h"
+#include "core/testing/nxCapturingLogDevice.h"
+
+namespace
+{
+constexpr double patience = 60;  // seconds; nothing below takes so long unless it hangs
+
+nxLogManager& Manager() { return nxLogManager::GetInstance(); }
+
+void WaitUntilWritten() { Manager().WaitForWriteThreadToWriteQueueToDisk(patience); }
+
+nxLog MakeRecord(const std::string& text, const nxLogLevelEnum& level = NX_LOG_LEVEL_INFO)
+{
+    nxLog record(level, "core/trunk/nxLogManagerTest", 1, nxTimeStamp::Now());
+    record << text;
+    return record;
+}
+
+/// Calls a function of the test's for every record, and counts everything else. Registered while it lives.
+class Device : public nxLogDevice
+{
+public:
+    explicit Device(std::function<void(const nxLog&)> onWrite = [](const nxLog&) {}) : _onWrite(std::move(onWrite))
+    {
+        Manager().RegisterLogDevice(this);
+    }
+    ~Device() override { Manager().UnregisterLogDevice(this); }
+
+    void Write(const nxLog& record) override
+    {
+        ++writes;
+        _onWrite(record);
+    }
+    void Flush() override { ++flushes; }
+    void Destroy() override { ++destroys; }
+
+    std::atomic<int> writes{0};
+    std::atomic<int> flushes{0};
+    std::atomic<int> destroys{0};
+
+private:
+    std::function<void(const nxLog&)> _onWrite;
+};
+
+/// A door that a device can be kept behind.
+class Gate
+{
+public:
+    void Pass()
+    {
+        std::unique_lock<std::mutex> lock(_mutex);
+        _waiting = true;
+        _changed.notify_all();
+        _changed.wait(lock, [this] { return _open; });
+    }
+    void WaitForSomebody()
+    {
+        std::unique_lock<std::mutex> lock(_mutex);
+        _changed.wait(lock, [this] { return _waiting; });
+    }
+    void Open()
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _open = true;
+        _changed.notify_all();
+    }
+
+private:
+    std::mutex _mutex;
+    std::condition_variable _changed;
+    bool _waiting = false;
+    bool _open = false;
+};
+
+/// Takes lines and takes them apart again.
+class LineDevice final : public nxLogDevice, public nxLogLineSink
+{
+public:
+    explicit LineDevice(nxLogLineStyle lineStyle) : nxLogDevice(this), style(lineStyle)
+    {
+        Manager().RegisterLogDevice(this);
+    }
+    ~LineDevice() override { Manager().UnregisterLogDevice(this); }
+
+    void Write(const nxLog& record) override { nxLogLine::Append(immediate, record, style); }
+    void Flush() override {}
+    void Destroy() override {}
+
+    nxLogLineStyle GetLineStyle() const override { return style; }
+    void WriteLines(const nxLogLineBatch& batch) override
+    {
+        const std::string_view lines(batch.text, batch.size);
+        EXPECT_EQ(static_cast<unsigned>(std::count(lines.begin(), lines.end(), '\n')), batch.lines);
+        EXPECT_EQ(lines.back(), '\n');
+        text += lines;
+        worstLevel = std::max(worstLevel, batch.worstLevel);
+        batches.push_back(batch.seconds);
+        largest = std::max(largest, batch.size);
+    }
+
+    nxLogLineStyle style;
+    std::string text;
+    std::string immediate;
+    nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
+    std::vector<long long> batches;
+    std::size_t largest = 0;
+};
+}  // namespace
+
+TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThread)
+{
+    constexpr int threads = 4;
+    constexpr int records = 20'000;
+    std::map<std::string, int> next;
+    int faults = 0;
+    Device device(
+        [&](const nxLog& record)
+        {
+            const std::string text = record.GetText();
+            const std::size_t blank = text.find(' ');
+            if (text.compare(0, 2, "t:") == 0)
+                faults += next[text.substr(0, blank)]++ != std::stoi(text.substr(blank));
+        });
+    std::vector<std::thread> producers;
+    for (int index = 0; index < threads; ++index)
+        producers.emplace_back(
+            [index]
+            {
+                for (int number = 0; number < records; ++number)
+                    if (number % 100 != 99)
+                        NX_LOG(NX_LOG_LEVEL_INFO) << "t:" << index << " " << number;
+                    else
+                    {
+                        nxLog record = MakeRecord("t:");
+                        record << index << " " << number;
+                        Manager().Write(record);
+                    }
+            });
+    for (std::thread& producer : producers)
+        producer.join();
+    WaitUntilWritten();
+    EXPECT_EQ(faults, 0);
+    EXPECT_EQ(next.size(), static_cast<std::size_t>(threads));
+    for (const auto& [thread, count] : next)
+        EXPECT_EQ(count, records) << thread;
+}
+
+TEST(nxLogManager, PutsWhatHappenedLaterOnAnotherThreadLater)
+{
+    constexpr int rounds = 3'000;
+    std::vector<int> seen;
+    Device device([&](const nxLog& record) { seen.push_back(std::stoi(record.GetText())); });
+    std::atomic<int> turn{0};
+    const auto play = [&turn](int parity)
+    {
+        for (int number = parity; number < rounds; number += 2)
+        {
+            while (turn.load(std::memory_order_acquire) != number)
+                std::this_thread::yield();
+            // Processors may read their counters some instructions early.
+            const auto later = std::chrono::steady_clock::now() + std::chrono::microseconds(10);
+            while (std::chrono::steady_clock::now() < later)
+                continue;
+            NX_LOG(NX_LOG_LEVEL_INFO) << number;
+            turn.store(number + 1, std::memory_order_release);
+        }
+    };
+    std::thread other([&] { play(1); });
+    play(0);
+    other.join();
+    WaitUntilWritten();
+    ASSERT_EQ(seen.size(), static_cast<std::size_t>(rounds));
+    const auto fault = std::is_sorted_until(seen.begin(), seen.end());
+    EXPECT_EQ(fault - seen.begin(), rounds) << "there stands " << *fault << " behind " << *(fault - 1);
+}
+
+TEST(nxLogManager, CarriesRecordsOfEverySize)
+{
+    // Around a quarter of a ring, beyond a whole one, and at the length at which messages are cut; in between small
+    // ones, so that the large ones begin everywhere in the ring.
+    std::vector<std::size_t> sizes;
+    for (const std::size_t size :
+         {0, 1, 200, 225, 255, 256, 1000, 16'300, 65'400, 65'536, 65'600, 262'144, 600'000, 1'048'576})
+        for (int offset = 0; offset < 3; ++offset)
+            sizes.insert(sizes.end(), {size, std::size_t{7}, size / 2});
+    std::vector<std::size_t> seen;
+    int faults = 0;
+    Device device(
+        [&](const nxLog& record)
+        {
+            const std::string text = record.GetText();
+            seen.push_back(text.size());
+            faults += text.find_first_not_of(text.empty() ? 'a' : text[0]) != std::string::npos;
+        });
+    std::vector<std::size_t> expected;
+    for (std::size_t index = 0; index < sizes.size(); ++index)
+    {
+        const std::string text(sizes[index], static_cast<char>('a' + index % 26));
+        if (index % 2 == 0)
+            NX_LOG(NX_LOG_LEVEL_INFO) << text;
+        else
+            NX_LOG(NX_LOG_LEVEL_INFO) << std::string_view(text).substr(0, text.size() / 3)
+                                      << std::string_view(text).substr(text.size() / 3);
+        nxLog record = MakeRecord(text);
+        Manager().Write(record);
+        expected.insert(expected.end(), {text.size(), text.size()});
+    }
+    WaitUntilWritten();
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(faults, 0);
+    NX_LOG(NX_LOG_LEVEL_INFO) << std::string(1'048'577, 'x');
+    WaitUntilWritten();
+    EXPECT_EQ(seen.back(), 1'048'576 + std::string("... [cut]").size());
+}
+
+TEST(nxLogManager, EmptiesARecordThatIsWritten)
+{
+    std::vector<std::string> texts;
+    Device device([&](const nxLog& record) { texts.push_back(record.GetText()); });
+    nxLog record = MakeRecord("once");
+    Manager().Write(record);
+    EXPECT_EQ(record.GetText(), "");
+    Manager().Write(record);
+    WaitUntilWritten();
+    EXPECT_EQ(texts, (std::vector<std::string>{"once", ""}));
+}
+
+TEST(nxLogManager, DropsAndCountsOnceADeviceHasStalled)
+{
+    Manager().SetMaximumQueueBytes(1 << 20);
+    const nxLogStatistics before = Manager().GetStatistics();
+    constexpr int records = 40'000;
+    Gate gate;
+    int heard = 0;
+    std::vector<std::string> told;
+    {
+        Device device(
+            [&](const nxLog& record)
+            {
+                gate.Pass();
+                const std::string text = record.GetText();
+                heard += text.compare(0, 6, "flood ") == 0;
+                if (text.find("dropped") != std::string::npos)
+                    told.push_back(text);
+            });
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "first";
+        gate.WaitForSomebody();
+        for (int number = 0; number < records; ++number)
+            NX_LOG(NX_LOG_LEVEL_INFO) << "flood " << number << " of text that takes some room";
+        const std::uint64_t dropped = Manager().GetStatistics().dropped - before.dropped;
+        EXPECT_GT(dropped, 0u);
+        EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{2} << 20);
+        EXPECT_FALSE(Manager().GetLogEntriesQueue().empty());
+        // Nobody waits for a device like that in vain.
+        Manager().WaitForWriteThreadToWriteQueueToDisk(0.05);
+
+        gate.Open();
+        WaitUntilWritten();
+        WaitUntilWritten();  // the record that tells comes after the others
+        EXPECT_EQ(heard + static_cast<int>(dropped), records);
+        ASSERT_EQ(told.size(), 1u);
+        EXPECT_NE(told[0].find(": " + std::to_string(dropped) + ","), std::string::npos) << told[0];
+        EXPECT_EQ(Manager().GetStatistics().dropped - before.dropped, dropped);
+    }
+    Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20);
+}
+
+TEST(nxLogManager, LetsCallersWaitForADeviceThatIsSlow)
+{
+    Manager().SetMaximumQueueBytes(1 << 20);
+    const nxLogStatistics before = Manager().GetStatistics();
+    constexpr int threads = 2;
+    constexpr int records = 20'000;
+    std::atomic<int> heard{0};
+    {
+        Device device(
+            [&](const nxLog& record)
+            {
+                if (record.GetText().compare(0, 5, "slow ") == 0 && ++heard % 400 == 0)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            });
+        std::vector<std::thread> producers;
+        for (int index = 0; index < threads; ++index)
+            producers.emplace_back(
+                []
+                {
+                    for (int number = 0; number < records; ++number)
+                        NX_LOG(NX_LOG_LEVEL_INFO) << "slow " << number << std::string(200, '.');
+                });
+        for (std::thread& producer : producers)
+            producer.join();
+        WaitUntilWritten();
+    }
+    EXPECT_EQ(heard, threads * records);
+    EXPECT_EQ(Manager().GetStatistics().dropped, before.dropped);
+    EXPECT_GT(Manager().GetStatistics().waits, before.waits);
+    Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20);
+}
+
+TEST(nxLogManager, LetsDevicesLogAndLeave)
+{
+    std::vector<std::string> texts;
+    std::unique_ptr<Device> other;
+    Device device(
+        [&](const nxLog& record)
+        {
+            const std::string text = record.GetText();
+            texts.push_back(text);
+            if (text != "first")
+                return;
+            NX_LOG(NX_LOG_LEVEL_WARNING) << "queued by a device";
+            Manager().ImmediateWrite(MakeRecord("immediate"));  // not to itself
+            WaitUntilWritten();                                 // not for itself
+            Manager().UnregisterLogDevice(&device);
+            Manager().RegisterLogDevice(&device);
+        });
+    nxCapturingLogDevice witness;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "first";
+    WaitUntilWritten();
+    WaitUntilWritten();
+    EXPECT_EQ(texts, (std::vector<std::string>{"first", "queued by a device"}));
+    EXPECT_EQ(witness.Count(nxCapturingLogDevice::Contains("immediate")), 1u);
+
+    Device leaving([&](const nxLog&) { Manager().UnregisterLogDevice(&leaving); });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "one";
+    NX_LOG(NX_LOG_LEVEL_INFO) << "two";
+    WaitUntilWritten();
+    EXPECT_EQ(leaving.writes, 1);
+
+    Device throwing([](const nxLog&) { throw std::runtime_error("no"); });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "three";
+    NX_LOG(NX_LOG_LEVEL_INFO) << "four";
+    WaitUntilWritten();
+    EXPECT_EQ(throwing.writes, 2);
+}
+
+TEST(nxLogManager, WaitsForADeviceThatIsUnregistered)
+{
+    Gate gate;
+    std::atomic<bool> inside{false};
+    auto device = std::make_unique<Device>(
+        [&](const nxLog&)
+        {
+            inside = true;
+            gate.Pass();
+            inside = false;
+        });
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
+    gate.WaitForSomebody();
+    std::atomic<bool> unregistered{false};
+    std::thread remover(
+        [&]
+        {
+            Manager().UnregisterLogDevice(device.get());
+            EXPECT_FALSE(inside);
+            unregistered = true;
+        });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_FALSE(unregistered);
+    gate.Open();
+    remover.join();
+    device.reset();
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "to nobody";
+    WaitUntilWritten();
+}
+
+TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
+{
+    std::atomic<int> inside{0};
+    std::atomic<int> most{0};
+    Device device(
+        [&](const nxLog&)
+        {
+            most = std::max(most.load(), ++inside);
+            std::this_thread::yield();
+            --inside;
+        });
+    Manager().RegisterLogDevice(&device);
+    Manager().RegisterLogDevice(nullptr);
+    Manager().UnregisterLogDevice(nullptr);
+    std::vector<std::thread> writers;
+    for (int index = 0; index < 4; ++index)
+        writers.emplace_back(
+            []
+            {
+                nxLog record = MakeRecord("at once");
+                for (int number = 0; number < 500; ++number)
+                {
+                    Manager().ImmediateWrite({&record, nullptr, &record});
+                    NX_LOG(NX_LOG_LEVEL_INFO) << "queued";
+                    Manager().FlushDevices();
+                }
+            });
+    for (std::thread& writer : writers)
+        writer.join();
+    WaitUntilWritten();
+    EXPECT_EQ(device.writes, 4 * 500 * 3);
+    EXPECT_EQ(most, 1);
+    Manager().UnregisterAllLogDevices();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
+    WaitUntilWritten();
+    EXPECT_EQ(device.writes, 4 * 500 * 3);
+}
+
+TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)
+{
+    Device device;
+    WaitUntilWritten();
+    Manager().SetTimeBetweenFlushes(3600);
+    device.flushes = 0;
+    const auto flushedAfter = [&device](const auto& report)
+    {
+        const int writes = device.writes;
+        const int flushes = device.flushes;
+        report();
+        for (int tries = 0; device.writes == writes && tries < 6000; ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        // One more look of the writer.
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        return device.flushes != flushes;
+    };
+    EXPECT_FALSE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_INFO) << "can wait"; }));
+    EXPECT_TRUE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_WARNING) << "cannot wait"; }));
+    Manager().SetTimeBetweenFlushes(0);
+    EXPECT_TRUE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_INFO) << "never waits"; }));
+    Manager().SetTimeBetweenFlushes(1);
+}
+
+TEST(nxLogManager, DoesNotWaitWithoutATime)
+{
+    Gate gate;
+    Device device([&gate](const nxLog&) { gate.Pass(); });
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
+    gate.WaitForSomebody();
+    for (const double seconds : {std::nan(""), -1.0, 0.0, -std::numeric_limits<double>::infinity(), 0.01})
+        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(seconds));
+    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNullInstance());
+    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNoChangeInstance());
+    EXPECT_EQ(Manager().GetLogEntriesQueue().size(), 1u);
+    gate.Open();
+    Manager().WaitForWriteThreadToWriteQueueToDisk(std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(Manager().GetLogEntriesQueue().empty());
+}
+
+TEST(nxLogManager, StartsAnewAfterDestroy)
+{
+    Device device;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "before";
+    Manager().Destroy();
+    EXPECT_EQ(device.writes, 1);
+    EXPECT_EQ(device.destroys, 1);
+    Manager().Destroy();
+    EXPECT_EQ(device.destroys, 1);
+    const std::uint64_t unheard = Manager().GetStatistics().unheard;
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "to nobody";
+    WaitUntilWritten();
+    EXPECT_EQ(Manager().GetStatistics().unheard, unheard + 1);
+    EXPECT_EQ(device.writes, 1);
+    Manager().RegisterLogDevice(&device);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "after";
+    WaitUntilWritten();
+    EXPECT_EQ(device.writes, 2);
+}
+
+TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
+{
+    LineDevice full({nxLogLineStyle::Full, true});
+    LineDevice brief({nxLogLineStyle::LevelAndText, false});
+    std::string expectedFull;
+    std::string expectedBrief;
+    for (int number = 0; number < 30'000; ++number)
+    {
+        nxLog record =
+            MakeRecord("line " + std::to_string(number), number == 77 ? NX_LOG_LEVEL_ERROR : NX_LOG_LEVEL_INFO);
+        nxLogLine::Append(expectedFull, record, full.style);
+        nxLogLine::Append(expectedBrief, record, brief.style);
+        Manager().Write(record);
+    }
+    WaitUntilWritten();
+    EXPECT_TRUE(full.text == expectedFull);
+    EXPECT_TRUE(brief.text == expectedBrief);
+    EXPECT_EQ(full.worstLevel, NX_LOG_LEVEL_ERROR);
+    EXPECT_LE(full.largest, (std::size_t{1} << 20) + 200);
+
+    // Days are not mixed.
+    full.batches.clear();
+    for (const long long day : {1, 1, 2, 2, 2, 1})
+    {
+        nxLog record(NX_LOG_LEVEL_INFO, "x", 1, nxTimeStamp(day * 86'400 + 43'200, 0));
+        Manager().Write(record);
+    }
+    WaitUntilWritten();
+    long long last = 0;
+    int changes = 0;
+    for (const long long seconds : full.batches)
+        changes += std::exchange(last, seconds / 86'400) != seconds / 86'400;
+    EXPECT_EQ(changes, 3);
+}
+
+TEST(nxLogManager, KeepsRunningWithManyThreadsThatComeAndGo)
+{
+    std::atomic<int> heard{0};
+    Device device([&heard](const nxLog& record) { heard += record.GetText() == "short life"; });
+    constexpr int threads = 600;
+    for (int index = 0; index < threads; ++index)
+        std::thread([] { NX_LOG(NX_LOG_LEVEL_INFO) << "short life"; }).join();
+    WaitUntilWritten();
+    EXPECT_EQ(heard, threads);
+    EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{65} << 20);
+}
+
+namespace
+{
+/// Logs when its thread has ended already.
+struct LogsAtThreadExit
+{
+    ~LogsAtThreadExit() { NX_LOG(NX_LOG_LEVEL_INFO) << "from a thread-local's destructor"; }
+};
+}  // namespace
+
+TEST(nxLogManager, HearsThreadsToTheirVeryEnd)
+{
+    nxCapturingLogDevice device;
+    std::thread(
+        []
+        {
+            static thread_local LogsAtThreadExit last;
+            static_cast<void>(&last);
+            NX_LOG(NX_LOG_LEVEL_INFO) << "from the thread";
+        })
+        .join();
+    WaitUntilWritten();
+    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("from")), 2u);
+}
