@@ -3,6 +3,7 @@
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/platform/nxProcess.h"
+#include "core/text/nxStringHelper.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -102,8 +103,6 @@ nxDateTime nxApplicationData::GetStartTime()
 bool nxApplicationData::GetIsSecureSSLConnection()
 {
     std::string daemon = nxCmdLineArgs::GetInstance().GetEnvValue(QRX_DAEMON);
-    for (char& c : daemon)
-        if ('A' <= c && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+    nxStringHelper::ToLower(daemon);
     return daemon.find("ssl:") != std::string::npos;
 }

@@ -4,6 +4,8 @@
 
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
+#include "core/text/nxAlgorithm.h"
+#include "core/text/nxStringHelper.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -11,14 +13,6 @@ namespace
 constexpr char sourceFile[] = "core/trunk/nxCmdLineArgs";
 
 bool HasNul(const std::string& text) { return text.find('\0') != std::string::npos; }
-
-std::string UpperCase(std::string text)
-{
-    for (char& c : text)
-        if ('a' <= c && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
 
 bool IsNumber(const char* word) { return nxDecimal().SetFromString(word, '.').IsOK(); }
 
@@ -33,7 +27,8 @@ Value FromText(const std::string& text)
 
 bool IsSecret(const std::string& name)
 {
-    const std::string upper = UpperCase(name);
+    std::string upper = name;
+    nxStringHelper::ToUpper(upper);
     for (const char* const word : {"PASSWORD", "SECRET", "TOKEN"})
         if (upper.find(word) != std::string::npos)
             return true;
@@ -43,14 +38,13 @@ bool IsSecret(const std::string& name)
 // One entry as one line: control bytes, which could break the line or steer a terminal, as \xNN.
 std::string DumpLine(const std::string& name, const std::string& value)
 {
-    constexpr char digits[] = "0123456789ABCDEF";
     std::string line;
     const std::string text = name + " = " + (IsSecret(name) ? "***" : value);
     for (const char c : text)
     {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F)
-            line.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+            nxAlgorithm::AppendAsHex(byte, line += "\\x");
         else
             line += c;
     }
@@ -173,7 +167,8 @@ std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
 
 bool nxCmdLineArgs::GetEnvValueAsBool(const std::string& name, bool defaultValue) const
 {
-    const std::string value = UpperCase(GetEnvValue(name));
+    std::string value = GetEnvValue(name);
+    nxStringHelper::ToUpper(value);
     if (value == "TRUE" || value == "YES")
         return true;
     if (value == "FALSE" || value == "NO")

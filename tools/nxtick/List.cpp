@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -8,6 +7,7 @@
 #include "Terminal.h"
 #include "Text.h"
 #include "TickTables.h"
+#include "core/text/nxStringHelper.h"
 
 namespace nxtick
 {
@@ -15,9 +15,7 @@ namespace
 {
 std::string LowerCase(std::string text)
 {
-    for (char& c : text)
-        if ('A' <= c && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
+    nxStringHelper::ToLower(text);
     return text;
 }
 

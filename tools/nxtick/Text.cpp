@@ -55,13 +55,12 @@ std::string CountText(std::uint64_t count)
 
 std::string Quoted(std::string_view text)
 {
-    constexpr char digits[] = "0123456789ABCDEF";
     std::string quoted = "'";
     for (const char c : text.substr(0, longestQuoted))
     {
         const auto byte = static_cast<unsigned char>(c);
         if (byte < 0x20 || byte == 0x7F)
-            quoted.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+            nxAlgorithm::AppendAsHex(byte, quoted += "\\x");
         else
             quoted += c;
     }
