@@ -42,10 +42,10 @@ int Run(const nxCmdLineArgs& args)
 
     // Arguments of a record below the threshold are not even evaluated.
     NX_LOG(NX_LOG_LEVEL_DEBUG) << "host " << nxApplicationData::GetHostName();
-    NX_LOG(NX_LOG_LEVEL_INFO) << nxApplicationData::GetApplicationName() << " quotes " << symbol << " at "
-                              << price.GetAsLogString('.') << (passive ? ", passively" : "");
+    NX_LOG(NX_LOG_LEVEL_INFO) << nxApplicationData::GetApplicationName() << " quotes " << symbol << " at " << price
+                              << (passive ? ", passively" : "");
     if (price.IsNegative())
-        NX_LOG(NX_LOG_LEVEL_WARNING) << "a negative price: " << price.GetAsLogString('.');
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "a negative price: " << price;
 
     std::cout << symbol << ' ' << price << '\n';
     return 0;

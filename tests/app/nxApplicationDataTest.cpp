@@ -5,11 +5,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <ctime>
 #include <string>
 #include <utility>
 
 #include "core/app/nxCmdLineArgs.h"
+#include "tests/support/nxSystemCallFault.h"
 
 namespace
 {
@@ -58,6 +60,34 @@ TEST(nxApplicationData, ThePlatformsFactsAreLive)
     EXPECT_LE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) + 1, 0));
     EXPECT_GE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) - 24 * 3600, 0));
     EXPECT_EQ(nxApplicationData::GetStartTime(), start);
+}
+
+TEST(nxApplicationData, AMachineThatTellsNothingHasDefaults)
+{
+    {
+        const nxSystemCallFault noName("gethostname", ENAMETOOLONG);
+        EXPECT_EQ(nxApplicationData::GetHostName(), "localhost");
+    }
+    {
+        const nxSystemCallFault noInterfaces("getifaddrs", ENOSYS);
+        EXPECT_EQ(nxApplicationData::GetIPAddress(), "127.0.0.1");
+    }
+}
+
+TEST(nxApplicationData, WithoutAProcessFileTheStartIsTheFirstQuestion)
+{
+    // A child, because the answer is kept.
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0)
+    {
+        const nxSystemCallFault noFile("open", EMFILE, {.path = "/proc/self/stat"});
+        const nxDateTime before(static_cast<long long>(std::time(nullptr)), 0);
+        ::_exit(nxApplicationData::GetStartTime() >= before && noFile.GetHits() == 1 ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <initializer_list>
 #include <map>
@@ -15,6 +16,7 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogManager.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxSystemCallFault.h"
 
 namespace
 {
@@ -263,6 +265,8 @@ TEST(nxCmdLineArgs, SetEnvValueReachesTheProcessAndTheCopy)
     const std::pair<std::string, std::string> refused[] = {{"", "x"}, {"A=B", "x"}, {withNul, "x"}, {"A", withNul}};
     for (const auto& [badName, badValue] : refused)
         EXPECT_FALSE(read.SetEnvValue(badName, badValue)) << badName;
+    const nxSystemCallFault noMemory("setenv", ENOMEM);
+    EXPECT_FALSE(read.SetEnvValue("A", "2"));
     EXPECT_EQ(read.GetEnvValue("A"), "1");
 }
 
@@ -291,7 +295,14 @@ TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
     ::unsetenv(name.c_str());
 }
 
-// What reached the log since the device was made, beside the records of others.
+// Records wait for a thread of the log and, at first, for a device: what others logged before is not this test's.
+void ForgetEarlierRecords(nxCapturingLogDevice& log)
+{
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(20.0));
+    log.Clear();
+}
+
+// What has reached the log since the device was made.
 Words Texts(const nxCapturingLogDevice& log, const Words& wanted)
 {
     for (const std::string& text : wanted)
@@ -307,6 +318,7 @@ TEST(nxCmdLineArgs, DumpWritesOneRecordAnEntryAndHidesPasswords)
     const Args args({"prog", "-user", "jane", "-dbPassword", "hunter2", "-empty", "-x", "a\r\nb\x1b[2J"},
                     {"QRX_DB_PASSWORD=hunter2", "MY_SECRET_KEY=hunter2", "api_token=hunter2", "LAST=1"});
     nxCapturingLogDevice log;
+    ForgetEarlierRecords(log);
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_WARNING));
     EXPECT_EQ(Texts(log, {"api_token = ***"}),
               (Words{"Command Line Args:", "dbPassword = ***", "empty = ", "user = jane", "x = a\\x0D\\x0Ab\\x1B[2J",
@@ -320,6 +332,7 @@ TEST(nxCmdLineArgs, SetEnvValueTellsTheLog)
     const std::string name = "NX_TEST_TOLD_" + std::to_string(::getpid());
     Args args;
     nxCapturingLogDevice log;
+    ForgetEarlierRecords(log);
     EXPECT_TRUE(args.SetEnvValue(name, "1"));
     EXPECT_FALSE(args.SetEnvValue("", "1"));
     EXPECT_EQ(Texts(log, {"Failed to change environment variable."}),
@@ -349,6 +362,8 @@ private:
 TEST(nxCmdLineArgs, LogsWithoutHoldingItsMutex)
 {
     Args args({}, {"A=1"});
+    nxCapturingLogDevice before;
+    ForgetEarlierRecords(before);
     const AskingDevice device(args);
     const nxCapturingLogDevice after;  // is written to behind the other
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));

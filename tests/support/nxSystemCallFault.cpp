@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <ifaddrs.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/mman.h>
