@@ -1,0 +1,389 @@
+#ifndef TESTS_NUMERIC_NXDECIMALPROGRAM_H
+#define TESTS_NUMERIC_NXDECIMALPROGRAM_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "core/enum/nxValueStatusEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/text/nxOStream.h"
+#include "core/text/nxSimpleAsciiStringWriter.h"
+#include "tests/numeric/nxDecimalOracle.h"
+
+/// Reads bytes as a program of decimal operations on eight registers, runs it on nxDecimal and on its oracle side by
+/// side, and compares every result. Any bytes are a program.
+class nxDecimalProgram
+{
+public:
+    nxDecimalProgram(const std::uint8_t* bytes, std::size_t size) : _bytes(bytes), _size(size) {}
+
+    /// @return whether all results agreed; GetFailure() tells which did not.
+    bool Run()
+    {
+        while (_at < _size && _failure.empty())
+            Step();
+        return _failure.empty();
+    }
+    /// Operations run; loading a register counts as none.
+    std::size_t GetOperations() const { return _operations; }
+    const std::string& GetFailure() const { return _failure; }
+
+private:
+    struct Register
+    {
+        nxDecimal value;
+        nxDecimalOracle model;
+    };
+
+    template <class T>
+    T Take()
+    {
+        std::array<unsigned char, sizeof(T)> raw{};
+        const std::size_t count = std::min(raw.size(), _size - _at);
+        std::memcpy(raw.data(), _bytes + _at, count);
+        _at += count;
+        T value;
+        std::memcpy(&value, raw.data(), sizeof value);
+        return value;
+    }
+    std::uint8_t TakeByte() { return Take<std::uint8_t>(); }
+
+    // Half of all numbers look like prices; the others crowd around every limit that the code knows.
+    long long TakeMantissa()
+    {
+        const std::uint8_t kind = TakeByte();
+        const long long raw = Take<long long>();
+        static constexpr long long limits[] = {0,
+                                               1,
+                                               5,
+                                               50,
+                                               99'999'999,
+                                               100'000'000,
+                                               9'999'999'999'999'999,
+                                               1LL << 31,
+                                               1LL << 48,
+                                               1LL << 49,
+                                               1LL << 52,
+                                               1LL << 53,
+                                               1LL << 62,
+                                               1'000'000'000'000'000'000,
+                                               std::numeric_limits<long long>::max(),
+                                               std::numeric_limits<long long>::min()};
+        switch (kind % 8)
+        {
+            case 0:
+                return raw;
+            case 1:  // every length
+                return raw >> (static_cast<unsigned>(kind) / 8 * 2);
+            case 2:
+            case 3:  // next to a limit, or to a tenth of it, a hundredth, ...
+            {
+                long long near = limits[(kind >> 3) % 16];
+                for (int n = static_cast<int>((raw >> 8) & 15); n > 0 && near > 9; --n)
+                    near /= 10;
+                near = nxDecimalOracle::Signed(nxDecimalOracle::Bits(near) + static_cast<std::uint64_t>(raw & 3) - 1);
+                return (raw & 4) != 0 && near != std::numeric_limits<long long>::min() ? -near : near;
+            }
+            default:
+                return raw % 1'000'000;
+        }
+    }
+    unsigned char TakePlaces()
+    {
+        const std::uint8_t kind = TakeByte();
+        if (kind < 192)
+            return kind % 8;
+        return kind < 240 ? kind % 24 : TakeByte();
+    }
+    double TakeDouble()
+    {
+        const std::uint8_t kind = TakeByte();
+        const auto raw = Take<long long>();
+        static constexpr double odd[] = {std::numeric_limits<double>::quiet_NaN(),
+                                         std::numeric_limits<double>::infinity(),
+                                         -std::numeric_limits<double>::infinity(),
+                                         9223372036854775807.0,
+                                         -9223372036854775808.0,
+                                         1e19,
+                                         -1e19,
+                                         0.49999999999999994,
+                                         -0.49999999999999994,
+                                         -0.0,
+                                         std::numeric_limits<double>::denorm_min(),
+                                         std::numeric_limits<double>::max()};
+        double number;
+        switch (kind % 4)
+        {
+            case 0:  // any bit pattern
+                std::memcpy(&number, &raw, sizeof number);
+                return number;
+            case 1:
+                return odd[(kind >> 2) % 12];
+            case 2:  // ties, and the numbers beside them
+                number = static_cast<double>((raw >> 8) % 2'000'001) / 2 / static_cast<double>(1 << (raw & 15));
+                if ((raw & 16) != 0)
+                    number = std::nextafter(number, (raw & 32) != 0 ? 1e300 : -1e300);
+                return number;
+            default:
+                return static_cast<double>(raw % 100'000'000) / 10000;
+        }
+    }
+    char TakeSeparator()
+    {
+        const std::uint8_t kind = TakeByte();
+        return kind < 160 ? '.' : kind < 240 ? ',' : static_cast<char>(TakeByte());
+    }
+    nxEnumValue TakeMethod() { return static_cast<nxEnumValue>(NX_ROUNDING_METHOD_DOWN + TakeByte() % 5); }
+    std::string TakeText(char separator)
+    {
+        static constexpr char letters[] = "0123456789012345678901234567890123456789+-x ";
+        const std::uint8_t shape = TakeByte();
+        std::string text(shape % (shape < 250 ? 24 : 250), '0');
+        for (char& c : text)
+            c = letters[TakeByte() % (shape & 16 ? 40 : sizeof letters - 1)];
+        if (shape % 3 != 0 && !text.empty())
+            text[TakeByte() % text.size()] = separator;
+        if (shape % 5 == 0)
+            text.insert(0, 1, shape & 1 ? '-' : '+');
+        return text;
+    }
+
+    void Step()
+    {
+        const std::uint8_t code = TakeByte();
+        const std::uint8_t where = TakeByte();
+        Register& a = _registers[where % 8];
+        Register& b = _registers[where / 8 % 8];
+        const Register before = a;
+        const Register operand = b;
+        const int operation = code % _operationCount;
+        if (operation < _loads)
+            Load(operation, a);
+        else
+        {
+            ++_operations;
+            Operate(operation - _loads, a, b);
+        }
+        if (!a.model.Matches(a.value))
+            Fail("result", operation, before, operand);
+        if (!_mismatch.empty())
+            Fail(_mismatch, operation, before, operand);
+    }
+
+    void Load(int operation, Register& a)
+    {
+        switch (operation)
+        {
+            case 0:
+                if (const std::uint8_t kind = TakeByte(); kind % 8 == 0)
+                    a = kind & 8
+                            ? Register{nxDecimal::GetNullDecimal(), nxDecimalOracle(NX_VALUE_STATUS_NULL)}
+                            : Register{nxDecimal(nxNoChangeInitalizer{}), nxDecimalOracle(NX_VALUE_STATUS_NO_CHANGE)};
+                else
+                    a = Register{nxDecimal::GetMaximumDecimal(), {std::numeric_limits<long long>::max(), 0}};
+                break;
+            default:
+            {
+                const long long mantissa = TakeMantissa();
+                const unsigned char places = TakePlaces();
+                a = {nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, places), {mantissa, places}};
+            }
+        }
+    }
+
+    void Operate(int operation, Register& a, Register& b)
+    {
+        switch (operation)
+        {
+            case 0:
+                a.value += b.value;
+                a.model.Add(nxDecimalOracle(b.model));
+                break;
+            case 1:
+                a.value -= b.value;
+                a.model.Subtract(nxDecimalOracle(b.model));
+                break;
+            case 2:
+                a.value *= b.value;
+                a.model.Multiply(nxDecimalOracle(b.model));
+                break;
+            case 3:
+                a.value /= b.value;
+                a.model.Divide(nxDecimalOracle(b.model));
+                break;
+            case 4:
+            case 5:
+            {
+                const nxEnumValue method = TakeMethod();
+                a.value.Round(b.value, nxRoundingMethodEnum(method));
+                a.model.Round(nxDecimalOracle(b.model), method);
+                break;
+            }
+            case 6:
+                Compare(a, b);
+                break;
+            case 7:
+            {
+                const unsigned char places = TakePlaces();
+                const bool onlyDropZeros = (TakeByte() & 1) != 0;
+                a.value.SetDecimalPlaces(places, onlyDropZeros);
+                a.model.SetDecimalPlaces(places, onlyDropZeros);
+                break;
+            }
+            case 8:
+            {
+                const unsigned char minimum = TakePlaces();
+                a.value.Normalise(minimum);
+                a.model.Normalise(minimum);
+                break;
+            }
+            case 9:
+            {
+                const double number = TakeDouble();
+                const unsigned char places = TakePlaces();
+                a.value.SetFromDouble(number, places);
+                a.model.SetFromDouble(number, places);
+                break;
+            }
+            case 10:
+            {
+                const char separator = TakeSeparator();
+                const std::string text = TakeText(separator);
+                const bool read = a.value.SetFromString(text, separator).IsOK();
+                Expect("error of a text", read, a.model.SetFromText(text, separator));
+                break;
+            }
+            case 11:
+                Print(a);
+                break;
+            case 12:
+                -a.value;
+                a.model.Negate();
+                break;
+            case 13:
+                Expect("Abs", true,
+                       (a.model.mantissa < 0 ? Negated(a.model) : a.model).Matches(nxDecimal::Abs(a.value)));
+                Expect("integer part", a.model.IntegerPart(), a.value.GetIntegerPart());
+                Expect("fraction", a.model.Fraction(), std::uint64_t{a.value.GetFractionalPart()});
+                ExpectSameBits(a.model.AsDouble(), a.value.GetAsDouble());
+                break;
+            case 14:
+            {
+                const long long whole = TakeMantissa();
+                const unsigned char places = TakePlaces();
+                a.value = nxDecimal(whole, places);
+                a.model = {nxDecimalOracle::Signed(nxDecimalOracle::Bits(whole) * nxDecimalOracle::Power(places)),
+                           places};
+                break;
+            }
+            default:
+            {
+                const long long numerator = TakeMantissa();
+                const long long denominator = TakeMantissa();
+                const unsigned char places = TakePlaces();
+                a.value = nxDecimal(numerator, denominator, places);
+                a.model.SetFromDouble(static_cast<double>(numerator) / static_cast<double>(denominator), places);
+            }
+        }
+    }
+
+    void Compare(const Register& a, const Register& b)
+    {
+        const bool equal = a.model.Equals(b.model);
+        const bool less = a.model.IsLessThan(b.model);
+        Expect("==", equal, a.value == b.value);
+        Expect("!=", !equal, a.value != b.value);
+        Expect("<", less, a.value < b.value);
+        Expect("<=", equal || less, a.value <= b.value);
+        Expect(">", !equal && !less, a.value > b.value);
+        Expect(">=", !less, a.value >= b.value);
+        const bool exactly = a.model.EqualsExactly(b.model);
+        Expect("EqualsExactly", exactly, a.value.EqualsExactly(b.value));
+        if (exactly)
+            Expect("GetExactHash", a.value.GetExactHash(), b.value.GetExactHash());
+        const bool takeMin = !a.model.IsValid() || (b.model.IsValid() && b.model.IsLessThan(a.model) && !equal);
+        Expect("GetMin", true, (takeMin ? b : a).model.Matches(nxDecimal::GetMin(a.value, b.value)));
+        const bool takeMax = !a.model.IsValid() || (b.model.IsValid() && less);
+        Expect("GetMax", true, (takeMax ? b : a).model.Matches(nxDecimal::GetMax(a.value, b.value)));
+    }
+
+    void Print(const Register& a)
+    {
+        const char separator = TakeSeparator();
+        const unsigned char places = TakePlaces();
+        // The bytes behind the promised size must stay as they are.
+        char buffer[nxDecimal::MaxTextSize + 8];
+        std::memset(buffer, '#', sizeof buffer);
+        const std::size_t length = a.value._GetAsString(buffer, separator, places);
+        Expect("_GetAsString", a.model.Text(separator, places), std::string(buffer, length));
+        Expect("terminator", true, buffer[length] == '\0');
+        Expect("buffer", true, std::string_view(buffer + nxDecimal::MaxTextSize, 8) == "########");
+        Expect("GetAsString", a.model.Text(separator, 255), a.value.GetAsString(separator));
+        Expect("GetAsTrimmedLogString", a.model.LogText(separator, places),
+               a.value.GetAsTrimmedLogString(places, separator));
+        nxOStream<nxSimpleAsciiStringWriter> stream;
+        a.value.Write(stream, separator);
+        Expect("Write", a.model.Written(separator), stream.GetWriter().GetText());
+    }
+
+    static nxDecimalOracle Negated(nxDecimalOracle model)
+    {
+        model.Negate();
+        return model;
+    }
+
+    template <class T, class U>
+    void Expect(const char* what, const T& expected, const U& actual)
+    {
+        if (!(expected == actual) && _mismatch.empty())
+        {
+            std::ostringstream text;
+            text << what << ": expected " << expected << ", got " << actual;
+            _mismatch = text.str();
+        }
+    }
+    void ExpectSameBits(double expected, double actual)
+    {
+        Expect("GetAsDouble", true, expected == actual || (std::isnan(expected) && std::isnan(actual)));
+    }
+    static void Describe(std::ostream& out, const Register& r)
+    {
+        const nxDecimalOracle held(r.value);
+        out << '(' << held.mantissa << ", " << held.places << ", " << held.status << ") oracle (" << r.model.mantissa
+            << ", " << r.model.places << ", " << r.model.status << ')';
+    }
+    void Fail(const std::string& what, int operation, const Register& a, const Register& b)
+    {
+        if (!_failure.empty())
+            return;
+        std::ostringstream text;
+        text << what << "; operation " << operation - _loads << " on ";
+        Describe(text, a);
+        text << " and ";
+        Describe(text, b);
+        for (const Register& r : _registers)
+            if (!r.model.Matches(r.value))
+                Describe(text << "; gave ", r);
+        _failure = text.str();
+    }
+
+    static constexpr int _loads = 8;
+    static constexpr int _operationCount = _loads + 16;
+
+    const std::uint8_t* _bytes;
+    std::size_t _size;
+    std::size_t _at = 0;
+    std::size_t _operations = 0;
+    std::array<Register, 8> _registers{};
+    std::string _mismatch;
+    std::string _failure;
+};
+
+#endif
