@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "core/enum/nxValueStatusEnum.h"
+#include "core/numeric/nxDoubleHelper.h"
 #include "core/text/nxDigits.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
@@ -30,74 +31,79 @@ std::size_t Copy(char* buffer, std::string_view text)
 
 std::uint64_t Power(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
 
-// 0x80 in the lowest byte of `word` that equals `character`; above it the result is unreliable. 0 when none does.
-std::uint64_t FindByte(std::uint64_t word, char character)
+// Up to eight characters of a number.
+struct Piece
 {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    const std::uint64_t zeroWhereEqual = word ^ (ones * static_cast<unsigned char>(character));
-    return (zeroWhereEqual - ones) & ~zeroWhereEqual & (ones << 7);
-}
-
-// The digits of a number read so far, eight characters at a time.
-class NumberReader
-{
-public:
-    explicit NumberReader(char separator) : _separator(separator) {}
-
-    // Takes the last `count` characters of `word`, whose other characters are '0'. False: not a number.
-    bool Take(std::uint64_t word, std::size_t count)
-    {
-        std::size_t digits = count;
-        if (const std::uint64_t hit = FindByte(word, _separator); hit != 0)
-        {
-            if (_separatorSeen)
-                return false;
-            _separatorSeen = true;
-            // Close the gap; a second separator stays in place and is no digit.
-            const int position = std::countr_zero(hit) & ~7;
-            const std::uint64_t below = (std::uint64_t{1} << position) - 1;
-            word = (word & (~below << 8)) | ((word & below) << 8) | '0';
-            --digits;
-            _places = static_cast<std::size_t>(56 - position) / 8;
-        }
-        else if (_separatorSeen)
-            _places += digits;
-        if (!nxDigits::AreDigits(word))
-            return false;
-        _mantissa = _mantissa * Power(digits) + nxDigits::Gather(word);
-        _digits += digits;
-        return true;
-    }
-
-    bool HasDigits() const { return _digits != 0; }
-    std::uint64_t GetMantissa() const { return _mantissa; }
-    unsigned char GetPlaces() const { return static_cast<unsigned char>(_places); }
-
-private:
-    std::uint64_t _mantissa = 0;
-    std::size_t _digits = 0;
-    std::size_t _places = 0;
-    char _separator;
-    bool _separatorSeen = false;
+    std::uint64_t value;      // of the digits
+    std::uint64_t separator;  // 1 when one of the characters is the separator, else 0
+    std::size_t places;       // how many digits stand behind it; 0 without one
+    bool isNumber;            // nothing but digits and at most one separator
 };
 
-// Reads digits with at most one separator. False, with nothing stored, for anything else.
-bool ReadNumber(std::string_view text, char separator, std::uint64_t& mantissa, unsigned char& places)
+// Reads what LoadRightAligned() gives. No branch depends on where the separator stands or whether there is one, which
+// nobody can predict.
+inline Piece ReadPiece(std::uint64_t word, char separator)
 {
-    // A digit is read as a digit even when it is meant as the separator, which then never occurs.
-    if (separator >= '0' && separator <= '9')
-        return nxDigits::Parse(text.data(), text.data() + text.size(), mantissa);
-    if (text.empty())
-        return false;
-    NumberReader reader(separator);
-    for (; text.size() > 8; text.remove_prefix(8))
-        if (!reader.Take(nxDigits::Load(text.data()), 8))
-            return false;
-    if (!reader.Take(nxDigits::LoadRightAligned(text.data(), text.size()), text.size()) || !reader.HasDigits())
-        return false;
-    mantissa = reader.GetMantissa();
-    places = reader.GetPlaces();
-    return true;
+    const std::uint64_t others = nxDigits::FindNonDigit(word);
+    // The lowest bit of the first byte that is no digit; it has to be the separator. Without one, 0, and below it is
+    // all.
+    const std::uint64_t found = (others & (0 - others)) >> 7;
+    const std::uint64_t below = found - 1;
+    const std::uint64_t any = (0 - found) >> 63;
+    const std::uint64_t wanted = found * static_cast<unsigned char>(separator ^ '0');
+    const bool isSeparator = (word & (found * 0xFF)) == wanted;
+    // Close the gap; anything else that is no digit stays.
+    const std::uint64_t digits = (word & (~below << 8)) | ((word & below) << (8 * any));
+    const int position = std::countr_zero(others | (std::uint64_t{1} << 63)) / 8;
+    return {nxDigits::Gather(digits), any, static_cast<std::size_t>(7 - position),
+            isSeparator && nxDigits::FindNonDigit(digits) == 0};
+}
+
+// The text of a number whose digits all stand in one word: the integer part is its front, from the first digit that is
+// not a leading zero, and the decimals are its end. `magnitude` is below 10^8, `places` below 8, and `shown` not above
+// it.
+inline char* PrintShort(char* out, std::uint64_t magnitude, std::size_t places, std::size_t shown, char separator)
+{
+    const std::uint64_t digits = nxDigits::Spread(magnitude);
+    const std::uint64_t text = digits | nxDigits::AsText;
+    const std::size_t beforeDecimals = 56 - 8 * places;
+    const auto zeros = static_cast<std::size_t>(std::countr_zero(digits | (std::uint64_t{1} << beforeDecimals)));
+    nxDigits::Store(out, text >> (zeros & ~std::size_t{7}));
+    out += 8 - zeros / 8 - places;
+    *out = separator;  // overwritten when no decimals are shown
+    nxDigits::Store(out + 1, text >> 8 >> beforeDecimals);
+    return out + (shown != 0 ? 1 + shown : 0);
+}
+
+// The same for every number. Writes 33 bytes at most.
+[[gnu::noinline]] char* PrintLong(char* out, std::uint64_t magnitude, std::size_t places, std::size_t shown,
+                                  char separator)
+{
+    const std::uint64_t power = Power(places);
+    const std::uint64_t whole = power == 0 ? 0 : magnitude / power;
+    const std::uint64_t fraction = magnitude - whole * power;
+    out = nxDigits::Write(out, whole);
+    if (shown == 0)
+        return out;
+    // The fraction has less than 20 digits, so that cutting 20 leaves zeros. Twelve digits are always written.
+    const std::size_t cut = places - shown;
+    const std::uint64_t kept = (cut < 20 ? fraction / Power(cut) : 0) * Power(nxDecimal::MaxTextPlaces - shown);
+    *out++ = separator;
+    nxDigits::WriteFixed<4>(out, kept / 100'000'000);
+    nxDigits::WriteFixed<8>(out + 4, kept % 100'000'000);
+    return out + shown;
+}
+
+// The text of a valid number with its sign and a terminator.
+inline std::size_t Print(char* buffer, bool negative, std::uint64_t magnitude, std::size_t places, std::size_t shown,
+                         char separator)
+{
+    *buffer = '-';
+    char* const out = buffer + (negative ? 1 : 0);
+    char* const end = magnitude < 100'000'000 && places < 8 ? PrintShort(out, magnitude, places, shown, separator)
+                                                            : PrintLong(out, magnitude, places, shown, separator);
+    *end = '\0';
+    return static_cast<std::size_t>(end - buffer);
 }
 
 // a + b modulo `modulus`, for a and b below it and a modulus of 2^63 at most.
@@ -130,6 +136,18 @@ const nxValueStatusEnum& nxDecimal::GetStatus() const
     static const nxValueStatusEnum null(NX_VALUE_STATUS_NULL);
     static const nxValueStatusEnum noChange(NX_VALUE_STATUS_NO_CHANGE);
     return IsValid() ? valid : (IsNull() ? null : noChange);
+}
+
+void nxDecimal::_SetFromAnyDouble(double number, unsigned char places)
+{
+    const long long whole = nxDoubleHelper::ToInteger(number);
+    const double scaled = _Rounded((number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places));
+    double nearest = std::floor(scaled);
+    if (scaled - nearest >= 0.5)
+        nearest = std::ceil(scaled);
+    _mantissa = _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) +
+                         static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(nearest)));
+    _format = places;
 }
 
 void nxDecimal::SetDecimalPlaces(const unsigned char& places, bool onlyDropZeros)
@@ -254,75 +272,59 @@ std::size_t nxDecimal::GetExactHash() const
     return static_cast<std::size_t>(bits ^ (bits >> 32));
 }
 
-nxErrorEnum nxDecimal::SetFromString(const std::string& text, char separator)
+nxErrorEnum nxDecimal::_SetFromAnyString(std::string_view text, char separator)
 {
-    return SetFromStringView(text, separator);
-}
-
-nxErrorEnum nxDecimal::SetFromStringView(std::string_view text, char separator)
-{
-    const bool negative = !text.empty() && text.front() == '-';
-    const bool sign = negative || (!text.empty() && text.front() == '+');
-    text.remove_prefix(sign ? 1 : 0);
-    std::uint64_t mantissa = 0;
-    unsigned char places = 0;
-    if (!ReadNumber(text, separator, mantissa, places))
+    if (text.empty())
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    *this = nxDecimal(_FromParts{}, _Wrapped(negative ? 0 - mantissa : mantissa), places);
+    const bool negative = text.front() == '-';
+    text.remove_prefix(negative || text.front() == '+' ? 1 : 0);
+    if (!_SetFromShortString(text, separator) && !_SetFromLongString(text, separator))
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    if (negative)
+        _Negate();
     return nxErrorEnum();
 }
 
-std::size_t nxDecimal::_GetAsString(char* buffer, char separator, const unsigned char& requestedPlaces) const
+bool nxDecimal::_SetFromLongString(std::string_view text, char separator)
+{
+    std::uint64_t mantissa = 0;
+    std::size_t digits = 0;
+    std::size_t places = 0;
+    bool separatorSeen = false;
+    while (!text.empty())
+    {
+        const std::size_t count = std::min(text.size(), std::size_t{8});
+        const Piece piece = ReadPiece(nxDigits::LoadRightAligned(text.data(), count), separator);
+        if (!piece.isNumber || (piece.separator != 0 && separatorSeen))
+            return false;
+        const std::size_t pieceDigits = count - piece.separator;
+        mantissa = mantissa * Power(pieceDigits) + piece.value;
+        digits += pieceDigits;
+        places += separatorSeen ? pieceDigits : piece.places;
+        separatorSeen = separatorSeen || piece.separator != 0;
+        text.remove_prefix(count);
+    }
+    if (digits == 0)
+        return false;
+    *this = nxDecimal(_FromParts{}, _Wrapped(mantissa), static_cast<unsigned char>(places));
+    return true;
+}
+
+std::size_t nxDecimal::_GetAsString(char* buffer, char separator, const unsigned char& places) const
 {
     if (!IsValid())
         return Copy(buffer, "");
-    const std::size_t places = GetDecimalPlaces();
-    const std::size_t shown = std::min({std::size_t{requestedPlaces}, places, std::size_t{MaxTextPlaces}});
-    const std::uint64_t magnitude = _Magnitude();
-    char* out = buffer;
-    *out = '-';
-    out += _mantissa < 0 ? 1 : 0;
-    if (magnitude < 100'000'000 && places < 8)
-    {
-        // All digits stand in one word: the integer part is its front, from the first digit that is not a leading zero,
-        // and the decimals are its end.
-        const std::uint64_t digits = nxDigits::Spread(magnitude);
-        const std::uint64_t text = digits | nxDigits::AsText;
-        const std::uint64_t lastInteger = std::uint64_t{1} << (56 - 8 * places);
-        const auto zeros = static_cast<std::size_t>(std::countr_zero(digits | lastInteger)) / 8;
-        nxDigits::Store(out, text >> (8 * zeros));
-        out += 8 - zeros - places;
-        if (shown != 0)
-        {
-            *out = separator;
-            nxDigits::Store(out + 1, text >> (64 - 8 * places));
-            out += 1 + shown;
-        }
-    }
-    else
-    {
-        const std::uint64_t power = Power(places);
-        const std::uint64_t whole = power == 0 ? 0 : magnitude / power;
-        const std::uint64_t fraction = magnitude - whole * power;
-        out = nxDigits::Write(out, whole);
-        if (shown != 0)
-        {
-            // The fraction has less than 20 digits, so that cutting 20 leaves zeros. Twelve digits are always written.
-            const std::size_t cut = places - shown;
-            const std::uint64_t kept = (cut < 20 ? fraction / Power(cut) : 0) * Power(MaxTextPlaces - shown);
-            *out++ = separator;
-            nxDigits::WriteFixed<4>(out, kept / 100'000'000);
-            nxDigits::WriteFixed<8>(out + 4, kept % 100'000'000);
-            out += shown;
-        }
-    }
-    *out = '\0';
-    return static_cast<std::size_t>(out - buffer);
+    const std::size_t shown =
+        std::min({std::size_t{places}, std::size_t{GetDecimalPlaces()}, std::size_t{MaxTextPlaces}});
+    return Print(buffer, IsNegative(), _Magnitude(), GetDecimalPlaces(), shown, separator);
 }
 
 std::size_t nxDecimal::GetAsString(char* buffer, char separator) const
 {
-    return _GetAsString(buffer, separator, MaxTextPlaces);
+    if (!IsValid())
+        return Copy(buffer, "");
+    const std::size_t places = GetDecimalPlaces();
+    return Print(buffer, IsNegative(), _Magnitude(), places, std::min(places, std::size_t{MaxTextPlaces}), separator);
 }
 
 void nxDecimal::GetAsString(std::string& text, char separator) const

@@ -2,6 +2,7 @@
 #define CORE_NUMERIC_NXDECIMAL_H
 
 #include <algorithm>
+#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -11,9 +12,9 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
-#include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
+#include "core/text/nxDigits.h"
 #include "core/text/nxInitalizers.h"
 
 class nxPriceManipulator;
@@ -71,12 +72,12 @@ public:
     }
     /// @p value rounded to @p places decimals, see SetFromDouble().
     template <std::floating_point Floating>
-    constexpr nxDecimal(Floating value, unsigned char places)
+    nxDecimal(Floating value, unsigned char places)
     {
         SetFromDouble(static_cast<double>(value), places);
     }
     /// The quotient of the two numbers as doubles, rounded to @p places decimals: (1, 3, 2) is 0.33.
-    constexpr nxDecimal(long long numerator, long long denominator, unsigned char places)
+    nxDecimal(long long numerator, long long denominator, unsigned char places)
     {
         SetFromDouble(static_cast<double>(numerator) / static_cast<double>(denominator), places);
     }
@@ -170,14 +171,20 @@ public:
     /// integer, a tie toward plus infinity: 1.25 at one place gives 1.3, -1.25 gives -1.2. A whole part or scaled
     /// fraction that no 64-bit integer can hold, NaN and the infinities included, counts as -2^63; the sum of the two
     /// wraps.
-    constexpr void SetFromDouble(const double& value, unsigned char places)
+    void SetFromDouble(const double& value, unsigned char places)
     {
         const double number = value;
-        const long long whole = nxDoubleHelper::ToInteger(number);
-        const double scaled = (number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places);
-        _mantissa = _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) +
-                             static_cast<std::uint64_t>(_Nearest(scaled)));
-        _format = places;
+        // Then the scaled fraction is below 10^15, which is what _Nearest() takes.
+        if (places <= 15 && number > -9223372036854775808.0 && number < 9223372036854775808.0) [[likely]]
+        {
+            const auto whole = static_cast<long long>(number);
+            const double scaled = (number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places);
+            _mantissa =
+                _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) + _Nearest(scaled));
+            _format = places;
+        }
+        else
+            _SetFromAnyDouble(number, places);
     }
     /// @}
 
@@ -364,9 +371,15 @@ public:
     /// @return NX_ERR_INVALID_PARAMETER for a text without a digit or with any other character; the object then keeps
     /// its
     ///         value.
-    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator);
+    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator)
+    {
+        return SetFromStringView(text, separator);
+    }
     /// The same for a text that need not be terminated.
-    [[nodiscard]] nxErrorEnum SetFromStringView(std::string_view text, char separator);
+    [[nodiscard]] nxErrorEnum SetFromStringView(std::string_view text, char separator)
+    {
+        return _SetFromShortString(text, separator) ? nxErrorEnum() : _SetFromAnyString(text, separator);
+    }
 
     /// The worker behind the plain and trimmed forms: writes @p places decimals at most.
     std::size_t _GetAsString(char* buffer, char separator, const unsigned char& places) const;
@@ -423,19 +436,26 @@ private:
     }
     constexpr void _Negate() { _mantissa = _Difference(0, _mantissa); }
 
-    // The integer nearest to a scaled fraction, a tie toward plus infinity.
-    static constexpr long long _Nearest(double scaled)
+    // SetFromDouble() for every double and place count.
+    void _SetFromAnyDouble(double number, unsigned char places);
+
+    // The integer nearest to `scaled`, of less than 2^51 in magnitude; a tie goes toward plus infinity.
+    //
+    // In the sum with 1.5 * 2^52 there is no room for a fraction: the addition rounds to the nearest integer, a tie to
+    // even, and the integer stands in the low bits of the sum. Where it rounded a tie down, one is added. The result is
+    // that of floor(), and of ceil() when the fraction is 0.5 or more, for less than the price of a conversion.
+    static std::uint64_t _Nearest(double scaled)
     {
-        // From 2^52 on a double has no fraction.
-        if (!(scaled > -4503599627370496.0 && scaled < 4503599627370496.0)) [[unlikely]]
-            return nxDoubleHelper::ToInteger(scaled);
-        const auto truncated = static_cast<long long>(scaled);
-        const auto base = static_cast<double>(truncated);
-        return truncated + (scaled >= base + 0.5 ? 1 : 0) - (scaled < base - 0.5 ? 1 : 0);
+        constexpr double shift = 6755399441055744.0;
+        const double number = _Rounded(scaled);
+        const double sum = number + shift;
+        const double nearest = sum - shift;
+        return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift) +
+               (number - nearest >= 0.5 ? 1 : 0);
     }
 
     // Hands a product on as the double that it rounds to. A compiler that may use fused multiply-add would otherwise
-    // subtract from the product before it is rounded, and the result would depend on the caller's compiler switches.
+    // add to the product before it is rounded, and the result would depend on the caller's compiler switches.
     static double _Rounded(double product)
     {
 #if defined(__GNUC__) && defined(__x86_64__)
@@ -445,6 +465,37 @@ private:
 #endif
         return product;
     }
+
+    // Reads up to eight digits with at most one separator among them as one word. False, with nothing done, for every
+    // other text and for what is no number.
+    bool _SetFromShortString(std::string_view text, char separator)
+    {
+        const std::size_t size = text.size();
+        if (size - 1 >= 8 || separator == '-' || separator == '+') [[unlikely]]
+            return false;
+        const std::uint64_t word = nxDigits::LoadRightAligned(text.data(), size);
+        const std::uint64_t others = nxDigits::FindNonDigit(word);
+        if (others == 0)
+        {
+            _mantissa = _Wrapped(nxDigits::Gather(word));
+            _format = 0;
+            return true;
+        }
+        // One bit, the top bit of the only byte that is no digit, which has to be the separator. Closing the gap moves
+        // the digits before it up by one byte.
+        const auto places = static_cast<std::size_t>(63 - std::countr_zero(others)) / 8;
+        if ((others & (others - 1)) != 0 || text[size - 1 - places] != separator || size == 1) [[unlikely]]
+            return false;
+        const std::uint64_t decimals = word & (0 - 2 * others);
+        const std::uint64_t whole = word & ((others >> 7) - 1);
+        _mantissa = _Wrapped(nxDigits::Gather(decimals | (whole << 8)));
+        _format = places;
+        return true;
+    }
+    // SetFromStringView() for every text.
+    nxErrorEnum _SetFromAnyString(std::string_view text, char separator);
+    // The same behind the sign.
+    bool _SetFromLongString(std::string_view text, char separator);
 
     // How far a mantissa may be scaled up and still stay below 2^49 units.
     static constexpr unsigned _maxSmallPlaces = 15;

@@ -24,13 +24,63 @@ class nxDigits
 public:
     static constexpr std::size_t MaxDigits = 20;  ///< Digits of the largest 64-bit integer.
 
-    /// Eight characters as they stand in memory: the first is the lowest byte of the word, on every processor.
-    static std::uint64_t Load(const char* text)
+    /// @name Words of eight digits
+    /// A digit word holds one digit value, 0 to 9, in each byte, the first digit in the lowest byte on every processor.
+    /// @{
+
+    /// The eight characters at @p text as a digit word. A character that is no digit becomes a byte of 10 or more.
+    static std::uint64_t Load(const char* text) { return _LoadBytes<std::uint64_t>(text) ^ AsText; }
+
+    /// The last character of @p text in the highest byte, zeros before the first.
+    /// @param size 1 to 8.
+    static std::uint64_t LoadRightAligned(const char* text, std::size_t size)
     {
-        std::uint64_t word;
-        std::memcpy(&word, text, sizeof word);
-        return _InMemoryOrder(word);
+        // Two loads that overlap; bytes read twice are or-ed with themselves.
+        const std::size_t unused = 64 - 8 * size;
+        const std::uint64_t zeros = AsText << unused;
+        if (size >= 4) [[likely]]
+            return ((_LoadBytes<std::uint32_t>(text) << unused) | (_LoadBytes<std::uint32_t>(text + size - 4) << 32)) ^
+                   zeros;
+        if (size >= 2)
+            return ((_LoadBytes<std::uint16_t>(text) << unused) | (_LoadBytes<std::uint16_t>(text + size - 2) << 48)) ^
+                   zeros;
+        return (_LoadBytes<std::uint8_t>(text) << 56) ^ zeros;
     }
+
+    /// @return a word whose lowest set bit is the top bit of the first byte that is no digit; 0 when all are. What
+    /// stands
+    ///         above that bit says nothing.
+    static constexpr std::uint64_t FindNonDigit(std::uint64_t word)
+    {
+        // Adding lifts 10 and more to the top bit; only from such a byte can a carry disturb the next.
+        return ((word + 0x7676767676767676) | word) & 0x8080808080808080;
+    }
+
+    /// The number that a digit word spells. @pre FindNonDigit(word) == 0
+    static constexpr std::uint64_t Gather(std::uint64_t word)
+    {
+        // Pairs, fours, all eight: each multiplication adds a lane, times its weight, to the next one.
+        word = ((word * ((10 << 8) + 1)) >> 8) & 0x00FF00FF00FF00FF;
+        word = ((word * ((100 << 16) + 1)) >> 16) & 0x0000FFFF0000FFFF;
+        return (word * ((std::uint64_t{10000} << 32) + 1)) >> 32;
+    }
+
+    /// The digit word of @p value, leading zeros included. @param value below 10^8.
+    static constexpr std::uint64_t Spread(std::uint64_t value)
+    {
+        // Two fours, four pairs, eight digits; in each step x = 100 a + b goes from one lane to two, a | b << 16 say,
+        // which is (x << 16) - a * ((100 << 16) - 1). The divisions are multiplications that are exact over their
+        // range.
+        const std::uint64_t high = (value * 109951163) >> 40;
+        const std::uint64_t fours = (value << 32) - high * ((std::uint64_t{10000} << 32) - 1);
+        const std::uint64_t hundreds = ((fours * 10486) >> 20) & 0x0000007F0000007F;
+        const std::uint64_t pairs = (fours << 16) - hundreds * ((100 << 16) - 1);
+        const std::uint64_t tens = ((pairs * 103) >> 10) & 0x000F000F000F000F;
+        return (pairs << 8) - tens * ((10 << 8) - 1);
+    }
+
+    /// Or this into a digit word to make characters of it.
+    static constexpr std::uint64_t AsText = 0x3030303030303030;
 
     /// Stores all eight characters of @p word.
     static void Store(char* out, std::uint64_t word)
@@ -38,56 +88,7 @@ public:
         word = _InMemoryOrder(word);
         std::memcpy(out, &word, sizeof word);
     }
-
-    /// The last character of @p text in the highest byte, the unused low bytes filled with '0'.
-    /// @param size 1 to 8.
-    static std::uint64_t LoadRightAligned(const char* text, std::size_t size)
-    {
-        if (size == 8)
-            return Load(text);
-        // Two loads that overlap; bytes read twice are or-ed with themselves.
-        const auto shift = static_cast<unsigned>(64 - 8 * size);
-        const std::uint64_t fill = _zeros >> (8 * size);
-        if (size >= 4)
-            return fill | (_LoadHalf<std::uint32_t>(text) << shift) | (_LoadHalf<std::uint32_t>(text + size - 4) << 32);
-        if (size >= 2)
-            return fill | (_LoadHalf<std::uint16_t>(text) << shift) | (_LoadHalf<std::uint16_t>(text + size - 2) << 48);
-        return fill | (std::uint64_t{static_cast<unsigned char>(*text)} << 56);
-    }
-
-    /// @return whether all eight characters are digits.
-    static constexpr bool AreDigits(std::uint64_t word)
-    {
-        // Adding lifts what lies above '9' to the top bit, subtracting what lies below '0'; a carry into the
-        // neighbouring byte comes only from a byte that has failed already.
-        return (((word + 0x4646464646464646) | (word - _zeros)) & 0x8080808080808080) == 0;
-    }
-
-    /// The number that eight digits spell. @pre AreDigits(word)
-    static constexpr std::uint64_t Gather(std::uint64_t word)
-    {
-        word -= _zeros;
-        word = word * 10 + (word >> 8);  // pairs, in every second byte
-        return (((word & 0x000000FF000000FF) * 0x000F424000000064) +
-                (((word >> 16) & 0x000000FF000000FF) * 0x0000271000000001)) >>
-               32;
-    }
-
-    /// The eight digits of @p value as values 0 to 9, the first digit in the lowest byte, leading zeros included.
-    /// Add AsText to make characters of them. @param value below 10^8.
-    static constexpr std::uint64_t Spread(std::uint64_t value)
-    {
-        // Quarters of four digits, then pairs, then single digits; each division by a constant is a multiplication
-        // that is exact over its range.
-        const std::uint64_t high = (value * 109951163) >> 40;
-        const std::uint64_t fours = high | ((value - high * 10000) << 32);
-        const std::uint64_t hundreds = ((fours * 10486) >> 20) & 0x0000007F0000007F;
-        const std::uint64_t pairs = hundreds | ((fours - hundreds * 100) << 16);
-        const std::uint64_t tens = ((pairs * 103) >> 10) & 0x000F000F000F000F;
-        return tens | ((pairs - tens * 10) << 8);
-    }
-
-    static constexpr std::uint64_t AsText = 0x3030303030303030;  ///< Turns eight digit values into characters.
+    /// @}
 
     /// @return the number of digits of @p value, 1 for 0.
     static constexpr unsigned Count(std::uint64_t value)
@@ -122,11 +123,10 @@ public:
     /// @return the end of the text.
     static char* WriteSigned(char* out, std::int64_t value)
     {
+        // Without a branch on the sign, which nobody can predict. 19 digits at most stand behind it.
         *out = '-';
-        const bool negative = value < 0;
-        const auto magnitude = static_cast<std::uint64_t>(value);
-        // 19 digits at most stand behind a sign.
-        return Write(out + (negative ? 1 : 0), negative ? 0 - magnitude : magnitude);
+        const std::uint64_t negative = value < 0 ? 1 : 0;
+        return Write(out + negative, (static_cast<std::uint64_t>(value) ^ (0 - negative)) + negative);
     }
 
     /// Writes exactly @p Digits digits of @p value, zeros in front, and touches no byte behind them.
@@ -157,27 +157,24 @@ public:
     {
         if (begin == end)
             return false;
-        std::uint64_t sum = 0;
-        while (end - begin > 8)
+        // The piece that may be short comes first, so that every other one has eight digits.
+        const std::size_t head = (static_cast<std::size_t>(end - begin) - 1) % 8 + 1;
+        std::uint64_t word = LoadRightAligned(begin, head);
+        if (FindNonDigit(word) != 0)
+            return false;
+        std::uint64_t sum = Gather(word);
+        for (begin += head; begin != end; begin += 8)
         {
-            const std::uint64_t word = Load(begin);
-            if (!AreDigits(word))
+            word = Load(begin);
+            if (FindNonDigit(word) != 0)
                 return false;
             sum = sum * 100'000'000 + Gather(word);
-            begin += 8;
         }
-        const auto rest = static_cast<std::size_t>(end - begin);
-        const std::uint64_t word = LoadRightAligned(begin, rest);
-        if (!AreDigits(word))
-            return false;
-        value = sum * _powers[rest] + Gather(word);
+        value = sum;
         return true;
     }
 
 private:
-    static constexpr std::uint64_t _zeros = 0x3030303030303030;
-    static constexpr std::uint32_t _powers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-
     static constexpr std::uint64_t _InMemoryOrder(std::uint64_t word)
     {
         if constexpr (std::endian::native == std::endian::little)
@@ -188,14 +185,14 @@ private:
         return swapped;
     }
 
-    template <class Half>
-    static std::uint64_t _LoadHalf(const char* text)
+    template <class Integer>
+    static std::uint64_t _LoadBytes(const char* text)
     {
-        Half half;
-        std::memcpy(&half, text, sizeof half);
+        Integer bytes;
+        std::memcpy(&bytes, text, sizeof bytes);
         if constexpr (std::endian::native == std::endian::little)
-            return half;
-        return _InMemoryOrder(std::uint64_t{half} << (64 - 8 * sizeof half));
+            return bytes;
+        return _InMemoryOrder(std::uint64_t{bytes} << (64 - 8 * sizeof bytes));
     }
 
     // How many digits of a spread word are leading zeros; the last digit never counts as one.
