@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Builds the library and everything on it, then runs every test, with both compilers and under the sanitizers.
 #
-#     scripts/test.sh            all of it: what a submission has to pass
-#     scripts/test.sh --quick    the Release build and its tests alone
+#     scripts/test.sh            the Release build, its tests and its packages
+#     scripts/test.sh --full     that, and the sanitizers, the fuzz targets and the coverage
 #
-# Stages: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
+# Stages of the full run: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
 # then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++. A summary closes it.
 set -u
 cd "$(dirname "$0")/.."
@@ -91,8 +91,9 @@ sizes()
 }
 
 need_test_tools || exit 1
-if [ "${1:-}" = --quick ]; then
+if [ "${1:-}" != --full ]; then
     stage "tests, g++ Release" tests release
+    stage "size" sizes
 else
     need_clang_tools || exit 1
     stage "format" format

@@ -1,5 +1,6 @@
 #include "core/app/nxApplicationData.h"
 
+#include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/platform/nxProcess.h"
@@ -23,12 +24,20 @@ struct Settings
     unsigned startTimeOf = 0;  // the process that startTime belongs to
 };
 
+Settings& TheSettings();
+nxMutex& TheMutex() { return TheSettings().mutex; }
+
 // Never destroyed: threads and the destructors of other globals may ask while the process ends.
 Settings& TheSettings()
 {
     static Settings& settings = *new Settings;
+    static const bool survivesForks = nxMutexAcrossFork<&TheMutex>::Register();
+    static_cast<void>(survivesForks);
     return settings;
 }
+
+// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+[[maybe_unused]] const auto& madeAtLoad = TheSettings();
 
 template <class Value>
 Value Get(Value Settings::*setting)

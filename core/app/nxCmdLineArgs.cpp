@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
 #include "core/text/nxAlgorithm.h"
@@ -63,8 +64,16 @@ nxCmdLineArgs& nxCmdLineArgs::GetInstance()
 {
     // Never destroyed: threads and the destructors of other globals may ask while the process ends.
     static nxCmdLineArgs& instance = *new nxCmdLineArgs;
+    static const bool survivesForks = nxMutexAcrossFork<&_GetInstanceMutex>::Register();
+    static_cast<void>(survivesForks);
     return instance;
 }
+
+namespace
+{
+// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+[[maybe_unused]] const nxCmdLineArgs& madeAtLoad = nxCmdLineArgs::GetInstance();
+}  // namespace
 
 void nxCmdLineArgs::Initialise(char** argv, char** envp)
 {

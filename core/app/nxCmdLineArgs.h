@@ -24,6 +24,7 @@
 /// - Threads: every operation takes the object's mutex and copies what it returns. Call Initialise() once, from main,
 ///   before other threads ask. The process environment itself has no lock: while threads run, change it only through
 ///   SetEnvValue(), never through setenv or putenv.
+/// - Fork: a child keeps what was read, whatever other threads of its parent were doing.
 /// - Ownership: one object per process, never destroyed. It keeps the pointers given to Initialise(), for GetRawArgv()
 ///   and GetRawEnvp() alone, and copies everything else.
 /// @code
@@ -122,7 +123,7 @@ protected:
     void _ReadEnvs(char** envp);
 
 private:
-    std::string _GetEnvValueLocked(const std::string& name) const;
+    static nxMutex& _GetInstanceMutex() { return GetInstance()._mutex; }
 
     bool _argsRead = false;
     bool _envsRead = false;

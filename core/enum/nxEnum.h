@@ -101,13 +101,6 @@ public:
         return *this;
     }
 
-    /// Compares the stored value.
-    friend bool operator==(const nxEnum& left, nxEnumValue right) { return left._EqualTo(right); }
-    /// Compares the stored value.
-    friend bool operator==(const nxEnum& left, unsigned right) { return left._EqualTo(right); }
-    /// Compares the stored values, whatever the classes.
-    friend bool operator==(const nxEnum& left, const nxEnum& right) { return left._EqualTo(right); }
-
 protected:
     nxEnum() = default;
     ~nxEnum() = default;
@@ -195,6 +188,16 @@ private:
 
     unsigned _value = NX_ENUM_UNDEFINED;
 };
+
+/// Compares the stored value.
+inline bool operator==(const nxEnum& left, nxEnumValue right)
+{
+    return left.GetValue() == static_cast<unsigned>(right);
+}
+/// Compares the stored value.
+inline bool operator==(const nxEnum& left, unsigned right) { return left.GetValue() == right; }
+/// Compares the stored values, whatever the classes.
+inline bool operator==(const nxEnum& left, const nxEnum& right) { return left.GetValue() == right.GetValue(); }
 
 /// Writes the short description.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxEnum& value);

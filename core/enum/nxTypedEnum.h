@@ -90,12 +90,6 @@ public:
         return {lowest + 1, Maximum - 1};
     }
 
-    /// Equal when the values are. Another class's value compares as nxEnum does.
-    friend bool operator==(const Derived& left, const Derived& right) { return left._EqualTo(right); }
-    /// @copydoc operator==(const Derived&, const Derived&)
-    friend bool operator==(const Derived& left, nxEnumValue right) { return left._EqualTo(right); }
-    /// @copydoc operator==(const Derived&, const Derived&)
-    friend bool operator==(const Derived& left, unsigned right) { return left._EqualTo(right); }
     /// Ordered by value.
     std::strong_ordering operator<=>(const nxTypedEnum& other) const { return GetValue() <=> other.GetValue(); }
     /// Ordered by value.

@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <ctime>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "core/app/nxCmdLineArgs.h"
@@ -104,6 +106,37 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
                     : 1);
     int status = -1;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+// Whoever held a mutex at the moment of the fork does not exist in the child.
+TEST(nxApplicationData, AChildForkedWhileOtherThreadsAskDoesNotHang)
+{
+    std::atomic<bool> stop{false};
+    std::thread asking(
+        [&]
+        {
+            while (!stop)
+            {
+                nxApplicationData::GetApplicationName();
+                nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
+            }
+        });
+    int status = 0;
+    for (int i = 0; i < 100 && status == 0; ++i)
+    {
+        const pid_t child = ::fork();
+        if (child == 0)
+        {
+            ::alarm(60);
+            nxApplicationData::SetApplicationName(nxApplicationData::GetApplicationName() + "x");
+            nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
+            ::_exit(0);
+        }
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+    }
+    stop = true;
+    asking.join();
     EXPECT_EQ(status, 0);
 }
 
