@@ -13,7 +13,7 @@
 /// fmt::print("{:>10} {}\n", price, error);
 /// @endcode
 
-/// Formats a value as a log record prints it; takes the format specification of a text: fill, width, alignment.
+/// Formats a value as a log record prints it; takes what a text takes: fill, width, alignment.
 template <nxPrintable Value>
 struct fmt::formatter<Value, char> : fmt::formatter<std::string_view, char>
 {

@@ -16,7 +16,7 @@
 
     #include "core/format/nxPrintedText.h"
 
-/// Formats a value as a log record prints it; takes the format specification of a text: fill, width, alignment.
+/// Formats a value as a log record prints it; takes what a text takes: fill, width, alignment.
 template <nxPrintable Value>
 struct std::formatter<Value, char> : std::formatter<std::string_view, char>
 {
