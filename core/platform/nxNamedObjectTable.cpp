@@ -78,7 +78,7 @@ struct flock LockOf(short type, off_t byte)
     return lock;
 }
 
-bool SetLock(int descriptor, int command, short type, off_t byte)
+bool SetLock(int descriptor, int command, short type, off_t byte) noexcept
 {
     struct flock lock = LockOf(type, byte);
     int result = fcntl(descriptor, command, &lock);
