@@ -114,7 +114,8 @@ public:
     {
         return static_cast<unsigned char>(_format);
     }  ///< 0 unless valid.
-    /// @return the number of places of a valid value; above 255, one number for each status, otherwise. So one comparison
+    /// @return the number of places of a valid value; above 255, one number for each status, otherwise. So one
+    /// comparison
     ///         tells whether a value is valid and of a certain scale.
     constexpr std::uint64_t GetScale() const { return _format; }
 

@@ -136,7 +136,8 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
         {"log record",
          [&]
          {
-             NX_LOG(NX_LOG_LEVEL_INFO) << "a record that is longer than a small buffer " << longText << 7 << nxDecimal(1, 2);
+             NX_LOG(NX_LOG_LEVEL_INFO) << "a record that is longer than a small buffer " << longText << 7
+                                       << nxDecimal(1, 2);
              return std::string("logged");
          }},
         {"log record of one's own",
