@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "core/enum/nxBitMaskRegistry.h"
+#include "core/enum/internal/nxBitMaskRegistry.h"
 
 namespace
 {
