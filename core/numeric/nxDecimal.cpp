@@ -138,16 +138,16 @@ const nxValueStatusEnum& nxDecimal::GetStatus() const
     return IsValid() ? valid : (IsNull() ? null : noChange);
 }
 
-void nxDecimal::_SetFromAnyDouble(double number, unsigned char places)
+nxDecimal nxDecimal::_FromAnyDouble(double number, unsigned char places)
 {
     const long long whole = nxDoubleHelper::ToInteger(number);
     const double scaled = _Rounded((number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places));
     double nearest = std::floor(scaled);
     if (scaled - nearest >= 0.5)
         nearest = std::ceil(scaled);
-    _mantissa = _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) +
-                         static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(nearest)));
-    _format = places;
+    const std::uint64_t mantissa = static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) +
+                                   static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(nearest));
+    return nxDecimal(_FromParts{}, _Wrapped(mantissa), places);
 }
 
 void nxDecimal::SetDecimalPlaces(const unsigned char& places, bool onlyDropZeros)
@@ -182,29 +182,29 @@ void nxDecimal::Normalise(const unsigned char& minimumPlaces)
         _mantissa /= 10;
 }
 
-void nxDecimal::_RoundLarge(nxDecimal increment, unsigned method)
+nxDecimal nxDecimal::_RoundLarge(nxDecimal value, nxDecimal increment, unsigned method)
 {
-    if (!_AreValid(increment) || increment._mantissa == 0 || !_IsMethod(method))
-        return;
-    const bool negative = _mantissa < 0;
-    const std::uint64_t magnitude = _Magnitude();
+    if (!value._AreValid(increment) || increment._mantissa == 0 || !_IsMethod(method))
+        return value;
+    const bool negative = value._mantissa < 0;
+    const std::uint64_t magnitude = value._Magnitude();
     const std::uint64_t step = increment._Magnitude();
     std::uint64_t rounded;
-    if (_format <= increment._format)
+    if (value._format <= increment._format)
     {
         // The value goes to the increment's scale. Its magnitude there may take a thousand bits; what is needed of it
         // is the rest modulo the step, which is carried along digit by digit, and its lowest 64 bits.
         std::uint64_t rest = magnitude % step;
-        for (std::uint64_t places = _format; places < increment._format; ++places)
+        for (std::uint64_t places = value._format; places < increment._format; ++places)
             rest = TimesTenModulo(rest, step);
-        const std::uint64_t scaled = magnitude * Power(increment._format - _format);
+        const std::uint64_t scaled = magnitude * Power(increment._format - value._format);
         rounded = scaled - rest + (rest > _Threshold(method, negative, step) ? step : 0);
     }
     else
     {
         // The step goes to the value's scale. When it exceeds 64 bits there, it is more than twice the magnitude: the
         // multiples around the value are 0 and the step itself, and 0 is the nearer.
-        const std::uint64_t places = _format - increment._format;
+        const std::uint64_t places = value._format - increment._format;
         if (places > 19 || step > UINT64_MAX / Power(places))
         {
             const bool away = magnitude != 0 && method == (negative ? NX_ROUNDING_METHOD_DOWN : NX_ROUNDING_METHOD_UP);
@@ -217,8 +217,7 @@ void nxDecimal::_RoundLarge(nxDecimal increment, unsigned method)
             rounded = (magnitude / scaledStep + (rest > _Threshold(method, negative, scaledStep) ? 1 : 0)) * step;
         }
     }
-    _mantissa = _Wrapped(negative ? 0 - rounded : rounded);
-    _format = increment._format;
+    return nxDecimal(_FromParts{}, _Wrapped(negative ? 0 - rounded : rounded), increment.GetDecimalPlaces());
 }
 
 nxDecimal nxDecimal::_AddDoubles(nxDecimal left, nxDecimal right)

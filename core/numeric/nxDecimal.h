@@ -185,7 +185,7 @@ public:
             _format = places;
         }
         else
-            _SetFromAnyDouble(number, places);
+            *this = _FromAnyDouble(number, places);
     }
     /// @}
 
@@ -209,7 +209,7 @@ public:
     {
         const nxDecimal step = increment;
         if (!_RoundSmall(step, method.GetValue()))
-            _RoundLarge(step, method.GetValue());
+            *this = _RoundLarge(*this, step, method.GetValue());
     }
     /// Rounds to what @p manipulator holds: its variable tick table, or else its fixed tick increment.
     void Round(const nxPriceManipulator& manipulator, const nxRoundingMethodEnum& method);
@@ -437,8 +437,9 @@ private:
     }
     constexpr void _Negate() { _mantissa = _Difference(0, _mantissa); }
 
-    // SetFromDouble() for every double and place count.
-    void _SetFromAnyDouble(double number, unsigned char places);
+    // SetFromDouble() for every double and place count. Like the other functions behind the quick paths it takes and
+    // returns values, so that an object in registers stays there.
+    static nxDecimal _FromAnyDouble(double number, unsigned char places);
 
     // The integer nearest to `scaled`, of less than 2^51 in magnitude; a tie goes toward plus infinity.
     //
@@ -592,7 +593,7 @@ private:
         _format = increment._format;
         return true;
     }
-    void _RoundLarge(nxDecimal increment, unsigned method);
+    static nxDecimal _RoundLarge(nxDecimal value, nxDecimal increment, unsigned method);
 
     // Everything beyond the quick paths; operands that are not valid included.
     static nxDecimal _AddDoubles(nxDecimal left, nxDecimal right);

@@ -105,17 +105,16 @@ public:
     /// @return the end of the text.
     static char* Write(char* out, std::uint64_t value)
     {
-        if (value < 100'000'000)
-            return _WriteHead(out, value);
-        if (value < 10'000'000'000'000'000)
-        {
-            out = _WriteHead(out, value / 100'000'000);
-            return _WriteEight(out, value % 100'000'000);
-        }
-        out = _WriteHead(out, value / 10'000'000'000'000'000);
-        value %= 10'000'000'000'000'000;
-        out = _WriteEight(out, value / 100'000'000);
-        return _WriteEight(out, value % 100'000'000);
+        constexpr std::uint64_t tenDigits = 10'000'000'000;
+        constexpr std::uint64_t eightDigits = 100'000'000;
+        if (value < tenDigits)
+            return _WriteUpToTen(out, value);
+        const std::uint64_t upper = value / eightDigits;
+        if (upper < tenDigits)
+            out = _WriteUpToTen(out, upper);
+        else
+            out = _WriteEight(_WriteUpToTen(out, upper / eightDigits), upper % eightDigits);
+        return _WriteEight(out, value % eightDigits);
     }
 
     /// Writes @p value with a '-' in front when it is negative; no terminator.
@@ -157,19 +156,28 @@ public:
     {
         if (begin == end)
             return false;
-        // The piece that may be short comes first, so that every other one has eight digits.
-        const std::size_t head = (static_cast<std::size_t>(end - begin) - 1) % 8 + 1;
-        std::uint64_t word = LoadRightAligned(begin, head);
-        if (FindNonDigit(word) != 0)
-            return false;
-        std::uint64_t sum = Gather(word);
-        for (begin += head; begin != end; begin += 8)
+        std::uint64_t sum = 0;
+        auto size = static_cast<std::size_t>(end - begin);
+        for (; size >= 8; size -= 8, begin += 8)
         {
-            word = Load(begin);
+            const std::uint64_t word = Load(begin);
             if (FindNonDigit(word) != 0)
                 return false;
             sum = sum * 100'000'000 + Gather(word);
         }
+        // The bits of what is left tell of how many fours, twos and ones it is made: shorter than a loop.
+        if ((size & 4) != 0)
+        {
+            const std::uint64_t word = LoadRightAligned(begin, 4);
+            if (FindNonDigit(word) != 0)
+                return false;
+            sum = sum * 10'000 + Gather(word);
+            begin += 4;
+        }
+        if ((size & 2) != 0 && !(_TakeDigit(*begin++, sum) && _TakeDigit(*begin++, sum)))
+            return false;
+        if ((size & 1) != 0 && !_TakeDigit(*begin, sum))
+            return false;
         value = sum;
         return true;
     }
@@ -201,19 +209,83 @@ private:
         return static_cast<unsigned>(std::countr_zero(digits | (std::uint64_t{1} << 56))) / 8;
     }
 
-    static char* _WriteHead(char* out, std::uint64_t value)
+    static bool _TakeDigit(char character, std::uint64_t& sum)
     {
-        const std::uint64_t digits = Spread(value);
-        const unsigned zeros = _LeadingZeros(digits);
-        Store(out, (digits | AsText) >> (8 * zeros));
-        return out + (8 - zeros);
+        const unsigned digit = static_cast<unsigned char>(character) - unsigned{'0'};
+        sum = sum * 10 + digit;
+        return digit <= 9;
     }
 
-    static char* _WriteEight(char* out, std::uint64_t value)
+    // The 128-bit product of two numbers: returns the upper half and stores the lower one.
+    static constexpr std::uint64_t _Multiply(std::uint64_t a, std::uint64_t b, std::uint64_t& low)
     {
-        Store(out, Spread(value) | AsText);
-        return out + 8;
+        __extension__ using Wide = unsigned __int128;
+        const Wide product = static_cast<Wide>(a) * b;
+        low = static_cast<std::uint64_t>(product);
+        return static_cast<std::uint64_t>(product >> 64);
     }
+
+    // "00" to "99".
+    struct _Pairs
+    {
+        char text[200];
+    };
+    static constexpr _Pairs _pairs = []
+    {
+        _Pairs pairs{};
+        for (int i = 0; i < 100; ++i)
+        {
+            pairs.text[2 * i] = static_cast<char>('0' + i / 10);
+            pairs.text[2 * i + 1] = static_cast<char>('0' + i % 10);
+        }
+        return pairs;
+    }();
+
+    static char* _WritePair(char* out, std::uint64_t pair)
+    {
+        std::memcpy(out, _pairs.text + 2 * pair, 2);
+        return out + 2;
+    }
+
+    // Without a leading zero, and without a branch on it.
+    static char* _WriteFirstPair(char* out, std::uint64_t pair)
+    {
+        const std::size_t isSingle = pair < 10 ? 1 : 0;
+        out[0] = _pairs.text[2 * pair + isSingle];
+        out[1] = _pairs.text[2 * pair + 1];
+        return out + 2 - isSingle;
+    }
+
+    // The first one or two digits of a number below 100^(Pairs + 1), then `Pairs` pairs.
+    //
+    // The number is divided by 100^Pairs in fixed point, with 64 bits behind the point. The first digits are then the
+    // integer part, and each multiplication of the fraction by 100 brings forth the next two. The divisor's reciprocal
+    // is rounded up by less than 2^-64, which makes a product too large by less than 10^10 / 2^64, far less than the
+    // 10^-8 that would change a digit.
+    template <unsigned Pairs>
+    static char* _WritePairs(char* out, std::uint64_t value, bool isFirst)
+    {
+        constexpr std::uint64_t divisors[] = {1, 100, 10'000, 1'000'000, 100'000'000};
+        std::uint64_t fraction;
+        const std::uint64_t pair = _Multiply(value, UINT64_MAX / divisors[Pairs] + 1, fraction);
+        out = isFirst ? _WriteFirstPair(out, pair) : _WritePair(out, pair);
+        for (unsigned i = 0; i < Pairs; ++i)
+            out = _WritePair(out, _Multiply(fraction, 100, fraction));
+        return out;
+    }
+
+    // A number below 10^10, without leading zeros.
+    static char* _WriteUpToTen(char* out, std::uint64_t value)
+    {
+        if (value < 100)
+            return _WriteFirstPair(out, value);
+        if (value < 1'000'000)
+            return value < 10'000 ? _WritePairs<1>(out, value, true) : _WritePairs<2>(out, value, true);
+        return value < 100'000'000 ? _WritePairs<3>(out, value, true) : _WritePairs<4>(out, value, true);
+    }
+
+    // Exactly eight digits of a number below 10^8.
+    static char* _WriteEight(char* out, std::uint64_t value) { return _WritePairs<3>(out, value, false); }
 };
 
 #endif

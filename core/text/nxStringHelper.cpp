@@ -5,10 +5,15 @@
 #include <charconv>
 #include <cstring>
 
+#if defined(__SSE2__)
+    #include <emmintrin.h>
+#endif
+
 #include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxMoney.h"
+#include "core/numeric/nxPowersOfTen.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
@@ -23,12 +28,76 @@ constexpr double doublePowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  
                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 // The largest text of a double: sign, 10 digits, point, 9 digits; or sign and "d.dddddde+ddd".
-constexpr std::size_t doubleTextSize = 40;
+constexpr std::size_t doubleTextSize = 32;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// The reading rule as it stands, one digit at a time in doubles: what every shortcut has to agree with.
-bool ReadDoubleByDigits(const char* at, const char* end, char separator, double& magnitude)
+// The largest number of digits for which the reading rule needs no rounding but that of its division: the mantissa and
+// the power of ten are then integers that a double holds exactly, so that it does not matter how they were computed.
+constexpr std::size_t exactDigits = 15;
+
+double Divide(std::uint64_t mantissa, std::size_t decimals)
+{
+    // From a signed integer the processor converts in one step.
+    return static_cast<double>(static_cast<std::int64_t>(mantissa)) / doublePowersOfTen[decimals];
+}
+
+// The number that two digit words spell, the second of which stands for `unit` of the first.
+std::uint64_t GatherBoth(std::uint64_t first, std::uint64_t second, std::uint64_t unit)
+{
+#if defined(__SSE2__)
+    // Both at once: pairs, fours, then all eight digits of each.
+    __m128i lanes = _mm_set_epi64x(static_cast<long long>(second), static_cast<long long>(first));
+    const __m128i tens = _mm_mullo_epi16(_mm_and_si128(lanes, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10));
+    lanes = _mm_madd_epi16(_mm_add_epi16(tens, _mm_srli_epi16(lanes, 8)), _mm_set1_epi32(100 | (1 << 16)));
+    lanes = _mm_madd_epi16(_mm_packs_epi32(lanes, lanes), _mm_set1_epi32(10'000 | (1 << 16)));
+    const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
+    return (both & 0xFFFFFFFF) * unit + (both >> 32);
+#else
+    return nxDigits::Gather(first) * unit + nxDigits::Gather(second);
+#endif
+}
+
+// Reads up to seven digits, the separator and one to eight digits, as prices have them. False: it is something else.
+bool ReadPrice(const char* begin, std::size_t size, char separator, double& magnitude)
+{
+    if (size == 0)
+        return false;
+    // The first eight characters and the last eight, which are the same where there are no more.
+    const std::uint64_t last = size >= 8 ? nxDigits::Load(begin + size - 8) : nxDigits::LoadRightAligned(begin, size);
+    const std::uint64_t first = size >= 8 ? nxDigits::Load(begin) : last >> (64 - 8 * size);
+    const std::uint64_t nonDigits = nxDigits::FindNonDigit(first);
+    if (nonDigits == 0)
+        return false;
+    const auto position = static_cast<std::size_t>(std::countr_zero(nonDigits)) / 8;
+    const std::size_t decimals = size - position - 1;
+    if (begin[position] != separator || decimals == 0 || decimals > 8)
+        return false;
+    const std::uint64_t whole = (first << 8) << (56 - 8 * position);
+    const std::uint64_t fraction = last >> (64 - 8 * decimals) << (64 - 8 * decimals);
+    if (nxDigits::FindNonDigit(fraction) != 0)
+        return false;
+    magnitude = Divide(GatherBoth(whole, fraction, powersOfTen[decimals]), decimals);
+    return true;
+}
+
+// Reads a text with up to `exactDigits` digits; more must not be there.
+bool ReadExactly(const char* begin, const char* end, char separator, double& magnitude)
+{
+    const char* const point = std::find(begin, end, separator);
+    const char* const decimals = point == end ? end : point + 1;
+    std::uint64_t whole = 0;
+    std::uint64_t fraction = 0;
+    if ((point == begin && decimals == end) || (point != begin && !nxDigits::Parse(begin, point, whole)) ||
+        (decimals != end && !nxDigits::Parse(decimals, end, fraction)))
+        return false;
+    const auto count = static_cast<std::size_t>(end - decimals);
+    magnitude = Divide(whole * nxPowersOfTen::GetInteger(static_cast<unsigned char>(count)) + fraction, count);
+    return true;
+}
+
+// The reading rule as it stands, one digit at a time in doubles.
+bool ReadDigitByDigit(const char* at, const char* end, char separator, double& magnitude)
 {
     double mantissa = 0;
     double divisor = 1;
@@ -63,15 +132,17 @@ struct RoundedDouble
 RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)
 {
     const auto whole = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(magnitude));
-    const double rest = magnitude - static_cast<double>(whole);
+    const double rest = magnitude - static_cast<double>(static_cast<std::int64_t>(whole));
     if (decimals == 0)
         return {whole + (rest > 0.5 || (rest == 0.5 && whole % 2 == 1) ? 1 : 0), 0};
     const double scaled = rest * doublePowersOfTen[decimals];
     auto fraction = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(scaled));
-    const double remainder = scaled - static_cast<double>(fraction);
-    if (remainder > 0.5 || (remainder == 0.5 && (fraction == 0 || fraction % 2 == 1)))
+    const double remainder = scaled - static_cast<double>(static_cast<std::int64_t>(fraction));
+    // Added up rather than branched on: nobody can predict it.
+    fraction += remainder > 0.5 ? 1 : 0;
+    if (remainder == 0.5 && (fraction == 0 || fraction % 2 == 1)) [[unlikely]]
         ++fraction;
-    if (fraction == powersOfTen[decimals])
+    if (fraction == powersOfTen[decimals]) [[unlikely]]
         return {whole + 1, 0};
     return {whole, fraction};
 }
@@ -111,16 +182,22 @@ nxErrorEnum nxStringHelper::SetFromString(const std::string& text, bool& value)
     return value || text == "FALSE" ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
 }
 
-nxErrorEnum nxStringHelper::SetFromString(const std::string& text, double& value, char separator)
+bool nxStringHelper::_ReadDouble(const std::string& text, double& value, char separator)
 {
     const char* begin = text.data();
     const char* const end = begin + text.size();
     const bool negative = begin != end && *begin == '-';
+    begin += negative ? 1 : 0;
+    const auto size = static_cast<std::size_t>(end - begin);
     double magnitude = 0;
-    if (!ReadDoubleByDigits(begin + (negative ? 1 : 0), end, separator, magnitude))
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    if (!ReadPrice(begin, size, separator, magnitude))
+    {
+        const bool isExact = size <= exactDigits && !IsDigit(separator);
+        if (!(isExact ? ReadExactly : ReadDigitByDigit)(begin, end, separator, magnitude))
+            return false;
+    }
     value = negative ? -magnitude : magnitude;
-    return nxErrorEnum();
+    return true;
 }
 
 nxErrorEnum nxStringHelper::SetFromString(const std::string& text, std::string& value)
@@ -150,9 +227,7 @@ nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxEnum& value
 
 void nxStringHelper::AppendAsString(std::string& out, double value, unsigned int decimals)
 {
-    char text[doubleTextSize];
-    const char* const end = WriteDouble(text, value, decimals);
-    out.append(text, static_cast<std::size_t>(end - text));
+    _AppendWritten<doubleTextSize>(out, [=](char* text) { return WriteDouble(text, value, decimals); });
 }
 
 std::string nxStringHelper::GetAsString(double value, unsigned int decimals)

@@ -94,7 +94,10 @@ public:
     /// Up to 15 digits the result is the double nearest to the number; with more it may be some units in the last
     /// place away, and from about 309 digits on it is infinite or not a number.
     /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
-    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, double& value, char separator);
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, double& value, char separator)
+    {
+        return _ReadDouble(text, value, separator) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    }
 
     /// Copies the text; always succeeds.
     static nxErrorEnum SetFromString(const std::string& text, std::string& value);
@@ -251,6 +254,8 @@ private:
     static constexpr char _ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
     static constexpr char _ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+    static bool _ReadDouble(const std::string& text, double& value, char separator);
+
     template <class Integer>
     static nxErrorEnum _ReadInteger(std::string_view text, Integer& value)
     {
@@ -273,12 +278,25 @@ private:
             return nxDigits::Write(out, value);
     }
 
+    // Appends what `write` makes of a buffer with `Room` bytes, straight into the string where it has the room already.
+    template <std::size_t Room, class Write>
+    static void _AppendWritten(std::string& out, Write write)
+    {
+        const std::size_t size = out.size();
+        if (out.capacity() - size >= Room)
+        {
+            out.resize(size + Room);
+            out.resize(static_cast<std::size_t>(write(out.data() + size) - out.data()));
+            return;
+        }
+        char text[Room];
+        out.append(text, static_cast<std::size_t>(write(text) - text));
+    }
+
     template <class Integer>
     static void _AppendInteger(std::string& out, Integer value)
     {
-        char text[nxDigits::MaxDigits];
-        const char* const end = _WriteInteger(text, value);
-        out.append(text, static_cast<std::size_t>(end - text));
+        _AppendWritten<nxDigits::MaxDigits>(out, [value](char* text) { return _WriteInteger(text, value); });
     }
 
     template <class Integer>

@@ -20,6 +20,7 @@
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
+#include "tests/support/nxRandomTest.h"
 
 namespace
 {
@@ -214,10 +215,10 @@ TEST(nxStringHelper, IntegersTooLargeWrap)
                                       {std::string("1").append(64, '0'), ok, 0}});
 }
 
-TEST(nxStringHelper, IntegersOfEveryLengthSurviveTheRoundTrip)
+TEST(nxStringHelper, IntegersAgreeWithTheOracleAndSurviveTheRoundTrip)
 {
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 20'000; ++i)
+    std::mt19937_64 random(nxRandomTest::GetSeed(1));
+    for (auto n = nxRandomTest::GetOperations(20'000); n != 0; --n)
     {
         const auto value = static_cast<long long>(random() >> (random() % 64));
         for (const long long number : {value, -value})
@@ -324,10 +325,10 @@ TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
     EXPECT_TRUE(value == 0 && std::signbit(value));
 }
 
-TEST(nxStringHelper, ReadingDoublesAgreesWithThePlainRuleToTheLastBit)
+TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
 {
-    std::mt19937_64 random(2);
-    for (int i = 0; i < 300'000; ++i)
+    std::mt19937_64 random(nxRandomTest::GetSeed(2));
+    for (auto n = nxRandomTest::GetOperations(300'000); n != 0; --n)
     {
         const char separator = random() % 32 == 0 ? static_cast<char>(random() % 256) : '.';
         const std::string text = RandomNumberText(random, separator);
@@ -391,10 +392,10 @@ TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
     }
 }
 
-TEST(nxStringHelper, PrintingDoublesAgreesWithThePlainRuleToTheByte)
+TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 {
-    std::mt19937_64 random(3);
-    for (int i = 0; i < 300'000; ++i)
+    std::mt19937_64 random(nxRandomTest::GetSeed(3));
+    for (auto n = nxRandomTest::GetOperations(300'000); n != 0; --n)
     {
         const double value = RandomDouble(random);
         const auto decimals = static_cast<unsigned>(random() % 11);
