@@ -47,7 +47,7 @@ void Print(typename Mask::Word word, const std::string& separator)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    // A copy of exactly this size, so that a read past its end is seen.
+    // The buffer has exactly this size, so that a read past its end is seen.
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     ParseAndPrint<nxErrorEnum>(input);
     ParseAndPrint<nxBoolEnum>(input);
