@@ -41,6 +41,7 @@ class NX_CORE_API nxCustomVariableTickTable final : public nxVariableTickTable
 public:
     /// Bands as GetRangeData() gives them; the bound of the last is the maximum decimal or null.
     typedef std::vector<std::pair<nxDecimal, nxDecimal>> Bands;
+    /// The tables of a file, in its order.
     typedef std::vector<std::unique_ptr<nxCustomVariableTickTable>> Tables;
 
     /// Makes a table from a list of bands.

@@ -38,6 +38,7 @@ public:
     /// @return NX_ERR_NOT_FOUND when there is none; nothing is changed then.
     [[nodiscard]] nxErrorEnum SetVariableTickTable(const std::string& id);
 
+    /// @return whether prices go by a table and not by the fixed tick.
     bool HasVariableTickTable() const { return _table != nullptr; }
     /// @return null when there is none.
     const nxVariableTickTable* GetVariableTickTable() const { return _table; }

@@ -20,6 +20,7 @@
 class nxTickGrid
 {
 public:
+    /// Inclusive upper bounds and increments, ascending, the last bound the maximum decimal.
     typedef std::vector<std::pair<nxDecimal, nxDecimal>> Bands;
 
     /// Replaces the grid. It stays empty, and declines every price, for bands that lack a top band, are out of order,

@@ -24,6 +24,7 @@
 class NX_CORE_API nxTickTableCursor
 {
 public:
+    /// A cursor that remembers no band yet.
     explicit nxTickTableCursor(const nxVariableTickTable& table) : _table(&table) {}
 
     /// @return the tick at @p price, which lives as long as the table; a null decimal when the price has no band.
@@ -64,6 +65,7 @@ public:
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
     unsigned char NumberOfDecimalPlaces(const nxDecimal& price);
 
+    /// @return the table that the cursor was made for.
     const nxVariableTickTable& GetTable() const { return *_table; }
 
 private:

@@ -20,6 +20,7 @@ struct nxTickZone
         std::uint64_t first = 0;  ///< As unsigned, so that one comparison tests both ends.
         std::uint64_t span = 0;   ///< Last minus first.
 
+        /// @return whether the mantissa is one of them.
         bool Contains(std::int64_t mantissa) const { return static_cast<std::uint64_t>(mantissa) - first <= span; }
         /// @return how many mantissas of the range lie above @p mantissa, which is in it.
         std::uint64_t CountAbove(std::int64_t mantissa) const

@@ -10,6 +10,7 @@ nxVariableTickTable::~nxVariableTickTable() = default;
 
 void nxVariableTickTable::_SetCache(iterator range) const
 {
+    _lock.AssertHeld();
     _cache = range;
     _zone.Clear();
 }

@@ -114,7 +114,7 @@ protected:
 
     /// Remembers the band that a search found; called with the lock held. An override that does not call this one
     /// switches the memory off.
-    virtual void _SetCache(iterator range) const NX_REQUIRES(_lock);
+    virtual void _SetCache(iterator range) const;
 
 public:
     virtual ~nxVariableTickTable();
