@@ -22,6 +22,7 @@ SCRATCH = os.path.join(ROOT, "build", "mutants")
 CLASSES = {
     "nxDecimal": (["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp"], "test_numeric"),
     "nxStringHelper": (["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp"], "test_text"),
+    "nxTickGrid": (["core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.cpp"], "test_price"),
     "nxVariableTickTable": (["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp"], "test_price"),
 }
 # (pattern, replacements): what one slip of the hand turns into another.
