@@ -2,21 +2,83 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <sstream>
 #include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "core/enum/nxValueStatusEnum.h"
+#include "core/text/nxOStream.h"
+#include "core/text/nxSimpleAsciiStringWriter.h"
 
 namespace
 {
+constexpr long long smallest = std::numeric_limits<long long>::min();
+constexpr long long largest = std::numeric_limits<long long>::max();
+
+const nxDecimal null = nxDecimal::GetNullDecimal();
+const nxDecimal noChange = nxDecimal::GetNoChangeDecimal();
+
 nxDecimal Parts(long long mantissa, unsigned char places)
 {
     return nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, places);
 }
 
-bool IsSame(const nxDecimal& a, const nxDecimal& b)
+nxDecimal Number(const char* text) { return nxDecimal(text, '.'); }
+
+// All three fields: for what `==` does not tell apart.
+std::string Fields(const nxDecimal& value)
 {
-    return a.GetValue() == b.GetValue() && a.GetDecimalPlaces() == b.GetDecimalPlaces() && a.IsNull() == b.IsNull() &&
-           a.IsNoChange() == b.IsNoChange();
+    return value.GetStatus().GetShortDescription() + " " + std::to_string(value.GetValue()) + "e-" +
+           std::to_string(value.GetDecimalPlaces());
+}
+
+std::string WithZeros(const char* before, std::size_t zeros, const char* behind)
+{
+    return std::string(before).append(zeros, '0').append(behind);
+}
+
+std::string Written(const nxDecimal& value, char separator)
+{
+    nxOStream<nxSimpleAsciiStringWriter> stream;
+    value.Write(stream, separator);
+    return stream.GetWriter().GetText();
 }
 }  // namespace
+
+TEST(nxDecimal, ConstructorsSetEveryField)
+{
+    const std::pair<nxDecimal, const char*> rows[] = {
+        {nxDecimal(), "VALID 0e-0"},
+        {nxDecimal(nxNullInitalizer{}), "NULL 0e-0"},
+        {nxDecimal(nxNoChangeInitalizer{}), "NOCHANGE 0e-0"},
+        {nxDecimal(5, 2), "VALID 500e-2"},
+        {nxDecimal(-5L, 2), "VALID -500e-2"},
+        {nxDecimal(static_cast<short>(5), 0), "VALID 5e-0"},
+        {nxDecimal(5ULL, 1), "VALID 50e-1"},
+        {nxDecimal(1, 255), "VALID 0e-255"},  // 10^255 is a multiple of 2^64
+        {Parts(5, 2), "VALID 5e-2"},
+        {nxDecimal(1.25, 1), "VALID 13e-1"},
+        {nxDecimal(1.5F, 2), "VALID 150e-2"},
+        {nxDecimal(1, 3, 2), "VALID 33e-2"},
+        {nxDecimal(-2, 3, 2), "VALID -67e-2"},
+        {nxDecimal(1, 0, 0), "VALID 0e-0"},
+        {nxDecimal("12,5", ','), "VALID 125e-1"},
+        {nxDecimal("12.5", ','), "NULL 0e-0"},
+        {nxDecimal::GetMaximumDecimal(), "VALID 9223372036854775807e-0"}};
+    for (const auto& [value, fields] : rows)
+        EXPECT_EQ(Fields(value), fields);
+    nxDecimal value(7, 3);
+    value.SetNull();
+    EXPECT_EQ(Fields(value), "NULL 0e-0");
+    value.SetNoChange();
+    EXPECT_EQ(Fields(value), "NOCHANGE 0e-0");
+}
 
 TEST(nxDecimal, ReadsTextAndPrintsItBack)
 {
@@ -30,60 +92,427 @@ TEST(nxDecimal, ReadsTextAndPrintsItBack)
     const Row rows[] = {
         {"12.340", 12340, 3, "12.340"},
         {"-0.05", -5, 2, "-0.05"},
+        {"-0", 0, 0, "0"},
         {".5", 5, 1, "0.5"},
+        {"-.5", -5, 1, "-0.5"},
         {"5.", 5, 0, "5"},
         {"+7", 7, 0, "7"},
-        {"-9223372036854775808", INT64_MIN, 0, "-9223372036854775808"},
+        {"-9223372036854775808", smallest, 0, "-9223372036854775808"},
+        {"9223372036854775808", smallest, 0, "-9223372036854775808"},  // wraps
+        {"18446744073709551617.5", 15, 1, "1.5"},                      // 2^64 + 1 does too
         {"1234567.1234567", 12345671234567, 7, "1234567.1234567"},
+        {"12345678.1", 123456781, 1, "12345678.1"},
         {"0.000000000000123", 123, 15, "0.000000000000"},
+        {"0.999999999999999", 999999999999999, 15, "0.999999999999"},
     };
     for (const Row& row : rows)
     {
         SCOPED_TRACE(row.text);
-        nxDecimal value;
+        nxDecimal value = null;
         EXPECT_TRUE(value.SetFromString(row.text, '.').IsOK());
-        EXPECT_TRUE(IsSame(value, Parts(row.mantissa, row.places))) << value;
+        EXPECT_EQ(Fields(value), Fields(Parts(row.mantissa, row.places)));
         EXPECT_EQ(value.GetAsString('.'), row.printed);
     }
+    nxDecimal many(WithZeros("0.", 256, "1"), '.');  // 257 places are 1 modulo 256
+    EXPECT_EQ(Fields(many), "VALID 1e-1");
+    EXPECT_TRUE(many.SetFromString("153", '5').IsOK());  // a digit is a digit before it is a separator
+    EXPECT_EQ(Fields(many), "VALID 153e-0");
 }
 
-TEST(nxDecimal, RefusesWhatIsNoNumber)
+TEST(nxDecimal, RefusesWhatIsNoNumberAndKeepsItsValue)
 {
-    for (const char* text :
-         {"", "-", "+", ".", "-.", "1.2.3", "1a", "--1", "1-", " 1", "1 ", "1,5", "12345678.1234.5678"})
+    for (const std::string text : {"", "-", "+", ".", "-.", "1.2.3", "1a", "--1", "+-1", "1-", " 1", "1 ", "1,5", "1e5",
+                                   "12345678.1234.5678", "1234567890123456789x", "\xB5"})
     {
         SCOPED_TRACE(text);
         nxDecimal value = Parts(77, 1);
         EXPECT_EQ(value.SetFromString(text, '.'), NX_ERR_INVALID_PARAMETER);
-        EXPECT_TRUE(IsSame(value, Parts(77, 1)));
+        EXPECT_EQ(Fields(value), "VALID 77e-1");
         EXPECT_TRUE(nxDecimal(text, '.').IsNull());
     }
+    EXPECT_TRUE(nxDecimal(std::string("1\0", 2), '.').IsNull());
+}
+
+TEST(nxDecimal, TakesANumberApart)
+{
+    struct Row
+    {
+        nxDecimal value;
+        long long whole;
+        unsigned long long fraction;
+        double number;
+    };
+    const Row rows[] = {
+        {Number("-12.345"), -12, 345, -12.345},
+        {Number("1.05"), 1, 5, 1.05},
+        {Number("-0.5"), 0, 5, -0.5},
+        {Parts(smallest, 0), smallest, 0, -9223372036854775808.0},
+        {Parts(smallest, 18), -9, 223372036854775808, -9.2233720368547758},
+        {Parts(smallest, 19), 0, 9223372036854775808U, -0.92233720368547758},
+        {null, 0, 0, 0},
+        {noChange, 0, 0, 0},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.value);
+        EXPECT_EQ(row.value.GetIntegerPart(), row.whole);
+        EXPECT_EQ(row.value.GetFractionalPart(), row.fraction);
+        EXPECT_EQ(row.value.GetAsDouble(), row.number);
+    }
+    // Where the power of ten has wrapped to 0, all is fraction.
+    EXPECT_EQ(Parts(-7, 64).GetIntegerPart(), 0);
+    EXPECT_EQ(Parts(-7, 255).GetFractionalPart(), 7U);
+    EXPECT_TRUE(std::isinf(Parts(7, 64).GetAsDouble()));
+    EXPECT_TRUE(std::isnan(Parts(0, 255).GetAsDouble()));
+}
+
+TEST(nxDecimal, StatesAndSigns)
+{
+    struct Row
+    {
+        nxDecimal value;
+        bool isValid, isNull, isNoChange, isZero, isPositive, isNegative;
+    };
+    const Row rows[] = {
+        {nxDecimal(), true, false, false, true, false, false},   {Parts(0, 9), true, false, false, true, false, false},
+        {Parts(1, 255), true, false, false, false, true, false}, {Parts(-1, 0), true, false, false, false, false, true},
+        {null, false, true, false, false, false, false},         {noChange, false, false, true, false, false, false}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.value);
+        EXPECT_EQ(row.value.IsValid(), row.isValid);
+        EXPECT_EQ(row.value.IsNull(), row.isNull);
+        EXPECT_EQ(row.value.IsNoChange(), row.isNoChange);
+        EXPECT_EQ(row.value.IsZero(), row.isZero);
+        EXPECT_EQ(row.value.IsPositive(), row.isPositive);
+        EXPECT_EQ(row.value.IsNegative(), row.isNegative);
+    }
+}
+
+TEST(nxDecimal, EncodesItsStatusInTheValue)
+{
+    struct Row
+    {
+        nxDecimal value;
+        long long encoded;
+        unsigned char places;
+        const char* decoded;
+    };
+    const Row rows[] = {{null, largest, 0, "NULL 0e-0"},
+                        {noChange, largest - 1, 0, "NOCHANGE 0e-0"},
+                        {Parts(largest - 2, 3), largest - 2, 3, "VALID 9223372036854775805e-3"},
+                        {Parts(-12345, 3), -12345, 3, "VALID -12345e-3"},
+                        {Parts(largest, 3), largest, 3, "NULL 0e-0"},  // cannot be told apart
+                        {Parts(largest - 1, 3), largest - 1, 3, "NOCHANGE 0e-0"}};
+    for (const Row& row : rows)
+    {
+        long long encoded = 1;
+        unsigned char places = 1;
+        row.value.GetAsEncodedValues(encoded, places);
+        EXPECT_EQ(encoded, row.encoded);
+        EXPECT_EQ(places, row.places);
+        nxDecimal decoded(1, 1);
+        decoded.SetFromEncodedValues(encoded, places);
+        EXPECT_EQ(Fields(decoded), row.decoded);
+        std::int64_t other = 1;  // another type of the same size on some systems
+        row.value.GetAsEncodedValues(other, places);
+        EXPECT_EQ(other, row.encoded);
+    }
+}
+
+TEST(nxDecimal, ADoubleIsRoundedWithTiesTowardPlusInfinity)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    struct Row
+    {
+        double number;
+        unsigned char places;
+        long long mantissa;
+    };
+    const Row rows[] = {{1.25, 1, 13},
+                        {-1.25, 1, -12},
+                        {0.5, 0, 1},
+                        {-0.5, 0, 0},
+                        {1.5, 0, 2},
+                        {-1.5, 0, -1},
+                        {2.5, 0, 3},
+                        {-2.5, 0, -2},
+                        {0.49999999999999994, 0, 0},
+                        {-0.49999999999999994, 0, 0},
+                        {-0.50000000000000011, 0, -1},
+                        {-0.0, 3, 0},
+                        {0.999, 2, 100},  // the fraction carries into the whole
+                        {-0.999, 2, -100},
+                        {2251799813685249.5, 0, 2251799813685250},
+                        {-2251799813685249.5, 0, -2251799813685249},
+                        {10.0, 18, -8446744073709551616},  // 10^19 wraps
+                        {9223372036854774784.0, 0, 9223372036854774784},
+                        {-9223372036854775808.0, 0, smallest},
+                        // What no integer holds counts as the smallest one; twice that is 0, and so is ten times.
+                        {9223372036854775808.0, 0, 0},
+                        {1e300, 2, smallest},
+                        {-1e300, 2, smallest},
+                        {infinity, 0, 0},
+                        {-infinity, 3, smallest},
+                        {std::nan(""), 0, 0},
+                        {std::nan(""), 1, smallest},
+                        {0.5, 255, 0}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.number);
+        nxDecimal value = null;
+        value.SetFromDouble(row.number, row.places);
+        EXPECT_EQ(Fields(value), Fields(Parts(row.mantissa, row.places)));
+    }
+}
+
+TEST(nxDecimal, Calculates)
+{
+    struct Row
+    {
+        const char *a, *b, *sum, *difference, *product, *quotient;
+    };
+    const Row rows[] = {
+        {"1.0", "0.05", "1.05", "0.95", "0.05", "20.00"},
+        {"1.00", "0.05", "1.05", "0.95", "0.05", "20.00"},
+        {"1.5", "1.5", "3.0", "0.0", "2.3", "1.0"},
+        {"7", "2", "9", "5", "14", "4"},
+        {"-7", "2", "-5", "-9", "-14", "-3"},  // -3.5 goes up
+        {"-1.5", "1.5", "0.0", "-3.0", "-2.2", "-1.0"},
+        {"9223372036854775807", "1", "-9223372036854775808", "9223372036854775806", "9223372036854775807",
+         "0"},  // sums wrap; the double is 2^63, which no integer holds
+        {"4294967296", "4294967296", "8589934592", "0", "0", "1"},
+        {"5", "0.00", "5.00", "5.00", "0.00", "-92233720368547758.08"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.a);
+        SCOPED_TRACE(row.b);
+        const nxDecimal a = Number(row.a);
+        const nxDecimal b = Number(row.b);
+        EXPECT_EQ((a + b).GetAsString('.'), row.sum);
+        EXPECT_EQ((a - b).GetAsString('.'), row.difference);
+        EXPECT_EQ((a * b).GetAsString('.'), row.product);
+        EXPECT_EQ((a / b).GetAsString('.'), row.quotient);
+    }
+}
+
+TEST(nxDecimal, AnOperandThatIsNotValidLeavesTheLeftOneAlone)
+{
+    const nxDecimal number = Parts(1234, 2);
+    const std::pair<nxDecimal, nxDecimal> rows[] = {{number, null},     {number, noChange},     {null, number},
+                                                    {noChange, number}, {null, null},           {null, noChange},
+                                                    {noChange, null},   {nxDecimal(7, 0), null}};
+    const nxRoundingMethodEnum up(NX_ROUNDING_METHOD_UP);
+    for (const auto& [left, right] : rows)
+    {
+        SCOPED_TRACE(testing::Message() << left << " and " << right);
+        EXPECT_EQ(Fields(left + right), Fields(left));
+        EXPECT_EQ(Fields(left - right), Fields(left));
+        EXPECT_EQ(Fields(left * right), Fields(left));
+        EXPECT_EQ(Fields(left / right), Fields(left));
+        nxDecimal rounded = left;
+        rounded.Round(right, up);
+        EXPECT_EQ(Fields(rounded), Fields(left));
+    }
+    for (nxDecimal value : {null, noChange})
+    {
+        const std::string before = Fields(value);
+        -value;
+        value.Abs();
+        value.InvertSign();
+        value.SetDecimalPlaces(3, false);
+        value.SetDecimalPlaces(0, true);
+        value.Normalise(0);
+        EXPECT_EQ(Fields(value), before);
+    }
+}
+
+TEST(nxDecimal, TakesItselfAsOperand)
+{
+    const auto itself = [](const std::function<void(nxDecimal&)>& change)
+    {
+        nxDecimal value = Number("-2.5");
+        change(value);
+        return value.GetAsString('.');
+    };
+    EXPECT_EQ(itself([](nxDecimal& a) { a += *&a; }), "-5.0");
+    EXPECT_EQ(itself([](nxDecimal& a) { a -= *&a; }), "0.0");
+    EXPECT_EQ(itself([](nxDecimal& a) { a *= a; }), "6.3");
+    EXPECT_EQ(itself([](nxDecimal& a) { a /= *&a; }), "1.0");
+    EXPECT_EQ(itself([](nxDecimal& a) { a.Round(a, nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP)); }), "-2.5");
+    EXPECT_EQ(itself([](nxDecimal& a) { a = *&a; }), "-2.5");
+    nxDecimal large = Parts(smallest, 200);  // and where the quick path does not reach
+    large.Round(large, nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST));
+    EXPECT_EQ(Fields(large), Fields(Parts(smallest, 200)));
+}
+
+TEST(nxDecimal, ChangesItsSignInPlace)
+{
+    nxDecimal x = Number("1.5");
+    EXPECT_EQ(&-x, &x);
+    EXPECT_EQ(Fields(x), "VALID -15e-1");
+    EXPECT_EQ(Fields(nxDecimal::Abs(x)), "VALID 15e-1");
+    EXPECT_EQ(Fields(x), "VALID -15e-1");
+    x.Abs();
+    x.Abs();
+    EXPECT_EQ(Fields(x), "VALID 15e-1");
+    x.InvertSign();
+    EXPECT_EQ(Fields(x), "VALID -15e-1");
+    nxDecimal extreme = Parts(smallest, 1);  // has no counterpart
+    -extreme;
+    extreme.Abs();
+    extreme.InvertSign();
+    EXPECT_EQ(Fields(extreme), Fields(Parts(smallest, 1)));
+    EXPECT_EQ(extreme.GetAsString('.'), "-922337203685477580.8");
+}
+
+TEST(nxDecimal, Compares)
+{
+    enum Order
+    {
+        Less,
+        Equal,
+        Greater
+    };
+    struct Row
+    {
+        nxDecimal a, b;
+        Order order;
+        const char *smaller, *larger;  // the first where neither is
+    };
+    const Row rows[] = {
+        {Number("1.50"), Number("1.5"), Equal, "VALID 150e-2", "VALID 150e-2"},
+        {Number("1.5"), Number("1.51"), Less, "VALID 15e-1", "VALID 151e-2"},
+        {Number("-1.5"), Number("-1.51"), Greater, "VALID -151e-2", "VALID -15e-1"},
+        {Number("2"), Number("10"), Less, "VALID 2e-0", "VALID 10e-0"},
+        // The tolerance: 1 + 2^-52 is equal to 1, the next double is not. Of one scale there is none.
+        {Number("1"), Number("1.0000000000000002"), Equal, "VALID 1e-0", "VALID 1e-0"},
+        {Number("1"), Number("1.0000000000000004"), Less, "VALID 1e-0", "VALID 10000000000000004e-16"},
+        {Number("0.00000000000000020"), Number("0"), Equal, "VALID 20e-17", "VALID 20e-17"},
+        {Parts(0, 17), Parts(1, 17), Less, "VALID 0e-17", "VALID 1e-17"},
+        {Parts(largest, 0), Parts(smallest, 0), Greater, "VALID -9223372036854775808e-0",
+         "VALID 9223372036854775807e-0"},
+        {Parts(largest, 0), Parts(largest, 1), Greater, "VALID 9223372036854775807e-1", "VALID 9223372036854775807e-0"},
+        {null, null, Equal, "NULL 0e-0", "NULL 0e-0"},
+        {noChange, noChange, Equal, "NOCHANGE 0e-0", "NOCHANGE 0e-0"},
+        {null, noChange, Less, "NOCHANGE 0e-0", "NOCHANGE 0e-0"},
+        {null, nxDecimal(), Less, "VALID 0e-0", "VALID 0e-0"},
+        {noChange, Parts(smallest, 0), Less, "VALID -9223372036854775808e-0", "VALID -9223372036854775808e-0"},
+        {nxDecimal(), null, Greater, "VALID 0e-0", "VALID 0e-0"},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.a << " and " << row.b);
+        EXPECT_EQ(row.a == row.b, row.order == Equal);
+        EXPECT_EQ(row.a != row.b, row.order != Equal);
+        EXPECT_EQ(row.a < row.b, row.order == Less);
+        EXPECT_EQ(row.a <= row.b, row.order != Greater);
+        EXPECT_EQ(row.a > row.b, row.order == Greater);
+        EXPECT_EQ(row.a >= row.b, row.order != Less);
+        EXPECT_EQ(row.b < row.a, row.order == Greater);
+        EXPECT_EQ(row.b == row.a, row.order == Equal);
+        EXPECT_EQ(Fields(nxDecimal::GetMin(row.a, row.b)), row.smaller);
+        EXPECT_EQ(Fields(nxDecimal::GetMax(row.a, row.b)), row.larger);
+    }
+}
+
+TEST(nxDecimal, ExactEqualityHasNoToleranceAndAHash)
+{
+    const std::unordered_set<nxDecimal, nxDecimal::ExactHash, nxDecimal::ExactEqual> set = {
+        Number("1.5"), Number("1.50"), Number("1.500000000000000001"), nxDecimal(), Parts(0, 255), null, noChange,
+        null};
+    EXPECT_EQ(set.size(), 5U);
+    EXPECT_TRUE(Parts(5, 255).EqualsExactly(Parts(5, 255)));
+    EXPECT_FALSE(Parts(5, 255).EqualsExactly(Parts(5, 254)));
+    EXPECT_FALSE(null.EqualsExactly(noChange));
+    EXPECT_FALSE(null.EqualsExactly(nxDecimal()));
+}
+
+TEST(nxDecimal, ChangesItsPlaces)
+{
+    struct Row
+    {
+        const char* value;
+        unsigned char places;
+        const char *cut, *dropped, *normalised;
+    };
+    const Row rows[] = {{"12.340", 0, "12", "12.34", "12.34"},
+                        {"12.340", 1, "12.3", "12.34", "12.34"},
+                        {"12.340", 2, "12.34", "12.34", "12.34"},
+                        {"12.340", 3, "12.340", "12.340", "12.340"},
+                        {"12.340", 5, "12.34000", "12.34000", "12.340"},
+                        {"-1.99", 0, "-1", "-1.99", "-1.99"},
+                        {"-0.5", 0, "0", "-0.5", "-0.5"},
+                        {"100.00", 0, "100", "100", "100"},
+                        {"100", 0, "100", "100", "100"},  // the zeros of a whole number stay
+                        {"0.000", 1, "0.0", "0.0", "0.0"}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.value);
+        nxDecimal cut = Number(row.value);
+        nxDecimal dropped = cut;
+        nxDecimal normalised = cut;
+        cut.SetDecimalPlaces(row.places, false);
+        dropped.SetDecimalPlaces(row.places, true);
+        normalised.Normalise(row.places);
+        EXPECT_EQ(cut.GetAsString('.'), row.cut);
+        EXPECT_EQ(dropped.GetAsString('.'), row.dropped);
+        EXPECT_EQ(normalised.GetAsString('.'), row.normalised);
+    }
+    nxDecimal value = Parts(largest, 0);
+    value.SetDecimalPlaces(255, false);
+    EXPECT_EQ(Fields(value), "VALID 0e-255");  // wrapped
+    value = Parts(smallest, 255);
+    value.SetDecimalPlaces(237, false);
+    EXPECT_EQ(Fields(value), "VALID -9e-237");
+    value.SetDecimalPlaces(0, false);
+    EXPECT_EQ(Fields(value), "VALID 0e-0");
+    value = Parts(0, 255);
+    value.Normalise(7);
+    EXPECT_EQ(Fields(value), "VALID 0e-7");
 }
 
 TEST(nxDecimal, RoundsToMultiplesOfTheIncrement)
 {
     struct Row
     {
-        const char* value;
-        const char* increment;
-        const char* down;
-        const char* up;
-        const char* nearest;
-        const char* modified;
+        nxDecimal value, increment;
+        const char *down, *up, *nearest, *modified;
     };
+    const auto number = Number;
     const Row rows[] = {
-        {"-1.23", "0.05", "-1.25", "-1.20", "-1.25", "-1.25"},
-        {"-1.225", "0.05", "-1.25", "-1.20", "-1.25", "-1.20"},
-        {"99.9", "10", "90", "100", "100", "100"},
-        {"1.00", "0.05", "1.00", "1.00", "1.00", "1.00"},
+        {number("-1.23"), number("0.05"), "-1.25", "-1.20", "-1.25", "-1.25"},
+        {number("-1.225"), number("0.05"), "-1.25", "-1.20", "-1.25", "-1.20"},
+        {number("1.225"), number("0.05"), "1.20", "1.25", "1.25", "1.20"},
+        {number("1.2249"), number("0.05"), "1.20", "1.25", "1.20", "1.20"},
+        {number("1.2251"), number("0.05"), "1.20", "1.25", "1.25", "1.25"},
+        {number("99.9"), number("10"), "90", "100", "100", "100"},
+        {number("1.00"), number("0.05"), "1.00", "1.00", "1.00", "1.00"},
+        {number("-1"), number("0.25"), "-1.00", "-1.00", "-1.00", "-1.00"},
+        {number("0"), number("0.05"), "0.00", "0.00", "0.00", "0.00"},
+        {number("-0.01"), number("0.05"), "-0.05", "0.00", "0.00", "0.00"},
+        {number("5"), number("2"), "4", "6", "6", "4"},
+        {number("1"), number("3"), "0", "3", "0", "0"},
+        {number("1.23"), number("-0.05"), "1.20", "1.25", "1.25", "1.25"},  // the increment's sign does not matter
+        // Beyond what a double or 64 bits hold.
+        {Parts(9'000'000'000'000'000'000, 19), nxDecimal(1, 0), "0", "1", "1", "1"},
+        {Parts(-5'000'000'000'000'000'000, 19), nxDecimal(1, 0), "-1", "0", "-1", "0"},
+        {Parts(smallest, 0), nxDecimal(10, 0), "9223372036854775806", "-9223372036854775800", "9223372036854775806",
+         "9223372036854775806"},  // -9223372036854775810 wraps
+
+        {Parts(1, 255), nxDecimal(1, 0), "0", "1", "0", "0"},
+        {Parts(-1, 255), Parts(largest, 0), "-9223372036854775807", "0", "0", "0"},
+        {number("9007199254740993"), number("2"), "9007199254740992", "9007199254740994", "9007199254740994",
+         "9007199254740992"},
     };
     for (const Row& row : rows)
     {
-        SCOPED_TRACE(row.value);
+        SCOPED_TRACE(testing::Message() << row.value << " by " << row.increment);
         const auto rounded = [&row](nxEnumValue method)
         {
-            nxDecimal value(row.value, '.');
-            value.Round(nxDecimal(row.increment, '.'), nxRoundingMethodEnum(method));
+            nxDecimal value = row.value;
+            value.Round(row.increment, nxRoundingMethodEnum(method));
             return value.GetAsString('.');
         };
         EXPECT_EQ(rounded(NX_ROUNDING_METHOD_DOWN), row.down);
@@ -91,20 +520,91 @@ TEST(nxDecimal, RoundsToMultiplesOfTheIncrement)
         EXPECT_EQ(rounded(NX_ROUNDING_METHOD_NEAREST), row.nearest);
         EXPECT_EQ(rounded(NX_ROUNDING_METHOD_MODIFIED_NEAREST), row.modified);
     }
+    nxDecimal value = Number("1.23");
+    value.Round(Parts(0, 1), nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP));
+    value.Round(Number("0.5"), nxRoundingMethodEnum());
+    EXPECT_EQ(Fields(value), "VALID 123e-2");
 }
 
-TEST(nxDecimal, ComputesAcrossScales)
+TEST(nxDecimal, TextsShowTwelveDecimalsAtMostAndWriteShowsAll)
 {
-    EXPECT_EQ((nxDecimal("1.0", '.') + nxDecimal("0.05", '.')).GetAsString('.'), "1.05");
-    EXPECT_EQ((nxDecimal("1.5", '.') * nxDecimal("1.5", '.')).GetAsString('.'), "2.3");
-    EXPECT_EQ((nxDecimal(7, 0) / nxDecimal(2, 0)).GetAsString('.'), "4");
-    EXPECT_EQ(nxDecimal(5, 2).GetAsString('.'), "5.00");
-    EXPECT_EQ(nxDecimal(-1.25, 1).GetAsString('.'), "-1.2");
-    EXPECT_EQ(nxDecimal(1, 3, 2).GetAsString('.'), "0.33");
-    EXPECT_EQ(nxDecimal("1.50", '.'), nxDecimal("1.5", '.'));
-    EXPECT_LT(nxDecimal::GetNullDecimal(), nxDecimal());
-    EXPECT_LT(nxDecimal::GetNullDecimal(), nxDecimal::GetNoChangeDecimal());
-    nxDecimal x("1.5", '.');
-    EXPECT_EQ((-x).GetAsString('.'), "-1.5");
-    EXPECT_EQ(x.GetAsString('.'), "-1.5");
+    struct Row
+    {
+        nxDecimal value;
+        unsigned char places;
+        const char *text, *trimmed;
+        std::string written;
+    };
+    const Row rows[] = {
+        {nxDecimal(5, 2), 1, "5,00", "5,0", "5,00"},
+        {nxDecimal(5, 2), 0, "5,00", "5", "5,00"},
+        {nxDecimal(5, 2), 9, "5,00", "5,00", "5,00"},
+        {Number("-1.99"), 1, "-1,99", "-1,9", "-1,99"},
+        {Number("-0.05"), 1, "-0,05", "-0,0", "-0,05"},
+        {Number("-0.05"), 0, "-0,05", "-0", "-0,05"},
+        {nxDecimal(), 3, "0", "0", "0"},
+        {Parts(123456789012345, 12), 255, "123,456789012345", "123,456789012345", "123,456789012345"},
+        {Parts(123456789012345, 13), 255, "12,345678901234", "12,345678901234", "12,3456789012345"},
+        {Parts(999999999999999, 15), 11, "0,999999999999", "0,99999999999", "0,999999999999999"},
+        {Parts(smallest, 12), 13, "-9223372,036854775808", "-9223372,036854775808", "-9223372,036854775808"},
+        {Parts(smallest, 20), 13, "-1,014570924054", "-1,014570924054", "-1,01457092405402533888"},  // 10^20 wraps
+        {Parts(7, 63), 2, "0,000000000000", "0,00", WithZeros("0,", 62, "7")},
+        {Parts(7, 255), 2, "0,000000000000", "0,00", WithZeros("0,", 254, "7")},
+        {Parts(-7, 255), 0, "-0,000000000000", "-0", WithZeros("-0,", 254, "7")},
+        {null, 2, "", "", ""},
+        {noChange, 2, "", "", ""},
+    };
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.value.GetValue() << " with " << int{row.value.GetDecimalPlaces()});
+        EXPECT_EQ(row.value.GetAsString(','), row.text);
+        EXPECT_EQ(row.value.GetAsTrimmedString(row.places, ','), row.trimmed);
+        const std::string invalid = row.value.IsNull() ? "NULL" : "NO_CHANGE";
+        EXPECT_EQ(row.value.GetAsLogString(','), row.value.IsValid() ? row.text : invalid);
+        EXPECT_EQ(row.value.GetAsTrimmedLogString(row.places, ','), row.value.IsValid() ? row.trimmed : invalid);
+        EXPECT_EQ(Written(row.value, ','), row.written);
+    }
+}
+
+TEST(nxDecimal, EveryTextFormGivesTheSameText)
+{
+    for (const nxDecimal& value : {Number("-12.50"), Parts(smallest, 6), null, noChange})
+    {
+        const std::string plain = value.GetAsString('.');
+        const std::string log = value.GetAsLogString('.');
+        std::string text = "old";
+        value.GetAsString(text, '.');
+        value.AppendAsString(text, '.');
+        EXPECT_EQ(text, plain + plain);
+        value.GetAsLogString(text, '.');
+        value.AppendAsLogString(text, '.');
+        EXPECT_EQ(text, log + log);
+        std::ostringstream stream;
+        stream << value;
+        EXPECT_EQ(stream.str(), log);
+        char buffer[nxDecimal::MaxTextSize];
+        EXPECT_EQ(value.GetAsString(buffer, '.'), plain.size());
+        EXPECT_STREQ(buffer, plain.c_str());
+        EXPECT_EQ(value.GetAsLogString(buffer, '.'), log.size());
+        EXPECT_STREQ(buffer, log.c_str());
+        EXPECT_EQ(&value.GetStatus(), &nxDecimal(value).GetStatus());  // one object for each state
+    }
+}
+
+TEST(nxDecimal, NoTextTouchesMoreThanThePromisedBuffer)
+{
+    std::vector<long long> mantissas = {0, smallest, largest, 99'999'999, -100'000'000, 9'999'999'999, -10'000'000'000};
+    for (const long long mantissa : mantissas)
+        for (int places = 0; places < 256; ++places)
+        {
+            const nxDecimal value = Parts(mantissa, static_cast<unsigned char>(places));
+            char buffer[nxDecimal::MaxTextSize + 1];
+            for (const unsigned char shown : std::initializer_list<unsigned char>{0, 1, 11, 12, 13, 255})
+            {
+                std::memset(buffer, '#', sizeof buffer);
+                const std::size_t size = value._GetAsString(buffer, '.', shown);
+                ASSERT_TRUE(size < nxDecimal::MaxTextSize && buffer[size] == '\0') << mantissa << ' ' << places;
+                ASSERT_EQ(buffer[nxDecimal::MaxTextSize], '#') << mantissa << ' ' << places;
+            }
+        }
 }
