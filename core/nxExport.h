@@ -11,6 +11,7 @@
         #define NX_CORE_API __declspec(dllimport)
     #endif
 #else
+    /// Stands before what users of the shared library may call: classes, free functions, operators.
     #define NX_CORE_API __attribute__((visibility("default")))
 #endif
 

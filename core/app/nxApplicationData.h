@@ -23,32 +23,44 @@
 class NX_CORE_API nxApplicationData
 {
 public:
+    /// The name that the application gave itself; empty until then. Log files are named after it.
     static std::string GetApplicationName();
+    /// Call it before the log file is opened, so that the file bears the name.
     static void SetApplicationName(const std::string& name);
 
     /// Tells several processes of one application apart.
     static std::string GetApplicationInstanceName();
+    /// Any text; it is stored as it is.
     static void SetApplicationInstanceName(const std::string& name);
 
     /// The user on whose behalf the application works; not the account that the system runs it under.
     static std::string GetUserName();
+    /// Any text; it is stored as it is.
     static void SetUserName(const std::string& name);
 
     /// The site at which the application runs.
     static std::string GetLocation();
+    /// Any text; it is stored as it is.
     static void SetLocation(const std::string& location);
 
     /// The host of the daemon that the application is connected to.
     static std::string GetDaemonHostName();
+    /// A name or an address; it is stored as it is and not looked up.
     static void SetDaemonHostName(const std::string& name);
 
+    /// How the application is connected to its daemon; undefined until it is set.
     static nxAPIConnectionTypeEnum GetAPIConnectionType();
+    /// Stores the type as it is.
     static void SetAPIConnectionType(const nxAPIConnectionTypeEnum& type);
 
+    /// Whether the fields that European market rules ask for are filled; false until it is set.
     static bool GetMifidEnabled();
+    /// Stores the choice.
     static void SetMifidEnabled(bool enabled);
 
+    /// What the connected server can do; the empty set until it is set.
     static nxServerCapabilityBitMask GetServerCapabilities();
+    /// Stores the set as it is, null and "no change" included.
     static void SetServerCapabilities(const nxServerCapabilityBitMask& capabilities);
 
     /// The machine's own name; "localhost" when it has none.

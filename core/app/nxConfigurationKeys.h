@@ -13,15 +13,19 @@
 
 #include <cstddef>
 
+/// @cond
 #define NX_CONFIGURATION_KEY(key) inline constexpr char key[] = #key;
 #include "core/app/nxConfigurationKeys.inc"
 #undef NX_CONFIGURATION_KEY
+/// @endcond
 
 /// All keys in the order of their groups, e.g. to look for the key closest to a mistyped variable.
 inline constexpr const char* nxConfigurationKeys[] = {
+/// @cond
 #define NX_CONFIGURATION_KEY(key) key,
 #include "core/app/nxConfigurationKeys.inc"
 #undef NX_CONFIGURATION_KEY
+    /// @endcond
 };
 
 /// How many keys there are.

@@ -11,16 +11,21 @@
 class NX_CORE_API nxAttributeHighlightAndExtendedHightBitMaskPair
 {
 public:
-    nxAttributeHighlightAndExtendedHightBitMaskPair() = default;
+    nxAttributeHighlightAndExtendedHightBitMaskPair() = default;  ///< Two empty sets.
+    /// Copies of both masks, null and "no change" included.
     nxAttributeHighlightAndExtendedHightBitMaskPair(const nxAttributeHighlightBitMask& highlight,
                                                     const nxExtendedAttributeHighlightBitMask& extendedHighlight)
         : _highlight(highlight), _extendedHighlight(extendedHighlight)
     {
     }
 
+    /// The plain reasons; the reference is into this object.
     const nxAttributeHighlightBitMask& GetHighlight() const { return _highlight; }
+    /// The plain reasons, to be changed in place.
     nxAttributeHighlightBitMask& GetHighlight() { return _highlight; }
+    /// The extended reasons; the reference is into this object.
     const nxExtendedAttributeHighlightBitMask& GetExtendedHighlight() const { return _extendedHighlight; }
+    /// The extended reasons, to be changed in place.
     nxExtendedAttributeHighlightBitMask& GetExtendedHighlight() { return _extendedHighlight; }
 
     /// Makes both masks the empty set.
@@ -30,6 +35,7 @@ public:
         _extendedHighlight.Clear();
     }
 
+    /// Compares both words, top bits included.
     friend bool operator==(const nxAttributeHighlightAndExtendedHightBitMaskPair& left,
                            const nxAttributeHighlightAndExtendedHightBitMaskPair& right)
     {

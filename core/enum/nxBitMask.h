@@ -39,7 +39,9 @@ public:
     virtual ~nxBitMask();
     /// @return whether the mask is a set of flags: neither null nor "no change".
     virtual bool IsValid() const;
+    /// @return whether NoChangeBit is set, also in a mask that is null as well.
     virtual bool IsNoChange() const;
+    /// @return whether NullBit is set.
     virtual bool IsNull() const;
     /// Adds flags. A mask that is not valid starts again from the empty set.
     virtual void SetBits(unsigned bits);
@@ -89,9 +91,13 @@ public:
     /// Makes the mask the empty set, which is valid.
     void Clear() { _word = 0; }
 
+    /// @return whether no flag of @p bits is missing; true for an empty @p bits.
     bool AreAllBitsSet(unsigned bits) const { return (_word & bits) == bits; }
+    /// @copydoc AreAllBitsSet(unsigned) const
     bool AreAllBitsSet(const nxBitMask& bits) const { return AreAllBitsSet(bits._word); }
+    /// @return whether at least one flag of @p bits is set; false for an empty @p bits.
     bool AreAnyBitsSet(unsigned bits) const { return (_word & bits) != 0; }
+    /// @copydoc AreAnyBitsSet(unsigned) const
     bool AreAnyBitsSet(const nxBitMask& bits) const { return AreAnyBitsSet(bits._word); }
 
     /// Compares the whole words, top bits included, whatever the classes.
@@ -100,12 +106,13 @@ public:
     bool operator==(const nxBitMask& other) const { return _word == other._word; }
 
 protected:
+    /// Short and long description of every flag, by class name and then by bit.
     using DescriptionMap = std::map<std::string, std::map<unsigned, std::pair<std::string, std::string>>>;
 
-    nxBitMask() = default;
-    explicit nxBitMask(unsigned word) : _word(word) {}
-    nxBitMask(const nxBitMask&) = default;
-    nxBitMask& operator=(const nxBitMask&) = default;
+    nxBitMask() = default;                              ///< The empty set.
+    explicit nxBitMask(unsigned word) : _word(word) {}  ///< Holds @p word as it is, top bits included.
+    nxBitMask(const nxBitMask&) = default;              ///< Concrete classes are copied, not their base.
+    nxBitMask& operator=(const nxBitMask&) = default;   ///< Concrete classes are assigned, not their base.
 
     /// Gives a flag of the class @p className its texts; texts that the flag has already are kept. Call it while the
     /// process or a plug-in is loaded, from one thread; other threads may print masks meanwhile.

@@ -32,7 +32,9 @@ public:
     virtual ~nxBitMask64();
     /// @return whether the mask is a set of flags: neither null nor "no change".
     virtual bool IsValid() const;
+    /// @return whether NoChangeBit is set, also in a mask that is null as well.
     virtual bool IsNoChange() const;
+    /// @return whether NullBit is set.
     virtual bool IsNull() const;
     /// Adds flags. A mask that is not valid starts again from the empty set.
     virtual void SetBits(unsigned long long bits);
@@ -82,9 +84,13 @@ public:
     /// Makes the mask the empty set, which is valid.
     void Clear() { _word = 0; }
 
+    /// @return whether no flag of @p bits is missing; true for an empty @p bits.
     bool AreAllBitsSet(unsigned long long bits) const { return (_word & bits) == bits; }
+    /// @copydoc AreAllBitsSet(unsigned long long) const
     bool AreAllBitsSet(const nxBitMask64& bits) const { return AreAllBitsSet(bits._word); }
+    /// @return whether at least one flag of @p bits is set; false for an empty @p bits.
     bool AreAnyBitsSet(unsigned long long bits) const { return (_word & bits) != 0; }
+    /// @copydoc AreAnyBitsSet(unsigned long long) const
     bool AreAnyBitsSet(const nxBitMask64& bits) const { return AreAnyBitsSet(bits._word); }
 
     /// Compares the whole words, top bits included, whatever the classes.
@@ -93,12 +99,13 @@ public:
     bool operator==(const nxBitMask64& other) const { return _word == other._word; }
 
 protected:
+    /// Short and long description of every flag, by class name and then by bit.
     using DescriptionMap = std::map<std::string, std::map<unsigned long long, std::pair<std::string, std::string>>>;
 
-    nxBitMask64() = default;
-    explicit nxBitMask64(unsigned long long word) : _word(word) {}
-    nxBitMask64(const nxBitMask64&) = default;
-    nxBitMask64& operator=(const nxBitMask64&) = default;
+    nxBitMask64() = default;                                        ///< The empty set.
+    explicit nxBitMask64(unsigned long long word) : _word(word) {}  ///< Holds @p word as it is, top bits included.
+    nxBitMask64(const nxBitMask64&) = default;                      ///< Concrete classes are copied, not their base.
+    nxBitMask64& operator=(const nxBitMask64&) = default;           ///< Concrete classes are assigned, not their base.
 
     /// Gives a flag of the class @p className its texts; texts that the flag has already are kept. Call it while the
     /// process or a plug-in is loaded, from one thread; other threads may print masks meanwhile.

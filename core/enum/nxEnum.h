@@ -133,14 +133,14 @@ protected:
 
     /// @name Comparison of the stored values as unsigned numbers, for the operators of the concrete classes.
     /// @{
-    bool _EqualTo(unsigned value) const { return _value == value; }
-    bool _EqualTo(const nxEnum& other) const { return _value == other._value; }
-    bool _NotEqualTo(unsigned value) const { return _value != value; }
-    bool _NotEqualTo(const nxEnum& other) const { return _value != other._value; }
-    bool _LessThan(unsigned value) const { return _value < value; }
-    bool _LessThan(const nxEnum& other) const { return _value < other._value; }
-    bool _GreaterThan(unsigned value) const { return _value > value; }
-    bool _GreaterThan(const nxEnum& other) const { return _value > other._value; }
+    bool _EqualTo(unsigned value) const { return _value == value; }                 ///< With a plain number.
+    bool _EqualTo(const nxEnum& other) const { return _value == other._value; }     ///< Whatever its class.
+    bool _NotEqualTo(unsigned value) const { return _value != value; }              ///< With a plain number.
+    bool _NotEqualTo(const nxEnum& other) const { return _value != other._value; }  ///< Whatever its class.
+    bool _LessThan(unsigned value) const { return _value < value; }                 ///< With a plain number.
+    bool _LessThan(const nxEnum& other) const { return _value < other._value; }     ///< Whatever its class.
+    bool _GreaterThan(unsigned value) const { return _value > value; }              ///< With a plain number.
+    bool _GreaterThan(const nxEnum& other) const { return _value > other._value; }  ///< Whatever its class.
     /// @}
 
     /// The rule of every setter: a value between the exclusive bounds, or 0, or 2; never 1.
@@ -207,6 +207,7 @@ template <class Enum>
 requires std::derived_from<Enum, nxEnum>
 struct std::hash<Enum>
 {
+    /// Agrees with `==`.
     std::size_t operator()(const Enum& value) const noexcept { return std::hash<unsigned>()(value.GetValue()); }
 };
 

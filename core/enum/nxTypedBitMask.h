@@ -47,9 +47,9 @@ template <class Derived, class Base>
 class nxTypedBitMask : public Base
 {
 public:
-    using Word = typename Base::Word;
+    using Word = typename Base::Word;  ///< What holds the flags: 32 or 64 bits.
 
-    nxTypedBitMask() = default;
+    nxTypedBitMask() = default;  ///< The empty set.
     /// Holds @p word as it is, top bits included.
     nxTypedBitMask(Word word) : Base(word) {}
 
@@ -64,9 +64,9 @@ protected:
     /// A flag with its short and its long description.
     struct FlagTexts
     {
-        Word word;
-        const char* shortDescription;
-        const char* longDescription;
+        Word word;                     ///< The flag's bit.
+        const char* shortDescription;  ///< The identifier.
+        const char* longDescription;   ///< The wording.
     };
 
     /// Registers @p flags as those of the class @p className.
@@ -85,6 +85,7 @@ template <class Mask>
 requires std::derived_from<Mask, nxBitMask> || std::derived_from<Mask, nxBitMask64>
 struct std::hash<Mask>
 {
+    /// Agrees with `==`.
     std::size_t operator()(const Mask& mask) const noexcept
     {
         return std::hash<typename Mask::Word>()(mask.GetValue());

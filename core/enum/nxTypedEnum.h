@@ -97,8 +97,8 @@ public:
 
 protected:
     ~nxTypedEnum() = default;
-    unsigned _MinValue() const override { return Minimum; }
-    unsigned _MaxValue() const override { return Maximum; }
+    unsigned _MinValue() const override { return Minimum; }  ///< MinimumValue.
+    unsigned _MaxValue() const override { return Maximum; }  ///< MaximumValue.
 
 private:
     static constexpr unsigned _Accepted(unsigned value)

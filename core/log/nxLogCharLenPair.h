@@ -10,14 +10,14 @@
 class nxLogCharLenPair
 {
 public:
-    /// @param text may be null when @p length is 0; otherwise @p length bytes, which are read while streaming.
+    /// @param text its first byte, read while streaming; null counts as empty. @param length in bytes.
     constexpr nxLogCharLenPair(const char* text, std::size_t length)
         : _text(text), _length(text == nullptr ? 0 : length)
     {
     }
 
-    constexpr const char* GetText() const { return _text; }
-    constexpr std::size_t GetLength() const { return _length; }
+    constexpr const char* GetText() const { return _text; }      ///< Not terminated; null when there is none.
+    constexpr std::size_t GetLength() const { return _length; }  ///< In bytes.
 
 private:
     const char* _text;

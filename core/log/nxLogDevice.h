@@ -46,7 +46,7 @@ public:
 
     /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.
     void SetVerboseOutput(bool verbose) { _verbose = verbose; }
-    bool IsVerboseOutput() const { return _verbose; }
+    bool IsVerboseOutput() const { return _verbose; }  ///< Whether lines carry everything they can.
 
     /// @return what takes this device's lines in batches; null for a device that takes records.
     nxLogLineSink* GetLineSink() const { return _lineSink; }

@@ -17,9 +17,10 @@ struct nxLogLineStyle
         TimeAndText    ///< "[05Mar24 09:07:03.123.456] text"
     };
 
-    Form form = Full;
+    Form form = Full;             ///< Which parts.
     bool carriageReturn = false;  ///< Whether lines end in CR LF rather than in LF alone.
 
+    /// Equal styles make equal lines.
     friend bool operator==(const nxLogLineStyle&, const nxLogLineStyle&) = default;
 };
 

@@ -16,7 +16,7 @@ public:
     explicit nxLogMessage(const char* file) noexcept;
     /// Lends bytes that live longer than the object and are not changed: values alone, the file stands elsewhere.
     nxLogMessage(const char* file, const char* begin, const char* end) noexcept;
-    nxLogMessage(const nxLogMessage& other) noexcept;
+    nxLogMessage(const nxLogMessage& other) noexcept;             ///< Owns a copy of the bytes, lent or not.
     nxLogMessage& operator=(const nxLogMessage& other) noexcept;  ///< A copy of the bytes, lent or not.
     ~nxLogMessage();
 

@@ -159,8 +159,8 @@ public:
 protected:
     nxLogStream() = default;
     ~nxLogStream() = default;
-    nxLogStream(const nxLogStream&) = default;
-    nxLogStream& operator=(const nxLogStream&) = default;
+    nxLogStream(const nxLogStream&) = default;             ///< The values are the record's: nothing to copy here.
+    nxLogStream& operator=(const nxLogStream&) = default;  ///< The values are the record's: nothing to copy here.
 
     /// Puts @p value behind @p tag.
     template <class Value>

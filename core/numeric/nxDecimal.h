@@ -89,18 +89,20 @@ public:
     {
         return nxDecimal(_FromParts{}, mantissa, places);
     }
+    /// No value.
     static constexpr nxDecimal GetNullDecimal() { return nxDecimal(nxNullInitalizer{}); }
+    /// "Leave the receiver's value as it is."
     static constexpr nxDecimal GetNoChangeDecimal() { return nxDecimal(nxNoChangeInitalizer{}); }
     /// The largest decimal, 9223372036854775807 with 0 places.
     static constexpr nxDecimal GetMaximumDecimal() { return nxDecimal(_FromParts{}, INT64_MAX, 0); }
 
     /// @name State and access
     /// @{
-    constexpr void SetNull() { *this = GetNullDecimal(); }
-    constexpr void SetNoChange() { *this = GetNoChangeDecimal(); }
-    constexpr bool IsNull() const { return _format == _null; }
-    constexpr bool IsNoChange() const { return _format == _noChange; }
-    constexpr bool IsValid() const { return _format < _null; }
+    constexpr void SetNull() { *this = GetNullDecimal(); }              ///< Number and places are forgotten.
+    constexpr void SetNoChange() { *this = GetNoChangeDecimal(); }      ///< Number and places are forgotten.
+    constexpr bool IsNull() const { return _format == _null; }          ///< There is no number.
+    constexpr bool IsNoChange() const { return _format == _noChange; }  ///< The receiver keeps its number.
+    constexpr bool IsValid() const { return _format < _null; }          ///< There is a number.
     /// @return one of three constants that live as long as the process.
     const nxValueStatusEnum& GetStatus() const;
 
@@ -191,6 +193,7 @@ public:
 
     /// @name Changing the representation
     /// @{
+
     /// Makes @p places the number of decimal places: more places add zeros. Fewer cut decimals off, toward zero; with
     /// @p onlyDropZeros they remove trailing zeros alone and stop at the first other digit, so that no digit is lost.
     /// Nothing happens unless valid.
@@ -220,12 +223,14 @@ public:
         if (_mantissa < 0)
             _Negate();
     }
+    /// @return @p value without its sign; one that is not valid as it is.
     static constexpr nxDecimal Abs(const nxDecimal& value)
     {
         nxDecimal result = value;
         result.Abs();
         return result;
     }
+    /// Negates the number. The most negative mantissa has no counterpart and stays.
     constexpr void InvertSign() { _Negate(); }
     /// Negates this object itself and returns it: after `y = -x` both have changed sign. Programs rely on it. For a
     /// negated copy write `nxDecimal(x).InvertSign()` on a copy of your own.
@@ -254,6 +259,8 @@ public:
     /// @name Arithmetic
     /// The result has the larger of the two place counts.
     /// @{
+
+    /// The exact sum where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator+=(const nxDecimal& other)
     {
         long long left, right;
@@ -265,6 +272,7 @@ public:
             *this = _AddDoubles(*this, other);
         return *this;
     }
+    /// The exact difference where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator-=(const nxDecimal& other)
     {
         long long left, right;
@@ -292,16 +300,18 @@ public:
             SetFromDouble(GetAsDouble() / other.GetAsDouble(), _LargerFormat(other));
         return *this;
     }
-    friend nxDecimal operator+(nxDecimal left, const nxDecimal& right) { return left += right; }
-    friend nxDecimal operator-(nxDecimal left, const nxDecimal& right) { return left -= right; }
-    friend nxDecimal operator*(nxDecimal left, const nxDecimal& right) { return left *= right; }
-    friend nxDecimal operator/(nxDecimal left, const nxDecimal& right) { return left /= right; }
+    friend nxDecimal operator+(nxDecimal left, const nxDecimal& right) { return left += right; }  ///< See operator+=.
+    friend nxDecimal operator-(nxDecimal left, const nxDecimal& right) { return left -= right; }  ///< See operator-=.
+    friend nxDecimal operator*(nxDecimal left, const nxDecimal& right) { return left *= right; }  ///< See operator*=.
+    friend nxDecimal operator/(nxDecimal left, const nxDecimal& right) { return left /= right; }  ///< See operator/=.
     /// @}
 
     /// @name Comparison
     /// Numbers of one scale compare exactly; across scales they are equal when their doubles differ by 2.2e-16 at most.
     /// Null equals null and no change equals no change; null is less than no change, and both are less than any number.
     /// @{
+
+    /// Not transitive across scales; EqualsExactly() is.
     friend bool operator==(const nxDecimal& left, const nxDecimal& right)
     {
         long long a, b;
@@ -311,6 +321,7 @@ public:
             return a == b;
         return _AreEqual(left, right);
     }
+    /// Sorts values of one scale; across scales the tolerance of `==` makes it no strict order.
     friend bool operator<(const nxDecimal& left, const nxDecimal& right)
     {
         long long a, b;
@@ -320,6 +331,7 @@ public:
             return a < b;
         return _IsLess(left, right);
     }
+    /// Neither equal within the tolerance nor less.
     friend bool operator>(const nxDecimal& left, const nxDecimal& right)
     {
         long long a, b;
@@ -329,6 +341,7 @@ public:
             return a > b;
         return !_AreEqual(left, right) && !_IsLess(left, right);
     }
+    /// Equal within the tolerance, or less.
     friend bool operator<=(const nxDecimal& left, const nxDecimal& right)
     {
         long long a, b;
@@ -338,7 +351,9 @@ public:
             return a <= b;
         return _AreEqual(left, right) || _IsLess(left, right);
     }
+    /// The opposite of `==`.
     friend bool operator!=(const nxDecimal& left, const nxDecimal& right) { return !(left == right); }
+    /// The opposite of `<`.
     friend bool operator>=(const nxDecimal& left, const nxDecimal& right) { return !(left < right); }
 
     /// @return whether both stand for exactly the same number, or both are null, or both are no change. 1.50 and 1.5
@@ -351,11 +366,13 @@ public:
     /// For hash tables: `std::unordered_map<nxDecimal, Order, nxDecimal::ExactHash, nxDecimal::ExactEqual>`.
     struct ExactHash
     {
+        /// See GetExactHash().
         std::size_t operator()(const nxDecimal& value) const { return value.GetExactHash(); }
     };
     /// @copydoc ExactHash
     struct ExactEqual
     {
+        /// See EqualsExactly().
         bool operator()(const nxDecimal& left, const nxDecimal& right) const { return left.EqualsExactly(right); }
     };
     /// @}
@@ -366,6 +383,7 @@ public:
     /// trimmed forms show @p places decimals at most. The forms that fill a buffer terminate it with a NUL, use up to
     /// MaxTextSize bytes of it and return the length of the text.
     /// @{
+
     /// Reads an optional '-' or '+', then digits with at most one @p separator among them: ".5" and "5." are numbers.
     /// The number of digits behind the separator becomes the number of places. There is no limit on digits: the
     /// mantissa wraps modulo 2^64 and the places modulo 256.
@@ -384,16 +402,20 @@ public:
 
     /// The worker behind the plain and trimmed forms: writes @p places decimals at most.
     std::size_t _GetAsString(char* buffer, char separator, const unsigned char& places) const;
+    /// Fills @p buffer, MaxTextSize bytes, with the plain form; @return its length without the NUL.
     std::size_t GetAsString(char* buffer, char separator) const;
-    void GetAsString(std::string& text, char separator) const;  ///< Replaces @p text.
-    std::string GetAsString(char separator) const;
-    void AppendAsString(std::string& text, char separator) const;
+    void GetAsString(std::string& text, char separator) const;     ///< Replaces @p text.
+    std::string GetAsString(char separator) const;                 ///< @return the plain form.
+    void AppendAsString(std::string& text, char separator) const;  ///< Appends the plain form.
+    /// @return the plain form with @p places decimals at most, the others cut off.
     std::string GetAsTrimmedString(const unsigned char& places, char separator) const;
 
+    /// Fills @p buffer, MaxTextSize bytes, with the log form; @return its length without the NUL.
     std::size_t GetAsLogString(char* buffer, char separator) const;
-    void GetAsLogString(std::string& text, char separator) const;  ///< Replaces @p text.
-    std::string GetAsLogString(char separator) const;
-    void AppendAsLogString(std::string& text, char separator) const;
+    void GetAsLogString(std::string& text, char separator) const;     ///< Replaces @p text.
+    std::string GetAsLogString(char separator) const;                 ///< @return the log form.
+    void AppendAsLogString(std::string& text, char separator) const;  ///< Appends the log form.
+    /// @return the log form with @p places decimals at most, the others cut off.
     std::string GetAsTrimmedLogString(const unsigned char& places, char separator) const;
 
     /// Writes the number with all its decimals, up to 255; nothing unless valid.

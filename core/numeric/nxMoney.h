@@ -25,19 +25,20 @@
 class NX_CORE_API nxMoney
 {
 public:
-    nxMoney() : _amount(nxNullInitalizer{}) {}  ///< Null.
-    explicit nxMoney(nxNullInitalizer null) : _amount(null) {}
-    explicit nxMoney(nxNoChangeInitalizer noChange) : _amount(noChange) {}
+    nxMoney() : _amount(nxNullInitalizer{}) {}                              ///< Null.
+    explicit nxMoney(nxNullInitalizer null) : _amount(null) {}              ///< Null.
+    explicit nxMoney(nxNoChangeInitalizer noChange) : _amount(noChange) {}  ///< No change.
     /// @p amount of @p currency; null when @p currency is not three capital letters. An amount that is not valid makes
     /// null or no change, whatever the currency.
     nxMoney(const nxDecimal& amount, std::string_view currency);
 
-    bool IsNull() const { return _amount.IsNull(); }
-    bool IsNoChange() const { return _amount.IsNoChange(); }
-    bool IsValid() const { return _amount.IsValid(); }
-    void SetNull() { *this = nxMoney(); }
-    void SetNoChange() { *this = nxMoney(nxNoChangeInitalizer{}); }
+    bool IsNull() const { return _amount.IsNull(); }                 ///< There is no amount.
+    bool IsNoChange() const { return _amount.IsNoChange(); }         ///< The receiver keeps its money.
+    bool IsValid() const { return _amount.IsValid(); }               ///< There are an amount and a currency.
+    void SetNull() { *this = nxMoney(); }                            ///< Amount and currency are forgotten.
+    void SetNoChange() { *this = nxMoney(nxNoChangeInitalizer{}); }  ///< Amount and currency are forgotten.
 
+    /// The amount in units of the currency, null or no change with the money. Refers into this object.
     const nxDecimal& GetAmount() const { return _amount; }
     /// @return three capital letters, or an empty text unless valid. Refers into this object.
     std::string_view GetCurrency() const { return std::string_view(_currency, IsValid() ? _currencySize : 0); }

@@ -10,7 +10,9 @@
 class nxPowersOfTen
 {
 public:
+    /// 10^places modulo 2^64; 0 from 64 places on, so test it before dividing.
     static constexpr std::uint64_t GetInteger(unsigned char places) { return _table.integers[places]; }
+    /// The double nearest to GetInteger(places); 0.0 from 64 places on.
     static constexpr double GetDouble(unsigned char places) { return _table.doubles[places]; }
 
 private:

@@ -78,6 +78,7 @@ public:
     }
 
     /// Waits until a record that matches has arrived, also one that arrived before the call.
+    /// @param matcher says which records count.
     /// @param timeout how long to wait at most.
     /// @return whether one arrived.
     bool WaitFor(const Matcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const

@@ -55,6 +55,10 @@ public:
     ///    0 turns this rule off.
     ///
     /// Case counts in the last two rules only when @p sensitivity is CASE_SENSITIVE.
+    /// @param candidates what may be meant.
+    /// @param text what somebody typed; any length, any bytes.
+    /// @param sensitivity whether case counts; undefined is as CASE_INSENSITIVE.
+    /// @param maximumDistance insertions, deletions and replacements that the last rule forgives.
     /// @param[out] match the candidate found; untouched when there is none.
     /// @return false when no rule finds a candidate, or when the rule that decides finds more than one.
     static bool GetBestMatch(const std::set<std::string>& candidates, const std::string& text,

@@ -32,7 +32,7 @@ public:
     static std::uint64_t Load(const char* text) { return _LoadBytes<std::uint64_t>(text) ^ AsText; }
 
     /// The last character of @p text in the highest byte, zeros before the first.
-    /// @param size 1 to 8.
+    /// @param text @p size characters, digits or not. @param size 1 to 8.
     static std::uint64_t LoadRightAligned(const char* text, std::size_t size)
     {
         // Two loads that overlap; bytes read twice are or-ed with themselves.
@@ -100,8 +100,8 @@ public:
         return 24 - _LeadingZeros(Spread(value / 10'000'000'000'000'000));
     }
 
-    /// Writes @p value without leading zeros; no terminator.
-    /// @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
+    /// Writes a number without leading zeros; no terminator.
+    /// @param value any. @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
     /// @return the end of the text.
     static char* Write(char* out, std::uint64_t value)
     {
@@ -117,8 +117,8 @@ public:
         return _WriteEight(out, value % eightDigits);
     }
 
-    /// Writes @p value with a '-' in front when it is negative; no terminator.
-    /// @param out has room for MaxDigits bytes, whatever the value.
+    /// Writes a number with a '-' in front when it is negative; no terminator.
+    /// @param value any, the most negative included. @param out has room for MaxDigits bytes, whatever the value.
     /// @return the end of the text.
     static char* WriteSigned(char* out, std::int64_t value)
     {
@@ -129,7 +129,7 @@ public:
     }
 
     /// Writes exactly @p Digits digits of @p value, zeros in front, and touches no byte behind them.
-    /// @param value below 10^Digits.
+    /// @param out has room for @p Digits bytes. @param value below 10^Digits.
     template <unsigned Digits>
     static char* WriteFixed(char* out, std::uint64_t value)
     {
@@ -140,6 +140,7 @@ public:
     }
 
     /// Writes exactly @p digits digits, zeros in front, and touches no byte behind them.
+    /// @param out has room for @p digits bytes. @param value any.
     /// @param digits any number; digits of @p value beyond them are cut off at the front.
     /// @return the end of the text.
     static char* WritePadded(char* out, std::uint64_t value, std::size_t digits)

@@ -17,8 +17,8 @@
 /// - Two numbers serve as the marks: 4503599627370495 is null, 4503599627370494 is no change. Every other double, NaN
 ///   included, is a value.
 /// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
-///   to its plain double, marks included, and calculates and compares with that: null plus 1 is the valid number
-///   4503599627370496. Test IsValid() first.
+///   to its plain double, marks included, and calculates and compares with that: null plus 1 is a valid number,
+///   one above the mark. Test IsValid() first.
 /// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
 /// - The two tag constructors are crossed over, which callers rely on: nxNoChangeInitalizer makes NULL and
 ///   nxNullInitalizer makes NO CHANGE. Say GetNullInstance() and GetNoChangeInstance(), which are straight.
@@ -44,14 +44,20 @@ public:
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxDoubleValueWrapper(double value) : _value(value) {}
 
-    static constexpr nxDoubleValueWrapper GetNullInstance() { return nxDoubleValueWrapper(NullValue); }
-    static constexpr nxDoubleValueWrapper GetNoChangeInstance() { return nxDoubleValueWrapper(NoChangeValue); }
+    static constexpr nxDoubleValueWrapper GetNullInstance()
+    {
+        return nxDoubleValueWrapper(NullValue);
+    }  ///< A null wrapper.
+    static constexpr nxDoubleValueWrapper GetNoChangeInstance()
+    {
+        return nxDoubleValueWrapper(NoChangeValue);
+    }  ///< A no-change wrapper.
 
-    constexpr void SetNull() { _value = NullValue; }
-    constexpr void SetNoChange() { _value = NoChangeValue; }
-    constexpr bool IsNull() const { return _value == NullValue; }
-    constexpr bool IsNoChange() const { return _value == NoChangeValue; }
-    constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }
+    constexpr void SetNull() { _value = NullValue; }                       ///< The number is forgotten.
+    constexpr void SetNoChange() { _value = NoChangeValue; }               ///< The number is forgotten.
+    constexpr bool IsNull() const { return _value == NullValue; }          ///< There is no number.
+    constexpr bool IsNoChange() const { return _value == NoChangeValue; }  ///< The receiver keeps its number.
+    constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }  ///< There is a number.
     /// @return NX_VALUE_STATUS_NO_CHANGE, NX_VALUE_STATUS_NULL or NX_VALUE_STATUS_VALID.
     nxValueStatusEnum GetStatus() const
     {

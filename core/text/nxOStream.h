@@ -25,22 +25,27 @@ template <class Writer>
 class nxOStream
 {
 public:
-    nxOStream() = default;
-    explicit nxOStream(const Writer& writer) : _writer(writer) {}
+    nxOStream() = default;                                         ///< With a writer made by its default.
+    explicit nxOStream(const Writer& writer) : _writer(writer) {}  ///< With a copy of @p writer.
 
-    Writer& GetWriter() { return _writer; }
-    const Writer& GetWriter() const { return _writer; }
+    Writer& GetWriter() { return _writer; }  ///< The stream's own writer; the reference is into this object.
+    const Writer& GetWriter() const { return _writer; }  ///< The stream's own writer.
 
+    /// Hands @p count bytes to the writer as they are, NULs included.
     nxOStream& Write(const char* bytes, std::size_t count)
     {
         _writer.Write(bytes, count);
         return *this;
     }
 
+    /// Writes the character itself.
     nxOStream& operator<<(char character) { return Write(&character, 1); }
+    /// Writes the text as it is, NULs included.
     nxOStream& operator<<(std::string_view text) { return Write(text.data(), text.size()); }
+    /// Writes the text up to its NUL; null writes nothing.
     nxOStream& operator<<(const char* text) { return text == nullptr ? *this : *this << std::string_view(text); }
 
+    /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool: say what you mean.
     template <std::integral Integer>
     requires(!std::same_as<Integer, bool>) nxOStream& operator<<(Integer number)
     {

@@ -8,10 +8,11 @@
 class nxSimpleAsciiStringWriter
 {
 public:
+    /// Appends @p count bytes; only memory may run out (std::bad_alloc).
     void Write(const char* bytes, std::size_t count) { _text.append(bytes, count); }
 
-    const std::string& GetText() const { return _text; }
-    void Clear() { _text.clear(); }  ///< Keeps the memory for the next text.
+    const std::string& GetText() const { return _text; }  ///< All that was written; the reference is into this object.
+    void Clear() { _text.clear(); }                       ///< Keeps the memory for the next text.
 
 private:
     std::string _text;

@@ -25,7 +25,7 @@ public:
     /// Starts at the front of @p text, which it keeps referring to.
     explicit nxStringParser(const std::string& text) : _text(text) {}
     explicit nxStringParser(std::string&&) = delete;
-    nxStringParser(const nxStringParser&) = default;
+    nxStringParser(const nxStringParser&) = default;  ///< A second parser of the same text, at the same place.
 
     /// @return what stands before the next @p separator, which is skipped; the rest of the text when there is none. So
     ///         "a," has two fields, "a" and "".
@@ -38,6 +38,9 @@ public:
 
     /// Adds the fields of @p text to a queue. Unlike GetSubString(), this gives no empty field behind a separator at
     /// the very end, and no field at all for an empty text: "a," has one field.
+    /// @param text what is split.
+    /// @param fields receives the fields; what it holds already stays.
+    /// @param separator what stands between fields.
     /// @param flag true adds each field at the back, so that they stand in reading order; false adds each at the front.
     static void ExtractAllSubstrings(const std::string& text, std::deque<std::string>& fields, bool flag,
                                      char separator);

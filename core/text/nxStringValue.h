@@ -25,9 +25,9 @@
 class NX_CORE_API nxStringValue
 {
 public:
-    nxStringValue() : _status(NX_VALUE_STATUS_NULL) {}  ///< Null.
-    explicit nxStringValue(nxNullInitalizer) : _status(NX_VALUE_STATUS_NULL) {}
-    explicit nxStringValue(nxNoChangeInitalizer) : _status(NX_VALUE_STATUS_NO_CHANGE) {}
+    nxStringValue() : _status(NX_VALUE_STATUS_NULL) {}                                    ///< Null.
+    explicit nxStringValue(nxNullInitalizer) : _status(NX_VALUE_STATUS_NULL) {}           ///< Null.
+    explicit nxStringValue(nxNoChangeInitalizer) : _status(NX_VALUE_STATUS_NO_CHANGE) {}  ///< No change.
     /// A value; empty for a null pointer.
     nxStringValue(const char* text) : _text(text != nullptr ? text : ""), _status(NX_VALUE_STATUS_VALID) {}
     /// A value.
@@ -38,11 +38,11 @@ public:
     /// @return a constant that lives as long as the process.
     static const nxStringValue& GetNoChangeInstance();
 
-    void SetNull();      ///< Becomes null; the text is forgotten.
-    void SetNoChange();  ///< Becomes no change; the text is forgotten.
-    bool IsNull() const { return _status == NX_VALUE_STATUS_NULL; }
-    bool IsNoChange() const { return _status == NX_VALUE_STATUS_NO_CHANGE; }
-    bool IsValid() const { return _status == NX_VALUE_STATUS_VALID; }
+    void SetNull();                                                  ///< Becomes null; the text is forgotten.
+    void SetNoChange();                                              ///< Becomes no change; the text is forgotten.
+    bool IsNull() const { return _status == NX_VALUE_STATUS_NULL; }  ///< There is no text.
+    bool IsNoChange() const { return _status == NX_VALUE_STATUS_NO_CHANGE; }  ///< The receiver keeps its text.
+    bool IsValid() const { return _status == NX_VALUE_STATUS_VALID; }         ///< There is a text, maybe an empty one.
 
     /// Takes the text as the value; always succeeds.
     nxErrorEnum SetFromString(const std::string& text);
@@ -77,6 +77,7 @@ NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxStringValue& 
 template <>
 struct std::hash<nxStringValue>
 {
+    /// Null, no change and the texts that spell their log forms share hashes, which `==` tells apart.
     std::size_t operator()(const nxStringValue& value) const
     {
         return std::hash<std::string>()(value.GetAsLogString());

@@ -54,14 +54,17 @@ public:
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxValueWrapper(T value) : _value(value) {}
 
-    static constexpr nxValueWrapper GetNullInstance() { return nxValueWrapper(NullMark); }
-    static constexpr nxValueWrapper GetNoChangeInstance() { return nxValueWrapper(NoChangeMark); }
+    static constexpr nxValueWrapper GetNullInstance() { return nxValueWrapper(NullMark); }  ///< A null wrapper.
+    static constexpr nxValueWrapper GetNoChangeInstance()
+    {
+        return nxValueWrapper(NoChangeMark);
+    }  ///< A no-change wrapper.
 
-    constexpr void SetNull() { _value = NullMark; }
-    constexpr void SetNoChange() { _value = NoChangeMark; }
-    constexpr bool IsNull() const { return _value == NullMark; }
-    constexpr bool IsNoChange() const { return _value == NoChangeMark; }
-    constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }
+    constexpr void SetNull() { _value = NullMark; }                        ///< The number is forgotten.
+    constexpr void SetNoChange() { _value = NoChangeMark; }                ///< The number is forgotten.
+    constexpr bool IsNull() const { return _value == NullMark; }           ///< There is no number.
+    constexpr bool IsNoChange() const { return _value == NoChangeMark; }   ///< The receiver keeps its number.
+    constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }  ///< There is a number.
     /// @return NX_VALUE_STATUS_NO_CHANGE, NX_VALUE_STATUS_NULL or NX_VALUE_STATUS_VALID.
     nxValueStatusEnum GetStatus() const
     {
@@ -116,7 +119,9 @@ public:
         return text;
     }
 
+    /// Compares the numbers themselves, marks included: null equals null.
     friend constexpr bool operator==(const nxValueWrapper&, const nxValueWrapper&) = default;
+    /// Orders the numbers themselves, marks included: null is the largest by default, no change the one below.
     friend constexpr auto operator<=>(const nxValueWrapper&, const nxValueWrapper&) = default;
     /// Compares the numbers themselves, whatever their types: an unsigned wrapper is never equal to -1.
     template <std::integral Number>
@@ -206,9 +211,11 @@ std::ostream& operator<<(std::ostream& stream, const nxValueWrapper<T, NullMark,
     return stream << value.GetAsLogString();
 }
 
+/// Wrappers can be keys of unordered containers.
 template <class T, T NullMark, T NoChangeMark>
 struct std::hash<nxValueWrapper<T, NullMark, NoChangeMark>>
 {
+    /// Of the number itself, marks included; agrees with `==`.
     std::size_t operator()(const nxValueWrapper<T, NullMark, NoChangeMark>& value) const noexcept
     {
         return std::hash<T>()(static_cast<T>(value));

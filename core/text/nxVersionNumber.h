@@ -20,6 +20,7 @@
 class NX_CORE_API nxVersionNumber
 {
 public:
+    /// The one instance; it lives as long as the process.
     static nxVersionNumber& GetInstance();
 
     /// @return the library's own version, such as "1.0.0".

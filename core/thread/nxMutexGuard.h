@@ -17,6 +17,7 @@
 class NX_CORE_API NX_SCOPED_CAPABILITY nxMutexGuard
 {
 public:
+    /// Waits for @p mutex, which must outlive the guard. A failure leaves the guard without it.
     explicit nxMutexGuard(nxMutex& mutex) NX_ACQUIRE(mutex) : _mutex(_Lock(mutex) ? &mutex : nullptr) {}
     ~nxMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {

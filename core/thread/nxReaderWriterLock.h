@@ -76,6 +76,7 @@ public:
 
     /// Tells the compiler's analysis that the lock is held, for writing or for reading. Does nothing.
     void AssertHeld() const NX_ASSERT_CAPABILITY(this) {}
+    /// Tells the compiler's analysis that the lock is held at least for reading. Does nothing.
     void AssertHeldForReading() const NX_ASSERT_SHARED_CAPABILITY(this) {}
 
 private:

@@ -11,6 +11,7 @@
 class NX_SCOPED_CAPABILITY nxReaderWriterLockGuard_Read
 {
 public:
+    /// Waits for @p lock, which must outlive the guard. A failure leaves the guard without it.
     explicit nxReaderWriterLockGuard_Read(nxReaderWriterLock& lock) NX_ACQUIRE_SHARED(lock)
         : _lock(lock.ReadLock().IsOK() ? &lock : nullptr)
     {

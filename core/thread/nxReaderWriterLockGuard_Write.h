@@ -11,6 +11,7 @@
 class NX_SCOPED_CAPABILITY nxReaderWriterLockGuard_Write
 {
 public:
+    /// Waits for @p lock, which must outlive the guard. A failure leaves the guard without it.
     explicit nxReaderWriterLockGuard_Write(nxReaderWriterLock& lock) NX_ACQUIRE(lock)
         : _lock(lock.WriteLock().IsOK() ? &lock : nullptr)
     {

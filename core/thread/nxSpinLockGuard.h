@@ -11,6 +11,7 @@
 class NX_SCOPED_CAPABILITY nxSpinLockGuard
 {
 public:
+    /// Spins for @p lock, which must outlive the guard. A failure leaves the guard without it.
     explicit nxSpinLockGuard(nxSpinLock& lock) NX_ACQUIRE(lock) : _lock(lock.Lock().IsOK() ? &lock : nullptr) {}
     ~nxSpinLockGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {

@@ -14,6 +14,7 @@
 class NX_CORE_API nxThreadIndex
 {
 public:
+    /// @return the calling thread's number, assigned by its first call.
     static unsigned GetIndexOfCurrentThread()
     {
         const unsigned indexPlusOne = _indexPlusOne;

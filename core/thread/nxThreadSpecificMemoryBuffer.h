@@ -42,14 +42,14 @@ public:
 
     /// The block, null when it could not be allocated. Valid until the buffer grows.
     char* GetData() { return _data; }
-    const char* GetData() const { return _data; }
+    const char* GetData() const { return _data; }  ///< The block, for reading.
 
     /// The bytes asked for.
     unsigned GetCapacity() const { return _capacity; }
 
     /// The fill level, 0 at first; the buffer itself never looks at it.
     unsigned GetUsed() const { return _used; }
-    void SetUsed(unsigned used) { _used = used; }
+    void SetUsed(unsigned used) { _used = used; }  ///< Stores the fill level as it is; it is not checked.
 
 private:
     nxThreadSpecificMemoryBuffer();

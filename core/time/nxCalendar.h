@@ -17,6 +17,7 @@ public:
     static constexpr unsigned MinYear = 1;     ///< The first year that a date can have.
     static constexpr unsigned MaxYear = 9999;  ///< The last year that a date can have.
 
+    /// @return whether @p year has a 29 February; the rule holds for any number, also beyond MaxYear.
     static constexpr bool IsLeapYear(unsigned year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
     /// @return 28 to 31, or 0 when @p month is not 1 to 12.

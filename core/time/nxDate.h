@@ -27,8 +27,8 @@
 class NX_CORE_API nxDate
 {
 public:
-    constexpr nxDate() = default;  ///< Null.
-    constexpr explicit nxDate(nxNullInitalizer) {}
+    constexpr nxDate() = default;                   ///< Null.
+    constexpr explicit nxDate(nxNullInitalizer) {}  ///< Null.
     /// The day with the number @p isoDate (yyyymmdd), or null when there is no such day.
     constexpr explicit nxDate(unsigned isoDate) : nxDate(isoDate / 10000, isoDate / 100 % 100, isoDate % 100) {}
     /// Month 1 to 12, day from 1; null when there is no such day.
@@ -37,14 +37,14 @@ public:
     {
     }
 
-    static constexpr nxDate GetNullInstance() { return nxDate(); }
+    static constexpr nxDate GetNullInstance() { return nxDate(); }  ///< A null date.
     /// @return the day that is @p dayNumber days after 1 January 1970 (before it when negative), or null when that lies
     ///         outside the years 1 to 9999.
     static nxDate GetFromDayNumber(long long dayNumber);
 
-    constexpr void SetNull() { _isoDate = 0; }
-    constexpr bool IsNull() const { return _isoDate == 0; }
-    constexpr bool IsValid() const { return !IsNull(); }
+    constexpr void SetNull() { _isoDate = 0; }               ///< The day is forgotten.
+    constexpr bool IsNull() const { return _isoDate == 0; }  ///< There is no day.
+    constexpr bool IsValid() const { return !IsNull(); }     ///< There is a day.
 
     /// @return the day as the number yyyymmdd; 0 for null.
     constexpr unsigned GetISODate() const { return _isoDate; }
@@ -75,8 +75,8 @@ public:
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out) const;
 
-    friend constexpr bool operator==(nxDate, nxDate) = default;
-    friend constexpr auto operator<=>(nxDate, nxDate) = default;
+    friend constexpr bool operator==(nxDate, nxDate) = default;   ///< Null equals null.
+    friend constexpr auto operator<=>(nxDate, nxDate) = default;  ///< Earlier days are less; null comes first.
 
 private:
     unsigned _isoDate = 0;  // yyyymmdd, 0 for null
@@ -85,9 +85,11 @@ private:
 /// Writes the log form.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, nxDate date);
 
+/// Dates can be keys of unordered containers.
 template <>
 struct std::hash<nxDate>
 {
+    /// Agrees with `==`.
     std::size_t operator()(nxDate date) const noexcept { return std::hash<unsigned>()(date.GetISODate()); }
 };
 

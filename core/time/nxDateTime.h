@@ -30,8 +30,8 @@
 class NX_CORE_API nxDateTime
 {
 public:
-    constexpr nxDateTime() = default;  ///< Null.
-    constexpr explicit nxDateTime(nxNullInitalizer) {}
+    constexpr nxDateTime() = default;                   ///< Null.
+    constexpr explicit nxDateTime(nxNullInitalizer) {}  ///< Null.
     /// Null when @p time is null; a time of day alone when only @p date is null.
     constexpr nxDateTime(nxDate date, nxTime time) : _date(time.IsNull() ? nxDate() : date), _time(time) {}
     /// A time of day alone: hours 0 to 23, minutes and seconds 0 to 59, else null.
@@ -41,11 +41,11 @@ public:
     /// @param nanoseconds what is added to them; a second and more is carried over.
     nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds);
 
-    static constexpr nxDateTime GetNullInstance() { return nxDateTime(); }
+    static constexpr nxDateTime GetNullInstance() { return nxDateTime(); }  ///< A null date-time.
 
-    constexpr void SetNull() { *this = nxDateTime(); }
-    constexpr bool IsNull() const { return _time.IsNull(); }
-    constexpr bool IsValid() const { return !IsNull(); }
+    constexpr void SetNull() { *this = nxDateTime(); }        ///< Date and time are forgotten.
+    constexpr bool IsNull() const { return _time.IsNull(); }  ///< There is neither date nor time.
+    constexpr bool IsValid() const { return !IsNull(); }      ///< There is at least a time of day.
     /// @return whether there is a time of day and no date.
     constexpr bool IsTimeOfDayOnly() const { return _date.IsNull() && _time.IsValid(); }
 
@@ -68,7 +68,9 @@ public:
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out) const;
 
+    /// Equal date, null or not, and equal time.
     friend constexpr bool operator==(const nxDateTime&, const nxDateTime&) = default;
+    /// By date, then by time; null comes first, times of day without a date next.
     friend constexpr auto operator<=>(const nxDateTime&, const nxDateTime&) = default;
 
 private:
@@ -81,9 +83,11 @@ private:
 /// Writes the log form.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxDateTime& dateTime);
 
+/// Date-times can be keys of unordered containers.
 template <>
 struct std::hash<nxDateTime>
 {
+    /// Agrees with `==`.
     std::size_t operator()(const nxDateTime& dateTime) const noexcept
     {
         // Days and nanoseconds of a day share 64 bits: 47 bits hold the nanoseconds.

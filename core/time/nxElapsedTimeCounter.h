@@ -15,9 +15,9 @@
 class NX_CORE_API nxElapsedTimeCounter
 {
 public:
-    nxElapsedTimeCounter();  ///< Starts now.
-    nxElapsedTimeCounter(const nxElapsedTimeCounter&) = default;
-    nxElapsedTimeCounter& operator=(const nxElapsedTimeCounter&) = default;
+    nxElapsedTimeCounter();                                                  ///< Starts now.
+    nxElapsedTimeCounter(const nxElapsedTimeCounter&) = default;             ///< Keeps the other's start.
+    nxElapsedTimeCounter& operator=(const nxElapsedTimeCounter&) = default;  ///< Takes the other's start.
     virtual ~nxElapsedTimeCounter();
 
     void Reset();                            ///< Starts again, now.

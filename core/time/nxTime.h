@@ -26,11 +26,11 @@
 class NX_CORE_API nxTime
 {
 public:
-    static constexpr long long NanosecondsPerSecond = 1'000'000'000;
-    static constexpr long long NanosecondsPerDay = 86'400 * NanosecondsPerSecond;
+    static constexpr long long NanosecondsPerSecond = 1'000'000'000;               ///< The unit, in seconds.
+    static constexpr long long NanosecondsPerDay = 86'400 * NanosecondsPerSecond;  ///< Every time is below it.
 
-    constexpr nxTime() = default;  ///< Null.
-    constexpr explicit nxTime(nxNullInitalizer) {}
+    constexpr nxTime() = default;                   ///< Null.
+    constexpr explicit nxTime(nxNullInitalizer) {}  ///< Null.
     /// Hours 0 to 23, minutes and seconds 0 to 59, nanoseconds 0 to 999,999,999; null when one of them is larger.
     constexpr nxTime(unsigned hours, unsigned minutes, unsigned seconds, unsigned nanoseconds = 0)
     {
@@ -38,11 +38,11 @@ public:
             _nanoseconds = (hours * 3600 + minutes * 60 + seconds) * NanosecondsPerSecond + nanoseconds;
     }
 
-    static constexpr nxTime GetNullInstance() { return nxTime(); }
+    static constexpr nxTime GetNullInstance() { return nxTime(); }  ///< A null time.
 
-    constexpr void SetNull() { _nanoseconds = _null; }
-    constexpr bool IsNull() const { return _nanoseconds == _null; }
-    constexpr bool IsValid() const { return !IsNull(); }
+    constexpr void SetNull() { _nanoseconds = _null; }               ///< The time is forgotten.
+    constexpr bool IsNull() const { return _nanoseconds == _null; }  ///< There is no time.
+    constexpr bool IsValid() const { return !IsNull(); }             ///< There is a time.
 
     constexpr unsigned GetHours() const { return GetSecondsSinceMidnight() / 3600; }       ///< 0 to 23; 0 for null.
     constexpr unsigned GetMinutes() const { return GetSecondsSinceMidnight() / 60 % 60; }  ///< 0 to 59; 0 for null.
@@ -75,8 +75,8 @@ public:
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out) const;
 
-    friend constexpr bool operator==(nxTime, nxTime) = default;
-    friend constexpr auto operator<=>(nxTime, nxTime) = default;
+    friend constexpr bool operator==(nxTime, nxTime) = default;   ///< Null equals null.
+    friend constexpr auto operator<=>(nxTime, nxTime) = default;  ///< Earlier times are less; null comes first.
 
 private:
     static constexpr long long _null = -1;
@@ -86,9 +86,11 @@ private:
 /// Writes the log form.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, nxTime time);
 
+/// Times can be keys of unordered containers.
 template <>
 struct std::hash<nxTime>
 {
+    /// Agrees with `==`.
     std::size_t operator()(nxTime time) const noexcept
     {
         return std::hash<long long>()(time.IsNull() ? -1 : time.GetNanosecondsSinceMidnight());

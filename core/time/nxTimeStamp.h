@@ -15,7 +15,7 @@
 class nxDateTime;
 
 /// A time point of std::chrono::system_clock, in whole units of any length that are a part or a multiple of a second.
-/// Written so that this header does without <chrono>.
+/// Written so that this header does without the standard's chrono header.
 template <class TimePoint>
 concept nxSystemTimePoint = std::integral<typename TimePoint::rep> && requires(const TimePoint& moment)
 {
@@ -67,8 +67,8 @@ public:
         _nanoseconds =
             static_cast<unsigned>((rest < 0 ? rest + unitsPerSecond : rest) * (1'000'000'000 / unitsPerSecond));
     }
-    nxTimeStamp(const nxTimeStamp&) = default;
-    nxTimeStamp& operator=(const nxTimeStamp&) = default;
+    nxTimeStamp(const nxTimeStamp&) = default;             ///< The same moment.
+    nxTimeStamp& operator=(const nxTimeStamp&) = default;  ///< The same moment.
     virtual ~nxTimeStamp() = default;
 
     /// Now, in the full resolution of the clock.
@@ -124,6 +124,7 @@ public:
 
     /// Orders by seconds, then nanoseconds.
     friend std::strong_ordering operator<=>(const nxTimeStamp& left, const nxTimeStamp& right) = default;
+    /// Equal seconds and equal nanoseconds.
     friend bool operator==(const nxTimeStamp& left, const nxTimeStamp& right) = default;
 
 private:
@@ -138,6 +139,7 @@ NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxTimeStamp& st
 template <>
 struct std::hash<nxTimeStamp>
 {
+    /// Of seconds and nanoseconds.
     std::size_t operator()(const nxTimeStamp& stamp) const noexcept
     {
         const auto seconds = static_cast<unsigned long long>(stamp.GetSeconds());
