@@ -11,10 +11,7 @@
 
 namespace
 {
-constexpr std::uint32_t SleepersBit = 0x80000000;
 constexpr std::int64_t SliceNanoseconds = 100'000'000;
-
-std::uint32_t CountOf(std::uint32_t word) { return word & ~SleepersBit; }
 
 std::int64_t Now()
 {
@@ -36,22 +33,14 @@ void Sleep(std::atomic<std::uint32_t>& word, std::uint32_t whileEqual, std::int6
     const timespec time{nanoseconds / 1'000'000'000, nanoseconds % 1'000'000'000};
     syscall(SYS_futex, &word, FUTEX_WAIT, whileEqual, &time, nullptr, 0);
 }
-
-void WakeAll(std::atomic<std::uint32_t>& word) { syscall(SYS_futex, &word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0); }
 }  // namespace
-
-void nxNamedSemaphore::Initialise(std::uint32_t initialCount, std::uint32_t maximumCount)
-{
-    _maximum = maximumCount;
-    _word.store(initialCount);
-}
 
 bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
 {
-    if (_TryWait())
+    if (TryWait())
         return true;
     const std::int64_t deadline = DeadlineAfter(nanoseconds);
-    while (!_TryWait())
+    while (!TryWait())
     {
         const std::int64_t left = deadline - Now();
         if (left <= 0)
@@ -62,34 +51,11 @@ bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
     return true;
 }
 
-void nxNamedSemaphore::Post()
-{
-    // All sleepers are woken and the bit is cleared; those who find nothing set it again. Waking one of them would rely
-    // on that one to live long enough to take the count.
-    std::uint32_t word = _word.load();
-    do
-    {
-        if (CountOf(word) >= _maximum)
-            return;
-    } while (!_word.compare_exchange_weak(word, CountOf(word) + 1));
-    if ((word & SleepersBit) != 0)
-        WakeAll(_word);
-}
-
-bool nxNamedSemaphore::_TryWait()
-{
-    std::uint32_t word = _word.load();
-    while (CountOf(word) != 0)
-    {
-        if (_word.compare_exchange_weak(word, word - 1))
-            return true;
-    }
-    return false;
-}
-
 // Sets the bit; false when there is a count instead.
 bool nxNamedSemaphore::_Announce()
 {
     std::uint32_t word = 0;
     return _word.compare_exchange_strong(word, SleepersBit) || word == SleepersBit;
 }
+
+void nxNamedSemaphore::_WakeSleepers() { syscall(SYS_futex, &_word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0); }

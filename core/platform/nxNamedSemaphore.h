@@ -4,27 +4,61 @@
 #include <atomic>
 #include <cstdint>
 
+#include "core/nxExport.h"
+
 /// A semaphore that lives in memory shared by processes, any of which may be killed at any moment.
 ///
 /// One word: the count and a bit that says that somebody may be asleep. Nobody sleeps longer than 100 ms without
 /// looking again, so nothing depends on a wake-up that a killed process did not get to make.
-class nxNamedSemaphore
+class NX_CORE_API nxNamedSemaphore
 {
 public:
     static constexpr std::uint32_t LargestCount = 0x7FFFFFFF;
 
-    void Initialise(std::uint32_t initialCount, std::uint32_t maximumCount);
+    void Initialise(std::uint32_t initialCount, std::uint32_t maximumCount)
+    {
+        _maximum = maximumCount;
+        _word.store(initialCount, std::memory_order_release);
+    }
+
+    /// Takes one count if there is one.
+    bool TryWait()
+    {
+        std::uint32_t word = _word.load(std::memory_order_relaxed);
+        while (_CountOf(word) != 0)
+        {
+            if (_word.compare_exchange_weak(word, word - 1, std::memory_order_acquire, std::memory_order_relaxed))
+                return true;
+        }
+        return false;
+    }
 
     /// Takes one count, waiting for it at most @p nanoseconds, for ever when that is negative.
     /// @return false when the time is over.
     bool Wait(std::int64_t nanoseconds);
 
     /// Adds one count unless the maximum is reached.
-    void Post();
+    void Post()
+    {
+        // The bit goes and all sleepers are woken; those who find nothing set it again. Waking one of them would rely
+        // on that one to live long enough to take the count.
+        std::uint32_t word = _word.load(std::memory_order_relaxed);
+        do
+        {
+            if (_CountOf(word) >= _maximum)
+                return;
+        } while (!_word.compare_exchange_weak(word, _CountOf(word) + 1));
+        if ((word & SleepersBit) != 0) [[unlikely]]
+            _WakeSleepers();
+    }
 
 private:
-    bool _TryWait();
+    static constexpr std::uint32_t SleepersBit = 0x80000000;
+
+    static std::uint32_t _CountOf(std::uint32_t word) { return word & ~SleepersBit; }
+
     bool _Announce();
+    void _WakeSleepers();
 
     std::atomic<std::uint32_t> _word;
     std::uint32_t _maximum;

@@ -41,12 +41,6 @@ int LockForASlice(pthread_mutex_t& mutex)
 #endif
 }  // namespace
 
-int nxRobustMutex::Lock(pthread_mutex_t& mutex)
-{
-    const int result = pthread_mutex_trylock(&mutex);
-    return result == EBUSY ? Wait(mutex) : result;
-}
-
 int nxRobustMutex::Wait(pthread_mutex_t& mutex)
 {
     int result = LockForASlice(mutex);

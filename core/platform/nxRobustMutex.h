@@ -11,11 +11,8 @@
 class nxRobustMutex
 {
 public:
-    /// Takes the mutex, and waits for it as long as that lasts.
+    /// Waits for a mutex that the caller has just found taken, and takes it.
     /// @return 0, EOWNERDEAD (taken as well), or why it cannot be taken.
-    static int Lock(pthread_mutex_t& mutex);
-
-    /// The same for a caller that has just found the mutex taken.
     static int Wait(pthread_mutex_t& mutex);
 };
 

@@ -57,7 +57,13 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
-int nxMutex::_LockRobust() noexcept { return nxRobustMutex::Lock(_mutex); }
+// The first attempt has failed. Of a robust mutex it was no more than a try.
+nxErrorEnum nxMutex::_LockSlowly(int result) noexcept
+{
+    if (result == EBUSY && _IsRobust())
+        result = nxRobustMutex::Wait(_mutex);
+    return result == 0 ? nxErrorEnum() : _LockError(result);
+}
 
 nxErrorEnum nxMutex::_LockError(int result) noexcept
 {

@@ -48,10 +48,10 @@ public:
     ///         NX_ERR_UNSPECIFIED for any other failure, the second lock by the holder among them: not taken.
     nxErrorEnum Lock() noexcept NX_ACQUIRE()
     {
-        const int result = _IsRobust() ? _LockRobust() : pthread_mutex_lock(&_mutex);
+        const int result = _IsRobust() ? pthread_mutex_trylock(&_mutex) : pthread_mutex_lock(&_mutex);
         if (result == 0) [[likely]]
             return nxErrorEnum();
-        return _LockError(result);
+        return _LockSlowly(result);
     }
 
     /// Takes the mutex if it is free.
@@ -97,7 +97,7 @@ private:
 
     // The C library has no question for this. The bit is part of its binary interface, which processes share.
     bool _IsRobust() const noexcept { return (_mutex.__data.__kind & 16) != 0; }
-    int _LockRobust() noexcept;
+    nxErrorEnum _LockSlowly(int result) noexcept;
 
     static nxErrorEnum _LockError(int result) noexcept;
     static nxErrorEnum _TryLockError(int result) noexcept;

@@ -44,23 +44,9 @@ nxWindowsSemaphore::nxWindowsSemaphore(const std::string& name, unsigned initial
 
 nxWindowsSemaphore::~nxWindowsSemaphore() = default;
 
-nxErrorEnum nxWindowsSemaphore::Wait()
-{
-    if (_semaphore != nullptr)
-        _semaphore->Wait(-1);
-    return nxErrorEnum();
-}
-
 nxErrorEnum nxWindowsSemaphore::TimedWait(double seconds)
 {
     if (_semaphore == nullptr || _semaphore->Wait(WholeMilliseconds(seconds) * 1'000'000))
         return nxErrorEnum();
     return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
-}
-
-nxErrorEnum nxWindowsSemaphore::Post()
-{
-    if (_semaphore != nullptr)
-        _semaphore->Post();
-    return nxErrorEnum();
 }

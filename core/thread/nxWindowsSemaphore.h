@@ -6,8 +6,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
-
-class nxNamedSemaphore;
+#include "core/platform/nxNamedSemaphore.h"
 
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///
@@ -33,7 +32,12 @@ public:
     nxWindowsSemaphore& operator=(const nxWindowsSemaphore&) = delete;
 
     /// Waits until the count is above zero and takes one. Always success.
-    nxErrorEnum Wait();
+    nxErrorEnum Wait()
+    {
+        if (_semaphore != nullptr && !_semaphore->TryWait())
+            _semaphore->Wait(-1);
+        return nxErrorEnum();
+    }
 
     /// The same, for at most (seconds * 1000) whole milliseconds. Nothing, less than nothing and NaN do not wait; more
     /// than 49 days is 49 days.
@@ -48,7 +52,12 @@ public:
     }
 
     /// Adds one, unless the maximum is reached. Always success.
-    nxErrorEnum Post();
+    nxErrorEnum Post()
+    {
+        if (_semaphore != nullptr)
+            _semaphore->Post();
+        return nxErrorEnum();
+    }
 
     /// Whether the semaphore is not there, so that no call waits.
     bool IsNull() const { return _semaphore == nullptr; }
