@@ -161,6 +161,17 @@ void GuardOurs(benchmark::State& state)
     }
 }
 
+void GuardBare(benchmark::State& state)
+{
+    static pthread_mutex_t mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+    for (auto _ : state)
+    {
+        pthread_mutex_lock(&mutex);
+        benchmark::ClobberMemory();
+        pthread_mutex_unlock(&mutex);
+    }
+}
+
 void GuardStandard(benchmark::State& state)
 {
     static std::mutex mutex;
@@ -372,6 +383,7 @@ const bool registered = []
     Register<StandardCondition>("signal", "peer_std", false);
 
     benchmark::RegisterBenchmark("mutex_guard/ours", GuardOurs);
+    benchmark::RegisterBenchmark("mutex_guard/limit_errorcheck", GuardBare);
     benchmark::RegisterBenchmark("mutex_guard/peer_std", GuardStandard);
 
     benchmark::RegisterBenchmark("thread_index/ours", ThreadIndexOurs);

@@ -1,9 +1,9 @@
 #include "core/time/nxDateTime.h"
 
 #include <cstddef>
-#include <ctime>
 #include <ostream>
 
+#include "core/platform/nxLocalZone.h"
 #include "core/text/nxDigits.h"
 
 namespace
@@ -31,17 +31,14 @@ nxDateTime::nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds)
 {
     if (!CarryIntoSeconds(secondsSinceEpoch, nanoseconds))
         return;
-    const std::time_t seconds = secondsSinceEpoch;
-    std::tm fields;
-    if (localtime_r(&seconds, &fields) == nullptr || fields.tm_year < -1900)
+    nxLocalMinute local;
+    if (!nxLocalZone::FindAndCheck(secondsSinceEpoch, local) || local.year < nxCalendar::MinYear ||
+        local.year > nxCalendar::MaxYear)
         return;
-    const nxDate date(static_cast<unsigned>(fields.tm_year) + 1900, static_cast<unsigned>(fields.tm_mon) + 1,
-                      static_cast<unsigned>(fields.tm_mday));
+    const nxDate date(static_cast<unsigned>(local.year), local.month, local.day);
     // Time zones that count leap seconds have a second 60, which is shown as a second 59.
-    const int second = fields.tm_sec < 60 ? fields.tm_sec : 59;
-    if (date.IsValid())
-        *this = nxDateTime(date, nxTime(static_cast<unsigned>(fields.tm_hour), static_cast<unsigned>(fields.tm_min),
-                                        static_cast<unsigned>(second), nanoseconds));
+    const unsigned second = local.firstSecond + static_cast<unsigned>(secondsSinceEpoch - local.begin);
+    *this = nxDateTime(date, nxTime(local.hour, local.minute, second < 60 ? second : 59, nanoseconds));
 }
 
 void nxDateTime::_AppendField(std::string& out, char directive) const

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <climits>
@@ -74,6 +75,29 @@ std::string Expected(long long second, unsigned nanoseconds)
     return text;
 }
 
+// "2024-3-5 9:7:3", or nothing for years that no date holds; the second 60 of zones that have one is shown as 59.
+std::string ExpectedDateTime(long long second)
+{
+    const std::time_t moment = second;
+    std::tm fields{};
+    if (localtime_r(&moment, &fields) == nullptr || fields.tm_year < 1 - 1'900 || fields.tm_year > 9'999 - 1'900)
+        return "";
+    std::ostringstream text;
+    text << fields.tm_year + 1'900 << '-' << fields.tm_mon + 1 << '-' << fields.tm_mday << ' ' << fields.tm_hour << ':'
+         << fields.tm_min << ':' << std::min(fields.tm_sec, 59);
+    return text.str();
+}
+
+std::string Parts(const nxDateTime& moment)
+{
+    if (moment.IsNull())
+        return "";
+    std::ostringstream text;
+    text << moment.GetDate().GetYear() << '-' << moment.GetDate().GetMonth() << '-' << moment.GetDate().GetDay() << ' '
+         << moment.GetTime().GetHours() << ':' << moment.GetTime().GetMinutes() << ':' << moment.GetTime().GetSeconds();
+    return text.str();
+}
+
 // Some zones of each kind; those that the machine does not know are UTC to the C library as well.
 constexpr const char* zones[] = {"UTC0",
                                  "Europe/London",
@@ -128,6 +152,7 @@ TEST(nxTimeStamp, PrintsWhatTheCLibraryFindsInEveryZoneAtAnyMoment)
             const long long second = bits >> (random() % 36);
             const auto nanoseconds = static_cast<unsigned>(random() % 1'000'000'000);
             ASSERT_EQ(Fast(nxTimeStamp(second, nanoseconds)), Expected(second, nanoseconds)) << second;
+            ASSERT_EQ(Parts(nxTimeStamp(second, nanoseconds).GetAsDateTime()), ExpectedDateTime(second)) << second;
         }
     }
 }
