@@ -12,8 +12,7 @@ public:
     nxFutex() = delete;
 
     /// Sleeps until a wake-up, or for @p nanoseconds of a clock that nobody can set; returns at once when @p word is
-    /// not
-    /// @p expected. May return early without a reason: callers look again at what they wait for.
+    /// not @p expected. May return early without a reason: callers look again at what they wait for.
     static void Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoseconds) noexcept;
 
     /// Wakes every thread that sleeps on @p word.

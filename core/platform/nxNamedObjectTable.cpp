@@ -208,7 +208,9 @@ bool Reserve(int descriptor, off_t offset, off_t bytes)
 
 nxNamedObjectTable& nxNamedObjectTable::GetInstance()
 {
-    static nxNamedObjectTable& table = *new nxNamedObjectTable;
+    // Never destroyed, and made without an allocation, because those who ask must not throw.
+    alignas(nxNamedObjectTable) static unsigned char place[sizeof(nxNamedObjectTable)];
+    static nxNamedObjectTable& table = *new (place) nxNamedObjectTable;
     return table;
 }
 

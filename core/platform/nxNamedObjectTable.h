@@ -33,8 +33,8 @@ public:
     /// Finds the object that some live process has open under @p name, or makes it.
     /// @param initialise makes a new object in place; false when it cannot.
     /// @return null, with errno set, when the name is longer than nxNamedObject::LongestName bytes or stands for
-    /// another
-    ///         kind, when @p initialise fails, or when the system refuses the directory, the file or the memory.
+    ///         another kind, when @p initialise fails, or when the system refuses the directory, the file or the
+    ///         memory.
     nxNamedObject* Open(const std::string& name, nxNamedObjectKind kind,
                         const std::function<bool(nxNamedObject&)>& initialise);
 

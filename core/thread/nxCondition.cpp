@@ -6,11 +6,11 @@
 
 namespace
 {
-nxErrorEnum FromResult(int result)
+nxErrorEnum FromResult(int result) { return result == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED); }
+
+nxErrorEnum FromTimedWait(int result)
 {
-    if (result == 0)
-        return nxErrorEnum();
-    return result == ETIMEDOUT ? nxErrorEnum(NX_ERR_THR_TIMEDOUT) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+    return result == ETIMEDOUT ? nxErrorEnum(NX_ERR_THR_TIMEDOUT) : FromResult(result);
 }
 
 // Executes `step` under `mutex`, which is free again whatever `step` returns. The first failure is the result.
@@ -19,10 +19,9 @@ nxErrorEnum WithLock(pthread_mutex_t& mutex, Step step)
 {
     if (pthread_mutex_lock(&mutex) != 0)
         return nxErrorEnum(NX_ERR_UNSPECIFIED);
-    const int result = step();
-    if (pthread_mutex_unlock(&mutex) != 0 && result == 0)
-        return nxErrorEnum(NX_ERR_UNSPECIFIED);
-    return FromResult(result);
+    const nxErrorEnum result = step();
+    const bool unlocked = pthread_mutex_unlock(&mutex) == 0;
+    return result.IsOK() && !unlocked ? nxErrorEnum(NX_ERR_UNSPECIFIED) : result;
 }
 }  // namespace
 
@@ -34,21 +33,21 @@ nxCondition::~nxCondition()
 
 nxErrorEnum nxCondition::Wait()
 {
-    return WithLock(_mutex, [this] { return pthread_cond_wait(&_condition, &_mutex); });
+    return WithLock(_mutex, [this] { return FromResult(pthread_cond_wait(&_condition, &_mutex)); });
 }
 
 nxErrorEnum nxCondition::TimedWait(double seconds)
 {
     const timespec deadline = nxDeadline::After(nxDeadline::Split(seconds));
-    return WithLock(_mutex, [&] { return pthread_cond_timedwait(&_condition, &_mutex, &deadline); });
+    return WithLock(_mutex, [&] { return FromTimedWait(pthread_cond_timedwait(&_condition, &_mutex, &deadline)); });
 }
 
 nxErrorEnum nxCondition::Signal()
 {
-    return WithLock(_mutex, [this] { return pthread_cond_signal(&_condition); });
+    return WithLock(_mutex, [this] { return FromResult(pthread_cond_signal(&_condition)); });
 }
 
 nxErrorEnum nxCondition::SignalAll()
 {
-    return WithLock(_mutex, [this] { return pthread_cond_broadcast(&_condition); });
+    return WithLock(_mutex, [this] { return FromResult(pthread_cond_broadcast(&_condition)); });
 }

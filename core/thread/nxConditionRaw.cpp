@@ -23,7 +23,8 @@ nxErrorEnum nxConditionRaw::InitialiseAsShared()
         result = pthread_condattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
         if (result == 0)
             result = pthread_cond_init(&_condition, &attributes);
-        pthread_condattr_destroy(&attributes);
+        const int destroyed = pthread_condattr_destroy(&attributes);
+        result = result == 0 ? destroyed : result;
     }
     if (result == 0)
         return nxErrorEnum();

@@ -48,7 +48,8 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     if (result == 0)
     {
         result = InitialiseShared(_mutex, attributes, robust);
-        pthread_mutexattr_destroy(&attributes);
+        const int destroyed = pthread_mutexattr_destroy(&attributes);
+        result = result == 0 ? destroyed : result;
     }
     if (result == 0)
         return nxErrorEnum();

@@ -12,8 +12,7 @@
 /// A counting semaphore: Post() adds one, a wait takes one or waits until there is one. One POSIX semaphore.
 ///
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once. It
-/// survives
-///   a kill of any process that waits; a count that a killed process has taken is gone.
+///   survives a kill of any process that waits; a count that a killed process has taken is gone.
 /// - Errors: returned, never thrown. A signal handler that interrupts a wait ends it with NX_ERR_THR_INTERRUPTED.
 /// - Nobody waits when it is destroyed.
 /// @code

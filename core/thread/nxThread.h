@@ -14,8 +14,7 @@
 /// - States: not started, then started by Create(), then not started again after Wait(), when Create() may follow anew.
 ///   A thread whose Run() has returned stays started until Wait().
 /// - Run() decides itself when to end: give the subclass a stop flag and a way to wake it. An exception that leaves
-/// Run()
-///   ends the thread and is written to the log at the fatal level; the process goes on.
+///   Run() ends the thread and is written to the log at the fatal level; the process goes on.
 /// - Ownership: the destructor neither stops nor joins. Destroying a started object before Wait() leaves the thread
 ///   running on an object that is gone.
 /// - Threads: Create(), Wait() and the destructor belong to the owning thread; the thread itself may find out that it

@@ -9,13 +9,13 @@ namespace
 constinit std::atomic<unsigned> nextIndex{0};
 }  // namespace
 
-constinit thread_local unsigned nxThreadIndex::_indexPlusOne = 0;
+constinit thread_local unsigned long long nxThreadIndex::_indexPlusOne = 0;
 
 nxThreadIndex::nxThreadIndex() : _index(nextIndex.fetch_add(1, std::memory_order_relaxed)) {}
 
 unsigned nxThreadIndex::_Assign()
 {
     const nxThreadIndex taken;
-    _indexPlusOne = taken._index + 1;
+    _indexPlusOne = taken._index + 1ULL;
     return taken._index;
 }

@@ -17,8 +17,8 @@ public:
     /// @return the calling thread's number, assigned by its first call.
     static unsigned GetIndexOfCurrentThread()
     {
-        const unsigned indexPlusOne = _indexPlusOne;
-        return indexPlusOne != 0 ? indexPlusOne - 1 : _Assign();
+        const unsigned long long indexPlusOne = _indexPlusOne;
+        return indexPlusOne != 0 ? static_cast<unsigned>(indexPlusOne - 1) : _Assign();
     }
 
 private:
@@ -26,8 +26,9 @@ private:
 
     static unsigned _Assign();
 
-    // 0 means unassigned. Initial-exec: read without a call, from whatever module the code is inlined into.
-    static constinit thread_local unsigned _indexPlusOne __attribute__((tls_model("initial-exec")));
+    // 0 means unassigned; wider than an index, so that the last of them is none either. Initial-exec: read without a
+    // call, from whatever module the code is inlined into.
+    static constinit thread_local unsigned long long _indexPlusOne __attribute__((tls_model("initial-exec")));
 
     unsigned _index;
 };

@@ -8,9 +8,8 @@
 /// Every allocation and every growth is written to the log at the information level.
 /// - Units: bytes. The buffer grows by the size given at construction; a size of 0 never grows.
 /// - Errors: none are reported. When memory runs out, GetData() is null and the old contents are lost, while the
-/// capacity
-///   says what was asked for: test the pointer after construction and after each growth. Capacities are 32 bits wide
-///   and wrap.
+///   capacity says what was asked for: test the pointer after construction and after each growth. Capacities are 32
+///   bits wide and wrap.
 /// - Threads: one thread only; no lock.
 /// - Ownership: owns its block; not copyable.
 /// @code

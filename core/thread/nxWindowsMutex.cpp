@@ -2,7 +2,6 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxNamedObjectTable.h"
 #include "core/platform/nxRobustMutex.h"
 
@@ -33,13 +32,7 @@ nxWindowsMutex::nxWindowsMutex(const std::string& name) : _mutex(nullptr)
     nxNamedObject* const object = nxNamedObjectTable::GetInstance().Open(
         name, nxNamedObjectKind::Mutex, [](nxNamedObject& made) { return Initialise(made.mutex); });
     if (object != nullptr)
-    {
         _mutex = &object->mutex;
-        return;
-    }
-    const int error = errno;
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxWindowsMutex", __LINE__)
-        << "Named mutex could not be opened and will exclude nobody. Name: " << name << ", errno: " << error;
 }
 
 nxWindowsMutex::~nxWindowsMutex() = default;

@@ -12,18 +12,16 @@
 /// A mutex that processes of one user share by its name.
 ///
 /// - Name: up to 260 bytes, any bytes, case-sensitive. Mutexes and semaphores share one set of names.
-/// - Life: a name lives while some process that has constructed an object of it is running; when the last such process
-/// has
-///   ended, by kill -9 too, the next constructor starts afresh. Destroying the object changes nothing.
+/// - Life: a name lives while some process that has constructed an object of it is running; when the last such
+///   process has ended, by kill -9 too, the next constructor starts afresh. Destroying the object changes nothing.
 /// - Owner: a thread. It may lock again and unlocks as often. When it ends or is killed while it holds the mutex, the
-/// next
-///   one to lock gets it; nobody is told that the data may be half-changed.
-/// - Errors: none are returned. When the name is too long or stands for a semaphore, or the system refuses, IsNull() is
-///   true, the log has an error, and Lock() and Unlock() do nothing: test IsNull() where exclusion matters.
-/// - Fork: the child has the object open too and owns nothing that the parent has locked. Across process-id namespaces
-/// a
-///   name stands for different mutexes. Closing descriptors that one has not opened (closefrom) ends the claim to the
-///   names until the next constructor.
+///   next one to lock gets it; nobody is told that the data may be half-changed.
+/// - Errors: none are returned, thrown or logged. When the name is too long or stands for a semaphore, or the system
+///   refuses, IsNull() is true and Lock() and Unlock() do nothing: test IsNull() where exclusion matters; errno tells
+///   the reason after the constructor.
+/// - Fork: the child has the object open too and owns nothing that the parent has locked. Across process-id
+///   namespaces a name stands for different mutexes. Closing descriptors that one has not opened (closefrom) ends the
+///   claim to the names until the next constructor.
 /// @code
 /// nxWindowsMutex mutex("my firm's order gateway");
 /// mutex.Lock();
@@ -32,7 +30,7 @@
 class NX_CORE_API NX_CAPABILITY("mutex") nxWindowsMutex
 {
 public:
-    /// Opens the mutex of that name, or makes it: free.
+    /// Opens the mutex of that name, or makes it: free. Where neither can be done, IsNull() and errno say so.
     explicit nxWindowsMutex(const std::string& name);
     virtual ~nxWindowsMutex();
 

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxNamedObjectTable.h"
 
 namespace
@@ -33,13 +32,7 @@ nxWindowsSemaphore::nxWindowsSemaphore(const std::string& name, unsigned initial
     nxNamedObject* const object =
         nxNamedObjectTable::GetInstance().Open(name, nxNamedObjectKind::Semaphore, initialise);
     if (object != nullptr)
-    {
         _semaphore = &object->semaphore;
-        return;
-    }
-    const int error = errno;
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxWindowsSemaphore", __LINE__)
-        << "Named semaphore could not be opened and will hold nobody. Name: " << name << ", errno: " << error;
 }
 
 nxWindowsSemaphore::~nxWindowsSemaphore() = default;

@@ -11,10 +11,9 @@
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///
 /// - Name and life: as nxWindowsMutex. While the name lives, a count that a killed process has taken stays taken.
-/// - Errors: none are returned but the time-out. When the name is too long or stands for a mutex, when it is new and
-/// the
-///   maximum is 0, above 2,147,483,647 or below the initial count, or when the system refuses, IsNull() is true, the
-///   log has an error, and all calls return success at once.
+/// - Errors: none are returned, thrown or logged but the time-out. When the name is too long or stands for a mutex,
+///   when it is new and the maximum is 0, above 2,147,483,647 or below the initial count, or when the system refuses,
+///   IsNull() is true and all calls return success at once; errno tells the reason after the constructor.
 /// - Fork: the child has the object open too.
 /// @code
 /// nxWindowsSemaphore slots("my firm's licences", 3, 3);
@@ -24,7 +23,8 @@
 class NX_CORE_API nxWindowsSemaphore
 {
 public:
-    /// Opens the semaphore of that name, whatever its counts, or makes it with these.
+    /// Opens the semaphore of that name, whatever its counts, or makes it with these. Where neither can be done,
+    /// IsNull() and errno say so.
     nxWindowsSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount);
     virtual ~nxWindowsSemaphore();
 

@@ -81,6 +81,7 @@ TEST(lockFaults, Mutex)
         {"create", "pthread_mutexattr_setpshared", create, refused},
         {"create", "pthread_mutexattr_setrobust", create, refused},
         {"create", "pthread_mutex_init", create, refused},
+        {"create", "pthread_mutexattr_destroy", create, {{EINVAL, NX_ERR_UNSPECIFIED}}},
     });
     for (const char* const function : {"pthread_mutex_lock", "pthread_mutex_trylock"})
     {
@@ -134,7 +135,10 @@ TEST(lockFaults, ConditionMutex)
 TEST(lockFaults, Condition)
 {
     nxCondition condition;
-    const std::vector<Answer> unspecified{{EINVAL, NX_ERR_UNSPECIFIED}, {EPERM, NX_ERR_UNSPECIFIED}};
+    const std::vector<Answer> unspecified{
+        {EINVAL, NX_ERR_UNSPECIFIED}, {EPERM, NX_ERR_UNSPECIFIED}, {ETIMEDOUT, NX_ERR_UNSPECIFIED}};
+    const std::vector<Answer> timed{{EINVAL, NX_ERR_UNSPECIFIED}, {ETIMEDOUT, NX_ERR_THR_TIMEDOUT}};
+    const std::string timedWait = "pthread_cond_timedwait";
     const std::vector<std::pair<const char*, std::function<nxErrorEnum()>>> operations{
         {"pthread_cond_wait", [&] { return condition.Wait(); }},
         {"pthread_cond_timedwait", [&] { return condition.TimedWait(60); }},
@@ -144,10 +148,9 @@ TEST(lockFaults, Condition)
     for (const auto& [primitive, operation] : operations)
     {
         Check({{primitive, "pthread_mutex_lock", operation, unspecified},
-               {primitive, primitive, operation, unspecified}});
+               {primitive, primitive, operation, primitive == timedWait ? timed : unspecified}});
         EXPECT_TRUE(condition.Signal().IsOK()) << "the inner mutex is free after a failure";
     }
-    Check({{"timed out", "pthread_cond_timedwait", operations[1].second, {{ETIMEDOUT, NX_ERR_THR_TIMEDOUT}}}});
     const nxSystemCallFault unlock("pthread_mutex_unlock", EPERM, {.executed = true});
     EXPECT_EQ(condition.Signal(), NX_ERR_UNSPECIFIED);
 }
@@ -170,6 +173,7 @@ TEST(lockFaults, ConditionRaw)
         {"create", "pthread_condattr_init", create, refused},
         {"create", "pthread_condattr_setpshared", create, refused},
         {"create", "pthread_cond_init", create, refused},
+        {"create", "pthread_condattr_destroy", create, {{EINVAL, NX_ERR_UNSPECIFIED}}},
     });
     EXPECT_TRUE(mutex.Unlock().IsOK());
 }

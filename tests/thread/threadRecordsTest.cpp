@@ -74,6 +74,7 @@ TEST(threadRecords, CreationInSharedMemory)
          robust,
          {"INF 107 Set Robust attribute. result: " + std::to_string(EINVAL), mutexFailed + std::to_string(EINVAL)}},
         {"core/trunk/nxMutex", "pthread_mutex_init", EAGAIN, plain, {mutexFailed + std::to_string(EAGAIN)}},
+        {"core/trunk/nxMutex", "pthread_mutexattr_destroy", EINVAL, plain, {mutexFailed + std::to_string(EINVAL)}},
         {"core/trunk/nxConditionRaw", nullptr, 0, condition, {}},
         {"core/trunk/nxConditionRaw", "pthread_cond_init", EBUSY, condition, {conditionFailed + std::to_string(EBUSY)}},
         {"core/trunk/nxSpinLock", nullptr, 0, spin, {}},

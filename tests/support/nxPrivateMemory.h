@@ -1,0 +1,48 @@
+#ifndef TESTS_SUPPORT_NXPRIVATEMEMORY_H
+#define TESTS_SUPPORT_NXPRIVATEMEMORY_H
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <string>
+
+/// An empty /dev/shm of this process's own, so that no other process's named objects are in it and planted files harm
+/// nobody. For a process that nxInNewProcess() has made: the view of the file system stays separate.
+class nxPrivateMemory
+{
+public:
+    nxPrivateMemory() = delete;
+
+    /// Mounts another one, empty, over what there is. @p options are those of tmpfs.
+    /// @return false where that is not allowed: the test is then skipped.
+    static bool Mount(const char* options = "")
+    {
+        static const bool separate = _SeparateFileSystem();
+        return separate && mount("none", "/dev/shm", "tmpfs", 0, options) == 0;
+    }
+
+private:
+    static bool _WriteFile(const char* path, const std::string& contents)
+    {
+        const int descriptor = open(path, O_WRONLY);
+        const ssize_t written = write(descriptor, contents.data(), contents.size());
+        close(descriptor);
+        return written == static_cast<ssize_t>(contents.size());
+    }
+
+    // As a user without rights, in a user name space where that user may mount.
+    static bool _SeparateFileSystem()
+    {
+        if (unshare(CLONE_NEWNS) == 0)
+            return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        const auto itself = [](unsigned id) { return std::to_string(id) + ' ' + std::to_string(id) + " 1"; };
+        const std::string user = itself(geteuid());
+        const std::string group = itself(getegid());
+        return unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && _WriteFile("/proc/self/uid_map", user) &&
+               _WriteFile("/proc/self/setgroups", "deny") && _WriteFile("/proc/self/gid_map", group);
+    }
+};
+
+#endif
