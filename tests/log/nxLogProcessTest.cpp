@@ -1,0 +1,134 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace
+{
+/// A run of the scenario program, and what it has written to its log.
+class Run
+{
+public:
+    explicit Run(const std::string& scenario, const std::string& environment = "")
+    {
+        const std::string path = testing::TempDir() + "nxLogProcess_" + std::to_string(getpid()) + "_" + scenario;
+        const std::string command =
+            environment + " " NX_TEST_LOG_PROCESS " " + scenario + " " + path + " " NX_TEST_LOG_PLUGIN;
+        const int result = std::system(command.c_str());
+        status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+        std::ifstream file(path);
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
+        unlink(path.c_str());
+    }
+
+    std::size_t Count(const std::string& text) const
+    {
+        return static_cast<std::size_t>(std::count_if(
+            lines.begin(), lines.end(), [&](const std::string& line) { return line.find(text) != std::string::npos; }));
+    }
+
+    int status;
+    std::vector<std::string> lines;
+};
+}  // namespace
+
+TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)
+{
+    for (const char* scenario : {"ReturnFromMain", "ExitInAThread"})
+    {
+        SCOPED_TRACE(scenario);
+        const Run run(scenario);
+        EXPECT_EQ(run.status, 0);
+        ASSERT_EQ(run.lines.size(), 20'002u);
+        EXPECT_EQ(run.lines.front().substr(0, 12), "before main ");
+        EXPECT_EQ(run.lines.back().substr(0, 11), "after main ");
+        for (std::size_t number = 0; number < 20'000; ++number)
+            ASSERT_EQ(run.lines[number + 1].find("row " + std::to_string(number) + " "), 0u);
+    }
+}
+
+TEST(nxLogProcess, HasOnDiskWhatWasWaitedFor)
+{
+    const Run run("ExitAtOnce");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.Count("waited for"), 1u);
+    EXPECT_LE(run.lines.size(), 3u);
+}
+
+TEST(nxLogProcess, EndsWhateverDevicesDo)
+{
+    EXPECT_EQ(Run("ExitWhileStalled").status, 0);
+    const Run inside("ExitInsideADevice");
+    EXPECT_EQ(inside.status, 0);
+    EXPECT_GE(inside.Count("before main") + inside.Count("the last"), 1u);
+    EXPECT_EQ(Run("LogNothing").status, 0);
+}
+
+TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
+{
+    const Run run("Fork");
+    EXPECT_EQ(run.status, 0);
+    std::map<std::string, int> count;
+    for (const std::string& line : run.lines)
+        ++count[line];
+    for (const auto& [line, times] : count)
+        EXPECT_EQ(times, 1) << line;
+    for (const char* kind : {"born ", "lived ", "died "})
+        EXPECT_EQ(run.Count(kind), 20u) << kind;
+    EXPECT_EQ(run.Count("parent "), 20u);
+    EXPECT_EQ(run.Count(" child"), 20u * 4) << "three records and a static destructor's each";
+    // Nothing of the parent's threads is missing.
+    for (int thread = 0; thread < 3; ++thread)
+    {
+        std::size_t next = 0;
+        for (const std::string& line : run.lines)
+            if (line.compare(0, 9, "thread " + std::to_string(thread) + " ") == 0)
+                ASSERT_EQ(line.find("thread " + std::to_string(thread) + " " + std::to_string(next++) + " "), 0u);
+        EXPECT_GT(next, 0u);
+    }
+}
+
+TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)
+{
+    const Run run("ForkWithAFullQueue");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.Count("row"), 0u);
+    EXPECT_EQ(run.Count("only this"), 1u);
+}
+
+TEST(nxLogProcess, NeedsNothingOfAPluginThatIsUnloaded)
+{
+    const Run run("UnloadAPlugin");
+    EXPECT_EQ(run.status, 0);
+    for (const char* text : {"loaded plugin/load", "literal text of the plug-in plugin/report",
+                             "record of the plug-in plugin/record", "unloaded plugin/unload"})
+        EXPECT_GE(run.Count(text), 3u) << text;
+}
+
+TEST(nxLogProcess, TakesItsLevelFromTheEnvironment)
+{
+    const struct
+    {
+        const char* environment;
+        std::size_t info;
+        std::size_t warning;
+    } rows[] = {{"QRX_LOG_LEVEL=WRN", 0, 1},
+                {"QRX_LOG_LEVEL=FTL", 0, 0},
+                {"QRX_LOG_LEVEL=FALSE", 1, 1},
+                {"QRX_LOG_LEVEL=NO_CHANGE", 1, 1}};
+    for (const auto& row : rows)
+    {
+        const Run run("Levels", row.environment);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.Count("info"), row.info) << row.environment;
+        EXPECT_EQ(run.Count("before main"), row.info) << row.environment;
+        EXPECT_EQ(run.Count("warning"), row.warning) << row.environment;
+    }
+}
