@@ -99,6 +99,7 @@ public:
     void Write(std::string_view lines, bool atOnce, long long second);
     void WriteRecord(const nxLog& record);
     void Flush();
+    void Maintain(std::int64_t now);
     void Reopen();
     void Destroy();
     void ForgetInChild();
@@ -114,7 +115,6 @@ private:
     void ReadProcess();
     bool OpenNext();
     int CreateNext();
-    void Maintain(std::int64_t now);
     void Put(std::string_view lines, bool atOnce);
     void Report(const nxLogLevelEnum& level, unsigned line, const std::string& text);
     void TellFailures();
@@ -205,8 +205,8 @@ int nxFileLogDevice::State::CreateNext()
 bool nxFileLogDevice::State::OpenNext()
 {
     ReadProcess();
-    const std::string previous = std::exchange(_fileName, std::string());
     const std::string directory = GetDirectory();
+    const std::string previous = std::exchange(_fileName, std::string());
     const int directoryError = nxFile::CreateDirectories(directory);
     if (directoryError != 0 && !_openingFailureIsTold)
         Complain("Failed to create directory " + directory + ", errno: " + std::to_string(directoryError) + '\n');
@@ -264,9 +264,8 @@ void nxFileLogDevice::State::Maintain(std::int64_t now)
     _nextCheck = now + nanosecondsPerSecond;
     if (_file.IsUnlinked())
         Complain("Log file was removed. Filename: " + _fileName + '\n');
-    if (!_file.IsOpen() || _file.IsUnlinked())
-        OpenNext();
-    if (_file.GetError() != 0)
+    const bool isGone = !_file.IsOpen() || _file.IsUnlinked();
+    if (isGone ? OpenNext() : _file.GetError() != 0)
         _file.Flush();
     TellFailures();
 }
@@ -404,7 +403,7 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
     bool created = false;
     {
         const nxMutexGuard guard(_mutex);
-        created = _state->Create(maximumFileSize);
+        WithoutThrowing([&] { created = _state->Create(maximumFileSize); });
     }
     nxLogManager::GetInstance().RegisterLogDevice(this);
     return created;
@@ -421,6 +420,12 @@ void nxFileLogDevice::WriteLines(const nxLogLineBatch& batch)
     const nxMutexGuard guard(_mutex);
     const bool atOnce = batch.worstLevel >= NX_LOG_LEVEL_WARNING;
     WithoutThrowing([&] { _state->Write({batch.text, batch.size}, atOnce, batch.seconds); });
+}
+
+void nxFileLogDevice::Maintain()
+{
+    const nxMutexGuard guard(_mutex);
+    WithoutThrowing([&] { _state->Maintain(nxClock::MonotonicNanoseconds()); });
 }
 
 void nxFileLogDevice::Flush()

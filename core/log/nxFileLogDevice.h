@@ -26,7 +26,7 @@
 /// - Errors: nothing fails for those who log. What goes wrong is told on the error stream, once until it is right
 ///   again: a directory or file that cannot be created, a file that cannot be written (a full disk) or was removed.
 ///   Meanwhile lines wait in the buffer; those that find no room are lost, counted, and told in the log afterwards.
-///   Every second, when records come, the device tries again.
+///   Every second the device tries again, whether records come or not.
 /// - Threads: every operation may be called at any time from any thread.
 /// - Ownership: one object per process, never destroyed.
 /// @code
@@ -86,6 +86,7 @@ private:
 
     nxLogLineStyle GetLineStyle() const override;
     void WriteLines(const nxLogLineBatch& batch) override;
+    void Maintain() override;
     void BeforeFork() override NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInParent() override NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInChild() override;

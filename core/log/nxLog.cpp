@@ -124,12 +124,10 @@ nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const uns
     const Dump dump(level, sourceFile, line);
     const unsigned size = std::min(length, MaximumDump);
     dump.Log("Dumping memory as hex and ascii. At most ", size, " bytes of data will be dumped");
-    const nxLogHexDump lines{bytesPerLine, placeholder, withOffsets};
-    std::string text;
-    for (unsigned offset = 0; offset < size; offset += bytesPerLine)
-    {
-        lines.MakeLine(text, buffer + offset, std::min(bytesPerLine, size - offset), offset);
-        dump.Log(text);
-    }
+    static_assert(MaximumBytesPerLine == nxLogHexDump::LargestLine);
+    const unsigned lineSize = bytesPerLine;
+    nxLogHexDump lines(lineSize, placeholder, withOffsets);
+    for (unsigned offset = 0; offset < size; offset += lineSize)
+        dump.Log(lines.MakeLine(buffer + offset, std::min(lineSize, size - offset), offset));
     return nxErrorEnum();
 }

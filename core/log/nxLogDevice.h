@@ -1,6 +1,8 @@
 #ifndef CORE_LOG_NXLOGDEVICE_H
 #define CORE_LOG_NXLOGDEVICE_H
 
+#include <atomic>
+
 #include "core/nxExport.h"
 
 class nxLog;
@@ -45,8 +47,9 @@ public:
     virtual void Destroy() = 0;
 
     /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.
-    void SetVerboseOutput(bool verbose) { _verbose = verbose; }
-    bool IsVerboseOutput() const { return _verbose; }  ///< Whether lines carry everything they can.
+    void SetVerboseOutput(bool verbose) { _verbose.store(verbose, std::memory_order_relaxed); }
+    /// Whether lines carry everything they can.
+    bool IsVerboseOutput() const { return _verbose.load(std::memory_order_relaxed); }
 
     /// @return what takes this device's lines in batches; null for a device that takes records.
     nxLogLineSink* GetLineSink() const { return _lineSink; }
@@ -59,7 +62,7 @@ protected:
     nxLogDevice& operator=(const nxLogDevice&) = delete;
 
 private:
-    bool _verbose = true;
+    std::atomic<bool> _verbose{true};
     nxLogLineSink* _lineSink = nullptr;
 };
 

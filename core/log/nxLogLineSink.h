@@ -47,6 +47,9 @@ public:
     /// Writes the lines of @p batch. They are lost when the sink cannot write them; it counts them then.
     virtual void WriteLines(const nxLogLineBatch& batch) = 0;
 
+    /// Comes about once a second, whether there are lines or not: a sink that could not write may try again.
+    virtual void Maintain() {}
+
     /// Just before the process forks: takes what must not be held by another thread in the child. Keep it short.
     virtual void BeforeFork() {}
     /// In the parent, after the fork: gives it back.

@@ -159,7 +159,7 @@ void nxLogManager::WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapp
 std::vector<nxLog> nxLogManager::GetLogEntriesQueue() const
 {
     std::vector<nxLog> records;
-    nxLogQueue::GetInstance().CopyRecords(records);
+    nxLogWriter::GetInstance().CopyRecords(records);
     return records;
 }
 

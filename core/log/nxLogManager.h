@@ -88,7 +88,8 @@ public:
     ///        a thread inside a device.
     void WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept;
 
-    /// @return copies of the records that wait, or are being written at the moment; in order within each thread.
+    /// @return copies of the records that wait, or are being written at the moment; in order within each thread. Before
+    ///         there is a first device, those that are kept for it.
     std::vector<nxLog> GetLogEntriesQueue() const;
 
     /// Reserves memory for about so many waiting records, so that a burst need not allocate.

@@ -563,6 +563,43 @@ TEST_F(nxFileLogDeviceTest, LosesWholeLinesOnlyOnAFullDiskAndCountsThem)
     EXPECT_EQ(Count(GetErrors(), "\n"), 1U);
 }
 
+TEST_F(nxFileLogDeviceTest, MendsItselfWhenNobodyReportsAnything)
+{
+    nxLogManager& manager = nxLogManager::GetInstance();
+    manager.SetTimeBetweenFlushes(0);
+    const auto report = [&](const char* text)
+    {
+        NX_LOG(NX_LOG_LEVEL_INFO) << text;
+        manager.WaitForWriteThreadToWriteQueueToDisk(30.0);
+    };
+    // A directory that cannot be made.
+    std::ofstream(GetDirectory()) << "in the way";
+    EXPECT_FALSE(Create());
+    report("kept");
+    fs::remove(GetDirectory());
+    EXPECT_TRUE(Eventually([&] { return Count(ReadFile(Device().GetFileName()), "] kept [") == 1; }));
+    // One that is removed.
+    const std::string first = Device().GetFileName();
+    fs::remove_all(GetDirectory());
+    EXPECT_TRUE(Eventually([&] { return fs::exists(Device().GetFileName()); }));
+    EXPECT_NE(Device().GetFileName(), first);
+    Device().Destroy();
+
+    // A disk that is full.
+    fs::remove_all(GetDirectory());
+    fs::create_directory(GetDirectory());
+    if (mount("none", GetDirectory().c_str(), "tmpfs", 0, "size=64k") == 0)
+    {
+        std::ofstream(GetDirectory() / "filler_0") << std::string(100'000, 'f');
+        ASSERT_TRUE(Create());
+        report("finds no room");
+        EXPECT_EQ(Count(GetErrors(), "errno: " + std::to_string(ENOSPC)), 1U);
+        fs::remove(GetDirectory() / "filler_0");
+        EXPECT_TRUE(Eventually([&] { return Count(ReadFile(Device().GetFileName()), "] finds no room [") == 1; }));
+    }
+    manager.SetTimeBetweenFlushes(1);
+}
+
 TEST_F(nxFileLogDeviceTest, OutlivesTheFileSizeLimitOfTheProcess)
 {
     EXPECT_TRUE(InChild(

@@ -4,39 +4,45 @@ namespace
 {
 constexpr char digits[] = "0123456789ABCDEF";
 constexpr unsigned offsetDigits = 8;
-
-void AppendHex(std::string& line, std::size_t value, unsigned count)
-{
-    while (count-- > 0)
-        line += digits[(value >> (4 * count)) & 15];
-}
 }  // namespace
 
-void nxLogHexDump::MakeLine(std::string& line, const char* bytes, std::size_t size, std::size_t offset) const
+void nxLogHexDump::_PutHex(std::size_t value, unsigned count)
 {
-    line.clear();
-    if (withOffsets)
+    while (count-- > 0)
+        _Put(digits[(value >> (4 * count)) & 15]);
+}
+
+std::string_view nxLogHexDump::MakeLine(const char* bytes, std::size_t size, std::size_t offset)
+{
+    _size = 0;
+    if (_withOffsets)
     {
-        AppendHex(line, offset, offsetDigits);
-        line += "  ";
+        _PutHex(offset, offsetDigits);
+        _Put(' ');
+        _Put(' ');
     }
     // The last line is padded, so that the characters stand below each other.
-    for (unsigned index = 0; index < bytesPerLine; ++index)
+    for (unsigned index = 0; index < _bytesPerLine; ++index)
     {
         // Lines of eight and more have a gap in the middle.
-        if (index != 0 && index == (bytesPerLine + 1) / 2 && bytesPerLine >= 8)
-            line += ' ';
+        if (index != 0 && index == (_bytesPerLine + 1) / 2 && _bytesPerLine >= 8)
+            _Put(' ');
         if (index < size)
-            AppendHex(line, static_cast<unsigned char>(bytes[index]), 2);
+            _PutHex(static_cast<unsigned char>(bytes[index]), 2);
         else
-            line += "  ";
-        line += ' ';
+        {
+            _Put(' ');
+            _Put(' ');
+        }
+        _Put(' ');
     }
-    line += " |";
+    _Put(' ');
+    _Put('|');
     for (std::size_t index = 0; index < size; ++index)
     {
         const auto byte = static_cast<unsigned char>(bytes[index]);
-        line += byte >= 0x20 && byte < 0x7F ? bytes[index] : placeholder;
+        _Put(byte >= 0x20 && byte < 0x7F ? bytes[index] : _placeholder);
     }
-    line += '|';
+    _Put('|');
+    return {_line.data(), _size};
 }

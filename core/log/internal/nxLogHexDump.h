@@ -1,19 +1,35 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGHEXDUMP_H
 #define CORE_LOG_INTERNAL_NXLOGHEXDUMP_H
 
+#include <array>
 #include <cstddef>
-#include <string>
+#include <string_view>
 
-/// The lines of nxLog::LogBufferAsHex().
-struct nxLogHexDump
+/// The lines of nxLog::LogBufferAsHex(), made one after the other in the same place.
+class nxLogHexDump
 {
-    unsigned bytesPerLine;
-    char placeholder;
-    bool withOffsets;
+public:
+    /// @param bytesPerLine 1 to LargestLine. @param placeholder stands for bytes that are not printable.
+    nxLogHexDump(unsigned bytesPerLine, char placeholder, bool withOffsets)
+        : _bytesPerLine(bytesPerLine), _placeholder(placeholder), _withOffsets(withOffsets)
+    {
+    }
 
-    /// Replaces @p line by the line for the @p size bytes at @p bytes, at most bytesPerLine.
+    /// @return the line for the @p size bytes at @p bytes, at most bytesPerLine; valid until the next one is made.
     /// @param offset where they stand in the buffer.
-    void MakeLine(std::string& line, const char* bytes, std::size_t size, std::size_t offset) const;
+    std::string_view MakeLine(const char* bytes, std::size_t size, std::size_t offset);
+
+    static constexpr std::size_t LargestLine = 256;
+
+private:
+    void _PutHex(std::size_t value, unsigned count);
+    void _Put(char character) { _line[_size++] = character; }
+
+    unsigned _bytesPerLine;
+    char _placeholder;
+    bool _withOffsets;
+    std::array<char, 4 * LargestLine + 16> _line;  // the offset and the bars take 14
+    std::size_t _size = 0;
 };
 
 #endif

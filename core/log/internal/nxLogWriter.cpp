@@ -48,12 +48,22 @@ bool HasReached(std::uint32_t reached, std::uint32_t ticket)
     return static_cast<std::int32_t>(reached - ticket) >= 0;
 }
 
-// At the end of the process the queue is written out, unless a device keeps it up too long.
+// At the end of the process the queue is written out, unless a device keeps it up too long. The end comes in several
+// steps, by one thread; the limits hold for all of them together.
 void WriteOutAtExit()
 {
     constexpr std::int64_t longest = 10 * second;
     constexpr std::int64_t longestStall = 2 * second;
-    nxLogWriter::GetInstance().WriteOut(longest, longestStall);
+    static std::int64_t spent = 0;
+    static bool stalled = false;
+    static std::uint32_t progressAtStall = 0;
+    const nxLogQueue& queue = nxLogQueue::GetInstance();
+    if (spent >= longest || (stalled && queue.GetProgress() == progressAtStall))
+        return;
+    const std::int64_t begin = nxClock::MonotonicNanoseconds();
+    stalled = !nxLogWriter::GetInstance().WriteOut(longest - spent, longestStall);
+    progressAtStall = queue.GetProgress();
+    spent += nxClock::MonotonicNanoseconds() - begin;
 }
 
 // Once more when the library itself ends: static destructors that ran meanwhile may have reported.
@@ -204,12 +214,22 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
     }
 }
 
-void nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
+bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
 {
     // A thread that ends the process from inside a device cannot wait for itself.
     const bool nothingEver = !_running.load(std::memory_order_acquire) && nxLogQueue::GetInstance().IsEmpty();
-    if (!nothingEver && MayWait())
-        _WaitUntilWritten(limit, stallLimit, false);
+    return nothingEver || (MayWait() && _WaitUntilWritten(limit, stallLimit, false));
+}
+
+void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
+{
+    nxLogQueue& queue = nxLogQueue::GetInstance();
+    // Only before the first device do records wait here, and then no device can make a round long.
+    if (_hadDevices.load(std::memory_order_relaxed) || !MayWait())
+        return queue.CopyRecords(records);
+    const nxMutexGuard guard(_roundMutex);
+    records.insert(records.end(), _early.begin(), _early.end());
+    queue.CopyRecords(records);
 }
 
 void nxLogWriter::SetFlushInterval(double seconds) noexcept
@@ -228,6 +248,7 @@ bool nxLogWriter::_WriteQueued() noexcept
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
     const bool found = _DoRound(isAwaited);
     _FlushWhereDue(isAwaited);
+    _MaintainWhereDue();
     _ReportLosses();
     if (isAwaited)
     {
@@ -291,7 +312,7 @@ void nxLogWriter::_BeginRound()
         round.batchOfDevice[index] = &_GetBatch(style);
     }
     if (!round.devices->empty())
-        _hadDevices = true;
+        _hadDevices.store(true, std::memory_order_relaxed);
 }
 
 // The batch of lines in this style. There are few styles, so a batch once made is kept.
@@ -329,7 +350,7 @@ void nxLogWriter::_WriteEarly() noexcept
 void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
 {
     const std::size_t cost = sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values);
-    if (_hadDevices || _earlyBytes + cost > maximumEarlyBytes)
+    if (_hadDevices.load(std::memory_order_relaxed) || _earlyBytes + cost > maximumEarlyBytes)
     {
         _unheard.fetch_add(1, std::memory_order_relaxed);
         return;
@@ -452,6 +473,19 @@ void nxLogWriter::_FlushWhereDue(bool now) noexcept
     _FlushDevices(true);
     _unflushed = false;
     _lastFlush = time;
+}
+
+// Devices that are in trouble get the chance to mend it although nobody reports anything.
+void nxLogWriter::_MaintainWhereDue() noexcept
+{
+    const std::int64_t time = nxClock::MonotonicNanoseconds();
+    if (time < _nextMaintenance)
+        return;
+    _nextMaintenance = time + second;
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *devices)
+        if (nxLogLineSink* const sink = entry->GetLineSink())
+            entry->Call([sink](nxLogDevice&) { sink->Maintain(); });
 }
 
 // Tells in the log what the log has lost, and who had to wait; once for what has come together in a second.

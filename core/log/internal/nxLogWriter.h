@@ -44,10 +44,14 @@ public:
     bool WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
     /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
-    void WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
+    bool WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
     /// Seconds between two flushes of devices that have been written to; 0 or less means after every round.
     void SetFlushInterval(double seconds) noexcept;
+
+    /// Appends copies of all records that wait, be it for the first device; only that the order is kept within each
+    /// thread.
+    void CopyRecords(std::vector<nxLog>& records);
 
     std::uint64_t GetWritten() const noexcept { return _written.load(std::memory_order_relaxed); }
     std::uint64_t GetUnheard() const noexcept { return _unheard.load(std::memory_order_relaxed); }
@@ -98,6 +102,7 @@ private:
     void _SendBatches() noexcept;
     void _FlushDevices(bool linesToo) noexcept;
     void _FlushWhereDue(bool now) noexcept;
+    void _MaintainWhereDue() noexcept;
     void _ReportLosses() noexcept;
 
     nxMutex _startMutex;
@@ -114,9 +119,10 @@ private:
     std::unique_ptr<Round> _round;
     std::vector<nxLog> _early;  // records from before the first device
     std::size_t _earlyBytes = 0;
-    bool _hadDevices = false;
+    std::atomic<bool> _hadDevices{false};
     bool _unflushed = false;
     std::int64_t _lastFlush = 0;
+    std::int64_t _nextMaintenance = 0;
     std::atomic<std::int64_t> _flushInterval{1'000'000'000};
 
     std::atomic<std::uint64_t> _written{0};

@@ -190,6 +190,19 @@ int ForkWithAFullQueue(const char* output, const char*)
     return status;
 }
 
+// What is kept for the first device counts as waiting.
+int WaitForADevice(const char* output, const char*)
+{
+    nxLogManager& manager = nxLogManager::GetInstance();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "kept";
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    const std::vector<nxLog> waiting = manager.GetLogEntriesQueue();
+    Register<AppendingDevice>(output);
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    const bool isRight = waiting.size() == 2 && waiting[0].GetText() == "before main" && waiting[1].GetText() == "kept";
+    return isRight && manager.GetLogEntriesQueue().empty() ? 0 : 8;
+}
+
 int UnloadAPlugin(const char* output, const char* plugin)
 {
     Register<AppendingDevice>(output);
@@ -226,6 +239,7 @@ int main(int argc, char** argv)
         {"LogNothing", LogNothing},
         {"Fork", Fork},
         {"ForkWithAFullQueue", ForkWithAFullQueue},
+        {"WaitForADevice", WaitForADevice},
         {"UnloadAPlugin", UnloadAPlugin},
         {"Levels", Levels},
     };
