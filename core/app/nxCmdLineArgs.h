@@ -45,8 +45,7 @@ public:
     /// Reads the command line and the environment. What was read before stays: a second call changes nothing of it.
     /// @param argv words up to the null entry, the first of them the command; null leaves the command line unread.
     /// @param envp entries "name=value" up to the null entry; an entry without "=" is skipped, a repeated name keeps
-    /// the
-    ///             last value. Null leaves the environment unread: GetEnvValue() then asks the system every time.
+    ///             the last value. Null leaves the environment unread: GetEnvValue() then asks the system every time.
     void Initialise(char** argv, char** envp);
 
     /// The word that the program was started with; empty before Initialise() and when there was none.
@@ -103,8 +102,7 @@ public:
     /// Sets a variable in the process environment, for the children started later too, and in the copy read by
     /// Initialise(), so that GetEnvValue() answers with it. The outcome is written to the log.
     /// @return false, with nothing changed, when the name is empty or holds "=" or NUL, when the value holds NUL, or
-    /// when
-    ///         the system refuses.
+    ///         when the system refuses.
     bool SetEnvValue(const std::string& name, const std::string& value);
 
     /// Writes all options and the environment to the log, one record each, under the headings "Command Line Args:" and

@@ -7,15 +7,6 @@
 namespace
 {
 using Registry = nxBitMaskRegistry<nxBitMask::Word>;
-
-std::string Describe(const nxBitMask& mask, const std::string& separator, std::string Registry::Texts::*text)
-{
-    if (mask.IsNull())
-        return "Null";
-    if (mask.IsNoChange())
-        return "No Change";
-    return Registry::GetInstance().Describe(mask.GetClassName(), mask.GetValue(), separator, text);
-}
 }  // namespace
 
 nxBitMask::~nxBitMask() = default;
@@ -36,12 +27,12 @@ void nxBitMask::SetNoChange() { _word = NoChangeBit; }
 
 std::string nxBitMask::GetShortDescription(const std::string& separator) const
 {
-    return Describe(*this, separator, &Registry::Texts::first);
+    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::first);
 }
 
 std::string nxBitMask::GetLongDescription(const std::string& separator) const
 {
-    return Describe(*this, separator, &Registry::Texts::second);
+    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::second);
 }
 
 bool nxBitMask::_Register(const std::string& className, unsigned bit, const std::string& shortDescription,

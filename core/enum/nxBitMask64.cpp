@@ -7,15 +7,6 @@
 namespace
 {
 using Registry = nxBitMaskRegistry<nxBitMask64::Word>;
-
-std::string Describe(const nxBitMask64& mask, const std::string& separator, std::string Registry::Texts::*text)
-{
-    if (mask.IsNull())
-        return "Null";
-    if (mask.IsNoChange())
-        return "No Change";
-    return Registry::GetInstance().Describe(mask.GetClassName(), mask.GetValue(), separator, text);
-}
 }  // namespace
 
 nxBitMask64::~nxBitMask64() = default;
@@ -36,12 +27,12 @@ void nxBitMask64::SetNoChange() { _word = NoChangeBit; }
 
 std::string nxBitMask64::GetShortDescription(const std::string& separator) const
 {
-    return Describe(*this, separator, &Registry::Texts::first);
+    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::first);
 }
 
 std::string nxBitMask64::GetLongDescription(const std::string& separator) const
 {
-    return Describe(*this, separator, &Registry::Texts::second);
+    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::second);
 }
 
 bool nxBitMask64::_Register(const std::string& className, unsigned long long bit, const std::string& shortDescription,

@@ -11,8 +11,7 @@
 ///
 /// @tparam Derived the concrete class, which adds GetClassName() and registers its values.
 /// @tparam Minimum, Maximum the bounds of its values, neither of them a value itself; intervals of different classes
-/// are
-///         disjoint. The library's own lie below 2000000.
+///         are disjoint. The library's own lie below 2000000.
 ///
 /// An application's own enumeration is declared as the library's are. In the header:
 /// @code

@@ -24,8 +24,7 @@ struct nxLogRecord;
 /// - Errors: none, nothing throws. A message is cut, and says so, beyond a mebibyte; it ends early without memory.
 /// - Threads: like a string.
 /// - Ownership: the record owns copies of all that was streamed and of the file's name. The record that a device is
-/// given
-///   borrows them from the queue; a copy of it owns its own.
+///   given borrows them from the queue; a copy of it owns its own.
 /// @code
 /// nxLog record(NX_LOG_LEVEL_WARNING, "feed/session", 88, nxTimeStamp::Now());
 /// record << "gap of " << count << " messages";
@@ -56,8 +55,7 @@ public:
     std::string GetSourceApplication() const;
 
     /// @return a copy that the caller owns and deletes, with the message; this record's message is empty afterwards,
-    /// all
-    ///         else stays. Null, and nothing changed, without memory.
+    ///         all else stays. Null, and nothing changed, without memory.
     [[nodiscard]] nxLog* CreateCopyWithOwnershipTransfer() noexcept;
 
     /// Writes a dump of a buffer to the log: an opening record with the number of bytes, then a record for every line,

@@ -95,8 +95,7 @@ public:
     }
 
     /// @return @p room with at least @p bytes free; the values written so far may have moved. With too little memory
-    /// the
-    ///         room stays too small.
+    ///         the room stays too small.
     [[gnu::cold, gnu::noinline]] static nxLogRoom Grow(nxLogRoom room, std::size_t bytes) noexcept;
 
     /// Makes the deferred-write thread look at once.

@@ -12,16 +12,13 @@ class nxLogLineSink;
 /// nxLogManager::RegisterLogDevice().
 ///
 /// - The manager calls a device by one thread at a time: the deferred-write thread, or a thread that writes
-/// immediately,
-///   flushes or registers. So a device needs no lock of its own against the manager.
+///   immediately, flushes or registers. So a device needs no lock of its own against the manager.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
-/// meanwhile
-///   go to the other devices only.
+///   meanwhile go to the other devices only.
 /// - A device that does not return holds up the queue; after a second of that the manager drops records and counts
 /// them.
 /// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager
-/// has
-///   left it.
+///   has left it.
 ///
 /// A device that takes finished lines instead of records gives the manager an nxLogLineSink: the library's own devices
 /// do, because one call for a mebibyte of lines costs far less than a call for every record.

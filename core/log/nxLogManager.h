@@ -31,18 +31,14 @@ struct nxLogStatistics
 ///   stalled for a second makes it drop records instead, and one record tells how many when the device is back. A
 ///   thread inside a device never waits.
 /// - Start: the deferred-write thread starts with the first record. Records from before the first device are kept for
-/// it,
-///   up to a mebibyte.
+///   it, up to a mebibyte.
 /// - End: when the process ends by exit() or by returning from main, what is queued is written out; a device that does
-/// not
-///   move for two seconds, or ten seconds in all, end the wait. After _exit(), a crash or SIGKILL what is queued is
+///   not move for two seconds, or ten seconds in all, end the wait. After _exit(), a crash or SIGKILL what is queued is
 ///   lost. No signal handler is installed.
 /// - Fork: a child starts with an empty queue, with the same devices, and with a deferred-write thread of its own when
-/// it
-///   first reports.
+///   it first reports.
 /// - Settings: when the library is loaded, QRX_LOG_LEVEL sets the threshold, QRX_LOG_THREAD_INDEX whether lines carry
-/// the
-///   thread's index, QRX_LOG_TIME_BETWEEN_FLUSHES and QRX_LOG_FORCE_FLUSH when devices are flushed, and
+///   the thread's index, QRX_LOG_TIME_BETWEEN_FLUSHES and QRX_LOG_FORCE_FLUSH when devices are flushed, and
 ///   QRX_LOG_BUFF_RESERVE_ENTRIES what SetRecommendedBufferCapacity() does. See nxLogSettings.
 /// - Errors: none is reported to callers and nothing throws; losses are counted.
 /// - Threads: every operation may come from any thread, at any time, from inside a device too.
@@ -84,8 +80,7 @@ public:
 
     /// Waits until everything that was queued before the call has been written to the devices and flushed by them.
     /// @param seconds how long at most; capped at a day. Null, no change, NaN and what is not above 0 do not wait. Nor
-    /// does
-    ///        a thread inside a device.
+    ///        does a thread inside a device.
     void WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept;
 
     /// @return copies of the records that wait, or are being written at the moment; in order within each thread. Before

@@ -27,8 +27,7 @@ class nxOStream;
 /// places by which it is scaled, and a status.
 ///
 /// - Value: mantissa / 10^places. 1.50 is (150, 2), 1.5 is (15, 1): equal numbers, different representations. Nothing
-/// is
-///   normalised unless Normalise() is called.
+///   is normalised unless Normalise() is called.
 /// - Status: valid, null (no value) or no change ("leave the receiver's value as it is"). A value that is not valid has
 ///   mantissa 0 and places 0. Arithmetic with an operand that is not valid leaves the left operand as it is.
 /// - Exactness: sums, differences and comparisons of one scale are exact integer operations. Across scales,
@@ -38,8 +37,7 @@ class nxOStream;
 ///   Up to 18 places the power of ten fits; from 20 places on 10^places has itself wrapped modulo 2^64, from 64 places
 ///   on it is 0, the whole mantissa then is the fraction, and GetAsDouble() is infinite or NaN. No operation traps.
 /// - Division by zero is not checked: the quotient, infinite or NaN, becomes mantissa 0 with 0 places and -2^63 with
-/// more,
-///   and stays valid. Test the divisor.
+///   more, and stays valid. Test the divisor.
 /// - As a key: `==` and `<` across scales allow a tolerance of 2.2e-16 and are not transitive, so there is no
 ///   `std::hash<nxDecimal>`. Use ExactHash and ExactEqual for hash tables; sort only values of one scale.
 /// - Errors: only reading a text can fail, and returns its error. Nothing throws but std::string when memory runs out.
@@ -112,13 +110,10 @@ public:
     constexpr bool IsNegative() const { return _mantissa < 0; }  ///< False unless valid.
 
     constexpr long long GetValue() const { return _mantissa; }  ///< The mantissa; 0 unless valid.
-    constexpr unsigned char GetDecimalPlaces() const
-    {
-        return static_cast<unsigned char>(_format);
-    }  ///< 0 unless valid.
+    /// 0 unless valid.
+    constexpr unsigned char GetDecimalPlaces() const { return static_cast<unsigned char>(_format); }
     /// @return the number of places of a valid value; above 255, one number for each status, otherwise. So one
-    /// comparison
-    ///         tells whether a value is valid and of a certain scale.
+    ///         comparison tells whether a value is valid and of a certain scale.
     constexpr std::uint64_t GetScale() const { return _format; }
 
     /// The number without its fraction, truncated toward zero: -12 for -12.345.
@@ -357,8 +352,7 @@ public:
     friend bool operator>=(const nxDecimal& left, const nxDecimal& right) { return !(left < right); }
 
     /// @return whether both stand for exactly the same number, or both are null, or both are no change. 1.50 and 1.5
-    /// are
-    ///         exactly equal. Transitive, without tolerance.
+    ///         are exactly equal. Transitive, without tolerance.
     bool EqualsExactly(const nxDecimal& other) const;
     /// @return a hash that agrees with EqualsExactly().
     std::size_t GetExactHash() const;
@@ -388,8 +382,7 @@ public:
     /// The number of digits behind the separator becomes the number of places. There is no limit on digits: the
     /// mantissa wraps modulo 2^64 and the places modulo 256.
     /// @return NX_ERR_INVALID_PARAMETER for a text without a digit or with any other character; the object then keeps
-    /// its
-    ///         value.
+    ///         its value.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator)
     {
         return SetFromStringView(text, separator);

@@ -9,8 +9,7 @@ class nxDoubleHelper
 {
 public:
     /// @return @p value without its fraction (truncated toward zero), or the most negative integer when no 64-bit
-    /// integer
-    ///         can hold it: NaN, the infinities, and everything from 2^63 up and below -2^63.
+    ///         integer can hold it: NaN, the infinities, and everything from 2^63 up and below -2^63.
     static constexpr long long ToInteger(double value)
     {
         // NaN fails the comparisons; -2^63 itself converts to what the failure gives.

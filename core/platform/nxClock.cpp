@@ -82,6 +82,12 @@ bool TakeReading(ReadCounter readCounter, nxClockReading& reading)
 // Only the thread that made the sequence number odd touches it.
 constinit nxClockDiscipline discipline;
 
+// What a test shows instead of the time. While the clock is stopped no line is valid, so that everybody comes to ask;
+// a clock that runs pays nothing for it.
+constinit std::atomic<bool> isStopped{false};
+constinit std::atomic<std::int64_t> stoppedWall{0};
+constinit std::atomic<std::int64_t> stoppedMeasured{0};
+
 nxClockTime ToTime(std::int64_t nanoseconds) { return nxClockScale(0, nanoseconds, 0).ToTime(0); }
 }  // namespace
 
@@ -108,6 +114,7 @@ nxClock::Source nxClock::_Decide()
                        {
                            discipline = nxClockDiscipline();
                            _lines.validity.store(0, std::memory_order_relaxed);
+                           _lines.exactRate.store(0, std::memory_order_relaxed);
                            _lines.sequence.store(0, std::memory_order_release);
                        });
     return found;
@@ -124,7 +131,8 @@ nxClockTime nxClock::_Update(const nxClockReading& reading)
     const nxClockScale steady = discipline.GetSteady();
     const nxClockScale exact = discipline.GetExact();
     // Each store releases the odd number, so that whoever sees a new value sees that too.
-    _lines.validity.store(known ? discipline.GetValidity() : 0, std::memory_order_release);
+    const bool isShown = known && !isStopped.load(std::memory_order_acquire);
+    _lines.validity.store(isShown ? discipline.GetValidity() : 0, std::memory_order_release);
     _lines.ticks.store(exact.GetTicks(), std::memory_order_release);
     _lines.steadyNanoseconds.store(steady.GetNanoseconds(), std::memory_order_release);
     _lines.steadyRate.store(steady.GetRate(), std::memory_order_release);
@@ -136,6 +144,8 @@ nxClockTime nxClock::_Update(const nxClockReading& reading)
 
 nxClockTime nxClock::_NowFromSystem()
 {
+    if (isStopped.load(std::memory_order_acquire))
+        return ToTime(stoppedWall.load(std::memory_order_relaxed));
     nxClockReading reading{};
     if (UsesCounter() && TakeReading(_ReadCounter, reading))
         return _Update(reading);
@@ -158,9 +168,8 @@ nxClockScale nxClock::GetScale()
         const nxClockScale scale(_lines.ticks.load(std::memory_order_acquire),
                                  _lines.exactNanoseconds.load(std::memory_order_acquire),
                                  _lines.exactRate.load(std::memory_order_acquire));
-        const std::uint64_t validity = _lines.validity.load(std::memory_order_acquire);
         const bool settled = sequence % 2 == 0 && sequence == _lines.sequence.load(std::memory_order_relaxed);
-        if (settled && validity != 0)
+        if (settled && scale.GetRate() != 0)
             return scale;
         // Within a tenth of a millisecond of the very first reading the length of a tick is not known yet.
         if (settled)
@@ -180,3 +189,30 @@ void nxClock::Recalibrate()
 bool nxClock::UsesCounter() { return _Decide() == Source::Counter; }
 
 std::int64_t nxClock::MonotonicNanoseconds() { return Read(CLOCK_MONOTONIC); }
+
+std::int64_t nxClock::MeasuredNanoseconds()
+{
+    if (isStopped.load(std::memory_order_acquire)) [[unlikely]]
+        return stoppedMeasured.load(std::memory_order_relaxed);
+    return MonotonicNanoseconds();
+}
+
+void nxClock::_StopAt(std::int64_t wall, std::int64_t measured)
+{
+    stoppedWall.store(wall, std::memory_order_relaxed);
+    stoppedMeasured.store(measured, std::memory_order_relaxed);
+    if (isStopped.exchange(true, std::memory_order_acq_rel))
+        return;
+    // Whoever is updating the lines may not have seen it yet: waits for that update and takes its line back.
+    std::uint32_t sequence = _lines.sequence.load(std::memory_order_relaxed);
+    while (sequence % 2 != 0 ||
+           !_lines.sequence.compare_exchange_weak(sequence, sequence + 1, std::memory_order_acquire))
+    {
+        sched_yield();
+        sequence = _lines.sequence.load(std::memory_order_relaxed);
+    }
+    _lines.validity.store(0, std::memory_order_release);
+    _lines.sequence.store(sequence + 2, std::memory_order_release);
+}
+
+void nxClock::_Run() { isStopped.store(false, std::memory_order_release); }

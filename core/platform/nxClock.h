@@ -115,7 +115,12 @@ public:
     /// Nanoseconds since some fixed moment; never steps back and is not affected when the wall clock is set.
     static std::int64_t MonotonicNanoseconds();
 
+    /// The same for what applications measure: a test may stop and step it, see nxSteppedClock.
+    static std::int64_t MeasuredNanoseconds();
+
 private:
+    friend class nxSteppedClock;
+
     enum class Source
     {
         Undecided,
@@ -151,6 +156,11 @@ private:
     static nxClockTime _NowFromSystem();
     static std::uint64_t _TicksFromSystem();
     static nxClockTime _Update(const nxClockReading& reading);
+
+    // From now on Now() and MeasuredNanoseconds() return these nanoseconds; Ticks() and its scale go on as they are.
+    static void _StopAt(std::int64_t wall, std::int64_t measured);
+    // And from now on the true time again.
+    static void _Run();
 
     static std::atomic<Source> _source;
     static Lines _lines;

@@ -46,8 +46,7 @@ public:
 
     /// Makes a table from a list of bands.
     /// @return NX_ERR_INVALID_PARAMETER for a name, a bound or an increment that is not allowed, or when there is no
-    /// top
-    ///         band; @p reason then tells which.
+    ///         top band; @p reason then tells which.
     [[nodiscard]] static nxErrorEnum Create(const std::string& name, const Bands& bands,
                                             std::unique_ptr<nxCustomVariableTickTable>& table, std::string& reason);
 

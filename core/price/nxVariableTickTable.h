@@ -30,18 +30,16 @@ class nxTickTableCursor;
 /// @endcode
 ///
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
-/// bound
-///   still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 it is 0.05.
+///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 it is
+///   0.05.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
-/// step
-///   lands on its bound or lower. The result has the places of the increment of the band it lies in: zeros are added or
-///   dropped, and no other digit is.
+///   step lands on its bound or lower. The result has the places of the increment of the band it lies in: zeros are
+///   added or dropped, and no other digit is.
 /// - Negative prices are the exact mirror of their magnitude: the tick at -10.5 is that at 10.5, and one step up from
 ///   -10.05 is -10.00 because one step down from 10.05 is 10.00.
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
-/// has
-///   a null tick and is left alone; a fatal record is written to the log. No operation throws.
+///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
 /// - Limits: comparisons and sums are those of nxDecimal. A mantissa that does not fit 64 bits wraps.
 /// - Threads: a finished table is shared by any number of threads. Each search takes the table's lock, because the last
 ///   band found is remembered. A thread with many prices calls an operation on a span, which takes the lock once, or
@@ -129,8 +127,7 @@ protected:
     void _AddRanges(std::string_view bands);
 
     /// @return whether the table is usable: it has bands, the last bound is the maximum decimal, the bounds are
-    /// positive
-    ///         and strictly ascending, and every increment is positive.
+    ///         positive and strictly ascending, and every increment is positive.
     bool _CheckConstraints() const;
 
     /// @return the band of the price's magnitude, a price without a value counting as 0; the end when there is none.

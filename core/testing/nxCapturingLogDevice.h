@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <concepts>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +27,50 @@ struct nxCapturedRecord
     nxTimeStamp timeStamp;   ///< When it was built.
 };
 
+/// Writes level, text and place, "WRN connected [session.cpp:88]", for the messages of failed expectations.
+inline std::ostream& operator<<(std::ostream& stream, const nxCapturedRecord& record)
+{
+    return stream << record.level << ' ' << record.text << " [" << record.sourceFile << ':' << record.line << ']';
+}
+
+/// Says whether a record is one that is looked for. Made by nxCapturingLogDevice's Contains(), HasLevel(), AtLeast()
+/// and From(), or from any function of a record, and combined with `&&`, `||` and `!`.
+///
+/// - Threads: as the function it was made from. Ownership: it owns that function.
+class nxLogMatcher
+{
+public:
+    /// A matcher of one's own: @p test takes an nxCapturedRecord and returns whether it matches.
+    template <std::predicate<const nxCapturedRecord&> Test>
+    nxLogMatcher(Test test) : _test(std::move(test))
+    {
+    }
+
+    /// @return whether @p record matches.
+    bool operator()(const nxCapturedRecord& record) const { return _test(record); }
+
+    /// Matches what both match.
+    friend nxLogMatcher operator&&(nxLogMatcher left, nxLogMatcher right)
+    {
+        return [left = std::move(left), right = std::move(right)](const nxCapturedRecord& record)
+        { return left(record) && right(record); };
+    }
+    /// Matches what at least one of them matches.
+    friend nxLogMatcher operator||(nxLogMatcher left, nxLogMatcher right)
+    {
+        return [left = std::move(left), right = std::move(right)](const nxCapturedRecord& record)
+        { return left(record) || right(record); };
+    }
+    /// Matches what @p matcher does not.
+    friend nxLogMatcher operator!(nxLogMatcher matcher)
+    {
+        return [matcher = std::move(matcher)](const nxCapturedRecord& record) { return !matcher(record); };
+    }
+
+private:
+    std::function<bool(const nxCapturedRecord&)> _test;
+};
+
 /// For the tests of applications: a log device that keeps every record and lets a test wait for one.
 ///
 /// It registers itself when it is constructed and unregisters when it is destroyed. The log is asynchronous: wait for a
@@ -32,17 +78,15 @@ struct nxCapturedRecord
 ///
 /// - Errors: none. - Threads: every operation may come from any thread. - Ownership: it owns copies of what it keeps.
 /// @code
-/// nxCapturingLogDevice log;
+/// using Log = nxCapturingLogDevice;
+/// Log log;
 /// Connect();
-/// EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains("connected to")));
-/// EXPECT_EQ(log.Count(nxCapturingLogDevice::AtLeast(NX_LOG_LEVEL_WARNING)), 0u);
+/// EXPECT_TRUE(log.WaitFor(Log::Contains("connected to") && !Log::AtLeast(NX_LOG_LEVEL_ERROR))) << log;
+/// EXPECT_EQ(log.Count(Log::From("core/trunk/nxMutex")), 0u) << log;
 /// @endcode
 class nxCapturingLogDevice final : public nxLogDevice
 {
 public:
-    /// Says whether a record is one that is looked for.
-    using Matcher = std::function<bool(const nxCapturedRecord&)>;
-
     /// Registers the device with the process's log. What was reported before is not kept.
     nxCapturingLogDevice()
     {
@@ -54,40 +98,40 @@ public:
     ~nxCapturingLogDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 
     /// Matches records whose message contains @p part.
-    static Matcher Contains(std::string part)
+    static nxLogMatcher Contains(std::string part)
     {
         return [part = std::move(part)](const nxCapturedRecord& record)
         { return record.text.find(part) != std::string::npos; };
     }
     /// Matches records of @p level.
-    static Matcher HasLevel(nxEnumValue level)
+    static nxLogMatcher HasLevel(nxEnumValue level)
     {
         return [level](const nxCapturedRecord& record) { return record.level == level; };
     }
     /// Matches records of @p level and graver ones.
-    static Matcher AtLeast(nxEnumValue level)
+    static nxLogMatcher AtLeast(nxEnumValue level)
     {
         return [level](const nxCapturedRecord& record)
         { return record.level.GetValue() >= static_cast<unsigned>(level); };
     }
-    /// Matches what both match.
-    static Matcher Both(Matcher first, Matcher second)
+    /// Matches records that name @p sourceFile as their place, written as in the record: "core/trunk/nxMutex".
+    static nxLogMatcher From(std::string sourceFile)
     {
-        return [first = std::move(first), second = std::move(second)](const nxCapturedRecord& record)
-        { return first(record) && second(record); };
+        return [sourceFile = std::move(sourceFile)](const nxCapturedRecord& record)
+        { return record.sourceFile == sourceFile; };
     }
 
     /// Waits until a record that matches has arrived, also one that arrived before the call.
     /// @param matcher says which records count.
     /// @param timeout how long to wait at most.
     /// @return whether one arrived.
-    bool WaitFor(const Matcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
+    bool WaitFor(const nxLogMatcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
     {
         std::unique_lock<std::mutex> lock(_mutex);
         return _arrived.wait_for(lock, timeout, [&] { return std::any_of(_records.begin(), _records.end(), matcher); });
     }
     /// @return how many records that match have arrived.
-    std::size_t Count(const Matcher& matcher) const
+    std::size_t Count(const nxLogMatcher& matcher) const
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         return static_cast<std::size_t>(std::count_if(_records.begin(), _records.end(), matcher));
@@ -97,6 +141,13 @@ public:
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         return _records;
+    }
+    /// Writes everything kept, a line each.
+    friend std::ostream& operator<<(std::ostream& stream, const nxCapturingLogDevice& log)
+    {
+        for (const nxCapturedRecord& record : log.GetRecords())
+            stream << record << '\n';
+        return stream;
     }
     /// Forgets what was kept.
     void Clear()

@@ -48,8 +48,7 @@ public:
     }
 
     /// @return a word whose lowest set bit is the top bit of the first byte that is no digit; 0 when all are. What
-    /// stands
-    ///         above that bit says nothing.
+    ///         stands above that bit says nothing.
     static constexpr std::uint64_t FindNonDigit(std::uint64_t word)
     {
         // Adding lifts 10 and more to the top bit; only from such a byte can a carry disturb the next.
@@ -101,7 +100,8 @@ public:
     }
 
     /// Writes a number without leading zeros; no terminator.
-    /// @param value any. @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
+    /// @param value any.
+    /// @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
     /// @return the end of the text.
     static char* Write(char* out, std::uint64_t value)
     {
@@ -118,7 +118,8 @@ public:
     }
 
     /// Writes a number with a '-' in front when it is negative; no terminator.
-    /// @param value any, the most negative included. @param out has room for MaxDigits bytes, whatever the value.
+    /// @param value any, the most negative included.
+    /// @param out has room for MaxDigits bytes, whatever the value.
     /// @return the end of the text.
     static char* WriteSigned(char* out, std::int64_t value)
     {

@@ -69,22 +69,14 @@ public:
     /// The number as it stands, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
     constexpr operator double() const { return _value; }
 
-    constexpr nxDoubleValueWrapper& operator+=(double value)
-    {
-        return _Assign(_value + value);
-    }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator-=(double value)
-    {
-        return _Assign(_value - value);
-    }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator*=(double value)
-    {
-        return _Assign(_value * value);
-    }  ///< Ignores the state.
-    constexpr nxDoubleValueWrapper& operator/=(double value)
-    {
-        return _Assign(_value / value);
-    }  ///< Ignores the state.
+    /// Ignores the state.
+    constexpr nxDoubleValueWrapper& operator+=(double value) { return _Assign(_value + value); }
+    /// Ignores the state.
+    constexpr nxDoubleValueWrapper& operator-=(double value) { return _Assign(_value - value); }
+    /// Ignores the state.
+    constexpr nxDoubleValueWrapper& operator*=(double value) { return _Assign(_value * value); }
+    /// Ignores the state.
+    constexpr nxDoubleValueWrapper& operator/=(double value) { return _Assign(_value / value); }
 
     /// @return the larger of two values, @p a when they are equal within the tolerance; when one is not valid, the
     ///         other one.

@@ -10,8 +10,7 @@
 /// A text stream without locale, formatting flags or virtual calls: it hands the bytes of each piece to its writer.
 ///
 /// - @p Writer is a type with `void Write(const char* bytes, std::size_t count)`, for example
-/// nxSimpleAsciiStringWriter.
-///   The stream owns one.
+///   nxSimpleAsciiStringWriter. The stream owns one.
 /// - Numbers are written in decimal, without grouping or padding. A null `const char*` writes nothing.
 /// - Errors: none of its own; what the writer throws (memory exhausted) passes through.
 /// - Threads: like a string.

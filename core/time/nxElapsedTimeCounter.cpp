@@ -9,7 +9,7 @@ namespace
 // The performance counter is the system's monotonic clock, so its frequency is known without asking.
 constexpr double ticksPerSecond = 1e9;
 
-long long ReadCounter() { return nxClock::MonotonicNanoseconds(); }
+long long ReadCounter() { return nxClock::MeasuredNanoseconds(); }
 
 // Taken at load; a static constructor that asks before reads the time since the machine was started.
 std::atomic<long long> globalStart{ReadCounter()};

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "core/log/nxLogMacros.h"
 
 TEST(nxCapturingLogDevice, KeepsRecordsFromItsConstructionToItsDestruction)
@@ -12,8 +14,9 @@ TEST(nxCapturingLogDevice, KeepsRecordsFromItsConstructionToItsDestruction)
         const int line = __LINE__ + 1;
         NX_LOG(NX_LOG_LEVEL_WARNING) << "price " << 7;
         NX_LOG(NX_LOG_LEVEL_DEBUG) << "below the threshold";
-        ASSERT_TRUE(log.WaitFor(nxCapturingLogDevice::Both(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING),
-                                                           nxCapturingLogDevice::Contains("price 7"))));
+        ASSERT_TRUE(log.WaitFor(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING) &&
+                                nxCapturingLogDevice::Contains("price 7")))
+            << log;
         const auto records = log.GetRecords();
         EXPECT_EQ(records.back().line, static_cast<unsigned>(line));
         EXPECT_EQ(log.Count(nxCapturingLogDevice::AtLeast(NX_LOG_LEVEL_ERROR)), 0u);
@@ -22,4 +25,22 @@ TEST(nxCapturingLogDevice, KeepsRecordsFromItsConstructionToItsDestruction)
         EXPECT_TRUE(log.GetRecords().empty());
     }
     NX_LOG(NX_LOG_LEVEL_INFO) << "after";  // must not reach the destroyed device
+}
+
+TEST(nxCapturingLogDevice, MatchersCombineAndRecordsPrintThemselves)
+{
+    using Log = nxCapturingLogDevice;
+    Log log;
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "feed/session", 88) << "gap";
+    NX_LOG_AT(NX_LOG_LEVEL_INFO, "feed/session", 90) << "gap closed";
+    NX_LOG_AT(NX_LOG_LEVEL_INFO, "feed/book", 7) << "rebuilt";
+    ASSERT_TRUE(log.WaitFor(Log::Contains("rebuilt"))) << log;
+    EXPECT_EQ(log.Count(Log::From("feed/session")), 2u);
+    EXPECT_EQ(log.Count(Log::From("feed/session") && !Log::Contains("closed")), 1u);
+    EXPECT_EQ(log.Count(Log::AtLeast(NX_LOG_LEVEL_WARNING) || Log::From("feed/book")), 2u);
+    EXPECT_EQ(log.Count([](const nxCapturedRecord& record) { return record.line == 90; }), 1u);
+    std::ostringstream printed;
+    printed << log;
+    EXPECT_EQ(printed.str(),
+              "ERR gap [feed/session:88]\nINF gap closed [feed/session:90]\nINF rebuilt [feed/book:7]\n");
 }

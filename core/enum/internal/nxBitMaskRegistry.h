@@ -44,6 +44,17 @@ public:
         return added;
     }
 
+    /// The texts of the flags set in @p mask, lowest bit first, or what stands for a mask that is not valid.
+    template <class Mask>
+    std::string Describe(const Mask& mask, std::string_view separator, std::string Texts::*text) const
+    {
+        if (mask.IsNull())
+            return "Null";
+        if (mask.IsNoChange())
+            return "No Change";
+        return Describe(mask.GetClassName(), mask.GetValue(), separator, text);
+    }
+
     /// The texts of the flags set in @p word, lowest bit first.
     std::string Describe(std::string_view className, Word word, std::string_view separator,
                          std::string Texts::*text) const

@@ -1,0 +1,89 @@
+#include "core/testing/nxSteppedClock.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "core/log/nxLogMacros.h"
+#include "core/testing/nxCapturingLogDevice.h"
+#include "core/time/nxElapsedTimeCounter.h"
+
+using namespace std::chrono_literals;
+
+namespace
+{
+// Well away from today, so that no true time is taken for a stepped one.
+const nxTimeStamp start(1'000'000'000, 999'999'999);
+
+bool IsTrueTime(const nxTimeStamp& stamp) { return stamp.GetSeconds() > start.GetSeconds() + 100'000'000; }
+}  // namespace
+
+TEST(nxSteppedClock, TimeStampsMoveByStepsAlone)
+{
+    {
+        nxSteppedClock clock(start);
+        EXPECT_EQ(nxTimeStamp::Now(), start);
+        EXPECT_EQ(nxTimeStamp(), nxTimeStamp(1'000'000'000, 999'000'000));  // whole milliseconds
+        clock.Step(1ns);
+        EXPECT_EQ(nxTimeStamp::Now(), nxTimeStamp(1'000'000'001, 0));
+        clock.Step(-2s);
+        nxTimeStamp seen(0, 0);
+        std::thread([&seen] { seen = nxTimeStamp::Now(); }).join();
+        EXPECT_EQ(seen, nxTimeStamp(999'999'999, 0));
+        clock.Set(nxTimeStamp(-1, 5));
+        EXPECT_EQ(nxTimeStamp::Now(), nxTimeStamp(-1, 5));
+        clock.Set(nxTimeStamp(99'999'999'999, 0));  // the year 5138 is beyond what is counted in nanoseconds
+        EXPECT_EQ(nxTimeStamp::Now().GetSeconds(), 9'223'372'036);
+        clock.Step(24h);
+        EXPECT_EQ(nxTimeStamp::Now().GetSeconds(), 9'223'372'036);
+    }
+    EXPECT_TRUE(IsTrueTime(nxTimeStamp::Now()));
+    const nxTimeStamp before = nxTimeStamp::Now();
+    const nxSteppedClock stopped;
+    EXPECT_GE(nxTimeStamp::Now(), before);
+}
+
+TEST(nxSteppedClock, ElapsedTimeIsWhatWasSteppedForward)
+{
+    nxSteppedClock clock(start);
+    nxElapsedTimeCounter counter;
+    clock.Step(1500ms);
+    EXPECT_EQ(counter.GetElapsedTimeInSeconds(), 1.5);
+    clock.Set(nxTimeStamp(0, 0));
+    clock.Step(-1h);
+    EXPECT_EQ(counter.GetElapsedTimeInSeconds(), 1.5);
+    counter.Reset();
+    EXPECT_EQ(counter.GetElapsedTimeInSeconds(), 0.0);
+}
+
+TEST(nxSteppedClock, TheLogWorksOnAndStampsItsRecordsWithTheTrueTime)
+{
+    const nxSteppedClock clock(start);
+    nxCapturingLogDevice log;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "while the clock stands";
+    ASSERT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains("while the clock stands"))) << log;
+    EXPECT_TRUE(IsTrueTime(log.GetRecords().back().timeStamp));
+}
+
+TEST(nxSteppedClock, NoThreadSeesTheTrueTimeWhileItIsStopped)
+{
+    std::atomic<bool> done{false};
+    std::thread reader(
+        [&done]
+        {
+            while (!done)
+                static_cast<void>(nxTimeStamp::Now());  // keeps publishing the true time whenever it may
+        });
+    for (int round = 0; round < 200; ++round)
+    {
+        {
+            const nxSteppedClock clock(start);
+            for (int i = 0; i < 50; ++i)
+                EXPECT_EQ(nxTimeStamp::Now(), start);
+        }
+        EXPECT_TRUE(IsTrueTime(nxTimeStamp::Now()));
+    }
+    done = true;
+    reader.join();
+}
