@@ -11,6 +11,8 @@
 #include <ctime>
 #include <utility>
 
+#include "core/platform/nxUninterrupted.h"
+
 namespace
 {
 constexpr mode_t fileMode = 0640;
@@ -58,9 +60,7 @@ private:
         sigemptyset(&one);
         sigaddset(&one, signal);
         const timespec noTime{};
-        while (sigtimedwait(&one, nullptr, &noTime) < 0 && errno == EINTR)
-        {
-        }
+        nxUninterrupted::Do([&] { return sigtimedwait(&one, nullptr, &noTime); });
     }
 
     sigset_t _signals;
@@ -90,11 +90,7 @@ int MoveAboveStandardStreams(int descriptor)
 
 int OpenAbove(const char* path, int flags, mode_t mode)
 {
-    int descriptor = -1;
-    do
-        descriptor = open(path, flags | O_CLOEXEC, mode);
-    while (descriptor < 0 && errno == EINTR);
-    return MoveAboveStandardStreams(descriptor);
+    return MoveAboveStandardStreams(nxUninterrupted::Do([&] { return open(path, flags | O_CLOEXEC, mode); }));
 }
 }  // namespace
 
@@ -119,17 +115,22 @@ int nxFile::WriteTo(int descriptor, const char* data, std::size_t size, std::siz
 {
     const WriteSignals signals;
     written = 0;
+    int roomsThatWereNone = 0;
     while (written < size)
     {
-        const ssize_t taken = signals.Write(descriptor, data + written, size - written);
-        if (taken > 0)
-            written += static_cast<std::size_t>(taken);
-        else if (taken == 0)
+        const ssize_t taken =
+            nxUninterrupted::Do([&] { return signals.Write(descriptor, data + written, size - written); });
+        if (taken == 0)
             return ENOSPC;  // a device that takes nothing and gives no reason is full
-        else if (errno == EAGAIN && WaitForRoom(descriptor))
+        if (taken > 0)
+        {
+            written += static_cast<std::size_t>(taken);
+            roomsThatWereNone = 0;
             continue;
-        else if (errno != EINTR)
-            return errno;
+        }
+        const int error = errno;
+        if (error != EAGAIN || ++roomsThatWereNone == nxUninterrupted::Attempts || !WaitForRoom(descriptor))
+            return error;
     }
     return 0;
 }
@@ -163,11 +164,11 @@ int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size
     std::size_t used = 0;
     for (;;)
     {
-        const ssize_t taken = read(file._descriptor, content.data() + used, content.size() - used);
-        if (taken < 0 && errno != EINTR)
+        const ssize_t taken =
+            nxUninterrupted::Do([&] { return read(file._descriptor, content.data() + used, content.size() - used); });
+        if (taken < 0)
             return errno;
-        if (taken > 0)
-            used += static_cast<std::size_t>(taken);
+        used += static_cast<std::size_t>(taken);
         if (used == content.size())
             return EFBIG;
         if (taken == 0)

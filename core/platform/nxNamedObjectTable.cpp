@@ -13,6 +13,8 @@
 #include <iterator>
 #include <new>
 
+#include "core/platform/nxUninterrupted.h"
+
 namespace
 {
 // Entry 0 of the file is the header. Processes of different builds share the file, so a change of the layout changes
@@ -81,10 +83,7 @@ struct flock LockOf(short type, off_t byte)
 bool SetLock(int descriptor, int command, short type, off_t byte) noexcept
 {
     struct flock lock = LockOf(type, byte);
-    int result = fcntl(descriptor, command, &lock);
-    while (result != 0 && errno == EINTR)
-        result = fcntl(descriptor, command, &lock);
-    return result == 0;
+    return nxUninterrupted::Do([&] { return fcntl(descriptor, command, &lock); }) == 0;
 }
 
 bool LockShared(int descriptor, off_t number) { return SetLock(descriptor, F_OFD_SETLK, F_RDLCK, number); }
@@ -198,11 +197,12 @@ bool IsWithinFileSizeLimit(off_t size)
 // Reserves the memory, so that no later access finds it used up.
 bool Reserve(int descriptor, off_t offset, off_t bytes)
 {
-    int result = EINTR;
-    while (result == EINTR)
-        result = posix_fallocate(descriptor, offset, bytes);
-    errno = result;
-    return result == 0;
+    const auto reserve = [&]
+    {
+        errno = posix_fallocate(descriptor, offset, bytes);
+        return errno == 0 ? 0 : -1;
+    };
+    return nxUninterrupted::Do(reserve) == 0;
 }
 }  // namespace
 

@@ -1,4 +1,4 @@
-# Locks and named objects of processes that are killed.
+# Locks and named objects of processes that are killed, and system calls that fail.
 
 # The test prints what it did in lines that begin with three blanks.
 row_kills()
@@ -11,3 +11,13 @@ row_kills()
     report kills "$(sed -n 's/^   //p' build/endure/test_thread.log | paste -sd ';')" "$failed"
 }
 add_row kills 2
+
+row_faults()
+{
+    build release || { report faults "does not build" 1; return; }
+    local failed=0
+    NX_TEST_FAULTS=${NX_ENDURE_FAULTS:-3000} NX_TEST_SEED=$RANDOM run_tests release test_endurance 'systemCallFaults.*' ||
+        { failed=1; tail -n 20 build/endure/test_endurance.log; }
+    report faults "$(sed -n 's/^   //p' build/endure/test_endurance.log | paste -sd ';')" "$failed"
+}
+add_row faults 1
