@@ -227,8 +227,8 @@ public:
     }
     /// Negates the number. The most negative mantissa has no counterpart and stays.
     constexpr void InvertSign() { _Negate(); }
-    /// Negates this object itself and returns it: after `y = -x` both have changed sign. Programs rely on it. For a
-    /// negated copy write `nxDecimal(x).InvertSign()` on a copy of your own.
+    /// Negates this object itself and returns it: after `y = -x` both are negated. Programs rely on it. For a negated
+    /// copy: `nxDecimal y = x; y.InvertSign();`.
     constexpr nxDecimal& operator-()
     {
         _Negate();
@@ -465,22 +465,23 @@ private:
     {
         constexpr double shift = 6755399441055744.0;
         const double number = _Rounded(scaled);
-        const double sum = number + shift;
+        const double sum = _Rounded(number + shift);
         const double nearest = sum - shift;
         return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift) +
                (number - nearest >= 0.5 ? 1 : 0);
     }
 
-    // Hands a product on as the double that it rounds to. A compiler that may use fused multiply-add would otherwise
-    // add to the product before it is rounded, and the result would depend on the caller's compiler switches.
-    static double _Rounded(double product)
+    // Hands a result on as the double that it rounds to. A compiler that may use fused multiply-add would otherwise add
+    // to a product before it is rounded, one that may reorder would cancel the shift, and the outcome would depend on
+    // the caller's compiler switches.
+    static double _Rounded(double result)
     {
 #if defined(__GNUC__) && defined(__x86_64__)
-        asm("" : "+x"(product));
+        asm("" : "+x"(result));
 #elif defined(__GNUC__) && defined(__aarch64__)
-        asm("" : "+w"(product));
+        asm("" : "+w"(result));
 #endif
-        return product;
+        return result;
     }
 
     // Reads up to eight digits with at most one separator among them as one word. False, with nothing done, for every
@@ -543,15 +544,13 @@ private:
     // Let A and B be the numbers in units of 10^-P, P <= 15 the larger place count, and u = 2^-53 the relative error of
     // one rounding.
     // - Sum and difference S = A +- B: the mantissas and 10^P are exact doubles, so each conversion is one correctly
-    // rounded
-    //   division, off by at most 2^49 u units. The sum of the doubles adds a rounding of at most 2^50 u units. Taking
+    //   rounded division, off by at most 2^49 u units. The sum of the doubles adds a rounding of at most 2^50 u units. Taking
     //   off the whole part is exact, and scaling the fraction, which is below |S| + 1 units, adds 2^50 u once more. The
     //   scaled fraction thus is off by less than (1 + 1 + 2 + 2) 2^49 u = 3/8 of a unit (terms of u^2 do not reach the
     //   remaining 1/8), and rounding it to the nearest integer gives the exact one. A whole part taken one too low,
     //   because the sum fell short of an integer, comes back with the fraction, which then rounds up to 10^P.
     // - Comparison: equal numbers are the same real number, which both divisions round to the same double. Unequal ones
-    // are
-    //   at least one unit apart, so their doubles differ by at least 1 - 2 * 2^49 u = 7/8 of a unit, 8.75e-16 or more:
+    //   are at least one unit apart, so their doubles differ by at least 1 - 2 * 2^49 u = 7/8 of a unit, 8.75e-16 or more:
     //   beyond the tolerance, and in the right order.
     static bool _AreSmall(const nxDecimal& a, const nxDecimal& b, long long& left, long long& right)
     {

@@ -105,16 +105,7 @@ public:
     /// @return the end of the text.
     static char* Write(char* out, std::uint64_t value)
     {
-        constexpr std::uint64_t tenDigits = 10'000'000'000;
-        constexpr std::uint64_t eightDigits = 100'000'000;
-        if (value < tenDigits)
-            return _WriteUpToTen(out, value);
-        const std::uint64_t upper = value / eightDigits;
-        if (upper < tenDigits)
-            out = _WriteUpToTen(out, upper);
-        else
-            out = _WriteEight(_WriteUpToTen(out, upper / eightDigits), upper % eightDigits);
-        return _WriteEight(out, value % eightDigits);
+        return value < _tenDigits ? _WriteUpToTen(out, value) : _WriteLong(out, value);
     }
 
     /// Writes a number with a '-' in front when it is negative; no terminator.
@@ -158,30 +149,8 @@ public:
     {
         if (begin == end)
             return false;
-        std::uint64_t sum = 0;
-        auto size = static_cast<std::size_t>(end - begin);
-        for (; size >= 8; size -= 8, begin += 8)
-        {
-            const std::uint64_t word = Load(begin);
-            if (FindNonDigit(word) != 0)
-                return false;
-            sum = sum * 100'000'000 + Gather(word);
-        }
-        // The bits of what is left tell of how many fours, twos and ones it is made: shorter than a loop.
-        if ((size & 4) != 0)
-        {
-            const std::uint64_t word = LoadRightAligned(begin, 4);
-            if (FindNonDigit(word) != 0)
-                return false;
-            sum = sum * 10'000 + Gather(word);
-            begin += 4;
-        }
-        if ((size & 2) != 0 && !(_TakeDigit(*begin++, sum) && _TakeDigit(*begin++, sum)))
-            return false;
-        if ((size & 1) != 0 && !_TakeDigit(*begin, sum))
-            return false;
-        value = sum;
-        return true;
+        const auto size = static_cast<std::size_t>(end - begin);
+        return size < 16 ? _ParseRest(begin, size, 0, value) : _ParseLong(begin, size, value);
     }
 
 private:
@@ -211,20 +180,60 @@ private:
         return static_cast<unsigned>(std::countr_zero(digits | (std::uint64_t{1} << 56))) / 8;
     }
 
-    static bool _TakeDigit(char character, std::uint64_t& sum)
+    static bool _TakeEight(const char* text, std::uint64_t& sum)
+    {
+        const std::uint64_t word = Load(text);
+        sum = sum * 100'000'000 + Gather(word);
+        return FindNonDigit(word) == 0;
+    }
+
+    static bool _TakeFour(const char* text, std::uint64_t& sum)
+    {
+        const auto word = static_cast<std::uint32_t>(_LoadBytes<std::uint32_t>(text)) ^ std::uint32_t{0x30303030};
+        const std::uint32_t pairs = (word * 10 + (word >> 8)) & 0x00FF00FF;
+        sum = sum * 10'000 + ((pairs * 100 + (pairs >> 16)) & 0xFFFF);
+        return (((word + 0x76767676) | word) & 0x80808080) == 0;
+    }
+
+    static bool _TakeOne(char character, std::uint64_t& sum)
     {
         const unsigned digit = static_cast<unsigned char>(character) - unsigned{'0'};
         sum = sum * 10 + digit;
         return digit <= 9;
     }
 
-    // The 128-bit product of two numbers: returns the upper half and stores the lower one.
-    static constexpr std::uint64_t _Multiply(std::uint64_t a, std::uint64_t b, std::uint64_t& low)
+    // Reads the last digits of a number, less than 16, behind those that make `sum`. The bits of their count tell of
+    // how many eights, fours, twos and ones they are made: shorter than a loop.
+    static bool _ParseRest(const char* at, std::size_t size, std::uint64_t sum, std::uint64_t& value)
     {
-        __extension__ using Wide = unsigned __int128;
-        const Wide product = static_cast<Wide>(a) * b;
-        low = static_cast<std::uint64_t>(product);
-        return static_cast<std::uint64_t>(product >> 64);
+        if ((size & 8) != 0)
+        {
+            if (!_TakeEight(at, sum))
+                return false;
+            at += 8;
+        }
+        if ((size & 4) != 0)
+        {
+            if (!_TakeFour(at, sum))
+                return false;
+            at += 4;
+        }
+        if ((size & 2) != 0 && !(_TakeOne(*at++, sum) && _TakeOne(*at++, sum)))
+            return false;
+        if ((size & 1) != 0 && !_TakeOne(*at, sum))
+            return false;
+        value = sum;
+        return true;
+    }
+
+    // Out of line, so that its loop takes no registers from the short texts.
+    [[gnu::noinline]] static bool _ParseLong(const char* at, std::size_t size, std::uint64_t& value)
+    {
+        std::uint64_t sum = 0;
+        for (; size >= 16; size -= 8, at += 8)
+            if (!_TakeEight(at, sum))
+                return false;
+        return _ParseRest(at, size, sum, value);
     }
 
     // "00" to "99".
@@ -258,6 +267,15 @@ private:
         return out + 2 - isSingle;
     }
 
+    // The 128-bit product of two numbers: returns the upper half and stores the lower one.
+    static constexpr std::uint64_t _Multiply(std::uint64_t a, std::uint64_t b, std::uint64_t& low)
+    {
+        __extension__ using Wide = unsigned __int128;
+        const Wide product = static_cast<Wide>(a) * b;
+        low = static_cast<std::uint64_t>(product);
+        return static_cast<std::uint64_t>(product >> 64);
+    }
+
     // The first one or two digits of a number below 100^(Pairs + 1), then `Pairs` pairs.
     //
     // The number is divided by 100^Pairs in fixed point, with 64 bits behind the point. The first digits are then the
@@ -276,18 +294,32 @@ private:
         return out;
     }
 
+    static constexpr std::uint64_t _eightDigits = 100'000'000;  // what has more digits is not below it
+    static constexpr std::uint64_t _tenDigits = 10'000'000'000;
+
     // A number below 10^10, without leading zeros.
     static char* _WriteUpToTen(char* out, std::uint64_t value)
     {
-        if (value < 100)
-            return _WriteFirstPair(out, value);
-        if (value < 1'000'000)
+        if (value >= 1'000'000)
+            return value < _eightDigits ? _WritePairs<3>(out, value, true) : _WritePairs<4>(out, value, true);
+        if (value >= 100)
             return value < 10'000 ? _WritePairs<1>(out, value, true) : _WritePairs<2>(out, value, true);
-        return value < 100'000'000 ? _WritePairs<3>(out, value, true) : _WritePairs<4>(out, value, true);
+        return _WriteFirstPair(out, value);
     }
 
     // Exactly eight digits of a number below 10^8.
     static char* _WriteEight(char* out, std::uint64_t value) { return _WritePairs<3>(out, value, false); }
+
+    // A number with more than ten digits. Out of line, to keep the places small where numbers are written.
+    [[gnu::noinline]] static char* _WriteLong(char* out, std::uint64_t value)
+    {
+        const std::uint64_t upper = value / _eightDigits;
+        if (upper < _tenDigits)
+            out = _WriteUpToTen(out, upper);
+        else
+            out = _WriteEight(_WriteUpToTen(out, upper / _eightDigits), upper % _eightDigits);
+        return _WriteEight(out, value % _eightDigits);
+    }
 };
 
 #endif

@@ -44,14 +44,10 @@ public:
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxDoubleValueWrapper(double value) : _value(value) {}
 
-    static constexpr nxDoubleValueWrapper GetNullInstance()
-    {
-        return nxDoubleValueWrapper(NullValue);
-    }  ///< A null wrapper.
-    static constexpr nxDoubleValueWrapper GetNoChangeInstance()
-    {
-        return nxDoubleValueWrapper(NoChangeValue);
-    }  ///< A no-change wrapper.
+    /// A null wrapper.
+    static constexpr nxDoubleValueWrapper GetNullInstance() { return nxDoubleValueWrapper(NullValue); }
+    /// A no-change wrapper.
+    static constexpr nxDoubleValueWrapper GetNoChangeInstance() { return nxDoubleValueWrapper(NoChangeValue); }
 
     constexpr void SetNull() { _value = NullValue; }                       ///< The number is forgotten.
     constexpr void SetNoChange() { _value = NoChangeValue; }               ///< The number is forgotten.

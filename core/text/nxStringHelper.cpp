@@ -22,13 +22,10 @@ namespace
 {
 constexpr const char* trimmed = " \t\n\r";
 constexpr unsigned maxDecimals = 9;
-constexpr std::uint64_t powersOfTen[] = {1,       10,        100,        1'000,       10'000,
-                                         100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
-constexpr double doublePowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-
 // The largest text of a double: sign, 10 digits, point, 9 digits; or sign and "d.dddddde+ddd".
 constexpr std::size_t doubleTextSize = 32;
+
+std::uint64_t Power(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -39,7 +36,8 @@ constexpr std::size_t exactDigits = 15;
 double Divide(std::uint64_t mantissa, std::size_t decimals)
 {
     // From a signed integer the processor converts in one step.
-    return static_cast<double>(static_cast<std::int64_t>(mantissa)) / doublePowersOfTen[decimals];
+    return static_cast<double>(static_cast<std::int64_t>(mantissa)) /
+           nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
 }
 
 // The number that two digit words spell, the second of which stands for `unit` of the first.
@@ -77,7 +75,7 @@ bool ReadPrice(const char* begin, std::size_t size, char separator, double& magn
     const std::uint64_t fraction = last >> (64 - 8 * decimals) << (64 - 8 * decimals);
     if (nxDigits::FindNonDigit(fraction) != 0)
         return false;
-    magnitude = Divide(GatherBoth(whole, fraction, powersOfTen[decimals]), decimals);
+    magnitude = Divide(GatherBoth(whole, fraction, Power(decimals)), decimals);
     return true;
 }
 
@@ -92,7 +90,7 @@ bool ReadExactly(const char* begin, const char* end, char separator, double& mag
         (decimals != end && !nxDigits::Parse(decimals, end, fraction)))
         return false;
     const auto count = static_cast<std::size_t>(end - decimals);
-    magnitude = Divide(whole * nxPowersOfTen::GetInteger(static_cast<unsigned char>(count)) + fraction, count);
+    magnitude = Divide(whole * Power(count) + fraction, count);
     return true;
 }
 
@@ -122,6 +120,17 @@ bool ReadDigitByDigit(const char* at, const char* end, char separator, double& m
     return anyDigit;
 }
 
+// Reads what ReadPrice() does not take. Out of line, so that it costs prices no registers.
+[[gnu::noinline]] bool ReadAnyDouble(const char* begin, const char* end, char separator, bool negative, double& value)
+{
+    const bool isExact = static_cast<std::size_t>(end - begin) <= exactDigits && !IsDigit(separator);
+    double magnitude = 0;
+    if (!(isExact ? ReadExactly : ReadDigitByDigit)(begin, end, separator, magnitude))
+        return false;
+    value = negative ? -magnitude : magnitude;
+    return true;
+}
+
 // Rounds to the digits asked for. Both parts are smaller than 2^32.
 struct RoundedDouble
 {
@@ -129,22 +138,25 @@ struct RoundedDouble
     std::uint64_t fraction;  // in units of the last decimal
 };
 
+// The integer nearest to a number from 0 to 2^51, a tie to the even one: the sum with 2^52 has no room for a fraction,
+// and the integer stands in its low bits.
+std::uint64_t ToNearest(double number)
+{
+    constexpr double shift = 4503599627370496.0;
+    return std::bit_cast<std::uint64_t>(number + shift) - std::bit_cast<std::uint64_t>(shift);
+}
+
 RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)
 {
-    const auto whole = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(magnitude));
-    const double rest = magnitude - static_cast<double>(static_cast<std::int64_t>(whole));
     if (decimals == 0)
-        return {whole + (rest > 0.5 || (rest == 0.5 && whole % 2 == 1) ? 1 : 0), 0};
-    const double scaled = rest * doublePowersOfTen[decimals];
-    auto fraction = static_cast<std::uint64_t>(nxDoubleHelper::ToInteger(scaled));
-    const double remainder = scaled - static_cast<double>(static_cast<std::int64_t>(fraction));
-    // Added up rather than branched on: nobody can predict it.
-    fraction += remainder > 0.5 ? 1 : 0;
-    if (remainder == 0.5 && (fraction == 0 || fraction % 2 == 1)) [[unlikely]]
-        ++fraction;
-    if (fraction == powersOfTen[decimals]) [[unlikely]]
-        return {whole + 1, 0};
-    return {whole, fraction};
+        return {ToNearest(magnitude), 0};
+    const long long whole = nxDoubleHelper::ToInteger(magnitude);
+    const double scaled =
+        (magnitude - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
+    // A half goes to the even neighbour like any other, unless that is 0.
+    const std::uint64_t fraction = scaled == 0.5 ? 1 : ToNearest(scaled);
+    const bool carries = fraction == Power(decimals);
+    return {static_cast<std::uint64_t>(whole) + (carries ? 1 : 0), carries ? 0 : fraction};
 }
 
 // Writes the point and the decimals without trailing zeros; nothing when there are only zeros.
@@ -153,7 +165,7 @@ char* WriteFraction(char* out, std::uint64_t fraction, unsigned decimals)
     if (fraction == 0)
         return out;
     // As nine decimals: the zeros added here are dropped again.
-    fraction *= powersOfTen[maxDecimals - decimals];
+    fraction *= Power(maxDecimals - decimals);
     const std::uint64_t first = fraction / 100'000'000;
     const std::uint64_t others = nxDigits::Spread(fraction % 100'000'000);
     *out++ = '.';
@@ -188,14 +200,9 @@ bool nxStringHelper::_ReadDouble(const std::string& text, double& value, char se
     const char* const end = begin + text.size();
     const bool negative = begin != end && *begin == '-';
     begin += negative ? 1 : 0;
-    const auto size = static_cast<std::size_t>(end - begin);
-    double magnitude = 0;
-    if (!ReadPrice(begin, size, separator, magnitude))
-    {
-        const bool isExact = size <= exactDigits && !IsDigit(separator);
-        if (!(isExact ? ReadExactly : ReadDigitByDigit)(begin, end, separator, magnitude))
-            return false;
-    }
+    double magnitude;
+    if (!ReadPrice(begin, static_cast<std::size_t>(end - begin), separator, magnitude)) [[unlikely]]
+        return ReadAnyDouble(begin, end, separator, negative, value);
     value = negative ? -magnitude : magnitude;
     return true;
 }

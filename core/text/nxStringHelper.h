@@ -283,14 +283,15 @@ private:
     static void _AppendWritten(std::string& out, Write write)
     {
         const std::size_t size = out.size();
-        if (out.capacity() - size >= Room)
+        if (out.capacity() - size < Room) [[unlikely]]
         {
-            out.resize(size + Room);
-            out.resize(static_cast<std::size_t>(write(out.data() + size) - out.data()));
+            char text[Room];
+            out.append(text, static_cast<std::size_t>(write(text) - text));
             return;
         }
-        char text[Room];
-        out.append(text, static_cast<std::size_t>(write(text) - text));
+        out.resize(size + Room);
+        char* const begin = out.data();
+        out.erase(static_cast<std::size_t>(write(begin + size) - begin));
     }
 
     template <class Integer>
