@@ -214,6 +214,12 @@ nxNamedObjectTable& nxNamedObjectTable::GetInstance()
     return table;
 }
 
+namespace
+{
+// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+[[maybe_unused]] const nxNamedObjectTable& madeAtLoad = nxNamedObjectTable::GetInstance();
+}  // namespace
+
 nxNamedObjectTable::nxNamedObjectTable() { pthread_atfork(&_BeforeFork, &_AfterForkInParent, &_AfterForkInChild); }
 
 nxNamedObject* nxNamedObjectTable::Open(const std::string& name, nxNamedObjectKind kind,

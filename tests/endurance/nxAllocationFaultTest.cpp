@@ -2,6 +2,7 @@
 // std::bad_alloc comes out, and afterwards everything works as before.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <deque>
@@ -133,6 +134,13 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              nxDateTime when(nxDate(2024, 3, 5), nxTime(9, 7, 3));
              return when.GetAsString() + nxTimeStamp(0, 0).GetAsString();
          }},
+        {"named object",
+         [&]
+         {
+             static int made = 0;
+             const std::string name = "allocation/" + std::to_string(getpid()) + '/' + std::to_string(++made);
+             return std::string(nxWindowsMutex(name).IsNull() ? "null" : "made");
+         }},
         {"log record",
          [&]
          {
@@ -149,6 +157,7 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              return std::string("logged");
          }},
     };
+    long faults = 0;
     for (const auto& scenario : scenarios)
     {
         SCOPED_TRACE(scenario.name);
@@ -168,7 +177,9 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
             }
             remaining = -1;
             ASSERT_EQ(scenario.run(), whole) << "after allocation " << allocation << " failed";
+            faults += failed;
         } while (failed && allocation < 10'000);
         EXPECT_FALSE(failed);
     }
+    EXPECT_GT(faults, 50) << "allocations of the library do not come here";
 }

@@ -61,6 +61,7 @@ void nxLogDeviceEntry::RemoveAndDestroy(bool wait) noexcept
         _removed.store(true, std::memory_order_relaxed);
         if (_IsThreadInside(*this) || !_mutex.TryLock().IsOK())
             return;
+        _mutex.AssertHeld();
         _mutex.Unlock();
     }
     // Nobody else comes here any more, and the device may end itself.

@@ -49,8 +49,8 @@ public:
     static bool IsThreadInsideAny() noexcept;
 
     /// Keeps every thread out of the device until the fork is done; gives up at @p deadline of the monotonic clock.
-    void BeforeFork(std::int64_t deadline) noexcept;
-    void AfterForkInParent() noexcept;
+    void BeforeFork(std::int64_t deadline) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInChild() noexcept;
 
 private:
@@ -105,8 +105,8 @@ public:
     /// @return the devices that were registered; the caller removes their entries.
     std::shared_ptr<const Entries> TakeAll() noexcept;
 
-    void BeforeFork() noexcept;
-    void AfterForkInParent() noexcept;
+    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInChild() noexcept;
 
 private:

@@ -79,8 +79,8 @@ public:
     std::size_t GetBytes() const noexcept { return _bytes.load(std::memory_order_relaxed); }
     std::uint32_t GetProgress() const noexcept { return _progress.load(std::memory_order_acquire); }
 
-    void BeforeFork() noexcept { _mutex.Lock(); }
-    void AfterForkInParent() noexcept { _mutex.Unlock(); }
+    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
+    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
     void AfterForkInChild() noexcept;
 
     static void ThreadEnds(void* firstChannel) noexcept;

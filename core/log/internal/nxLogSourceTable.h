@@ -17,8 +17,8 @@ public:
     /// @return the place, the same object for equal arguments. Throws without memory.
     const nxLogSource* Keep(const char* file, unsigned line);
 
-    void BeforeFork() noexcept { _mutex.Lock(); }
-    void AfterForkInParent() noexcept { _mutex.Unlock(); }
+    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
+    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
     void AfterForkInChild() noexcept;
 
 private:

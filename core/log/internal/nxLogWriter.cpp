@@ -87,6 +87,7 @@ bool nxLogWriter::EnsureRunning() noexcept
     // Whoever finds another thread at it leaves it to that one.
     if (!_startMutex.TryLock().IsOK())
         return false;
+    _startMutex.AssertHeld();
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     bool running = _running.load(std::memory_order_acquire);
     if (!running && now >= _nextStart)
@@ -175,6 +176,7 @@ void nxLogWriter::DrainHere() noexcept
 {
     if (!MayWait() || !_roundMutex.TryLock().IsOK())
         return;
+    _roundMutex.AssertHeld();
     isWriter = true;
     _WriteQueued();
     isWriter = false;
