@@ -37,7 +37,9 @@ install(CODE "
         RENAME \"libnxcore.so.${PROJECT_VERSION}-gdb.py\")
 " COMPONENT development)
 
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+# Laid out as in the source, so that the documents' links lead somewhere.
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "main.cpp" PATTERN "output.txt" PATTERN "data" EXCLUDE)

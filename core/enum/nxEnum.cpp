@@ -23,12 +23,23 @@ constexpr bool IsBelow(const nxEnum::ValueTexts& left, const nxEnum::ValueTexts&
 }
 static_assert(std::is_sorted(std::begin(listedRows), std::end(listedRows), IsBelow), "the lists ascend");
 
+// Not looked up: an application that took the identifier for a value of its own must not take the ground away.
+const nxEnumTable::Texts& TextsOfUnknown()
+{
+    static const nxEnumTable::Texts& texts = *new nxEnumTable::Texts("NOT_REGISTERED", "not registered");
+    return texts;
+}
+
 std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 }  // namespace
 
 const bool nxEnum::_registered = nxEnum::_RegisterValues();
 
-bool nxEnum::_RegisterValues() { return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE); }
+bool nxEnum::_RegisterValues()
+{
+    TextsOfUnknown();  // made while the library is loaded, not where memory may be short
+    return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE);
+}
 
 std::map<unsigned, std::pair<std::string, std::string>>& nxEnum::_Map()
 {
@@ -82,8 +93,9 @@ void nxEnum::_FillFromLists()
 const nxEnumTable::Texts& nxEnum::_GetMissingTexts(unsigned value)
 {
     _FillFromLists();
-    const nxEnumTable::Texts* const texts = nxEnumTable::Find(value);
-    return texts != nullptr ? *texts : *nxEnumTable::Find(NX_ENUM_NOT_REGISTERED);
+    if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value))
+        return *texts;
+    return TextsOfUnknown();
 }
 
 std::int64_t nxEnum::_FindMissing(std::string_view text)

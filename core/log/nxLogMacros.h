@@ -10,9 +10,9 @@
 #include "core/log/nxLogStatement.h"
 
 /// A log record of level @p level (an nxLogLevelEnum or an nxEnumValue, without side effects) to stream values into. It
-/// carries this source file and line and is handed over at the end of the statement. Below the threshold nothing that
-/// is streamed is evaluated. No co_await inside the statement.
-#define NX_LOG(level) NX_LOG_AT(level, __FILE__, __LINE__)
+/// carries the name of this source file, without its folders, and the line, and is handed over at the end of the
+/// statement. Below the threshold nothing that is streamed is evaluated. No co_await inside the statement.
+#define NX_LOG(level) NX_LOG_AT(level, __FILE_NAME__, __LINE__)
 
 /// The same with a source file name (a literal) and a line of the caller's choice.
 #define NX_LOG_AT(level, file, line)          \
