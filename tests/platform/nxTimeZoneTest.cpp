@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <optional>
@@ -10,31 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/nxZoneOfProcess.h"
+
 namespace
 {
 constexpr std::size_t scratchSize = 16'384;
-
-// The process's zone for the length of a test.
-class ZoneOfProcess
-{
-public:
-    explicit ZoneOfProcess(const char* setting)
-    {
-        if (const char* const before = std::getenv("TZ"))
-            _before = before;
-        Set(setting);
-    }
-    ~ZoneOfProcess() { Set(_before ? _before->c_str() : nullptr); }
-
-private:
-    static void Set(const char* setting)
-    {
-        setting != nullptr ? setenv("TZ", setting, 1) : unsetenv("TZ");
-        tzset();
-    }
-
-    std::optional<std::string> _before;
-};
 
 std::optional<std::int32_t> OffsetOfLibrary(std::int64_t second)
 {
@@ -125,7 +104,7 @@ TEST(nxTimeZone, AgreesWithTheCLibraryInEveryZoneOfTheDatabase)
             name.find('.') != std::string::npos || name == "leapseconds" || name == "leap-seconds.list")
             continue;
         SCOPED_TRACE(name);
-        const ZoneOfProcess process(name.c_str());
+        const nxZoneOfProcess process(name.c_str());
         ASSERT_TRUE(zone.Load(name.c_str(), scratch));
         ASSERT_EQ(FirstDifference(zone, random), "");
         ++zones;
@@ -156,7 +135,7 @@ TEST(nxTimeZone, ReadsRulesAsTheCLibraryDoes)
          })
     {
         SCOPED_TRACE(setting);
-        const ZoneOfProcess process(setting);
+        const nxZoneOfProcess process(setting);
         ASSERT_TRUE(zone.Load(setting, scratch));
         EXPECT_EQ(FirstDifference(zone, random), "");
     }
@@ -165,7 +144,7 @@ TEST(nxTimeZone, ReadsRulesAsTheCLibraryDoes)
 TEST(nxTimeZone, UsesTheMachinesZoneWithoutASetting)
 {
     std::mt19937_64 random(11);
-    const ZoneOfProcess process(nullptr);
+    const nxZoneOfProcess process(nullptr);
     nxTimeZone zone;
     char scratch[scratchSize];
     ASSERT_TRUE(zone.Load(nullptr, scratch));

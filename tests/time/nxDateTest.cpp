@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <ctime>
 #include <optional>
 #include <sstream>
@@ -12,40 +11,10 @@
 
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
+#include "tests/support/nxZoneOfProcess.h"
 
 namespace
 {
-// Local time with a fixed offset while it lives: 5 hours 30 minutes ahead of UTC.
-class FixedTimeZone
-{
-public:
-    FixedTimeZone()
-    {
-        if (const char* zone = std::getenv("TZ"))
-            _before = zone;
-        Set("FIX-5:30");
-    }
-    ~FixedTimeZone()
-    {
-        if (_before)
-            Set(_before->c_str());
-        else
-        {
-            unsetenv("TZ");
-            tzset();
-        }
-    }
-
-private:
-    static void Set(const char* zone)
-    {
-        setenv("TZ", zone, 1);
-        tzset();
-    }
-
-    std::optional<std::string> _before;
-};
-
 template <class Value>
 std::string Streamed(const Value& value)
 {
@@ -196,7 +165,7 @@ TEST(nxTime, HoldsOnlyTimesOfADay)
 
 TEST(nxDateTime, IsTheLocalTimeOfAMoment)
 {
-    const FixedTimeZone zone;
+    const nxZoneOfProcess zone("FIX-5:30");
     struct Row
     {
         long long seconds;

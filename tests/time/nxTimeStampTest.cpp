@@ -22,31 +22,10 @@
 #include <vector>
 
 #include "core/time/nxDateTime.h"
+#include "tests/support/nxZoneOfProcess.h"
 
 namespace
 {
-// The process's zone for the length of a test.
-class ZoneOfProcess
-{
-public:
-    explicit ZoneOfProcess(const char* setting)
-    {
-        if (const char* const before = std::getenv("TZ"))
-            _before = before;
-        Set(setting);
-    }
-    ~ZoneOfProcess() { Set(_before ? _before->c_str() : nullptr); }
-
-    static void Set(const char* setting)
-    {
-        setting != nullptr ? setenv("TZ", setting, 1) : unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    std::optional<std::string> _before;
-};
-
 std::string Fast(const nxTimeStamp& stamp)
 {
     char text[nxTimeStamp::TextSize + 1];
@@ -115,7 +94,7 @@ constexpr const char* zones[] = {"UTC0",
 
 TEST(nxTimeStamp, PrintsTheFixedLayout)
 {
-    const ZoneOfProcess zone("UTC0");
+    const nxZoneOfProcess zone("UTC0");
     const nxTimeStamp stamp(1'709'629'623, 123'456'789);
     EXPECT_EQ(Fast(stamp), "05Mar24 09:07:03.123.456");
     EXPECT_EQ(stamp.GetAsString(), "05Mar24 09:07:03.123");
@@ -126,7 +105,7 @@ TEST(nxTimeStamp, PrintsTheFixedLayout)
 
 TEST(nxTimeStamp, PrintsEveryFractionInSixDigits)
 {
-    const ZoneOfProcess zone("UTC0");
+    const nxZoneOfProcess zone("UTC0");
     const struct
     {
         unsigned nanoseconds;
@@ -144,7 +123,7 @@ TEST(nxTimeStamp, PrintsWhatTheCLibraryFindsInEveryZoneAtAnyMoment)
     for (const char* setting : zones)
     {
         SCOPED_TRACE(setting);
-        const ZoneOfProcess zone(setting);
+        const nxZoneOfProcess zone(setting);
         for (int i = 0; i < 4'000; ++i)
         {
             // From the neighbourhood of today to the ends of the calendar, and beyond.
@@ -168,7 +147,7 @@ TEST(nxTimeStamp, PrintsSuccessiveSecondsThroughEveryChangeOfTheClock)
     for (const char* setting : zones)
     {
         SCOPED_TRACE(setting);
-        const ZoneOfProcess zone(setting);
+        const nxZoneOfProcess zone(setting);
         constexpr long long halfHour = 1'800;
         for (long long second = 0; second < 2'000'000'000; second += halfHour)
         {
@@ -186,17 +165,17 @@ TEST(nxTimeStamp, PrintsSuccessiveSecondsThroughEveryChangeOfTheClock)
 TEST(nxTimeStamp, FollowsAChangeOfTheProcessesZone)
 {
     const nxTimeStamp stamp(1'689'000'000, 0);  // 10 July 2023, 14:40 UTC
-    const ZoneOfProcess zone("UTC0");
+    const nxZoneOfProcess zone("UTC0");
     EXPECT_EQ(Fast(stamp), "10Jul23 14:40:00.000.000");
-    ZoneOfProcess::Set("EST5EDT,M3.2.0,M11.1.0");
+    nxZoneOfProcess::Set("EST5EDT,M3.2.0,M11.1.0");
     EXPECT_EQ(Fast(stamp), "10Jul23 10:40:00.000.000");
-    ZoneOfProcess::Set("CET-1CEST,M3.5.0,M10.5.0/3");
+    nxZoneOfProcess::Set("CET-1CEST,M3.5.0,M10.5.0/3");
     EXPECT_EQ(Fast(stamp), "10Jul23 16:40:00.000.000");
     // Two zones with the same names and the same standard time, only one of which still has summer time.
-    ZoneOfProcess::Set("America/Chicago");
+    nxZoneOfProcess::Set("America/Chicago");
     const std::string chicago = Fast(stamp);
     EXPECT_EQ(chicago, Expected(stamp.GetSeconds(), 0));
-    ZoneOfProcess::Set("America/Mexico_City");
+    nxZoneOfProcess::Set("America/Mexico_City");
     const std::string mexicoCity = Expected(stamp.GetSeconds(), 0);
     for (int i = 0; i < 256; ++i)
         Fast(stamp);
@@ -210,7 +189,7 @@ TEST(nxTimeStamp, ManyThreadsMeetANewZoneAtOnce)
     for (const char* setting : zones)
     {
         SCOPED_TRACE(setting);
-        const ZoneOfProcess zone(setting);
+        const nxZoneOfProcess zone(setting);
         std::atomic<int> wrong{0};
         std::vector<std::thread> threads;
         for (unsigned t = 0; t < 4; ++t)
@@ -232,7 +211,7 @@ TEST(nxTimeStamp, ManyThreadsMeetANewZoneAtOnce)
 
 TEST(nxTimeStamp, PrintsInAForkedChild)
 {
-    const ZoneOfProcess zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const nxZoneOfProcess zone("CET-1CEST,M3.5.0,M10.5.0/3");
     const nxTimeStamp stamp(1'689'000'000, 0);
     EXPECT_EQ(Fast(stamp), "10Jul23 16:40:00.000.000");
     std::atomic<bool> stop{false};
@@ -267,7 +246,7 @@ TEST(nxTimeStamp, PrintsInAForkedChild)
 
 TEST(nxTimeStamp, PrintsWithoutAllocating)
 {
-    const ZoneOfProcess zone("Asia/Gaza");  // in no other test, so that its table is not built yet
+    const nxZoneOfProcess zone("Asia/Gaza");  // in no other test, so that its table is not built yet
     char text[nxTimeStamp::TextSize];
     const std::string expected = Expected(1'689'000'000, 0);
     const std::size_t before = mallinfo2().uordblks;
@@ -310,7 +289,7 @@ TEST(nxTimeStamp, GivesItsPartsAndOrdersByThem)
 
 TEST(nxTimeStamp, GivesALocalDateTime)
 {
-    const ZoneOfProcess zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const nxZoneOfProcess zone("CET-1CEST,M3.5.0,M10.5.0/3");
     const nxDateTime moment = nxTimeStamp(1'689'000'000, 5).GetAsDateTime();
     EXPECT_EQ(moment.GetDate(), nxDate(2023, 7, 10));
     EXPECT_EQ(moment.GetAsString(), "10 Jul 2023 16:40:00");
