@@ -1,5 +1,7 @@
 #include "core/price/nxTickTableCursor.h"
 
+#include "core/price/internal/nxTickRun.h"
+
 bool nxTickTableCursor::_Relocate(const nxDecimal& price)
 {
     if (_zone.Contains(price))
@@ -35,14 +37,19 @@ unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
 
 nxDecimal nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal price)
 {
+    nxTickRun run(*_table, up);
     while (ticks != 0 && price.IsValid())
     {
         std::uint64_t done = _Relocate(price) ? _zone.Step(up, ticks, price) : 0;
-        if (done == 0)
+        if (done != 0)
+            run.Restart();
+        else
         {
             if (!_StepByDecimals(up, price))
                 break;
             done = 1;
+            if (ticks > done)
+                done += run.Leap(price, ticks - done);
         }
         ticks -= done;
     }

@@ -88,6 +88,13 @@ nxVariableTickTable::iterator nxVariableTickTable::_Scan(const nxDecimal& magnit
     return std::find_if(_ranges.begin(), _ranges.end(), [&](const auto& band) { return !(band.first < magnitude); });
 }
 
+nxVariableTickTable::iterator nxVariableTickTable::_Find(const nxDecimal& price) const
+{
+    const std::size_t stretch = _grid.Find(price);
+    return stretch == nxTickGrid::NotFound ? _Scan(_Magnitude(price))
+                                           : _ranges.begin() + static_cast<std::ptrdiff_t>(_grid.GetBand(stretch));
+}
+
 nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& price) const
 {
     const nxDecimal magnitude = _Magnitude(price);
@@ -163,24 +170,25 @@ void nxVariableTickTable::_DecreasePrice(nxDecimal& price, iterator band) const
     price.SetDecimalPlaces(band->second.GetDecimalPlaces(), true);
 }
 
+// The band whose increment a step from a price in `band` uses.
+nxVariableTickTable::iterator nxVariableTickTable::_BandOfStep(iterator band, bool isOutwards,
+                                                               const nxDecimal& magnitude) const
+{
+    if (isOutwards || band == _ranges.begin())
+        return band;
+    const iterator lower = std::prev(band);
+    return magnitude - lower->second <= lower->first ? lower : band;
+}
+
 void nxVariableTickTable::_StepFrom(iterator band, bool up, nxDecimal& price) const
 {
     // A negative price is stepped as its mirror image.
     const bool isNegative = price.IsNegative();
+    const bool isOutwards = up != isNegative;
     if (isNegative)
         price.InvertSign();
-    if (up != isNegative)
-        _IncreasePrice(price, band);
-    else
-    {
-        if (band != _ranges.begin())
-        {
-            const iterator lower = std::prev(band);
-            if (price - lower->second <= lower->first)
-                band = lower;
-        }
-        _DecreasePrice(price, band);
-    }
+    band = _BandOfStep(band, isOutwards, price);
+    isOutwards ? _IncreasePrice(price, band) : _DecreasePrice(price, band);
     if (isNegative)
         price.InvertSign();
 }

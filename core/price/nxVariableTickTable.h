@@ -30,8 +30,7 @@ class nxTickTableCursor;
 /// @endcode
 ///
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
-///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 it is
-///   0.05.
+///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 0.05.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
 ///   step lands on its bound or lower. The result has the places of the increment of the band it lies in: zeros are
 ///   added or dropped, and no other digit is.
@@ -65,7 +64,7 @@ public:
         return _GetIncrementForPrice(price);
     }
     /// Writes the tick at each price to the same place of @p increments, as far as both spans reach. Takes the lock
-    /// once.
+    /// once for all.
     void GetTickIncrement(std::span<const nxDecimal> prices, std::span<nxDecimal> increments) const;
 
     /// Moves the price up by one tick.
@@ -82,8 +81,10 @@ public:
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
-    /// Steps within a band cost no more than one step, however many they are. Only prices of 2^49 or more units of the
-    /// finest scale involved are stepped one by one, and stop where a step changes nothing.
+    /// Costs some steps for each band on the way, however many ticks there are. Where doubles round the sums, at prices
+    /// of 2^49 or more units with more places than the tick, single steps are made until they repeat themselves: mostly
+    /// less than a hundred, never more than the tick's places make possible (10^4 at four places). So are steps that
+    /// wrap.
     void Increment(nxDecimal& price, int ticks) const;
     /// Moves each price by @p ticks single steps. Takes the lock once.
     void Increment(std::span<nxDecimal> prices, int ticks) const;
@@ -141,6 +142,7 @@ protected:
     void _DecreasePrice(nxDecimal& price, iterator band) const;
 
 private:
+    friend class nxTickRun;
     friend class nxTickTableCursor;
     friend class nxVariableTickTableContainer;
 
@@ -148,9 +150,11 @@ private:
     static nxDecimal _Magnitude(const nxDecimal& price);
     static const nxDecimal& _ReportUnknownBand();
 
-    // By the decimal rules, without lock or memory.
+    // Without lock or memory; the latter three by the decimal rules.
+    iterator _Find(const nxDecimal& price) const;
     iterator _Scan(const nxDecimal& magnitude) const;
     const nxDecimal& _TickIn(iterator band, const nxDecimal& magnitude) const;
+    iterator _BandOfStep(iterator band, bool isOutwards, const nxDecimal& magnitude) const;
     void _StepFrom(iterator band, bool up, nxDecimal& price) const;
 
     // Makes the zone one that holds the price; false when the price needs the decimal rules.

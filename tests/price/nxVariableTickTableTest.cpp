@@ -541,6 +541,53 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
     }
 }
 
+// Runs of steps through doubles, or beyond what the integers of a table take, are as long as their single steps say,
+// and do not last: two billion of these one by one would take minutes.
+TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
+{
+    struct Row
+    {
+        const char* bands;
+        long long mantissa;
+        int places;
+    };
+    const Row rows[] = {
+        {"10 0.01; 0.05", 12123456789, 9},             // past 2^49 units after some millions of steps
+        {"10 0.01; 0.05", -4503599627370497, 3},       // sums rounded to the next double
+        {"10 0.01; 0.05", 4503599627370491, 3},        // the same, and the last digits change until one is dropped
+        {"0.5", 12345678901234563, 1},                 // doubles that hold every step
+        {"0.25", 90071992547409931, 1},                // and some that do not
+        {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
+        {"10 0.01; 1", -9000000000000000007, 0},       //
+        {"1000000000000 0.0001; 0.05", 3141592, 4},    // bounds beyond the integers
+        {"1000000000000 0.0001; 0.05", 314159265, 7},  //
+        {"0.5 0.00000001; 0.25", 22000000017, 10},
+        {"0.00000001", 7777777777777777, 9},
+        {"0.00025", 1234567890123456789, 15},  // overflows on the way
+    };
+    std::mt19937_64 random(Seed());
+    for (const Row& row : rows)
+        for (const bool up : {true, false})
+        {
+            SCOPED_TRACE(std::string(row.bands) + " at " + Exact(D(row.mantissa, row.places)) + (up ? " up" : " down"));
+            const Table table(row.bands);
+            nxTickTableCursor cursor(table);
+            const int steps = static_cast<int>(1000 + random() % 2000);
+            nxDecimal single = D(row.mantissa, row.places), run = single;
+            for (int i = 0; i < steps; ++i)
+                up ? cursor.Increment(single) : cursor.Decrement(single);
+            cursor.Increment(run, up ? steps : -steps);
+            EXPECT_EQ(Exact(run), Exact(single)) << steps;
+
+            const int first = static_cast<int>(random() % INT_MAX);
+            nxDecimal whole = D(row.mantissa, row.places), halves = whole;
+            table.Increment(whole, up ? INT_MAX : INT_MIN);
+            table.Increment(halves, up ? first : -first);
+            table.Increment(halves, up ? INT_MAX - first : INT_MIN + first);
+            EXPECT_EQ(Exact(halves), Exact(whole)) << first;
+        }
+}
+
 TEST(nxVariableTickTable, SpansAreTakenAsFarAsTheyReach)
 {
     const Table table("10 0.01; 0.05");

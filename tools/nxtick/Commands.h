@@ -5,8 +5,8 @@
 
 namespace nxtick
 {
-/// @name What nxtick can do, one function for each action/// @return the exit status. @throws Failure when nothing was
-/// done.
+/// @name What nxtick can do
+/// One function for each action. @return the exit status. @throws Failure when nothing was done.
 /// @{
 int List(const Request& request);
 int Bands(const Request& request);

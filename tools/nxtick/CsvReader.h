@@ -47,8 +47,7 @@ public:
 
     /// @param source is called once for each block and lives at least as long as the reader.
     /// @param maximumRowSize a row may be this long, its line end included; more is taken for a quote that somebody
-    /// forgot
-    ///        to close. The memory that the reader takes.
+    ///        forgot to close. The memory that the reader takes.
     explicit CsvReader(Source source, std::size_t maximumRowSize = usualMaximumRowSize);
 
     /// Reads the next row; empty lines are rows with empty content.
