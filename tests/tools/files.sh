@@ -18,6 +18,14 @@ content_is new.csv "$expected"
 echo old >mode.csv && chmod 600 mode.csv && ln -s mode.csv link.csv
 run 0 $snap -csv good.csv -out link.csv
 content_is mode.csv "$expected"
+mkdir -p a/b && ln -s ../c.csv a/b/new.csv && ln -s a/b/new.csv new-link.csv
+run 0 $snap -csv good.csv -out new-link.csv
+content_is a/c.csv "$expected"
+same "links" "symbolic link symbolic link" "$(stat -c %F new-link.csv a/b/new.csv | paste -sd' ')"
+ln -s missing/x.csv dangling.csv
+refused "cannot write dangling.csv: No such file or directory" $snap -csv good.csv -out dangling.csv
+ln -s circle.csv circle.csv
+refused "cannot write circle.csv: Too many levels of symbolic links" $snap -csv good.csv -out circle.csv
 same "mode and link" "600 symbolic link" "$(stat -c %a mode.csv) $(stat -c %F link.csv)"
 cp good.csv same.csv
 run 0 $snap -csv same.csv -out same.csv
@@ -44,8 +52,12 @@ same "/dev/null" "character special file" "$(stat -c %F /dev/null)"
 if [ -e /dev/full ]; then
     run 2 $snap -csv good.csv -out /dev/full
     err_is "nxtick: cannot write /dev/full: No space left on device\n"
-    "$nxtick" $snap -csv good.csv >/dev/full 2>err
-    same "full standard output" "nxtick: cannot write stdout: No space left on device" "$(cat err)"
+    for options in "$snap -csv good.csv" "-list" "-table NFX_1" "-table NFX_1 -price 1" "-help" "-version"; do
+        case="full standard output: $options"
+        "$nxtick" $options >/dev/full 2>err
+        same "exit status" 2 $?
+        same "message" "nxtick: cannot write stdout: No space left on device" "$(cat err)"
+    done
 fi
 
 # Ended by a signal in the middle of the work.

@@ -14,6 +14,7 @@ refused "option -column is missing: the column that holds the prices" -increment
 refused "-column needs -table ID or -increment I" -column Price
 refused "-table and -increment exclude each other" $snap -table NFX_1
 refused "option -step does not go with -column" $snap -step 3
+refused "option -price is missing: where to step from" -table NFX_1 -step 3
 refused "-increment '0' is not a positive number of at most 18 digits" -increment 0 -column Price
 refused "-increment '-0.05' is not a positive number of at most 18 digits" -increment -0.05 -column Price
 refused "-increment 'abc' is not a positive number of at most 18 digits" -increment abc -column Price

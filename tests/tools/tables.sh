@@ -59,7 +59,7 @@ done <<'END'
 -12.34 off 0.05 -12.35 -12.30 -12.35 -12.35 -12.30 -12.35
 0 on 0.01 -0.01 0.01 0.00 0.00 0.00 0.00
 END
-for row in '10:3:3 ticks up:10.11' '10.05:-2:2 ticks down:9.99' '9.99:1:1 tick up:10.00'; do
+for row in '10:0:0 ticks up:10' '10:3:3 ticks up:10.11' '10.05:-2:2 ticks down:9.99' '9.99:1:1 tick up:10.00'; do
     IFS=: read -r price step what result <<<"$row"
     run 0 $own -table TWO -price "$price" -step "$step"
     same "stepped" "$what $result" "$(tail -n 1 out | tr -s ' ')"

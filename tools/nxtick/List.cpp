@@ -1,9 +1,9 @@
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
+#include "OutputFile.h"
 #include "Terminal.h"
 #include "Text.h"
 #include "TickTables.h"
@@ -40,7 +40,7 @@ int List(const Request& request)
                             entry.status});
     if (rows.size() == 1)
         throw Failure("no tick table has " + Quoted(request.filter) + " in its identifier");
-    std::cout << Terminal().WithHeading(Columns(rows, {1}, {2, 3}));
+    OutputFile::Print(Terminal().WithHeading(Columns(rows, {1}, {2, 3})));
     return 0;
 }
 
@@ -58,9 +58,9 @@ int Bands(const Request& request)
         lowerBound = rows.back()[2];
     }
     const Terminal terminal;
-    std::cout << terminal.Styled(Terminal::Style::Bold, entry.id) << "\n"
-              << Wrapped(entry.status + ": " + entry.source) << Wrapped(entry.note) << "\n"
-              << terminal.WithHeading(Columns(rows, {0}, {1, 2, 3}));
+    OutputFile::Print(terminal.Styled(Terminal::Style::Bold, entry.id) + "\n" +
+                      Wrapped(entry.status + ": " + entry.source) + Wrapped(entry.note) + "\n" +
+                      terminal.WithHeading(Columns(rows, {0}, {1, 2, 3})));
     return 0;
 }
 }  // namespace nxtick

@@ -9,7 +9,8 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #include "Failure.h"
 
@@ -40,11 +41,16 @@ void RememberTemporary(const std::string& path)
             ::signal(signal, SIG_IGN);  // whoever started the program wants it ignored
 }
 
-// The file that the name stands for, behind links, so that the link stays one and its target is replaced.
+// The file that the name stands for, behind links, so that the link stays one and its target is replaced, or made where
+// the link leads to nothing yet.
 std::string Resolve(const std::string& path)
 {
-    std::array<char, PATH_MAX> resolved{};
-    return ::realpath(path.c_str(), resolved.data()) == nullptr ? path : std::string(resolved.data());
+    constexpr int mostLinks = 40;  // as many as the system follows
+    std::filesystem::path name = path;
+    std::error_code error;
+    for (int links = 0; links < mostLinks && std::filesystem::is_symlink(name, error); ++links)
+        name = name.parent_path() / std::filesystem::read_symlink(name, error);
+    return name.string();
 }
 }  // namespace
 
@@ -57,6 +63,8 @@ OutputFile::OutputFile(const std::string& path) : _name(path.empty() ? "stdout" 
     }
     struct stat status = {};
     const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT)
+        _Fail();
     if (exists && !S_ISREG(status.st_mode))
     {
         _file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -139,6 +147,13 @@ void OutputFile::Complete()
         hasTemporary = 0;
         _temporary.clear();
     }
+}
+
+void OutputFile::Print(std::string_view text)
+{
+    OutputFile output("");
+    output.Append(text);
+    output.Complete();
 }
 
 void OutputFile::_Close()

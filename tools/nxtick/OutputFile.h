@@ -39,6 +39,9 @@ public:
     /// Hands everything over and makes the file appear. @throws Failure.
     void Complete();
 
+    /// Writes all of a text to standard output. @throws Failure.
+    static void Print(std::string_view text);
+
 private:
     void _AppendInPieces(std::string_view text);
     void _Flush();

@@ -1,11 +1,11 @@
 #include <algorithm>
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
 #include "GridChoice.h"
+#include "OutputFile.h"
 #include "PriceGrid.h"
 #include "Terminal.h"
 #include "Text.h"
@@ -93,11 +93,10 @@ int Price(const Request& request)
         {"rounded up", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_UP, price))},
         {"rounded down", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_DOWN, price))},
     };
-    if (request.step != 0)
-        rows.push_back({TicksText(request.step), DecimalText(Moved(grid, request.step, price))});
-    std::cout << Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) << ", "
-              << (grid.IsOnGrid(price) ? "on the grid" : "off the grid") << "\n\n"
-              << Columns(rows, {}, {1});
+    if (request.step)
+        rows.push_back({TicksText(*request.step), DecimalText(Moved(grid, *request.step, price))});
+    OutputFile::Print(Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) +
+                      (grid.IsOnGrid(price) ? ", on the grid\n\n" : ", off the grid\n\n") + Columns(rows, {}, {1}));
     return 0;
 }
 
@@ -115,14 +114,15 @@ int Ladder(const Request& request)
     const std::vector<std::string> lines = ColumnLines(rows, {}, {1, 2});
 
     const Terminal terminal;
-    std::cout << terminal.Styled(Terminal::Style::Bold, choice.GetName() + " around " + DecimalText(middle)) << "\n\n"
-              << terminal.Styled(Terminal::Style::Faint, lines.front()) << "\n";
+    std::string text = terminal.Styled(Terminal::Style::Bold, choice.GetName() + " around " + DecimalText(middle)) +
+                       "\n\n" + terminal.Styled(Terminal::Style::Faint, lines.front()) + "\n";
     for (std::size_t i = 0; i < rungs.size(); ++i)
     {
         if (i > 0 && rungs[i].tick != rungs[i - 1].tick)
-            std::cout << terminal.Styled(Terminal::Style::Marked, ChangeText(rungs[i - 1].tick, rungs[i].tick)) << "\n";
-        std::cout << (rungs[i].isMiddle ? terminal.Styled(Terminal::Style::Bold, lines[i + 1]) : lines[i + 1]) << "\n";
+            text += terminal.Styled(Terminal::Style::Marked, ChangeText(rungs[i - 1].tick, rungs[i].tick)) + "\n";
+        text += (rungs[i].isMiddle ? terminal.Styled(Terminal::Style::Bold, lines[i + 1]) : lines[i + 1]) + "\n";
     }
+    OutputFile::Print(text);
     return 0;
 }
 }  // namespace nxtick

@@ -176,6 +176,9 @@ nxRoundingMethodEnum ReadMethod(const std::string& text)
 
 void CheckTogether(const Options& options, const Choice& choice)
 {
+    const bool isGridAlone = choice.action == Action::Bands || std::string_view(choice.option) == "increment";
+    if (isGridAlone && Has(options, "step"))
+        throw Failure("option -price is missing: where to step from");
     const char letter = LetterOf(choice.action);
     for (const auto& [name, value] : options)
         if (FindRule(name)->actions.find(letter) == std::string_view::npos)
@@ -187,10 +190,10 @@ void CheckTogether(const Options& options, const Choice& choice)
     if (!Has(options, "table") && !Has(options, "increment"))
         throw Failure(Dashed(choice.option) + " needs -table ID" +
                       (choice.action == Action::Chart ? "" : " or -increment I"));
-    if (choice.action == Action::Snap && !Has(options, "column"))
-        throw Failure("option -column is missing: the column that holds the prices");
     if (choice.action == Action::Ladder && !Has(options, "price"))
         throw Failure("option -price is missing: the middle of the ladder");
+    if (choice.action == Action::Snap && !Has(options, "column"))
+        throw Failure("option -column is missing: the column that holds the prices");
 }
 }  // namespace
 

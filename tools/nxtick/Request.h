@@ -2,6 +2,7 @@
 #define NXTICK_REQUEST_H
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,7 +32,7 @@ struct Request
     std::string tablesFile;  ///< Tables of the user's own; empty: none.
     std::string filter;
     std::string price;  ///< As given; the grid reads it.
-    int step = 0;
+    std::optional<int> step;
     int ladder = 0;
     std::string chartFile;
     std::string csvFile;  ///< Empty: standard input.

@@ -1,11 +1,11 @@
 #include <exception>
-#include <iostream>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
+#include "OutputFile.h"
 #include "Request.h"
 #include "Terminal.h"
 #include "core/app/nxApplicationData.h"
@@ -35,7 +35,7 @@ int Run()
     switch (request.action)
     {
         case nxtick::Request::Action::Version:
-            std::cout << "nxtick " NX_CORE_VERSION "\n";
+            nxtick::OutputFile::Print("nxtick " NX_CORE_VERSION "\n");
             return 0;
         case nxtick::Request::Action::List:
             return nxtick::List(request);
@@ -52,7 +52,7 @@ int Run()
         case nxtick::Request::Action::Help:
             break;
     }
-    std::cout << nxtick::GetHelp();
+    nxtick::OutputFile::Print(nxtick::GetHelp());
     return 0;
 }
 }  // namespace
