@@ -1,5 +1,5 @@
 // Tick tables: the tick at a price, rounding to it, one step, for tables of 1, 10 and 20 bands. One thread, and four
-// threads on one table.
+// threads on one table; and one to eight threads on a table of 10 bands.
 #include <benchmark/benchmark.h>
 #include <pthread.h>
 
@@ -282,7 +282,22 @@ void DoubleFloor(benchmark::State& state, const Market* market)
     }
 }
 
-// The same for a caller whose prices are decimals, there and back.
+// What a locked table of doubles would cost.
+void MutexAndDoubleFloor(benchmark::State& state, const Market* market)
+{
+    const std::size_t middle = market->ticks.size() / 2;
+    const double tick = static_cast<double>(market->ticks[middle]) / 10000;
+    std::size_t i = 0;
+    for (auto _ : state)
+    {
+        const double price = market->doubles[i++ % ringSize];
+        pthread_mutex_lock(&sharedMutex);
+        benchmark::DoNotOptimize(Round::ByDouble(price, tick));
+        pthread_mutex_unlock(&sharedMutex);
+    }
+}
+
+// The same as DoubleFloor for a caller whose prices are decimals, there and back.
 void DoubleFloorOfDecimal(benchmark::State& state, const Market* market)
 {
     RememberedBand band;
@@ -318,9 +333,29 @@ void Register(const std::string& name, std::size_t bands, bool scattered)
     add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Job>);
     add("limit_remembered_band", RememberedBandAlone<Job>);
     add("peer_double_floor", DoubleFloor<Job>);
-    if (std::is_same_v<Job, Round>)
+    if (std::is_same_v<Job, Round> && !scattered)
+    {
         add("peer_double_floor_of_decimal", DoubleFloorOfDecimal);
+        add("limit_mutex_and_double_floor", MutexAndDoubleFloor);
+    }
     add("peer_binary_search_int", BinarySearchInt<Job>);
+}
+
+// How a table that all threads share bears more of them.
+void RegisterScaling()
+{
+    const Market* market = new Market(Make(10, false, Round::onGrid));
+    const auto add = [market](const char* column, void (*function)(benchmark::State&, const Market*))
+    {
+        benchmark::RegisterBenchmark((std::string("tick_round_scaling/") + column).c_str(), function, market)
+            ->ThreadRange(1, 8)
+            ->UseRealTime();
+    };
+    add("ours_locked", Locked<Round>);
+    add("ours_batched", Batched<Round>);
+    add("ours_cursor", Cursor<Round>);
+    add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Round>);
+    add("peer_double_floor", DoubleFloor<Round>);
 }
 
 const bool isRegistered = []
@@ -333,6 +368,7 @@ const bool isRegistered = []
     }
     Register<TickAtPrice>("tick_at_price", 20, true);
     Register<Round>("tick_round", 20, true);
+    RegisterScaling();
     return true;
 }();
 }  // namespace

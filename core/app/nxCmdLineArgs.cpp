@@ -119,6 +119,24 @@ void nxCmdLineArgs::_ReadEnvs(char** envp)
             _envs[std::string(static_cast<const char*>(*envp), separator)] = separator + 1;
 }
 
+const std::string& nxCmdLineArgs::GetCommand() const
+{
+    const nxMutexGuard guard(_mutex);
+    return _command;  // written once, before anybody can have a reference to what it was given
+}
+
+char** nxCmdLineArgs::GetRawArgv() const
+{
+    const nxMutexGuard guard(_mutex);
+    return _argv;
+}
+
+char** nxCmdLineArgs::GetRawEnvp() const
+{
+    const nxMutexGuard guard(_mutex);
+    return _envp;
+}
+
 bool nxCmdLineArgs::IsArgDefined(const std::string& name) const
 {
     const nxMutexGuard guard(_mutex);

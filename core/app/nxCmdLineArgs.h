@@ -49,7 +49,7 @@ public:
     void Initialise(char** argv, char** envp);
 
     /// The word that the program was started with; empty before Initialise() and when there was none.
-    const std::string& GetCommand() const { return _command; }
+    const std::string& GetCommand() const;
 
     /// Whether the option was given, with or without a value.
     bool IsArgDefined(const std::string& name) const;
@@ -74,9 +74,9 @@ public:
     void GetUnprocessedArgs(std::vector<std::string>& words) const;
 
     /// The argv given to Initialise(), or null.
-    char** GetRawArgv() const { return _argv; }
+    char** GetRawArgv() const;
     /// The envp given to Initialise(), or null.
-    char** GetRawEnvp() const { return _envp; }
+    char** GetRawEnvp() const;
 
     /// An environment variable's value, or empty when it is not set. Once Initialise() was given an environment, that
     /// copy answers and later changes by others are not seen; before, the system is asked.

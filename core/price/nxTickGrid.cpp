@@ -95,19 +95,26 @@ struct Extent
 
 void SetRounding(const Extent& extent, const Scale& scale, std::uint64_t divisor, nxTickZone& zone)
 {
-    if (extent.first > extent.lastExact)
+    // The division takes the whole stretch and two ticks.
+    if (extent.first > extent.lastExact || divisor > nxTickZone::MaxScaled / 4)
         return;
+    const std::uint64_t factor = scale.IsFiner() ? 1 : scale.GetPower();
+    const bool isNegative = extent.isNegative;
+    // Towards zero by magnitude is upwards for a negative price.
+    const std::uint64_t start = factor * (isNegative ? extent.lastExact : extent.first);
+    const std::uint64_t ticks = (start + (isNegative ? divisor - 1 : 0)) / divisor;
+    const std::uint64_t distance = 2 * (isNegative ? ticks * divisor - start : start - ticks * divisor);
+    const std::uint64_t up = distance + divisor / 2 * 2;
+    const std::uint64_t down = distance + (divisor - 1) / 2 * 2;
     zone.roundingPlaces = zone.places;
-    zone.rounding = extent.MakeRange(extent.first, extent.lastExact);
-    zone.factor[0] = 2 * static_cast<std::int64_t>(scale.IsFiner() ? 1 : scale.GetPower());
-    zone.factor[1] = -zone.factor[0];
-    zone.tick[0] = zone.increment->GetValue();
-    zone.tick[1] = -zone.tick[0];
-    // Down, up, nearest and modified nearest; on the magnitude of a negative price the first two change places.
-    zone.bias[0] = zone.bias[5] = 0;
-    zone.bias[1] = zone.bias[4] = 2 * (divisor - 1);
-    zone.bias[2] = zone.bias[6] = divisor / 2 * 2;
-    zone.bias[3] = zone.bias[7] = (divisor - 1) / 2 * 2;
+    zone.rounding = {isNegative ? 0 - extent.lastExact : extent.first, extent.lastExact - extent.first};
+    zone.factor = 2 * factor;
+    zone.tick = zone.increment->GetValue();
+    zone.base = static_cast<std::int64_t>(ticks) * (isNegative ? -zone.tick : zone.tick);
+    zone.start[0] = distance;
+    zone.start[1] = distance + 2 * (divisor - 1);
+    zone.start[2] = isNegative ? down : up;  // half a tick goes away from zero
+    zone.start[3] = isNegative ? up : down;
 }
 
 // A step adds at the price's own scale. With the very places of the tick that is exact whatever the size, but the

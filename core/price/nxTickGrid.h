@@ -35,6 +35,8 @@ public:
     std::size_t Find(const nxDecimal& price) const;
     /// @return the index of the band that a found stretch lies in.
     std::size_t GetBand(std::size_t stretch) const { return _stretches[stretch].band; }
+    /// @return the tick of a found stretch, in the table's own band.
+    const nxDecimal& GetIncrement(std::size_t stretch) const { return *_stretches[stretch].increment; }
     /// Makes @p zone the stretch that Find() gave for @p price.
     void Fill(std::size_t stretch, const nxDecimal& price, nxTickZone& zone) const;
 

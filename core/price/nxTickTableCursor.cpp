@@ -2,6 +2,15 @@
 
 #include "core/price/internal/nxTickRun.h"
 
+std::size_t nxTickTableCursor::_Search(const nxDecimal& price)
+{
+    const std::size_t stretch = _table->_grid.Find(price);
+    if (stretch != nxTickGrid::NotFound && stretch == _lastStretch)
+        _table->_grid.Fill(stretch, price, _zone);
+    _lastStretch = stretch;
+    return stretch;
+}
+
 bool nxTickTableCursor::_Relocate(const nxDecimal& price)
 {
     if (_zone.Contains(price))
@@ -22,8 +31,8 @@ nxVariableTickTable::iterator nxTickTableCursor::_FindRange(const nxDecimal& pri
 
 const nxDecimal& nxTickTableCursor::_FindTick(nxDecimal price)
 {
-    if (_Relocate(price))
-        return *_zone.increment;
+    if (const std::size_t stretch = _Search(price); stretch != nxTickGrid::NotFound)
+        return _table->_grid.GetIncrement(stretch);
     const nxDecimal magnitude = nxVariableTickTable::_Magnitude(price);
     const auto band = _table->_Scan(magnitude);
     return band == _table->_ranges.end() ? nxVariableTickTable::_ReportUnknownBand() : _table->_TickIn(band, magnitude);
@@ -72,7 +81,7 @@ bool nxTickTableCursor::_StepByDecimals(bool up, nxDecimal& price)
 
 nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal price)
 {
-    if (price.IsValid() && !(_Relocate(price) && _zone.Round(method, price)))
+    if (price.IsValid())
         price.Round(_FindTick(price), method);
     return price;
 }

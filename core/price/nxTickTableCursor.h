@@ -1,6 +1,7 @@
 #ifndef CORE_PRICE_NXTICKTABLECURSOR_H
 #define CORE_PRICE_NXTICKTABLECURSOR_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "core/enum/nxRoundingMethodEnum.h"
@@ -73,6 +74,8 @@ private:
 
     nxTickTableCursor(const nxVariableTickTable& table, const nxTickZone& zone) : _table(&table), _zone(zone) {}
 
+    // As those of the table.
+    std::size_t _Search(const nxDecimal& price);
     bool _Relocate(const nxDecimal& price);
     nxVariableTickTable::iterator _FindRange(const nxDecimal& price);
     bool _StepByDecimals(bool up, nxDecimal& price);
@@ -84,6 +87,7 @@ private:
 
     const nxVariableTickTable* _table;
     nxTickZone _zone;
+    std::size_t _lastStretch = nxTickGrid::NotFound;
 };
 
 #endif

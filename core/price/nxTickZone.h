@@ -50,10 +50,11 @@ struct nxTickZone
     std::int64_t step = 0;                    ///< One tick at the places of the prices.
     std::uint64_t reciprocal = 0;             ///< ceil(2^(63 + shift) / one tick at the scale of the division).
 
-    // For positive prices, then for negative ones.
-    std::int64_t factor[2] = {};  ///< Takes a price to twice its magnitude at the scale of the division.
-    std::int64_t tick[2] = {};    ///< Takes the magnitude in ticks to the rounded price.
-    std::uint64_t bias[8] = {};   ///< Added before the division, one for each rounding method.
+    // Rounding counts ticks upwards from a multiple that is not above the first price.
+    std::uint64_t factor = 0;     ///< Takes a distance in prices to twice that at the scale of the division.
+    std::uint64_t start[4] = {};  ///< Twice the first price's distance and the method's bias, for each rounding method.
+    std::int64_t base = 0;        ///< The multiple.
+    std::int64_t tick = 0;        ///< One tick.
 
     /// Makes the zone one that holds no price.
     void Clear() { places = roundingPlaces = steppingPlaces = NoPlaces; }
@@ -77,12 +78,12 @@ struct nxTickZone
     {
         const std::int64_t value = price.GetValue();
         const std::size_t index = method.GetValue() - std::size_t{NX_ROUNDING_METHOD_DOWN};
-        if (price.GetScale() != roundingPlaces || !rounding.Contains(value) || index > 3)
+        const std::uint64_t distance = static_cast<std::uint64_t>(value) - rounding.first;
+        if (price.GetScale() != roundingPlaces || distance > rounding.span || index > 3)
             return false;
-        const std::size_t side = value < 0 ? 1 : 0;
-        const std::uint64_t scaled = static_cast<std::uint64_t>(value * factor[side]) + bias[4 * side + index];
-        const auto ticks = static_cast<std::int64_t>(_MultiplyHigh(scaled, reciprocal) >> shift);
-        price = nxDecimal::ConstructFromValueAndDecimalPlaces(ticks * tick[side], tickPlaces);
+        const std::uint64_t ticks = _MultiplyHigh(distance * factor + start[index], reciprocal) >> shift;
+        price =
+            nxDecimal::ConstructFromValueAndDecimalPlaces(base + static_cast<std::int64_t>(ticks) * tick, tickPlaces);
         return true;
     }
 

@@ -101,7 +101,7 @@ nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& p
     if (magnitude.IsNegative())
         return _ranges.end();
     const nxMutexGuard guard(_lock);
-    if (_zone.Contains(price) || _Relocate(price))
+    if (_zone.Contains(price) || _Search(price) != nxTickGrid::NotFound)
         return _cache;
     if (_cache != _ranges.end() && !(_cache->first < magnitude) &&
         (_cache == _ranges.begin() || std::prev(_cache)->first < magnitude))
@@ -112,17 +112,37 @@ nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& p
     return band;
 }
 
-bool nxVariableTickTable::_Relocate(const nxDecimal& price) const
+std::size_t nxVariableTickTable::_Search(const nxDecimal& price) const
 {
     const std::size_t stretch = _grid.Find(price);
     if (stretch == nxTickGrid::NotFound)
-        return false;
+        return stretch;
     const iterator band = _ranges.begin() + static_cast<std::ptrdiff_t>(_grid.GetBand(stretch));
     if (band != _cache)
         _SetCache(band);
     if (band != _cache)  // an override has not remembered it
+        return nxTickGrid::NotFound;
+    if (stretch == _lastStretch)
+        _grid.Fill(stretch, price, _zone);
+    _lastStretch = stretch;
+    return stretch;
+}
+
+const nxDecimal* nxVariableTickTable::_SearchTick(nxDecimal price) const
+{
+    const std::size_t stretch = _Search(price);
+    return stretch == nxTickGrid::NotFound ? nullptr : &_grid.GetIncrement(stretch);
+}
+
+bool nxVariableTickTable::_Relocate(const nxDecimal& price) const
+{
+    if (_zone.Contains(price))
+        return true;
+    const std::size_t stretch = _Search(price);
+    if (stretch == nxTickGrid::NotFound)
         return false;
-    _grid.Fill(stretch, price, _zone);
+    if (!_zone.Contains(price))
+        _grid.Fill(stretch, price, _zone);
     return true;
 }
 
@@ -210,24 +230,18 @@ nxDecimal nxVariableTickTable::_StepSlowly(bool up, nxDecimal price) const
     return price;
 }
 
-nxDecimal nxVariableTickTable::_RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const
+nxDecimal nxVariableTickTable::_RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method,
+                                        nxDecimal price) const
 {
-    if (!price.IsValid())
-        return price;
-    {
-        const nxMutexGuard guard(_lock);
-        if (!_zone.Contains(price) && _Relocate(price) && _zone.Round(method, price))
-            return price;
-    }
-    price.Round(_GetIncrementForPrice(price), method);
+    if (price.IsValid())
+        price.Round(tick != nullptr ? *tick : _GetIncrementForPrice(price), method);
     return price;
 }
 
 nxTickTableCursor nxVariableTickTable::_StartCursor(const nxDecimal& price) const
 {
     const nxMutexGuard guard(_lock);
-    if (!_zone.Contains(price))
-        _Relocate(price);
+    _Relocate(price);
     return nxTickTableCursor(*this, _zone);
 }
 

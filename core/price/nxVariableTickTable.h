@@ -58,8 +58,10 @@ public:
     {
         {
             const nxMutexGuard guard(_lock);
-            if (_zone.Contains(price) || _Relocate(price))
+            if (_zone.Contains(price))
                 return *_zone.increment;
+            if (const nxDecimal* const tick = _SearchTick(price); tick != nullptr)
+                return *tick;
         }
         return _GetIncrementForPrice(price);
     }
@@ -93,8 +95,14 @@ public:
     /// the next band. Nothing happens when @p method is none of the four.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
-        if (!_RoundInZone(method, price)) [[unlikely]]
-            price = _RoundSlowly(method, price);
+        const nxDecimal* tick = nullptr;
+        {
+            const nxMutexGuard guard(_lock);
+            if (_zone.Round(method, price)) [[likely]]
+                return;
+            tick = _SearchTick(price);
+        }
+        price = _RoundBy(tick, method, price);
     }
     /// Rounds each price. Takes the lock once.
     void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
@@ -157,7 +165,13 @@ private:
     iterator _BandOfStep(iterator band, bool isOutwards, const nxDecimal& magnitude) const;
     void _StepFrom(iterator band, bool up, nxDecimal& price) const;
 
-    // Makes the zone one that holds the price; false when the price needs the decimal rules.
+    // Finds the stretch of a price that is not in the zone, and makes its band the remembered one; NotFound when the
+    // price needs the decimal rules. The zone follows when two searches come to one stretch: prices that jump about
+    // would gain nothing by it.
+    std::size_t _Search(const nxDecimal& price) const NX_REQUIRES(_lock);
+    // The tick at a price that is not in the zone; null when the price needs the decimal rules.
+    const nxDecimal* _SearchTick(nxDecimal price) const NX_REQUIRES(_lock);
+    // Makes the zone one that holds the price, for steps; false when the price needs the decimal rules.
     bool _Relocate(const nxDecimal& price) const NX_REQUIRES(_lock);
     nxTickTableCursor _StartCursor(const nxDecimal& price) const;
 
@@ -166,14 +180,10 @@ private:
         const nxMutexGuard guard(_lock);
         return _zone.Step(up, 1, price) != 0;
     }
-    bool _RoundInZone(const nxRoundingMethodEnum& method, nxDecimal& price) const
-    {
-        const nxMutexGuard guard(_lock);
-        return _zone.Round(method, price);
-    }
     // By value, so that the caller's price can stay in registers.
     nxDecimal _StepSlowly(bool up, nxDecimal price) const;
-    nxDecimal _RoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const;
+    // By the tick, or by the decimal rules where it is null.
+    nxDecimal _RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal price) const;
 
     std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;
     mutable nxMutex _lock;
@@ -181,6 +191,7 @@ private:
 
     // The remembered band once more, as integers: empty, or within the band at _cache.
     mutable nxTickZone _zone NX_GUARDED_BY(_lock);
+    mutable std::size_t _lastStretch NX_GUARDED_BY(_lock) = nxTickGrid::NotFound;
     nxTickGrid _grid;
 };
 
