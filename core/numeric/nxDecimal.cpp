@@ -271,21 +271,17 @@ std::size_t nxDecimal::GetExactHash() const
     return static_cast<std::size_t>(bits ^ (bits >> 32));
 }
 
-nxErrorEnum nxDecimal::_SetFromAnyString(std::string_view text, char separator)
+bool nxDecimal::_ReadAnyString(std::string_view text, char separator, nxDecimal& value)
 {
-    if (text.empty())
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    const bool negative = text.front() == '-';
-    text.remove_prefix(negative || text.front() == '+' ? 1 : 0);
-    if (!_SetFromShortString(text, separator) && !_SetFromLongString(text, separator))
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    if (negative)
-        _Negate();
-    return nxErrorEnum();
-}
-
-bool nxDecimal::_SetFromLongString(std::string_view text, char separator)
-{
+    const bool negative = !text.empty() && text.front() == '-';
+    const bool hasSign = negative || (!text.empty() && text.front() == '+');
+    text.remove_prefix(hasSign ? 1 : 0);
+    if (hasSign && value._SetFromShortString(text, separator))
+    {
+        if (negative)
+            value._Negate();
+        return true;
+    }
     std::uint64_t mantissa = 0;
     std::size_t digits = 0;
     std::size_t places = 0;
@@ -305,7 +301,7 @@ bool nxDecimal::_SetFromLongString(std::string_view text, char separator)
     }
     if (digits == 0)
         return false;
-    *this = nxDecimal(_FromParts{}, _Wrapped(mantissa), static_cast<unsigned char>(places));
+    value = nxDecimal(_FromParts{}, _Wrapped(negative ? 0 - mantissa : mantissa), static_cast<unsigned char>(places));
     return true;
 }
 

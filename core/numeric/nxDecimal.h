@@ -390,7 +390,13 @@ public:
     /// The same for a text that need not be terminated.
     [[nodiscard]] nxErrorEnum SetFromStringView(std::string_view text, char separator)
     {
-        return _SetFromShortString(text, separator) ? nxErrorEnum() : _SetFromAnyString(text, separator);
+        if (_SetFromShortString(text, separator)) [[likely]]
+            return nxErrorEnum();
+        nxDecimal read;  // so that this object may stay in registers
+        if (!_ReadAnyString(text, separator, read))
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        *this = read;
+        return nxErrorEnum();
     }
 
     /// The worker behind the plain and trimmed forms: writes @p places decimals at most.
@@ -484,36 +490,35 @@ private:
         return result;
     }
 
-    // Reads up to eight digits with at most one separator among them as one word. False, with nothing done, for every
-    // other text and for what is no number.
+    // Reads up to eight characters, digits with at most one separator among them, as one word. False, with nothing done,
+    // for every other text and for what is no number.
     bool _SetFromShortString(std::string_view text, char separator)
     {
         const std::size_t size = text.size();
-        if (size - 1 >= 8 || separator == '-' || separator == '+') [[unlikely]]
+        if (size - 1 >= 8) [[unlikely]]
             return false;
-        const std::uint64_t word = nxDigits::LoadRightAligned(text.data(), size);
-        const std::uint64_t others = nxDigits::FindNonDigit(word);
-        if (others == 0)
+        std::uint64_t word = nxDigits::LoadRightAligned(text.data(), size);
+        std::size_t places = 0;
+        if (const std::uint64_t others = nxDigits::FindNonDigit(word); others != 0)
         {
-            _mantissa = _Wrapped(nxDigits::Gather(word));
-            _format = 0;
-            return true;
+            // One bit, the top bit of the only byte that is no digit, which has to be the separator. In front of the
+            // digits it may be a sign instead, and there may be no digits.
+            places = static_cast<std::size_t>(63 - std::countr_zero(others)) / 8;
+            if ((others & (others - 1)) != 0 || text[size - 1 - places] != separator) [[unlikely]]
+                return false;
+            if (places == size - 1 && (size == 1 || separator == '-' || separator == '+')) [[unlikely]]
+                return false;
+            // Closing the gap moves the digits before it up by one byte.
+            const std::uint64_t decimals = word & (0 - 2 * others);
+            const std::uint64_t whole = word & ((others >> 7) - 1);
+            word = decimals | (whole << 8);
         }
-        // One bit, the top bit of the only byte that is no digit, which has to be the separator. Closing the gap moves
-        // the digits before it up by one byte.
-        const auto places = static_cast<std::size_t>(63 - std::countr_zero(others)) / 8;
-        if ((others & (others - 1)) != 0 || text[size - 1 - places] != separator || size == 1) [[unlikely]]
-            return false;
-        const std::uint64_t decimals = word & (0 - 2 * others);
-        const std::uint64_t whole = word & ((others >> 7) - 1);
-        _mantissa = _Wrapped(nxDigits::Gather(decimals | (whole << 8)));
+        _mantissa = _Wrapped(nxDigits::Gather(word));
         _format = places;
         return true;
     }
-    // SetFromStringView() for every text.
-    nxErrorEnum _SetFromAnyString(std::string_view text, char separator);
-    // The same behind the sign.
-    bool _SetFromLongString(std::string_view text, char separator);
+    // SetFromStringView() for every text; false, with nothing done, for what is no number.
+    static bool _ReadAnyString(std::string_view text, char separator, nxDecimal& value);
 
     // How far a mantissa may be scaled up and still stay below 2^49 units.
     static constexpr unsigned _maxSmallPlaces = 15;
