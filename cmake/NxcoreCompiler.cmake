@@ -1,6 +1,7 @@
 # What every target of the project is compiled with. Users of the library inherit none of it.
 
-# Gives `target` the project's dialect, warnings and sanitizers.
+# Gives `target` the project's dialect, warnings and sanitizers. NO_COVERAGE is for what is unloaded again: the memory of
+# its counters would count as lost.
 function(nxcore_configure target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -21,7 +22,7 @@ function(nxcore_configure target)
         target_compile_options(${target} PRIVATE ${flags})
         target_link_options(${target} PRIVATE ${flags})
     endif()
-    if(NXCORE_COVERAGE)
+    if(NXCORE_COVERAGE AND NOT "NO_COVERAGE" IN_LIST ARGN)
         target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping)
         target_link_options(${target} PRIVATE -fprofile-instr-generate)
     endif()

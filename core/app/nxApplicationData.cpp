@@ -37,7 +37,7 @@ Settings& TheSettings()
 }
 
 // Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
-[[maybe_unused]] const auto& madeAtLoad = TheSettings();
+[[maybe_unused]] const auto& settingsMadeAtLoad = TheSettings();
 
 template <class Value>
 Value Get(Value Settings::*setting)

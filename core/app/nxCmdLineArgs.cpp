@@ -72,7 +72,7 @@ nxCmdLineArgs& nxCmdLineArgs::GetInstance()
 namespace
 {
 // Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
-[[maybe_unused]] const nxCmdLineArgs& madeAtLoad = nxCmdLineArgs::GetInstance();
+[[maybe_unused]] const nxCmdLineArgs& argumentsMadeAtLoad = nxCmdLineArgs::GetInstance();
 }  // namespace
 
 void nxCmdLineArgs::Initialise(char** argv, char** envp)

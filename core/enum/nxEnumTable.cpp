@@ -6,7 +6,8 @@
 #include <new>
 
 // One name of the hash table. The text is stored last: who sees it sees the rest. Element 0 of a table is none of its
-// slots but holds, as its value, the number of slots less one.
+// slots but holds, as its value, the number of slots less one and, as its text, the smaller table that it replaced: some
+// reader may be in there yet, so that it is kept, and leak checkers find it.
 struct [[gnu::visibility("hidden")]] nxEnumTable::Slot
 {
     std::atomic<const char*> text;
@@ -101,6 +102,7 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
         Slot* const oldTable = slots.load(std::memory_order_relaxed);
         Slot* const newTable = new Slot[1 + newCount]();
         newTable[0].value = static_cast<std::uint32_t>(newCount - 1);
+        newTable[0].text.store(reinterpret_cast<const char*>(oldTable), std::memory_order_relaxed);
         for (std::size_t i = 1; i <= slotCount; ++i)
         {
             const Slot& slot = oldTable[i];

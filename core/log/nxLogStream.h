@@ -184,7 +184,8 @@ protected:
             *at = static_cast<char>(tag);
             const auto length = static_cast<std::uint32_t>(size);
             std::memcpy(at + 1, &length, sizeof length);
-            std::memcpy(at + 1 + sizeof length, text, size);
+            if (size != 0)  // an empty text may be a null pointer
+                std::memcpy(at + 1 + sizeof length, text, size);
         }
         return _Self();
     }

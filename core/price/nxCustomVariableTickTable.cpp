@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr unsigned char maxPlaces = 15;
+constexpr unsigned char maxBandPlaces = 15;
 constexpr long long maxMantissa = 999'999'999'999'999'999;
 constexpr std::size_t maxNameLength = 64;
 constexpr std::size_t maxFileSize = std::size_t{4} << 20;
@@ -48,7 +48,7 @@ std::string CheckNumber(const char* what, const nxDecimal& number)
 {
     if (!number.IsPositive())
         return std::string(what) + " " + number.GetAsLogString('.') + " is not positive";
-    if (number.GetDecimalPlaces() > maxPlaces || number.GetValue() > maxMantissa)
+    if (number.GetDecimalPlaces() > maxBandPlaces || number.GetValue() > maxMantissa)
         return std::string(what) + " " + number.GetAsLogString('.') + " has more than 18 digits or 15 decimals";
     return "";
 }
@@ -233,7 +233,7 @@ nxErrorEnum nxCustomVariableTickTable::ReadText(std::string_view text, Tables& t
     }
     Tables made;
     for (const auto& [name, bands] : reader.GetTables())
-        made.emplace_back(new nxCustomVariableTickTable(name, bands));
+        made.push_back(Tables::value_type(new nxCustomVariableTickTable(name, bands)));
     tables = std::move(made);
     return nxErrorEnum();
 }

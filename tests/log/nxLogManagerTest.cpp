@@ -198,7 +198,7 @@ TEST(nxLogManager, CarriesRecordsOfEverySize)
     // ones, so that the large ones begin everywhere in the ring.
     std::vector<std::size_t> sizes;
     for (const std::size_t size :
-         {0, 1, 200, 225, 255, 256, 1000, 16'300, 65'400, 65'536, 65'600, 262'144, 600'000, 1'048'576})
+         {0u, 1u, 200u, 225u, 255u, 256u, 1000u, 16'300u, 65'400u, 65'536u, 65'600u, 262'144u, 600'000u, 1'048'576u})
         for (int offset = 0; offset < 3; ++offset)
             sizes.insert(sizes.end(), {size, std::size_t{7}, size / 2});
     std::vector<std::size_t> seen;

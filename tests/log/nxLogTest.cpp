@@ -126,8 +126,8 @@ TEST(nxLog, CarriesWhatItWasMadeWith)
 TEST(nxLog, OwnsItsTextsWhateverTheirLength)
 {
     // Around the sizes at which the bytes move: into a block of their own, and to a larger one.
-    for (const std::size_t fileSize : {0, 1, 100, 237, 238, 239, 240, 5000})
-        for (const std::size_t textSize : {0, 1, 200, 5000, 300000})
+    for (const std::size_t fileSize : {0u, 1u, 100u, 237u, 238u, 239u, 240u, 5000u})
+        for (const std::size_t textSize : {0u, 1u, 200u, 5000u, 300000u})
         {
             std::string file(fileSize, 'f');
             std::string text(textSize, 't');

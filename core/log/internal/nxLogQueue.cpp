@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
@@ -816,8 +817,17 @@ void nxLogQueue::AfterForkInChild() noexcept
 {
     ::new (&_mutex) nxMutex;
     // The channels of the other threads, which are gone, are left alone: what they hold was caught in the middle of
-    // anything. Those of this thread begin again, empty.
-    _channels = nullptr;
+    // anything. They are kept in a list, for leak checkers. Those of this thread begin again, empty.
+    static nxLogChannel* caught;
+    while (_channels != nullptr)
+    {
+        nxLogChannel* const channel = std::exchange(_channels, _channels->_next);
+        const nxLogChannel* own = firstChannel;
+        while (own != nullptr && own != channel)
+            own = own->_nested;
+        if (own == nullptr)
+            channel->_next = std::exchange(caught, channel);
+    }
     std::size_t bytes = _freeSegmentCount * _ringSize;
     for (nxLogChannel* channel = firstChannel; channel != nullptr; channel = channel->_nested)
     {

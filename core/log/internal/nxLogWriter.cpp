@@ -515,10 +515,12 @@ void nxLogWriter::_ReportLosses() noexcept
 
 void nxLogWriter::AfterForkInChild() noexcept
 {
-    // Whatever the parent's thread was at is left as it was caught, and not touched again.
+    // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
+    static Round* caught;
     ::new (&_startMutex) nxMutex;
     ::new (&_roundMutex) nxMutex;
-    static_cast<void>(_round.release());
+    caught = _round.release();
+    static_cast<void>(caught);
     ::new (&_early) std::vector<nxLog>;
     _earlyBytes = 0;
     _thread = nullptr;
