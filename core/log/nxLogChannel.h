@@ -78,7 +78,7 @@ public:
     {
         if (room.spill != nullptr || room.channel == nullptr) [[unlikely]]
         {
-            _CloseSlowly(room, level);
+            _CloseSlowly(room.channel, room.cursor, room.spill, level);
             return;
         }
         nxLogChannel* const channel = room.channel;
@@ -95,8 +95,11 @@ public:
     }
 
     /// @return @p room with at least @p bytes free; the values written so far may have moved. With too little memory
-    ///         the room stays too small.
-    [[gnu::cold, gnu::noinline]] static nxLogRoom Grow(nxLogRoom room, std::size_t bytes) noexcept;
+    ///         there is no room left.
+    [[gnu::always_inline]] static nxLogRoom Grow(const nxLogRoom& room, std::size_t bytes) noexcept
+    {
+        return _GrowSlowly(room.channel, room.cursor, room.spill, bytes);
+    }
 
     /// Makes the deferred-write thread look at once.
     static void WakeWriter() noexcept;
@@ -117,10 +120,15 @@ private:
         __builtin_prefetch(begin + _prefetchDistance, 1);
         __builtin_prefetch(begin + _prefetchDistance + 64, 1);
     }
+    // These take the parts of a room one by one: a room that is handed over as a whole has to stand in memory, and then
+    // it does so all the way.
+    [[gnu::cold, gnu::noinline]] static nxLogRoom _GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
+                                                              std::size_t bytes) noexcept;
+    [[gnu::cold, gnu::noinline]] static void _CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
+                                                          nxEnumValue level) noexcept;
     [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenFirst(const nxLogSource* source) noexcept;
     [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenSlowly(nxLogChannel* channel,
                                                               const nxLogSource* source) noexcept;
-    [[gnu::cold, gnu::noinline]] static void _CloseSlowly(const nxLogRoom& room, nxEnumValue level) noexcept;
 
     static constexpr std::ptrdiff_t _prefetchDistance = 512;
 

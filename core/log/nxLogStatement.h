@@ -59,6 +59,9 @@ private:
                 return nullptr;
         }
         char* const at = _room.cursor;
+        // Where there is room there is a place: spares the callers' test for one.
+        if (at == nullptr)
+            __builtin_unreachable();
         _room.cursor += bytes;
         return at;
     }

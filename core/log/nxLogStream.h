@@ -1,6 +1,7 @@
 #ifndef CORE_LOG_NXLOGSTREAM_H
 #define CORE_LOG_NXLOGSTREAM_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -177,15 +178,14 @@ protected:
     /// Puts text behind @p tag and its length.
     [[gnu::always_inline]] Record& _PutText(nxLogTag tag, const char* text, std::size_t size)
     {
-        if (size > MaximumText) [[unlikely]]
-            return _PutCutText(tag, text);
+        // One byte more than a message may have, so that the writer notices and marks the cut.
+        size = std::min(size, MaximumText + 1);
         if (char* const at = _Self()._Take(1 + sizeof(std::uint32_t) + size))
         {
             *at = static_cast<char>(tag);
             const auto length = static_cast<std::uint32_t>(size);
             std::memcpy(at + 1, &length, sizeof length);
-            if (size != 0)  // an empty text may be a null pointer
-                std::memcpy(at + 1 + sizeof length, text, size);
+            _Copy(at + 1 + sizeof length, text, size);
         }
         return _Self();
     }
@@ -194,17 +194,28 @@ protected:
     static constexpr std::size_t MaximumText = std::size_t{1} << 20;
 
 private:
-    [[gnu::cold, gnu::noinline]] Record& _PutCutText(nxLogTag tag, const char* text)
+    // memcpy for texts that are mostly short: up to 16 bytes are two pieces that may overlap, without a call.
+    [[gnu::always_inline]] static void _Copy(char* to, const char* from, std::size_t size)
     {
-        // One byte more than a message may have, so that the writer notices and marks the cut.
-        if (char* const at = _Self()._Take(1 + sizeof(std::uint32_t) + MaximumText + 1))
-        {
-            *at = static_cast<char>(tag);
-            const auto length = static_cast<std::uint32_t>(MaximumText + 1);
-            std::memcpy(at + 1, &length, sizeof length);
-            std::memcpy(at + 1 + sizeof length, text, length);
-        }
-        return _Self();
+        if (size > 16)
+            std::memcpy(to, from, size);
+        else if (size >= 8)
+            _CopyEnds<8>(to, from, size);
+        else if (size >= 4)
+            _CopyEnds<4>(to, from, size);
+        else if (size >= 2)
+            _CopyEnds<2>(to, from, size);
+        else if (size == 1)
+            *to = *from;
+    }
+    template <std::size_t piece>
+    [[gnu::always_inline]] static void _CopyEnds(char* to, const char* from, std::size_t size)
+    {
+        char begin[piece], end[piece];
+        std::memcpy(begin, from, piece);
+        std::memcpy(end, from + size - piece, piece);
+        std::memcpy(to, begin, piece);
+        std::memcpy(to + size - piece, end, piece);
     }
     Record& _Self() { return static_cast<Record&>(*this); }
 };

@@ -58,8 +58,9 @@ private:
     class Visit
     {
     public:
-        explicit Visit(nxLogDeviceEntry& entry) noexcept;
-        ~Visit();
+        // Whether it locks depends on where the thread is.
+        explicit Visit(nxLogDeviceEntry& entry) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+        ~Visit() NX_NO_THREAD_SAFETY_ANALYSIS;
         Visit(const Visit&) = delete;
         Visit& operator=(const Visit&) = delete;
 

@@ -108,14 +108,15 @@ nxLogRoom nxLogChannel::_OpenSlowly(nxLogChannel* channel, const nxLogSource* so
     return nxLogQueue::GetInstance().Open(channel, source);
 }
 
-nxLogRoom nxLogChannel::Grow(nxLogRoom room, std::size_t bytes) noexcept
+nxLogRoom nxLogChannel::_GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill, std::size_t bytes) noexcept
 {
-    return nxLogQueue::GetInstance().Grow(room, bytes);
+    // Without an end: what cannot grow takes no more.
+    return nxLogQueue::GetInstance().Grow({channel, cursor, cursor, spill}, bytes);
 }
 
-void nxLogChannel::_CloseSlowly(const nxLogRoom& room, nxEnumValue level) noexcept
+void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill, nxEnumValue level) noexcept
 {
-    nxLogQueue::GetInstance().Close(room, level);
+    nxLogQueue::GetInstance().Close({channel, cursor, cursor, spill}, level);
 }
 
 void nxLogChannel::WakeWriter() noexcept { nxLogWriter::GetInstance().Wake(); }
