@@ -72,8 +72,8 @@ const std::array<Sample, sampleCount>& Samples()
         for (Sample& sample : made)
         {
             const auto cents = static_cast<long long>(random() % 2'000'000);
-            sample = {static_cast<int>(random() % 100'000), nxDecimal(cents, 2), static_cast<double>(cents) / 100,
-                      symbols[random() % std::size(symbols)]};
+            sample = {static_cast<int>(random() % 100'000), nxDecimal(static_cast<double>(cents) / 100, 2),
+                      static_cast<double>(cents) / 100, symbols[random() % std::size(symbols)]};
         }
         return made;
     }();

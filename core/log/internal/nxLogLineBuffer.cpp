@@ -1,6 +1,7 @@
 #include "core/log/internal/nxLogLineBuffer.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <string>
 
@@ -38,6 +39,29 @@ bool MayHoldControl(std::uint64_t word)
     const std::uint64_t below = (word - ones * 0x20) & ~word;
     const std::uint64_t deletes = word ^ (ones * 0x7F);
     return ((below | ((deletes - ones) & ~deletes)) & tops) != 0;
+}
+
+// Up to seven characters in a word, blanks behind them.
+std::uint64_t LoadShort(const char* text, std::size_t size)
+{
+    static_assert(std::endian::native == std::endian::little);
+    constexpr std::uint64_t blanks = 0x2020202020202020;
+    // Two loads that overlap; what is read twice is or-ed with itself.
+    if (size >= 4)
+    {
+        std::uint32_t begin, end;
+        std::memcpy(&begin, text, sizeof begin);
+        std::memcpy(&end, text + size - sizeof end, sizeof end);
+        return begin | std::uint64_t{end} << (8 * (size - sizeof end)) | blanks << (8 * size);
+    }
+    if (size >= 2)
+    {
+        std::uint16_t begin, end;
+        std::memcpy(&begin, text, sizeof begin);
+        std::memcpy(&end, text + size - sizeof end, sizeof end);
+        return begin | std::uint64_t{end} << (8 * (size - sizeof end)) | blanks << (8 * size);
+    }
+    return size == 0 ? blanks : static_cast<unsigned char>(*text) | blanks << 8;
 }
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
@@ -104,6 +128,17 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
                 break;
             std::memcpy(_cursor, &word, sizeof word);
             _cursor += sizeof word;
+        }
+        if (end - at < 8)
+        {
+            const auto rest = static_cast<std::size_t>(end - at);
+            const std::uint64_t word = LoadShort(at, rest);
+            if (!MayHoldControl(word)) [[likely]]
+            {
+                std::memcpy(_cursor, &word, sizeof word);
+                _cursor += rest;
+                return true;
+            }
         }
         const char* const pieceEnd = end - at < 8 ? end : at + 8;
         for (; at != pieceEnd; ++at)
@@ -232,6 +267,13 @@ void nxLogLineBuffer::_PutLevel(unsigned level) noexcept
     _Put(std::string_view(text).substr(0, longestValue / 2));
 }
 
+void nxLogLineBuffer::_PutTime(const nxLogRecord& record) noexcept
+{
+    // A fixed size costs less than the right one.
+    std::memcpy(_cursor, record.timeText, sizeof record.timeText);
+    _cursor += record.timeSize;
+}
+
 bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
 {
     if (!_Ensure(longestValue))
@@ -252,13 +294,13 @@ bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogLineSty
         return false;
     *_cursor++ = '[';
     if (style.form == nxLogLineStyle::TimeAndText)
-        _Put(record.GetTimeText());
+        _PutTime(record);
     else
         _PutLevel(record.level);
     if (style.form == nxLogLineStyle::Full)
     {
         _Put("][");
-        _Put(record.GetTimeText());
+        _PutTime(record);
         if (thread.index)
         {
             _Put("][");

@@ -60,6 +60,7 @@ private:
     bool _AppendDouble(double value) noexcept;
     bool _AppendParts(const nxLogRecord& record, const nxLogLineStyle& style, nxLogLineThread thread) noexcept;
     void _PutLevel(unsigned level) noexcept;
+    void _PutTime(const nxLogRecord& record) noexcept;
     void _Put(std::string_view text)
     {
         std::memcpy(_cursor, text.data(), text.size());

@@ -121,7 +121,8 @@ private:
     void _Pick() noexcept;
     void _StepOver() noexcept;
     static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;
-    static nxLogRecord _Decode(const char* bytes, const nxLogChannel& channel, const nxClockScale& scale) noexcept;
+    static void _Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel,
+                        const nxClockScale& scale) noexcept;
 
     static constexpr std::size_t _ringSize = std::size_t{256} << 10;
     static constexpr std::size_t _smallRingSize = std::size_t{16} << 10;
@@ -145,9 +146,10 @@ private:
     // The round, touched by the emptying thread only.
     nxLogChannel* _round = nullptr;  // the channels that had records when it began
     nxLogChannel* _current = nullptr;
-    bool _mustStep = false;     // the record at _current's _read has been returned
-    std::uint64_t _bound = 0;   // up to which _current may go before another channel's turn
-    std::uint64_t _cutOff = 0;  // records begun later belong to the next round
+    std::size_t _step = 0;       // the size of the record at _current's _read once it has been returned
+    char* _stepBlock = nullptr;  // where that record is, if not in the ring
+    std::uint64_t _bound = 0;    // up to which _current may go before another channel's turn
+    std::uint64_t _cutOff = 0;   // records begun later belong to the next round
     bool _everything = false;
     nxClockScale _scale;
 };

@@ -2,7 +2,6 @@
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 
 #include <algorithm>
-#include <string_view>
 
 #include "core/platform/nxClock.h"
 #include "core/time/nxTimeStamp.h"
@@ -31,7 +30,6 @@ struct nxLogRecord
         if (written == 0)
             std::fill_n(timeText, sizeof timeText, '\0');
     }
-    std::string_view GetTimeText() const { return {timeText, timeSize}; }
 };
 
 /// What an nxLog has beyond the values of a statement, as it stands in the queue. The file follows with a NUL.

@@ -302,13 +302,17 @@ void nxLogWriter::_BeginRound()
     round.thread = {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()};
     round.worstLevel = NX_ENUM_UNDEFINED;
     round.batchOfDevice.assign(round.devices->size(), nullptr);
+    round.hasRecordDevices = false;
     for (const auto& batch : round.batches)
         batch->isWanted = false;
     for (std::size_t index = 0; index < round.devices->size(); ++index)
     {
         nxLogDeviceEntry& entry = *(*round.devices)[index];
         if (entry.GetLineSink() == nullptr)
+        {
+            round.hasRecordDevices = true;
             continue;
+        }
         nxLogLineStyle style;
         entry.Call([&](nxLogDevice&) { style = entry.GetLineSink()->GetLineStyle(); });
         round.batchOfDevice[index] = &_GetBatch(style);
@@ -393,10 +397,12 @@ void nxLogWriter::_Pass(nxLogRecord& record) noexcept
         }
     if (full)
         _SendBatches();
-    _PassRecord(record);
+    if (round.hasRecordDevices)
+        _PassRecord(record);
     round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
     _unflushed = true;
-    _written.fetch_add(1, std::memory_order_relaxed);
+    // One thread at a time is here.
+    _written.store(_written.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
 
 void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept

@@ -78,7 +78,8 @@ private:
         std::shared_ptr<const nxLogDeviceList::Entries> devices;
         std::vector<std::unique_ptr<Batch>> batches;
         std::vector<Batch*> batchOfDevice;  // null for a device that takes records
-        char date[8] = {};                  // of the lines in the batches
+        bool hasRecordDevices = false;
+        char date[8] = {};  // of the lines in the batches
         nxLogLineThread thread{};
         nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
     };
