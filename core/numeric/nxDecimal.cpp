@@ -8,6 +8,7 @@
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/nxDoubleHelper.h"
+#include "core/text/internal/nxPriceText.h"
 #include "core/text/nxDigits.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
@@ -57,6 +58,27 @@ inline Piece ReadPiece(std::uint64_t word, char separator)
     const int position = std::countr_zero(others | (std::uint64_t{1} << 63)) / 8;
     return {nxDigits::Gather(digits), any, static_cast<std::size_t>(7 - position),
             isSeparator && nxDigits::FindNonDigit(digits) == 0};
+}
+
+// Reads digits with at most one separator among them, any number of them.
+bool ReadPieces(std::string_view text, char separator, std::uint64_t& mantissa, std::size_t& places)
+{
+    std::size_t digits = 0;
+    bool separatorSeen = false;
+    while (!text.empty())
+    {
+        const std::size_t count = std::min(text.size(), std::size_t{8});
+        const Piece piece = ReadPiece(nxDigits::LoadRightAligned(text.data(), count), separator);
+        if (!piece.isNumber || (piece.separator != 0 && separatorSeen))
+            return false;
+        const std::size_t pieceDigits = count - piece.separator;
+        mantissa = mantissa * Power(pieceDigits) + piece.value;
+        digits += pieceDigits;
+        places += separatorSeen ? pieceDigits : piece.places;
+        separatorSeen = separatorSeen || piece.separator != 0;
+        text.remove_prefix(count);
+    }
+    return digits != 0;
 }
 
 // The text of a number whose digits all stand in one word: the integer part is its front, from the first digit that is
@@ -274,32 +296,11 @@ std::size_t nxDecimal::GetExactHash() const
 bool nxDecimal::_ReadAnyString(std::string_view text, char separator, nxDecimal& value)
 {
     const bool negative = !text.empty() && text.front() == '-';
-    const bool hasSign = negative || (!text.empty() && text.front() == '+');
-    text.remove_prefix(hasSign ? 1 : 0);
-    if (hasSign && value._SetFromShortString(text, separator))
-    {
-        if (negative)
-            value._Negate();
-        return true;
-    }
+    text.remove_prefix(negative || (!text.empty() && text.front() == '+') ? 1 : 0);
     std::uint64_t mantissa = 0;
-    std::size_t digits = 0;
     std::size_t places = 0;
-    bool separatorSeen = false;
-    while (!text.empty())
-    {
-        const std::size_t count = std::min(text.size(), std::size_t{8});
-        const Piece piece = ReadPiece(nxDigits::LoadRightAligned(text.data(), count), separator);
-        if (!piece.isNumber || (piece.separator != 0 && separatorSeen))
-            return false;
-        const std::size_t pieceDigits = count - piece.separator;
-        mantissa = mantissa * Power(pieceDigits) + piece.value;
-        digits += pieceDigits;
-        places += separatorSeen ? pieceDigits : piece.places;
-        separatorSeen = separatorSeen || piece.separator != 0;
-        text.remove_prefix(count);
-    }
-    if (digits == 0)
+    if (!nxPriceText::Parse(text.data(), text.size(), separator, mantissa, places) &&
+        !ReadPieces(text, separator, mantissa, places))
         return false;
     value = nxDecimal(_FromParts{}, _Wrapped(negative ? 0 - mantissa : mantissa), static_cast<unsigned char>(places));
     return true;

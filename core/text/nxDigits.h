@@ -294,7 +294,7 @@ private:
         return out;
     }
 
-    static constexpr std::uint64_t _eightDigits = 100'000'000;  // what has more digits is not below it
+    static constexpr std::uint64_t _eightDigits = 100'000'000;  // the first number with more digits
     static constexpr std::uint64_t _tenDigits = 10'000'000'000;
 
     // A number below 10^10, without leading zeros.

@@ -5,15 +5,12 @@
 #include <charconv>
 #include <cstring>
 
-#if defined(__SSE2__)
-    #include <emmintrin.h>
-#endif
-
 #include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
+#include "core/text/internal/nxPriceText.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
@@ -38,45 +35,6 @@ double Divide(std::uint64_t mantissa, std::size_t decimals)
     // From a signed integer the processor converts in one step.
     return static_cast<double>(static_cast<std::int64_t>(mantissa)) /
            nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
-}
-
-// The number that two digit words spell, the second of which stands for `unit` of the first.
-std::uint64_t GatherBoth(std::uint64_t first, std::uint64_t second, std::uint64_t unit)
-{
-#if defined(__SSE2__)
-    // Both at once: pairs, fours, then all eight digits of each.
-    __m128i lanes = _mm_set_epi64x(static_cast<long long>(second), static_cast<long long>(first));
-    const __m128i tens = _mm_mullo_epi16(_mm_and_si128(lanes, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10));
-    lanes = _mm_madd_epi16(_mm_add_epi16(tens, _mm_srli_epi16(lanes, 8)), _mm_set1_epi32(100 | (1 << 16)));
-    lanes = _mm_madd_epi16(_mm_packs_epi32(lanes, lanes), _mm_set1_epi32(10'000 | (1 << 16)));
-    const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(lanes));
-    return (both & 0xFFFFFFFF) * unit + (both >> 32);
-#else
-    return nxDigits::Gather(first) * unit + nxDigits::Gather(second);
-#endif
-}
-
-// Reads up to seven digits, the separator and one to eight digits, as prices have them. False: it is something else.
-bool ReadPrice(const char* begin, std::size_t size, char separator, double& magnitude)
-{
-    if (size == 0)
-        return false;
-    // The first eight characters and the last eight, which are the same where there are no more.
-    const std::uint64_t last = size >= 8 ? nxDigits::Load(begin + size - 8) : nxDigits::LoadRightAligned(begin, size);
-    const std::uint64_t first = size >= 8 ? nxDigits::Load(begin) : last >> (64 - 8 * size);
-    const std::uint64_t nonDigits = nxDigits::FindNonDigit(first);
-    if (nonDigits == 0)
-        return false;
-    const auto position = static_cast<std::size_t>(std::countr_zero(nonDigits)) / 8;
-    const std::size_t decimals = size - position - 1;
-    if (begin[position] != separator || decimals == 0 || decimals > 8)
-        return false;
-    const std::uint64_t whole = (first << 8) << (56 - 8 * position);
-    const std::uint64_t fraction = last >> (64 - 8 * decimals) << (64 - 8 * decimals);
-    if (nxDigits::FindNonDigit(fraction) != 0)
-        return false;
-    magnitude = Divide(GatherBoth(whole, fraction, Power(decimals)), decimals);
-    return true;
 }
 
 // Reads a text with up to `exactDigits` digits; more must not be there.
@@ -120,7 +78,7 @@ bool ReadDigitByDigit(const char* at, const char* end, char separator, double& m
     return anyDigit;
 }
 
-// Reads what ReadPrice() does not take. Out of line, so that it costs prices no registers.
+// Reads what does not look like a price. Out of line, so that it costs prices no registers.
 [[gnu::noinline]] bool ReadAnyDouble(const char* begin, const char* end, char separator, bool negative, double& value)
 {
     const bool isExact = static_cast<std::size_t>(end - begin) <= exactDigits && !IsDigit(separator);
@@ -200,9 +158,11 @@ bool nxStringHelper::_ReadDouble(const std::string& text, double& value, char se
     const char* const end = begin + text.size();
     const bool negative = begin != end && *begin == '-';
     begin += negative ? 1 : 0;
-    double magnitude;
-    if (!ReadPrice(begin, static_cast<std::size_t>(end - begin), separator, magnitude)) [[unlikely]]
+    std::uint64_t mantissa;
+    std::size_t decimals;
+    if (!nxPriceText::Parse(begin, static_cast<std::size_t>(end - begin), separator, mantissa, decimals)) [[unlikely]]
         return ReadAnyDouble(begin, end, separator, negative, value);
+    const double magnitude = Divide(mantissa, decimals);
     value = negative ? -magnitude : magnitude;
     return true;
 }
