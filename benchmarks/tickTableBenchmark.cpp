@@ -282,21 +282,6 @@ void DoubleFloor(benchmark::State& state, const Market* market)
     }
 }
 
-// What a locked table of doubles would cost.
-void MutexAndDoubleFloor(benchmark::State& state, const Market* market)
-{
-    const std::size_t middle = market->ticks.size() / 2;
-    const double tick = static_cast<double>(market->ticks[middle]) / 10000;
-    std::size_t i = 0;
-    for (auto _ : state)
-    {
-        const double price = market->doubles[i++ % ringSize];
-        pthread_mutex_lock(&sharedMutex);
-        benchmark::DoNotOptimize(Round::ByDouble(price, tick));
-        pthread_mutex_unlock(&sharedMutex);
-    }
-}
-
 // The same as DoubleFloor for a caller whose prices are decimals, there and back.
 void DoubleFloorOfDecimal(benchmark::State& state, const Market* market)
 {
@@ -333,11 +318,8 @@ void Register(const std::string& name, std::size_t bands, bool scattered)
     add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Job>);
     add("limit_remembered_band", RememberedBandAlone<Job>);
     add("peer_double_floor", DoubleFloor<Job>);
-    if (std::is_same_v<Job, Round> && !scattered)
-    {
+    if (std::is_same_v<Job, Round>)
         add("peer_double_floor_of_decimal", DoubleFloorOfDecimal);
-        add("limit_mutex_and_double_floor", MutexAndDoubleFloor);
-    }
     add("peer_binary_search_int", BinarySearchInt<Job>);
 }
 

@@ -6,6 +6,8 @@
 #include <set>
 
 #include "core/price/nxTickTableSource.h"
+#include "core/text/nxOStream.h"
+#include "core/text/nxSimpleAsciiStringWriter.h"
 
 namespace
 {
@@ -38,6 +40,16 @@ bool IsName(std::string_view text)
                        });
 }
 
+// A number with all its decimals, or "NULL".
+std::string Text(const nxDecimal& number)
+{
+    if (!number.IsValid())
+        return number.GetAsLogString('.');
+    nxOStream<nxSimpleAsciiStringWriter> stream;
+    number.Write(stream, '.');
+    return stream.GetWriter().GetText();
+}
+
 // Each returns what is wrong, or nothing.
 std::string CheckName(std::string_view name)
 {
@@ -47,9 +59,9 @@ std::string CheckName(std::string_view name)
 std::string CheckNumber(const char* what, const nxDecimal& number)
 {
     if (!number.IsPositive())
-        return std::string(what) + " " + number.GetAsLogString('.') + " is not positive";
+        return std::string(what) + " " + Text(number) + " is not positive";
     if (number.GetDecimalPlaces() > maxBandPlaces || number.GetValue() > maxMantissa)
-        return std::string(what) + " " + number.GetAsLogString('.') + " has more than 18 digits or 15 decimals";
+        return std::string(what) + " " + Text(number) + " has more than 18 digits or 15 decimals";
     return "";
 }
 
@@ -64,7 +76,7 @@ std::string CheckBand(const Bands& before, const nxDecimal& bound, const nxDecim
     if (fault.empty() && !IsTop(bound))
         fault = CheckNumber("upper bound", bound);
     if (fault.empty() && !IsTop(bound) && !before.empty() && !(bound > before.back().first))
-        fault = "upper bound " + bound.GetAsString('.') + " is not above " + before.back().first.GetAsString('.');
+        fault = "upper bound " + Text(bound) + " is not above " + Text(before.back().first);
     return fault;
 }
 

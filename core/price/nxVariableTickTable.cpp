@@ -263,7 +263,7 @@ void nxVariableTickTable::Increment(std::span<nxDecimal> prices, int ticks) cons
         return;
     nxTickTableCursor cursor = _StartCursor(prices.front());
     for (nxDecimal& price : prices)
-        cursor.Increment(price, ticks);
+        ticks == 1 ? cursor.Increment(price) : cursor.Increment(price, ticks);
 }
 
 void nxVariableTickTable::RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const

@@ -114,7 +114,7 @@ TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
         {good + "A,3,,-1\n", "line 4: increment -1 is not positive"},
         {good + "A,3,-20,1\n", "line 4: upper bound -20 is not positive"},
         {good + "A,3,1000000000000000000,1\n", "line 4: '1000000000000000000' has more than 18 digits"},
-        {good + "A,3,,0.0000000000000001\n", "line 4: increment 0.000000000000 has more than 18 digits or 15 decimals"},
+        {good + "A,3,,0.0000000000000001\n", "line 4: increment 0.0000000000000001 has more than 18 digits or 15 decimals"},
         {good, "line 3: table A ends without a band that has no upper bound"},
         {good + "\n\nB,1,,1\n", "line 3: table A ends without a band that has no upper bound"},
         {good + "A,3,,1\nA,4,,1\n", "line 5: a band follows the one without an upper bound"},
