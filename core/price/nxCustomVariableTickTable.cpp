@@ -41,7 +41,7 @@ bool IsName(std::string_view text)
 }
 
 // A number with all its decimals, or "NULL".
-std::string Text(const nxDecimal& number)
+std::string NumberText(const nxDecimal& number)
 {
     if (!number.IsValid())
         return number.GetAsLogString('.');
@@ -59,9 +59,9 @@ std::string CheckName(std::string_view name)
 std::string CheckNumber(const char* what, const nxDecimal& number)
 {
     if (!number.IsPositive())
-        return std::string(what) + " " + Text(number) + " is not positive";
+        return std::string(what) + " " + NumberText(number) + " is not positive";
     if (number.GetDecimalPlaces() > maxBandPlaces || number.GetValue() > maxMantissa)
-        return std::string(what) + " " + Text(number) + " has more than 18 digits or 15 decimals";
+        return std::string(what) + " " + NumberText(number) + " has more than 18 digits or 15 decimals";
     return "";
 }
 
@@ -76,7 +76,7 @@ std::string CheckBand(const Bands& before, const nxDecimal& bound, const nxDecim
     if (fault.empty() && !IsTop(bound))
         fault = CheckNumber("upper bound", bound);
     if (fault.empty() && !IsTop(bound) && !before.empty() && !(bound > before.back().first))
-        fault = "upper bound " + Text(bound) + " is not above " + Text(before.back().first);
+        fault = "upper bound " + NumberText(bound) + " is not above " + NumberText(before.back().first);
     return fault;
 }
 

@@ -18,6 +18,7 @@ void nxVariableTickTable::_SetCache(iterator range) const
 void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal& increment)
 {
     const nxMutexGuard guard(_lock);
+    _isAscending = _isAscending && (_ranges.empty() || upperBound > _ranges.back().first);
     _ranges.emplace_back(upperBound, increment);
     _cache = _ranges.begin();
     _zone.Clear();
@@ -85,7 +86,10 @@ nxVariableTickTable::iterator nxVariableTickTable::_Scan(const nxDecimal& magnit
 {
     if (magnitude.IsNegative())
         return _ranges.end();
-    return std::find_if(_ranges.begin(), _ranges.end(), [&](const auto& band) { return !(band.first < magnitude); });
+    const auto isBelow = [&magnitude](const auto& band) { return band.first < magnitude; };
+    // The first bound that is not below the price; a table of a file may have a hundred thousand.
+    return _isAscending ? std::partition_point(_ranges.begin(), _ranges.end(), isBelow)
+                        : std::find_if_not(_ranges.begin(), _ranges.end(), isBelow);
 }
 
 nxVariableTickTable::iterator nxVariableTickTable::_Find(const nxDecimal& price) const

@@ -193,6 +193,7 @@ private:
     mutable nxTickZone _zone NX_GUARDED_BY(_lock);
     mutable std::size_t _lastStretch NX_GUARDED_BY(_lock) = nxTickGrid::NotFound;
     nxTickGrid _grid;
+    bool _isAscending = true;  // each bound above the one before it
 };
 
 #endif

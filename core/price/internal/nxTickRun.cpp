@@ -9,15 +9,15 @@
 
 namespace
 {
-__extension__ typedef __int128 Wide;
+__extension__ typedef __int128 WideInteger;
 
 constexpr unsigned maxPlacesOfPower = 18;  // of 10^n in a 64-bit integer
 constexpr unsigned placesOfInteger = 11;   // 2^11 is twice the rounding of a 64-bit integer to a double
 
-std::uint64_t Power(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
+std::uint64_t UnitsOf(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
 
 // Of a positive number: 2^(exponent - 1) <= value < 2^exponent.
-int Exponent(double value) { return static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - 1022; }
+int ExponentOf(double value) { return static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - 1022; }
 }  // namespace
 
 // False where nothing repeats: at 0, and at prices without a value or a band.
@@ -33,7 +33,7 @@ bool nxTickRun::_FindRule(const nxDecimal& price, _Rule& rule) const
     rule.band = _table._BandOfStep(band, _isUp != rule.isNegative, magnitude);
     rule.scale = price.GetScale();
     rule.bits = static_cast<int>(std::bit_width(static_cast<std::uint64_t>(magnitude.GetValue())));
-    rule.exponent = Exponent(magnitude.GetAsDouble());
+    rule.exponent = ExponentOf(magnitude.GetAsDouble());
     return true;
 }
 
@@ -49,17 +49,17 @@ bool nxTickRun::_SumsAreExact() const
     const auto places = static_cast<unsigned>(_rule.scale);
     if (places > maxPlacesOfPower)
         return false;
-    const auto power = static_cast<double>(Power(places));
+    const auto power = static_cast<double>(UnitsOf(places));
     const double middle = std::ldexp(1.5, _rule.exponent - 1);
     const double step = static_cast<double>(increment.GetValue()) *
-                        static_cast<double>(Power(static_cast<unsigned>(_rule.scale - increment.GetScale())));
+                        static_cast<double>(UnitsOf(static_cast<unsigned>(_rule.scale - increment.GetScale())));
     const double spacing = std::ldexp(power, _rule.exponent - 53);
     if (step > std::ldexp(spacing, 50))  // an eighth of the doubles at least is left on both sides of the middle
         return false;
     const double added = (middle + increment.GetAsDouble()) - middle;
     const double missed = std::fabs(std::fma(added, power, -step)) + std::ldexp(step, -52);
     const double fraction = std::min(power, std::ldexp(power, _rule.exponent));
-    return spacing / 2 + missed + std::ldexp(1.0, Exponent(fraction) - 54) < 0.5;
+    return spacing / 2 + missed + std::ldexp(1.0, ExponentOf(fraction) - 54) < 0.5;
 }
 
 // Prices so many mantissas apart, or a multiple of that, are stepped alike; 0 when none are known to be.
@@ -75,7 +75,7 @@ std::uint64_t nxTickRun::_Unit() const
         return 10;
     // Whole numbers, so many that neither the mantissa's double nor that of the price rounds them.
     const auto places = static_cast<unsigned>(_rule.scale);
-    return places > maxPlacesOfPower ? 0 : Power(places) << (placesOfInteger - std::min(places, placesOfInteger));
+    return places > maxPlacesOfPower ? 0 : UnitsOf(places) << (placesOfInteger - std::min(places, placesOfInteger));
 }
 
 // A step towards zero first subtracts the increment of the band below, at that one's places, where the mantissa may
@@ -90,7 +90,7 @@ bool nxTickRun::_ComparesAlike(iterator band, std::uint64_t from, std::uint64_t 
     const auto places = static_cast<unsigned>(increment.GetScale() - _rule.scale);
     if (places > maxPlacesOfPower)
         return false;
-    const std::uint64_t power = Power(places);
+    const std::uint64_t power = UnitsOf(places);
     if (from <= (std::uint64_t{1} << 61) / power)
         return true;
 
@@ -100,7 +100,8 @@ bool nxTickRun::_ComparesAlike(iterator band, std::uint64_t from, std::uint64_t 
     const double slack = std::ldexp(static_cast<double>(from) * static_cast<double>(power), -50) +
                          2 * static_cast<double>(increment.GetValue());
     const double lowest = bound.GetAsDouble() * nxPowersOfTen::GetDouble(increment.GetDecimalPlaces());
-    return band == _rule.band && Wide{from - to} * Wide{power} == Wide{wrappedFrom} - Wide{wrappedTo} &&
+    return band == _rule.band &&
+           WideInteger{from - to} * WideInteger{power} == WideInteger{wrappedFrom} - WideInteger{wrappedTo} &&
            static_cast<double>(wrappedTo) - slack > lowest * 1.001 && static_cast<double>(wrappedFrom) + slack < 9.2e18;
 }
 
@@ -108,7 +109,7 @@ bool nxTickRun::_ComparesAlike(iterator band, std::uint64_t from, std::uint64_t 
 // ever grows or falls with the price.
 bool nxTickRun::_HoldsAt(const nxDecimal& price, std::int64_t distance, std::uint64_t times) const
 {
-    const Wide target = Wide{price.GetValue()} + Wide{distance} * Wide{times};
+    const WideInteger target = WideInteger{price.GetValue()} + WideInteger{distance} * WideInteger{times};
     if (target > INT64_MAX || target < -INT64_MAX)
         return false;
     const nxDecimal last =
