@@ -19,6 +19,7 @@ void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned ch
 {
     shift = static_cast<unsigned char>(std::bit_width(divisor) - 1);
     __extension__ typedef unsigned __int128 Wide;
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): increments are positive, so a divisor is
     reciprocal = static_cast<std::uint64_t>(((Wide{1} << (63 + shift)) + divisor - 1) / divisor);
 }
 

@@ -60,7 +60,7 @@ void nxVariableTickTableContainer::_Register(const std::string& name, const std:
         return;
     _names.emplace(name, id);
     _tables.emplace(id, owned.get());
-    owned.release();
+    static_cast<void>(owned.release());
 }
 
 void nxVariableTickTableContainer::_LogRegisteredEntries()

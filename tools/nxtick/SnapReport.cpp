@@ -1,6 +1,7 @@
 #include "SnapReport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "Terminal.h"
@@ -17,7 +18,7 @@ constexpr char clearLine[] = "\r\x1b[K";
 
 std::string SecondsText(double seconds)
 {
-    const auto milliseconds = static_cast<std::uint64_t>(seconds * 1000 + 0.5);
+    const auto milliseconds = static_cast<std::uint64_t>(std::llround(seconds * 1000));
     const std::string fraction = std::to_string(1000 + milliseconds % 1000).substr(1);
     return CountText(milliseconds / 1000) + "." + fraction + " s";
 }
