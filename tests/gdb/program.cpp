@@ -1,9 +1,11 @@
 #include "core/enum/nxBoolEnum.h"
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxProductStateBitMask.h"
-#include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxMoney.h"
 #include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxStringValue.h"
 #include "core/text/nxValueWrapper.h"
+#include "core/time/nxDateTime.h"
 #include "core/time/nxTimeStamp.h"
 
 namespace
@@ -30,6 +32,12 @@ int main()
     const nxTimeStamp stamp(1709629623, 123456000);
     const nxValueWrapper<unsigned> volume(7), noVolume;
     const nxDoubleValueWrapper ratio(2.5), noRatio;
-    Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio);
+    const nxDate date(2024, 3, 5), noDate;
+    const nxTime time(9, 7, 3, 500'000'000), noTime;
+    const nxDateTime dateTime(date, nxTime(17, 30, 0)), timeAlone(8, 30, 0), never;
+    const nxMoney fee(nxDecimal("12.50", '.'), "EUR"), noFee;
+    const nxStringValue text("A-1"), noText;
+    Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio, date, noDate,
+         time, noTime, dateTime, timeAlone, never, fee, noFee, text, noText);
     return 0;
 }

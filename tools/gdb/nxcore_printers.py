@@ -98,10 +98,68 @@ class MaskPrinter:
         return " | ".join(self._flags.get(bit, hex(bit)) for bit in bits) or "(no flag)"
 
 
+MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
+
+
+def time_text(value):
+    """The time of day of an nxTime, with as much of its fraction as it has; None for null."""
+    nanoseconds = int(value["_nanoseconds"])
+    if nanoseconds < 0:
+        return None
+    seconds, fraction = divmod(nanoseconds, 10 ** 9)
+    text = "%02d:%02d:%02d" % (seconds // 3600, seconds // 60 % 60, seconds % 60)
+    for size, unit in ((3, 10 ** 6), (6, 10 ** 3), (9, 1)):
+        if fraction and fraction % unit == 0:
+            return text + ".%0*d" % (size, fraction // unit)
+    return text
+
+
+class DatePrinter:
+    """nxDate: its number, yyyymmdd, or NULL."""
+
+    def __init__(self, value):
+        self._date = int(value["_isoDate"])
+
+    def to_string(self):
+        return "%08d" % self._date if self._date else "NULL"
+
+
+class TimePrinter:
+    """nxTime: 09:07:03.500, or NULL."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        return time_text(self._value) or "NULL"
+
+
+class DateTimePrinter:
+    """nxDateTime: 05 Mar 2024 09:07:03, a time of day alone, or NULL."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        text, date = time_text(self._value["_time"]), int(self._value["_date"]["_isoDate"])
+        if text is None or not date:
+            return text or "NULL"
+        return "%02d %s %04d %s" % (date % 100, MONTHS[date // 100 % 100 - 1], date // 10000, text)
+
+
+class MoneyPrinter:
+    """nxMoney: its amount and currency, NULL or NO_CHANGE."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        amount = DecimalPrinter(self._value["_amount"]).to_string()
+        return amount if amount in ("NULL", "NO_CHANGE") else amount + " " + self._value["_currency"].string()
+
+
 class TimeStampPrinter:
     """nxTimeStamp: its 24 characters, in the local time of the debugger."""
-
-    MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
 
     def __init__(self, value):
         self._seconds, self._nanoseconds = int(value["_seconds"]), int(value["_nanoseconds"])
@@ -113,7 +171,7 @@ class TimeStampPrinter:
             return "%d s + %d ns" % (self._seconds, self._nanoseconds)
         microseconds = self._nanoseconds % 10 ** 9 // 1000
         return "%02d%s%02d %02d:%02d:%02d.%03d.%03d" % (
-            fields.tm_mday, self.MONTHS[fields.tm_mon - 1], fields.tm_year % 100, fields.tm_hour, fields.tm_min,
+            fields.tm_mday, MONTHS[fields.tm_mon - 1], fields.tm_year % 100, fields.tm_hour, fields.tm_min,
             fields.tm_sec, microseconds // 1000, microseconds % 1000)
 
 
@@ -161,7 +219,8 @@ class StringValuePrinter:
 
 
 PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDoubleValueWrapper": DoubleValueWrapperPrinter,
-            "nxStringValue": StringValuePrinter}
+            "nxStringValue": StringValuePrinter, "nxDate": DatePrinter, "nxTime": TimePrinter, "nxDateTime": DateTimePrinter,
+            "nxMoney": MoneyPrinter}
 BASES = {"nxEnum": EnumPrinter, "nxBitMask": MaskPrinter, "nxBitMask64": MaskPrinter}
 
 
