@@ -11,7 +11,7 @@ namespace
 constexpr unsigned char maxPlaces = 15;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
-constexpr std::uint64_t Power(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
+constexpr std::uint64_t TenTo(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
 
 // ceil(2^(63 + shift) / divisor), where 2^shift is the largest power of two not above the divisor: then
 // (2n * reciprocal) >> (64 + shift) is n / divisor for every n below 2^50.
@@ -28,7 +28,7 @@ constexpr auto maxExact = []
 {
     std::array<std::uint64_t, maxPlaces + 1> limits{};
     for (unsigned places = 0; places <= maxPlaces; ++places)
-        limits[places] = nxTickZone::MaxScaled / Power(places);
+        limits[places] = nxTickZone::MaxScaled / TenTo(places);
     return limits;
 }();
 
@@ -38,7 +38,7 @@ class Scale
 public:
     Scale(unsigned commonPlaces, unsigned places)
         : _difference(places > commonPlaces ? places - commonPlaces : commonPlaces - places),
-          _power(Power(_difference)),
+          _power(TenTo(_difference)),
           _isFiner(places > commonPlaces)
     {
     }
@@ -126,7 +126,7 @@ void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
     const std::uint64_t tick = nxTickZone::Magnitude(zone.increment->GetValue());
     if (zone.places < zone.tickPlaces || tick > maxExact[morePlaces])
         return;
-    const std::uint64_t step = tick * Power(morePlaces);
+    const std::uint64_t step = tick * TenTo(morePlaces);
     const std::uint64_t last = morePlaces == 0 ? extent.last : extent.lastExact;
     if (extent.isFirst)
     {
@@ -211,7 +211,7 @@ bool nxTickGrid::_ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const
 {
     if (!number.IsPositive() || _places > maxPlaces || number.GetDecimalPlaces() > _places)
         return false;
-    const std::uint64_t power = Power(_places - number.GetDecimalPlaces());
+    const std::uint64_t power = TenTo(_places - number.GetDecimalPlaces());
     const std::uint64_t magnitude = nxTickZone::Magnitude(number.GetValue());
     scaled = magnitude * power;
     return magnitude <= nxTickZone::MaxScaled / power;
