@@ -97,6 +97,7 @@ if [ "${1:-}" != --full ]; then
 else
     need_clang_tools || exit 1
     stage "format" format
+    stage "reference" bash scripts/reference.sh --check
     stage "tests, g++ Release" tests release
     mkdir -p build/clang-sanitize
     export LLVM_PROFILE_FILE=$PWD/build/clang-sanitize/coverage/%4m.profraw

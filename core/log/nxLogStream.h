@@ -198,7 +198,11 @@ private:
     [[gnu::always_inline]] static void _Copy(char* to, const char* from, std::size_t size)
     {
         if (size > 16)
+        {
+            // Keeps compilers that do not optimise from warning of this branch, which a short literal never takes.
+            __asm__("" : "+r"(from));
             std::memcpy(to, from, size);
+        }
         else if (size >= 8)
             _CopyEnds<8>(to, from, size);
         else if (size >= 4)

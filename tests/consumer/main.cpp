@@ -8,6 +8,7 @@ int main()
     nxErrorEnum error;
     if (!error.SetFromString("NX_ERR_NOT_FOUND"))
         return 1;
+    NX_LOG(NX_LOG_LEVEL_DEBUG) << "found " << error;
     const nxSteppedClock clock(nxTimeStamp(1, 0));
     if (nxTimeStamp() != nxTimeStamp(1, 0))
         return 1;
