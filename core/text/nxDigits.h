@@ -89,16 +89,6 @@ public:
     }
     /// @}
 
-    /// @return the number of digits of @p value, 1 for 0.
-    static constexpr unsigned Count(std::uint64_t value)
-    {
-        if (value < 100'000'000)
-            return 8 - _LeadingZeros(Spread(value));
-        if (value < 10'000'000'000'000'000)
-            return 16 - _LeadingZeros(Spread(value / 100'000'000));
-        return 24 - _LeadingZeros(Spread(value / 10'000'000'000'000'000));
-    }
-
     /// Writes a number without leading zeros; no terminator.
     /// @param value any.
     /// @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
@@ -134,13 +124,10 @@ public:
     /// Writes exactly @p digits digits, zeros in front, and touches no byte behind them.
     /// @param out has room for @p digits bytes. @param value any.
     /// @param digits any number; digits of @p value beyond them are cut off at the front.
-    /// @return the end of the text.
-    static char* WritePadded(char* out, std::uint64_t value, std::size_t digits)
+    static void WritePadded(char* out, std::uint64_t value, std::size_t digits)
     {
-        char* const end = out + digits;
-        for (char* at = end; at != out; value /= 10)
+        for (char* at = out + digits; at != out; value /= 10)
             *--at = static_cast<char>('0' + value % 10);
-        return end;
     }
 
     /// Reads a text of digits alone; any number of them, reduced modulo 2^64.
@@ -172,12 +159,6 @@ private:
         if constexpr (std::endian::native == std::endian::little)
             return bytes;
         return _InMemoryOrder(std::uint64_t{bytes} << (64 - 8 * sizeof bytes));
-    }
-
-    // How many digits of a spread word are leading zeros; the last digit never counts as one.
-    static constexpr unsigned _LeadingZeros(std::uint64_t digits)
-    {
-        return static_cast<unsigned>(std::countr_zero(digits | (std::uint64_t{1} << 56))) / 8;
     }
 
     static bool _TakeEight(const char* text, std::uint64_t& sum)

@@ -22,7 +22,7 @@ constexpr unsigned maxDecimals = 9;
 // The largest text of a double: sign, 10 digits, point, 9 digits; or sign and "d.dddddde+ddd".
 constexpr std::size_t doubleTextSize = 32;
 
-std::uint64_t Power(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
+std::uint64_t TenTo(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -48,7 +48,7 @@ bool ReadExactly(const char* begin, const char* end, char separator, double& mag
         (decimals != end && !nxDigits::Parse(decimals, end, fraction)))
         return false;
     const auto count = static_cast<std::size_t>(end - decimals);
-    magnitude = Divide(whole * Power(count) + fraction, count);
+    magnitude = Divide(whole * TenTo(count) + fraction, count);
     return true;
 }
 
@@ -113,7 +113,7 @@ RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)
         (magnitude - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
     // A half goes to the even neighbour like any other, unless that is 0.
     const std::uint64_t fraction = scaled == 0.5 ? 1 : ToNearest(scaled);
-    const bool carries = fraction == Power(decimals);
+    const bool carries = fraction == TenTo(decimals);
     return {static_cast<std::uint64_t>(whole) + (carries ? 1 : 0), carries ? 0 : fraction};
 }
 
@@ -123,7 +123,7 @@ char* WriteFraction(char* out, std::uint64_t fraction, unsigned decimals)
     if (fraction == 0)
         return out;
     // As nine decimals: the zeros added here are dropped again.
-    fraction *= Power(maxDecimals - decimals);
+    fraction *= TenTo(maxDecimals - decimals);
     const std::uint64_t first = fraction / 100'000'000;
     const std::uint64_t others = nxDigits::Spread(fraction % 100'000'000);
     *out++ = '.';
