@@ -342,7 +342,7 @@ void RegisterScaling()
 
 const bool isRegistered = []
 {
-    for (const std::size_t bands : {1, 10, 20})
+    for (const unsigned bands : {1U, 10U, 20U})
     {
         Register<TickAtPrice>("tick_at_price", bands, false);
         Register<Round>("tick_round", bands, false);

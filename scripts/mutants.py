@@ -22,7 +22,8 @@ SCRATCH = os.path.join(ROOT, "build", "mutants")
 CLASSES = {
     "nxDecimal": (["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp"], "test_numeric"),
     "nxStringHelper": (["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp"], "test_text"),
-    "nxTickGrid": (["core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.cpp"], "test_price"),
+    "nxTickGrid": (["core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.cpp",
+                    "core/price/internal/nxTickRun.cpp"], "test_price"),
     "nxVariableTickTable": (["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp"], "test_price"),
 }
 # (pattern, replacements): what one slip of the hand turns into another.
