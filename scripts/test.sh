@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Builds the library and everything on it, then runs every test, with both compilers and under the sanitizers.
 #
-#     scripts/test.sh            the Release build, its tests and its packages
-#     scripts/test.sh --full     that, and the sanitizers, the fuzz targets and the coverage
+#     scripts/test.sh            everything
+#     scripts/test.sh --quick    the format and the Release build with its tests, while one works on something
 #
-# Stages of the full run: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
-# then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++. A summary closes it.
+# Stages: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
+# then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++; the packages. A
+# summary closes it. What one run needs more of is an environment variable: NX_FUZZ_RUNS, NX_FUZZ_SECONDS.
 set -u
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -45,23 +46,23 @@ tests()
 
 format() { git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror; }
 
-# The fuzz targets over their kept corpus and a bounded number of new inputs.
+# One fuzz target over its kept corpus and a bounded number of new inputs.
+fuzz_one()
+{
+    local name=${1##*/fuzz_} folder=build/clang-sanitize
+    mkdir -p "$folder/corpus/$name" "fuzz/corpus/$name"
+    "$1" -runs="${NX_FUZZ_RUNS:-200000}" -max_total_time="${NX_FUZZ_SECONDS:-10}" -timeout=10 -rss_limit_mb=4096 -verbosity=0 \
+        -artifact_prefix="$folder/$name-" "$folder/corpus/$name" "fuzz/corpus/$name" >"$folder/$name.log" 2>&1 ||
+        { echo "fuzz_$name:"; tail -n 30 "$folder/$name.log"; return 1; }
+}
+export -f fuzz_one
+
 fuzz()
 {
-    local target name result=0 count=0
-    for target in build/clang-sanitize/fuzz/fuzz_*; do
-        [ -x "$target" ] || continue
-        name=${target##*/fuzz_}
-        count=$((count + 1))
-        mkdir -p "build/clang-sanitize/corpus/$name" "fuzz/corpus/$name"
-        if ! "$target" -runs="${NX_FUZZ_RUNS:-200000}" -max_total_time="${NX_FUZZ_SECONDS:-10}" -timeout=10 -rss_limit_mb=4096 -verbosity=0 \
-            -artifact_prefix="build/clang-sanitize/$name-" "build/clang-sanitize/corpus/$name" "fuzz/corpus/$name" \
-            >"build/clang-sanitize/$name.log" 2>&1; then
-            echo "fuzz_$name:"; tail -n 30 "build/clang-sanitize/$name.log"; result=1
-        fi
-    done
-    note="$count targets"
-    return $result
+    local targets
+    targets=$(find build/clang-sanitize/fuzz -maxdepth 1 -type f -name 'fuzz_*' -perm -u+x) && [ -n "$targets" ] || return 1
+    note="$(wc -l <<<"$targets") targets"
+    xargs -P "$(nproc)" -I{} bash -c 'fuzz_one {}' <<<"$targets"
 }
 
 coverage()
@@ -91,7 +92,8 @@ sizes()
 }
 
 need_test_tools || exit 1
-if [ "${1:-}" != --full ]; then
+if [ "${1:-}" = --quick ]; then
+    stage "format" format
     stage "tests, g++ Release" tests release
     stage "size" sizes
 else
