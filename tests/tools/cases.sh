@@ -2,6 +2,7 @@
 # Sourced by the test scripts: a scratch directory of their own and the checks that they are tables of.
 
 nxtick=$1
+[ -x "$nxtick" ] || { echo "$nxtick is not there"; exit 2; }
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch" || exit 2
