@@ -32,6 +32,9 @@ void* Allocate(std::size_t size)
         return block;
     throw std::bad_alloc();
 }
+
+// Not inline: the compiler would take the pair of new and free for a mistake.
+[[gnu::noinline]] void Free(void* block) { std::free(block); }
 }  // namespace
 
 void* operator new(std::size_t size) { return Allocate(size); }
@@ -47,11 +50,11 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
         return nullptr;
     }
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete(void* block) noexcept { Free(block); }
+void operator delete[](void* block) noexcept { Free(block); }
+void operator delete(void* block, std::size_t) noexcept { Free(block); }
+void operator delete[](void* block, std::size_t) noexcept { Free(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { Free(block); }
 
 TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
