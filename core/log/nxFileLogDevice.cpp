@@ -95,7 +95,8 @@ class nxFileLogDevice::State
 public:
     bool IsCreated() const { return _isCreated; }
     bool IsOpen() const { return _file.IsOpen(); }
-    bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize);
+    bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize, const nxLogSettings& settings,
+                const std::string& application);
     void Write(std::string_view lines, bool atOnce, long long second);
     void WriteRecord(const nxLog& record);
     void Flush();
@@ -111,7 +112,6 @@ public:
 
 private:
     std::string GetDirectory() const;
-    void ReadEnvironment();
     void ReadProcess();
     bool OpenNext();
     int CreateNext();
@@ -141,11 +141,13 @@ private:
     std::string _line;
 };
 
-bool nxFileLogDevice::State::Create(const nxValueWrapper<unsigned long long>& maximumFileSize)
+bool nxFileLogDevice::State::Create(const nxValueWrapper<unsigned long long>& maximumFileSize,
+                                    const nxLogSettings& settings, const std::string& application)
 {
     if (_file.IsOpen())
         return false;
-    ReadEnvironment();
+    _settings = settings;
+    _application = application;
     ReadProcess();
     _limit = maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0;
     if (!_file.SetBufferSize(static_cast<std::size_t>(_settings.fileBufferMegabytes) << 20))
@@ -157,12 +159,6 @@ bool nxFileLogDevice::State::Create(const nxValueWrapper<unsigned long long>& ma
     _openingFailureIsTold = false;
     MustHandOver(true, nxClock::MonotonicNanoseconds());
     return OpenNext();
-}
-
-void nxFileLogDevice::State::ReadEnvironment()
-{
-    _settings = nxLogSettings::Read();
-    _application = ApplicationText();
 }
 
 // Anew in a forked child.
@@ -401,10 +397,15 @@ nxFileLogDevice::~nxFileLogDevice() = default;
 bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFileSize)
 {
     bool created = false;
-    {
-        const nxMutexGuard guard(_mutex);
-        WithoutThrowing([&] { created = _state->Create(maximumFileSize); });
-    }
+    WithoutThrowing(
+        [&]
+        {
+            // Before the lock: who forks holds the lock of the environment first and that of the device then.
+            const nxLogSettings settings = nxLogSettings::Read();
+            const std::string application = ApplicationText();
+            const nxMutexGuard guard(_mutex);
+            created = _state->Create(maximumFileSize, settings, application);
+        });
     nxLogManager::GetInstance().RegisterLogDevice(this);
     return created;
 }

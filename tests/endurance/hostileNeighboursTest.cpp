@@ -25,6 +25,7 @@
 #include "core/nxCore.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxPrivateMemory.h"
+#include "tests/support/nxSanitizer.h"
 
 namespace
 {
@@ -185,6 +186,8 @@ TEST(hostileNeighbours, NamedObjectsAreOutOfAnotherUsersReach)
 
 TEST(hostileNeighbours, LogFilesAreNewAndNobodyElsesToRead)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     if (!nxInNewProcess())
         return;
     if (geteuid() != 0)

@@ -20,6 +20,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/nxSanitizer.h"
+
 namespace
 {
 int Rounds(const char* name, int short_form)
@@ -218,6 +220,8 @@ TEST(nxLogEndurance, ExitWhileThreadsLogLosesNoLineInTheMiddleAndWritesNoneTwice
 
 TEST(nxLogEndurance, ForkWhileThreadsLogWritesNoLineTwice)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
     {
         SCOPED_TRACE(round);

@@ -34,6 +34,7 @@
 #include "core/nxCore.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxPrivateMemory.h"
+#include "tests/support/nxSanitizer.h"
 #include "tests/support/nxSystemCallFault.h"
 
 namespace
@@ -403,6 +404,8 @@ bool Survives(std::size_t scenario, const char* function, int error, const nxSys
 
 TEST(systemCallFaults, NothingCrashesHangsOrGetsLostUncounted)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     if (!nxInNewProcess())
         return;
     const unsigned long wanted = Setting("NX_TEST_FAULTS", 300);

@@ -27,6 +27,7 @@
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/thread/nxThreadIndex.h"
+#include "tests/support/nxSanitizer.h"
 
 namespace
 {
@@ -691,6 +692,8 @@ TEST_F(nxFileLogDeviceTest, HasWarningsAndWhatWasBeforeThemAfterAKill)
 
 TEST_F(nxFileLogDeviceTest, GivesAForkedChildAFileOfItsOwn)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     ASSERT_TRUE(Create());
     nxLogLineSink& sink = *Device().GetLineSink();
     WriteBatch("parent 1\r\n");

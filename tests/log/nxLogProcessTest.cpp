@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/nxSanitizer.h"
+
 namespace
 {
 /// A run of the scenario program, and what it has written to its log.
@@ -74,6 +76,8 @@ TEST(nxLogProcess, EndsWhateverDevicesDo)
 
 TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     const ScenarioRun run("Fork");
     EXPECT_EQ(run.status, 0);
     std::map<std::string, int> count;
@@ -103,6 +107,8 @@ TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
 
 TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)
 {
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
     const ScenarioRun run("ForkWithAFullQueue");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.Count("row"), 0u);

@@ -15,4 +15,8 @@ inline constexpr bool nxUnderThreadSanitizer = false;
 inline constexpr bool nxUnderThreadSanitizer = false;
 #endif
 
+/// Why a test is left out there.
+inline constexpr const char* nxNoThreadsAfterFork =
+    "the thread sanitizer ends a forked child of several threads that starts one of its own";
+
 #endif
