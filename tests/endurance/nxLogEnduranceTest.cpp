@@ -61,6 +61,9 @@ public:
         EXPECT_EQ(::pipe(ends), 0);
         _output = ends[0];
         settings.push_back("QRX_LOG_DIRECTORY=" + directory.string());
+        // ThreadSanitizer ends forked children that start threads unless it is told not to.
+        const char* const sanitizer = std::getenv("TSAN_OPTIONS");
+        settings.push_back(std::string("TSAN_OPTIONS=die_after_fork=0 ") + (sanitizer != nullptr ? sanitizer : ""));
         words.insert(words.begin(), NX_LOGGER);
         std::vector<char*> arguments;
         for (std::string& word : words)

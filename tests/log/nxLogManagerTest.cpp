@@ -480,6 +480,17 @@ TEST(nxLogManager, StartsAnewAfterDestroy)
     EXPECT_EQ(device.writes, 2);
 }
 
+// Without the lines in which the log tells, up to a second later, what another test made it lose.
+std::string WithoutReports(std::string lines)
+{
+    for (std::size_t at; (at = lines.find("queue was full")) != std::string::npos;)
+    {
+        const std::size_t begin = lines.rfind('\n', at) + 1;  // 0 when there is none
+        lines.erase(begin, lines.find('\n', at) + 1 - begin);
+    }
+    return lines;
+}
+
 TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
 {
     LineDevice full({nxLogLineStyle::Full, true});
@@ -495,8 +506,8 @@ TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
         Manager().Write(record);
     }
     WaitUntilWritten();
-    EXPECT_TRUE(full.text == expectedFull);
-    EXPECT_TRUE(brief.text == expectedBrief);
+    EXPECT_TRUE(WithoutReports(full.text) == expectedFull);
+    EXPECT_TRUE(WithoutReports(brief.text) == expectedBrief);
     EXPECT_EQ(full.worstLevel, NX_LOG_LEVEL_ERROR);
     EXPECT_LE(full.largest, (std::size_t{1} << 20) + 200);
 

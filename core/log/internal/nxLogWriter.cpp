@@ -15,6 +15,7 @@
 #include "core/log/nxLogManager.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxFutex.h"
+#include "core/platform/nxPlatformThread.h"
 #include "core/platform/nxThreadHooks.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -49,8 +50,8 @@ bool HasReached(std::uint32_t reached, std::uint32_t ticket)
 }
 
 // At the end of the process the queue is written out, unless a device keeps it up too long. The end comes in several
-// steps, by one thread; the limits hold for all of them together.
-void WriteOutAtExit()
+// steps, by one thread; the limits hold for all of them together. Returns whether the devices still move.
+bool WriteOutOnce()
 {
     constexpr std::int64_t longest = 10 * second;
     constexpr std::int64_t longestStall = 2 * second;
@@ -59,15 +60,23 @@ void WriteOutAtExit()
     static std::uint32_t progressAtStall = 0;
     const nxLogQueue& queue = nxLogQueue::GetInstance();
     if (spent >= longest || (stalled && queue.GetProgress() == progressAtStall))
-        return;
+        return false;
     const std::int64_t begin = nxClock::MonotonicNanoseconds();
     stalled = !nxLogWriter::GetInstance().WriteOut(longest - spent, longestStall);
     progressAtStall = queue.GetProgress();
     spent += nxClock::MonotonicNanoseconds() - begin;
+    return !stalled;
 }
 
+void WriteOutAtExit() { static_cast<void>(WriteOutOnce()); }
+
 // Once more when the library itself ends: static destructors that ran meanwhile may have reported.
-[[gnu::destructor]] void WriteOutAtUnload() { WriteOutAtExit(); }
+[[gnu::destructor]] void WriteOutAtUnload()
+{
+    // Now the process ends in the midst of whatever its threads do. Let that not be a line of the log's.
+    if (WriteOutOnce())
+        nxLogWriter::GetInstance().KeepStill(second);
+}
 }  // namespace
 
 nxLogWriter& nxLogWriter::GetInstance() noexcept
@@ -232,6 +241,14 @@ void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
     const nxMutexGuard guard(_roundMutex);
     records.insert(records.end(), _early.begin(), _early.end());
     queue.CopyRecords(records);
+}
+
+void nxLogWriter::KeepStill(std::int64_t limit) noexcept
+{
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
+    // A round has the mutex from its beginning to its end.
+    while (MayWait() && !_roundMutex.TryLock().IsOK() && nxClock::MonotonicNanoseconds() < deadline)
+        nxPlatformThread::SleepMilliseconds(1);
 }
 
 void nxLogWriter::SetFlushInterval(double seconds) noexcept

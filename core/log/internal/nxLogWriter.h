@@ -46,6 +46,10 @@ public:
     /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
     bool WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
+    /// Lets no thread begin a round any more, for good: at the very end of the process. Waits at most @p limit
+    /// nanoseconds for the round that is going on.
+    void KeepStill(std::int64_t limit) noexcept;
+
     /// Seconds between two flushes of devices that have been written to; 0 or less means after every round.
     void SetFlushInterval(double seconds) noexcept;
 
