@@ -8,6 +8,7 @@
 
 #include "core/log/internal/nxLogLineBuffer.h"
 #include "core/log/internal/nxLogSourceTable.h"
+#include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
 
 nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept
@@ -35,7 +36,7 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
     return &_sources.emplace(Key(std::string_view(texts, fileSize), line), source).first->second;
 }
 
-void nxLogSourceTable::AfterForkInChild() noexcept { ::new (&_mutex) nxMutex; }
+void nxLogSourceTable::AfterForkInChild() noexcept { nxMutexInChild::Renew(_mutex); }
 
 const nxLogSource* nxLogSite::_Keep() noexcept
 {

@@ -1,9 +1,8 @@
 #ifndef CORE_APP_INTERNAL_NXMUTEXACROSSFORK_H
 #define CORE_APP_INTERNAL_NXMUTEXACROSSFORK_H
 
-#include <new>
-
 #include "core/platform/nxThreadHooks.h"
+#include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutex.h"
 
 /// Keeps a process-wide mutex usable in forked children. Without it, a child of a process one of whose other threads
@@ -22,7 +21,7 @@ public:
 private:
     static void _Before() NX_NO_THREAD_SAFETY_ANALYSIS { GetMutex().Lock(); }
     static void _AfterInParent() NX_NO_THREAD_SAFETY_ANALYSIS { GetMutex().Unlock(); }
-    static void _AfterInChild() { new (&GetMutex()) nxMutex; }
+    static void _AfterInChild() { nxMutexInChild::Renew(GetMutex()); }
 };
 
 #endif

@@ -7,6 +7,7 @@
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
+#include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
 
 constinit thread_local const nxLogDeviceEntry::Visit* nxLogDeviceEntry::_innermost = nullptr;
@@ -227,7 +228,7 @@ void nxLogDeviceList::AfterForkInParent() noexcept
 
 void nxLogDeviceList::AfterForkInChild() noexcept
 {
-    ::new (&_mutex) nxMutex;
+    nxMutexInChild::Renew(_mutex);
     for (const auto& entry : *_entries)
         entry->AfterForkInChild();
     _forking.reset();

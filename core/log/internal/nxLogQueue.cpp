@@ -12,6 +12,7 @@
 #include "core/log/nxLogSource.h"
 #include "core/platform/nxFutex.h"
 #include "core/platform/nxThreadHooks.h"
+#include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxThreadIndex.h"
 
@@ -821,7 +822,7 @@ void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
 
 void nxLogQueue::AfterForkInChild() noexcept
 {
-    ::new (&_mutex) nxMutex;
+    nxMutexInChild::Renew(_mutex);
     // The channels of the other threads, which are gone, are left alone: what they hold was caught in the middle of
     // anything. They are kept in a list, for leak checkers. Those of this thread begin again, empty.
     static nxLogChannel* caught;
