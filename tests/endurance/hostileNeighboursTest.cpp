@@ -25,7 +25,6 @@
 #include "core/nxCore.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxSanitizer.h"
 
 namespace
 {
@@ -186,8 +185,6 @@ TEST(hostileNeighbours, NamedObjectsAreOutOfAnotherUsersReach)
 
 TEST(hostileNeighbours, LogFilesAreNewAndNobodyElsesToRead)
 {
-    if (nxUnderThreadSanitizer)
-        GTEST_SKIP() << nxNoThreadsAfterFork;
     if (!nxInNewProcess())
         return;
     if (geteuid() != 0)

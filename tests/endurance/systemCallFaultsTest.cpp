@@ -34,7 +34,6 @@
 #include "core/nxCore.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxSanitizer.h"
 #include "tests/support/nxSystemCallFault.h"
 
 // Under the thread sanitizer a process with threads would take a second to end, which is most of the time here.
@@ -407,8 +406,6 @@ bool Survives(std::size_t scenario, const char* function, int error, const nxSys
 
 TEST(systemCallFaults, NothingCrashesHangsOrGetsLostUncounted)
 {
-    if (nxUnderThreadSanitizer)
-        GTEST_SKIP() << nxNoThreadsAfterFork;
     if (!nxInNewProcess())
         return;
     const unsigned long wanted = Setting("NX_TEST_FAULTS", 300);

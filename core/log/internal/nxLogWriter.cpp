@@ -281,6 +281,8 @@ bool nxLogWriter::_DoRound(bool everything) noexcept
 {
     nxLogQueue& queue = nxLogQueue::GetInstance();
     nxClock::Recalibrate();
+    // The records before the devices: what is reported after a device was registered finds it in the list.
+    queue.BeginRound(everything);
     try
     {
         _BeginRound();
@@ -291,7 +293,6 @@ bool nxLogWriter::_DoRound(bool everything) noexcept
         return false;
     }
     _WriteEarly();
-    queue.BeginRound(everything);
     nxLogRecord record;
     unsigned count = 0;
     while (queue.Next(record))
