@@ -76,6 +76,8 @@ TEST(nxLogProcess, EndsWhateverDevicesDo)
 
 TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
 {
+    if (nxUnderAddressSanitizer)
+        GTEST_SKIP() << "the address sanitizer's allocator does not survive a fork while threads are in it";
     if (nxUnderThreadSanitizer)
         GTEST_SKIP() << nxNoThreadsAfterFork;
     const ScenarioRun run("Fork");

@@ -19,4 +19,17 @@ inline constexpr bool nxUnderThreadSanitizer = false;
 inline constexpr const char* nxNoThreadsAfterFork =
     "the thread sanitizer ends a forked child of several threads that starts one of its own";
 
+/// The same of the address sanitizer, whose allocator hangs in a child that is forked while another thread is in it.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool nxUnderAddressSanitizer = true;
+#elif defined(__has_feature)
+    #if __has_feature(address_sanitizer)
+inline constexpr bool nxUnderAddressSanitizer = true;
+    #else
+inline constexpr bool nxUnderAddressSanitizer = false;
+    #endif
+#else
+inline constexpr bool nxUnderAddressSanitizer = false;
+#endif
+
 #endif
