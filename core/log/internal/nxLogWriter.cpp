@@ -545,6 +545,8 @@ void nxLogWriter::AfterForkInChild() noexcept
     ::new (&_roundMutex) nxMutex;
     caught = _round.release();
     static_cast<void>(caught);
+    alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
+    std::memcpy(caughtEarly, static_cast<const void*>(&_early), sizeof _early);
     ::new (&_early) std::vector<nxLog>;
     _earlyBytes = 0;
     _thread = nullptr;
