@@ -77,7 +77,7 @@ TEST(nxLogProcess, EndsWhateverDevicesDo)
 TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
 {
     if (nxUnderAddressSanitizer)
-        GTEST_SKIP() << "the address sanitizer's allocator does not survive a fork while threads are in it";
+        GTEST_SKIP() << nxNoForkAmongThreads;
     if (nxUnderThreadSanitizer)
         GTEST_SKIP() << nxNoThreadsAfterFork;
     const ScenarioRun run("Fork");
@@ -109,6 +109,8 @@ TEST(nxLogProcess, GivesEachForkedChildALogOfItsOwn)
 
 TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)
 {
+    if (nxUnderAddressSanitizer)
+        GTEST_SKIP() << nxNoForkAmongThreads;
     if (nxUnderThreadSanitizer)
         GTEST_SKIP() << nxNoThreadsAfterFork;
     const ScenarioRun run("ForkWithAFullQueue");

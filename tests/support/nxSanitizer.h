@@ -32,4 +32,8 @@ inline constexpr bool nxUnderAddressSanitizer = false;
 inline constexpr bool nxUnderAddressSanitizer = false;
 #endif
 
+/// Why a test is left out there.
+inline constexpr const char* nxNoForkAmongThreads =
+    "the address sanitizer's allocator does not survive a fork while threads are in it";
+
 #endif
