@@ -105,7 +105,7 @@ else
     export LLVM_PROFILE_FILE=$PWD/build/clang-sanitize/coverage/%4m.profraw
     stage "tests, clang address+undefined" tests clang-sanitize
     stage "coverage" coverage
-    unset LLVM_PROFILE_FILE
+    export LLVM_PROFILE_FILE=/dev/null
     stage "fuzz targets" fuzz
     stage "tests, g++ thread" tests tsan
     stage "Debian packages" packages

@@ -90,7 +90,7 @@ std::string ApplicationText()
 }  // namespace
 
 // What the mutex guards.
-class nxFileLogDevice::State
+class [[gnu::visibility("hidden")]] nxFileLogDevice::State
 {
 public:
     bool IsCreated() const { return _isCreated; }
