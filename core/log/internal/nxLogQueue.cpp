@@ -825,7 +825,7 @@ void nxLogQueue::AfterForkInChild() noexcept
     nxMutexInChild::Renew(_mutex);
     // The channels of the other threads, which are gone, are left alone: what they hold was caught in the middle of
     // anything. They are kept in a list, for leak checkers. Those of this thread begin again, empty.
-    static nxLogChannel* caught;
+    [[gnu::used]] static nxLogChannel* caught;
     while (_channels != nullptr)
     {
         nxLogChannel* const channel = std::exchange(_channels, _channels->_next);

@@ -540,12 +540,12 @@ void nxLogWriter::_ReportLosses() noexcept
 void nxLogWriter::AfterForkInChild() noexcept
 {
     // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
-    static Round* caught;
+    [[gnu::used]] static Round* caught;
     ::new (&_startMutex) nxMutex;
     ::new (&_roundMutex) nxMutex;
     caught = _round.release();
     static_cast<void>(caught);
-    alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
+    [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
     std::memcpy(caughtEarly, static_cast<const void*>(&_early), sizeof _early);
     ::new (&_early) std::vector<nxLog>;
     _earlyBytes = 0;
