@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
@@ -546,8 +547,7 @@ void nxLogWriter::AfterForkInChild() noexcept
     caught = _round.release();
     static_cast<void>(caught);
     [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
-    std::memcpy(caughtEarly, static_cast<const void*>(&_early), sizeof _early);
-    ::new (&_early) std::vector<nxLog>;
+    ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
     _earlyBytes = 0;
     _thread = nullptr;
     _running.store(false, std::memory_order_relaxed);
