@@ -223,6 +223,8 @@ TEST(nxLogEndurance, ExitWhileThreadsLogLosesNoLineInTheMiddleAndWritesNoneTwice
 
 TEST(nxLogEndurance, ForkWhileThreadsLogWritesNoLineTwice)
 {
+    if (nxUnderAddressSanitizer)
+        GTEST_SKIP() << "the address sanitizer's allocator does not survive a fork while threads are in it";
     if (nxUnderThreadSanitizer)
         GTEST_SKIP() << nxNoThreadsAfterFork;
     for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
