@@ -21,7 +21,7 @@ void Require(bool holds)
 // The zone of the process takes turns, so that texts are also those after a change of zone.
 void SetZone(unsigned char choice)
 {
-    static constexpr const char* zones[] = {"UTC0", "Europe/London", "Australia/Lord_Howe", "XXX3YYY,J100/3,J300/3"};
+    static constexpr const char* zones[] = {"UTC0", "Europe/London", "Australia/Lord_Howe", "ABC3DEF,J100/3,J300/3"};
     static unsigned char last = 255;
     if (last == choice % 4)
         return;

@@ -2,18 +2,16 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <ctime>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "core/app/nxCmdLineArgs.h"
+#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -44,7 +42,7 @@ TEST(nxApplicationData, SettingsKeepWhatTheyAreGiven)
     EXPECT_EQ(nxApplicationData::GetAPIConnectionType(), nxAPIConnectionTypeEnum());
 }
 
-TEST(nxApplicationData, ThePlatformsFactsAreLive)
+TEST(nxApplicationData, ThePlatformsFactsAreLiveAndHaveDefaults)
 {
     char host[256] = "";
     ASSERT_EQ(::gethostname(host, sizeof(host) - 1), 0);
@@ -61,35 +59,23 @@ TEST(nxApplicationData, ThePlatformsFactsAreLive)
     EXPECT_TRUE(start.IsValid());
     EXPECT_LE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) + 1, 0));
     EXPECT_GE(start, nxDateTime(static_cast<long long>(std::time(nullptr)) - 24 * 3600, 0));
-    EXPECT_EQ(nxApplicationData::GetStartTime(), start);
-}
 
-TEST(nxApplicationData, AMachineThatTellsNothingHasDefaults)
-{
-    {
-        const nxSystemCallFault noName("gethostname", ENAMETOOLONG);
-        EXPECT_EQ(nxApplicationData::GetHostName(), "localhost");
-    }
-    {
-        const nxSystemCallFault noInterfaces("getifaddrs", ENOSYS);
-        EXPECT_EQ(nxApplicationData::GetIPAddress(), "127.0.0.1");
-    }
+    const nxSystemCallFault noName("gethostname", ENAMETOOLONG);
+    EXPECT_EQ(nxApplicationData::GetHostName(), "localhost");
+    const nxSystemCallFault noInterfaces("getifaddrs", ENOSYS);
+    EXPECT_EQ(nxApplicationData::GetIPAddress(), "127.0.0.1");
 }
 
 TEST(nxApplicationData, WithoutAProcessFileTheStartIsTheFirstQuestion)
 {
     // A child, because the answer is kept.
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0)
-    {
-        const nxSystemCallFault noFile("open", EMFILE, {.path = "/proc/self/stat"});
-        const nxDateTime before(static_cast<long long>(std::time(nullptr)), 0);
-        ::_exit(nxApplicationData::GetStartTime() >= before && noFile.GetHits() == 1 ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(nxInChild(
+        []
+        {
+            const nxSystemCallFault noFile("open", EMFILE, {.path = "/proc/self/stat"});
+            EXPECT_GE(nxApplicationData::GetStartTime(), nxDateTime(std::time(nullptr), 0));
+            EXPECT_EQ(noFile.GetHits(), 1U);
+        }));
 }
 
 TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
@@ -97,47 +83,27 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
     const unsigned parent = nxApplicationData::GetProcessID();
     const nxDateTime parentStart = nxApplicationData::GetStartTime();
     ::usleep(50'000);  // more than the resolution of start times, which is a clock tick
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0)
-        ::_exit(nxApplicationData::GetProcessID() == static_cast<unsigned>(::getpid()) &&
-                        nxApplicationData::GetProcessID() != parent && nxApplicationData::GetStartTime() >= parentStart
-                    ? 0
-                    : 1);
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-}
-
-// Whoever held a mutex at the moment of the fork does not exist in the child.
-TEST(nxApplicationData, AChildForkedWhileOtherThreadsAskDoesNotHang)
-{
-    std::atomic<bool> stop{false};
-    std::thread asking(
+    EXPECT_TRUE(nxInChild(
         [&]
         {
-            while (!stop)
-            {
-                nxApplicationData::GetApplicationName();
-                nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
-            }
-        });
-    int status = 0;
-    for (int i = 0; i < 100 && status == 0; ++i)
-    {
-        const pid_t child = ::fork();
-        if (child == 0)
+            EXPECT_EQ(nxApplicationData::GetProcessID(), static_cast<unsigned>(::getpid()));
+            EXPECT_NE(nxApplicationData::GetProcessID(), parent);
+            EXPECT_GE(nxApplicationData::GetStartTime(), parentStart);
+        }));
+    // Whoever held a mutex at the moment of the fork does not exist in the child.
+    const nxBusyThread asking(
+        []
         {
-            ::alarm(60);
-            nxApplicationData::SetApplicationName(nxApplicationData::GetApplicationName() + "x");
+            nxApplicationData::GetApplicationName();
             nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
-            ::_exit(0);
-        }
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-    }
-    stop = true;
-    asking.join();
-    EXPECT_EQ(status, 0);
+        });
+    for (int i = 0; i < 100 && !HasFailure(); ++i)
+        EXPECT_TRUE(nxInChild(
+            []
+            {
+                nxApplicationData::SetApplicationName(nxApplicationData::GetApplicationName() + "x");
+                nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
+            }));
 }
 
 TEST(nxApplicationData, SecureConnectionIsReadFromTheDaemonSetting)

@@ -6,10 +6,8 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
-#include <initializer_list>
 #include <map>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +15,7 @@
 #include "core/log/nxLogManager.h"
 #include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -56,18 +55,6 @@ public:
         GetArgs(options);
         return options;
     }
-    Words Rest() const
-    {
-        Words words;
-        GetUnprocessedArgs(words);
-        return words;
-    }
-    Map Environment() const
-    {
-        Map variables;
-        GetEnvs(variables);
-        return variables;
-    }
 
 private:
     Vector _argvStore{{}};
@@ -105,7 +92,9 @@ TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
         SCOPED_TRACE(testing::PrintToString(row.words));
         EXPECT_EQ(args.GetCommand(), "prog");
         EXPECT_EQ(args.Options(), row.options);
-        EXPECT_EQ(args.Rest(), row.rest);
+        Words rest;
+        args.GetUnprocessedArgs(rest);
+        EXPECT_EQ(rest, row.rest);
         for (const auto& [name, value] : row.options)
         {
             EXPECT_TRUE(args.IsArgDefined(name));
@@ -119,52 +108,45 @@ TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
 TEST(nxCmdLineArgs, EnvironmentIsSplitAtTheFirstEqualsSign)
 {
     const Args args({"prog"}, {"A=1", "B=x=y", "EMPTY=", "no sign", "A=2", "a=lower", "=C:=odd"});
-    EXPECT_EQ(args.Environment(), (Map{{"A", "2"}, {"B", "x=y"}, {"EMPTY", ""}, {"a", "lower"}, {"", "C:=odd"}}));
+    Map variables;
+    args.GetEnvs(variables);
+    EXPECT_EQ(variables, (Map{{"A", "2"}, {"B", "x=y"}, {"EMPTY", ""}, {"a", "lower"}, {"", "C:=odd"}}));
     EXPECT_EQ(args.GetEnvValue("B"), "x=y");
     EXPECT_EQ(args.GetEnvValue("missing"), "");
 }
 
-TEST(nxCmdLineArgs, WhatWasReadStays)
+TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
 {
+    const std::string name = "NX_TEST_LIVE_" + std::to_string(::getpid());
+    const std::string value(5000, 'x');  // longer than any fixed buffer
+    ASSERT_EQ(::setenv(name.c_str(), value.c_str(), 1), 0);
     Vector first({"one", "-a", "1"});
     Vector second({"two", "-b", "2"});
     Vector environment({"A=1"});
     Vector otherEnvironment({"A=2"});
 
     Args args;
+    EXPECT_EQ(args.GetEnvValue(name), value);
     args.Initialise(nullptr, nullptr);
     EXPECT_EQ(args.GetRawArgv(), nullptr);
     args.Initialise(first.Get(), nullptr);
+    EXPECT_EQ(args.GetEnvValue(name), value);
     args.Initialise(second.Get(), environment.Get());
     args.Initialise(second.Get(), otherEnvironment.Get());
     EXPECT_EQ(args.GetCommand(), "one");
     EXPECT_EQ(args.Options(), (Map{{"a", "1"}}));
     EXPECT_EQ(args.GetEnvValue("A"), "1");
+    EXPECT_EQ(args.GetEnvValue(name), "");
     EXPECT_EQ(args.GetRawArgv(), first.Get());
     EXPECT_EQ(args.GetRawEnvp(), environment.Get());
-}
-
-TEST(nxCmdLineArgs, ArgvMayLackEvenTheCommand)
-{
-    char* none[] = {nullptr};
-    Args args;
-    args.Initialise(none, none);
-    EXPECT_EQ(args.GetCommand(), "");
-    EXPECT_TRUE(args.Options().empty());
-    EXPECT_EQ(args.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
-}
-
-TEST(nxCmdLineArgs, TheLiveEnvironmentAnswersUntilOneIsRead)
-{
-    const std::string name = "NX_TEST_LIVE_" + std::to_string(::getpid());
-    const std::string value(5000, 'x');  // longer than any fixed buffer
-    Args args;
-    ASSERT_EQ(::setenv(name.c_str(), value.c_str(), 1), 0);
-    EXPECT_EQ(args.GetEnvValue(name), value);
-    Vector environment({"A=1"});
-    args.Initialise(nullptr, environment.Get());
-    EXPECT_EQ(args.GetEnvValue(name), "");
     ::unsetenv(name.c_str());
+
+    char* none[] = {nullptr};  // argv may lack even the command
+    Args empty;
+    empty.Initialise(none, none);
+    EXPECT_EQ(empty.GetCommand(), "");
+    EXPECT_TRUE(empty.Options().empty());
+    EXPECT_EQ(empty.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
 }
 
 TEST(nxCmdLineArgs, BooleansKnowFourWords)
@@ -224,27 +206,15 @@ TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
 
 TEST(nxCmdLineArgs, TimesOfDayAreSixDigitsInRange)
 {
-    const std::pair<const char*, bool> rows[] = {
-        {"000000", true},
-        {"235959", true},
-        {"240000", false},
-        {"236000", false},
-        {"235960", false},
-        {"999999", false},
-        {"", false},
-        {"93005", false},
-        {"0930050", false},
-        {"09:005", false},
-        {"-93005", false},
-        {"0930\xB2"
-         "5",
-         false},
-    };
-    for (const auto& [text, isTime] : rows)
-    {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(Args({}, {std::string("T=") + text}).GetEnvValueAsHHMMSS("T").IsValid(), isTime);
-    }
+    const auto isTime = [](const std::string& text)
+    { return Args({}, {"T=" + text}).GetEnvValueAsHHMMSS("T").IsValid(); };
+    for (const char* const text : {"000000", "235959"})
+        EXPECT_TRUE(isTime(text)) << text;
+    for (const char* const text : {"240000", "236000", "235960", "999999", "", "93005", "0930050", "09:005", "-93005"})
+        EXPECT_FALSE(isTime(text)) << text;
+    EXPECT_FALSE(
+        isTime("0930\xB2"
+               "5"));
     EXPECT_EQ(Args({}, {"T=093005"}).GetEnvValueAsHHMMSS("T"), nxDateTime(9, 30, 5));
 }
 
@@ -274,39 +244,25 @@ TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
 {
     const std::string name = "NX_TEST_RACE_" + std::to_string(::getpid());
     Args args;
-    std::atomic<bool> stop{false};
     std::atomic<int> torn{0};
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 3; ++i)
-        readers.emplace_back(
-            [&]
-            {
-                while (!stop)
-                    if (const std::string value = args.GetEnvValue(name);
-                        value.find_first_not_of(value.substr(0, 1)) != std::string::npos)
-                        ++torn;
-            });
-    for (int i = 0; i < 2000; ++i)
-        args.SetEnvValue(name, std::string(static_cast<std::size_t>(1 + i % 300), static_cast<char>('a' + i % 26)));
-    stop = true;
-    for (std::thread& reader : readers)
-        reader.join();
+    const auto look = [&]
+    {
+        const std::string value = args.GetEnvValue(name);
+        torn += value.find_first_not_of(value.substr(0, 1)) != std::string::npos;
+    };
+    {
+        const nxBusyThread readers[] = {nxBusyThread(look), nxBusyThread(look), nxBusyThread(look)};
+        for (int i = 0; i < 2000; ++i)
+            args.SetEnvValue(name, std::string(static_cast<std::size_t>(1 + i % 300), static_cast<char>('a' + i % 26)));
+    }
     EXPECT_EQ(torn, 0);
     ::unsetenv(name.c_str());
 }
 
-// Records wait for a thread of the log and, at first, for a device: what others logged before is not this test's.
-void ForgetEarlierRecords(nxCapturingLogDevice& log)
+// What has reached the log since the device was made, up to and with `last`.
+Words Texts(const nxCapturingLogDevice& log, const std::string& last)
 {
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(20.0));
-    log.Clear();
-}
-
-// What has reached the log since the device was made.
-Words Texts(const nxCapturingLogDevice& log, const Words& wanted)
-{
-    for (const std::string& text : wanted)
-        EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains(text))) << text;
+    EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains(last)));
     Words texts;
     for (const nxCapturedRecord& record : log.GetRecords())
         texts.push_back(record.text);
@@ -317,27 +273,13 @@ TEST(nxCmdLineArgs, DumpWritesOneRecordAnEntryAndHidesPasswords)
 {
     const Args args({"prog", "-user", "jane", "-dbPassword", "hunter2", "-empty", "-x", "a\r\nb\x1b[2J"},
                     {"QRX_DB_PASSWORD=hunter2", "MY_SECRET_KEY=hunter2", "api_token=hunter2", "LAST=1"});
-    nxCapturingLogDevice log;
-    ForgetEarlierRecords(log);
+    const nxCapturingLogDevice log;
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_WARNING));
-    EXPECT_EQ(Texts(log, {"api_token = ***"}),
+    EXPECT_EQ(Texts(log, "api_token = ***"),
               (Words{"Command Line Args:", "dbPassword = ***", "empty = ", "user = jane", "x = a\\x0D\\x0Ab\\x1B[2J",
                      "Environment Variables:", "LAST = 1", "MY_SECRET_KEY = ***", "QRX_DB_PASSWORD = ***",
                      "api_token = ***"}));
     EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING)), 10U);
-}
-
-TEST(nxCmdLineArgs, SetEnvValueTellsTheLog)
-{
-    const std::string name = "NX_TEST_TOLD_" + std::to_string(::getpid());
-    Args args;
-    nxCapturingLogDevice log;
-    ForgetEarlierRecords(log);
-    EXPECT_TRUE(args.SetEnvValue(name, "1"));
-    EXPECT_FALSE(args.SetEnvValue("", "1"));
-    EXPECT_EQ(Texts(log, {"Failed to change environment variable."}),
-              (Words{"Successfully changed environment variable.", "Failed to change environment variable."}));
-    ::unsetenv(name.c_str());
 }
 
 // A device that asks for settings while it writes, as a file device does.
@@ -359,16 +301,19 @@ private:
     const nxCmdLineArgs& _args;
 };
 
-TEST(nxCmdLineArgs, LogsWithoutHoldingItsMutex)
+TEST(nxCmdLineArgs, TellsTheLogWithoutHoldingItsMutex)
 {
     Args args({}, {"A=1"});
-    nxCapturingLogDevice before;
-    ForgetEarlierRecords(before);
+    const nxCapturingLogDevice before;  // takes what others reported
     const AskingDevice device(args);
-    const nxCapturingLogDevice after;  // is written to behind the other
+    const nxCapturingLogDevice log;  // is written to behind the other
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));
-    args.SetEnvValue("", "");
-    EXPECT_TRUE(after.WaitFor(nxCapturingLogDevice::Contains("Failed to change environment variable.")));
-    EXPECT_EQ(device.answered, 4);
+    EXPECT_TRUE(args.SetEnvValue("A", "1"));
+    EXPECT_FALSE(args.SetEnvValue("", ""));
+    EXPECT_EQ(Texts(log, "Failed to change environment variable."),
+              (Words{"Command Line Args:", "Environment Variables:", "A = 1",
+                     "Successfully changed environment variable.", "Failed to change environment variable."}));
+    EXPECT_EQ(device.answered, 5);
+    ::unsetenv("A");
 }
 }  // namespace

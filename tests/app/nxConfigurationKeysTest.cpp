@@ -31,7 +31,6 @@ TEST(nxConfigurationKeys, EveryGroupIsComplete)
     }
     EXPECT_EQ(counted, expected);
     EXPECT_EQ(nxConfigurationKeyCount, 352U);
+    EXPECT_EQ(readByAnInitialiser, "QRX_LOG_DIRECTORY");
 }
-
-TEST(nxConfigurationKeys, ServeTheInitialisersOfOtherFiles) { EXPECT_EQ(readByAnInitialiser, "QRX_LOG_DIRECTORY"); }
 }  // namespace

@@ -7,20 +7,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <random>
-#include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/support/nxSanitizer.h"
+#include "tests/support/nxScratchDirectory.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -30,44 +25,20 @@ int Rounds(const char* name, int short_form)
     return text != nullptr ? std::atoi(text) : short_form;
 }
 
-// A directory of one test's own, gone afterwards.
-class Scratch
-{
-public:
-    Scratch()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "nxendureXXXXXX").string();
-        _path = ::mkdtemp(name.data());
-    }
-    ~Scratch()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(_path, ignored);
-    }
-    const std::filesystem::path& GetPath() const { return _path; }
-
-private:
-    std::filesystem::path _path;
-};
-
 // A logger at work on a directory.
 class Logger
 {
 public:
-    Logger(const std::filesystem::path& directory, std::vector<std::string> words,
+    Logger(const std::filesystem::path& directory, const std::vector<std::string>& words,
            std::vector<std::string> settings = {})
     {
         int ends[2];
         EXPECT_EQ(::pipe(ends), 0);
         _output = ends[0];
         settings.push_back("QRX_LOG_DIRECTORY=" + directory.string());
-        // ThreadSanitizer ends forked children that start threads unless it is told not to.
-        const char* const sanitizer = std::getenv("TSAN_OPTIONS");
-        settings.push_back(std::string("TSAN_OPTIONS=die_after_fork=0 ") + (sanitizer != nullptr ? sanitizer : ""));
-        words.insert(words.begin(), NX_LOGGER);
-        std::vector<char*> arguments;
-        for (std::string& word : words)
-            arguments.push_back(word.data());
+        std::vector<const char*> arguments{NX_LOGGER};
+        for (const std::string& word : words)
+            arguments.push_back(word.c_str());
         arguments.push_back(nullptr);
         _id = ::fork();
         if (_id == 0)
@@ -79,7 +50,7 @@ public:
             ::dup2(ends[1], STDOUT_FILENO);
             ::close(ends[0]);
             ::close(ends[1]);
-            ::execv(arguments[0], arguments.data());
+            ::execv(NX_LOGGER, const_cast<char* const*>(arguments.data()));
             ::_exit(127);
         }
         ::close(ends[1]);
@@ -95,16 +66,12 @@ public:
             last = number;
         return last;
     }
-    // How it ended. A process that hangs is killed after a minute, which then shows as its status.
+    // How it ended. A process that hangs is killed, which then shows as its status.
     int Wait()
     {
         int status = -1;
-        for (int i = 0; i < 60'000; ++i)
-        {
-            if (::waitpid(_id, &status, WNOHANG) == _id)
-                return status;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
+        if (nxEventually([&] { return ::waitpid(_id, &status, WNOHANG) == _id; }))
+            return status;
         Kill(SIGKILL);
         ::waitpid(_id, &status, 0);
         ADD_FAILURE() << "the process hung";
@@ -121,6 +88,7 @@ struct Found
     std::map<int, std::map<int, int>> numbers;  // by thread, how often each number stands
     int torn = 0;                               // lines without their end
     int files = 0;
+    int directories = 0;
 };
 
 Found ReadLines(const std::filesystem::path& directory)
@@ -128,28 +96,21 @@ Found ReadLines(const std::filesystem::path& directory)
     Found found;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
     {
+        found.directories += entry.is_directory();
         if (!entry.is_regular_file())
             continue;
         ++found.files;
-        std::ifstream file(entry.path(), std::ios::binary);
-        std::stringstream content;
-        content << file.rdbuf();
-        std::string text = content.str();
-        for (std::size_t at = 0; at < text.size();)
+        const std::string text = nxReadFile(entry.path());
+        std::size_t begin = 0;
+        for (std::size_t end; (end = text.find("\r\n", begin)) != std::string::npos; begin = end + 2)
         {
-            const std::size_t end = text.find("\r\n", at);
-            if (end == std::string::npos)
-            {
-                ++found.torn;
-                break;
-            }
             int thread, number;
-            const std::string line = text.substr(at, end - at);
+            const std::string line = text.substr(begin, end - begin);
             const std::size_t ours = line.find("] t");
             if (ours != std::string::npos && std::sscanf(line.c_str() + ours, "] t%d n%d;", &thread, &number) == 2)
                 ++found.numbers[thread][number];
-            at = end + 2;
         }
+        found.torn += begin != text.size();
     }
     return found;
 }
@@ -165,6 +126,17 @@ void ExpectGapless(const Found& found)
             ASSERT_EQ(times, 1) << number;
     }
 }
+
+// What a logger that ends by itself has left.
+Found LeftBy(const std::vector<std::string>& words, const std::vector<std::string>& settings = {})
+{
+    const nxScratchDirectory scratch;
+    EXPECT_EQ(Logger(scratch.GetPath(), words, settings).Wait(), 0);
+    const Found found = ReadLines(scratch.GetPath());
+    EXPECT_EQ(found.torn, 0);
+    ExpectGapless(found);
+    return found;
+}
 }  // namespace
 
 TEST(nxLogEndurance, WhatWasAcknowledgedSurvivesAKill)
@@ -173,7 +145,7 @@ TEST(nxLogEndurance, WhatWasAcknowledgedSurvivesAKill)
     for (int round = 0, rounds = Rounds("NX_TEST_CRASHES", 100); round < rounds; ++round)
     {
         SCOPED_TRACE(round);
-        const Scratch scratch;
+        const nxScratchDirectory scratch;
         Logger logger(scratch.GetPath(), {"acknowledge"});
         std::this_thread::sleep_for(std::chrono::microseconds(5'000 + random() % 40'000));
         logger.Kill(SIGKILL);
@@ -195,7 +167,7 @@ TEST(nxLogEndurance, AFatalSignalEndsTheProcessAsWithoutTheLibrary)
     for (const int signal : {SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGTERM})
     {
         SCOPED_TRACE(signal);
-        const Scratch scratch;
+        const nxScratchDirectory scratch;
         Logger logger(scratch.GetPath(), {"signal", std::to_string(signal)});
         const int status = logger.Wait();
         // Sanitizers catch some of these themselves and exit.
@@ -211,32 +183,22 @@ TEST(nxLogEndurance, ExitWhileThreadsLogLosesNoLineInTheMiddleAndWritesNoneTwice
     for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
     {
         SCOPED_TRACE(round);
-        const Scratch scratch;
-        Logger logger(scratch.GetPath(), {"exit"});
-        EXPECT_EQ(logger.Wait(), 0);
-        const Found found = ReadLines(scratch.GetPath());
-        EXPECT_EQ(found.torn, 0);
-        EXPECT_EQ(found.numbers.size(), 8u);
-        ExpectGapless(found);
+        EXPECT_EQ(LeftBy({"exit"}).numbers.size(), 8u);
     }
 }
 
 TEST(nxLogEndurance, ForkWhileThreadsLogWritesNoLineTwice)
 {
     if (nxUnderAddressSanitizer)
-        GTEST_SKIP() << "the address sanitizer's allocator does not survive a fork while threads are in it";
+        GTEST_SKIP() << nxNoForkAmongThreads;
     if (nxUnderThreadSanitizer)
         GTEST_SKIP() << nxNoThreadsAfterFork;
     for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
     {
         SCOPED_TRACE(round);
-        const Scratch scratch;
-        Logger logger(scratch.GetPath(), {"fork", "4"});
-        EXPECT_EQ(logger.Wait(), 0);
-        const Found found = ReadLines(scratch.GetPath());
-        ExpectGapless(found);
+        Found found = LeftBy({"fork", "4"});
         for (int child = 100; child < 104; ++child)
-            EXPECT_EQ(found.numbers.count(child) == 0 ? 0u : found.numbers.at(child).size(), 20u) << child;
+            EXPECT_EQ(found.numbers[child].size(), 20u) << child;
     }
 }
 
@@ -244,11 +206,7 @@ TEST(nxLogEndurance, RotationBySizeKeepsEveryRecordExactlyOnce)
 {
     const int rotations = Rounds("NX_TEST_ROTATIONS", 50);
     const int lines = rotations * 4000 / 4 / 100 + 1;  // of four threads, of some hundred bytes, into files of 4000
-    const Scratch scratch;
-    Logger logger(scratch.GetPath(), {"rotate", std::to_string(lines)});
-    EXPECT_EQ(logger.Wait(), 0);
-    const Found found = ReadLines(scratch.GetPath());
-    ExpectGapless(found);
+    const Found found = LeftBy({"rotate", std::to_string(lines)});
     ASSERT_EQ(found.numbers.size(), 4u);
     for (const auto& [thread, numbers] : found.numbers)
         EXPECT_EQ(numbers.size(), static_cast<std::size_t>(lines)) << thread;
@@ -257,19 +215,15 @@ TEST(nxLogEndurance, RotationBySizeKeepsEveryRecordExactlyOnce)
 
 TEST(nxLogEndurance, AChangeOfDateKeepsEveryRecordExactlyOnce)
 {
-    const Scratch scratch;
-    Logger logger(scratch.GetPath(), {"dates", "100"}, {"QRX_LOG_RECREATE_ON_CHANGE_OF_DATE=TRUE"});
-    EXPECT_EQ(logger.Wait(), 0);
-    const Found found = ReadLines(scratch.GetPath());
-    ExpectGapless(found);
-    ASSERT_EQ(found.numbers.size(), 1u);
-    EXPECT_EQ(found.numbers.at(0).size(), 100u);
-    EXPECT_GE(std::distance(std::filesystem::directory_iterator(scratch.GetPath()), {}), 2);
+    Found found = LeftBy({"dates", "100"}, {"QRX_LOG_RECREATE_ON_CHANGE_OF_DATE=TRUE"});
+    EXPECT_EQ(found.numbers.size(), 1u);
+    EXPECT_EQ(found.numbers[0].size(), 100u);
+    EXPECT_GE(found.directories, 2);
 }
 
 TEST(nxLogEndurance, WhatAFullDiskCostsIsCounted)
 {
-    const Scratch scratch;
+    const nxScratchDirectory scratch;
     const std::string cycles = std::to_string(Rounds("NX_TEST_DISK_CYCLES", 1));
     // A small disk of its own, seen by this process alone.
     const std::string command = "unshare -m sh -c 'mount -t tmpfs -o size=512k tmpfs " + scratch.GetPath().string() +

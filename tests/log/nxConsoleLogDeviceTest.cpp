@@ -3,65 +3,55 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <string>
 #include <thread>
 
 #include "core/log/nxLog.h"
 #include "core/log/nxLogManager.h"
+#include "tests/support/nxRedirected.h"
+#include "tests/support/nxZoneOfProcess.h"
 
 namespace
 {
-// Standard output as another descriptor, for the length of a test.
-class Redirected
+// A small pipe in the place of standard output, which does not wait for its reader.
+class OutputPipe
 {
 public:
-    explicit Redirected(int descriptor) : _before(dup(STDOUT_FILENO))
-    {
-        std::fflush(stdout);
-        dup2(descriptor, STDOUT_FILENO);
-        close(descriptor);
-    }
-    ~Redirected()
-    {
-        dup2(_before, STDOUT_FILENO);
-        close(_before);
-    }
-    Redirected(const Redirected&) = delete;
-    Redirected& operator=(const Redirected&) = delete;
-
-private:
-    int _before;
-};
-
-struct Pipe
-{
-    Pipe() { EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0); }
-    ~Pipe() { close(ends[0]); }
+    OutputPipe() : OutputPipe(MakePipe()) {}
+    ~OutputPipe() { close(_reading); }
 
     // What has been written so far.
     std::string Take() const
     {
         std::string text;
         char block[4'096];
-        fcntl(ends[0], F_SETFL, O_NONBLOCK);
-        for (ssize_t size; (size = read(ends[0], block, sizeof block)) > 0;)
+        for (ssize_t size; (size = read(_reading, block, sizeof block)) > 0;)
             text.append(block, static_cast<std::size_t>(size));
         return text;
     }
 
-    int ends[2];
+private:
+    struct Ends
+    {
+        int ends[2];
+    };
+    static Ends MakePipe()
+    {
+        Ends made{};
+        EXPECT_EQ(pipe2(made.ends, O_CLOEXEC | O_NONBLOCK), 0);
+        fcntl(made.ends[1], F_SETPIPE_SZ, 4'096);
+        return made;
+    }
+    explicit OutputPipe(Ends made) : _reading(made.ends[0]), _output(STDOUT_FILENO, made.ends[1]) {}
+
+    int _reading;
+    nxRedirected _output;
 };
 
 nxLog Record(const std::string& text)
 {
-    setenv("TZ", "UTC0", 1);
-    tzset();
     nxLog record(NX_LOG_LEVEL_WARNING, "tests/console", 12, nxTimeStamp(1'709'629'623, 123'456'789));
     record << text;
     return record;
@@ -74,25 +64,27 @@ void WriteBatch(nxConsoleLogDevice& device, const std::string& lines)
 }
 }  // namespace
 
-TEST(nxConsoleLogDevice, WritesLinesInItsForms)
+TEST(nxConsoleLogDevice, WritesLinesInItsFormsAndAsksTheLogForThem)
 {
-    const Pipe pipe;
+    const nxZoneOfProcess zone("UTC0");
+    const OutputPipe output;
     nxConsoleLogDevice device;
+    const nxLogLineSink& sink = *device.GetLineSink();
     nxLogManager& manager = nxLogManager::GetInstance();
     const bool before = manager.GetLogThreadIndex();
-    {
-        const Redirected output(pipe.ends[1]);
-        manager.SetLogThreadIndex(false);
-        device.Write(Record("verbose"));
-        device.SetVerboseOutput(false);
-        device.Write(Record("level"));
-        device.SetShortForm(nxConsoleLogDevice::ShortForm::Time);
-        device.Write(Record("time"));
-        device.SetVerboseOutput(true);
-        WriteBatch(device, "as it is\n");
-    }
+    manager.SetLogThreadIndex(false);
+    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::Full, false}));
+    device.Write(Record("verbose"));
+    device.SetVerboseOutput(false);
+    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::LevelAndText, false}));
+    device.Write(Record("level"));
+    device.SetShortForm(nxConsoleLogDevice::ShortForm::Time);
+    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::TimeAndText, false}));
+    device.Write(Record("time"));
+    device.SetVerboseOutput(true);
+    WriteBatch(device, "as it is\n");
     manager.SetLogThreadIndex(before);
-    EXPECT_EQ(pipe.Take(),
+    EXPECT_EQ(output.Take(),
               "[WRN][05Mar24 09:07:03.123.456] verbose [tests/console:12]\n"
               "[WRN] level\n"
               "[05Mar24 09:07:03.123.456] time\n"
@@ -100,21 +92,9 @@ TEST(nxConsoleLogDevice, WritesLinesInItsForms)
     EXPECT_EQ(device.GetLostLines(), 0U);
 }
 
-TEST(nxConsoleLogDevice, AsksForTheLinesOfItsForm)
-{
-    nxConsoleLogDevice device;
-    const nxLogLineSink& sink = *device.GetLineSink();
-    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::Full, false}));
-    device.SetVerboseOutput(false);
-    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::LevelAndText, false}));
-    device.SetShortForm(nxConsoleLogDevice::ShortForm::Time);
-    EXPECT_EQ(sink.GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::TimeAndText, false}));
-}
-
 TEST(nxConsoleLogDevice, IsRegisteredByTheProgramAndLeavesByItself)
 {
-    const Pipe pipe;
-    const Redirected output(pipe.ends[1]);
+    const OutputPipe output;
     nxLogManager& manager = nxLogManager::GetInstance();
     {
         nxConsoleLogDevice device;
@@ -127,7 +107,7 @@ TEST(nxConsoleLogDevice, IsRegisteredByTheProgramAndLeavesByItself)
         manager.ImmediateWrite(Record("two"));
     }
     manager.ImmediateWrite(Record("nowhere"));
-    EXPECT_EQ(pipe.Take(), "[WRN] one\n[WRN] two\n");
+    EXPECT_EQ(output.Take(), "[WRN] one\n[WRN] two\n");
 }
 
 TEST(nxConsoleLogDevice, OutlivesAConsoleThatIsGoneOrFull)
@@ -138,13 +118,13 @@ TEST(nxConsoleLogDevice, OutlivesAConsoleThatIsGoneOrFull)
         int ends[2];
         ASSERT_EQ(pipe(ends), 0);
         close(ends[0]);
-        const Redirected output(ends[1]);
+        const nxRedirected output(STDOUT_FILENO, ends[1]);
         WriteBatch(device, "one\ntwo\n");
         device.Write(Record("three"));
         EXPECT_EQ(device.GetLostLines(), 3U);
     }
     {
-        const Redirected output(open("/dev/full", O_WRONLY));
+        const nxRedirected output(STDOUT_FILENO, open("/dev/full", O_WRONLY));
         WriteBatch(device, "four\n");
         EXPECT_EQ(device.GetLostLines(), 4U);
     }
@@ -153,42 +133,31 @@ TEST(nxConsoleLogDevice, OutlivesAConsoleThatIsGoneOrFull)
     EXPECT_EQ(sigismember(&waiting, SIGPIPE), 0);
 }
 
-TEST(nxConsoleLogDevice, EndsALineThatItBegan)
+TEST(nxConsoleLogDevice, EndsALineThatItBeganAndWaitsForASlowReader)
 {
-    const Pipe pipe;
+    const OutputPipe output;
     nxConsoleLogDevice device;
-    const Redirected output(pipe.ends[1]);
-    fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
-    fcntl(STDOUT_FILENO, F_SETPIPE_SZ, 4'096);
     // Longer than the pipe, and nobody reads.
     const std::string longLine(5'000, 'x');
     WriteBatch(device, longLine + "\nlost\nlost\n");
     EXPECT_EQ(device.GetLostLines(), 2U);
-    std::string text = pipe.Take();
+    std::string text = output.Take();
     WriteBatch(device, "next\n");
-    text += pipe.Take();
-    EXPECT_EQ(text, longLine + "\nnext\n");
-}
+    EXPECT_EQ(text + output.Take(), longLine + "\nnext\n");
 
-TEST(nxConsoleLogDevice, WaitsForASlowReader)
-{
-    const Pipe pipe;
-    nxConsoleLogDevice device;
-    const Redirected output(pipe.ends[1]);
-    fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
-    fcntl(STDOUT_FILENO, F_SETPIPE_SZ, 4'096);
     std::string lines;
     for (int i = 0; i < 2'000; ++i)
         lines.append("a line of the log\n");
-    std::string text;
-    std::thread reader(
-        [&]
-        {
-            while (text.size() < lines.size())
-                text += pipe.Take();
-        });
-    WriteBatch(device, lines);
-    reader.join();
+    text.clear();
+    {
+        const std::jthread reader(
+            [&]
+            {
+                while (text.size() < lines.size())
+                    text += output.Take();
+            });
+        WriteBatch(device, lines);
+    }
     EXPECT_EQ(text, lines);
-    EXPECT_EQ(device.GetLostLines(), 0U);
+    EXPECT_EQ(device.GetLostLines(), 2U);
 }

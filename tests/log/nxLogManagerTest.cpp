@@ -2,22 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cmath>
 #include <condition_variable>
 #include <functional>
 #include <limits>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
+#include <vector>
 
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -90,6 +92,13 @@ private:
     bool _open = false;
 };
 
+/// As little room in the queue as there can be, for the length of a test.
+struct SmallQueue
+{
+    SmallQueue() { Manager().SetMaximumQueueBytes(1 << 20); }
+    ~SmallQueue() { Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20); }
+};
+
 /// Takes lines and takes them apart again.
 class LineDevice final : public nxLogDevice, public nxLogLineSink
 {
@@ -139,23 +148,19 @@ TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThread)
             if (text.compare(0, 2, "t:") == 0)
                 faults += next[text.substr(0, blank)]++ != std::stoi(text.substr(blank));
         });
-    std::vector<std::thread> producers;
-    for (int index = 0; index < threads; ++index)
-        producers.emplace_back(
-            [index]
-            {
-                for (int number = 0; number < records; ++number)
-                    if (number % 100 != 99)
-                        NX_LOG(NX_LOG_LEVEL_INFO) << "t:" << index << " " << number;
-                    else
-                    {
-                        nxLog record = MakeRecord("t:");
-                        record << index << " " << number;
-                        Manager().Write(record);
-                    }
-            });
-    for (std::thread& producer : producers)
-        producer.join();
+    nxInThreads(threads,
+                [](int index)
+                {
+                    for (int number = 0; number < records; ++number)
+                        if (number % 100 != 99)
+                            NX_LOG(NX_LOG_LEVEL_INFO) << "t:" << index << " " << number;
+                        else
+                        {
+                            nxLog record = MakeRecord("t:");
+                            record << index << " " << number;
+                            Manager().Write(record);
+                        }
+                });
     WaitUntilWritten();
     EXPECT_EQ(faults, 0);
     EXPECT_EQ(next.size(), static_cast<std::size_t>(threads));
@@ -169,7 +174,7 @@ TEST(nxLogManager, PutsWhatHappenedLaterOnAnotherThreadLater)
     std::vector<int> seen;
     Device device([&](const nxLog& record) { seen.push_back(std::stoi(record.GetText())); });
     std::atomic<int> turn{0};
-    const auto play = [&turn](int parity)
+    const auto play = [&turn](int parity)  // of two threads in turn
     {
         for (int number = parity; number < rounds; number += 2)
         {
@@ -183,16 +188,14 @@ TEST(nxLogManager, PutsWhatHappenedLaterOnAnotherThreadLater)
             turn.store(number + 1, std::memory_order_release);
         }
     };
-    std::thread other([&] { play(1); });
-    play(0);
-    other.join();
+    nxInThreads(2, play);
     WaitUntilWritten();
     ASSERT_EQ(seen.size(), static_cast<std::size_t>(rounds));
     const auto fault = std::is_sorted_until(seen.begin(), seen.end());
     EXPECT_EQ(fault - seen.begin(), rounds) << "there stands " << *fault << " behind " << *(fault - 1);
 }
 
-TEST(nxLogManager, CarriesRecordsOfEverySize)
+TEST(nxLogManager, CarriesRecordsOfEverySizeOnce)
 {
     // Around a quarter of a ring, beyond a whole one, and at the length at which messages are cut; in between small
     // ones, so that the large ones begin everywhere in the ring.
@@ -226,93 +229,74 @@ TEST(nxLogManager, CarriesRecordsOfEverySize)
     WaitUntilWritten();
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(faults, 0);
+    seen.clear();
     NX_LOG(NX_LOG_LEVEL_INFO) << std::string(1'048'577, 'x');
-    WaitUntilWritten();
-    EXPECT_EQ(seen.back(), 1'048'576 + std::string("... [cut]").size());
-}
-
-TEST(nxLogManager, EmptiesARecordThatIsWritten)
-{
-    std::vector<std::string> texts;
-    Device device([&](const nxLog& record) { texts.push_back(record.GetText()); });
     nxLog record = MakeRecord("once");
     Manager().Write(record);
-    EXPECT_EQ(record.GetText(), "");
+    EXPECT_EQ(record.GetText(), "") << "its message is given away";
     Manager().Write(record);
     WaitUntilWritten();
-    EXPECT_EQ(texts, (std::vector<std::string>{"once", ""}));
+    EXPECT_EQ(seen, (std::vector<std::size_t>{1'048'576 + std::string("... [cut]").size(), 4, 0}));
 }
 
 TEST(nxLogManager, DropsAndCountsOnceADeviceHasStalled)
 {
-    Manager().SetMaximumQueueBytes(1 << 20);
-    const nxLogStatistics before = Manager().GetStatistics();
+    const SmallQueue small;
+    const std::uint64_t droppedBefore = Manager().GetStatistics().dropped;
     constexpr int records = 40'000;
     Gate gate;
     int heard = 0;
     std::vector<std::string> told;
-    {
-        Device device(
-            [&](const nxLog& record)
-            {
-                gate.Pass();
-                const std::string text = record.GetText();
-                heard += text.compare(0, 6, "flood ") == 0;
-                if (text.find("dropped") != std::string::npos)
-                    told.push_back(text);
-            });
-        NX_LOG(NX_LOG_LEVEL_WARNING) << "first";
-        gate.WaitForSomebody();
-        for (int number = 0; number < records; ++number)
-            NX_LOG(NX_LOG_LEVEL_INFO) << "flood " << number << " of text that takes some room";
-        const std::uint64_t dropped = Manager().GetStatistics().dropped - before.dropped;
-        EXPECT_GT(dropped, 0u);
-        EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{2} << 20);
-        EXPECT_FALSE(Manager().GetLogEntriesQueue().empty());
-        // Nobody waits for a device like that in vain.
-        Manager().WaitForWriteThreadToWriteQueueToDisk(0.05);
+    Device device(
+        [&](const nxLog& record)
+        {
+            gate.Pass();
+            const std::string text = record.GetText();
+            heard += text.compare(0, 6, "flood ") == 0;
+            if (text.find("dropped") != std::string::npos)
+                told.push_back(text);
+        });
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "first";
+    gate.WaitForSomebody();
+    for (int number = 0; number < records; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "flood " << number << " of text that takes some room";
+    const std::uint64_t dropped = Manager().GetStatistics().dropped - droppedBefore;
+    EXPECT_GT(dropped, 0u);
+    EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{2} << 20);
+    EXPECT_FALSE(Manager().GetLogEntriesQueue().empty());
 
-        gate.Open();
-        WaitUntilWritten();
-        WaitUntilWritten();  // the record that tells comes after the others
-        EXPECT_EQ(heard + static_cast<int>(dropped), records);
-        ASSERT_EQ(told.size(), 1u);
-        EXPECT_NE(told[0].find(": " + std::to_string(dropped) + ","), std::string::npos) << told[0];
-        EXPECT_EQ(Manager().GetStatistics().dropped - before.dropped, dropped);
-    }
-    Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20);
+    gate.Open();
+    WaitUntilWritten();
+    WaitUntilWritten();  // the record that tells comes after the others
+    EXPECT_EQ(heard + static_cast<int>(dropped), records);
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_NE(told[0].find(": " + std::to_string(dropped) + ","), std::string::npos) << told[0];
+    EXPECT_EQ(Manager().GetStatistics().dropped - droppedBefore, dropped);
 }
 
 TEST(nxLogManager, LetsCallersWaitForADeviceThatIsSlow)
 {
-    Manager().SetMaximumQueueBytes(1 << 20);
+    const SmallQueue small;
     const nxLogStatistics before = Manager().GetStatistics();
     constexpr int threads = 2;
     constexpr int records = 20'000;
     std::atomic<int> heard{0};
-    {
-        Device device(
-            [&](const nxLog& record)
-            {
-                if (record.GetText().compare(0, 5, "slow ") == 0 && ++heard % 400 == 0)
-                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            });
-        std::vector<std::thread> producers;
-        for (int index = 0; index < threads; ++index)
-            producers.emplace_back(
+    Device device(
+        [&](const nxLog& record)
+        {
+            if (record.GetText().compare(0, 5, "slow ") == 0 && ++heard % 400 == 0)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+    nxInThreads(threads,
                 []
                 {
                     for (int number = 0; number < records; ++number)
                         NX_LOG(NX_LOG_LEVEL_INFO) << "slow " << number << std::string(200, '.');
                 });
-        for (std::thread& producer : producers)
-            producer.join();
-        WaitUntilWritten();
-    }
+    WaitUntilWritten();
     EXPECT_EQ(heard, threads * records);
     EXPECT_EQ(Manager().GetStatistics().dropped, before.dropped);
     EXPECT_GT(Manager().GetStatistics().waits, before.waits);
-    Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20);
 }
 
 TEST(nxLogManager, LetsDevicesLogAndLeave)
@@ -352,7 +336,7 @@ TEST(nxLogManager, LetsDevicesLogAndLeave)
     EXPECT_EQ(throwing.writes, 2);
 }
 
-TEST(nxLogManager, WaitsForADeviceThatIsUnregistered)
+TEST(nxLogManager, WaitsForADeviceThatIsUnregisteredAndOtherwiseAsLongAsItIsAskedTo)
 {
     Gate gate;
     std::atomic<bool> inside{false};
@@ -365,8 +349,14 @@ TEST(nxLogManager, WaitsForADeviceThatIsUnregistered)
         });
     NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
     gate.WaitForSomebody();
+    for (const double seconds : {std::nan(""), -1.0, 0.0, -std::numeric_limits<double>::infinity(), 0.01})
+        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(seconds));
+    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNullInstance());
+    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNoChangeInstance());
+    EXPECT_EQ(Manager().GetLogEntriesQueue().size(), 1u);
+
     std::atomic<bool> unregistered{false};
-    std::thread remover(
+    std::jthread remover(
         [&]
         {
             Manager().UnregisterLogDevice(device.get());
@@ -379,7 +369,8 @@ TEST(nxLogManager, WaitsForADeviceThatIsUnregistered)
     remover.join();
     device.reset();
     NX_LOG(NX_LOG_LEVEL_WARNING) << "to nobody";
-    WaitUntilWritten();
+    Manager().WaitForWriteThreadToWriteQueueToDisk(std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(Manager().GetLogEntriesQueue().empty());
 }
 
 TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
@@ -396,21 +387,17 @@ TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
     Manager().RegisterLogDevice(&device);
     Manager().RegisterLogDevice(nullptr);
     Manager().UnregisterLogDevice(nullptr);
-    std::vector<std::thread> writers;
-    for (int index = 0; index < 4; ++index)
-        writers.emplace_back(
-            []
-            {
-                nxLog record = MakeRecord("at once");
-                for (int number = 0; number < 500; ++number)
+    nxInThreads(4,
+                []
                 {
-                    Manager().ImmediateWrite({&record, nullptr, &record});
-                    NX_LOG(NX_LOG_LEVEL_INFO) << "queued";
-                    Manager().FlushDevices();
-                }
-            });
-    for (std::thread& writer : writers)
-        writer.join();
+                    nxLog record = MakeRecord("at once");
+                    for (int number = 0; number < 500; ++number)
+                    {
+                        Manager().ImmediateWrite({&record, nullptr, &record});
+                        NX_LOG(NX_LOG_LEVEL_INFO) << "queued";
+                        Manager().FlushDevices();
+                    }
+                });
     WaitUntilWritten();
     EXPECT_EQ(device.writes, 4 * 500 * 3);
     EXPECT_EQ(most, 1);
@@ -431,8 +418,7 @@ TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)
         const int writes = device.writes;
         const int flushes = device.flushes;
         report();
-        for (int tries = 0; device.writes == writes && tries < 6000; ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(nxEventually([&] { return device.writes != writes; }));
         // One more look of the writer.
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         return device.flushes != flushes;
@@ -442,22 +428,6 @@ TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)
     Manager().SetTimeBetweenFlushes(0);
     EXPECT_TRUE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_INFO) << "never waits"; }));
     Manager().SetTimeBetweenFlushes(1);
-}
-
-TEST(nxLogManager, DoesNotWaitWithoutATime)
-{
-    Gate gate;
-    Device device([&gate](const nxLog&) { gate.Pass(); });
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
-    gate.WaitForSomebody();
-    for (const double seconds : {std::nan(""), -1.0, 0.0, -std::numeric_limits<double>::infinity(), 0.01})
-        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(seconds));
-    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNullInstance());
-    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNoChangeInstance());
-    EXPECT_EQ(Manager().GetLogEntriesQueue().size(), 1u);
-    gate.Open();
-    Manager().WaitForWriteThreadToWriteQueueToDisk(std::numeric_limits<double>::infinity());
-    EXPECT_TRUE(Manager().GetLogEntriesQueue().empty());
 }
 
 TEST(nxLogManager, StartsAnewAfterDestroy)
@@ -526,38 +496,24 @@ TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
     EXPECT_EQ(changes, 3);
 }
 
-TEST(nxLogManager, KeepsRunningWithManyThreadsThatComeAndGo)
+TEST(nxLogManager, HearsThreadsThatComeAndGoToTheirVeryEnd)
 {
+    struct LogsAtThreadExit
+    {
+        ~LogsAtThreadExit() { NX_LOG(NX_LOG_LEVEL_INFO) << "from a thread-local's destructor"; }
+    };
     std::atomic<int> heard{0};
-    Device device([&heard](const nxLog& record) { heard += record.GetText() == "short life"; });
+    Device device([&heard](const nxLog& record) { heard += record.GetText().compare(0, 5, "from ") == 0; });
     constexpr int threads = 600;
     for (int index = 0; index < threads; ++index)
-        std::thread([] { NX_LOG(NX_LOG_LEVEL_INFO) << "short life"; }).join();
+        nxInThreads(1,
+                    []
+                    {
+                        static thread_local LogsAtThreadExit last;
+                        static_cast<void>(&last);
+                        NX_LOG(NX_LOG_LEVEL_INFO) << "from the thread";
+                    });
     WaitUntilWritten();
-    EXPECT_EQ(heard, threads);
+    EXPECT_EQ(heard, 2 * threads);
     EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{65} << 20);
-}
-
-namespace
-{
-/// Logs when its thread has ended already.
-struct LogsAtThreadExit
-{
-    ~LogsAtThreadExit() { NX_LOG(NX_LOG_LEVEL_INFO) << "from a thread-local's destructor"; }
-};
-}  // namespace
-
-TEST(nxLogManager, HearsThreadsToTheirVeryEnd)
-{
-    nxCapturingLogDevice device;
-    std::thread(
-        []
-        {
-            static thread_local LogsAtThreadExit last;
-            static_cast<void>(&last);
-            NX_LOG(NX_LOG_LEVEL_INFO) << "from the thread";
-        })
-        .join();
-    WaitUntilWritten();
-    EXPECT_EQ(device.Count(nxCapturingLogDevice::Contains("from")), 2u);
 }

@@ -7,10 +7,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "tests/support/nxScratchDirectory.h"
 
 namespace
 {
@@ -19,24 +18,10 @@ namespace fs = std::filesystem;
 class nxFileTest : public testing::Test
 {
 protected:
-    nxFileTest()
-    {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        _root = fs::temp_directory_path() / ("nxFile_" + std::to_string(getpid()) + "_" + test->name());
-        fs::remove_all(_root);
-        fs::create_directory(_root);
-    }
-    ~nxFileTest() override { fs::remove_all(_root); }
+    std::string Path(const char* name) const { return (_scratch.GetPath() / name).string(); }
 
-    std::string Path(const char* name) const { return (_root / name).string(); }
-
-    static std::string Read(const std::string& path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    fs::path _root;
+private:
+    const nxScratchDirectory _scratch;
 };
 
 bool IsPending(int signal)
@@ -55,12 +40,12 @@ TEST_F(nxFileTest, CreatesFilesThatDoNotExist)
     ASSERT_EQ(file.Write("0123456789", 10, written), 0);
     EXPECT_EQ(file.Truncate(4), 0);
     ASSERT_EQ(file.Write("x", 1, written), 0);
-    EXPECT_EQ(Read(Path("new")), "0123x");
+    EXPECT_EQ(nxReadFile(Path("new")), "0123x");
     EXPECT_FALSE(file.IsUnlinked());
     fs::remove(Path("new"));
     EXPECT_TRUE(file.IsUnlinked());
 
-    std::ofstream(Path("old")) << "old";
+    nxWriteFile(Path("old"), "old");
     fs::create_symlink(Path("nowhere"), Path("link"));
     for (const char* name : {"old", "link"})
     {
@@ -69,7 +54,7 @@ TEST_F(nxFileTest, CreatesFilesThatDoNotExist)
     }
     EXPECT_EQ(file.CreateNew(Path("no/directory")), ENOENT);
     EXPECT_FALSE(fs::exists(Path("nowhere")));
-    EXPECT_EQ(Read(Path("old")), "old");
+    EXPECT_EQ(nxReadFile(Path("old")), "old");
 }
 
 TEST_F(nxFileTest, TurnsTheSignalsOfFailedWritesIntoErrors)
@@ -104,7 +89,7 @@ TEST_F(nxFileTest, TurnsTheSignalsOfFailedWritesIntoErrors)
 
 TEST_F(nxFileTest, ReadsRegularFilesThatFit)
 {
-    std::ofstream(Path("seven")) << "1234567";
+    nxWriteFile(Path("seven"), "1234567");
     ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
     char content[8] = "";
     std::size_t size = 99;
@@ -124,7 +109,7 @@ TEST_F(nxFileTest, CreatesDirectoriesAndThoseAboveThem)
     struct stat status = {};
     ASSERT_EQ(stat(Path("a/b").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777 & ~0750U, 0U);
-    std::ofstream(Path("file")) << "";
+    nxWriteFile(Path("file"), "");
     EXPECT_EQ(nxFile::CreateDirectories(Path("file")), ENOTDIR);
     EXPECT_EQ(nxFile::CreateDirectories(Path("file/below")), ENOTDIR);
 }

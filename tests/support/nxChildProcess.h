@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -18,7 +19,7 @@ class nxChildProcess
 {
 public:
     template <class Body>
-    explicit nxChildProcess(Body body) : _process(fork())
+    explicit nxChildProcess(Body body) : _process(_Fork())
     {
         if (_process != 0)
             return;
@@ -48,6 +49,12 @@ public:
     }
 
 private:
+    static pid_t _Fork()
+    {
+        std::fflush(nullptr);  // or both would write what is buffered
+        return fork();
+    }
+
     int _Wait()
     {
         int status = -1;
@@ -59,6 +66,13 @@ private:
 
     pid_t _process;
 };
+
+/// Executes a function in a child. @return whether it came to the end and all its expectations held.
+template <class Body>
+bool nxInChild(Body body)
+{
+    return nxChildProcess(body).Succeeds();
+}
 
 /// For a test that needs a process in which nothing has happened yet: runs the current test once more, in a new process
 /// of the same program, and expects it to pass.
@@ -101,6 +115,22 @@ public:
 
 private:
     T* _object;
+};
+
+/// A number by which processes tell each other how far they are.
+class nxStage
+{
+public:
+    void Reach(int stage) { *_stage = stage; }
+    void WaitFor(int stage) const
+    {
+        while (*_stage < stage)
+            usleep(1'000);
+    }
+    int Get() const { return *_stage; }
+
+private:
+    nxSharedMemory<std::atomic<int>> _stage;
 };
 
 #endif

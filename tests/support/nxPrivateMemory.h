@@ -8,15 +8,30 @@
 
 #include <string>
 
+#include "tests/support/nxChildProcess.h"
+
 /// An empty /dev/shm of this process's own, so that no other process's named objects are in it and planted files harm
-/// nobody. For a process that nxInNewProcess() has made: the view of the file system stays separate.
+/// nobody.
 class nxPrivateMemory
 {
 public:
     nxPrivateMemory() = delete;
 
-    /// Mounts another one, empty, over what there is. @p options are those of tmpfs.
-    /// @return false where that is not allowed: the test is then skipped.
+    /// What a test begins with that needs one: runs the test once more in a new process.
+    /// @return true in the new process, which has one and executes the body of the test; false in the old one, and where
+    ///         that is not allowed.
+    static bool InNewProcess(const char* options = "")
+    {
+        if (!nxInNewProcess())
+            return false;
+        const bool mounted = Mount(options);
+        if (!mounted)
+            [] { GTEST_SKIP() << "no private /dev/shm here"; }();
+        return mounted;
+    }
+
+    /// Mounts another one, empty, over what there is, in a process that nxInNewProcess() has made: the view of the file
+    /// system stays separate. @p options are those of tmpfs. @return false where that is not allowed.
     static bool Mount(const char* options = "")
     {
         static const bool separate = _SeparateFileSystem();

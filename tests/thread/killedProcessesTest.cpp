@@ -174,7 +174,7 @@ void KillRound(std::minstd_rand& random, Shared& shared, const Names& names)
 // What the first process to come after a round finds.
 void ExpectAsNew(Shared& shared, const Names& names)
 {
-    nxChildProcess next(
+    EXPECT_TRUE(nxInChild(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             const Clock::time_point start = Clock::now();
@@ -188,8 +188,7 @@ void ExpectAsNew(Shared& shared, const Names& names)
             EXPECT_EQ(semaphore.TimedWait(0), NX_ERR_THR_TIMEDOUT);
             VisitUnderMutex(shared, Workers + 1);
             RecordWait(shared, start);
-        });
-    EXPECT_TRUE(next.Succeeds());
+        }));
 }
 
 // How many of the kills a test of two makes, and until when.
@@ -342,10 +341,8 @@ TEST(killedProcesses, NobodyIsStuckAndNothingStaysTaken)
 
 TEST(killedProcesses, NobodyIsStuckAfterAKillBetweenAnyTwoSystemCalls)
 {
-    if (!nxInNewProcess())
+    if (!nxPrivateMemory::InNewProcess())
         return;
-    if (!nxPrivateMemory::Mount())
-        GTEST_SKIP() << "no private /dev/shm here";
     if (!SteppedProcess::IsPossible())
         GTEST_SKIP() << "no tracing of processes here";
     const Share share = HalfOfTheKills();

@@ -65,8 +65,6 @@ TEST(lockFaults, Mutex)
     ASSERT_TRUE(shared.InitialiseAsShared(true).IsOK());
     const std::vector<Answer> lockAnswers{
         {EINVAL, NX_ERR_UNSPECIFIED}, {EAGAIN, NX_ERR_UNSPECIFIED}, {ENOTRECOVERABLE, NX_ERR_UNSPECIFIED}};
-    const auto create = [&] { return nxMutex().InitialiseAsShared(true); };
-    const std::vector<Answer> refused{{ENOMEM, NX_ERR_UNSPECIFIED}};
     Check({
         {"Lock", "pthread_mutex_lock", [&] { return mutex.Lock(); }, lockAnswers},
         {"Lock, robust", "pthread_mutex_trylock", [&] { return shared.Lock(); }, lockAnswers},
@@ -76,12 +74,6 @@ TEST(lockFaults, Mutex)
          "pthread_mutex_unlock",
          [&] { return mutex.Unlock(); },
          {{EPERM, NX_ERR_THR_MISMATCH}, {EINVAL, NX_ERR_UNSPECIFIED}}},
-        {"create", "pthread_mutexattr_init", create, refused},
-        {"create", "pthread_mutexattr_settype", create, refused},
-        {"create", "pthread_mutexattr_setpshared", create, refused},
-        {"create", "pthread_mutexattr_setrobust", create, refused},
-        {"create", "pthread_mutex_init", create, refused},
-        {"create", "pthread_mutexattr_destroy", create, {{EINVAL, NX_ERR_UNSPECIFIED}}},
     });
     for (const char* const function : {"pthread_mutex_lock", "pthread_mutex_trylock"})
     {
@@ -160,8 +152,6 @@ TEST(lockFaults, ConditionRaw)
     nxConditionRaw condition;
     nxMutex mutex;
     mutex.Lock();
-    const auto create = [&] { return condition.InitialiseAsShared(); };
-    const std::vector<Answer> refused{{ENOMEM, NX_ERR_UNSPECIFIED}};
     Check({
         {"Wait", "pthread_cond_wait", [&] { return condition.Wait(mutex); }, {{EPERM, NX_ERR_UNSPECIFIED}}},
         {"TimedWait",
@@ -170,10 +160,6 @@ TEST(lockFaults, ConditionRaw)
          {{ETIMEDOUT, NX_ERR_THR_TIMEDOUT}, {EINVAL, NX_ERR_UNSPECIFIED}, {EOWNERDEAD, NX_ERR_UNSPECIFIED}}},
         {"Signal", "pthread_cond_signal", [&] { return condition.Signal(); }, {{EINVAL, NX_ERR_UNSPECIFIED}}},
         {"SignalAll", "pthread_cond_broadcast", [&] { return condition.SignalAll(); }, {{EINVAL, NX_ERR_UNSPECIFIED}}},
-        {"create", "pthread_condattr_init", create, refused},
-        {"create", "pthread_condattr_setpshared", create, refused},
-        {"create", "pthread_cond_init", create, refused},
-        {"create", "pthread_condattr_destroy", create, {{EINVAL, NX_ERR_UNSPECIFIED}}},
     });
     EXPECT_TRUE(mutex.Unlock().IsOK());
 }
@@ -188,7 +174,6 @@ TEST(lockFaults, SpinLock)
          [&] { return lock.TryLock(); },
          {{EDEADLK, NX_ERR_THR_DEADLOCK}, {EBUSY, NX_ERR_THR_LOCKED}, {EINVAL, NX_ERR_UNSPECIFIED}}},
         {"Unlock", "pthread_spin_unlock", [&] { return lock.Unlock(); }, {{EPERM, NX_ERR_THR_MISMATCH}, {EINVAL, ok}}},
-        {"create", "pthread_spin_init", [&] { return lock.InitialiseAsShared(); }, {{EAGAIN, NX_ERR_INTERNAL}}},
     });
 }
 
@@ -211,7 +196,6 @@ TEST(lockFaults, Semaphore)
         {"TimedWait", "sem_timedwait", [&] { return semaphore.TimedWait(1); }, timedAnswers},
         {"TimedWait_Microseconds", "sem_timedwait", [&] { return semaphore.TimedWait_Microseconds(1); }, timedAnswers},
         {"Post", "sem_post", [&] { return semaphore.Post(); }, {{EOVERFLOW, NX_ERR_UNSPECIFIED}}},
-        {"create", "sem_init", [&] { return semaphore.InitialiseAsShared(1); }, {{ENOSYS, NX_ERR_THR_UNSUPPORTED}}},
     });
     ASSERT_TRUE(semaphore.InitialiseAsShared(3).IsOK());
     {

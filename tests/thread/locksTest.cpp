@@ -4,8 +4,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <thread>
-#include <vector>
 
 #include "core/thread/nxBarrier.h"
 #include "core/thread/nxCondition.h"
@@ -15,8 +13,8 @@
 #include "core/thread/nxReaderWriterLockGuard_Read.h"
 #include "core/thread/nxReaderWriterLockGuard_Write.h"
 #include "core/thread/nxSpinLockGuard.h"
-#include "tests/support/nxSanitizer.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -25,7 +23,7 @@ template <class Operation>
 nxErrorEnum InAnotherThread(Operation operation)
 {
     nxErrorEnum error;
-    std::thread([&] { error = operation(); }).join();
+    nxInThreads(1, [&] { error = operation(); });
     return error;
 }
 
@@ -44,21 +42,15 @@ void ExpectMutualExclusion()
 {
     Lock lock;
     long count = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-    {
-        threads.emplace_back(
-            [&]
-            {
-                for (int n = 0; n < 20'000; ++n)
+    nxInThreads(4,
+                [&]
                 {
-                    const Guard guard(lock);
-                    ++count;
-                }
-            });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+                    for (int n = 0; n < 20'000; ++n)
+                    {
+                        const Guard guard(lock);
+                        ++count;
+                    }
+                });
     EXPECT_EQ(count, 80'000);
 }
 }  // namespace
@@ -76,34 +68,28 @@ TEST(nxConditionMutex, PassesEveryItemFromProducerToConsumers)
     nxConditionMutex ready;
     int queued = 0;
     int taken = 0;
-    std::vector<std::thread> consumers;
-    for (int i = 0; i < 2; ++i)
+    const auto produce = [&]
     {
-        consumers.emplace_back(
-            [&]
-            {
-                nxMutexGuard guard(ready);
-                while (taken + queued != items || queued != 0)
-                {
-                    while (queued == 0 && taken != items && ready.Wait().IsOK())
-                    {
-                    }
-                    if (queued == 0)
-                        break;
-                    --queued;
-                    ++taken;
-                }
-                ready.Signal();
-            });
-    }
-    for (int i = 0; i < items; ++i)
+        for (int i = 0; i < items; ++i)
+        {
+            const nxMutexGuard guard(ready);
+            ++queued;
+            EXPECT_TRUE(ready.Signal().IsOK());
+        }
+    };
+    const auto consume = [&]
     {
-        nxMutexGuard guard(ready);
-        ++queued;
-        EXPECT_TRUE(ready.Signal().IsOK());
-    }
-    for (std::thread& consumer : consumers)
-        consumer.join();
+        const nxMutexGuard guard(ready);
+        while (taken != items)
+        {
+            while (queued == 0 && taken != items)
+                EXPECT_TRUE(ready.Wait().IsOK());
+            taken += queued;
+            queued = 0;
+        }
+        ready.Signal();
+    };
+    nxInThreads(3, [&](int thread) { thread == 0 ? produce() : consume(); });
     EXPECT_EQ(taken, items);
 }
 
@@ -111,7 +97,7 @@ TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwards)
 {
     nxConditionMutex condition;
     std::atomic<bool> woken{false};
-    std::thread waiter(
+    const std::jthread waiter(
         [&]
         {
             EXPECT_TRUE(condition.LockAndWait().IsOK());
@@ -120,7 +106,6 @@ TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwards)
         });
     while (!woken)
         condition.Signal();
-    waiter.join();
 }
 
 TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
@@ -133,24 +118,21 @@ TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
         EXPECT_EQ(condition.TimedWait(past), NX_ERR_THR_TIMEDOUT);
 
     std::atomic<int> waiting{3};
-    const auto waitFor = [&](double seconds)
+    const auto wait = [&](int thread)
     {
-        EXPECT_TRUE(UntilAccepted([&] { return condition.TimedWait(seconds); }).IsOK());
+        const double seconds = thread == 0 ? 60.0 : 1e300;
+        const nxErrorEnum error =
+            thread == 2 ? condition.Wait() : UntilAccepted([&] { return condition.TimedWait(seconds); });
+        EXPECT_TRUE(error.IsOK());
         --waiting;
     };
-    std::vector<std::thread> waiters;
-    waiters.emplace_back(waitFor, 60.0);
-    waiters.emplace_back(waitFor, 1e300);
-    waiters.emplace_back(
+    const std::jthread signaller(
         [&]
         {
-            EXPECT_TRUE(condition.Wait().IsOK());
-            --waiting;
+            while (waiting != 0)
+                EXPECT_TRUE((waiting == 3 ? condition.Signal() : condition.SignalAll()).IsOK());
         });
-    while (waiting != 0)
-        EXPECT_TRUE((waiting == 3 ? condition.Signal() : condition.SignalAll()).IsOK());
-    for (std::thread& waiter : waiters)
-        waiter.join();
+    nxInThreads(3, wait);
 }
 
 TEST(nxConditionRaw, WaitsOnTheCallersMutex)
@@ -158,23 +140,20 @@ TEST(nxConditionRaw, WaitsOnTheCallersMutex)
     nxConditionRaw condition;
     nxMutex mutex;
     bool ready = false;
-    std::thread signaller(
+    const std::jthread signaller(
         [&]
         {
             nxMutexGuard guard(mutex);
             ready = true;
             EXPECT_TRUE(condition.SignalAll().IsOK());
         });
+    nxMutexGuard guard(mutex);
+    while (!ready && condition.Wait(mutex).IsOK())
     {
-        nxMutexGuard guard(mutex);
-        while (!ready && condition.Wait(mutex).IsOK())
-        {
-        }
-        EXPECT_EQ(UntilAccepted([&]() NX_NO_THREAD_SAFETY_ANALYSIS { return condition.TimedWait(mutex, 0.002); }),
-                  NX_ERR_THR_TIMEDOUT);
-        EXPECT_EQ(InAnotherThread([&] { return mutex.TryLock(); }), NX_ERR_THR_LOCKED) << "held after the time-out";
     }
-    signaller.join();
+    EXPECT_EQ(UntilAccepted([&]() NX_NO_THREAD_SAFETY_ANALYSIS { return condition.TimedWait(mutex, 0.002); }),
+              NX_ERR_THR_TIMEDOUT);
+    EXPECT_EQ(InAnotherThread([&] { return mutex.TryLock(); }), NX_ERR_THR_LOCKED) << "held after the time-out";
 }
 
 TEST(locks, ConditionsRefuseADeadlineOfExactlyOneSecondOfNanoseconds)
@@ -268,15 +247,8 @@ TEST(nxBarrier, NobodyPassesBeforeAllHaveCome)
             EXPECT_TRUE(barrier.Wait().IsOK());
         }
     };
-    std::thread first(walk);
-    std::thread second(walk);
-    walk();
-    first.join();
-    second.join();
-}
-
-TEST(nxBarrier, OfNoThreadsOrTooManyHoldsNobody)
-{
+    nxInThreads(3, walk);
+    // One of no threads or too many holds nobody.
     for (const unsigned count : {0U, 1U, 4294967295U})
         EXPECT_TRUE(nxBarrier(count).Wait().IsOK());
 }

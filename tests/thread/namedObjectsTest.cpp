@@ -2,31 +2,32 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <limits>
+#include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxWindowsMutex.h"
 #include "core/thread/nxWindowsSemaphore.h"
-#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxRecordedLog.h"
+#include "tests/support/nxScratchDirectory.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
+namespace fs = std::filesystem;
+
 // A name that no other test, run or process uses.
 std::string Unique(const std::string& text) { return text + '/' + std::to_string(getpid()); }
 
@@ -39,57 +40,43 @@ unsigned Drain(nxWindowsSemaphore& semaphore)
     return count;
 }
 
-std::size_t OpenDescriptors()
+// What a process that opens or makes the semaphore finds free.
+unsigned CountIn(const std::string& name, unsigned initial)
 {
-    std::size_t count = 0;
-    DIR* const directory = opendir("/proc/self/fd");
-    while (readdir(directory) != nullptr)
-        ++count;
-    closedir(directory);
-    return count;
+    nxWindowsSemaphore semaphore(name, initial, 5);
+    return Drain(semaphore);
 }
 
-// The path of a directory's only entry.
-std::string OnlyEntryOf(const char* path)
+// The counts that a process which comes now finds.
+void ExpectInNewProcess(const std::string& name, unsigned initial, unsigned count)
 {
-    std::string found;
-    DIR* const directory = opendir(path);
-    while (const dirent* const entry = readdir(directory))
+    EXPECT_TRUE(nxInChild([&] { EXPECT_EQ(CountIn(name, initial), count); }));
+}
+
+std::size_t EntriesOf(const char* path)
+{
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(path), {}));
+}
+
+// Everything in /dev/shm, with type, mode and size.
+std::map<std::string, std::string> SharedFiles()
+{
+    std::map<std::string, std::string> found;
+    for (const auto& entry : fs::recursive_directory_iterator("/dev/shm"))
     {
-        if (entry->d_name[0] != '.')
-            found = std::string(path) + '/' + entry->d_name;
+        struct stat status = {};
+        lstat(entry.path().c_str(), &status);
+        found[entry.path()] = std::to_string(status.st_mode) + ' ' + std::to_string(status.st_size);
     }
-    closedir(directory);
     return found;
-}
-
-// Stages that processes wait for in each other.
-using Stage = std::atomic<int>;
-
-void WaitForStage(const Stage& stage, int value)
-{
-    while (stage < value)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 }  // namespace
 
 TEST(namedObjects, EveryNameIsItsOwnAndStandsForOneKind)
 {
     const std::string longest(260 - Unique("").size(), 'x');
-    const std::vector<std::string> names{"",
-                                         "/",
-                                         "..",
-                                         "../..",
-                                         "a",
-                                         "A",
-                                         "a/b",
-                                         "a_b",
-                                         std::string("a\0b", 3),
-                                         std::string("a\0c", 3),
-                                         "\xff",
-                                         "%2F",
-                                         "line\r\nbreak",
-                                         longest};
+    std::vector<std::string> names{"", "/", "..", "../..", "a", "A", "a/b", "a_b", "\xff", "%2F", "line\r\nbreak"};
+    names.insert(names.end(), {std::string("a\0b", 3), std::string("a\0c", 3), longest});
     std::deque<nxWindowsSemaphore> semaphores;
     for (unsigned i = 0; i < names.size(); ++i)
     {
@@ -111,8 +98,7 @@ TEST(namedObjects, EveryNameIsItsOwnAndStandsForOneKind)
 
 TEST(namedObjects, NullObjectsReturnSuccessAndErrnoHasTheReason)
 {
-    nxRecordedLog mutexLog("core/trunk/nxWindowsMutex");
-    nxRecordedLog semaphoreLog("core/trunk/nxWindowsSemaphore");
+    const nxCapturingLogDevice log;
     nxWindowsMutex mutex(std::string(261, 'n'));
     EXPECT_EQ(errno, ENAMETOOLONG);
     EXPECT_TRUE(mutex.IsNull());
@@ -134,10 +120,8 @@ TEST(namedObjects, NullObjectsReturnSuccessAndErrnoHasTheReason)
     EXPECT_FALSE(nxWindowsSemaphore(name, 0, 0).IsNull()) << "counts are not looked at when the name is there";
     EXPECT_TRUE(nxWindowsMutex(name).IsNull());
     EXPECT_EQ(errno, EEXIST);
-
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(20.0));
-    EXPECT_TRUE(mutexLog.WaitFor(0).empty()) << "constructors report nothing";
-    EXPECT_TRUE(semaphoreLog.WaitFor(0).empty());
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+    EXPECT_TRUE(log.GetRecords().empty()) << "constructors report nothing: " << log;
 }
 
 TEST(namedObjects, ASemaphoreNeverExceedsItsMaximum)
@@ -152,39 +136,25 @@ TEST(namedObjects, ASemaphoreNeverExceedsItsMaximum)
     EXPECT_EQ(semaphore.TimedWait(std::chrono::milliseconds(150)), NX_ERR_THR_TIMEDOUT) << "longer than one sleep";
     for (const double seconds : {60.0, 4294968.0, 1e300, infinity})
     {
-        std::thread poster(
+        const std::jthread poster(
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 semaphore.Post();
             });
         EXPECT_TRUE(semaphore.TimedWait(seconds).IsOK()) << seconds;
-        poster.join();
     }
 }
 
 TEST(namedObjects, EveryPostWakesAWaiter)
 {
-    constexpr int each = 3'000;
     nxWindowsSemaphore items(Unique("items"), 0, 2147483647);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 2; ++i)
-    {
-        threads.emplace_back(
-            [&]
-            {
-                for (int n = 0; n < each; ++n)
-                    items.Post();
-            });
-        threads.emplace_back(
-            [&]
-            {
-                for (int n = 0; n < each; ++n)
-                    items.Wait();
-            });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    nxInThreads(4,
+                [&](int thread)
+                {
+                    for (int n = 0; n < 3'000; ++n)
+                        EXPECT_TRUE((thread % 2 == 0 ? items.Post() : items.Wait()).IsOK());
+                });
     EXPECT_EQ(Drain(items), 0U);
 }
 
@@ -196,7 +166,7 @@ TEST(namedObjects, AMutexBelongsToAThreadAndCounts)
     std::atomic<bool> entered{false};
     mutex.Lock();
     [&]() NX_NO_THREAD_SAFETY_ANALYSIS { same.Lock(); }();
-    std::thread other(
+    std::jthread other(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             nxWindowsMutex third(name);
@@ -216,78 +186,64 @@ TEST(namedObjects, AMutexBelongsToAThreadAndCounts)
 TEST(namedObjects, OneDescriptorServesAllNames)
 {
     nxWindowsMutex first(Unique("descriptor"));
-    const std::size_t before = OpenDescriptors();
+    const std::size_t before = EntriesOf("/proc/self/fd");
     for (int i = 0; i < 10'000; ++i)
         EXPECT_FALSE(nxWindowsMutex(Unique("descriptor")).IsNull());
     for (int i = 0; i < 300; ++i)
         EXPECT_FALSE(nxWindowsMutex(Unique("descriptor" + std::to_string(i))).IsNull());
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_EQ(EntriesOf("/proc/self/fd"), before);
 }
 
 TEST(namedObjects, ANameLivesAsLongAsAProcessThatHasItOpen)
 {
     const std::string name = Unique("life");
-    nxSharedMemory<Stage> stage;
+    nxStage stage;
     nxChildProcess creator(
         [&]
         {
             nxWindowsSemaphore semaphore(name, 3, 5);
             semaphore.Wait();
-            *stage = 1;
+            stage.Reach(1);
             pause();
         });
-    WaitForStage(*stage, 1);
+    stage.WaitFor(1);
     nxChildProcess second(
         [&]
         {
             nxWindowsSemaphore semaphore(name, 5, 5);
             EXPECT_EQ(Drain(semaphore), 2U) << "opened, not made";
             semaphore.Post();
-            *stage = 2;
+            stage.Reach(2);
             pause();
         });
-    WaitForStage(*stage, 2);
+    stage.WaitFor(2);
     creator.Kill();
-    nxChildProcess third(
-        [&]
-        {
-            nxWindowsSemaphore semaphore(name, 5, 5);
-            EXPECT_EQ(Drain(semaphore), 1U) << "the second still has it open";
-        });
-    EXPECT_TRUE(third.Succeeds());
+    ExpectInNewProcess(name, 5, 1);  // the second still has it open
     second.Kill();
-    nxChildProcess afresh(
-        [&] { EXPECT_FALSE(nxWindowsMutex(name).IsNull()) << "nobody has it open: it may become another kind"; });
-    EXPECT_TRUE(afresh.Succeeds());
-    nxChildProcess again(
-        [&]
-        {
-            nxWindowsSemaphore semaphore(name, 4, 5);
-            EXPECT_EQ(Drain(semaphore), 4U);
-        });
-    EXPECT_TRUE(again.Succeeds());
+    EXPECT_TRUE(nxInChild([&] { EXPECT_FALSE(nxWindowsMutex(name).IsNull()) << "it may become another kind"; }));
+    ExpectInNewProcess(name, 4, 4);
 }
 
 TEST(namedObjects, AForkedChildSharesWhatIsOpenAndOwnsNothing)
 {
     const std::string name = Unique("fork");
-    nxSharedMemory<Stage> stage;
+    nxStage stage;
     nxWindowsMutex mutex(name);
     mutex.Lock();
     nxChildProcess child(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             mutex.Unlock();  // a stranger's
-            *stage = 1;
+            stage.Reach(1);
             mutex.Lock();
-            *stage = 2;  // ends as the owner
+            stage.Reach(2);  // ends as the owner
         });
-    WaitForStage(*stage, 1);
+    stage.WaitFor(1);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_EQ(*stage, 1) << "the parent still holds it";
+    EXPECT_EQ(stage.Get(), 1) << "the parent still holds it";
     mutex.Unlock();
     EXPECT_TRUE(child.Succeeds());
-    EXPECT_EQ(*stage, 2);
+    EXPECT_EQ(stage.Get(), 2);
     mutex.Lock();
     mutex.Unlock();
 }
@@ -296,87 +252,67 @@ TEST(namedObjects, AForkedChildKeepsNamesAliveAndItsOwnNamesDieWithIt)
 {
     const std::string inherited = Unique("inherited");
     const std::string own = Unique("own");
-    nxSharedMemory<Stage> stage;
-    nxChildProcess parent(
+    nxStage stage;
+    EXPECT_TRUE(nxInChild(
         [&]
         {
-            nxWindowsSemaphore semaphore(inherited, 1, 1);
+            nxWindowsSemaphore semaphore(inherited, 1, 5);
             semaphore.Wait();
             if (fork() == 0)
             {
                 alarm(60);
-                nxWindowsSemaphore childs(own, 1, 1);
-                childs.Wait();
-                *stage = 1;
-                WaitForStage(*stage, 2);  // by now the parent has gone
-                nxWindowsSemaphore known(inherited, 1, 1);
-                EXPECT_EQ(Drain(known), 0U);
-                *stage = 3;
-                WaitForStage(*stage, 4);
+                stage.WaitFor(1);  // by now the parent has gone
+                EXPECT_EQ(CountIn(inherited, 1), 0U);
+                stage.Reach(2);
+                stage.WaitFor(3);
                 _exit(0);
             }
-            WaitForStage(*stage, 1);
-        });
-    EXPECT_TRUE(parent.Succeeds());
-    *stage = 2;
-    WaitForStage(*stage, 3);
-    nxChildProcess whileChildLives(
-        [&]
-        {
-            nxWindowsSemaphore semaphore(inherited, 1, 1);
-            EXPECT_EQ(Drain(semaphore), 0U);
-        });
-    EXPECT_TRUE(whileChildLives.Succeeds());
-    *stage = 4;
+        }));
+    stage.Reach(1);
+    stage.WaitFor(2);
+    ExpectInNewProcess(inherited, 1, 0);
+    stage.Reach(3);
 
-    nxSharedMemory<Stage> second;
     nxChildProcess survivor(
         [&]
         {
             nxWindowsMutex mutex(inherited + "2");
-            nxChildProcess child([&] { nxWindowsSemaphore(own + "2", 1, 1).Wait(); });
-            EXPECT_TRUE(child.Succeeds());
-            *second = 1;
+            EXPECT_TRUE(nxInChild([&] { nxWindowsSemaphore(own, 1, 5).Wait(); }));
+            stage.Reach(4);
             pause();
         });
-    WaitForStage(*second, 1);
-    nxWindowsSemaphore afresh(own + "2", 1, 1);
-    EXPECT_EQ(Drain(afresh), 1U) << "its only user has ended, although the user's parent lives";
+    stage.WaitFor(4);
+    EXPECT_EQ(CountIn(own, 1), 1U) << "its only user has ended, although the user's parent lives";
 }
 
 TEST(namedObjects, AProcessThatClosesAllDescriptorsClaimsItsNamesAgain)
 {
     // Between the closing and the claim the names are anybody's, so nobody else may be around.
-    if (!nxInNewProcess())
+    if (!nxPrivateMemory::InNewProcess())
         return;
-    if (!nxPrivateMemory::Mount())
-        GTEST_SKIP() << "no private /dev/shm here";
     const std::string name = Unique("closed");
-    nxSharedMemory<Stage> stage;
+    nxStage stage;
     nxChildProcess daemon(
         [&]
         {
-            nxWindowsSemaphore semaphore(name, 1, 1);
+            nxWindowsSemaphore semaphore(name, 1, 5);
             semaphore.Wait();
             for (int descriptor = 3; descriptor < 1024; ++descriptor)
                 close(descriptor);
             const int another = open("/dev/zero", O_RDWR);  // probably under the old number
             EXPECT_FALSE(nxWindowsMutex(name + "2").IsNull());
             EXPECT_NE(fcntl(another, F_GETFD), -1) << "a descriptor that is not the table's is left alone";
-            *stage = 1;
+            stage.Reach(1);
             pause();
         });
-    WaitForStage(*stage, 1);
-    nxWindowsSemaphore semaphore(name, 1, 1);
-    EXPECT_EQ(Drain(semaphore), 0U) << "still open in the other process";
+    stage.WaitFor(1);
+    EXPECT_EQ(CountIn(name, 1), 0U) << "still open in the other process";
 }
 
 TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
 {
-    if (!nxInNewProcess())
+    if (!nxPrivateMemory::InNewProcess())
         return;
-    if (!nxPrivateMemory::Mount())
-        GTEST_SKIP() << "no private /dev/shm here";
     // In the order of their use: what has succeeded once is not asked for again.
     for (const char* const function : {"mkdir", "open", "openat", "fstat", "fcntl", "posix_fallocate", "mmap"})
     {
@@ -411,104 +347,92 @@ TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
 
 TEST(namedObjects, WhatANeighbourHasPlantedIsNotTouched)
 {
-    if (!nxInNewProcess())
+    if (!nxPrivateMemory::InNewProcess())
         return;
-    if (!nxPrivateMemory::Mount())
-        GTEST_SKIP() << "no private /dev/shm here";
-    std::string directory;
-    std::string file;
+    ASSERT_TRUE(nxInChild([] { EXPECT_FALSE(nxWindowsMutex("first").IsNull()); }));
+    const fs::path directory = fs::directory_iterator("/dev/shm")->path();
+    const fs::path file = fs::directory_iterator(directory)->path();
+    const fs::path target = "/dev/shm/target";
+    const auto write = [](const fs::path& path, const char* contents, mode_t mode)
     {
-        nxChildProcess maker([] { EXPECT_FALSE(nxWindowsMutex("first").IsNull()); });
-        ASSERT_TRUE(maker.Succeeds());
-        directory = OnlyEntryOf("/dev/shm");
-        file = OnlyEntryOf(directory.c_str());
-    }
-    const std::string target = "/dev/shm/target";
-    const auto makeDirectory = [&](mode_t mode)
-    {
-        mkdir(directory.c_str(), mode);
-        chmod(directory.c_str(), mode);
+        nxWriteFile(path, contents);
+        chmod(path.c_str(), mode);
     };
-    const auto write = [&](const std::string& path, const std::string& contents, mode_t mode)
+    const auto makeDirectory = [](const fs::path& path, mode_t mode)
     {
-        const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT, mode);
-        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()), static_cast<ssize_t>(contents.size()));
-        fchmod(descriptor, mode);
-        close(descriptor);
+        mkdir(path.c_str(), mode);
+        chmod(path.c_str(), mode);
     };
-    const std::string intact = "not yours";
-    const struct
-    {
-        const char* what;
-        std::function<void()> plant;
-    } rows[] = {
-        {"a directory that others can enter", [&] { makeDirectory(0755); }},
-        {"a file for the directory", [&] { write(directory, intact, 0600); }},
-        {"a link for the directory",
-         [&]
-         {
-             mkdir("/dev/shm/other", 0700);
-             EXPECT_EQ(symlink("/dev/shm/other", directory.c_str()), 0);
-         }},
+    using Plants = std::vector<std::pair<const char*, std::function<void()>>>;
+    const Plants forTheDirectory{
+        {"a directory that others can enter", [&] { makeDirectory(directory, 0755); }},
         {"another user's directory",
          [&]
          {
-             makeDirectory(0700);
+             makeDirectory(directory, 0700);
              if (chown(directory.c_str(), 12345, 12345) != 0)
                  chmod(directory.c_str(), 0777);
          }},
-        {"a link for the file",
+        {"a file", [&] { write(directory, "not yours", 0600); }},
+        {"a pipe", [&] { mkfifo(directory.c_str(), 0600); }},
+        {"a link to a directory of ours",
          [&]
          {
-             makeDirectory(0700);
-             EXPECT_EQ(symlink(target.c_str(), file.c_str()), 0);
+             makeDirectory("/dev/shm/ours", 0700);
+             fs::create_symlink("/dev/shm/ours", directory);
          }},
-        {"a second name of the file",
-         [&]
-         {
-             makeDirectory(0700);
-             EXPECT_EQ(link(target.c_str(), file.c_str()), 0);
-         }},
-        {"a file that others can write", [&] { makeDirectory(0700), write(file, "", 0666); }},
-        {"a directory for the file", [&] { makeDirectory(0700), mkdir(file.c_str(), 0700); }},
-        {"a pipe for the file", [&] { makeDirectory(0700), mkfifo(file.c_str(), 0600); }},
-        {"something else in the file", [&] { makeDirectory(0700), write(file, intact, 0600); }},
+        {"a link to nowhere", [&] { fs::create_symlink("/dev/shm/nowhere", directory); }},
+    };
+    const Plants forTheFile{
+        {"a link", [&] { fs::create_symlink(target, file); }},
+        {"a second name of another file", [&] { fs::create_hard_link(target, file); }},
+        {"a file that others can write", [&] { write(file, "", 0666); }},
+        {"a directory", [&] { makeDirectory(file, 0700); }},
+        {"a pipe", [&] { mkfifo(file.c_str(), 0600); }},
         {"a file that is far too large",
          [&]
          {
-             makeDirectory(0700);
              write(file, "", 0600);
              EXPECT_EQ(truncate(file.c_str(), 1LL << 40), 0);
          }},
     };
-    for (const auto& row : rows)
+    const auto isLeftAlone = [&](const char* what, const std::function<void()>& plant)
     {
-        SCOPED_TRACE(row.what);
-        ASSERT_TRUE(nxPrivateMemory::Mount());
-        write(target, intact, 0600);
-        row.plant();
+        SCOPED_TRACE(what);
+        write(target, "not yours", 0600);
+        plant();
+        const auto before = SharedFiles();
         EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
-        struct stat status = {};
-        EXPECT_EQ(stat(target.c_str(), &status), 0);
-        EXPECT_EQ(status.st_size, static_cast<off_t>(intact.size()));
-    }
+        EXPECT_EQ(SharedFiles(), before);
+        EXPECT_EQ(nxReadFile(target), "not yours");
+        ASSERT_TRUE(nxPrivateMemory::Mount());
+    };
     ASSERT_TRUE(nxPrivateMemory::Mount());
+    for (const auto& [what, plant] : forTheDirectory)
+        isLeftAlone(what, plant);
+    for (const auto& [what, plant] : forTheFile)
+    {
+        makeDirectory(directory, 0700);
+        isLeftAlone(what, plant);
+    }
+    makeDirectory(directory, 0700);
+    write(file, "not yours", 0600);  // a file of ours that holds something else
+    EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
+    EXPECT_EQ(nxReadFile(file).substr(0, 9), "not yours");
+    fs::remove(file);
     EXPECT_FALSE(nxWindowsMutex("mine").IsNull()) << "and once all that has gone";
 }
 
 TEST(namedObjects, WithoutRoomOrSharedMemory)
 {
-    if (!nxInNewProcess())
+    if (!nxPrivateMemory::InNewProcess("size=16k"))
         return;
-    if (!nxPrivateMemory::Mount("size=16k"))
-        GTEST_SKIP() << "no private /dev/shm here";
     EXPECT_TRUE(nxWindowsMutex("full").IsNull()) << "refused, instead of a bus error on first use";
 
     ASSERT_TRUE(nxPrivateMemory::Mount());
     struct rlimit before = {};
     getrlimit(RLIMIT_FSIZE, &before);
-    struct rlimit limit = before;
-    limit.rlim_cur = 4096;
+    const struct rlimit limit = {4096, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
     EXPECT_TRUE(nxWindowsMutex("limit").IsNull()) << "refused, instead of a signal";
     setrlimit(RLIMIT_FSIZE, &before);
@@ -516,5 +440,5 @@ TEST(namedObjects, WithoutRoomOrSharedMemory)
     ASSERT_EQ(mount("none", "/tmp", "tmpfs", 0, ""), 0);
     ASSERT_EQ(mount("none", "/dev/shm", "tmpfs", MS_RDONLY, ""), 0);
     EXPECT_FALSE(nxWindowsMutex("elsewhere").IsNull());
-    EXPECT_NE(OnlyEntryOf("/tmp"), "");
+    EXPECT_EQ(EntriesOf("/tmp"), 1U);
 }

@@ -58,14 +58,13 @@ TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
     for (const double seconds : far)
     {
         SCOPED_TRACE(seconds);
-        std::thread poster(
+        const std::jthread poster(
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 semaphore.Post();
             });
         EXPECT_TRUE(UntilAccepted([&] { return semaphore.TimedWait(seconds); }).IsOK()) << "waits for the count";
-        poster.join();
     }
     semaphore.Post();
     EXPECT_TRUE(semaphore.TimedWait_Microseconds(std::numeric_limits<unsigned long long>::max()).IsOK());

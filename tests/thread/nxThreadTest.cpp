@@ -3,11 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <stdexcept>
-#include <thread>
 #include <vector>
 
 #include "core/thread/nxThreadIndex.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -24,16 +23,6 @@ public:
     int runs = 0;
     std::string id;
     nxErrorEnum waitInside;
-};
-
-class Thrower : public nxThread
-{
-    nxErrorEnum Run() override { throw std::runtime_error("out of prices"); }
-};
-
-class Exiter : public nxThread
-{
-    nxErrorEnum Run() override { pthread_exit(nullptr); }
 };
 }  // namespace
 
@@ -54,30 +43,17 @@ TEST(nxThread, StartsRunsAndStartsAgain)
     EXPECT_EQ(nxThread::GetThreadIDAsString(), std::to_string(getpid())) << "the main thread's number is the process's";
 }
 
-TEST(nxThread, SurvivesAnExceptionOrAnExitInRun)
-{
-    Thrower thrower;
-    ASSERT_TRUE(thrower.Create().IsOK());
-    EXPECT_TRUE(thrower.Wait().IsOK());
-    Exiter exiter;
-    ASSERT_TRUE(exiter.Create().IsOK());
-    EXPECT_TRUE(exiter.Wait().IsOK());
-}
-
 TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)
 {
     const unsigned mine = nxThreadIndex::GetIndexOfCurrentThread();
     std::vector<unsigned> indices;
     for (int i = 0; i < 3; ++i)
-    {
-        std::thread(
-            [&]
-            {
-                indices.push_back(nxThreadIndex::GetIndexOfCurrentThread());
-                EXPECT_EQ(nxThreadIndex::GetIndexOfCurrentThread(), indices.back());
-            })
-            .join();
-    }
+        nxInThreads(1,
+                    [&]
+                    {
+                        indices.push_back(nxThreadIndex::GetIndexOfCurrentThread());
+                        EXPECT_EQ(nxThreadIndex::GetIndexOfCurrentThread(), indices.back());
+                    });
     EXPECT_EQ(indices[1], indices[0] + 1);
     EXPECT_EQ(indices[2], indices[0] + 2);
     EXPECT_GT(indices[0], mine);

@@ -2,17 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
-#include <string>
-#include <thread>
-
+#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxConditionRaw.h"
 #include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxSemaphore.h"
 #include "core/thread/nxSpinLockGuard.h"
 #include "tests/support/nxChildProcess.h"
-#include "tests/support/nxRecordedLog.h"
 
 namespace
 {
@@ -22,28 +17,22 @@ struct Shared
     nxSpinLock spinLock;
     nxSemaphore semaphore{0};
     nxConditionRaw condition;
-    std::atomic<int> stage{0};
+    bool go = false;
     int count = 0;
 };
-
-void WaitForStage(const Shared& shared, int stage)
-{
-    while (shared.stage < stage)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-}
 
 // Leaves the mutex locked by a process that has been killed.
 void LockAndDie(Shared& shared)
 {
-    shared.stage = 0;
+    nxStage stage;
     nxChildProcess owner(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             shared.mutex.Lock();
-            shared.stage = 1;
+            stage.Reach(1);
             pause();
         });
-    WaitForStage(shared, 1);
+    stage.WaitFor(1);
     EXPECT_EQ(shared.mutex.TryLock(), NX_ERR_THR_LOCKED);
     owner.Kill();
 }
@@ -59,16 +48,16 @@ TEST(sharedLocks, ARobustMutexOutlivesOwnersThatAreKilled)
         LockAndDie(*shared);
         EXPECT_EQ(tries ? mutex.TryLock() : mutex.Lock(), NX_ERR_THR_OWNER_DEAD);
         mutex.AssertHeld();
-        nxChildProcess other([&] { EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED) << "held by the one who was told"; });
-        EXPECT_TRUE(other.Succeeds());
+        EXPECT_TRUE(nxInChild([&] { EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED) << "held by who was told"; }));
         EXPECT_TRUE(mutex.Consistent().IsOK());
         EXPECT_TRUE(mutex.Unlock().IsOK());
     }
     LockAndDie(*shared);
     {
-        nxRecordedLog log("core/trunk/nxMutexGuard");
-        nxMutexGuard guard(mutex);
-        EXPECT_EQ(log.WaitFor(1).size(), 1U);
+        using Log = nxCapturingLogDevice;
+        const Log log;
+        const nxMutexGuard guard(mutex);
+        EXPECT_TRUE(log.WaitFor(Log::From("core/trunk/nxMutexGuard") && Log::HasLevel(NX_LOG_LEVEL_ERROR))) << log;
     }
     EXPECT_TRUE(mutex.TryLock().IsOK()) << "the guard has made it consistent";
     mutex.AssertHeld();
@@ -88,13 +77,12 @@ TEST(sharedLocks, ASharedMutexReportsMisuseToo)
         ASSERT_TRUE(shared->mutex.InitialiseAsShared(robust).IsOK());
         nxMutexGuard guard(shared->mutex);
         EXPECT_EQ(shared->mutex.Lock(), NX_ERR_UNSPECIFIED);
-        nxChildProcess stranger(
+        EXPECT_TRUE(nxInChild(
             [&]() NX_NO_THREAD_SAFETY_ANALYSIS
             {
-                EXPECT_EQ(shared->mutex.Unlock(), NX_ERR_THR_MISMATCH);
+                EXPECT_EQ(shared->mutex.Unlock(), NX_ERR_THR_MISMATCH) << "a stranger's";
                 EXPECT_EQ(shared->mutex.TryLock(), NX_ERR_THR_LOCKED);
-            });
-        EXPECT_TRUE(stranger.Succeeds());
+            }));
     }
 }
 
@@ -110,7 +98,7 @@ TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
         [&]
         {
             nxMutexGuard guard(shared->mutex);
-            while (shared->stage == 0 && shared->condition.Wait(shared->mutex).IsOK())
+            while (!shared->go && shared->condition.Wait(shared->mutex).IsOK())
             {
             }
             shared->semaphore.Post();
@@ -132,7 +120,7 @@ TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
     EXPECT_EQ(shared->semaphore.TryWait(), NX_ERR_THR_LOCKED) << "the waiter waits";
     {
         nxMutexGuard guard(shared->mutex);
-        shared->stage = 1;
+        shared->go = true;
         shared->condition.SignalAll();
     }
     EXPECT_TRUE(shared->semaphore.Wait().IsOK());
@@ -145,15 +133,15 @@ TEST(sharedLocks, ASemaphoreOutlivesWaitersThatAreKilled)
     ASSERT_TRUE(shared->semaphore.InitialiseAsShared(0).IsOK());
     for (int i = 0; i < 10; ++i)
     {
-        shared->stage = 0;
+        nxStage stage;
         nxChildProcess killed(
             [&]
             {
-                shared->stage = 1;
+                stage.Reach(1);
                 shared->semaphore.Wait();
             });
         nxChildProcess survivor([&] { EXPECT_TRUE(shared->semaphore.Wait().IsOK()); });
-        WaitForStage(*shared, 1);
+        stage.WaitFor(1);
         killed.Kill();
         EXPECT_TRUE(shared->semaphore.Post().IsOK());
         EXPECT_TRUE(survivor.Succeeds());

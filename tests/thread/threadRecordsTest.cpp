@@ -10,135 +10,138 @@
 #include <string>
 #include <vector>
 
-#include "core/thread/nxConditionMutex.h"
+#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxConditionRaw.h"
 #include "core/thread/nxMutex.h"
-#include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxSemaphore.h"
 #include "core/thread/nxSpinLock.h"
 #include "core/thread/nxThread.h"
 #include "core/thread/nxThreadIndex.h"
 #include "core/thread/nxThreadSpecificMemoryBuffer.h"
-#include "tests/support/nxRecordedLog.h"
 #include "tests/support/nxSystemCallFault.h"
 
 namespace
 {
 using Records = std::vector<std::string>;
 
-template <class Thrown>
-class Thrower : public nxThread
+// What a source file has reported so far, as "<level> <line> <text>".
+Records ReportsOf(const nxCapturingLogDevice& log, const std::string& source)
+{
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+    Records reports;
+    for (const nxCapturedRecord& record : log.GetRecords())
+        if (record.sourceFile == source)
+            reports.push_back(record.level.GetShortDescription() + ' ' + std::to_string(record.line) + ' ' +
+                              record.text);
+    return reports;
+}
+
+class FunctionThread : public nxThread
 {
 public:
-    explicit Thrower(Thrown thrown) : _thrown(thrown) {}
-    nxErrorEnum Run() override { throw _thrown; }
+    explicit FunctionThread(std::function<void()> body) : _body(std::move(body)) {}
 
 private:
-    Thrown _thrown;
+    nxErrorEnum Run() override
+    {
+        _body();
+        return nxErrorEnum();
+    }
+    std::function<void()> _body;
 };
-
-// The part of a record after its line number, which is the library's own business where no position is promised.
-std::string WithoutLine(const std::string& record)
-{
-    const std::size_t line = record.find(' ');
-    return record.substr(0, line) + record.substr(record.find(' ', line + 1));
-}
 }  // namespace
 
 TEST(threadRecords, CreationInSharedMemory)
 {
+    nxMutex mutex;
+    nxConditionRaw condition;
+    nxSpinLock spinLock;
+    nxSemaphore semaphore(0);
+    const auto plain = [&] { return mutex.InitialiseAsShared(false); };
+    const auto robust = [&] { return mutex.InitialiseAsShared(true); };
+    const std::string twelve = std::to_string(ENOMEM);
+    const std::string mutexFailed = "ERR 127 Mutex could not be created in shared memory. Result : " + twelve;
     struct Row
     {
         const char* source;
-        const char* failing;  // function that fails, or null
-        int error;
-        std::function<bool()> create;
-        Records expected;
+        std::function<nxErrorEnum()> create;
+        Records onSuccess;
+        nxEnumValue failure;
+        Records onFailure;
+        std::vector<const char*> functions;  // of which each in turn fails
     };
-    const auto robust = [] { return nxMutex().InitialiseAsShared(true).IsOK(); };
-    const auto plain = [] { return nxMutex().InitialiseAsShared(false).IsOK(); };
-    const auto condition = [] { return nxConditionRaw().InitialiseAsShared().IsOK(); };
-    nxSpinLock spinLock;
-    const auto spin = [&] { return spinLock.InitialiseAsShared().IsOK(); };
-    nxSemaphore countingSemaphore(0);
-    const auto semaphore = [&] { return countingSemaphore.InitialiseAsShared(1).IsOK(); };
-    const char* const mutexFailed = "ERR 127 Mutex could not be created in shared memory. Result : ";
-    const std::string conditionFailed = "ERR 62 Condition could not be created in shared memory. Result : ";
-    const std::vector<Row> rows{
-        {"core/trunk/nxMutex", nullptr, 0, plain, {}},
-        {"core/trunk/nxMutex", nullptr, 0, robust, {"INF 107 Set Robust attribute. result: 0"}},
-        {"core/trunk/nxMutex", "pthread_mutexattr_init", ENOMEM, robust, {mutexFailed + std::to_string(ENOMEM)}},
+    const Row rows[] = {
         {"core/trunk/nxMutex",
-         "pthread_mutexattr_setrobust",
-         EINVAL,
+         plain,
+         {},
+         NX_ERR_UNSPECIFIED,
+         {mutexFailed},
+         {"pthread_mutexattr_init", "pthread_mutexattr_settype", "pthread_mutexattr_setpshared", "pthread_mutex_init",
+          "pthread_mutexattr_destroy"}},
+        {"core/trunk/nxMutex",
          robust,
-         {"INF 107 Set Robust attribute. result: " + std::to_string(EINVAL), mutexFailed + std::to_string(EINVAL)}},
-        {"core/trunk/nxMutex", "pthread_mutex_init", EAGAIN, plain, {mutexFailed + std::to_string(EAGAIN)}},
-        {"core/trunk/nxMutex", "pthread_mutexattr_destroy", EINVAL, plain, {mutexFailed + std::to_string(EINVAL)}},
-        {"core/trunk/nxConditionRaw", nullptr, 0, condition, {}},
-        {"core/trunk/nxConditionRaw", "pthread_cond_init", EBUSY, condition, {conditionFailed + std::to_string(EBUSY)}},
-        {"core/trunk/nxSpinLock", nullptr, 0, spin, {}},
-        {"core/trunk/nxSpinLock", "pthread_spin_init", EAGAIN, spin, {"INF 43 Semaphore error"}},
+         {"INF 107 Set Robust attribute. result: 0"},
+         NX_ERR_UNSPECIFIED,
+         {"INF 107 Set Robust attribute. result: " + twelve, mutexFailed},
+         {"pthread_mutexattr_setrobust"}},
+        {"core/trunk/nxConditionRaw",
+         [&] { return condition.InitialiseAsShared(); },
+         {},
+         NX_ERR_UNSPECIFIED,
+         {"ERR 62 Condition could not be created in shared memory. Result : " + twelve},
+         {"pthread_condattr_init", "pthread_condattr_setpshared", "pthread_cond_init", "pthread_condattr_destroy"}},
+        {"core/trunk/nxSpinLock",
+         [&] { return spinLock.InitialiseAsShared(); },
+         {},
+         NX_ERR_INTERNAL,
+         {"INF 43 Semaphore error"},
+         {"pthread_spin_init"}},
         {"core/trunk/nxSemaphore",
-         "sem_init",
-         ENOSYS,
-         semaphore,
-         {"ERR 87 Semaphore could not be created in shared memory. Result : -1"}},
+         [&] { return semaphore.InitialiseAsShared(1); },
+         {},
+         NX_ERR_THR_UNSUPPORTED,
+         {"ERR 87 Semaphore could not be created in shared memory. Result : -1"},
+         {"sem_init"}},
     };
     for (const Row& row : rows)
     {
-        SCOPED_TRACE(std::string(row.source) + ' ' + (row.failing == nullptr ? "succeeds" : row.failing));
-        nxRecordedLog log(row.source);
-        if (row.failing == nullptr)
+        SCOPED_TRACE(row.source);
+        const nxCapturingLogDevice success;
+        EXPECT_TRUE(row.create().IsOK());
+        EXPECT_EQ(ReportsOf(success, row.source), row.onSuccess);
+        for (const char* const function : row.functions)
         {
-            EXPECT_TRUE(row.create());
+            SCOPED_TRACE(function);
+            const nxCapturingLogDevice log;
+            const nxSystemCallFault fault(function, ENOMEM);
+            EXPECT_EQ(row.create(), row.failure);
+            EXPECT_EQ(ReportsOf(log, row.source), row.onFailure);
         }
-        else
-        {
-            const nxSystemCallFault fault(row.failing, row.error);
-            EXPECT_FALSE(row.create());
-        }
-        EXPECT_EQ(log.WaitFor(row.expected.size()), row.expected);
     }
-}
-
-TEST(threadRecords, GuardOfAMutexWhoseOwnerDied)
-{
-    nxRecordedLog log("core/trunk/nxMutexGuard");
-    nxMutex mutex;
-    {
-        const nxSystemCallFault fault("pthread_mutex_lock", EOWNERDEAD, {.executed = true});
-        const nxSystemCallFault consistent("pthread_mutex_consistent", 0, {.times = 0});
-        nxMutexGuard guard(mutex);
-        EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED);
-    }
-    EXPECT_TRUE(mutex.TryLock().IsOK()) << "the guard has unlocked";
-    mutex.AssertHeld();
-    mutex.Unlock();
-    const Records records = log.WaitFor(1);
-    ASSERT_EQ(records.size(), 1U);
-    EXPECT_EQ(records[0].substr(0, 4), "ERR ");
 }
 
 TEST(threadRecords, ExceptionThatLeavesRun)
 {
-    nxRecordedLog log("core/trunk/nxThread");
-    Thrower<std::runtime_error> thrower(std::runtime_error("out of prices"));
-    Thrower<int> other(7);
-    for (nxThread* const thread : {static_cast<nxThread*>(&thrower), static_cast<nxThread*>(&other)})
+    const nxCapturingLogDevice log;
+    FunctionThread thrower([] { throw std::runtime_error("out of prices"); });
+    FunctionThread other([] { throw 7; });
+    FunctionThread exits([] { pthread_exit(nullptr); });
+    for (nxThread* const thread : {&thrower, &other, &exits})
     {
         ASSERT_TRUE(thread->Create().IsOK());
         EXPECT_TRUE(thread->Wait().IsOK());
     }
-    const Records records = log.WaitFor(2);
-    ASSERT_EQ(records.size(), 2U);
-    EXPECT_EQ(WithoutLine(records[0]), "FTL A thread ended with an exception: out of prices");
-    EXPECT_EQ(WithoutLine(records[1]), "FTL A thread ended with an exception: of unknown type");
+    // Without its line number, which is the library's own business where no position is promised.
+    Records reports = ReportsOf(log, "core/trunk/nxThread");
+    for (std::string& report : reports)
+        report.erase(3, report.find(' ', 4) - 3);
+    EXPECT_EQ(reports, (Records{"FTL A thread ended with an exception: out of prices",
+                                "FTL A thread ended with an exception: of unknown type"}));
 }
 
 TEST(threadRecords, PerThreadBuffer)
 {
-    nxRecordedLog log("core/trunk/nxThreadSpecificMemoryBuffer");
+    const nxCapturingLogDevice log;
     nxThreadSpecificMemoryBuffer buffer(256);
     std::ostringstream address;
     address << "0x" << std::hex << reinterpret_cast<std::uintptr_t>(buffer.GetData());
@@ -152,5 +155,5 @@ TEST(threadRecords, PerThreadBuffer)
                                ", Size: 256, Address: " + address.str(),
                            "INF 44 " + growing + "256 -> 512", "INF 44 " + growing + "512 -> 768",
                            "INF 44 " + growing + "768 -> 1024", "INF 60 " + growing + "1024 -> 100"};
-    EXPECT_EQ(log.WaitFor(expected.size()), expected);
+    EXPECT_EQ(ReportsOf(log, "core/trunk/nxThreadSpecificMemoryBuffer"), expected);
 }

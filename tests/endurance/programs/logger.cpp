@@ -84,9 +84,16 @@ int ForkWhileThreadsLog(int count)
         const pid_t id = ::fork();
         if (id == 0)
         {
-            for (int number = 0; number < 20; ++number)
-                LogLine(100 + child, number);
-            std::exit(0);
+            ::alarm(60);
+            const auto log = [child](int first, int last)
+            {
+                for (int number = first; number < last; ++number)
+                    LogLine(100 + child, number);
+            };
+            std::thread(log, 0, 10).join();
+            WaitForLog();  // no thread of the parent's is here to be waited for
+            log(10, 20);
+            std::exit(nxLogManager::GetInstance().GetStatistics().dropped == 0 ? 0 : 5);
         }
         int status = -1;
         if (::waitpid(id, &status, 0) != id || status != 0)

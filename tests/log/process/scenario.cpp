@@ -6,8 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -16,64 +14,50 @@
 #include <vector>
 
 #include "core/log/nxLogDevice.h"
-#include "core/log/nxLogLine.h"
 #include "core/log/nxLogMacros.h"
 
 namespace
 {
 constexpr int recordsInARow = 20'000;
 
-/// Appends every record to the file at once, as "level text [file:line]" and the number of the process.
-class AppendingDevice : public nxLogDevice
+// What main was called with.
+const char* output;
+const char* plugin;
+
+/// Calls a function for every record.
+class FunctionDevice : public nxLogDevice
 {
 public:
-    explicit AppendingDevice(const char* path)
-        : _file(open(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)), _creator(getpid())
-    {
-    }
-    void Write(const nxLog& record) override
-    {
-        const std::string line =
-            record.GetText() + " " + record.GetSourceFile() + (getpid() == _creator ? "" : " child") + "\n";
-        if (write(_file, line.data(), line.size()) < 0)
-            _exit(3);
-    }
+    explicit FunctionDevice(std::function<void(const nxLog&)> onWrite) : _onWrite(std::move(onWrite)) {}
+    void Write(const nxLog& record) override { _onWrite(record); }
     void Flush() override {}
     void Destroy() override {}
 
 private:
-    const int _file;
-    const pid_t _creator;
+    const std::function<void(const nxLog&)> _onWrite;
 };
 
-/// Never comes back.
-class StallingDevice : public nxLogDevice
-{
-public:
-    void Write(const nxLog&) override
-    {
-        for (;;)
-            pause();
-    }
-    void Flush() override {}
-    void Destroy() override {}
-};
-
-/// Ends the process from where it is written to.
-class ExitingDevice : public nxLogDevice
-{
-public:
-    void Write(const nxLog&) override { std::exit(0); }
-    void Flush() override {}
-    void Destroy() override {}
-};
-
-template <class Device, class... Arguments>
-void Register(Arguments... arguments)
+void Register(std::function<void(const nxLog&)> onWrite)
 {
     // Lives to the very end.
-    nxLogManager::GetInstance().RegisterLogDevice(new Device(arguments...));
+    nxLogManager::GetInstance().RegisterLogDevice(new FunctionDevice(std::move(onWrite)));
 }
+
+/// Appends every record to the file at once, as "text file", and " child" when a forked process does.
+void AppendToOutput()
+{
+    const int file = open(output, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    Register(
+        [file, creator = getpid()](const nxLog& record)
+        {
+            const std::string line =
+                record.GetText() + " " + record.GetSourceFile() + (getpid() == creator ? "" : " child") + "\n";
+            if (write(file, line.data(), line.size()) < 0)
+                _exit(3);
+        });
+}
+
+void WaitUntilWritten() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(60.0); }
 
 void LogInARow()
 {
@@ -88,16 +72,16 @@ struct LogsBeforeAndAfterMain
 };
 const LogsBeforeAndAfterMain logsBeforeAndAfterMain;
 
-int ReturnFromMain(const char* output, const char*)
+int ReturnFromMain()
 {
-    Register<AppendingDevice>(output);
+    AppendToOutput();
     LogInARow();
     return 0;
 }
 
-int ExitInAThread(const char* output, const char*)
+int ExitInAThread()
 {
-    Register<AppendingDevice>(output);
+    AppendToOutput();
     std::thread(
         []
         {
@@ -108,82 +92,46 @@ int ExitInAThread(const char* output, const char*)
     return 4;
 }
 
-int ExitAtOnce(const char* output, const char*)
+int ExitAtOnce()
 {
-    Register<AppendingDevice>(output);
+    AppendToOutput();
     NX_LOG(NX_LOG_LEVEL_INFO) << "waited for";
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     NX_LOG(NX_LOG_LEVEL_INFO) << "perhaps lost";
     _exit(0);
 }
 
-int ExitWhileStalled(const char*, const char*)
+int ExitWhileStalled()
 {
-    Register<StallingDevice>();
+    Register(
+        [](const nxLog&)
+        {
+            for (;;)
+                pause();
+        });
     NX_LOG(NX_LOG_LEVEL_WARNING) << "nobody hears";
     return 0;
 }
 
-int ExitInsideADevice(const char* output, const char*)
+int ExitInsideADevice()
 {
-    Register<AppendingDevice>(output);
-    Register<ExitingDevice>();
+    AppendToOutput();
+    Register([](const nxLog&) { std::exit(0); });
     NX_LOG(NX_LOG_LEVEL_INFO) << "the last";
     for (;;)
         pause();
 }
 
-int LogNothing(const char*, const char*) { return 0; }
-
-// Forks again and again while threads report. Every child reports and ends in an orderly way.
-int Fork(const char* output, const char*)
-{
-    Register<AppendingDevice>(output);
-    std::atomic<bool> stop{false};
-    std::vector<std::thread> threads;
-    for (int index = 0; index < 3; ++index)
-        threads.emplace_back(
-            [&stop, index]
-            {
-                for (int number = 0; !stop; ++number)
-                {
-                    NX_LOG(NX_LOG_LEVEL_INFO) << "thread " << index << " " << number;
-                    // Not faster than the device, which takes them one by one.
-                    std::this_thread::sleep_for(std::chrono::microseconds(200));
-                }
-            });
-    int faults = 0;
-    for (int number = 0; number < 20; ++number)
-    {
-        NX_LOG(NX_LOG_LEVEL_INFO) << "parent " << number;
-        const pid_t child = fork();
-        if (child == 0)
-        {
-            alarm(60);
-            NX_LOG(NX_LOG_LEVEL_INFO) << "born " << number;
-            std::thread([number] { NX_LOG(NX_LOG_LEVEL_WARNING) << "lived " << number; }).join();
-            // No other thread of the parent's is here to be waited for.
-            nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(60.0);
-            NX_LOG(NX_LOG_LEVEL_INFO) << "died " << number;
-            std::exit(nxLogManager::GetInstance().GetStatistics().dropped == 0 ? 0 : 5);
-        }
-        int status = 0;
-        faults += waitpid(child, &status, 0) != child || status != 0;
-    }
-    stop = true;
-    for (std::thread& thread : threads)
-        thread.join();
-    return faults == 0 ? 0 : 6;
-}
+int LogNothing() { return 0; }
 
 // The parent's queue holds records that no device has had yet.
-int ForkWithAFullQueue(const char* output, const char*)
+int ForkWithAFullQueue()
 {
     LogInARow();
     const pid_t child = fork();
     if (child == 0)
     {
-        Register<AppendingDevice>(output);
+        AppendToOutput();
         NX_LOG(NX_LOG_LEVEL_INFO) << "only this";
         std::exit(0);
     }
@@ -193,21 +141,21 @@ int ForkWithAFullQueue(const char* output, const char*)
 }
 
 // What is kept for the first device counts as waiting.
-int WaitForADevice(const char* output, const char*)
+int WaitForADevice()
 {
     nxLogManager& manager = nxLogManager::GetInstance();
     NX_LOG(NX_LOG_LEVEL_INFO) << "kept";
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     const std::vector<nxLog> waiting = manager.GetLogEntriesQueue();
-    Register<AppendingDevice>(output);
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    AppendToOutput();
+    WaitUntilWritten();
     const bool isRight = waiting.size() == 2 && waiting[0].GetText() == "before main" && waiting[1].GetText() == "kept";
     return isRight && manager.GetLogEntriesQueue().empty() ? 0 : 8;
 }
 
-int UnloadAPlugin(const char* output, const char* plugin)
+int UnloadAPlugin()
 {
-    Register<AppendingDevice>(output);
+    AppendToOutput();
     for (int round = 0; round < 3; ++round)
     {
         void* const handle = dlopen(plugin, RTLD_NOW | RTLD_LOCAL);
@@ -221,9 +169,9 @@ int UnloadAPlugin(const char* output, const char* plugin)
     return 0;
 }
 
-int Levels(const char* output, const char*)
+int Levels()
 {
-    Register<AppendingDevice>(output);
+    AppendToOutput();
     NX_LOG(NX_LOG_LEVEL_INFO) << "info";
     NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
     return 0;
@@ -232,14 +180,13 @@ int Levels(const char* output, const char*)
 
 int main(int argc, char** argv)
 {
-    const std::map<std::string, int (*)(const char*, const char*)> scenarios = {
+    const std::map<std::string, int (*)()> scenarios = {
         {"ReturnFromMain", ReturnFromMain},
         {"ExitInAThread", ExitInAThread},
         {"ExitAtOnce", ExitAtOnce},
         {"ExitWhileStalled", ExitWhileStalled},
         {"ExitInsideADevice", ExitInsideADevice},
         {"LogNothing", LogNothing},
-        {"Fork", Fork},
         {"ForkWithAFullQueue", ForkWithAFullQueue},
         {"WaitForADevice", WaitForADevice},
         {"UnloadAPlugin", UnloadAPlugin},
@@ -250,5 +197,7 @@ int main(int argc, char** argv)
     const auto found = scenarios.find(argv[1]);
     // A hang is a failure, not a wait.
     alarm(90);
-    return found == scenarios.end() ? 2 : found->second(argv[2], argv[3]);
+    output = argv[2];
+    plugin = argv[3];
+    return found == scenarios.end() ? 2 : found->second();
 }
