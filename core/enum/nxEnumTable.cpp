@@ -6,8 +6,8 @@
 #include <new>
 
 // One name of the hash table. The text is stored last: who sees it sees the rest. Element 0 of a table is none of its
-// slots but holds, as its value, the number of slots less one and, as its text, the smaller table that it replaced: some
-// reader may be in there yet, so that it is kept, and leak checkers find it.
+// slots but holds, as its value, the number of slots less one and, as its text, the smaller table that it replaced:
+// some reader may be in there yet, so that it is kept, and leak checkers find it.
 struct [[gnu::visibility("hidden")]] nxEnumTable::Slot
 {
     std::atomic<const char*> text;

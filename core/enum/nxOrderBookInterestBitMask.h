@@ -3,8 +3,7 @@
 
 #include "core/enum/nxTypedBitMask.h"
 
-/// Which events of an order book somebody subscribes to. "Early" events come before the exchange has confirmed
-/// them.
+/// Which events of an order book somebody subscribes to. "Early" events come before the exchange confirms them.
 class NX_CORE_API nxOrderBookInterestBitMask final : public nxTypedBitMask<nxOrderBookInterestBitMask, nxBitMask>
 {
 public:

@@ -490,8 +490,8 @@ private:
         return result;
     }
 
-    // Reads up to eight characters, digits with at most one separator among them, as one word. False, with nothing done,
-    // for every other text and for what is no number.
+    // Reads up to eight characters, digits with at most one separator among them, as one word. False, with nothing
+    // done, for every other text and for what is no number.
     bool _SetFromShortString(std::string_view text, char separator)
     {
         const std::size_t size = text.size();
@@ -549,14 +549,14 @@ private:
     // Let A and B be the numbers in units of 10^-P, P <= 15 the larger place count, and u = 2^-53 the relative error of
     // one rounding.
     // - Sum and difference S = A +- B: the mantissas and 10^P are exact doubles, so each conversion is one correctly
-    //   rounded division, off by at most 2^49 u units. The sum of the doubles adds a rounding of at most 2^50 u units. Taking
-    //   off the whole part is exact, and scaling the fraction, which is below |S| + 1 units, adds 2^50 u once more. The
-    //   scaled fraction thus is off by less than (1 + 1 + 2 + 2) 2^49 u = 3/8 of a unit (terms of u^2 do not reach the
-    //   remaining 1/8), and rounding it to the nearest integer gives the exact one. A whole part taken one too low,
-    //   because the sum fell short of an integer, comes back with the fraction, which then rounds up to 10^P.
+    //   rounded division, off by at most 2^49 u units. The sum of the doubles adds a rounding of at most 2^50 u units.
+    //   Taking off the whole part is exact, and scaling the fraction, which is below |S| + 1 units, adds 2^50 u once
+    //   more. The scaled fraction thus is off by less than (1 + 1 + 2 + 2) 2^49 u = 3/8 of a unit (terms of u^2 do not
+    //   reach the remaining 1/8), and rounding it to the nearest integer gives the exact one. A whole part taken one too
+    //   low, because the sum fell short of an integer, comes back with the fraction, which then rounds up to 10^P.
     // - Comparison: equal numbers are the same real number, which both divisions round to the same double. Unequal ones
-    //   are at least one unit apart, so their doubles differ by at least 1 - 2 * 2^49 u = 7/8 of a unit, 8.75e-16 or more:
-    //   beyond the tolerance, and in the right order.
+    //   are at least one unit apart, so their doubles differ by at least 1 - 2 * 2^49 u = 7/8 of a unit, 8.75e-16 or
+    //   more: beyond the tolerance, and in the right order.
     static bool _AreSmall(const nxDecimal& a, const nxDecimal& b, long long& left, long long& right)
     {
         const std::uint64_t places = std::max(a._format, b._format);

@@ -42,8 +42,8 @@ public:
     nxSteppedClock(const nxSteppedClock&) = delete;
     nxSteppedClock& operator=(const nxSteppedClock&) = delete;
 
-    /// Lets @p duration pass, for time stamps and elapsed-time counters alike. A negative one sets the time stamps back;
-    /// counters never run backwards.
+    /// Lets @p duration pass, for time stamps and elapsed-time counters alike. A negative one sets the time stamps
+    /// back; counters never run backwards.
     void Step(std::chrono::nanoseconds duration)
     {
         _wall = _Sum(_wall, duration.count());

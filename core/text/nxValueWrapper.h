@@ -54,11 +54,10 @@ public:
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxValueWrapper(T value) : _value(value) {}
 
-    static constexpr nxValueWrapper GetNullInstance() { return nxValueWrapper(NullMark); }  ///< A null wrapper.
-    static constexpr nxValueWrapper GetNoChangeInstance()
-    {
-        return nxValueWrapper(NoChangeMark);
-    }  ///< A no-change wrapper.
+    /// A null wrapper.
+    static constexpr nxValueWrapper GetNullInstance() { return nxValueWrapper(NullMark); }
+    /// A no-change wrapper.
+    static constexpr nxValueWrapper GetNoChangeInstance() { return nxValueWrapper(NoChangeMark); }
 
     constexpr void SetNull() { _value = NullMark; }                        ///< The number is forgotten.
     constexpr void SetNoChange() { _value = NoChangeMark; }                ///< The number is forgotten.

@@ -6,11 +6,14 @@
 set -eu
 way=$1 prefix=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
 
+# Tells what a build printed only when it fails.
+build() { cmake --build "$1" >"$scratch/build.log" || { cat "$scratch/build.log"; exit 1; }; }
+
 rm -rf "$scratch" && mkdir -p "$scratch"
 case $way in
 find_package)
     cmake -S "$source/tests/consumer" -B "$scratch/build" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$prefix" >"$scratch/configure.log"
-    cmake --build "$scratch/build" >"$scratch/build.log"
+    build "$scratch/build"
     program=$scratch/build/consumer
     ;;
 pkg-config)
@@ -24,7 +27,7 @@ add_subdirectory)
     if grep -qE 'NXCORE_BUILD_(TESTS|TOOLS|EXAMPLES|BENCHMARKS):BOOL=ON' "$scratch/build/CMakeCache.txt"; then
         echo "a part of another project must build the library alone"; exit 1
     fi
-    cmake --build "$scratch/build" >"$scratch/build.log"
+    build "$scratch/build"
     program=$scratch/build/consumer
     ;;
 esac
