@@ -142,14 +142,15 @@ private:
     nxLogChannel* _nested = nullptr;                // who serves the thread while this one is taken
     const volatile unsigned* _processor = nullptr;  // the number of the processor the thread runs on
     nxLogSegment* _segment = nullptr;               // where the head is
-    unsigned _threadIndex = 0;
-    std::atomic<bool> _ended{false};  // the thread is gone: nothing will follow
+    std::atomic<bool> _ended{false};                // the thread is gone: nothing will follow
 
-    // Written by the emptying thread only.
+    // Written by the emptying thread only, while there are records. What it reads for each of them must stand here: a
+    // look at the lines above would take them from the filling thread every time.
     alignas(64) std::atomic<char*> _tail{nullptr};  // what stands before is free again
     char* _read = nullptr;                          // the next record to be read
     char* _seen = nullptr;                          // the head as the current round found it
     nxLogSegment* _readSegment = nullptr;           // where _read is
+    unsigned _threadIndex = 0;                      // whose records they are
     bool _finished = false;                         // nothing more in this round
     nxLogChannel* _nextInRound = nullptr;           // in the list of this round's channels
     nxLogChannel* _next = nullptr;                  // in the list of all channels, under the queue's mutex

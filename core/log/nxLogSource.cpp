@@ -1,5 +1,6 @@
 #include "core/log/nxLogSource.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <new>
@@ -29,7 +30,7 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
         throw std::bad_alloc();
     // The texts stay for the life of the process, as the place does.
     const std::size_t fileSize = std::strlen(file);
-    char* const texts = new char[fileSize + 1 + suffix.GetSize()];
+    char* const texts = new char[fileSize + 1 + std::max(suffix.GetSize(), nxLogSource::SuffixRoom)]();
     std::memcpy(texts, file, fileSize + 1);
     std::memcpy(texts + fileSize + 1, suffix.GetText(), suffix.GetSize());
     const nxLogSource source{texts, line, texts + fileSize + 1, suffix.GetSize()};
@@ -40,7 +41,7 @@ void nxLogSourceTable::AfterForkInChild() noexcept { nxMutexInChild::Renew(_mute
 
 const nxLogSource* nxLogSite::_Keep() noexcept
 {
-    static constexpr char none[] = "";
+    static constexpr char none[nxLogSource::SuffixRoom] = "";
     static constexpr nxLogSource unknown{none, 0, none, 0};
     try
     {

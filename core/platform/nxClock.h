@@ -49,6 +49,16 @@ public:
         return {seconds, static_cast<unsigned>(rest)};
     }
 
+    /// The same, cheaper when the moment lies in @p second. @param second of a moment that a scale has returned, or 0.
+    nxClockTime ToTimeNear(std::uint64_t ticks, long long second) const
+    {
+        constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+        const auto rest = static_cast<std::uint64_t>(ToNanoseconds(ticks) - second * nanosecondsPerSecond);
+        if (rest < static_cast<std::uint64_t>(nanosecondsPerSecond)) [[likely]]
+            return {second, static_cast<unsigned>(rest)};
+        return ToTime(ticks);
+    }
+
     std::uint64_t GetTicks() const { return _ticks; }             ///< Where the line starts, in ticks,
     std::int64_t GetNanoseconds() const { return _nanoseconds; }  ///< on the wall clock,
     std::uint64_t GetRate() const { return _rate; }               ///< and how long a tick is, in ns / 2^32.

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "core/platform/nxLocalZone.h"
+#include "core/time/internal/nxFractionText.h"
 #include "core/time/nxCalendar.h"
 #include "core/time/nxDateTime.h"
 
@@ -38,16 +39,6 @@ constexpr auto monthNames = []
         const std::string_view name = nxCalendar::GetMonthName(i + 1);
         words[i] = Character(name[0], 2) | Character(name[1], 3) | Character(name[2], 4) | Character(' ', 7);
     }
-    return words;
-}();
-
-// "000." to "999.".
-constexpr auto threeDigitsAndPoint = []
-{
-    std::array<std::uint32_t, 1'000> words{};
-    for (unsigned i = 0; i < 1'000; ++i)
-        words[i] = static_cast<std::uint32_t>(Character(static_cast<char>('0' + i / 100), 0) |
-                                              std::uint64_t{twoDigits[i % 100]} << 8 | Character('.', 3));
     return words;
 }();
 
@@ -83,17 +74,12 @@ struct MinuteText
     {
         if (nanoseconds >= 1'000'000'000) [[unlikely]]
             nanoseconds %= 1'000'000'000;
-        const unsigned microseconds = nanoseconds / 1'000;
-        const unsigned milliseconds = nanoseconds / 1'000'000;
         const std::uint16_t seconds = twoDigits[static_cast<unsigned>(second - begin) + firstSecond];
-        const std::uint32_t first = threeDigitsAndPoint[milliseconds];
-        const std::uint32_t last = threeDigitsAndPoint[microseconds - 1'000 * milliseconds] & 0x00FF'FFFF;  // and NUL
         std::memcpy(buffer, &date, 8);
         std::memcpy(buffer + 8, &time, 8);
         std::memcpy(buffer + 14, &seconds, 2);
-        buffer[16] = '.';
-        std::memcpy(buffer + 17, &first, 4);
-        std::memcpy(buffer + 21, &last, 4);
+        nxFractionText::Write(buffer + 16, nanoseconds);
+        buffer[24] = '\0';
         return nxTimeStamp::TextSize;
     }
 };

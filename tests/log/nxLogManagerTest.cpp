@@ -469,8 +469,12 @@ TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
     std::string expectedBrief;
     for (int number = 0; number < 30'000; ++number)
     {
-        nxLog record =
-            MakeRecord("line " + std::to_string(number), number == 77 ? NX_LOG_LEVEL_ERROR : NX_LOG_LEVEL_INFO);
+        // Times and levels that stay, change and come back; one time that no calendar knows.
+        const nxTimeStamp time(number == 99 ? std::numeric_limits<long long>::max() : number / 100 % 60,
+                               static_cast<unsigned>(number) * 123'457 % 1'000'000'000);
+        const nxEnumValue level = number % 5'000 < 4'000 ? NX_LOG_LEVEL_INFO : NX_LOG_LEVEL_DEBUG;
+        nxLog record(number == 77 ? NX_LOG_LEVEL_ERROR : level, "manager test", 1, time);
+        record << "line " << number;
         nxLogLine::Append(expectedFull, record, full.style);
         nxLogLine::Append(expectedBrief, record, brief.style);
         Manager().Write(record);

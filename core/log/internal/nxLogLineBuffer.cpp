@@ -1,12 +1,13 @@
 #include "core/log/internal/nxLogLineBuffer.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <string>
 
 #include "core/enum/nxLogLevelEnum.h"
+#include "core/log/internal/nxLogPlainMessage.h"
 #include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogTimeText.h"
 #include "core/log/internal/nxLogValueReader.h"
 #include "core/log/nxLogSource.h"
 #include "core/text/nxDigits.h"
@@ -18,6 +19,8 @@ constexpr std::size_t maximumMessage = std::size_t{1} << 20;
 constexpr std::size_t firstCapacity = 1024;
 // Room enough for any value that is not itself a text, and for everything in a line beside its texts.
 constexpr std::size_t longestValue = 256;
+// More of a level's name is not shown.
+constexpr std::size_t longestLevel = 16;
 constexpr std::string_view cutMark = "... [cut]";
 constexpr char hexDigits[] = "0123456789ABCDEF";
 constexpr char lowerHexDigits[] = "0123456789abcdef";
@@ -31,37 +34,9 @@ std::uint64_t LoadWord(const char* text)
     return word;
 }
 
-// Whether any of eight bytes may be a control byte. Errs on the side of yes, for tabs.
 bool MayHoldControl(std::uint64_t word)
 {
-    constexpr std::uint64_t ones = 0x0101010101010101;
-    constexpr std::uint64_t tops = 0x8080808080808080;
-    const std::uint64_t below = (word - ones * 0x20) & ~word;
-    const std::uint64_t deletes = word ^ (ones * 0x7F);
-    return ((below | ((deletes - ones) & ~deletes)) & tops) != 0;
-}
-
-// Up to seven characters in a word, blanks behind them.
-std::uint64_t LoadShort(const char* text, std::size_t size)
-{
-    static_assert(std::endian::native == std::endian::little);
-    constexpr std::uint64_t blanks = 0x2020202020202020;
-    // Two loads that overlap; what is read twice is or-ed with itself.
-    if (size >= 4)
-    {
-        std::uint32_t begin, end;
-        std::memcpy(&begin, text, sizeof begin);
-        std::memcpy(&end, text + size - sizeof end, sizeof end);
-        return begin | std::uint64_t{end} << (8 * (size - sizeof end)) | blanks << (8 * size);
-    }
-    if (size >= 2)
-    {
-        std::uint16_t begin, end;
-        std::memcpy(&begin, text, sizeof begin);
-        std::memcpy(&end, text + size - sizeof end, sizeof end);
-        return begin | std::uint64_t{end} << (8 * (size - sizeof end)) | blanks << (8 * size);
-    }
-    return size == 0 ? blanks : static_cast<unsigned char>(*text) | blanks << 8;
+    return (nxLogPlainMessage::FindControl(word) & nxLogPlainMessage::ControlBits) != 0;
 }
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
@@ -73,6 +48,16 @@ std::size_t CutPosition(std::string_view text, std::size_t limit)
     while (position > 0 && limit - position < 3 && IsContinuation(text[position]))
         --position;
     return IsContinuation(text[position]) ? limit : position;
+}
+
+// Equal for lines that begin alike but for the time.
+std::uint64_t PrefixKey(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
+                        nxLogLineThread thread)
+{
+    const std::uint64_t processor = thread.processor ? record.processor & 0xFFFF : 0;
+    const std::uint64_t shown = (time.IsEmpty() ? 0U : 1U) | (thread.index ? 2U : 0U) | (thread.processor ? 4U : 0U);
+    return std::uint64_t{record.threadIndex} << 32 | processor << 16 | std::uint64_t{record.level & 0xFF} << 8 |
+           shown << 4 | static_cast<std::uint64_t>(style.form);
 }
 
 char* WriteHex(char* out, std::uint64_t value)
@@ -132,7 +117,7 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
         if (end - at < 8)
         {
             const auto rest = static_cast<std::size_t>(end - at);
-            const std::uint64_t word = LoadShort(at, rest);
+            const std::uint64_t word = nxLogPlainMessage::LoadShort(at, rest);
             if (!MayHoldControl(word)) [[likely]]
             {
                 std::memcpy(_cursor, &word, sizeof word);
@@ -181,6 +166,18 @@ bool nxLogLineBuffer::_AppendDouble(double value) noexcept
 }
 
 bool nxLogLineBuffer::AppendMessage(const char* values, const char* end, bool escape) noexcept
+{
+    const auto size = static_cast<std::size_t>(end - values);
+    if (size <= nxLogPlainMessage::LargestRecord && _Ensure(nxLogPlainMessage::GetRoom(size) + longestValue)) [[likely]]
+        if (char* const out = nxLogPlainMessage::Write(_cursor, values, end, escape))
+        {
+            _cursor = out;
+            return true;
+        }
+    return _AppendCarefully(values, end, escape);
+}
+
+bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool escape) noexcept
 {
     if (!_Ensure(longestValue))
         return false;
@@ -264,14 +261,7 @@ bool nxLogLineBuffer::AppendMessage(const char* values, const char* end, bool es
 void nxLogLineBuffer::_PutLevel(unsigned level) noexcept
 {
     const std::string& text = nxLogLevelEnum(static_cast<nxEnumValue>(level)).GetShortDescription();
-    _Put(std::string_view(text).substr(0, longestValue / 2));
-}
-
-void nxLogLineBuffer::_PutTime(const nxLogRecord& record) noexcept
-{
-    // A fixed size costs less than the right one.
-    std::memcpy(_cursor, record.timeText, sizeof record.timeText);
-    _cursor += record.timeSize;
+    _Put(std::string_view(text).substr(0, longestLevel));
 }
 
 bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
@@ -287,46 +277,84 @@ bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
     return true;
 }
 
-bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogLineStyle& style,
+void nxLogLineBuffer::_PutPrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
+                                 nxLogLineThread thread) noexcept
+{
+    const std::uint64_t key = PrefixKey(record, time, style, thread);
+    if (key != _prefix.key) [[unlikely]]
+    {
+        _MakePrefix(record, time, style, thread);
+        _prefix.key = key;
+    }
+    // Fixed sizes cost less than the right ones.
+    std::memcpy(_cursor, _prefix.text, sizeof _prefix.text);
+    std::memcpy(_cursor + _prefix.timeAt, time.GetBytes(), nxLogTimeText::Size);
+    _cursor += _prefix.size;
+}
+
+void nxLogLineBuffer::_MakePrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
+                                  nxLogLineThread thread) noexcept
+{
+    char* const begin = _cursor;
+    char* timeAt = nullptr;
+    *_cursor++ = '[';
+    if (style.form != nxLogLineStyle::TimeAndText)
+        _PutLevel(record.level);
+    if (style.form == nxLogLineStyle::Full)
+        _Put("][");
+    if (style.form != nxLogLineStyle::LevelAndText && !time.IsEmpty())
+    {
+        timeAt = _cursor;
+        _cursor += nxLogTimeText::Size;
+    }
+    if (style.form == nxLogLineStyle::Full && thread.index)
+    {
+        _Put("][");
+        _cursor = nxDigits::Write(_cursor, record.threadIndex);
+        if (thread.processor)
+        {
+            *_cursor++ = '/';
+            _cursor = nxDigits::Write(_cursor, record.processor);
+        }
+    }
+    _Put("] ");
+    _prefix.size = static_cast<std::size_t>(_cursor - begin);
+    _prefix.timeAt = static_cast<std::size_t>((timeAt != nullptr ? timeAt : _cursor) - begin);
+    std::memcpy(_prefix.text, begin, sizeof _prefix.text);
+    _cursor = begin;
+}
+
+bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
                                    nxLogLineThread thread) noexcept
 {
     if (!_Ensure(longestValue))
         return false;
-    *_cursor++ = '[';
-    if (style.form == nxLogLineStyle::TimeAndText)
-        _PutTime(record);
-    else
-        _PutLevel(record.level);
-    if (style.form == nxLogLineStyle::Full)
-    {
-        _Put("][");
-        _PutTime(record);
-        if (thread.index)
-        {
-            _Put("][");
-            _cursor = nxDigits::Write(_cursor, record.threadIndex);
-            if (thread.processor)
-            {
-                *_cursor++ = '/';
-                _cursor = nxDigits::Write(_cursor, record.processor);
-            }
-        }
-    }
-    _Put("] ");
+    _PutPrefix(record, time, style, thread);
     if (!AppendMessage(record.values, record.end, true))
         return false;
     if (style.form != nxLogLineStyle::Full)
         return true;
     if (record.source == nullptr)
         return AppendSuffix(record.file, record.line);
-    return _AppendText({record.source->suffix, record.source->suffixSize}, false);
+    return _AppendSuffix(*record.source);
 }
 
-bool nxLogLineBuffer::AppendLine(const nxLogRecord& record, const nxLogLineStyle& style,
+bool nxLogLineBuffer::_AppendSuffix(const nxLogSource& source) noexcept
+{
+    if (source.suffixSize > nxLogSource::SuffixRoom) [[unlikely]]
+        return _AppendText({source.suffix, source.suffixSize}, false);
+    // A message leaves room for this.
+    static_assert(nxLogSource::SuffixRoom < longestValue);
+    std::memcpy(_cursor, source.suffix, nxLogSource::SuffixRoom);
+    _cursor += source.suffixSize;
+    return true;
+}
+
+bool nxLogLineBuffer::AppendLine(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
                                  nxLogLineThread thread) noexcept
 {
     const std::size_t start = GetSize();
-    if (!_AppendParts(record, style, thread) || !_Ensure(longestValue))
+    if (!_AppendParts(record, time, style, thread) || !_Ensure(longestValue))
     {
         _cursor = _begin + start;
         return false;

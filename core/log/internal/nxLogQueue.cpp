@@ -64,6 +64,13 @@ char* ReadPointer(const char* bytes)
     return pointer;
 }
 
+std::uint32_t ReadSize(const char* bytes)
+{
+    std::uint32_t size;
+    std::memcpy(&size, bytes + offsetof(nxLogRecordHeader, size), sizeof size);
+    return size;
+}
+
 std::uint64_t ReadTicks(const char* bytes)
 {
     std::uint64_t ticks;
@@ -347,8 +354,8 @@ bool nxLogQueue::_AppendSegment(nxLogChannel& channel) noexcept
     return true;
 }
 
-// Repeats `attempt` while the writer shows signs of life. False when a device has stalled, or when waiting would be for
-// oneself.
+// Repeats `attempt` while the writer shows signs of life. False when a device has stalled, or when the caller would
+// wait for itself.
 template <class Attempt>
 bool nxLogQueue::_WaitUntil(const Attempt& attempt) noexcept
 {
@@ -698,7 +705,7 @@ void nxLogQueue::_StepOver() noexcept
 }
 
 inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel,
-                                const nxClockScale& scale) noexcept
+                                const nxClockScale& scale, long long& second) noexcept
 {
     const nxLogRecordHeader header = ReadHeader(bytes);
     record.level = header.level;
@@ -708,7 +715,8 @@ inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nx
     if (header.kind == nxLogRecordHeader::Statement) [[likely]]
     {
         const auto* const source = static_cast<const nxLogSource*>(header.source);
-        record.time = scale.ToTime(header.ticks);
+        record.time = scale.ToTimeNear(header.ticks, second);
+        second = record.time.seconds;
         record.threadIndex = channel._threadIndex;
         record.source = source;
         record.file = source->file;
@@ -725,24 +733,39 @@ inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nx
     record.values = record.file + fields.fileSize + 1;
 }
 
+// Whether the current channel's next record is the next one of all, without a closer look.
+inline bool nxLogQueue::_IsNextAtHand() const noexcept
+{
+    if (_current == nullptr || _current->_read == _current->_seen)
+        return false;
+    const char* const bytes = _current->_read;
+    return ReadKind(bytes) != nxLogRecordHeader::Jump && ReadTicks(bytes) <= _bound &&
+           (_everything || ReadTicks(bytes) <= _cutOff);
+}
+
+void nxLogQueue::_Find() noexcept
+{
+    const char* const bytes = _current != nullptr ? _Peek(*_current) : nullptr;
+    if (bytes == nullptr || ReadTicks(bytes) > _bound)
+        _Pick();
+}
+
 bool nxLogQueue::Next(nxLogRecord& record) noexcept
 {
     _StepOver();
-    const char* bytes = _current != nullptr ? _Peek(*_current) : nullptr;
-    if (bytes == nullptr || ReadTicks(bytes) > _bound)
+    if (!_IsNextAtHand()) [[unlikely]]
     {
-        _Pick();
+        _Find();
         if (_current == nullptr)
             return false;
-        bytes = _current->_read;
     }
+    const char* bytes = _current->_read;
     // The other thread's processor has the bytes; a few records from now they will be here.
     __builtin_prefetch(bytes + prefetchDistance);
-    const nxLogRecordHeader header = ReadHeader(bytes);
-    _step = RoundUp(header.size);
-    if (header.kind == nxLogRecordHeader::Elsewhere) [[unlikely]]
-        bytes = _stepBlock = ReadPointer(bytes + sizeof header);
-    _Decode(record, bytes, *_current, _scale);
+    _step = RoundUp(ReadSize(bytes));
+    if (ReadKind(bytes) == nxLogRecordHeader::Elsewhere) [[unlikely]]
+        bytes = _stepBlock = ReadPointer(bytes + sizeof(nxLogRecordHeader));
+    _Decode(record, bytes, *_current, _scale, _second);
     return true;
 }
 
@@ -796,6 +819,7 @@ bool nxLogQueue::IsEmpty() noexcept
 void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
 {
     const nxClockScale scale = nxClock::GetScale();
+    long long second = 0;
     // Tails do not move meanwhile.
     const nxMutexGuard guard(_mutex);
     for (const nxLogChannel* channel = _channels; channel != nullptr; channel = channel->_next)
@@ -813,7 +837,7 @@ void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
             const char* const bytes =
                 kind == nxLogRecordHeader::Elsewhere ? ReadPointer(at + sizeof(nxLogRecordHeader)) : at;
             nxLogRecord record;
-            _Decode(record, bytes, *channel, scale);
+            _Decode(record, bytes, *channel, scale, second);
             records.push_back(nxLog(record));
             at += RoundUp(ReadHeader(at).size);
         }

@@ -118,11 +118,13 @@ private:
 
     const char* _Peek(nxLogChannel& channel) noexcept;
     void _RemoveEnded() noexcept;
+    bool _IsNextAtHand() const noexcept;
+    void _Find() noexcept;
     void _Pick() noexcept;
     void _StepOver() noexcept;
     static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;
-    static void _Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel,
-                        const nxClockScale& scale) noexcept;
+    static void _Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel, const nxClockScale& scale,
+                        long long& second) noexcept;
 
     static constexpr std::size_t _ringSize = std::size_t{256} << 10;
     static constexpr std::size_t _smallRingSize = std::size_t{16} << 10;
@@ -152,6 +154,7 @@ private:
     std::uint64_t _cutOff = 0;   // records begun later belong to the next round
     bool _everything = false;
     nxClockScale _scale;
+    long long _second = 0;  // of the statement that Next() returned last; most are of the same
 };
 
 #endif

@@ -320,6 +320,7 @@ void nxLogWriter::_BeginRound()
     const nxLogManager& manager = nxLogManager::GetInstance();
     round.thread = {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()};
     round.worstLevel = NX_ENUM_UNDEFINED;
+    round.time.Forget();
     round.batchOfDevice.assign(round.devices->size(), nullptr);
     round.hasRecordDevices = false;
     for (const auto& batch : round.batches)
@@ -365,8 +366,7 @@ void nxLogWriter::_WriteEarly() noexcept
         return;
     for (const nxLog& early : _early)
     {
-        nxLogRecord record = early._GetRecord();
-        _Pass(record);
+        _Pass(early._GetRecord());
     }
     _early = std::vector<nxLog>();
     _earlyBytes = 0;
@@ -392,7 +392,7 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
     }
 }
 
-void nxLogWriter::_Pass(nxLogRecord& record) noexcept
+void nxLogWriter::_Pass(const nxLogRecord& record) noexcept
 {
     Round& round = *_round;
     if (round.devices->empty())
@@ -400,12 +400,11 @@ void nxLogWriter::_Pass(nxLogRecord& record) noexcept
         _KeepEarly(record);
         return;
     }
-    record.MakeTimeText();
     // No batch holds lines of two days.
-    if (std::memcmp(round.date, record.timeText, dateSize) != 0)
+    if (round.time.Set(record.time) && std::memcmp(round.date, round.time.GetBytes(), dateSize) != 0)
     {
         _SendBatches();
-        std::memcpy(round.date, record.timeText, dateSize);
+        std::memcpy(round.date, round.time.GetBytes(), dateSize);
     }
     bool full = false;
     for (const auto& batch : round.batches)
@@ -426,7 +425,7 @@ void nxLogWriter::_Pass(nxLogRecord& record) noexcept
 
 void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
 {
-    if (!batch.lines.AppendLine(record, batch.style, _round->thread))
+    if (!batch.lines.AppendLine(record, _round->time, batch.style, _round->thread))
     {
         nxLogQueue::GetInstance().CountDrop();
         return;
@@ -540,12 +539,12 @@ void nxLogWriter::_ReportLosses() noexcept
 
 void nxLogWriter::AfterForkInChild() noexcept
 {
-    // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
-    [[gnu::used]] static Round* caught;
+    // Nobody took these two for the fork: threads that are gone in the child may hold them.
     ::new (&_startMutex) nxMutex;
     ::new (&_roundMutex) nxMutex;
+    // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
+    [[gnu::used]] static Round* caught;
     caught = _round.release();
-    static_cast<void>(caught);
     [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
     ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
     _earlyBytes = 0;

@@ -10,6 +10,7 @@
 
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLineBuffer.h"
+#include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLog.h"
 #include "core/thread/nxMutex.h"
 
@@ -44,6 +45,7 @@ public:
     bool WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
     /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
+    /// @return whether all has been written, be it nothing.
     bool WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
     /// Lets no thread begin a round any more, for good: at the very end of the process. Waits at most @p limit
@@ -53,8 +55,8 @@ public:
     /// Seconds between two flushes of devices that have been written to; 0 or less means after every round.
     void SetFlushInterval(double seconds) noexcept;
 
-    /// Appends copies of all records that wait, be it for the first device; only that the order is kept within each
-    /// thread.
+    /// Appends copies of all records that wait, be it for the first device. Each thread's are in order, those of
+    /// different threads are not.
     void CopyRecords(std::vector<nxLog>& records);
 
     std::uint64_t GetWritten() const noexcept { return _written.load(std::memory_order_relaxed); }
@@ -83,7 +85,8 @@ private:
         std::vector<std::unique_ptr<Batch>> batches;
         std::vector<Batch*> batchOfDevice;  // null for a device that takes records
         bool hasRecordDevices = false;
-        char date[8] = {};  // of the lines in the batches
+        nxLogTimeText time;  // of the record at hand
+        char date[8] = {};   // of the lines in the batches
         nxLogLineThread thread{};
         nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
     };
@@ -101,7 +104,7 @@ private:
     Batch& _GetBatch(const nxLogLineStyle& style);
     void _WriteEarly() noexcept;
     void _KeepEarly(const nxLogRecord& record) noexcept;
-    void _Pass(nxLogRecord& record) noexcept;
+    void _Pass(const nxLogRecord& record) noexcept;
     void _PassRecord(const nxLogRecord& record) noexcept;
     void _AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept;
     void _SendBatches() noexcept;

@@ -1,0 +1,179 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
+#define CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "core/log/nxLogStream.h"
+#include "core/text/nxDigits.h"
+
+/// The text of nearly every message: of short records without control bytes. One pass that holds its place in a register
+/// and checks neither room nor length; whatever needs more care is refused and left to nxLogLineBuffer.
+///
+/// Threads: no state.
+class nxLogPlainMessage
+{
+public:
+    nxLogPlainMessage() = delete;
+
+    /// Records with more bytes of values are refused.
+    static constexpr std::size_t LargestRecord = 4096;
+
+    /// The room that the text of so many bytes of values may take, bytes behind it that are overwritten included.
+    static constexpr std::size_t GetRoom(std::size_t bytes) { return 5 * bytes + 16; }
+
+    /// Whether any of the eight bytes of @p word may be a control byte. Errs on the side of yes, for tabs. Told by the
+    /// bits of ControlBits.
+    static constexpr std::uint64_t FindControl(std::uint64_t word)
+    {
+        constexpr std::uint64_t ones = 0x0101010101010101;
+        const std::uint64_t below = (word - ones * 0x20) & ~word;
+        const std::uint64_t deletes = word ^ (ones * 0x7F);
+        return below | ((deletes - ones) & ~deletes);
+    }
+    static constexpr std::uint64_t ControlBits = 0x8080808080808080;
+
+    /// Up to seven characters in a word, blanks behind them.
+    static std::uint64_t LoadShort(const char* text, std::size_t size)
+    {
+        // Two loads that overlap; what is read twice is or-ed with itself.
+        if (size >= 4)
+            return _Load<std::uint32_t>(text) | _Load<std::uint32_t>(text + size - 4) << (8 * (size - 4)) |
+                   _blanks << (8 * size);
+        if (size >= 2)
+            return _Load<std::uint16_t>(text) | _Load<std::uint16_t>(text + size - 2) << (8 * (size - 2)) |
+                   _blanks << (8 * size);
+        return size == 0 ? _blanks : _Load<std::uint8_t>(text) | _blanks << 8;
+    }
+
+    /// Writes the text of the values from @p at to @p end, LargestRecord bytes at most.
+    /// @param out has GetRoom(end - at) bytes. @return the end of the text, or null when it needs care.
+    static char* Write(char* out, const char* at, const char* end, bool escape) noexcept
+    {
+        std::uint64_t suspicion = 0;
+        while (at != end)
+        {
+            const auto tag = static_cast<nxLogTag>(*at++);
+            switch (tag)
+            {
+                case nxLogTag::Text:
+                {
+                    const std::size_t size = _Load<std::uint32_t>(at);
+                    at += sizeof(std::uint32_t);
+                    suspicion |= _CopyOfRecord(out, at, size);
+                    out += size;
+                    at += size;
+                    break;
+                }
+                case nxLogTag::Signed32:
+                    out = nxDigits::WriteSigned(out, static_cast<std::int32_t>(_Load<std::uint32_t>(at)));
+                    at += sizeof(std::int32_t);
+                    break;
+                case nxLogTag::Unsigned32:
+                    out = nxDigits::Write(out, _Load<std::uint32_t>(at));
+                    at += sizeof(std::uint32_t);
+                    break;
+                case nxLogTag::Signed64:
+                    out = nxDigits::WriteSigned(out, static_cast<std::int64_t>(_Load<std::uint64_t>(at)));
+                    at += sizeof(std::int64_t);
+                    break;
+                case nxLogTag::Unsigned64:
+                    out = nxDigits::Write(out, _Load<std::uint64_t>(at));
+                    at += sizeof(std::uint64_t);
+                    break;
+                case nxLogTag::Decimal:
+                {
+                    nxDecimal value;
+                    std::memcpy(static_cast<void*>(&value), at, sizeof value);
+                    out += value.GetAsLogString(out, '.');
+                    at += sizeof value;
+                    break;
+                }
+                case nxLogTag::KeptText:
+                {
+                    const std::string* text;
+                    std::memcpy(&text, at, sizeof text);
+                    // No more room than the record's own bytes have been given.
+                    if (text->size() > 4 * sizeof text)
+                        return nullptr;
+                    suspicion |= _Copy(out, text->data(), text->size());
+                    out += text->size();
+                    at += sizeof text;
+                    break;
+                }
+                case nxLogTag::True:
+                    std::memcpy(out, "TRUE", 4);
+                    out += 4;
+                    break;
+                case nxLogTag::False:
+                    std::memcpy(out, "FALSE", 5);
+                    out += 5;
+                    break;
+                case nxLogTag::DestinationUser:
+                    at += sizeof(std::uint32_t);
+                    break;
+                case nxLogTag::SourceApplication:
+                    at += sizeof(std::uint32_t) + _Load<std::uint32_t>(at);
+                    break;
+                case nxLogTag::End:
+                    at = end;
+                    break;
+                case nxLogTag::Cut:
+                case nxLogTag::Double:
+                case nxLogTag::Address:
+                    return nullptr;
+            }
+        }
+        return escape && (suspicion & ControlBits) != 0 ? nullptr : out;
+    }
+
+private:
+    static_assert(std::endian::native == std::endian::little, "texts are shifted in words, first character lowest");
+    static constexpr std::uint64_t _blanks = 0x2020202020202020;
+
+    template <class Integer>
+    static std::uint64_t _Load(const char* bytes)
+    {
+        Integer value;
+        std::memcpy(&value, bytes, sizeof value);
+        return value;
+    }
+
+    static std::uint64_t _CopyWord(char* out, std::uint64_t word)
+    {
+        std::memcpy(out, &word, sizeof word);
+        return FindControl(word);
+    }
+
+    // At least eight bytes.
+    static std::uint64_t _CopyWords(char* out, const char* text, std::size_t size)
+    {
+        constexpr std::size_t word = sizeof(std::uint64_t);
+        std::uint64_t found = 0;
+        for (std::size_t at = 0; at + word < size; at += word)
+            found |= _CopyWord(out + at, _Load<std::uint64_t>(text + at));
+        // The last one ends with the text.
+        return found | _CopyWord(out + size - word, _Load<std::uint64_t>(text + size - word));
+    }
+
+    // Copies a text from anywhere; up to eight bytes behind it are overwritten. @return what FindControl() finds.
+    static std::uint64_t _Copy(char* out, const char* text, std::size_t size)
+    {
+        return size < 8 ? _CopyWord(out, LoadShort(text, size)) : _CopyWords(out, text, size);
+    }
+
+    // The same for a text behind tag and length. Without a branch on what nobody can predict: a word that ends with the
+    // text may begin in these.
+    static std::uint64_t _CopyOfRecord(char* out, const char* text, std::size_t size)
+    {
+        if (size - 3 >= 5) [[unlikely]]
+            return _Copy(out, text, size);
+        const std::uint64_t word = _Load<std::uint64_t>(text + size - 8) >> (64 - 8 * size);
+        return _CopyWord(out, word | _blanks << (8 * size));
+    }
+};
+
+#endif
