@@ -30,8 +30,6 @@ std::size_t Copy(char* buffer, std::string_view text)
     return text.size();
 }
 
-std::uint64_t Power(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
-
 // Up to eight characters of a number.
 struct Piece
 {
@@ -72,7 +70,7 @@ bool ReadPieces(std::string_view text, char separator, std::uint64_t& mantissa, 
         if (!piece.isNumber || (piece.separator != 0 && separatorSeen))
             return false;
         const std::size_t pieceDigits = count - piece.separator;
-        mantissa = mantissa * Power(pieceDigits) + piece.value;
+        mantissa = mantissa * nxPowersOfTen::GetInteger(pieceDigits) + piece.value;
         digits += pieceDigits;
         places += separatorSeen ? pieceDigits : piece.places;
         separatorSeen = separatorSeen || piece.separator != 0;
@@ -101,7 +99,7 @@ inline char* PrintShort(char* out, std::uint64_t magnitude, std::size_t places, 
 [[gnu::noinline]] char* PrintLong(char* out, std::uint64_t magnitude, std::size_t places, std::size_t shown,
                                   char separator)
 {
-    const std::uint64_t power = Power(places);
+    const std::uint64_t power = nxPowersOfTen::GetInteger(places);
     const std::uint64_t whole = power == 0 ? 0 : magnitude / power;
     const std::uint64_t fraction = magnitude - whole * power;
     out = nxDigits::Write(out, whole);
@@ -109,7 +107,8 @@ inline char* PrintShort(char* out, std::uint64_t magnitude, std::size_t places, 
         return out;
     // The fraction has less than 20 digits, so that cutting 20 leaves zeros. Twelve digits are always written.
     const std::size_t cut = places - shown;
-    const std::uint64_t kept = (cut < 20 ? fraction / Power(cut) : 0) * Power(nxDecimal::MaxTextPlaces - shown);
+    const std::uint64_t kept = (cut < 20 ? fraction / nxPowersOfTen::GetInteger(cut) : 0) *
+                               nxPowersOfTen::GetInteger(nxDecimal::MaxTextPlaces - shown);
     *out++ = separator;
     nxDigits::WriteFixed<4>(out, kept / 100'000'000);
     nxDigits::WriteFixed<8>(out + 4, kept % 100'000'000);
@@ -180,7 +179,7 @@ void nxDecimal::SetDecimalPlaces(const unsigned char& places, bool onlyDropZeros
     const unsigned char present = GetDecimalPlaces();
     if (wanted >= present)
     {
-        const std::uint64_t power = Power(static_cast<std::size_t>(wanted - present));
+        const std::uint64_t power = nxPowersOfTen::GetInteger(std::size_t{wanted} - present);
         *this = nxDecimal(_FromParts{}, _Wrapped(static_cast<std::uint64_t>(_mantissa) * power), wanted);
     }
     else if (onlyDropZeros)
@@ -189,7 +188,8 @@ void nxDecimal::SetDecimalPlaces(const unsigned char& places, bool onlyDropZeros
     {
         // Nothing is left of 19 digits when 19 are cut.
         const auto cut = static_cast<std::size_t>(present - wanted);
-        *this = nxDecimal(_FromParts{}, cut < 19 ? _mantissa / static_cast<long long>(Power(cut)) : 0, wanted);
+        *this = nxDecimal(_FromParts{},
+                          cut < 19 ? _mantissa / static_cast<long long>(nxPowersOfTen::GetInteger(cut)) : 0, wanted);
     }
 }
 
@@ -219,7 +219,7 @@ nxDecimal nxDecimal::_RoundLarge(nxDecimal value, nxDecimal increment, unsigned 
         std::uint64_t rest = magnitude % step;
         for (std::uint64_t places = value._format; places < increment._format; ++places)
             rest = TimesTenModulo(rest, step);
-        const std::uint64_t scaled = magnitude * Power(increment._format - value._format);
+        const std::uint64_t scaled = magnitude * nxPowersOfTen::GetInteger(increment._format - value._format);
         rounded = scaled - rest + (rest > _Threshold(method, negative, step) ? step : 0);
     }
     else
@@ -227,14 +227,14 @@ nxDecimal nxDecimal::_RoundLarge(nxDecimal value, nxDecimal increment, unsigned 
         // The step goes to the value's scale. When it exceeds 64 bits there, it is more than twice the magnitude: the
         // multiples around the value are 0 and the step itself, and 0 is the nearer.
         const std::uint64_t places = value._format - increment._format;
-        if (places > 19 || step > UINT64_MAX / Power(places))
+        if (places > 19 || step > UINT64_MAX / nxPowersOfTen::GetInteger(places))
         {
             const bool away = magnitude != 0 && method == (negative ? NX_ROUNDING_METHOD_DOWN : NX_ROUNDING_METHOD_UP);
             rounded = away ? step : 0;
         }
         else
         {
-            const std::uint64_t scaledStep = step * Power(places);
+            const std::uint64_t scaledStep = step * nxPowersOfTen::GetInteger(places);
             const std::uint64_t rest = magnitude % scaledStep;
             rounded = (magnitude / scaledStep + (rest > _Threshold(method, negative, scaledStep) ? 1 : 0)) * step;
         }

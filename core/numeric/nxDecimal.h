@@ -591,10 +591,8 @@ private:
                 return step / 2;
         }
     }
-    static constexpr bool _IsMethod(unsigned method)
-    {
-        return method >= NX_ROUNDING_METHOD_DOWN && method <= NX_ROUNDING_METHOD_MODIFIED_NEAREST;
-    }
+    // The class of the methods accepts nothing above its last one; what is below them means undefined or no change.
+    static constexpr bool _IsMethod(unsigned method) { return method >= NX_ROUNDING_METHOD_DOWN; }
     // False, with nothing done, unless both are valid and small, the step is not 0 and the method is known.
     bool _RoundSmall(const nxDecimal& increment, unsigned method)
     {

@@ -1,6 +1,7 @@
 #ifndef CORE_NUMERIC_NXPOWERSOFTEN_H
 #define CORE_NUMERIC_NXPOWERSOFTEN_H
 
+#include <cstddef>
 #include <cstdint>
 
 /// 10^n for every number of decimal places that a decimal can have, 0 to 255.
@@ -11,9 +12,10 @@ class nxPowersOfTen
 {
 public:
     /// 10^places modulo 2^64; 0 from 64 places on, so test it before dividing.
-    static constexpr std::uint64_t GetInteger(unsigned char places) { return _table.integers[places]; }
+    /// @param places counted modulo 256, as a decimal counts them.
+    static constexpr std::uint64_t GetInteger(std::size_t places) { return _table.integers[places % 256]; }
     /// The double nearest to GetInteger(places); 0.0 from 64 places on.
-    static constexpr double GetDouble(unsigned char places) { return _table.doubles[places]; }
+    static constexpr double GetDouble(std::size_t places) { return _table.doubles[places % 256]; }
 
 private:
     struct _Tables

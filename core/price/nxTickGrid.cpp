@@ -11,8 +11,6 @@ namespace
 constexpr unsigned char maxPlaces = 15;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
-constexpr std::uint64_t TenTo(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
-
 // ceil(2^(63 + shift) / divisor), where 2^shift is the largest power of two not above the divisor: then
 // (2n * reciprocal) >> (64 + shift) is n / divisor for every n below 2^50.
 void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned char& shift)
@@ -28,7 +26,7 @@ constexpr auto maxExact = []
 {
     std::array<std::uint64_t, maxPlaces + 1> limits{};
     for (unsigned places = 0; places <= maxPlaces; ++places)
-        limits[places] = nxTickZone::MaxScaled / TenTo(places);
+        limits[places] = nxTickZone::MaxScaled / nxPowersOfTen::GetInteger(places);
     return limits;
 }();
 
@@ -38,7 +36,7 @@ class Scale
 public:
     Scale(unsigned commonPlaces, unsigned places)
         : _difference(places > commonPlaces ? places - commonPlaces : commonPlaces - places),
-          _power(TenTo(_difference)),
+          _power(nxPowersOfTen::GetInteger(_difference)),
           _isFiner(places > commonPlaces)
     {
     }
@@ -126,7 +124,7 @@ void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
     const std::uint64_t tick = nxTickZone::Magnitude(zone.increment->GetValue());
     if (zone.places < zone.tickPlaces || tick > maxExact[morePlaces])
         return;
-    const std::uint64_t step = tick * TenTo(morePlaces);
+    const std::uint64_t step = tick * nxPowersOfTen::GetInteger(morePlaces);
     const std::uint64_t last = morePlaces == 0 ? extent.last : extent.lastExact;
     if (extent.isFirst)
     {
@@ -139,7 +137,8 @@ void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
     {
         const std::uint64_t firstInwards = std::max(extent.firstInwards, step);
         const std::uint64_t lastInwards = morePlaces == 0 && extent.isTop ? maxMagnitude / 2 / scale.GetPower() : last;
-        if (last < extent.first + step || lastInwards < firstInwards)
+        // Then there are prices inwards, too: they begin one behind the first, and the top band's end beyond 2^49 units.
+        if (last < extent.first + step)
             return;
         const nxTickZone::Range outwards = extent.MakeRange(extent.first, last - step);
         const nxTickZone::Range inwards = extent.MakeRange(firstInwards, lastInwards);
@@ -156,7 +155,7 @@ void nxTickGrid::Build(const Bands& bands)
     _ends.clear();
     _stretches.clear();
     // The maximum is the bound of a top band; anything else is a table still being built.
-    if (bands.empty() || !bands.back().first.EqualsExactly(nxDecimal::GetMaximumDecimal()))
+    if (!bands.back().first.EqualsExactly(nxDecimal::GetMaximumDecimal()))
         return;
     _places = 0;
     for (const auto& [bound, increment] : bands)
@@ -206,12 +205,12 @@ void nxTickGrid::_AddStretch(std::uint64_t end, std::size_t band, const nxDecima
     _ends.push_back(end);
 }
 
-// False unless the number is positive and within the limits.
+// False unless the number, a band's or the sum of two, is positive and within the limits.
 bool nxTickGrid::_ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const
 {
-    if (!number.IsPositive() || _places > maxPlaces || number.GetDecimalPlaces() > _places)
+    if (!number.IsPositive() || _places > maxPlaces)
         return false;
-    const std::uint64_t power = TenTo(_places - number.GetDecimalPlaces());
+    const std::uint64_t power = nxPowersOfTen::GetInteger(_places - number.GetDecimalPlaces());
     const std::uint64_t magnitude = nxTickZone::Magnitude(number.GetValue());
     scaled = magnitude * power;
     return magnitude <= nxTickZone::MaxScaled / power;

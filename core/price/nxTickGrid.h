@@ -25,7 +25,7 @@ public:
 
     /// Replaces the grid. It stays empty, and declines every price, for bands that lack a top band, are out of order,
     /// or have numbers beyond the limits.
-    /// @param bands outlives the grid; after a change it needs another Build().
+    /// @param bands at least one; they outlive the grid, and after a change it needs another Build().
     void Build(const Bands& bands);
 
     /// What Find() returns for a price that needs the decimal rules.

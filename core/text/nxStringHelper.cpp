@@ -22,8 +22,6 @@ constexpr unsigned maxDecimals = 9;
 // The largest text of a double: sign, 10 digits, point, 9 digits; or sign and "d.dddddde+ddd".
 constexpr std::size_t doubleTextSize = 32;
 
-std::uint64_t TenTo(std::size_t digits) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(digits)); }
-
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The largest number of digits for which the reading rule needs no rounding but that of its division: the mantissa and
@@ -33,8 +31,7 @@ constexpr std::size_t exactDigits = 15;
 double Divide(std::uint64_t mantissa, std::size_t decimals)
 {
     // From a signed integer the processor converts in one step.
-    return static_cast<double>(static_cast<std::int64_t>(mantissa)) /
-           nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
+    return static_cast<double>(static_cast<std::int64_t>(mantissa)) / nxPowersOfTen::GetDouble(decimals);
 }
 
 // Reads a text with up to `exactDigits` digits; more must not be there.
@@ -48,7 +45,7 @@ bool ReadExactly(const char* begin, const char* end, char separator, double& mag
         (decimals != end && !nxDigits::Parse(decimals, end, fraction)))
         return false;
     const auto count = static_cast<std::size_t>(end - decimals);
-    magnitude = Divide(whole * TenTo(count) + fraction, count);
+    magnitude = Divide(whole * nxPowersOfTen::GetInteger(count) + fraction, count);
     return true;
 }
 
@@ -109,11 +106,10 @@ RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)
     if (decimals == 0)
         return {ToNearest(magnitude), 0};
     const long long whole = nxDoubleHelper::ToInteger(magnitude);
-    const double scaled =
-        (magnitude - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(static_cast<unsigned char>(decimals));
+    const double scaled = (magnitude - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(decimals);
     // A half goes to the even neighbour like any other, unless that is 0.
     const std::uint64_t fraction = scaled == 0.5 ? 1 : ToNearest(scaled);
-    const bool carries = fraction == TenTo(decimals);
+    const bool carries = fraction == nxPowersOfTen::GetInteger(decimals);
     return {static_cast<std::uint64_t>(whole) + (carries ? 1 : 0), carries ? 0 : fraction};
 }
 
@@ -123,7 +119,7 @@ char* WriteFraction(char* out, std::uint64_t fraction, unsigned decimals)
     if (fraction == 0)
         return out;
     // As nine decimals: the zeros added here are dropped again.
-    fraction *= TenTo(maxDecimals - decimals);
+    fraction *= nxPowersOfTen::GetInteger(maxDecimals - decimals);
     const std::uint64_t first = fraction / 100'000'000;
     const std::uint64_t others = nxDigits::Spread(fraction % 100'000'000);
     *out++ = '.';

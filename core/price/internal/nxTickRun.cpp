@@ -14,8 +14,6 @@ __extension__ typedef __int128 WideInteger;
 constexpr unsigned maxPlacesOfPower = 18;  // of 10^n in a 64-bit integer
 constexpr unsigned placesOfInteger = 11;   // 2^11 is twice the rounding of a 64-bit integer to a double
 
-std::uint64_t UnitsOf(unsigned places) { return nxPowersOfTen::GetInteger(static_cast<unsigned char>(places)); }
-
 // Of a positive number: 2^(exponent - 1) <= value < 2^exponent.
 int ExponentOf(double value) { return static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - 1022; }
 }  // namespace
@@ -46,13 +44,12 @@ bool nxTickRun::_FindRule(const nxDecimal& price, _Rule& rule) const
 bool nxTickRun::_SumsAreExact() const
 {
     const nxDecimal& increment = _rule.band->second;
-    const auto places = static_cast<unsigned>(_rule.scale);
-    if (places > maxPlacesOfPower)
+    if (_rule.scale > maxPlacesOfPower)
         return false;
-    const auto power = static_cast<double>(UnitsOf(places));
+    const double power = nxPowersOfTen::GetDouble(_rule.scale);
     const double middle = std::ldexp(1.5, _rule.exponent - 1);
-    const double step = static_cast<double>(increment.GetValue()) *
-                        static_cast<double>(UnitsOf(static_cast<unsigned>(_rule.scale - increment.GetScale())));
+    const double step =
+        static_cast<double>(increment.GetValue()) * nxPowersOfTen::GetDouble(_rule.scale - increment.GetScale());
     const double spacing = std::ldexp(power, _rule.exponent - 53);
     if (step > std::ldexp(spacing, 50))  // an eighth of the doubles at least is left on both sides of the middle
         return false;
@@ -75,22 +72,25 @@ std::uint64_t nxTickRun::_Unit() const
         return 10;
     // Whole numbers, so many that neither the mantissa's double nor that of the price rounds them.
     const auto places = static_cast<unsigned>(_rule.scale);
-    return places > maxPlacesOfPower ? 0 : UnitsOf(places) << (placesOfInteger - std::min(places, placesOfInteger));
+    return places > maxPlacesOfPower
+               ? 0
+               : nxPowersOfTen::GetInteger(places) << (placesOfInteger - std::min(places, placesOfInteger));
 }
 
 // A step towards zero first subtracts the increment of the band below, at that one's places, where the mantissa may
-// wrap. Whether on the way from one magnitude down to another that goes as at both ends.
-bool nxTickRun::_ComparesAlike(iterator band, std::uint64_t from, std::uint64_t to) const
+// wrap. Whether on the way from one magnitude down to another that goes as at both ends. The band below the rule's is
+// asked for: where a step goes by the increment of the band below the price already, the price has that one's places.
+bool nxTickRun::_ComparesAlike(std::uint64_t from, std::uint64_t to) const
 {
-    if (_IsOutwards() || band == _table._ranges.begin())
+    if (_IsOutwards() || _rule.band == _table._ranges.begin())
         return true;
-    const auto& [bound, increment] = *std::prev(band);
+    const auto& [bound, increment] = *std::prev(_rule.band);
     if (increment.GetScale() <= _rule.scale)
         return true;
     const auto places = static_cast<unsigned>(increment.GetScale() - _rule.scale);
     if (places > maxPlacesOfPower)
         return false;
-    const std::uint64_t power = UnitsOf(places);
+    const std::uint64_t power = nxPowersOfTen::GetInteger(places);
     if (from <= (std::uint64_t{1} << 61) / power)
         return true;
 
@@ -100,8 +100,7 @@ bool nxTickRun::_ComparesAlike(iterator band, std::uint64_t from, std::uint64_t 
     const double slack = std::ldexp(static_cast<double>(from) * static_cast<double>(power), -50) +
                          2 * static_cast<double>(increment.GetValue());
     const double lowest = bound.GetAsDouble() * nxPowersOfTen::GetDouble(increment.GetDecimalPlaces());
-    return band == _rule.band &&
-           WideInteger{from - to} * WideInteger{power} == WideInteger{wrappedFrom} - WideInteger{wrappedTo} &&
+    return WideInteger{from - to} * WideInteger{power} == WideInteger{wrappedFrom} - WideInteger{wrappedTo} &&
            static_cast<double>(wrappedTo) - slack > lowest * 1.001 && static_cast<double>(wrappedFrom) + slack < 9.2e18;
 }
 
@@ -117,8 +116,7 @@ bool nxTickRun::_HoldsAt(const nxDecimal& price, std::int64_t distance, std::uin
     _Rule rule;
     const std::uint64_t from = nxTickZone::Magnitude(price.GetValue());
     const std::uint64_t to = nxTickZone::Magnitude(last.GetValue());
-    return _FindRule(last, rule) && rule == _rule && _ComparesAlike(_rule.band, from, to) &&
-           _ComparesAlike(_table._Find(price), from, to);
+    return _FindRule(last, rule) && rule == _rule && _ComparesAlike(from, to);
 }
 
 std::uint64_t nxTickRun::Leap(nxDecimal& price, std::uint64_t limit)

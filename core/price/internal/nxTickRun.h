@@ -49,7 +49,7 @@ private:
     bool _SumsAreExact() const;
     std::uint64_t _Unit() const;
     bool _HoldsAt(const nxDecimal& price, std::int64_t distance, std::uint64_t times) const;
-    bool _ComparesAlike(iterator band, std::uint64_t from, std::uint64_t to) const;
+    bool _ComparesAlike(std::uint64_t from, std::uint64_t to) const;
 
     const nxVariableTickTable& _table;
     bool _isUp;

@@ -41,7 +41,7 @@ public:
         const std::uint64_t fraction = last >> (64 - 8 * behind) << (64 - 8 * behind);
         if (nxDigits::FindNonDigit(fraction) != 0)
             return false;
-        mantissa = _GatherBoth(whole, fraction, nxPowersOfTen::GetInteger(static_cast<unsigned char>(behind)));
+        mantissa = _GatherBoth(whole, fraction, nxPowersOfTen::GetInteger(behind));
         decimals = behind;
         return true;
     }
