@@ -11,6 +11,7 @@
 
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxStringHelper.h"
+#include "tests/text/nxDoubleTextOracle.h"
 
 namespace
 {
@@ -20,37 +21,12 @@ void Require(bool holds)
         std::abort();
 }
 
-bool ReadPlainly(const std::string& text, char separator, double& value)
-{
-    const bool negative = !text.empty() && text[0] == '-';
-    double mantissa = 0;
-    double divisor = 1;
-    bool inFraction = false;
-    bool anyDigit = false;
-    for (std::size_t i = negative ? 1 : 0; i < text.size(); ++i)
-    {
-        const char c = text[i];
-        if (c == separator && !inFraction)
-            inFraction = true;
-        else if (c == separator || c < '0' || c > '9')
-            return false;
-        else
-        {
-            anyDigit = true;
-            mantissa = mantissa * 10 + (c - '0');
-            divisor = inFraction ? divisor * 10 : divisor;
-        }
-    }
-    if (anyDigit)
-        value = negative ? -(mantissa / divisor) : mantissa / divisor;
-    return anyDigit;
-}
-
 void CheckReading(const std::string& text, char separator)
 {
     double expected = 42;
     double value = 42;
-    Require(nxStringHelper::SetFromString(text, value, separator).IsOK() == ReadPlainly(text, separator, expected));
+    Require(nxStringHelper::SetFromString(text, value, separator).IsOK() ==
+            nxDoubleTextOracle::Read(text, separator, expected));
     Require(std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(expected) ||
             (std::isnan(value) && std::isnan(expected)));
 }

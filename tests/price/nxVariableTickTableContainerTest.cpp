@@ -7,7 +7,7 @@
 
 #include "core/price/nxCatalogueTickTables.h"
 #include "core/price/nxTickTableSource.h"
-#include "tests/price/recordingLogDevice.h"
+#include "core/testing/nxCapturingLogDevice.h"
 
 /// Reaches a container of its own.
 struct nxVariableTickTableContainerTest : testing::Test
@@ -163,19 +163,21 @@ TEST_F(nxVariableTickTableContainerTest, TheCatalogueIsLoggedBandByBandAtTheDebu
         expected += Find(source.GetID())->GetRangeData().size();
     Register("AAA", "VTT_AAA", new TestTable("4.990 0.010; 0.050", deleted));
 
-    RecordingLogDevice device;
+    nxCapturingLogDevice log;
     LogRegisteredEntries();  // nothing at the standard level
     nxLogManager::SetLogLevel(NX_LOG_LEVEL_DEBUG);
     LogRegisteredEntries();
-    const auto records = device.WaitForRecords(expected);
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
     nxLogManager::SetLogLevel(before);
 
+    const std::vector<nxCapturedRecord> records = log.GetRecords();
     ASSERT_EQ(records.size(), expected);
     EXPECT_EQ(records[0].text, "Registered Variable tick table. Name: AAA");
     EXPECT_EQ(records[1].text, "Entry #1. Upper bound: 4.990, Delta: 0.010");
     EXPECT_EQ(records[2].text, "Entry #2. Upper bound: NONE, Delta: 0.050");
-    for (const auto& record : records)
-        EXPECT_TRUE(record.level == NX_LOG_LEVEL_DEBUG);
+    EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_DEBUG) &&
+                        nxCapturingLogDevice::From("core/trunk/nxVariableTickTable")),
+              expected);
 }
 
 TEST_F(nxVariableTickTableContainerTest, ThreadsThatRaceToTheFirstCallGetTheSameTables)

@@ -3,14 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <random>
 #include <thread>
 
 #include "core/price/nxTickTableCursor.h"
 #include "core/price/nxVariableTickTableContainer.h"
-#include "tests/price/recordingLogDevice.h"
+#include "core/testing/nxCapturingLogDevice.h"
 #include "tests/price/transcribedTickTable.h"
+#include "tests/support/nxRandomTest.h"
 
 namespace
 {
@@ -50,20 +50,6 @@ public:
 
 const nxRoundingMethodEnum methods[] = {NX_ROUNDING_METHOD_DOWN, NX_ROUNDING_METHOD_UP, NX_ROUNDING_METHOD_NEAREST,
                                         NX_ROUNDING_METHOD_MODIFIED_NEAREST};
-
-// How many prices a comparison with the transcription takes from each of its tables.
-int OperationsPerTable(std::size_t tables)
-{
-    const char* count = std::getenv("NX_TEST_OPERATIONS");
-    return (count != nullptr ? std::atoi(count) : 150000) / static_cast<int>(tables) + 1;
-}
-
-// Where their prices start.
-unsigned Seed()
-{
-    const char* seed = std::getenv("NX_TEST_SEED");
-    return seed != nullptr ? static_cast<unsigned>(std::strtoul(seed, nullptr, 10)) : 1;
-}
 }  // namespace
 
 TEST(nxVariableTickTable, TicksAndStepsAtAndAroundABound)
@@ -162,8 +148,13 @@ TEST(nxVariableTickTable, RoundsOntoTheGridAtThePrice)
         }
     }
     nxDecimal price = D("9.994");
-    table.RoundToValidTick(nxRoundingMethodEnum(), price);
-    EXPECT_EQ(Text(price), "9.994");
+    nxTickTableCursor cursor(table);
+    for (int i = 0; i < 3; ++i)  // also from the remembered band
+    {
+        table.RoundToValidTick(nxRoundingMethodEnum(), price);
+        cursor.RoundToValidTick(nxRoundingMethodEnum(), price);
+        EXPECT_EQ(Text(price), "9.994");
+    }
 }
 
 TEST(nxVariableTickTable, APriceWithoutAValueIsLeftAloneAndCountsAsZero)
@@ -202,7 +193,7 @@ TEST(nxVariableTickTable, APriceWithoutABandHasANullTickAndIsReported)
     const Row rows[] = {
         {empty, D("5")}, {topless, D("10.01")}, {topless, D("-11")}, {whole, D(INT64_MIN, 0)}, {whole, D(INT64_MIN, 2)},
     };
-    RecordingLogDevice device;
+    nxCapturingLogDevice log;
     std::size_t reports = 0;
     for (const Row& row : rows)
     {
@@ -222,11 +213,19 @@ TEST(nxVariableTickTable, APriceWithoutABandHasANullTickAndIsReported)
         EXPECT_EQ(row.table.Band(price), static_cast<long>(row.table.GetRangeData().size()));
         reports += 8;
     }
-    const auto records = device.WaitForRecords(reports);
-    ASSERT_EQ(records.size(), reports);
-    EXPECT_EQ(records.front().text, "Fatal error in variable tick table");
-    EXPECT_EQ(records.front().line, 108U);
-    EXPECT_TRUE(records.front().level == NX_LOG_LEVEL_FATAL);
+    // A run of steps ends where the bands do.
+    nxDecimal price = D("9.00");
+    topless.Increment(price, INT_MAX);
+    EXPECT_EQ(Text(price), "10.01");
+    ++reports;
+
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
+    const nxLogMatcher isReport = [](const nxCapturedRecord& record)
+    {
+        return record.level == NX_LOG_LEVEL_FATAL && record.text == "Fatal error in variable tick table" &&
+               record.sourceFile == "core/trunk/nxVariableTickTable" && record.line == 108;
+    };
+    EXPECT_EQ(log.Count(isReport), reports) << log;
 }
 
 TEST(nxVariableTickTable, ConstraintsRefuseWhatIsNotATable)
@@ -284,6 +283,10 @@ TEST(nxVariableTickTable, BandsAddedLaterCountAtOnce)
     table._AddTopRange(D("2"));
     EXPECT_EQ(Text(table.GetTickIncrement(D("98.99"))), "0.99");
     EXPECT_EQ(Text(table.GetTickIncrement(D("500"))), "2");
+    // Out of order the first bound that is not below the price counts.
+    const Table disordered("10 0.01; 5 0.02; 20 0.05; 0.1");
+    EXPECT_EQ(disordered.Band(D("7")), 0);
+    EXPECT_EQ(disordered.Band(D("11")), 2);
 }
 
 // A subclass may watch or refuse the memory of the last band; results do not depend on it.
@@ -329,7 +332,13 @@ TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
         forgetful.RoundToValidTick(methods[0], price);
         EXPECT_EQ(Text(price), "100.00");
     }
-    EXPECT_GT(forgetful.calls, 4);
+    // What refuses to remember is asked again every time.
+    for (int i = 0; i < 4; ++i)
+    {
+        const int before = forgetful.calls;
+        forgetful.GetTickIncrement(D("12"));
+        EXPECT_GT(forgetful.calls, before);
+    }
 }
 
 TEST(nxVariableTickTable, ManyTicksAreThatManySingleSteps)
@@ -386,7 +395,7 @@ namespace
 class PriceSource
 {
 public:
-    PriceSource(const nxVariableTickTable& table, unsigned seed) : _bands(table.GetRangeData()), _random(seed) {}
+    PriceSource(const nxVariableTickTable& table, std::uint64_t seed) : _bands(table.GetRangeData()), _random(seed) {}
 
     nxDecimal Next()
     {
@@ -419,8 +428,8 @@ public:
                 const auto& [bound, increment] = _bands[Below(_bands.size())];
                 price = Below(2) == 0 ? bound : bound + increment;
                 const auto places = static_cast<unsigned char>(Below(18));
-                if (places > price.GetDecimalPlaces() && price.GetIntegerPart() < Power(17U - places))
-                    price.SetDecimalPlaces(places, true);
+                if (places < price.GetDecimalPlaces() || price.GetIntegerPart() < Power(17U - places))
+                    price.SetDecimalPlaces(places, false);
                 price = D(static_cast<long long>(static_cast<std::uint64_t>(price.GetValue()) +
                                                  static_cast<std::uint64_t>(Small())),
                           price.GetDecimalPlaces());
@@ -448,13 +457,13 @@ private:
 };
 
 // Compares every way of asking with the transcription, on one table.
-void CompareWithTranscription(const nxVariableTickTable& table, unsigned seed, int operations)
+void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t seed, std::uint64_t operations)
 {
     const TranscribedTickTable rules(table.GetRangeData());
     PriceSource source(table, seed);
     nxTickTableCursor cursor(table);
     nxDecimal walking = source.Next();
-    for (int i = 0; i < operations; ++i)
+    for (; operations != 0; --operations)
     {
         // Half of the prices come from stepping on, as those of a market do.
         const nxDecimal price = source.Below(2) == 0 ? walking : source.Next();
@@ -507,13 +516,14 @@ void CompareWithTranscription(const nxVariableTickTable& table, unsigned seed, i
 
 TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnTheCatalogue)
 {
-    unsigned seed = Seed();
+    std::uint64_t seed = nxRandomTest::GetSeed(1);
     const std::vector<std::string> ids = nxVariableTickTableContainer::GetVariableTickTableIDs();
     for (const std::string& id : ids)
     {
         SCOPED_TRACE(id);
         const nxVariableTickTable& table = *nxVariableTickTableContainer::GetVariableTickTable(id);
-        ASSERT_NO_FATAL_FAILURE(CompareWithTranscription(table, ++seed, OperationsPerTable(ids.size())));
+        ASSERT_NO_FATAL_FAILURE(
+            CompareWithTranscription(table, ++seed, nxRandomTest::GetOperations(150'000) / ids.size() + 1));
     }
 }
 
@@ -531,14 +541,20 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
         "9007199254740993 1; 2",                     // bounds beyond what a double holds
         "562949953.421311 0.000001; 562949953.421312 1; 2",
         "5 0.01; 900000000000000000 0.5; 9223372036854775806 3; 7",
+        "562949953.421310 0.000001; 2",  // the top band begins with the last number that the integers take
+        "562949953.421311 0.000001; 2",  // and one behind it
+        "10 0.0000000000000000001; 1",   // a tick that no price of the next band can be put to
+        "0.4 1; 0.7 2.00; 5",            // one step leads from any price of a band beyond it, to other places
+        "0.1 0.3; 0.4 1.00; 0.5 7; 0.9 4.000; 5",
     };
-    unsigned seed = Seed() + 1000;
+    std::uint64_t seed = nxRandomTest::GetSeed(1) + 1000;
     for (const char* bands : tables)
     {
         SCOPED_TRACE(bands);
         const Table table(bands);
         ASSERT_TRUE(table._CheckConstraints());
-        ASSERT_NO_FATAL_FAILURE(CompareWithTranscription(table, ++seed, OperationsPerTable(std::size(tables))));
+        ASSERT_NO_FATAL_FAILURE(
+            CompareWithTranscription(table, ++seed, nxRandomTest::GetOperations(150'000) / std::size(tables) + 1));
     }
 }
 
@@ -560,6 +576,11 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"0.25", 90071992547409931, 1},                // and some that do not
         {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
         {"10 0.01; 1", -9000000000000000007, 0},       //
+        {"10 0.01; 1", 200000000000000000, 0},         // it wraps to a difference that looks like one
+        {"10 0.01; 1", 184467440737096016, 0},         // until that falls below 10.00, after 500 steps,
+        {"10 0.01; 1", -184467440738095517, 0},        // or a thousand million
+        {"10 0.01; 1", 92233720368548258, 0},          // or once the difference no longer exceeds 2^63
+        {"10 4000000000.00; 1", 20, 0},                // the tick below is larger, and finer
         {"1000000000000 0.0001; 0.05", 3141592, 4},    // bounds beyond the integers
         {"1000000000000 0.0001; 0.05", 314159265, 7},  //
         {"0.5 0.00000001; 0.25", 22000000017, 10},
@@ -567,7 +588,7 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"0.0000000001", 1234567890123457, 12},  // repeats itself only after 10^10 steps, yet is exact
         {"0.00025", 1234567890123456789, 15},    // overflows on the way
     };
-    std::mt19937_64 random(Seed());
+    std::mt19937_64 random(nxRandomTest::GetSeed(1));
     for (const Row& row : rows)
         for (const bool up : {true, false})
         {
@@ -611,6 +632,8 @@ TEST(nxVariableTickTable, SpansAreTakenAsFarAsTheyReach)
     EXPECT_EQ(text(prices), "10.00 NULL 12.35 -12.30 ");
     table.Increment(prices, -2);
     EXPECT_EQ(text(prices), "9.98 NULL 12.25 -12.40 ");
+    table.RoundToValidTick(methods[1], std::span<nxDecimal>());
+    table.Increment(std::span<nxDecimal>(), 1);
 }
 
 TEST(nxVariableTickTable, StepsOfOneBandByItsIterator)
@@ -629,6 +652,10 @@ TEST(nxVariableTickTable, StepsOfOneBandByItsIterator)
     table._DecreasePrice(price, table.At(2));  // no band
     table._IncreasePrice(price, table.At(2));
     EXPECT_EQ(Text(price), "-10.055");
+    Table topless;
+    topless._AddRange(D("10"), D("0.0100"));
+    topless._DecreasePrice(price, topless.At(0));  // below the last band it keeps that one's places
+    EXPECT_EQ(Text(price), "-10.0650");
     EXPECT_EQ(Text(table._GetIncrementForPrice(D("10.01"))), "0.050");
     EXPECT_EQ(table.Band(D("10.0")), 0);
     EXPECT_EQ(table.Band(D("-10.0001")), 1);
