@@ -1,31 +1,55 @@
 #!/usr/bin/env python3
 """Breaks the code on purpose and counts how many breaks the tests notice.
 
-    scripts/mutants.py [--minutes M] [--seed N] [--class NAME]... [--survivors FILE]
+    scripts/mutants.py [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]
 
-Each mutant changes one operator, constant or branch of one of the classes below, in a scratch copy under build/mutants.
-It is killed when a test of its class fails or hangs; one that does not compile is not counted. Mutants are drawn at random, so a
-longer run tells more. Survivors are listed: each is a test that is missing, or a change that makes no difference.
+Each mutant changes one operator, constant or branch of one of the classes below. Of all that can be made, --count are
+drawn at random for each class. A mutant is killed when a test of its class fails, crashes or hangs, if need be under the
+address and undefined-behaviour sanitizers; one that does not compile is not counted. Only what the change reaches is
+compiled again, a second or two, and linked with the objects of one ordinary build under build/mutants.
+
+Survivors are listed: each is a test that is missing, or a change that makes no difference. Those of the second kind
+stand in mutants-explained.txt, each with its reason, and are counted on their own.
 """
 
 import argparse
+import concurrent.futures
+import itertools
+import json
 import os
+import queue
 import random
 import re
+import resource
+import shlex
 import shutil
 import subprocess
 import sys
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-SCRATCH = os.path.join(ROOT, "build", "mutants")
+BUILD = os.path.join(ROOT, "build", "mutants")
+EXPLAINED = os.path.join(ROOT, "scripts", "mutants-explained.txt")
+# What is changed of each class, and the tests that should notice.
 CLASSES = {
-    "nxDecimal": (["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp"], "test_numeric"),
-    "nxStringHelper": (["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp"], "test_text"),
-    "nxTickGrid": (["core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.cpp",
-                    "core/price/internal/nxTickRun.cpp"], "test_price"),
-    "nxVariableTickTable": (["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp"], "test_price"),
+    "nxDecimal": (
+        ["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp", "core/numeric/nxPowersOfTen.h",
+         "core/numeric/nxDoubleHelper.h"],
+        ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
+    "nxStringHelper": (
+        ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/text/nxDigits.h",
+         "core/text/internal/nxPriceText.h"],
+        ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
+         "tests/numeric/nxDecimalDifferentialTest.cpp"]),
+    "nxVariableTickTable": (
+        ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/nxTickGrid.h",
+         "core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.h",
+         "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h", "core/price/internal/nxTickRun.cpp"],
+        ["tests/price/nxVariableTickTableTest.cpp"]),
 }
+# Library sources that hold more of a class's inline functions than its own.
+SHARED_SOURCES = ["core/numeric/nxDecimal.cpp"]
+SANITIZERS = ["-fsanitize=address,undefined,float-cast-overflow", "-fno-sanitize-recover=all"]
 # (pattern, replacements): what one slip of the hand turns into another.
 SLIPS = [
     (r"(?<![<>=!+\-*/&|])<=(?!=)", ["<", "=="]), (r"(?<![<>=!\-])>=(?!=)", [">", "=="]),
@@ -33,126 +57,223 @@ SLIPS = [
     (r"==", ["!="]), (r"!=", ["=="]), (r"&&", ["||"]), (r"\|\|", ["&&"]),
     (r" \+ ", [" - "]), (r" - ", [" + "]), (r" \* ", [" + "]), (r" / ", [" * "]), (r" % ", [" / "]),
     (r"\+= ", ["-= "]), (r"-= ", ["+= "]), (r"\+\+", ["--"]), (r"--", ["++"]),
-    (r"\btrue\b", ["false"]), (r"\bfalse\b", ["true"]), (r"\breturn ([a-z]\w*);", ["return {};"]),
-    (r"(?<![\w.'])([0-9]+)(?![\w.'])", None), (r"\bif \(", ["if (!", ]),
+    (r"\btrue\b", ["false"]), (r"\bfalse\b", ["true"]), (r"\breturn (?!true|false|nullptr)([a-z]\w*);", ["return {};"]),
+    (r"(?<![\w.'])([0-9]+)(?![\w.'])", None),
 ]
 
 
-def code_lines(path):
-    """Numbers of the lines that hold code: no comments, no directives, no assertions of sizes."""
-    numbers, block = [], False
-    with open(path, encoding="utf-8") as file:
-        for number, line in enumerate(file):
-            text = line.strip()
-            block = block or text.startswith("/*")
-            if text and not block and not text.startswith(("//", "#", "static_assert", "template", "namespace", "using")):
-                numbers.append(number)
-            block = block and "*/" not in text
-    return numbers
+def is_code(text):
+    return text and not text.startswith(("//", "#", "static_assert", "template", "namespace", "using"))
 
 
-def mutate(line, rng):
-    """One slip in the code part of the line, or None."""
+def slips(line):
+    """Every line that one slip in the code part of this one makes."""
     code = line.split("//")[0]
-    choices = []
     for pattern, replacements in SLIPS:
         for match in re.finditer(pattern, code):
-            if code.count('"', 0, match.start()) % 2 == 1:
-                continue
-            if replacements is None:
-                options = [str(int(match.group(1)) + 1)]
-            elif pattern == r"\bif \(":
-                closing = code.rfind(")")
-                if closing < match.end():
-                    continue
-                options = None
-                choices.append(code[:match.end()] + "!(" + code[match.end():closing] + ")" + line[closing:])
-                continue
-            else:
-                options = replacements
-            choices += [line[:match.start()] + option + line[match.end():] for option in options]
-    return rng.choice(choices) if choices else None
+            if code.count('"', 0, match.start()) % 2 == 0:
+                for other in replacements or [str(int(match.group(1)) + 1)]:
+                    yield line[:match.start()] + other + line[match.end():]
+    condition = re.search(r"\bif \(", code)
+    if condition and code.rfind(")") > condition.end():
+        closing = code.rfind(")")
+        yield code[:condition.end()] + "!(" + code[condition.end():closing] + ")" + line[closing:]
 
 
-def copy_tree():
-    os.makedirs(SCRATCH, exist_ok=True)
-    tracked = subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True, check=True).stdout.split("\n")
-    for name in filter(None, tracked):
-        target = os.path.join(SCRATCH, "source", name)
-        os.makedirs(os.path.dirname(target), exist_ok=True)
-        source = os.path.join(ROOT, name)
-        if os.path.exists(source):
-            shutil.copy2(source, target)
+def all_mutants(files):
+    """(file, line number, line, changed line) of every mutant that can be made of the files."""
+    for file in files:
+        with open(os.path.join(ROOT, file), encoding="utf-8") as handle:
+            for number, line in enumerate(handle):
+                if is_code(line.strip()):
+                    for changed in dict.fromkeys(slips(line)):
+                        yield file, number, line, changed
 
 
-def build(target):
-    return subprocess.run(["cmake", "--build", os.path.join(SCRATCH, "build"), "--target", target],
-                          capture_output=True, check=False).returncode == 0
+def read_explained():
+    """The (file, line, changed line) of mutants that make no difference; a changed line "*" stands for every one.
+
+    A paragraph names a file and then lines, each "- line" with its "+ changed line"s; the rest of it is the reason."""
+    explained = set()
+    with open(EXPLAINED, encoding="utf-8") as handle:
+        for paragraph in handle.read().split("\n\n"):
+            file, *lines = [line.strip() for line in paragraph.strip().split("\n")]
+            for line in lines:
+                if line.startswith("- "):
+                    before = line[2:]
+                elif line.startswith("+ "):
+                    explained.add((file, before, line[2:]))
+    return explained
 
 
-def tests_pass(target):
-    program = os.path.join(SCRATCH, "build", "tests", target)
+class Base:
+    """The ordinary build, and the commands to make a part of it again."""
+
+    def __init__(self, names):
+        targets = sorted({"test_" + test.split("/")[1] for name in names for test in CLASSES[name][1]})
+        configure = ["cmake", "-S", ROOT, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1",
+                     "-DNXCORE_BUILD_EXAMPLES=OFF", "-DNXCORE_BUILD_TOOLS=OFF"]
+        for command in (configure, ["cmake", "--build", BUILD, "--target", *targets]):
+            subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+        with open(os.path.join(BUILD, "compile_commands.json"), encoding="utf-8") as handle:
+            entries = json.load(handle)
+        # A few sources are compiled for several targets: the library's own, which come first, count.
+        self.commands, self.library = {}, []
+        for entry in entries:
+            source, command = os.path.relpath(entry["file"], ROOT), shlex.split(entry["command"])
+            if "-o" in command and source not in self.commands:
+                self.commands[source] = command
+                if "nxcore.dir" in self.object(source):
+                    self.library.append(source)
+
+    def object(self, source):
+        command = self.commands[source]
+        return command[command.index("-o") + 1]
+
+    def includes(self, source, header):
+        listed = subprocess.run(["ninja", "-C", BUILD, "-t", "deps", self.object(source)], capture_output=True, text=True,
+                                check=True).stdout
+        return header in (os.path.relpath(os.path.join(BUILD, line.strip()), ROOT) for line in listed.split("\n")[1:])
+
+    def compile(self, source, overlay, file, target, flags=()):
+        """Compiles a source with the changed file in the overlay put before the real one."""
+        command = list(self.commands[source])
+        command[command.index("-o") + 1] = target
+        if source == file:
+            command[command.index("-c") + 1] = os.path.join(overlay, source)
+        first = next(i for i, word in enumerate(command) if word.startswith("-"))
+        command[first:first] = ["-w", "-I" + overlay, *flags]
+        return subprocess.run(command, cwd=BUILD, capture_output=True, check=False).returncode == 0
+
+    def link(self, tests, remade, program, flags=()):
+        """Links a test program; the objects made again come first, so that their inline functions count."""
+        kept = [self.object(source) for source in tests + self.library if source not in remade]
+        support = os.path.join("tests", "libnxcore_test_support.a")
+        linker = ["-fuse-ld=lld"] if shutil.which("ld.lld") else []
+        subprocess.run(["c++", *linker, *flags, "-o", program, *remade.values(), *kept, support, "-lgtest", "-lgmock", "-lgtest_main",
+                        "-lpthread", "-ldl"], cwd=BUILD, check=True)
+
+
+def tests_pass(program, folder, operations, seconds, sanitized):
+    """With so many random operations; as many as an ordinary run has when None."""
+    environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0:detect_odr_violation=0",
+                       **({"NX_TEST_OPERATIONS": str(operations)} if operations else {}))
+
+    def limit_resources():
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+        if not sanitized:  # the address sanitizer reserves more than there is
+            resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
+
     try:
-        result = subprocess.run([program, "--gtest_brief=1"], capture_output=True, timeout=60, check=False,
-                                env=dict(os.environ, NX_TEST_OPERATIONS="200000"))
+        return subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=folder, env=environment, timeout=seconds,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=limit_resources,
+                              check=False).returncode == 0
     except subprocess.TimeoutExpired:
         return False
-    return result.returncode == 0
+
+
+class Subject:
+    """One class with its tests."""
+
+    def __init__(self, base, name):
+        self.base, self.name = base, name
+        self.files, self.tests = CLASSES[name]
+        self.users = list(dict.fromkeys([file for file in self.files if file.endswith(".cpp")] + SHARED_SOURCES + self.tests))
+        self.remade = {file: [file] if file.endswith(".cpp") else [user for user in self.users if base.includes(user, file)]
+                       for file in self.files}
+        start = time.time()
+        self.limit = 600
+        if self.passes(BUILD, BUILD, "", self.users) is not True or not self.passes(BUILD, BUILD, "", self.users, SANITIZERS):
+            sys.exit(f"mutants: the tests of {name} do not pass unchanged")
+        self.limit = 5 + 3 * (time.time() - start)
+
+    def passes(self, folder, overlay, file, sources, flags=()):
+        """None when the sources do not compile, else whether the tests pass with what was made of them."""
+        remade = {source: os.path.join(folder, source.replace("/", "_") + ".o") for source in sources}
+        if not all(self.base.compile(source, overlay, file, target, flags) for source, target in remade.items()):
+            return None
+        program = os.path.join(folder, "program")
+        self.base.link(self.tests, remade, program, flags)
+        # Few random operations find most; only what they do not find gets as many as an ordinary run has.
+        return tests_pass(program, folder, 20000, self.limit, bool(flags)) and (
+            bool(flags) or tests_pass(program, folder, None, self.limit, False))
+
+    def try_mutant(self, mutant, folder):
+        """None when it does not compile, else whether it is killed."""
+        file, number, _, changed = mutant
+        overlay = os.path.join(folder, "overlay")
+        shutil.rmtree(overlay, ignore_errors=True)
+        os.makedirs(os.path.dirname(os.path.join(overlay, file)))
+        with open(os.path.join(ROOT, file), encoding="utf-8") as handle:
+            lines = handle.readlines()
+        lines[number] = changed
+        with open(os.path.join(overlay, file), "w", encoding="utf-8") as handle:
+            handle.writelines(lines)
+        passed = self.passes(folder, overlay, file, self.remade[file])
+        if passed:
+            passed = self.passes(folder, overlay, file, self.remade[file], SANITIZERS) is not False
+        return None if passed is None else not passed
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--minutes", type=float, default=10)
-    parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--class", dest="classes", action="append", choices=sorted(CLASSES))
+    parser.add_argument("--count", type=int, default=100, help="mutants of each class")
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--minutes", type=float, help="makes no more mutants after this time")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--survivors", default=os.path.join(ROOT, "build", "survivors.txt"))
     arguments = parser.parse_args()
-    rng, names = random.Random(arguments.seed), arguments.classes or sorted(CLASSES)
 
-    copy_tree()
-    subprocess.run(["cmake", "-S", os.path.join(SCRATCH, "source"), "-B", os.path.join(SCRATCH, "build"), "-G", "Ninja",
-                    "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS=-O1", "-DNXCORE_BUILD_EXAMPLES=OFF",
-                    "-DNXCORE_BUILD_TOOLS=OFF"], check=True, stdout=subprocess.DEVNULL)
-    for name in names:
-        if not build(CLASSES[name][1]) or not tests_pass(CLASSES[name][1]):
-            sys.exit(f"mutants: the tests of {name} do not pass unchanged")
+    names = arguments.classes or sorted(CLASSES)
+    base = Base(names)
+    subjects = [Subject(base, name) for name in names]
+    end = time.time() + 60 * arguments.minutes if arguments.minutes else float("inf")
+    explained = read_explained()
+    draws = []
+    for subject in subjects:
+        mutants = list(all_mutants(subject.files))
+        random.Random(arguments.seed).shuffle(mutants)
+        draws.append([(subject, mutant) for mutant in mutants])
+    # Draws go on where mutants do not compile; the classes take turns, so that the time is shared.
+    turns = [draw for turn in itertools.zip_longest(*draws) for draw in turn if draw is not None]
+    folders = queue.Queue()
+    for job in range(arguments.jobs):
+        folders.put(os.path.join(BUILD, f"work{job}"))
+    counts = {name: {"made": 0, "killed": 0, "explained": 0} for name in names}
 
-    counts, survivors = {name: [0, 0] for name in names}, []
-    end, turn = time.time() + 60 * arguments.minutes, 0
-    while time.time() < end:
-        name = names[turn % len(names)]
-        turn += 1
-        files, target = CLASSES[name]
-        file = os.path.join(SCRATCH, "source", rng.choice([f for f in files if os.path.exists(os.path.join(ROOT, f))]))
-        with open(file, encoding="utf-8") as handle:
-            lines = handle.readlines()
-        number = rng.choice(code_lines(file))
-        mutant = mutate(lines[number], rng)
-        if mutant is None or mutant == lines[number]:
-            continue
-        original = lines[number]
-        lines[number] = mutant
-        with open(file, "w", encoding="utf-8") as handle:
-            handle.writelines(lines)
-        compiled = build(target)
-        killed = compiled and not tests_pass(target)
-        lines[number] = original
-        with open(file, "w", encoding="utf-8") as handle:
-            handle.writelines(lines)
-        if not compiled:
-            continue
-        counts[name][0] += 1
-        counts[name][1] += killed
-        if not killed:
-            survivors.append(f"{os.path.relpath(file, os.path.join(SCRATCH, 'source'))}:{number + 1}\n"
-                             f"    {original.strip()}\n    {mutant.strip()}\n")
-            print(survivors[-1], end="", flush=True)
+    def run(draw):
+        subject, mutant = draw
+        if counts[subject.name]["made"] >= arguments.count or time.time() > end:
+            return
+        folder = folders.get()
+        try:
+            killed = subject.try_mutant(mutant, folder)
+        finally:
+            folders.put(folder)
+        if killed is None:
+            return
+        count = counts[subject.name]
+        count["made"] += 1
+        count["killed"] += killed
+        if killed:
+            return
+        file, number, line, changed = mutant
+        if any((file, line.strip(), after) in explained for after in (changed.strip(), "*")):
+            count["explained"] += 1
+            return
+        survivors.write(f"{file}\n- {line.strip()}\n+ {changed.strip()}\n\n")
+        survivors.flush()
+        print(f"{file}:{number + 1}\n    {line.strip()}\n    {changed.strip()}", flush=True)
 
     os.makedirs(os.path.dirname(arguments.survivors), exist_ok=True)
-    with open(arguments.survivors, "w", encoding="utf-8") as handle:
-        handle.writelines(survivors)
-    for name, (made, killed) in counts.items():
-        print(f"{name}: {killed} of {made} mutants killed ({100 * killed / max(made, 1):.0f} %)")
+    with open(arguments.survivors, "w", encoding="utf-8") as survivors:
+        with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
+            list(pool.map(run, turns))
+    for name, count in counts.items():
+        rest = max(count["made"] - count["explained"], 1)
+        print(f"{name}: {count['killed']} of {count['made']} mutants killed, {count['explained']} make no difference: "
+              f"{100 * count['killed'] / rest:.1f} % of the others")
 
 
 if __name__ == "__main__":
