@@ -3,36 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <functional>
-#include <new>
 #include <string>
 
 #include "core/nxCore.h"
-
-namespace
-{
-std::atomic<std::size_t> allocations{0};
-
-void* Allocate(std::size_t size)
-{
-    allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* const block = std::malloc(size == 0 ? 1 : size))
-        return block;
-    throw std::bad_alloc();
-}
-
-// Not inline: the compiler would take the pair of new and free for a mistake.
-[[gnu::noinline]] void Free(void* block) { std::free(block); }
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { Free(block); }
-void operator delete[](void* block) noexcept { Free(block); }
-void operator delete(void* block, std::size_t) noexcept { Free(block); }
-void operator delete[](void* block, std::size_t) noexcept { Free(block); }
+#include "tests/support/nxAllocations.inc"
 
 TEST(nxAllocation, TheSteadyStateAllocatesNothing)
 {
@@ -79,10 +54,10 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
     {
         operation.run();  // what is remembered from the first time on may be made then
         text.clear();
-        const std::size_t before = allocations.load();
+        const std::size_t before = nxAllocations::count.load();
         for (int i = 0; i < 100; ++i)
             operation.run();
-        EXPECT_EQ(allocations.load() - before, 0u) << operation.name;
+        EXPECT_EQ(nxAllocations::count.load() - before, 0u) << operation.name;
         EXPECT_TRUE(kept) << operation.name;
     }
 }

@@ -4,57 +4,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <deque>
 #include <functional>
 #include <map>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "core/nxCore.h"
-
-namespace
-{
-// Allocations of this thread that still succeed; negative while none is to fail.
-thread_local long remaining = -1;
-thread_local bool failed = false;
-
-void* Allocate(std::size_t size)
-{
-    if (remaining >= 0 && remaining-- == 0)
-    {
-        failed = true;
-        remaining = 0;  // memory does not come back by itself
-        throw std::bad_alloc();
-    }
-    if (void* const block = std::malloc(size == 0 ? 1 : size))
-        return block;
-    throw std::bad_alloc();
-}
-
-// Not inline: the compiler would take the pair of new and free for a mistake.
-[[gnu::noinline]] void Free(void* block) { std::free(block); }
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    try
-    {
-        return Allocate(size);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return nullptr;
-    }
-}
-void operator delete(void* block) noexcept { Free(block); }
-void operator delete[](void* block) noexcept { Free(block); }
-void operator delete(void* block, std::size_t) noexcept { Free(block); }
-void operator delete[](void* block, std::size_t) noexcept { Free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { Free(block); }
+#include "tests/support/nxAllocations.inc"
 
 TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
@@ -169,8 +126,8 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
         long allocation = 0;
         do
         {
-            failed = false;
-            remaining = allocation++;
+            nxAllocations::hasFailed = false;
+            nxAllocations::remaining = allocation++;
             try
             {
                 scenario.run();
@@ -178,11 +135,11 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
             catch (const std::bad_alloc&)
             {
             }
-            remaining = -1;
+            nxAllocations::remaining = -1;
             ASSERT_EQ(scenario.run(), whole) << "after allocation " << allocation << " failed";
-            faults += failed;
-        } while (failed && allocation < 10'000);
-        EXPECT_FALSE(failed);
+            faults += nxAllocations::hasFailed;
+        } while (nxAllocations::hasFailed && allocation < 10'000);
+        EXPECT_FALSE(nxAllocations::hasFailed);
     }
     EXPECT_GT(faults, 50) << "allocations of the library do not come here";
 }

@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <bit>
-#include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <sstream>
-#include <thread>
 #include <unordered_set>
 
 #include "core/nxCore.h"
+#include "tests/support/nxTestThreads.h"
+#include "tests/support/nxVirtualSlot.h"
 
 namespace
 {
@@ -63,11 +62,10 @@ std::vector<unsigned> Registered()
 
 TEST(nxEnum, SettersAcceptTheClassesOwnValuesAndTheTwoSharedOnes)
 {
-    struct Row
+    const struct Row
     {
         unsigned value, generic, boolean, error;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {0, 0, 0, 0},
         {1, 0, 0, 0},  // "not registered" is a text, never a value
         {2, 2, 2, 2},
@@ -117,12 +115,7 @@ TEST(nxEnum, SettersAcceptTheClassesOwnValuesAndTheTwoSharedOnes)
 
 TEST(nxEnum, ParsesIdentifiersOfItsClass)
 {
-    struct Row
-    {
-        const char* text;
-        bool result;
-        unsigned after;
-    };
+    using Row = std::tuple<const char*, bool, unsigned>;
     const unsigned before = NX_ERR_INTERNAL;
     const std::string longest = "NX_ERR_ORDER_GATEWAY_HELD_ORDER_DEL_WHEN_CONTINGENT_ORDER_FILLED";
     ASSERT_EQ(longest.size(), 64u);
@@ -143,25 +136,25 @@ TEST(nxEnum, ParsesIdentifiersOfItsClass)
         {"", false, before},
         {nullptr, false, before},
     };
-    for (const Row& row : rows)
+    for (const auto& [pointerText, result, afterwards] : rows)
     {
-        SCOPED_TRACE(row.text != nullptr ? row.text : "null");
-        const std::string text = row.text != nullptr ? row.text : "";
+        SCOPED_TRACE(pointerText != nullptr ? pointerText : "null");
+        const std::string text = pointerText != nullptr ? pointerText : "";
         nxErrorEnum pointer(before), string(before), view(before), shortPointer(before), shortString(before);
-        EXPECT_EQ(pointer.SetFromString(row.text), row.result);
-        EXPECT_EQ(string.SetFromString(text), row.result);
-        EXPECT_EQ(view.SetFromString(std::string_view(text)), row.result);
-        EXPECT_EQ(shortPointer.SetFromShortDescriptionString(row.text), row.result);
-        EXPECT_EQ(shortString.SetFromShortDescriptionString(text), row.result);
+        EXPECT_EQ(pointer.SetFromString(pointerText), result);
+        EXPECT_EQ(string.SetFromString(text), result);
+        EXPECT_EQ(view.SetFromString(std::string_view(text)), result);
+        EXPECT_EQ(shortPointer.SetFromShortDescriptionString(pointerText), result);
+        EXPECT_EQ(shortString.SetFromShortDescriptionString(text), result);
         for (const nxErrorEnum& after : {pointer, string, view, shortPointer, shortString})
-            EXPECT_EQ(after.GetValue(), row.after);
+            EXPECT_EQ(after.GetValue(), afterwards);
     }
     nxErrorEnum error(before);
     EXPECT_FALSE(error.SetFromString(std::string("NX_ERR_INTERNAL\0", 16)));
     EXPECT_FALSE(error.SetFromString(std::string(1 << 20, 'N')));
 }
 
-TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValue)
+TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValueAndOthersSayThatTheyAreNone)
 {
     std::vector<nxEnumValue> values;
     nxErrorEnum().GetRegisteredEnumValuesForInstance(values);
@@ -174,26 +167,21 @@ TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValue)
     {
         SCOPED_TRACE(value);
         EXPECT_TRUE(nxEnum::IsRegisteredEnumValue(value));
-        nxErrorEnum error(value);
-        nxGenericEnum generic(value);
-        const nxEnum& known = value < nxErrorEnum::MinimumValue ? static_cast<nxEnum&>(generic) : error;
-        nxErrorEnum parsedError;
-        nxGenericEnum parsedGeneric;
-        nxEnum& parsed = value < nxErrorEnum::MinimumValue ? static_cast<nxEnum&>(parsedGeneric) : parsedError;
+        nxErrorEnum error(value), parsedError;
+        nxGenericEnum generic(value), parsedGeneric;
+        const bool isError = value >= nxErrorEnum::MinimumValue;
+        const nxEnum& known = isError ? static_cast<nxEnum&>(error) : generic;
+        nxEnum& parsed = isError ? static_cast<nxEnum&>(parsedError) : parsedGeneric;
         EXPECT_TRUE(parsed.SetFromString(known.GetShortDescription()));
         EXPECT_EQ(parsed, value);
         EXPECT_FALSE(known.GetLongDescription().empty());
     }
-}
-
-TEST(nxEnum, AValueWithoutTextsSaysSo)
-{
-    for (const nxErrorEnum& error : {nxErrorEnum(1000112), nxErrorEnum(1999998)})
+    for (const nxErrorEnum& without : {nxErrorEnum(1000112), nxErrorEnum(1999998)})
     {
-        EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(error.GetValue()));
-        EXPECT_EQ(error.GetShortDescription(), "NOT_REGISTERED");
-        EXPECT_EQ(error.GetLongDescription(), "not registered");
-        EXPECT_EQ(&error.GetAsString(), &error.GetShortDescription());
+        EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(without.GetValue()));
+        EXPECT_EQ(without.GetShortDescription(), "NOT_REGISTERED");
+        EXPECT_EQ(without.GetLongDescription(), "not registered");
+        EXPECT_EQ(&without.GetAsString(), &without.GetShortDescription());
     }
 }
 
@@ -323,16 +311,9 @@ TEST(nxEnum, HasItsThreeVirtualSlotsInTheirOrder)
         static auto Minimum() { return &Opened::_MinValue; }
         static auto Maximum() { return &Opened::_MaxValue; }
     };
-    // A pointer to a virtual member function holds the slot's offset plus one.
-    struct Pointer
-    {
-        std::uintptr_t function;
-        std::ptrdiff_t adjustment;
-    };
-    const auto slot = [](auto member) { return (std::bit_cast<Pointer>(member).function - 1) / sizeof(void*); };
-    EXPECT_EQ(slot(&nxEnum::GetClassName), 0u);
-    EXPECT_EQ(slot(Opened::Minimum()), 1u);
-    EXPECT_EQ(slot(Opened::Maximum()), 2u);
+    EXPECT_EQ(nxVirtualSlot(&nxEnum::GetClassName), 0u);
+    EXPECT_EQ(nxVirtualSlot(Opened::Minimum()), 1u);
+    EXPECT_EQ(nxVirtualSlot(Opened::Maximum()), 2u);
 }
 #endif
 
@@ -343,39 +324,33 @@ TEST(nxEnum, APluginRegistersWhileOtherThreadsLookUp)
     const std::string& kept = nxErrorEnum(NX_ERR_NOT_FOUND).GetShortDescription();
     constexpr unsigned first = 4000001;
     constexpr unsigned count = 5000;
-    std::atomic<bool> stop = false;
-    std::atomic<unsigned> started = 0;
+    std::atomic<unsigned> looked = 0;
     std::atomic<unsigned> wrong = 0;
-    const auto look = [&](unsigned seed)
+    const auto look = [&]
     {
-        ++started;
-        for (unsigned i = seed; !stop; i = (i + 7) % count)
+        const unsigned i = ++looked * 7 % count;
+        const std::string name = "PLUGIN_VALUE_" + std::to_string(i);
+        class PluginEnum final : public nxTypedEnum<PluginEnum, 4000000, 4010000>
         {
-            const std::string name = "PLUGIN_VALUE_" + std::to_string(i);
-            class PluginEnum final : public nxTypedEnum<PluginEnum, 4000000, 4010000>
-            {
-            public:
-                using nxTypedEnum::nxTypedEnum;
-                std::string GetClassName() const override { return "PluginEnum"; }
-            } value(nxEnumValue{first + i}), parsed;
-            const std::string& text = value.GetShortDescription();
-            const bool isParsed = parsed.SetFromString(name);
-            nxErrorEnum error;
-            wrong += (text != name && text != "NOT_REGISTERED") ||
-                     (isParsed ? parsed != value : !parsed.IsUndefined()) || !error.SetFromString("NX_ERR_NO_MATCH") ||
-                     nxProductStateBitMask(2).GetShortDescription(" ") != "CLOSED";
-        }
+        public:
+            using nxTypedEnum::nxTypedEnum;
+            std::string GetClassName() const override { return "PluginEnum"; }
+        } value(nxEnumValue{first + i}), parsed;
+        const std::string& text = value.GetShortDescription();
+        const bool isParsed = parsed.SetFromString(name);
+        nxErrorEnum error;
+        wrong += (text != name && text != "NOT_REGISTERED") || (isParsed ? parsed != value : !parsed.IsUndefined()) ||
+                 !error.SetFromString("NX_ERR_NO_MATCH") ||
+                 nxProductStateBitMask(2).GetShortDescription(" ") != "CLOSED";
     };
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i != 3; ++i)
-        threads.emplace_back(look, i * 1000);
-    while (started != threads.size())
-        std::this_thread::yield();
+    std::optional<nxBusyThread> threads[3];
+    for (std::optional<nxBusyThread>& thread : threads)
+        thread.emplace(look);
+    EXPECT_TRUE(nxEventually([&] { return looked > 100; }));
     void* const plugin = dlopen(NX_TEST_PLUGIN, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(plugin, nullptr) << dlerror();
-    stop = true;
-    for (std::thread& thread : threads)
-        thread.join();
+    for (std::optional<nxBusyThread>& thread : threads)
+        thread.reset();
     EXPECT_EQ(wrong, 0u);
     EXPECT_TRUE(nxEnum::IsRegisteredEnumValue(first + count - 1));
     EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(first + count));

@@ -4,6 +4,7 @@
 
 #include <cctype>
 #include <set>
+#include <tuple>
 
 namespace
 {
@@ -11,12 +12,7 @@ namespace
 // odd spellings included.
 TEST(nxErrorEnum, KeepsTheIdentifiersAndWordingsThatUsersKnow)
 {
-    struct Row
-    {
-        unsigned value;
-        const char* identifier;
-        const char* wording;
-    };
+    using Row = std::tuple<unsigned, const char*, const char*>;
     const Row rows[] = {
         {0, "UNDEFINED", "undefined"},
         {1000001, "NX_ERR_NOT_FOUND", "not found"},
@@ -75,12 +71,10 @@ TEST(nxErrorEnum, KeepsTheIdentifiersAndWordingsThatUsersKnow)
         {1012000, "NX_ERR_FIX_FIELD_VALUE_MISSING", "Value missing for field"},
         {1024000, "NX_ERR_DIRECT_ROUTES_NOT_ENABLED", "Direct routes not enabled"},
     };
-    for (const Row& row : rows)
+    for (const auto& [value, identifier, wording] : rows)
     {
-        SCOPED_TRACE(row.identifier);
-        const nxErrorEnum error(row.value);
-        EXPECT_EQ(error.GetShortDescription(), row.identifier);
-        EXPECT_EQ(error.GetLongDescription(), row.wording);
+        EXPECT_EQ(nxErrorEnum(value).GetShortDescription(), identifier);
+        EXPECT_EQ(nxErrorEnum(value).GetLongDescription(), wording) << identifier;
     }
 }
 

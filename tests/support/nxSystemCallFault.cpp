@@ -1,7 +1,6 @@
 #include "tests/support/nxSystemCallFault.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <ifaddrs.h>
 #include <pthread.h>
 #include <semaphore.h>
@@ -19,7 +18,9 @@
 #include <ctime>
 #include <type_traits>
 
-// This file is compiled without sanitizers: its functions are called before and below them.
+// This file is compiled without sanitizers: its functions are called before and below them. It does not include <fcntl.h>,
+// so that open, openat and fcntl can be defined without their ellipsis: an argument that is there travels in the same
+// register, and one that is not is not looked at.
 
 namespace
 {
@@ -28,9 +29,6 @@ enum Function : unsigned
 #define NX_CALL(style, result, name, parameters, arguments, exceptions) Function_##name,
 #include "tests/support/nxSystemCalls.inc"
 #undef NX_CALL
-    Function_open,
-    Function_openat,
-    Function_fcntl,
     Function_malloc,
     Function_realloc,
     FunctionCount
@@ -40,7 +38,8 @@ constexpr const char* names[] = {
 #define NX_CALL(style, result, name, parameters, arguments, exceptions) #name,
 #include "tests/support/nxSystemCalls.inc"
 #undef NX_CALL
-    "open", "openat", "fcntl", "malloc", "realloc",
+    "malloc",
+    "realloc",
 };
 static_assert(sizeof(names) / sizeof(names[0]) == FunctionCount);
 
@@ -130,9 +129,6 @@ Verdict Judge(Function function, const Target& target)
     return {};
 }
 
-// For the functions that are never executed before they fail.
-int InjectedError(Function function, const Target& target) { return Judge(function, target).error; }
-
 // The function that would have been called without this file: the sanitizer's if there is one, else the C library's.
 template <class Pointer>
 Pointer Next(std::atomic<void*>& cache, Pointer sanitizers, const char* name)
@@ -148,7 +144,7 @@ Pointer Next(std::atomic<void*>& cache, Pointer sanitizers, const char* name)
     return reinterpret_cast<Pointer>(next);
 }
 
-// The file is the first parameter of every function that is about one.
+// The file is the first parameter of every function that is about one, or the second behind a directory.
 template <class First, class... Rest>
 Target TargetOf([[maybe_unused]] First first, Rest...)
 {
@@ -158,6 +154,12 @@ Target TargetOf([[maybe_unused]] First first, Rest...)
     else if constexpr (std::is_same_v<First, int>)
         target.descriptor = first;
     return target;
+}
+
+template <class... Rest>
+Target TargetOf(int, const char* path, Rest...)
+{
+    return {.path = path};
 }
 
 template <class Result>
@@ -177,10 +179,13 @@ Result Failed([[maybe_unused]] Style style, int error)
     }
 }
 
-void* FailedAllocation(int error)
+// Whether an allocation is to fail, which it then tells in errno.
+bool IsFailingAllocation(Function function)
 {
-    errno = error;
-    return nullptr;
+    const int error = Judge(function, Target()).error;
+    if (error != 0)
+        errno = error;
+    return error != 0;
 }
 }  // namespace
 
@@ -203,46 +208,6 @@ extern "C"
 #include "tests/support/nxSystemCalls.inc"
 #undef NX_CALL
 
-    __attribute__((weak)) int __interceptor_open(const char* path, int flags, ...);
-    static constinit std::atomic<void*> next_open{nullptr};
-    int open(const char* path, int flags, ...)
-    {
-        va_list rest;
-        va_start(rest, flags);
-        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
-        va_end(rest);
-        if (const int error = InjectedError(Function_open, TargetOf(path)); error != 0)
-            return Failed<int>(Style::Errno, error);
-        return NX_NEXT(open)(path, flags, mode);
-    }
-
-    __attribute__((weak)) int __interceptor_openat(int directory, const char* path, int flags, ...);
-    static constinit std::atomic<void*> next_openat{nullptr};
-    int openat(int directory, const char* path, int flags, ...)
-    {
-        va_list rest;
-        va_start(rest, flags);
-        const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
-        va_end(rest);
-        if (const int error = InjectedError(Function_openat, TargetOf(path)); error != 0)
-            return Failed<int>(Style::Errno, error);
-        return NX_NEXT(openat)(directory, path, flags, mode);
-    }
-
-    __attribute__((weak)) int __interceptor_fcntl(int descriptor, int command, ...);
-    static constinit std::atomic<void*> next_fcntl{nullptr};
-    int fcntl(int descriptor, int command, ...)
-    {
-        va_list rest;
-        va_start(rest, command);
-        void* const argument =
-            va_arg(rest, void*);  // An int where the command takes one: it travels in the same register.
-        va_end(rest);
-        if (const int error = InjectedError(Function_fcntl, TargetOf(descriptor)); error != 0)
-            return Failed<int>(Style::Errno, error);
-        return NX_NEXT(fcntl)(descriptor, command, argument);
-    }
-
     // The C library's allocator is asked for by its other names, because dlsym may allocate.
     void* __libc_malloc(size_t size) noexcept;
     void* __libc_realloc(void* block, size_t size) noexcept;
@@ -251,15 +216,15 @@ extern "C"
 
     void* malloc(size_t size) noexcept
     {
-        if (const int error = InjectedError(Function_malloc, Target()); error != 0)
-            return FailedAllocation(error);
+        if (IsFailingAllocation(Function_malloc))
+            return nullptr;
         return &__interceptor_malloc != nullptr ? __interceptor_malloc(size) : __libc_malloc(size);
     }
 
     void* realloc(void* block, size_t size) noexcept
     {
-        if (const int error = InjectedError(Function_realloc, Target()); error != 0)
-            return FailedAllocation(error);
+        if (IsFailingAllocation(Function_realloc))
+            return nullptr;
         return &__interceptor_realloc != nullptr ? __interceptor_realloc(block, size) : __libc_realloc(block, size);
     }
 
