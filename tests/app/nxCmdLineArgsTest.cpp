@@ -11,9 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/log/nxLogDevice.h"
-#include "core/log/nxLogManager.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxFunctionLogDevice.h"
 #include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
 
@@ -282,30 +281,13 @@ TEST(nxCmdLineArgs, DumpWritesOneRecordAnEntryAndHidesPasswords)
     EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING)), 10U);
 }
 
-// A device that asks for settings while it writes, as a file device does.
-class AskingDevice : public nxLogDevice
-{
-public:
-    explicit AskingDevice(const nxCmdLineArgs& args) : _args(args)
-    {
-        nxLogManager::GetInstance().RegisterLogDevice(this);
-    }
-    ~AskingDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
-    void Write(const nxLog&) override { answered += _args.GetEnvValue("A") == "1" ? 1 : 0; }
-    void Flush() override {}
-    void Destroy() override {}
-
-    std::atomic<int> answered{0};
-
-private:
-    const nxCmdLineArgs& _args;
-};
-
 TEST(nxCmdLineArgs, TellsTheLogWithoutHoldingItsMutex)
 {
     Args args({}, {"A=1"});
     const nxCapturingLogDevice before;  // takes what others reported
-    const AskingDevice device(args);
+    // A device that asks for settings while it writes, as a file device does.
+    std::atomic<int> answered{0};
+    const nxFunctionLogDevice device([&](const nxLog&) { answered += args.GetEnvValue("A") == "1"; });
     const nxCapturingLogDevice log;  // is written to behind the other
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));
     EXPECT_TRUE(args.SetEnvValue("A", "1"));
@@ -313,7 +295,7 @@ TEST(nxCmdLineArgs, TellsTheLogWithoutHoldingItsMutex)
     EXPECT_EQ(Texts(log, "Failed to change environment variable."),
               (Words{"Command Line Args:", "Environment Variables:", "A = 1",
                      "Successfully changed environment variable.", "Failed to change environment variable."}));
-    EXPECT_EQ(device.answered, 5);
+    EXPECT_EQ(answered, 5);
     ::unsetenv("A");
 }
 }  // namespace

@@ -5,20 +5,17 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <condition_variable>
-#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxFunctionLogDevice.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
@@ -36,31 +33,7 @@ nxLog MakeRecord(const std::string& text, const nxLogLevelEnum& level = NX_LOG_L
     return record;
 }
 
-/// Calls a function of the test's for every record, and counts everything else. Registered while it lives.
-class Device : public nxLogDevice
-{
-public:
-    explicit Device(std::function<void(const nxLog&)> onWrite = [](const nxLog&) {}) : _onWrite(std::move(onWrite))
-    {
-        Manager().RegisterLogDevice(this);
-    }
-    ~Device() override { Manager().UnregisterLogDevice(this); }
-
-    void Write(const nxLog& record) override
-    {
-        ++writes;
-        _onWrite(record);
-    }
-    void Flush() override { ++flushes; }
-    void Destroy() override { ++destroys; }
-
-    std::atomic<int> writes{0};
-    std::atomic<int> flushes{0};
-    std::atomic<int> destroys{0};
-
-private:
-    std::function<void(const nxLog&)> _onWrite;
-};
+using Device = nxFunctionLogDevice;
 
 /// A door that a device can be kept behind.
 class Gate
@@ -68,28 +41,20 @@ class Gate
 public:
     void Pass()
     {
-        std::unique_lock<std::mutex> lock(_mutex);
         _waiting = true;
-        _changed.notify_all();
-        _changed.wait(lock, [this] { return _open; });
+        _waiting.notify_all();
+        _open.wait(false);
     }
-    void WaitForSomebody()
-    {
-        std::unique_lock<std::mutex> lock(_mutex);
-        _changed.wait(lock, [this] { return _waiting; });
-    }
+    void WaitForSomebody() { _waiting.wait(false); }
     void Open()
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
         _open = true;
-        _changed.notify_all();
+        _open.notify_all();
     }
 
 private:
-    std::mutex _mutex;
-    std::condition_variable _changed;
-    bool _waiting = false;
-    bool _open = false;
+    std::atomic<bool> _waiting{false};
+    std::atomic<bool> _open{false};
 };
 
 /// As little room in the queue as there can be, for the length of a test.

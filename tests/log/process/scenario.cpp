@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "core/log/nxLogDevice.h"
 #include "core/log/nxLogMacros.h"
+#include "tests/support/nxFunctionLogDevice.h"
 
 namespace
 {
@@ -24,23 +24,9 @@ constexpr int recordsInARow = 20'000;
 const char* output;
 const char* plugin;
 
-/// Calls a function for every record.
-class FunctionDevice : public nxLogDevice
-{
-public:
-    explicit FunctionDevice(std::function<void(const nxLog&)> onWrite) : _onWrite(std::move(onWrite)) {}
-    void Write(const nxLog& record) override { _onWrite(record); }
-    void Flush() override {}
-    void Destroy() override {}
-
-private:
-    const std::function<void(const nxLog&)> _onWrite;
-};
-
 void Register(std::function<void(const nxLog&)> onWrite)
 {
-    // Lives to the very end.
-    nxLogManager::GetInstance().RegisterLogDevice(new FunctionDevice(std::move(onWrite)));
+    new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
 }
 
 /// Appends every record to the file at once, as "text file", and " child" when a forked process does.
