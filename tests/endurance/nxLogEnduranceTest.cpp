@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <map>
 #include <random>
@@ -43,6 +44,7 @@ public:
         _id = ::fork();
         if (_id == 0)
         {
+            ::unsetenv("QRX_LOG_LEVEL");
             for (std::string& setting : settings)
                 ::putenv(setting.data());
             const rlimit none{0, 0};
@@ -114,6 +116,30 @@ Found ReadLines(const std::filesystem::path& directory)
     }
     return found;
 }
+
+// What a mode of the logger with devices of its own has put out, and how it ended.
+class Output
+{
+public:
+    explicit Output(const std::string& mode, const std::vector<std::string>& settings = {})
+    {
+        const nxScratchDirectory scratch;
+        const int ended = Logger(scratch.GetPath(), {mode, NX_TEST_LOG_PLUGIN}, settings).Wait();
+        status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+        std::ifstream file(scratch.GetPath() / "output");
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
+    }
+
+    std::size_t Count(const std::string& text) const
+    {
+        const auto has = [&text](const std::string& line) { return line.find(text) != std::string::npos; };
+        return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), has));
+    }
+
+    int status;
+    std::vector<std::string> lines;
+};
 
 // Every number of every thread from 0 on stands exactly once.
 void ExpectGapless(const Found& found)
@@ -236,4 +262,80 @@ TEST(nxLogEndurance, WhatAFullDiskCostsIsCounted)
         if (::geteuid() != 0 || WEXITSTATUS(status) == 77)
             GTEST_SKIP() << "full disk: no right to mount a small one here";
     EXPECT_EQ(status, 0);
+}
+
+TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)
+{
+    for (const char* mode : {"return-from-main", "exit-in-a-thread"})
+    {
+        SCOPED_TRACE(mode);
+        const Output run(mode);
+        EXPECT_EQ(run.status, 0);
+        ASSERT_EQ(run.lines.size(), 20'002u);
+        EXPECT_EQ(run.lines.front().substr(0, 12), "before main ");
+        EXPECT_EQ(run.lines.back().substr(0, 11), "after main ");
+        for (std::size_t number = 0; number < 20'000; ++number)
+            ASSERT_EQ(run.lines[number + 1].find("row " + std::to_string(number) + " "), 0u);
+    }
+}
+
+TEST(nxLogProcess, EndsWhateverDevicesDo)
+{
+    EXPECT_EQ(Output("exit-while-stalled").status, 0);
+    const Output inside("exit-inside-a-device");
+    EXPECT_EQ(inside.status, 0);
+    EXPECT_GE(inside.Count("before main") + inside.Count("the last"), 1u);
+    EXPECT_EQ(Output("log-nothing").status, 0);
+}
+
+TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)
+{
+    if (nxUnderAddressSanitizer)
+        GTEST_SKIP() << nxNoForkAmongThreads;
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
+    const Output run("fork-with-a-full-queue");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.Count("row"), 0u);
+    EXPECT_EQ(run.Count("only this"), 1u);
+}
+
+TEST(nxLogProcess, NeedsNothingOfAPluginThatIsUnloaded)
+{
+    const Output run("unload-a-plugin");
+    EXPECT_EQ(run.status, 0);
+    for (const char* text : {"loaded plugin/load", "literal text of the plug-in plugin/report",
+                             "record of the plug-in plugin/record", "unloaded plugin/unload"})
+        EXPECT_GE(run.Count(text), 3u) << text;
+}
+
+TEST(nxLogProcess, HasOnDiskWhatWasWaitedForOrKeptForTheFirstDevice)
+{
+    const Output ended("exit-at-once");
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.Count("waited for"), 1u);
+    EXPECT_LE(ended.lines.size(), 3u);
+    const Output late("wait-for-a-device");
+    EXPECT_EQ(late.status, 0);
+    EXPECT_EQ(late.Count("before main"), 1u);
+    EXPECT_EQ(late.Count("kept"), 1u);
+}
+
+TEST(nxLogProcess, TakesItsLevelFromTheEnvironment)
+{
+    const struct
+    {
+        const char* environment;
+        std::size_t info;
+        std::size_t warning;
+    } rows[] = {{"QRX_LOG_LEVEL=WRN", 0, 1}, {"QRX_LOG_LEVEL=FTL", 0, 0}, {"QRX_LOG_LEVEL=NO_CHANGE", 1, 1}};
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.environment);
+        const Output run("levels", {row.environment});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.Count("info"), row.info);
+        EXPECT_EQ(run.Count("before main"), row.info);
+        EXPECT_EQ(run.Count("warning"), row.warning);
+    }
 }

@@ -1,6 +1,8 @@
-// A process that logs to a file in one of several ways and ends, or is ended: logger MODE [COUNT]. The directory and
-// the other settings come from the environment. Every line of ours holds "t<thread> n<number>;".
+// A process that logs in one of several ways and ends, or is ended: logger MODE [ARGUMENT]. The directory and the other
+// settings come from the environment. With the log's own file device every line of ours holds "t<thread> n<number>;";
+// modes with devices of their own append what these are given to the file "output" in that directory.
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,9 +12,10 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
@@ -21,7 +24,7 @@
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSetUp.h"
-#include "core/text/nxDoubleValueWrapper.h"
+#include "tests/support/nxFunctionLogDevice.h"
 
 namespace
 {
@@ -34,10 +37,10 @@ void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
     NX_LOG(level) << "t" << thread << " n" << number << "; some text to fill the line with";
 }
 
-void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(30.0)); }
+void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0); }
 
 // Logs until the process ends; says on standard output which number is surely in the file.
-[[noreturn]] void Acknowledge()
+[[noreturn]] int Acknowledge()
 {
     for (int number = 0;; ++number)
     {
@@ -105,8 +108,18 @@ int ForkWhileThreadsLog(int count)
     return failed;
 }
 
+int EndByASignal(int signal)
+{
+    for (int number = 0; number < 100; ++number)
+        LogLine(0, number);
+    WaitForLog();
+    nxLogManager::GetInstance().FlushDevices();
+    std::raise(signal);
+    return 4;
+}
+
 // Every line in many small files.
-void Rotate(int count)
+int Rotate(int count)
 {
     nxFileLogDevice::GetInstance().Create(nxValueWrapper<unsigned long long>(4000));
     std::vector<std::thread> threads;
@@ -119,9 +132,10 @@ void Rotate(int count)
             });
     for (std::thread& thread : threads)
         thread.join();
+    return 0;
 }
 
-void ChangeDates(int count)
+int ChangeDates(int count)
 {
     for (int number = 0; number < count; ++number)
     {
@@ -134,6 +148,7 @@ void ChangeDates(int count)
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     }
+    return 0;
 }
 
 std::size_t CountOurLines(const std::filesystem::path& directory)
@@ -181,37 +196,173 @@ int FillDisk(int cycles)
     std::printf("logged %d, present %zu, lost %zu\n", number, present, lost);
     return static_cast<std::size_t>(number) == present + lost && lost > 0 ? 0 : 1;
 }
+
+void Register(std::function<void(const nxLog&)> onWrite)
+{
+    new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
+}
+
+// Appends every record to the output at once, as "text source-file".
+void AppendToOutput()
+{
+    const std::string path = std::string(std::getenv("QRX_LOG_DIRECTORY")) + "/output";
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    Register(
+        [file](const nxLog& record)
+        {
+            const std::string line = record.GetText() + " " + record.GetSourceFile() + "\n";
+            if (::write(file, line.data(), line.size()) < 0)
+                ::_exit(3);
+        });
+}
+
+void LogInARow()
+{
+    for (int number = 0; number < 20'000; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+}
+
+struct LogsBeforeAndAfterMain
+{
+    LogsBeforeAndAfterMain() { NX_LOG(NX_LOG_LEVEL_INFO) << "before main"; }
+    ~LogsBeforeAndAfterMain() { NX_LOG(NX_LOG_LEVEL_INFO) << "after main"; }
+};
+const LogsBeforeAndAfterMain logsBeforeAndAfterMain;
+
+int ReturnFromMain()
+{
+    AppendToOutput();
+    LogInARow();
+    return 0;
+}
+
+int ExitInAThread()
+{
+    AppendToOutput();
+    std::thread(
+        []
+        {
+            LogInARow();
+            std::exit(0);
+        })
+        .join();
+    return 4;
+}
+
+int ExitAtOnce()
+{
+    AppendToOutput();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "waited for";
+    WaitForLog();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "perhaps lost";
+    _exit(0);
+}
+
+int ExitWhileStalled()
+{
+    Register(
+        [](const nxLog&)
+        {
+            for (;;)
+                pause();
+        });
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "nobody hears";
+    return 0;
+}
+
+int ExitInsideADevice()
+{
+    AppendToOutput();
+    Register([](const nxLog&) { std::exit(0); });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "the last";
+    for (;;)
+        pause();
+}
+
+int LogNothing() { return 0; }
+
+// The parent's queue holds records that no device has had yet.
+int ForkWithAFullQueue()
+{
+    LogInARow();
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        AppendToOutput();
+        NX_LOG(NX_LOG_LEVEL_INFO) << "only this";
+        std::exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+// What is kept for the first device counts as waiting.
+int WaitForADevice()
+{
+    nxLogManager& manager = nxLogManager::GetInstance();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "kept";
+    WaitForLog();
+    const std::vector<nxLog> waiting = manager.GetLogEntriesQueue();
+    AppendToOutput();
+    WaitForLog();
+    const bool isRight = waiting.size() == 2 && waiting[0].GetText() == "before main" && waiting[1].GetText() == "kept";
+    return isRight && manager.GetLogEntriesQueue().empty() ? 0 : 8;
+}
+
+int UnloadAPlugin(const std::string& plugin)
+{
+    AppendToOutput();
+    for (int round = 0; round < 3; ++round)
+    {
+        void* const handle = dlopen(plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (handle == nullptr)
+            return 7;
+        const auto report = reinterpret_cast<void (*)()>(dlsym(handle, "nxTestReport"));
+        report();
+        dlclose(handle);
+        // Its names and literals are unmapped now, and the records not yet written.
+    }
+    return 0;
+}
+
+int Levels()
+{
+    AppendToOutput();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "info";
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
+    return 0;
+}
 }  // namespace
 
 int main(int argc, char** argv)
 {
     const std::string mode = argc > 1 ? argv[1] : "";
-    const int count = argc > 2 ? std::atoi(argv[2]) : 0;
-    if (mode == "rotate")
-    {
-        Rotate(count);
-        return 0;
-    }
-    if (!nxLogSetUp())
-        return 3;
-    if (mode == "acknowledge")
-        Acknowledge();
-    if (mode == "signal")
-    {
-        for (int number = 0; number < 100; ++number)
-            LogLine(0, number);
-        WaitForLog();
-        nxLogManager::GetInstance().FlushDevices();
-        std::raise(count);
-        return 4;
-    }
-    if (mode == "exit")
-        return ExitWhileThreadsLog();
-    if (mode == "fork")
-        return ForkWhileThreadsLog(count);
-    if (mode == "dates")
-        return ChangeDates(count), 0;
-    if (mode == "disk")
-        return FillDisk(count);
-    return 2;
+    const std::string argument = argc > 2 ? argv[2] : "";
+    const int count = std::atoi(argument.c_str());
+    const std::map<std::string, std::function<int()>> withItsOwnDevices{
+        {"rotate", [&] { return Rotate(count); }},
+        {"return-from-main", ReturnFromMain},
+        {"exit-in-a-thread", ExitInAThread},
+        {"exit-at-once", ExitAtOnce},
+        {"exit-while-stalled", ExitWhileStalled},
+        {"exit-inside-a-device", ExitInsideADevice},
+        {"log-nothing", LogNothing},
+        {"fork-with-a-full-queue", ForkWithAFullQueue},
+        {"wait-for-a-device", WaitForADevice},
+        {"unload-a-plugin", [&] { return UnloadAPlugin(argument); }},
+        {"levels", Levels},
+    };
+    const std::map<std::string, std::function<int()>> withTheLogsFile{
+        {"acknowledge", Acknowledge},
+        {"signal", [&] { return EndByASignal(count); }},
+        {"exit", ExitWhileThreadsLog},
+        {"fork", [&] { return ForkWhileThreadsLog(count); }},
+        {"dates", [&] { return ChangeDates(count); }},
+        {"disk", [&] { return FillDisk(count); }},
+    };
+    if (const auto found = withItsOwnDevices.find(mode); found != withItsOwnDevices.end())
+        return found->second();
+    const auto found = withTheLogsFile.find(mode);
+    return found != withTheLogsFile.end() && nxLogSetUp() ? found->second() : 3;
 }
