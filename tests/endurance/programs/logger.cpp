@@ -28,8 +28,6 @@
 
 namespace
 {
-constexpr int ThreadCount = 8;
-
 std::atomic<bool> stop{false};
 
 void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
@@ -62,10 +60,10 @@ void LogUntilStopped(int thread)
     }
 }
 
-std::vector<std::thread> StartThreads()
+std::vector<std::thread> StartThreads(int count)
 {
     std::vector<std::thread> threads;
-    for (int i = 0; i < ThreadCount; ++i)
+    for (int i = 0; i < count; ++i)
         threads.emplace_back(LogUntilStopped, i);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     return threads;
@@ -73,17 +71,19 @@ std::vector<std::thread> StartThreads()
 
 int ExitWhileThreadsLog()
 {
-    for (std::thread& thread : StartThreads())
+    for (std::thread& thread : StartThreads(8))
         thread.detach();
     std::exit(0);
 }
 
-int ForkWhileThreadsLog(int count)
+int ForkWhileThreadsLog(int threadCount)
 {
-    std::vector<std::thread> threads = StartThreads();
+    std::vector<std::thread> threads = StartThreads(threadCount);
     int failed = 0;
-    for (int child = 0; child < count; ++child)
+    for (int child = 0; child < 4; ++child)
     {
+        LogLine(200, child);
+        WaitForLog();
         const pid_t id = ::fork();
         if (id == 0)
         {
