@@ -49,6 +49,7 @@ CLASSES = {
 }
 # Library sources that hold more of a class's inline functions than its own.
 SHARED_SOURCES = ["core/numeric/nxDecimal.cpp"]
+HANG = 30  # seconds; the tests of a class take one or two
 SANITIZERS = ["-fsanitize=address,undefined,float-cast-overflow", "-fno-sanitize-recover=all"]
 # (pattern, replacements): what one slip of the hand turns into another.
 SLIPS = [
@@ -154,7 +155,7 @@ class Base:
                         "-lpthread", "-ldl"], cwd=BUILD, check=True)
 
 
-def tests_pass(program, folder, operations, seconds, sanitized):
+def tests_pass(program, folder, operations, sanitized):
     """With so many random operations; as many as an ordinary run has when None."""
     environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0:detect_odr_violation=0",
                        **({"NX_TEST_OPERATIONS": str(operations)} if operations else {}))
@@ -165,7 +166,7 @@ def tests_pass(program, folder, operations, seconds, sanitized):
             resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
 
     try:
-        return subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=folder, env=environment, timeout=seconds,
+        return subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=folder, env=environment, timeout=HANG,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=limit_resources,
                               check=False).returncode == 0
     except subprocess.TimeoutExpired:
@@ -181,11 +182,8 @@ class Subject:
         self.users = list(dict.fromkeys([file for file in self.files if file.endswith(".cpp")] + SHARED_SOURCES + self.tests))
         self.remade = {file: [file] if file.endswith(".cpp") else [user for user in self.users if base.includes(user, file)]
                        for file in self.files}
-        start = time.time()
-        self.limit = 600
         if self.passes(BUILD, BUILD, "", self.users) is not True or not self.passes(BUILD, BUILD, "", self.users, SANITIZERS):
             sys.exit(f"mutants: the tests of {name} do not pass unchanged")
-        self.limit = 5 + 3 * (time.time() - start)
 
     def passes(self, folder, overlay, file, sources, flags=()):
         """None when the sources do not compile, else whether the tests pass with what was made of them."""
@@ -195,8 +193,7 @@ class Subject:
         program = os.path.join(folder, "program")
         self.base.link(self.tests, remade, program, flags)
         # Few random operations find most; only what they do not find gets as many as an ordinary run has.
-        return tests_pass(program, folder, 20000, self.limit, bool(flags)) and (
-            bool(flags) or tests_pass(program, folder, None, self.limit, False))
+        return tests_pass(program, folder, 20000, bool(flags)) and (bool(flags) or tests_pass(program, folder, None, False))
 
     def try_mutant(self, mutant, folder):
         """None when it does not compile, else whether it is killed."""

@@ -163,6 +163,8 @@ TEST(nxDecimal, TakesANumberApart)
     EXPECT_EQ(Parts(-7, 255).GetFractionalPart(), 7U);
     EXPECT_TRUE(std::isinf(Parts(7, 64).GetAsDouble()));
     EXPECT_TRUE(std::isnan(Parts(0, 255).GetAsDouble()));
+    EXPECT_EQ(nxPowersOfTen::GetInteger(256), 1U);  // places count modulo 256
+    EXPECT_EQ(nxPowersOfTen::GetDouble(258), 100.0);
 }
 
 TEST(nxDecimal, StatesAndSigns)

@@ -295,7 +295,10 @@ TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
     class Watched : public Table
     {
     public:
-        explicit Watched(bool remembers) : Table("10 0.01; 100 0.05; 0.5"), _remembers(remembers) {}
+        explicit Watched(bool remembers, const char* bands = "10 0.01; 100 0.05; 0.5")
+            : Table(bands), _remembers(remembers)
+        {
+        }
         mutable int calls = 0;
 
     protected:
@@ -331,6 +334,15 @@ TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
         forgetful.Increment(price);
         forgetful.RoundToValidTick(methods[0], price);
         EXPECT_EQ(Text(price), "100.00");
+    }
+    // Also where the integers of a table do not reach.
+    const Watched fine(true, "0.0000000000000001 0.0000000000000001; 10 0.01; 0.05");
+    const std::pair<const char*, int> asks[] = {{"0", 0},   {"11", 1}, {"12", 1},
+                                                {"-13", 1}, {"9", 2},  {"0.0000000000000001", 3}};
+    for (const auto& [price, calls] : asks)
+    {
+        fine.GetTickIncrement(D(price));
+        EXPECT_EQ(fine.calls, calls) << price;
     }
     // What refuses to remember is asked again every time.
     for (int i = 0; i < 4; ++i)
@@ -573,6 +585,7 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"10 0.01; 0.05", -4503599627370497, 3},       // sums rounded to the next double
         {"10 0.01; 0.05", 4503599627370491, 3},        // the same, and the last digits change until one is dropped
         {"0.5", 12345678901234563, 1},                 // doubles that hold every step
+        {"10 0.01; 0.5", 12345678901234563, 2},        // the same above another band
         {"0.25", 90071992547409931, 1},                // and some that do not
         {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
         {"10 0.01; 1", -9000000000000000007, 0},       //

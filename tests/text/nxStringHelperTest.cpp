@@ -109,6 +109,15 @@ double RandomDouble(std::mt19937_64& random)
         }
     }
 }
+// What it appends, which is also what it returns.
+template <class Value>
+std::string Printed(const Value& value)
+{
+    std::string text;
+    nxStringHelper::AppendAsString(text, value);
+    EXPECT_EQ(text, nxStringHelper::GetAsString(value));
+    return text;
+}
 }  // namespace
 
 TEST(nxStringHelper, ReadsIntegersOfEveryWidthByOneRule)
@@ -333,83 +342,59 @@ TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 
 TEST(nxStringHelper, PrintsEveryType)
 {
-    const auto appended = [](const auto& value)
-    {
-        std::string text = ">";
-        nxStringHelper::AppendAsString(text, value);
-        return text;
-    };
-    EXPECT_EQ(appended('A'), ">65");
-    EXPECT_EQ(appended('\xFF'), ">-1");
-    EXPECT_EQ(appended(static_cast<unsigned char>(0xFF)), ">255");
-    EXPECT_EQ(appended(static_cast<short>(SHRT_MIN)), ">-32768");
-    EXPECT_EQ(appended(static_cast<unsigned short>(USHRT_MAX)), ">65535");
-    EXPECT_EQ(appended(INT_MIN), ">-2147483648");
-    EXPECT_EQ(appended(UINT_MAX), ">4294967295");
-    EXPECT_EQ(appended(LLONG_MIN), ">-9223372036854775808");
-    EXPECT_EQ(appended(ULLONG_MAX), ">18446744073709551615");
-    EXPECT_EQ(appended(std::string(3, 'x').size()), ">3");
-    EXPECT_EQ(appended(true), ">TRUE");
-    EXPECT_EQ(appended(false), ">FALSE");
-    EXPECT_EQ(appended(0.5F), ">0.5");
-    EXPECT_EQ(appended(-2.25), ">-2.25");
-    EXPECT_EQ(appended("text"), ">text");
-    EXPECT_EQ(appended(static_cast<const char*>(nullptr)), ">");
-    EXPECT_EQ(appended(nxDecimal(5, 2)), ">5.00");
-    EXPECT_EQ(appended(nxDecimal::GetNullDecimal()), ">");
-    EXPECT_EQ(appended(nxDate(2024, 3, 5)), ">20240305");
-    EXPECT_EQ(appended(nxTime(9, 7, 3)), ">09:07:03");
-    EXPECT_EQ(appended(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), ">05 Mar 2024 09:07:03");
-    EXPECT_EQ(appended(nxBoolEnum(NX_BOOL_TRUE)), ">TRUE");
+    EXPECT_EQ(Printed('A'), "65");
+    EXPECT_EQ(Printed('\xFF'), "-1");
+    EXPECT_EQ(Printed(static_cast<unsigned char>(0xFF)), "255");
+    EXPECT_EQ(Printed(static_cast<short>(SHRT_MIN)), "-32768");
+    EXPECT_EQ(Printed(static_cast<unsigned short>(USHRT_MAX)), "65535");
+    EXPECT_EQ(Printed(INT_MIN), "-2147483648");
+    EXPECT_EQ(Printed(UINT_MAX), "4294967295");
+    EXPECT_EQ(nxStringHelper::GetAsString(LONG_MIN), std::to_string(LONG_MIN));
+    EXPECT_EQ(Printed(ULONG_MAX), std::to_string(ULONG_MAX));
+    EXPECT_EQ(Printed(LLONG_MIN), "-9223372036854775808");
+    EXPECT_EQ(Printed(ULLONG_MAX), "18446744073709551615");
+    EXPECT_EQ(Printed(true), "TRUE");
+    EXPECT_EQ(Printed(false), "FALSE");
+    EXPECT_EQ(Printed(0.5F), "0.5");
+    EXPECT_EQ(Printed(-2.25), "-2.25");
+    EXPECT_EQ(Printed<const char*>("text"), "text");  // and not the flag that a pointer converts to
+    EXPECT_EQ(Printed<const char*>(nullptr), "");
+    EXPECT_EQ(Printed(std::string("a\0b", 3)), std::string("a\0b", 3));
+    EXPECT_EQ(Printed(nxDecimal(-5, 2)), "-5.00");
+    EXPECT_EQ(Printed(nxDecimal::GetNullDecimal()), "");
+    EXPECT_EQ(Printed(nxDate(2024, 3, 5)), "20240305");
+    EXPECT_EQ(Printed(nxTime(9, 7, 3)), "09:07:03");
+    EXPECT_EQ(Printed(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), "05 Mar 2024 09:07:03");
+    EXPECT_EQ(Printed(nxBoolEnum(NX_BOOL_TRUE)), "TRUE");
     std::string roomy = ">";
     roomy.reserve(100);
     nxStringHelper::AppendAsString(roomy, LLONG_MIN);
     nxStringHelper::AppendAsString(roomy, -2.25);
     EXPECT_EQ(roomy, ">-9223372036854775808-2.25");
-
-    EXPECT_EQ(nxStringHelper::GetAsString('A'), "65");
-    EXPECT_EQ(nxStringHelper::GetAsString(LONG_MIN), std::to_string(LONG_MIN));
-    EXPECT_EQ(nxStringHelper::GetAsString("text"), "text");  // and not the flag that a pointer converts to
-    EXPECT_EQ(nxStringHelper::GetAsString(static_cast<const char*>(nullptr)), "");
-    EXPECT_EQ(nxStringHelper::GetAsString(std::string("a\0b", 3)), std::string("a\0b", 3));
-    EXPECT_EQ(nxStringHelper::GetAsString(nxDecimal("-1.50", '.')), "-1.50");
-    EXPECT_EQ(nxStringHelper::GetAsString(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), "05 Mar 2024 09:07:03");
 }
 
 TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
 {
-    nxDecimal decimal(7, 0);
-    EXPECT_EQ(nxStringHelper::SetFromString("1,x", decimal, ','), invalid);
-    EXPECT_EQ(decimal, nxDecimal(7, 0));
-    EXPECT_EQ(nxStringHelper::SetFromString("1,25", decimal, ','), ok);
-    EXPECT_EQ(decimal.GetAsString('.'), "1.25");
-
-    nxMoney money(nxDecimal(7, 0), "USD");
-    EXPECT_EQ(nxStringHelper::SetFromString("1.25", money, '.'), invalid);
-    EXPECT_EQ(money.GetAsString('.'), "7 USD");
-    EXPECT_EQ(nxStringHelper::SetFromString("1.25 EUR", money, '.'), ok);
-    EXPECT_EQ(money.GetAsString('.'), "1.25 EUR");
-
-    nxDate date(2024, 2, 29);
-    EXPECT_EQ(nxStringHelper::SetFromString("20230229", date), invalid);
-    EXPECT_EQ(date, nxDate(2024, 2, 29));
-    EXPECT_EQ(nxStringHelper::SetFromString("20230228", date), ok);
-    EXPECT_EQ(date, nxDate(2023, 2, 28));
-
-    nxTime time(1, 2, 3);
-    EXPECT_EQ(nxStringHelper::SetFromString("24:00:00", time), invalid);
-    EXPECT_EQ(time, nxTime(1, 2, 3));
-    EXPECT_EQ(nxStringHelper::SetFromString("23:59:59", time), ok);
-    EXPECT_EQ(time, nxTime(23, 59, 59));
-
-    nxBoolEnum flag(NX_BOOL_TRUE);
-    EXPECT_EQ(nxStringHelper::SetFromString("SURELY_NOT", flag), invalid);
-    EXPECT_EQ(flag, NX_BOOL_TRUE);
+    const auto check = [](const auto& before, const char* bad, const char* good, const auto& after, auto... separator)
+    {
+        auto value = before;
+        EXPECT_EQ(nxStringHelper::SetFromString(bad, value, separator...), invalid) << bad;
+        EXPECT_EQ(value, before) << bad;
+        EXPECT_EQ(nxStringHelper::SetFromString(good, value, separator...), ok) << good;
+        EXPECT_EQ(value, after) << good;
+    };
+    check(nxDecimal(7, 0), "1,x", "1,25", nxDecimal("1.25", '.'), ',');
+    check(nxMoney(nxDecimal(7, 0), "USD"), "1.25", "1.25 EUR", nxMoney(nxDecimal("1.25", '.'), "EUR"), '.');
+    check(nxDate(2024, 2, 29), "20230229", "20230228", nxDate(2023, 2, 28));
+    check(nxTime(1, 2, 3), "24:00:00", "23:59:59", nxTime(23, 59, 59));
+    check(nxBoolEnum(NX_BOOL_TRUE), "SURELY_NOT", "FALSE", nxBoolEnum(NX_BOOL_FALSE));
     // A name of another class: refused, and stored as that class's setter stores it.
+    nxBoolEnum flag(NX_BOOL_TRUE);
     EXPECT_EQ(nxStringHelper::SetFromString("CASE_SENSITIVE", flag), invalid);
     EXPECT_TRUE(flag.IsUndefined());
-    EXPECT_EQ(nxStringHelper::SetFromString("FALSE", flag), ok);
-    EXPECT_EQ(flag, NX_BOOL_FALSE);
+    std::string text = "old";
+    EXPECT_EQ(nxStringHelper::SetFromString("new", text), ok);
+    EXPECT_EQ(text, "new");
 }
 
 TEST(nxStringHelper, PadsButNeverCuts)
