@@ -82,19 +82,21 @@ def slips(line):
 
 
 def all_mutants(files):
-    """(file, line number, line, changed line) of every mutant that can be made of the files."""
+    """(file, lines, line number, changed line) of every mutant that can be made of the files."""
     for file in files:
         with open(os.path.join(ROOT, file), encoding="utf-8") as handle:
-            for number, line in enumerate(handle):
-                if is_code(line.strip()):
-                    for changed in dict.fromkeys(slips(line)):
-                        yield file, number, line, changed
+            lines = handle.readlines()
+        for number, line in enumerate(lines):
+            if is_code(line.strip()):
+                for changed in dict.fromkeys(slips(line)):
+                    yield file, lines, number, changed
 
 
 def read_explained():
     """The (file, line, changed line) of mutants that make no difference; a changed line "*" stands for every one.
 
-    A paragraph names a file and then lines, each "- line" with its "+ changed line"s; the rest of it is the reason."""
+    A paragraph names a file and then lines, each "- line" with its "+ changed line"s; the rest of it is the reason. A line
+    that stands in several places has the one before it in front."""
     explained = set()
     with open(EXPLAINED, encoding="utf-8") as handle:
         for paragraph in handle.read().split("\n\n"):
@@ -197,15 +199,12 @@ class Subject:
 
     def try_mutant(self, mutant, folder):
         """None when it does not compile, else whether it is killed."""
-        file, number, _, changed = mutant
+        file, lines, number, changed = mutant
         overlay = os.path.join(folder, "overlay")
         shutil.rmtree(overlay, ignore_errors=True)
         os.makedirs(os.path.dirname(os.path.join(overlay, file)))
-        with open(os.path.join(ROOT, file), encoding="utf-8") as handle:
-            lines = handle.readlines()
-        lines[number] = changed
         with open(os.path.join(overlay, file), "w", encoding="utf-8") as handle:
-            handle.writelines(lines)
+            handle.writelines(lines[:number] + [changed] + lines[number + 1:])
         passed = self.passes(folder, overlay, file, self.remade[file])
         if passed:
             passed = self.passes(folder, overlay, file, self.remade[file], SANITIZERS) is not False
@@ -255,13 +254,15 @@ def main():
         count["killed"] += killed
         if killed:
             return
-        file, number, line, changed = mutant
-        if any((file, line.strip(), after) in explained for after in (changed.strip(), "*")):
+        file, lines, number, changed = mutant
+        line = lines[number].strip()
+        if any((file, before, after) in explained for before in (line, lines[number - 1].strip() + " " + line)
+               for after in (changed.strip(), "*")):
             count["explained"] += 1
             return
-        survivors.write(f"{file}\n- {line.strip()}\n+ {changed.strip()}\n\n")
+        survivors.write(f"{file}\n- {line}\n+ {changed.strip()}\n\n")
         survivors.flush()
-        print(f"{file}:{number + 1}\n    {line.strip()}\n    {changed.strip()}", flush=True)
+        print(f"{file}:{number + 1}\n    {line}\n    {changed.strip()}", flush=True)
 
     os.makedirs(os.path.dirname(arguments.survivors), exist_ok=True)
     with open(arguments.survivors, "w", encoding="utf-8") as survivors:
