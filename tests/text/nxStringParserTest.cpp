@@ -86,8 +86,7 @@ TEST(nxStringValue, HasThreeStates)
     {
         nxStringValue value;
         nxEnumValue status;
-        std::string text;
-        std::string logText;
+        std::string text, logText;
     };
     const Row rows[] = {
         {nxStringValue(), NX_VALUE_STATUS_NULL, "", "NULL"},

@@ -45,8 +45,7 @@ TEST(nxDoubleValueWrapper, TwoNumbersAreMarksAndAllOthersAreValues)
     {
         double number;
         nxEnumValue status;
-        const char* text;
-        const char* logText;
+        const char *text, *logText;
     };
     const Row rows[] = {
         {4503599627370495.0, NX_VALUE_STATUS_NULL, "", "4.503600e+15"},
@@ -79,8 +78,7 @@ TEST(nxDoubleValueWrapper, ComparesWithATolerance)
 {
     struct Row
     {
-        double a;
-        double b;
+        double a, b;
         int order;  // 2: neither equal nor ordered
     };
     constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -133,20 +131,16 @@ TEST(nxDoubleValueWrapper, MaximumAndMinimumPassOverWhatIsNoValue)
     const Value noChange = Value::GetNoChangeInstance();
     struct Row
     {
-        Value a;
-        Value b;
-        double maximum;
-        double minimum;
+        Value a, b;
+        double maximum, minimum;
     };
-    const Row rows[] = {
-        {null, 5, 5, 5},
-        {5, null, 5, 5},
-        {5, noChange, 5, 5},
-        {3, 3.000000001, 3, 3},
-        {3.000000001, 3, 3.000000001, 3.000000001},
-        {3, 4, 4, 3},
-        {null, noChange, Value::NoChangeValue, Value::NoChangeValue},
-    };
+    const Row rows[] = {{null, 5, 5, 5},
+                        {5, null, 5, 5},
+                        {5, noChange, 5, 5},
+                        {3, 3.000000001, 3, 3},
+                        {3, 4, 4, 3},
+                        {3.000000001, 3, 3.000000001, 3.000000001},
+                        {null, noChange, Value::NoChangeValue, Value::NoChangeValue}};
     for (const Row& row : rows)
     {
         EXPECT_EQ(static_cast<double>(null.GetMax(row.a, row.b)), row.maximum);
@@ -188,8 +182,7 @@ TEST(nxValueWrapper, PrintsAndReads)
     {
         const char* read;
         bool accepted;
-        const char* text;
-        const char* logText;
+        const char *text, *logText;
     };
     const Row rows[] = {{"300", true, "300", "300"},
                         {"4294967293", true, "4294967293", "4294967293"},
