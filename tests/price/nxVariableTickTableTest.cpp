@@ -555,7 +555,7 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
         "5 0.01; 900000000000000000 0.5; 9223372036854775806 3; 7",
         "562949953.421310 0.000001; 2",  // the top band begins with the last number that the integers take
         "562949953.421311 0.000001; 2",  // and one behind it
-        "10 0.0000000000000000001; 1",   // a tick that no price of the next band can be put to
+        "0.1 0.0000000000000000001; 1",  // a tick that no price of the next band can be put to
         "0.4 1; 0.7 2.00; 5",            // one step leads from any price of a band beyond it, to other places
         "0.1 0.3; 0.4 1.00; 0.5 7; 0.9 4.000; 5",
     };
@@ -593,6 +593,7 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"10 0.01; 1", 184467440737096016, 0},         // until that falls below 10.00, after 500 steps,
         {"10 0.01; 1", -184467440738095517, 0},        // or a thousand million
         {"10 0.01; 1", 92233720368548258, 0},          // or once the difference no longer exceeds 2^63
+        {"0.00000000000000001", 1234567891, 18},       // as many places as a power of ten has
         {"10 4000000000.00; 1", 20, 0},                // the tick below is larger, and finer
         {"1000000000000 0.0001; 0.05", 3141592, 4},    // bounds beyond the integers
         {"1000000000000 0.0001; 0.05", 314159265, 7},  //
