@@ -9,6 +9,8 @@
 #include <ctime>
 #include <limits>
 
+#include "core/platform/nxSpin.h"
+
 namespace
 {
 constexpr std::int64_t SliceNanoseconds = 100'000'000;
@@ -37,7 +39,7 @@ void Sleep(std::atomic<std::uint32_t>& word, std::uint32_t whileEqual, std::int6
 
 bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
 {
-    if (TryWait())
+    if (TryWait() || (nanoseconds != 0 && nxSpin::Until([this] { return TryWait(); })))
         return true;
     const std::int64_t deadline = DeadlineAfter(nanoseconds);
     while (!TryWait())

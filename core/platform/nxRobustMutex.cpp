@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <ctime>
 
+#include "core/platform/nxSpin.h"
+
 namespace
 {
 #if defined(__SANITIZE_THREAD__)
@@ -43,7 +45,10 @@ int LockForASlice(pthread_mutex_t& mutex)
 
 int nxRobustMutex::Wait(pthread_mutex_t& mutex)
 {
-    int result = LockForASlice(mutex);
+    int result = EBUSY;
+    if (nxSpin::Until([&] { return (result = pthread_mutex_trylock(&mutex)) != EBUSY; }))
+        return result;
+    result = LockForASlice(mutex);
     while (result == ETIMEDOUT)
         result = LockForASlice(mutex);
     return result;

@@ -1,0 +1,39 @@
+#ifndef CORE_PLATFORM_NXSPIN_H
+#define CORE_PLATFORM_NXSPIN_H
+
+/// Waits a moment for what another processor is about to do: much shorter than putting the thread to sleep and waking
+/// it takes, and given up soon, because whoever is waited for may not be running.
+///
+/// Threads: no state.
+class nxSpin
+{
+public:
+    nxSpin() = delete;
+
+    /// Tries again and again, for about a microsecond. @return whether @p attempt returned true.
+    template <class Attempt>
+    static bool Until(const Attempt& attempt)
+    {
+        constexpr int pauses = 64;
+        for (int passed = 0, next = 1; passed < pauses; passed += next, next *= 2)
+        {
+            for (int i = 0; i < next; ++i)
+                _Pause();
+            if (attempt())
+                return true;
+        }
+        return false;
+    }
+
+private:
+    static void _Pause()
+    {
+#if defined(__x86_64__) || defined(__i386__)
+        __builtin_ia32_pause();
+#elif defined(__aarch64__)
+        __asm__ __volatile__("yield");
+#endif
+    }
+};
+
+#endif
