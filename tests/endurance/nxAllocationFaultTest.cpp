@@ -28,13 +28,7 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
         const char* name;
         std::function<std::string()> run;
     } scenarios[] = {
-        {"decimal",
-         [&]
-         {
-             nxDecimal price;
-             static_cast<void>(price.SetFromString(longText, '.'));
-             return price.GetAsString('.') + nxDecimal(5, 200).GetAsLogString('.');
-         }},
+        {"decimal", [&] { return nxDecimal(longText, '.').GetAsString('.') + nxDecimal(5, 200).GetAsLogString('.'); }},
         {"string helper",
          [&]
          {
@@ -51,25 +45,21 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              return fields.back();
          }},
         {"enumeration",
-         [&]
+         []
          {
              nxErrorEnum error;
              const std::string identifier = "NX_ERR_SECURITY_GIVE_NOTICE_USER_NODE_ACTIVE_CHILDREN";
              return error.SetFromString(identifier) ? error.GetLongDescription() + error.GetClassName() : "";
          }},
-        {"mask",
-         [&]
-         {
-             nxProductStateBitMask mask(0x3FFFFFFFu);
-             return mask.GetShortDescription(", ") + mask.GetLongDescription("; ");
-         }},
-        {"hex and version",
-         [&]
+        {"mask", [] { return nxProductStateBitMask(0x3FFFFFFFu).GetLongDescription("; "); }},
+        {"hex",
+         []
          {
              std::string text;
              nxAlgorithm::GetAsHex(std::vector<unsigned char>(100, 0xAB), text);
-             return text + nxVersionNumber::GetInstance().GetVersionNumber();
+             return text;
          }},
+        {"version", [] { return nxVersionNumber::GetInstance().GetVersionNumber(); }},
         {"custom tick table",
          [&]
          {
@@ -88,12 +78,8 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              options.GetArgs(all);
              return options.GetArgValue("option") + std::to_string(all.size()) + options.GetEnvValue("NOT_SET");
          }},
-        {"dates",
-         [&]
-         {
-             nxDateTime when(nxDate(2024, 3, 5), nxTime(9, 7, 3));
-             return when.GetAsString() + nxTimeStamp(0, 0).GetAsString();
-         }},
+        {"date", [] { return nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)).GetAsString(); }},
+        {"time stamp", [] { return nxTimeStamp(0, 0).GetAsString(); }},
         {"named object",
          [&]
          {

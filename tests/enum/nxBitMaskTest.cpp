@@ -145,10 +145,9 @@ TYPED_TEST(AnyBitMask, ClearsTestsAndComparesBits)
     EXPECT_EQ(set.size(), 2u);
 }
 
-TYPED_TEST(AnyBitMask, HasSixteenBytesAndTheVirtualSlotsInTheirOrder)
-{
-    EXPECT_EQ(sizeof(TypeParam), 2 * sizeof(void*));
 #if defined(__x86_64__)
+TYPED_TEST(AnyBitMask, HasItsVirtualSlotsInTheirOrder)
+{
     using Base = std::conditional_t<sizeof(typename TypeParam::Word) == 4, nxBitMask, nxBitMask64>;
     using Generic = std::conditional_t<sizeof(typename TypeParam::Word) == 4, nxGenericBitMask, nxGenericBitMask64>;
     using Text = std::string (Base::*)(const std::string&) const;
@@ -164,8 +163,8 @@ TYPED_TEST(AnyBitMask, HasSixteenBytesAndTheVirtualSlotsInTheirOrder)
     EXPECT_EQ(nxVirtualSlot(&Base::GetClassName), 11u);
     EXPECT_EQ(nxVirtualSlot(static_cast<std::string (Generic::*)() const>(&Generic::GetShortDescription)), 12u);
     EXPECT_EQ(nxVirtualSlot(static_cast<std::string (Generic::*)() const>(&Generic::GetLongDescription)), 13u);
-#endif
 }
+#endif
 
 TEST(nxBitMask, DescribesItsFlagsLowestFirst)
 {

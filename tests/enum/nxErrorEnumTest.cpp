@@ -102,12 +102,11 @@ TEST(nxErrorEnum, EveryWordingIsInTheStyleOfItsBlock)
 
 TEST(nxErrorEnum, SuccessTimeoutsAndSecurityErrorsAreTold)
 {
-    struct Row
+    const struct
     {
         unsigned value;
         bool isOK, isTimeout, isSecurity;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {0, true, false, false},
         {2, false, false, false},  // "no change" is not success
         {NX_ERR_NOT_FOUND, false, false, false},
@@ -122,7 +121,7 @@ TEST(nxErrorEnum, SuccessTimeoutsAndSecurityErrorsAreTold)
         {1001048, false, false, true},
         {1001049, false, false, false},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
     {
         SCOPED_TRACE(row.value);
         const nxErrorEnum error(row.value);

@@ -6,7 +6,6 @@
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <ctime>
@@ -15,7 +14,6 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
-#include "core/thread/nxThreadIndex.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxRedirected.h"
 #include "tests/support/nxSanitizer.h"
@@ -137,22 +135,6 @@ private:
 };
 }  // namespace
 
-TEST_F(nxFileLogDeviceTest, WritesLinesInBothForms)
-{
-    ASSERT_TRUE(Create());
-    const bool before = Manager().GetLogThreadIndex();
-    Manager().SetLogThreadIndex(true);
-    Device().Write(Record("with index", NX_LOG_LEVEL_FATAL));
-    Manager().SetLogThreadIndex(false);
-    Device().Write(Record(""));
-    Manager().SetLogThreadIndex(before);
-    const std::string index = std::to_string(nxThreadIndex::GetIndexOfCurrentThread());
-    EXPECT_EQ(nxReadFile(Device().GetFileName()), "[FTL][05Mar24 09:07:03.123.456][" + index +
-                                                      "] with index [tests/device:107]\r\n" +
-                                                      "[INF][05Mar24 09:07:03.123.456]  [tests/device:107]\r\n");
-    EXPECT_EQ(GetErrors(), "");
-}
-
 TEST_F(nxFileLogDeviceTest, NamesFilesByDateApplicationStartProcessAndSequence)
 {
     ASSERT_TRUE(Create());
@@ -190,10 +172,12 @@ TEST_F(nxFileLogDeviceTest, IsRegisteredFromCreateToDestroy)
     Device().Destroy();
     EXPECT_EQ(GetFiles().size(), 1U);
     ASSERT_TRUE(Create());
+    EXPECT_EQ(Device().GetLineSink()->GetLineStyle(), (nxLogLineStyle{nxLogLineStyle::Full, true}));
     Manager().ImmediateWrite(Record("two"));
     const std::string before = nxReadFile(first), after = nxReadFile(Device().GetFileName());
     EXPECT_EQ(Count(before, "one") + Count(before, "] queued ["), 2U);
-    EXPECT_EQ(Count(after, "two"), 1U);
+    EXPECT_EQ(after.substr(0, 28), "[INF][05Mar24 09:07:03.123.4");
+    EXPECT_EQ(Count(after, "] two [tests/device:107]\r\n"), 1U);
     EXPECT_EQ(Count(before, "two") + Count(before + after, "nowhere"), 0U);
 }
 

@@ -1,7 +1,6 @@
 #ifndef TESTS_SUPPORT_NXSYSTEMCALLFAULT_H
 #define TESTS_SUPPORT_NXSYSTEMCALLFAULT_H
 
-#include <string>
 
 /// Makes a function of the C library fail, for as long as the object lives.
 ///

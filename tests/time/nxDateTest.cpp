@@ -25,12 +25,7 @@ std::string Streamed(const Value& value)
 
 TEST(nxDate, AcceptsTheDaysOfTheCalendarAndNoOthers)
 {
-    struct Row
-    {
-        const char* text;
-        bool accepted;
-    };
-    const Row rows[] = {
+    const std::pair<const char*, bool> rows[] = {
         {"20240229", true},    {"20230228", true},  {"20230229", false}, {"19000228", true},  {"19000229", false},
         {"20000229", true},    {"20240131", true},  {"20240132", false}, {"20240430", true},  {"20240431", false},
         {"20241231", true},    {"20241301", false}, {"20240001", false}, {"20240100", false}, {"00010101", true},
@@ -38,13 +33,12 @@ TEST(nxDate, AcceptsTheDaysOfTheCalendarAndNoOthers)
         {"", false},           {"-2024030", false}, {"2024 305", false}, {"2024030x", false}, {"2024-03-05", false},
         {"4315207601", false},  // 20240305 modulo 2^32
     };
-    for (const Row& row : rows)
+    for (const auto& [text, accepted] : rows)
     {
-        SCOPED_TRACE(row.text);
+        SCOPED_TRACE(text);
         nxDate date(1999, 12, 31);
-        EXPECT_EQ(date.SetFromString(row.text),
-                  nxErrorEnum(row.accepted ? NX_ENUM_UNDEFINED : NX_ERR_INVALID_PARAMETER));
-        EXPECT_EQ(date.GetAsString(), row.accepted ? row.text : "19991231");
+        EXPECT_EQ(date.SetFromString(text), nxErrorEnum(accepted ? NX_ENUM_UNDEFINED : NX_ERR_INVALID_PARAMETER));
+        EXPECT_EQ(date.GetAsString(), accepted ? text : "19991231");
     }
     EXPECT_TRUE(nxDate(20230229U).IsNull());
     EXPECT_TRUE(nxDate(2023, 2, 29).IsNull());
@@ -164,14 +158,13 @@ TEST(nxTime, HoldsOnlyTimesOfADay)
 TEST(nxDateTime, IsTheLocalTimeOfAMoment)
 {
     const nxZoneOfProcess zone("FIX-5:30");
-    struct Row
+    const struct
     {
         long long seconds;
         unsigned nanoseconds;
         const char* text;
         unsigned fraction;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {0, 0, "01 Jan 1970 05:30:00", 0},
         {1709609823, 123'456'789, "05 Mar 2024 09:07:03", 123'456'789},
         {-1, 999'999'999, "01 Jan 1970 05:29:59", 999'999'999},
@@ -184,7 +177,7 @@ TEST(nxDateTime, IsTheLocalTimeOfAMoment)
         {LLONG_MAX, 4'000'000'000, "", 0},
         {LLONG_MIN, 0, "", 0},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
     {
         SCOPED_TRACE(row.seconds);
         const nxDateTime moment(row.seconds, row.nanoseconds);
@@ -196,36 +189,29 @@ TEST(nxDateTime, IsTheLocalTimeOfAMoment)
 
 TEST(nxDateTime, IsADateWithATimeOrATimeAlone)
 {
-    struct Row
-    {
-        nxDateTime value;
-        bool isNull;
-        bool isTimeOnly;
-        const char* logText;
-    };
     const nxDate date(2024, 3, 5);
-    const Row rows[] = {
-        {nxDateTime(date, nxTime(9, 7, 3)), false, false, "05 Mar 2024 09:07:03"},
-        {nxDateTime(date, nxTime()), true, false, "NULL"},
-        {nxDateTime(nxDate(), nxTime(9, 7, 3)), false, true, "09:07:03"},
-        {nxDateTime(8, 30, 0), false, true, "08:30:00"},
-        {nxDateTime(24, 0, 0), true, false, "NULL"},
-        {nxDateTime(), true, false, "NULL"},
-    };
-    for (const Row& row : rows)
+    const nxDateTime whole(date, nxTime(9, 7, 3));
+    const nxDateTime timeOnly(8, 30, 0);
+    const std::pair<nxDateTime, const char*> values[] = {
+        {whole, "05 Mar 2024 09:07:03"}, {nxDateTime(nxDate(), nxTime(9, 7, 3)), "09:07:03"}, {timeOnly, "08:30:00"}};
+    for (const auto& [value, text] : values)
     {
-        SCOPED_TRACE(row.logText);
-        EXPECT_EQ(row.value.IsNull(), row.isNull);
-        EXPECT_EQ(row.value.IsTimeOfDayOnly(), row.isTimeOnly);
-        EXPECT_EQ(Streamed(row.value), row.logText);
-        EXPECT_EQ(row.value.GetAsString(), row.isNull ? "" : row.logText);
+        EXPECT_FALSE(value.IsNull()) << text;
+        EXPECT_EQ(value.IsTimeOfDayOnly(), text[2] == ':') << text;
+        EXPECT_EQ(Streamed(value), text);
+        EXPECT_EQ(value.GetAsString(), text);
+    }
+    for (const nxDateTime& null : {nxDateTime(date, nxTime()), nxDateTime(24, 0, 0), nxDateTime()})
+    {
+        EXPECT_TRUE(null.IsNull() && !null.IsTimeOfDayOnly());
+        EXPECT_EQ(Streamed(null), "NULL");
+        EXPECT_EQ(null.GetAsString(), "");
     }
     EXPECT_EQ(nxDateTime(date, nxTime()), nxDateTime());
     EXPECT_LT(nxDateTime(), nxDateTime(8, 30, 0));
     EXPECT_LT(nxDateTime(23, 0, 0), nxDateTime(date, nxTime(0, 0, 0)));
     EXPECT_LT(nxDateTime(date, nxTime(0, 0, 0)), nxDateTime(date, nxTime(0, 0, 0, 1)));
-    EXPECT_EQ(std::unordered_set<nxDateTime>({rows[0].value, nxDateTime(date, nxTime(9, 7, 3)), rows[3].value}).size(),
-              2U);
+    EXPECT_EQ(std::unordered_set<nxDateTime>({whole, nxDateTime(date, nxTime(9, 7, 3)), timeOnly}).size(), 2U);
 }
 
 TEST(nxDateTime, FormatsByAPatternInEnglish)

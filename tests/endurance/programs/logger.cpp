@@ -249,15 +249,6 @@ int ExitInAThread()
     return 4;
 }
 
-int ExitAtOnce()
-{
-    AppendToOutput();
-    NX_LOG(NX_LOG_LEVEL_INFO) << "waited for";
-    WaitForLog();
-    NX_LOG(NX_LOG_LEVEL_INFO) << "perhaps lost";
-    _exit(0);
-}
-
 int ExitWhileStalled()
 {
     Register(
@@ -278,8 +269,6 @@ int ExitInsideADevice()
     for (;;)
         pause();
 }
-
-int LogNothing() { return 0; }
 
 // The parent's queue holds records that no device has had yet.
 int ForkWithAFullQueue()
@@ -344,10 +333,8 @@ int main(int argc, char** argv)
         {"rotate", [&] { return Rotate(count); }},
         {"return-from-main", ReturnFromMain},
         {"exit-in-a-thread", ExitInAThread},
-        {"exit-at-once", ExitAtOnce},
         {"exit-while-stalled", ExitWhileStalled},
         {"exit-inside-a-device", ExitInsideADevice},
-        {"log-nothing", LogNothing},
         {"fork-with-a-full-queue", ForkWithAFullQueue},
         {"wait-for-a-device", WaitForADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument); }},
