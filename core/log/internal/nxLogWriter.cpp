@@ -545,6 +545,7 @@ void nxLogWriter::AfterForkInChild() noexcept
     // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
     [[gnu::used]] static Round* caught;
     caught = _round.release();
+    static_cast<void>(caught);  // clang++ takes a variable that is only written for a mistake
     [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
     ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
     _earlyBytes = 0;
