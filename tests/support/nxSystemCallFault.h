@@ -1,7 +1,6 @@
 #ifndef TESTS_SUPPORT_NXSYSTEMCALLFAULT_H
 #define TESTS_SUPPORT_NXSYSTEMCALLFAULT_H
 
-
 /// Makes a function of the C library fail, for as long as the object lives.
 ///
 /// A test program that mentions this class contains functions of the same names as the C library's (the list stands in
