@@ -47,8 +47,8 @@ CLASSES = {
          "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h", "core/price/internal/nxTickRun.cpp"],
         ["tests/price/nxVariableTickTableTest.cpp"]),
 }
-# Library sources that hold more of a class's inline functions than its own.
-SHARED_SOURCES = ["core/numeric/nxDecimal.cpp"]
+# Library sources through which the tests come to more of a class's inline functions than through its own.
+SHARED_SOURCES = ["core/numeric/nxDecimal.cpp", "core/time/nxTime.cpp"]
 HANG = 30  # seconds; the tests of a class take one or two
 SANITIZERS = ["-fsanitize=address,undefined,float-cast-overflow", "-fno-sanitize-recover=all"]
 # (pattern, replacements): what one slip of the hand turns into another.

@@ -76,7 +76,7 @@ add_row valgrind 1
 
 row_mutants()
 {
-    scripts/mutants.py --minutes $((seconds / 60 + 1)) --seed "$RANDOM" | tee build/endure/mutants.log | tail -n 3
+    scripts/mutants.py --count 1000 --minutes $((seconds / 60 + 1)) --seed "$RANDOM" | tee build/endure/mutants.log | tail -n 3
     report mutants "$(tail -n 3 build/endure/mutants.log | sed 's/ mutants killed//' | paste -sd ';')" 0
 }
 add_row mutants 2
