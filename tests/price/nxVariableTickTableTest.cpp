@@ -590,6 +590,7 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
         {"10 0.01; 1", -9000000000000000007, 0},       //
         {"10 0.01; 1", 200000000000000000, 0},         // it wraps to a difference that looks like one
+        {"10 0.001; 1.0", 210000000000000005, 1},      // also from one place to three,
         {"10 0.01; 1", 184467440737096016, 0},         // until that falls below 10.00, after 500 steps,
         {"10 0.01; 1", -184467440738095517, 0},        // or a thousand million
         {"10 0.01; 1", 92233720368548258, 0},          // or once the difference no longer exceeds 2^63
