@@ -202,18 +202,25 @@ struct RememberedBand
     }
 };
 
-template <class Job>
-void RememberedBandAlone(benchmark::State& state, const Market* market)
+// Does the job with the tick of each price.
+template <class DoJob>
+void WithTicks(benchmark::State& state, const Market& market, DoJob doJob)
 {
     RememberedBand band;
     std::size_t i = 0;
     for (auto _ : state)
     {
-        const nxDecimal& price = market->prices[i++ % ringSize];
+        const nxDecimal& price = market.prices[i++ % ringSize];
         if (!band.Contains(price))
-            band.Find(*market, price);
-        Job::ByBand(price, band.tick);
+            band.Find(market, price);
+        doJob(price, band.tick);
     }
+}
+
+template <class Job>
+void RememberedBandAlone(benchmark::State& state, const Market* market)
+{
+    WithTicks(state, *market, [](const nxDecimal& price, const nxDecimal& tick) { Job::ByBand(price, tick); });
 }
 
 // The mutex is of the type that nxMutex wraps.
@@ -285,15 +292,9 @@ void DoubleFloor(benchmark::State& state, const Market* market)
 // The same as DoubleFloor for a caller whose prices are decimals, there and back.
 void DoubleFloorOfDecimal(benchmark::State& state, const Market* market)
 {
-    RememberedBand band;
-    std::size_t i = 0;
-    for (auto _ : state)
-    {
-        const nxDecimal& price = market->prices[i++ % ringSize];
-        if (!band.Contains(price))
-            band.Find(*market, price);
-        Consume(nxDecimal(Round::ByDouble(price.GetAsDouble(), band.tick.GetAsDouble()), places));
-    }
+    WithTicks(state, *market,
+              [](const nxDecimal& price, const nxDecimal& tick)
+              { Consume(nxDecimal(Round::ByDouble(price.GetAsDouble(), tick.GetAsDouble()), places)); });
 }
 
 template <class Job>

@@ -90,19 +90,20 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
             EXPECT_NE(nxApplicationData::GetProcessID(), parent);
             EXPECT_GE(nxApplicationData::GetStartTime(), parentStart);
         }));
-    // Whoever held a mutex at the moment of the fork does not exist in the child.
+    // Whoever held a mutex at the moment of the fork does not exist in the child. The texts are too short for an
+    // allocator, whose locks the address sanitizer does not give back in the child.
     const nxBusyThread asking(
         []
         {
             nxApplicationData::GetApplicationName();
-            nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
+            nxCmdLineArgs::GetInstance().GetEnvValue("NX_NONE");
         });
     for (int i = 0; i < 100 && !HasFailure(); ++i)
         EXPECT_TRUE(nxInChild(
             []
             {
                 nxApplicationData::SetApplicationName(nxApplicationData::GetApplicationName() + "x");
-                nxCmdLineArgs::GetInstance().GetEnvValue("PATH");
+                nxCmdLineArgs::GetInstance().GetEnvValue("NX_NONE");
             }));
 }
 

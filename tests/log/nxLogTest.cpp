@@ -83,6 +83,8 @@ TEST(nxLog, EveryValueBecomesItsText)
         {TextOf(nxDoubleValueWrapper::GetNoChangeInstance()), "NO_CHANGE"},
         {TextOf(nxDoubleValueWrapper::GetNullInstance()), "4.503600e+15"},
         {TextOf(nxErrorEnum(NX_ERR_NOT_FOUND)), "NX_ERR_NOT_FOUND"},
+        {TextOf(nxErrorEnum(NX_ERR_BACK_TESTING_PRICE_PLAYBACK_PRODUCT_ALREADY_IN_USE)),
+         "NX_ERR_BACK_TESTING_PRICE_PLAYBACK_PRODUCT_ALREADY_IN_USE"},
         {TextOf(nxLogLevelEnum(NX_LOG_LEVEL_FATAL)), "FTL"},
         {TextOf(mask), "CLOSED EXPIRING"},
         {TextOf(nxGenericBitMask64()), "No Description Available"},

@@ -10,19 +10,12 @@
 #include <unordered_set>
 
 #include "core/text/nxDoubleValueWrapper.h"
+#include "tests/support/nxStreamed.h"
 
 namespace
 {
 using Unsigned = nxValueWrapper<unsigned int>;
 using Signed = nxValueWrapper<int>;
-
-template <class Value>
-std::string Streamed(const Value& value)
-{
-    std::ostringstream stream;
-    stream << value;
-    return stream.str();
-}
 }  // namespace
 
 static_assert(std::is_same_v<Unsigned, nxValueWrapper<unsigned int, 0xFFFFFFFF, 0xFFFFFFFE>>);

@@ -10,18 +10,8 @@
 
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
+#include "tests/support/nxStreamed.h"
 #include "tests/support/nxZoneOfProcess.h"
-
-namespace
-{
-template <class Value>
-std::string Streamed(const Value& value)
-{
-    std::ostringstream stream;
-    stream << value;
-    return stream.str();
-}
-}  // namespace
 
 TEST(nxDate, AcceptsTheDaysOfTheCalendarAndNoOthers)
 {

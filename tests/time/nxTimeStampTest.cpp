@@ -163,7 +163,17 @@ TEST(nxTimeStamp, PrintsInAForkedChild)
     const nxTimeStamp stamp(1'689'000'000, 0);
     const std::string expected = "10Jul23 16:40:00.000.000";
     EXPECT_EQ(Fast(stamp), expected);
-    const nxBusyThread busy([] { Expected(0, 0); });
+    // In the locks of the C library and ours, but not in those of an allocator, which the address sanitizer's does not
+    // give back in the child.
+    const nxBusyThread busy(
+        []
+        {
+            const std::time_t second = 0;
+            std::tm fields;
+            localtime_r(&second, &fields);
+            char text[nxTimeStamp::TextSize];
+            nxTimeStamp(0, 0).GetAsStringFast(text, sizeof text);
+        });
     for (int i = 0; i < 20; ++i)
         EXPECT_TRUE(nxInChild(
             [&]

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "core/enum/nxEnumTable.h"
 #include "core/log/nxLogStream.h"
 #include "core/text/nxDigits.h"
 
@@ -23,7 +24,7 @@ public:
     static constexpr std::size_t LargestRecord = 4096;
 
     /// The room that the text of so many bytes of values may take, bytes behind it that are overwritten included.
-    static constexpr std::size_t GetRoom(std::size_t bytes) { return 5 * bytes + 16; }
+    static constexpr std::size_t GetRoom(std::size_t bytes) { return 8 * bytes + 16; }
 
     /// Whether any of the eight bytes of @p word may be a control byte. Errs on the side of yes, for tabs. Told by the
     /// bits of ControlBits.
@@ -96,8 +97,8 @@ public:
                 {
                     const std::string* text;
                     std::memcpy(&text, at, sizeof text);
-                    // No more room than the record's own bytes have been given.
-                    if (text->size() > 4 * sizeof text)
+                    // For more its nine bytes have not been given room.
+                    if (text->size() > nxEnumTable::MaximumTextSize)
                         return nullptr;
                     suspicion |= _Copy(out, text->data(), text->size());
                     out += text->size();
@@ -131,6 +132,7 @@ public:
     }
 
 private:
+    static_assert(nxEnumTable::MaximumTextSize + 8 <= 8 * (1 + sizeof(const std::string*)), "see GetRoom()");
     static_assert(std::endian::native == std::endian::little, "texts are shifted in words, first character lowest");
     static constexpr std::uint64_t _blanks = 0x2020202020202020;
 
