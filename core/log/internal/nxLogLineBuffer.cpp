@@ -318,6 +318,8 @@ void nxLogLineBuffer::_MakePrefix(const nxLogRecord& record, const nxLogTimeText
         }
     }
     _Put("] ");
+    // "[", "][", "][", "/" and "] ", two numbers of 32 bits, the level and the time.
+    static_assert(9 + 2 * 10 + longestLevel + nxLogTimeText::Size <= Prefix::Longest);
     _prefix.size = static_cast<std::size_t>(_cursor - begin);
     _prefix.timeAt = static_cast<std::size_t>((timeAt != nullptr ? timeAt : _cursor) - begin);
     std::memcpy(_prefix.text, begin, sizeof _prefix.text);

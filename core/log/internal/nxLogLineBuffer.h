@@ -60,7 +60,7 @@ private:
     struct Prefix
     {
         static constexpr std::uint64_t None = ~std::uint64_t{0};
-        static constexpr std::size_t Longest = 64;
+        static constexpr std::size_t Longest = 72;
 
         std::uint64_t key = None;
         std::size_t size = 0;
