@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr std::int64_t SliceNanoseconds = 100'000'000;
+constexpr std::int64_t SliceNanoseconds = 50'000'000;
 
 std::int64_t Now()
 {

@@ -8,7 +8,7 @@
 
 /// A semaphore that lives in memory shared by processes, any of which may be killed at any moment.
 ///
-/// One word: the count and a bit that says that somebody may be asleep. Nobody sleeps longer than 100 ms without
+/// One word: the count and a bit that says that somebody may be asleep. Nobody sleeps longer than 50 ms without
 /// looking again, so nothing depends on a wake-up that a killed process did not get to make.
 class NX_CORE_API nxNamedSemaphore
 {

@@ -25,7 +25,7 @@ int LockForASlice(pthread_mutex_t& mutex)
     return result == EBUSY ? ETIMEDOUT : result;
 }
 #else
-constexpr long SliceNanoseconds = 100'000'000;
+constexpr long SliceNanoseconds = 50'000'000;
 
 int LockForASlice(pthread_mutex_t& mutex)
 {

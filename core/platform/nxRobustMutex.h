@@ -7,7 +7,7 @@
 ///
 /// When a mutex is given back, the system wakes one waiter. If that one is killed before it has taken the mutex, while
 /// somebody new has taken and freed it, nobody wakes the others, and they would sleep although the mutex is free. So
-/// nobody sleeps for good: a waiter looks again ten times a second.
+/// nobody sleeps for good: a waiter looks again twenty times a second, so that the next one is in within 100 ms.
 class nxRobustMutex
 {
 public:

@@ -16,7 +16,7 @@
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once; the other
 ///   processes use the memory as it is, without constructing. Such a mutex is never unmapped while it is held, and its
 ///   users live in one process-id namespace. Make it robust if processes may be killed: a holder's death is then told
-///   to the next one, and no death of a waiter makes the others wait for ever, since Lock() looks again every 100 ms.
+///   to the next one, and no death of a waiter makes the others wait for ever, since Lock() looks again every 50 ms.
 /// - Fork: a mutex held by the forking thread is held by nobody in the child and cannot be unlocked there; construct it
 ///   anew in place.
 /// - A mutex constructed with the default constructor is a constant: it can be used before main, in any static
