@@ -54,7 +54,7 @@ private:
     static std::uint16_t _LowerHalf(const unsigned& value) { return _Half(value, _littleEndian ? 0 : 1); }
     static std::uint16_t _Half(const unsigned& value, std::size_t index)
     {
-        static_assert(sizeof value == 2 * sizeof(std::uint16_t));
+        static_assert(sizeof value == 2 * sizeof(std::uint16_t) && PageSize == 65536 && PageCount == 65536);
         std::uint16_t half;
         std::memcpy(&half, reinterpret_cast<const char*>(&value) + index * sizeof half, sizeof half);
         return half;

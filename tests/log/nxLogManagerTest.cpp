@@ -342,9 +342,12 @@ TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
 {
     std::atomic<int> inside{0};
     std::atomic<int> most{0};
+    std::atomic<int> ours{0};
     Device device(
-        [&](const nxLog&)
+        [&](const nxLog& record)
         {
+            // The log may report by itself that callers had to wait.
+            ours += record.GetText() == "at once" || record.GetText() == "queued";
             most = std::max(most.load(), ++inside);
             std::this_thread::yield();
             --inside;
@@ -364,12 +367,13 @@ TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
                     }
                 });
     WaitUntilWritten();
-    EXPECT_EQ(device.writes, 4 * 500 * 3);
+    EXPECT_EQ(ours, 4 * 500 * 3);
     EXPECT_EQ(most, 1);
     Manager().UnregisterAllLogDevices();
+    const int writes = device.writes;
     NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
     WaitUntilWritten();
-    EXPECT_EQ(device.writes, 4 * 500 * 3);
+    EXPECT_EQ(device.writes, writes);
 }
 
 TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)

@@ -23,7 +23,6 @@ constexpr std::size_t longestValue = 256;
 constexpr std::size_t longestLevel = 16;
 constexpr std::string_view cutMark = "... [cut]";
 constexpr char hexDigits[] = "0123456789ABCDEF";
-constexpr char lowerHexDigits[] = "0123456789abcdef";
 
 bool IsControl(unsigned char byte) { return (byte < 0x20 && byte != '\t') || byte == 0x7F; }
 
@@ -58,18 +57,6 @@ std::uint64_t PrefixKey(const nxLogRecord& record, const nxLogTimeText& time, co
     const std::uint64_t shown = (time.IsEmpty() ? 0U : 1U) | (thread.index ? 2U : 0U) | (thread.processor ? 4U : 0U);
     return std::uint64_t{record.threadIndex} << 32 | processor << 16 | std::uint64_t{record.level & 0xFF} << 8 |
            shown << 4 | static_cast<std::uint64_t>(style.form);
-}
-
-char* WriteHex(char* out, std::uint64_t value)
-{
-    char digits[16];
-    char* at = digits + sizeof digits;
-    do
-    {
-        *--at = lowerHexDigits[value & 15];
-        value >>= 4;
-    } while (value != 0);
-    return std::copy(at, digits + sizeof digits, out);
 }
 }  // namespace
 
@@ -209,42 +196,20 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
                 if (!_AppendText(*value.Get<const std::string*>(), escape))
                     return false;
                 break;
-            case nxLogTag::True:
-                _Put("TRUE");
-                break;
-            case nxLogTag::False:
-                _Put("FALSE");
-                break;
-            case nxLogTag::Signed32:
-                _cursor = nxDigits::WriteSigned(_cursor, value.Get<std::int32_t>());
-                break;
-            case nxLogTag::Unsigned32:
-                _cursor = nxDigits::Write(_cursor, value.Get<std::uint32_t>());
-                break;
-            case nxLogTag::Signed64:
-                _cursor = nxDigits::WriteSigned(_cursor, value.Get<std::int64_t>());
-                break;
-            case nxLogTag::Unsigned64:
-                _cursor = nxDigits::Write(_cursor, value.Get<std::uint64_t>());
-                break;
-            case nxLogTag::Decimal:
-                _cursor += value.Get<nxDecimal>().GetAsLogString(_cursor, '.');
-                break;
             case nxLogTag::Double:
                 if (!_AppendDouble(value.Get<double>()))
                     return false;
                 break;
-            case nxLogTag::Address:
-                _Put("0x");
-                _cursor = WriteHex(_cursor, value.Get<std::uint64_t>());
-                break;
             case nxLogTag::Cut:
                 _Put(cutMark);
                 break;
-            case nxLogTag::DestinationUser:
             case nxLogTag::SourceApplication:
-            case nxLogTag::End:
                 break;
+            default:
+            {
+                const char* bytes = value.GetBytes();
+                _cursor = nxLogPlainMessage::WriteValue(_cursor, value.GetTag(), bytes);
+            }
         }
         written += GetSize() - before;
         if (!_Ensure(longestValue))

@@ -19,7 +19,8 @@ struct nxLogLineThread
     bool processor;
 };
 
-/// A growing piece of memory in which records become text: the one place that knows how each value and each line looks.
+/// A growing piece of memory in which records become text: the one place that knows how each line looks. What each
+/// short value looks like nxLogPlainMessage knows.
 ///
 /// Errors: what there is no memory for is refused, and an incomplete line taken back. Threads: none.
 class nxLogLineBuffer

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "core/enum/nxEnumTable.h"
 #include "core/log/nxLogStream.h"
@@ -50,6 +51,39 @@ public:
         return size == 0 ? _blanks : _Load<std::uint8_t>(text) | _blanks << 8;
     }
 
+    /// Writes the text of a value that is short whatever it is, and sets @p at behind its bytes.
+    /// @param out has room for 64 bytes. @return the end of the text, or null for the tags of other values.
+    [[gnu::always_inline]] static char* WriteValue(char* out, nxLogTag tag, const char*& at) noexcept
+    {
+        switch (tag)
+        {
+            case nxLogTag::True:
+                return _WriteText(out, "TRUE");
+            case nxLogTag::False:
+                return _WriteText(out, "FALSE");
+            case nxLogTag::Signed32:
+                return nxDigits::WriteSigned(out, _Take<std::int32_t>(at));
+            case nxLogTag::Unsigned32:
+                return nxDigits::Write(out, _Take<std::uint32_t>(at));
+            case nxLogTag::Signed64:
+                return nxDigits::WriteSigned(out, _Take<std::int64_t>(at));
+            case nxLogTag::Unsigned64:
+                return nxDigits::Write(out, _Take<std::uint64_t>(at));
+            case nxLogTag::Decimal:
+                return out + _Take<nxDecimal>(at).GetAsLogString(out, '.');
+            case nxLogTag::Address:
+                return _WriteAddress(out, _Take<std::uint64_t>(at));
+            case nxLogTag::DestinationUser:
+                at += sizeof(std::uint32_t);
+                return out;
+            case nxLogTag::SourceApplication:
+                at += sizeof(std::uint32_t) + _Load<std::uint32_t>(at);
+                return out;
+            default:
+                return nullptr;
+        }
+    }
+
     /// Writes the text of the values from @p at to @p end, LargestRecord bytes at most.
     /// @param out has GetRoom(end - at) bytes. @return the end of the text, or null when it needs care.
     static char* Write(char* out, const char* at, const char* end, bool escape) noexcept
@@ -58,75 +92,29 @@ public:
         while (at != end)
         {
             const auto tag = static_cast<nxLogTag>(*at++);
-            switch (tag)
+            if (tag == nxLogTag::Text)
             {
-                case nxLogTag::Text:
-                {
-                    const std::size_t size = _Load<std::uint32_t>(at);
-                    at += sizeof(std::uint32_t);
-                    suspicion |= _CopyOfRecord(out, at, size);
-                    out += size;
-                    at += size;
-                    break;
-                }
-                case nxLogTag::Signed32:
-                    out = nxDigits::WriteSigned(out, static_cast<std::int32_t>(_Load<std::uint32_t>(at)));
-                    at += sizeof(std::int32_t);
-                    break;
-                case nxLogTag::Unsigned32:
-                    out = nxDigits::Write(out, _Load<std::uint32_t>(at));
-                    at += sizeof(std::uint32_t);
-                    break;
-                case nxLogTag::Signed64:
-                    out = nxDigits::WriteSigned(out, static_cast<std::int64_t>(_Load<std::uint64_t>(at)));
-                    at += sizeof(std::int64_t);
-                    break;
-                case nxLogTag::Unsigned64:
-                    out = nxDigits::Write(out, _Load<std::uint64_t>(at));
-                    at += sizeof(std::uint64_t);
-                    break;
-                case nxLogTag::Decimal:
-                {
-                    nxDecimal value;
-                    std::memcpy(static_cast<void*>(&value), at, sizeof value);
-                    out += value.GetAsLogString(out, '.');
-                    at += sizeof value;
-                    break;
-                }
-                case nxLogTag::KeptText:
-                {
-                    const std::string* text;
-                    std::memcpy(&text, at, sizeof text);
-                    // For more its nine bytes have not been given room.
-                    if (text->size() > nxEnumTable::MaximumTextSize)
-                        return nullptr;
-                    suspicion |= _Copy(out, text->data(), text->size());
-                    out += text->size();
-                    at += sizeof text;
-                    break;
-                }
-                case nxLogTag::True:
-                    std::memcpy(out, "TRUE", 4);
-                    out += 4;
-                    break;
-                case nxLogTag::False:
-                    std::memcpy(out, "FALSE", 5);
-                    out += 5;
-                    break;
-                case nxLogTag::DestinationUser:
-                    at += sizeof(std::uint32_t);
-                    break;
-                case nxLogTag::SourceApplication:
-                    at += sizeof(std::uint32_t) + _Load<std::uint32_t>(at);
-                    break;
-                case nxLogTag::End:
-                    at = end;
-                    break;
-                case nxLogTag::Cut:
-                case nxLogTag::Double:
-                case nxLogTag::Address:
-                    return nullptr;
+                const std::size_t size = _Load<std::uint32_t>(at);
+                at += sizeof(std::uint32_t);
+                suspicion |= _CopyOfRecord(out, at, size);
+                out += size;
+                at += size;
             }
+            else if (tag == nxLogTag::KeptText)
+            {
+                const std::string* text;
+                std::memcpy(&text, at, sizeof text);
+                // For more its nine bytes have not been given room.
+                if (text->size() > nxEnumTable::MaximumTextSize)
+                    return nullptr;
+                suspicion |= _Copy(out, text->data(), text->size());
+                out += text->size();
+                at += sizeof text;
+            }
+            else if (tag == nxLogTag::End)
+                break;
+            else if ((out = WriteValue(out, tag, at)) == nullptr)
+                return nullptr;
         }
         return escape && (suspicion & ControlBits) != 0 ? nullptr : out;
     }
@@ -135,6 +123,30 @@ private:
     static_assert(nxEnumTable::MaximumTextSize + 8 <= 8 * (1 + sizeof(const std::string*)), "see GetRoom()");
     static_assert(std::endian::native == std::endian::little, "texts are shifted in words, first character lowest");
     static constexpr std::uint64_t _blanks = 0x2020202020202020;
+
+    template <class Value>
+    static Value _Take(const char*& at)
+    {
+        Value value;
+        std::memcpy(static_cast<void*>(&value), at, sizeof value);
+        at += sizeof value;
+        return value;
+    }
+
+    static char* _WriteText(char* out, std::string_view text)
+    {
+        std::memcpy(out, text.data(), text.size());
+        return out + text.size();
+    }
+
+    static char* _WriteAddress(char* out, std::uint64_t address)
+    {
+        out = _WriteText(out, "0x");
+        int shift = address == 0 ? 0 : (63 - std::countl_zero(address)) / 4 * 4;
+        for (; shift >= 0; shift -= 4)
+            *out++ = "0123456789abcdef"[(address >> shift) & 15];
+        return out;
+    }
 
     template <class Integer>
     static std::uint64_t _Load(const char* bytes)

@@ -68,6 +68,8 @@ public:
     /// The text of Text and SourceApplication.
     std::string_view GetText() const { return {_value, _size}; }
 
+    const char* GetBytes() const { return _value; }  ///< Where the bytes of the value stand.
+
     /// The bytes of any other value.
     template <class Value>
     Value Get() const

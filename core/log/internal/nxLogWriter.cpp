@@ -365,9 +365,7 @@ void nxLogWriter::_WriteEarly() noexcept
     if (_early.empty() || _round->devices->empty())
         return;
     for (const nxLog& early : _early)
-    {
         _Pass(early._GetRecord());
-    }
     _early = std::vector<nxLog>();
     _earlyBytes = 0;
 }
