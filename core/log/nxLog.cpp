@@ -46,8 +46,8 @@ nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line,
 
 nxLog::nxLog(const nxLogRecord& record) noexcept
     : _level(static_cast<nxEnumValue>(record.level)),
-      _message(record.file, record.values, record.end),
-      _line(record.line),
+      _message(record.GetFile(), record.values, record.end),
+      _line(record.GetLine()),
       _timeStamp(record.time.seconds, record.time.nanoseconds),
       _threadIndex(record.threadIndex),
       _threadCPU(record.processor)
@@ -62,8 +62,8 @@ nxLogRecord nxLog::_GetRecord() const noexcept
     record.threadIndex = _threadIndex;
     record.processor = _threadCPU;
     record.source = nullptr;
-    record.file = _message.GetFile();
-    record.line = _line;
+    record.ownFile = _message.GetFile();
+    record.ownLine = _line;
     record.values = _message.GetValues();
     record.end = _message.GetEnd();
     return record;

@@ -1,8 +1,6 @@
 #include "core/log/nxLogLine.h"
 
 #include "core/log/internal/nxLogLineBuffer.h"
-#include "core/log/internal/nxLogRecord.h"
-#include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogManager.h"
 
@@ -13,6 +11,7 @@ void nxLogLine::Append(std::string& lines, const nxLog& record, const nxLogLineS
     time.Set(parts.time);
     nxLogLineBuffer line;
     const nxLogManager& manager = nxLogManager::GetInstance();
-    if (line.AppendLine(parts, time, style, {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()}))
+    line.SetStyle(style, {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()});
+    if (line.AppendLine(parts, time))
         lines.append(line.GetText(), line.GetSize());
 }

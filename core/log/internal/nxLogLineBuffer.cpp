@@ -5,11 +5,7 @@
 #include <string>
 
 #include "core/enum/nxLogLevelEnum.h"
-#include "core/log/internal/nxLogPlainMessage.h"
-#include "core/log/internal/nxLogRecord.h"
-#include "core/log/internal/nxLogTimeText.h"
 #include "core/log/internal/nxLogValueReader.h"
-#include "core/log/nxLogSource.h"
 #include "core/text/nxDigits.h"
 #include "core/text/nxStringHelper.h"
 
@@ -47,16 +43,6 @@ std::size_t CutPosition(std::string_view text, std::size_t limit)
     while (position > 0 && limit - position < 3 && IsContinuation(text[position]))
         --position;
     return IsContinuation(text[position]) ? limit : position;
-}
-
-// Equal for lines that begin alike but for the time.
-std::uint64_t PrefixKey(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                        nxLogLineThread thread)
-{
-    const std::uint64_t processor = thread.processor ? record.processor & 0xFFFF : 0;
-    const std::uint64_t shown = (time.IsEmpty() ? 0U : 1U) | (thread.index ? 2U : 0U) | (thread.processor ? 4U : 0U);
-    return std::uint64_t{record.threadIndex} << 32 | processor << 16 | std::uint64_t{record.level & 0xFF} << 8 |
-           shown << 4 | static_cast<std::uint64_t>(style.form);
 }
 }  // namespace
 
@@ -208,7 +194,7 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
             default:
             {
                 const char* bytes = value.GetBytes();
-                _cursor = nxLogPlainMessage::WriteValue(_cursor, value.GetTag(), bytes);
+                nxLogPlainMessage::WriteValue(_cursor, value.GetTag(), bytes);
             }
         }
         written += GetSize() - before;
@@ -242,92 +228,72 @@ bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
     return true;
 }
 
-void nxLogLineBuffer::_PutPrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                                 nxLogLineThread thread) noexcept
+// The time is left out; @p timeAt is where it goes, null for a line without one.
+void nxLogLineBuffer::_PutPrefixSlowly(const nxLogRecord& record, const nxLogTimeText& time, char*& timeAt) noexcept
 {
-    const std::uint64_t key = PrefixKey(record, time, style, thread);
-    if (key != _prefix.key) [[unlikely]]
-    {
-        _MakePrefix(record, time, style, thread);
-        _prefix.key = key;
-    }
-    // Fixed sizes cost less than the right ones.
-    std::memcpy(_cursor, _prefix.text, sizeof _prefix.text);
-    std::memcpy(_cursor + _prefix.timeAt, time.GetBytes(), nxLogTimeText::Size);
-    _cursor += _prefix.size;
-}
-
-void nxLogLineBuffer::_MakePrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                                  nxLogLineThread thread) noexcept
-{
-    char* const begin = _cursor;
-    char* timeAt = nullptr;
+    timeAt = nullptr;
     *_cursor++ = '[';
-    if (style.form != nxLogLineStyle::TimeAndText)
+    if (_style.form != nxLogLineStyle::TimeAndText)
         _PutLevel(record.level);
-    if (style.form == nxLogLineStyle::Full)
+    if (_style.form == nxLogLineStyle::Full)
         _Put("][");
-    if (style.form != nxLogLineStyle::LevelAndText && !time.IsEmpty())
+    if (_style.form != nxLogLineStyle::LevelAndText && !time.IsEmpty())
     {
         timeAt = _cursor;
         _cursor += nxLogTimeText::Size;
     }
-    if (style.form == nxLogLineStyle::Full && thread.index)
+    if (_style.form == nxLogLineStyle::Full && _thread.index)
     {
         _Put("][");
         _cursor = nxDigits::Write(_cursor, record.threadIndex);
-        if (thread.processor)
+        if (_thread.processor)
         {
             *_cursor++ = '/';
             _cursor = nxDigits::Write(_cursor, record.processor);
         }
     }
     _Put("] ");
+}
+
+void nxLogLineBuffer::_MakePrefix(std::uint64_t key, const nxLogRecord& record, const nxLogTimeText& time) noexcept
+{
     // "[", "][", "][", "/" and "] ", two numbers of 32 bits, the level and the time.
     static_assert(9 + 2 * 10 + longestLevel + nxLogTimeText::Size <= Prefix::Longest);
+    char* const begin = _cursor;
+    char* timeAt;
+    _PutPrefixSlowly(record, time, timeAt);
+    _prefix.key = key;
     _prefix.size = static_cast<std::size_t>(_cursor - begin);
-    _prefix.timeAt = static_cast<std::size_t>((timeAt != nullptr ? timeAt : _cursor) - begin);
+    _prefix.timeAt = timeAt != nullptr ? static_cast<std::size_t>(timeAt - begin) : _prefix.size;
     std::memcpy(_prefix.text, begin, sizeof _prefix.text);
     _cursor = begin;
 }
 
-bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                                   nxLogLineThread thread) noexcept
+bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeText& time) noexcept
 {
     if (!_Ensure(longestValue))
         return false;
-    _PutPrefix(record, time, style, thread);
+    char* timeAt;
+    _PutPrefixSlowly(record, time, timeAt);
+    if (timeAt != nullptr)
+        std::memcpy(timeAt, time.GetBytes(), nxLogTimeText::Size);
     if (!AppendMessage(record.values, record.end, true))
         return false;
-    if (style.form != nxLogLineStyle::Full)
+    if (_style.form != nxLogLineStyle::Full)
         return true;
     if (record.source == nullptr)
-        return AppendSuffix(record.file, record.line);
-    return _AppendSuffix(*record.source);
+        return AppendSuffix(record.ownFile, record.ownLine);
+    return _AppendText({record.source->suffix, record.source->suffixSize}, false);
 }
 
-bool nxLogLineBuffer::_AppendSuffix(const nxLogSource& source) noexcept
-{
-    if (source.suffixSize > nxLogSource::SuffixRoom) [[unlikely]]
-        return _AppendText({source.suffix, source.suffixSize}, false);
-    // A message leaves room for this.
-    static_assert(nxLogSource::SuffixRoom < longestValue);
-    std::memcpy(_cursor, source.suffix, nxLogSource::SuffixRoom);
-    _cursor += source.suffixSize;
-    return true;
-}
-
-bool nxLogLineBuffer::AppendLine(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                                 nxLogLineThread thread) noexcept
+bool nxLogLineBuffer::_AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept
 {
     const std::size_t start = GetSize();
-    if (!_AppendParts(record, time, style, thread) || !_Ensure(longestValue))
+    if (!_AppendParts(record, time) || !_Ensure(longestValue))
     {
         _cursor = _begin + start;
         return false;
     }
-    if (style.carriageReturn)
-        *_cursor++ = '\r';
-    *_cursor++ = '\n';
+    _cursor = _PutLineEnd(_cursor);
     return true;
 }

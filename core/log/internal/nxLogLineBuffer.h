@@ -6,11 +6,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/log/internal/nxLogPlainMessage.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLogLineSink.h"
-
-class nxLogTimeText;
-struct nxLogRecord;
-struct nxLogSource;
+#include "core/log/nxLogSource.h"
 
 /// What full lines tell about the reporting thread: "[7]", or "[7/1]" with the processor. Nothing without the index.
 struct nxLogLineThread
@@ -35,20 +35,39 @@ public:
     std::size_t GetSize() const { return static_cast<std::size_t>(_cursor - _begin); }
 
     /// Keeps the memory.
-    void Clear()
-    {
-        _cursor = _begin;
-        _prefix.key = Prefix::None;
-    }
+    void Clear() { _cursor = _begin; }
     /// Makes room for @p bytes, so that appending so many takes no further memory.
     bool Reserve(std::size_t bytes) noexcept { return _Ensure(bytes); }
     /// Gives memory back that a giant line has left behind.
     void ShrinkTo(std::size_t bytes) noexcept;
 
-    /// Appends one ended line. @param time the record's.
+    /// Sets what the lines that follow look like.
+    void SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept
+    {
+        _style = style;
+        _thread = thread;
+        _prefix.key = Prefix::None;
+    }
+
+    /// Appends one ended line. Inlined into the loop over the records. @param time the record's.
     /// @return false, with nothing appended, when there is no memory for it.
-    bool AppendLine(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                    nxLogLineThread thread) noexcept;
+    [[gnu::always_inline]] bool AppendLine(const nxLogRecord& record, const nxLogTimeText& time) noexcept
+    {
+        const auto size = static_cast<std::size_t>(record.end - record.values);
+        // Nearly every line: one look at the room for all of it, and one place in it that stays in a register.
+        if (size <= nxLogPlainMessage::LargestRecord && record.source != nullptr &&
+            record.source->suffixSize <= nxLogSource::SuffixRoom && !time.IsEmpty() &&
+            _Ensure(nxLogPlainMessage::GetRoom(size) + _longestFrame)) [[likely]]
+        {
+            char* const begin = _PutPrefix(_cursor, record, time);
+            if (char* const end = nxLogPlainMessage::Write(begin, record.values, record.end, true)) [[likely]]
+            {
+                _cursor = _PutEnd(end, *record.source);
+                return true;
+            }
+        }
+        return _AppendLineSlowly(record, time);
+    }
 
     /// Appends the message of a record alone. @param escape whether control bytes but tabs become \xNN.
     bool AppendMessage(const char* values, const char* end, bool escape) noexcept;
@@ -80,13 +99,51 @@ private:
     bool _AppendEscaped(std::string_view text) noexcept;
     bool _AppendCarefully(const char* values, const char* end, bool escape) noexcept;
     bool _AppendDouble(double value) noexcept;
-    bool _AppendSuffix(const nxLogSource& source) noexcept;
-    bool _AppendParts(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                      nxLogLineThread thread) noexcept;
-    void _PutPrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                    nxLogLineThread thread) noexcept;
-    void _MakePrefix(const nxLogRecord& record, const nxLogTimeText& time, const nxLogLineStyle& style,
-                     nxLogLineThread thread) noexcept;
+    bool _AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
+    bool _AppendParts(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
+
+    // Room for all of a line but its message. Fixed sizes are copied, which costs less than the right ones.
+    static constexpr std::size_t _longestFrame =
+        Prefix::Longest + nxLogTimeText::Size + nxLogSource::SuffixRoom + sizeof "\r\n";
+
+    char* _PutPrefix(char* out, const nxLogRecord& record, const nxLogTimeText& time) noexcept
+    {
+        const std::uint64_t key = _GetPrefixKey(record);
+        if (key != _prefix.key) [[unlikely]]
+            _MakePrefix(key, record, time);
+        char* const timeAt = out + _prefix.timeAt;
+        char* const end = out + _prefix.size;
+        std::memcpy(out, _prefix.text, sizeof _prefix.text);
+        std::memcpy(timeAt, time.GetBytes(), nxLogTimeText::Size);
+        return end;
+    }
+    // Equal for lines of one style that begin alike but for the time.
+    std::uint64_t _GetPrefixKey(const nxLogRecord& record) const
+    {
+        const std::uint64_t processor = _thread.processor ? record.processor & 0xFFFF : 0;
+        return std::uint64_t{record.threadIndex} << 32 | processor << 16 | (record.level & 0xFFFF);
+    }
+    void _MakePrefix(std::uint64_t key, const nxLogRecord& record, const nxLogTimeText& time) noexcept;
+
+    char* _PutEnd(char* out, const nxLogSource& source) const
+    {
+        if (_style.form == nxLogLineStyle::Full)
+        {
+            const std::size_t size = source.suffixSize;
+            std::memcpy(out, source.suffix, nxLogSource::SuffixRoom);
+            out += size;
+        }
+        return _PutLineEnd(out);
+    }
+    char* _PutLineEnd(char* out) const
+    {
+        if (_style.carriageReturn)
+            *out++ = '\r';
+        *out++ = '\n';
+        return out;
+    }
+
+    void _PutPrefixSlowly(const nxLogRecord& record, const nxLogTimeText& time, char*& timeAt) noexcept;
     void _PutLevel(unsigned level) noexcept;
     void _Put(std::string_view text)
     {
@@ -97,6 +154,8 @@ private:
     char* _begin = nullptr;
     char* _cursor = nullptr;
     char* _end = nullptr;
+    nxLogLineStyle _style;
+    nxLogLineThread _thread{};
     Prefix _prefix;
 };
 

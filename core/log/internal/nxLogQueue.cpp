@@ -71,6 +71,13 @@ std::uint32_t ReadSize(const char* bytes)
     return size;
 }
 
+const nxLogSource* ReadSource(const char* bytes)
+{
+    const nxLogSource* source;
+    std::memcpy(&source, bytes + offsetof(nxLogRecordHeader, source), sizeof source);
+    return source;
+}
+
 std::uint64_t ReadTicks(const char* bytes)
 {
     std::uint64_t ticks;
@@ -613,7 +620,6 @@ void nxLogQueue::BeginRound(bool everything) noexcept
     _cutOff = nxClock::Ticks() - clockSlack;
     _round = nullptr;
     _current = nullptr;
-    _step = 0;
     const nxMutexGuard guard(_mutex);
     _RemoveEnded();
     for (nxLogChannel* channel = _channels; channel != nullptr; channel = channel->_next)
@@ -685,42 +691,34 @@ void nxLogQueue::_Pick() noexcept
     }
 }
 
-// Past the record that Next() returned last.
-void nxLogQueue::_StepOver() noexcept
+// Of the record that Next() returned last.
+void nxLogQueue::_FreeBlock() noexcept
 {
-    if (_step == 0)
-        return;
-    _current->_read += _step;
-    _step = 0;
-    char* const block = std::exchange(_stepBlock, nullptr);
-    if (block == nullptr) [[likely]]
-        return;
+    char* const block = std::exchange(_block, nullptr);
     {
         // Nobody who copies records may find the block any more.
         const nxMutexGuard guard(_mutex);
         _current->_tail.store(_current->_read, std::memory_order_release);
     }
-    _bytes.fetch_sub(ReadHeader(block).size, std::memory_order_relaxed);
+    _bytes.fetch_sub(ReadSize(block), std::memory_order_relaxed);
     std::free(block);
 }
 
 inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel,
                                 const nxClockScale& scale, long long& second) noexcept
 {
-    const nxLogRecordHeader header = ReadHeader(bytes);
-    record.level = header.level;
-    record.processor = header.processor;
-    record.end = bytes + header.size;
-    record.values = bytes + sizeof header;
-    if (header.kind == nxLogRecordHeader::Statement) [[likely]]
+    record.level = static_cast<std::uint8_t>(bytes[offsetof(nxLogRecordHeader, level)]);
+    std::uint16_t processor;
+    std::memcpy(&processor, bytes + offsetof(nxLogRecordHeader, processor), sizeof processor);
+    record.processor = processor;
+    record.values = bytes + sizeof(nxLogRecordHeader);
+    record.end = bytes + ReadSize(bytes);
+    if (ReadKind(bytes) == nxLogRecordHeader::Statement) [[likely]]
     {
-        const auto* const source = static_cast<const nxLogSource*>(header.source);
-        record.time = scale.ToTimeNear(header.ticks, second);
+        record.time = scale.ToTimeNear(ReadTicks(bytes), second);
         second = record.time.seconds;
         record.threadIndex = channel._threadIndex;
-        record.source = source;
-        record.file = source->file;
-        record.line = source->line;
+        record.source = ReadSource(bytes);
         return;
     }
     nxLogObjectFields fields;
@@ -728,9 +726,9 @@ inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nx
     record.time = {fields.seconds, fields.nanoseconds};
     record.threadIndex = fields.threadIndex;
     record.source = nullptr;
-    record.file = record.values + sizeof fields;
-    record.line = fields.line;
-    record.values = record.file + fields.fileSize + 1;
+    record.ownFile = record.values + sizeof fields;
+    record.ownLine = fields.line;
+    record.values = record.ownFile + fields.fileSize + 1;
 }
 
 // Whether the current channel's next record is the next one of all, without a closer look.
@@ -752,7 +750,8 @@ void nxLogQueue::_Find() noexcept
 
 bool nxLogQueue::Next(nxLogRecord& record) noexcept
 {
-    _StepOver();
+    if (_block != nullptr) [[unlikely]]
+        _FreeBlock();
     if (!_IsNextAtHand()) [[unlikely]]
     {
         _Find();
@@ -762,16 +761,18 @@ bool nxLogQueue::Next(nxLogRecord& record) noexcept
     const char* bytes = _current->_read;
     // The other thread's processor has the bytes; a few records from now they will be here.
     __builtin_prefetch(bytes + prefetchDistance);
-    _step = RoundUp(ReadSize(bytes));
+    // Its room is not given back before Release().
+    _current->_read += RoundUp(ReadSize(bytes));
     if (ReadKind(bytes) == nxLogRecordHeader::Elsewhere) [[unlikely]]
-        bytes = _stepBlock = ReadPointer(bytes + sizeof(nxLogRecordHeader));
+        bytes = _block = ReadPointer(bytes + sizeof(nxLogRecordHeader));
     _Decode(record, bytes, *_current, _scale, _second);
     return true;
 }
 
 void nxLogQueue::Release() noexcept
 {
-    _StepOver();
+    if (_block != nullptr)
+        _FreeBlock();
     {
         const nxMutexGuard guard(_mutex);
         for (nxLogChannel* channel = _round; channel != nullptr; channel = channel->_nextInRound)
@@ -839,7 +840,7 @@ void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
             nxLogRecord record;
             _Decode(record, bytes, *channel, scale, second);
             records.push_back(nxLog(record));
-            at += RoundUp(ReadHeader(at).size);
+            at += RoundUp(ReadSize(at));
         }
     }
 }
@@ -878,6 +879,5 @@ void nxLogQueue::AfterForkInChild() noexcept
     _waiting.store(0, std::memory_order_relaxed);
     _stalledAt.store(~std::uint64_t{0}, std::memory_order_relaxed);
     _round = _current = nullptr;
-    _step = 0;
-    _stepBlock = nullptr;
+    _block = nullptr;
 }

@@ -121,7 +121,7 @@ private:
     bool _IsNextAtHand() const noexcept;
     void _Find() noexcept;
     void _Pick() noexcept;
-    void _StepOver() noexcept;
+    void _FreeBlock() noexcept;
     static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;
     static void _Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel, const nxClockScale& scale,
                         long long& second) noexcept;
@@ -148,10 +148,9 @@ private:
     // The round, touched by the emptying thread only.
     nxLogChannel* _round = nullptr;  // the channels that had records when it began
     nxLogChannel* _current = nullptr;
-    std::size_t _step = 0;       // the size of the record at _current's _read once it has been returned
-    char* _stepBlock = nullptr;  // where that record is, if not in the ring
-    std::uint64_t _bound = 0;    // up to which _current may go before another channel's turn
-    std::uint64_t _cutOff = 0;   // records begun later belong to the next round
+    char* _block = nullptr;     // where the record is that Next() returned last, if not in the ring
+    std::uint64_t _bound = 0;   // up to which _current may go before another channel's turn
+    std::uint64_t _cutOff = 0;  // records begun later belong to the next round
     bool _everything = false;
     nxClockScale _scale;
     long long _second = 0;  // of the statement that Next() returned last; most are of the same

@@ -1,9 +1,8 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGRECORD_H
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 
+#include "core/log/nxLogSource.h"
 #include "core/platform/nxClock.h"
-
-struct nxLogSource;
 
 /// What devices and lines are made of: one record, wherever its bytes are. Owns nothing.
 struct nxLogRecord
@@ -12,11 +11,14 @@ struct nxLogRecord
     nxClockTime time;
     unsigned threadIndex;
     unsigned processor;
-    const nxLogSource* source;  ///< Null for a record with a file name of its own.
-    const char* file;           ///< Terminated.
-    unsigned line;
+    const nxLogSource* source;  ///< Null for a record with a place of its own:
+    const char* ownFile;        ///< terminated,
+    unsigned ownLine;           ///< and the line in it.
     const char* values;
     const char* end;
+
+    const char* GetFile() const { return source != nullptr ? source->file : ownFile; }
+    unsigned GetLine() const { return source != nullptr ? source->line : ownLine; }
 };
 
 /// What an nxLog has beyond the values of a statement, as it stands in the queue. The file follows with a NUL.

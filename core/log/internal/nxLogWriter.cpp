@@ -300,11 +300,17 @@ bool nxLogWriter::_DoRound(bool everything) noexcept
     {
         _Pass(record);
         if (++count % recordsPerRelease == 0)
+        {
+            _CountWritten(recordsPerRelease);
             queue.Release();
+        }
     }
     _SendBatches();
     if (count != 0)
+    {
+        _CountWritten(count % recordsPerRelease);
         queue.Release();
+    }
     if (_round->worstLevel >= NX_LOG_LEVEL_WARNING)
         _FlushDevices(false);
     return count != 0;
@@ -323,6 +329,7 @@ void nxLogWriter::_BeginRound()
     round.time.Forget();
     round.batchOfDevice.assign(round.devices->size(), nullptr);
     round.hasRecordDevices = false;
+    round.onlyBatch = nullptr;
     for (const auto& batch : round.batches)
         batch->isWanted = false;
     for (std::size_t index = 0; index < round.devices->size(); ++index)
@@ -335,8 +342,12 @@ void nxLogWriter::_BeginRound()
         }
         nxLogLineStyle style;
         entry.Call([&](nxLogDevice&) { style = entry.GetLineSink()->GetLineStyle(); });
-        round.batchOfDevice[index] = &_GetBatch(style);
+        round.batchOfDevice[index] = round.onlyBatch = &_GetBatch(style);
+        round.onlyBatch->lines.SetStyle(style, round.thread);
     }
+    const auto isOther = [&round](const Batch* batch) { return batch != round.onlyBatch; };
+    if (std::any_of(round.batchOfDevice.begin(), round.batchOfDevice.end(), isOther))
+        round.onlyBatch = nullptr;
     if (!round.devices->empty())
         _hadDevices.store(true, std::memory_order_relaxed);
 }
@@ -366,6 +377,7 @@ void nxLogWriter::_WriteEarly() noexcept
         return;
     for (const nxLog& early : _early)
         _Pass(early._GetRecord());
+    _CountWritten(static_cast<unsigned>(_early.size()));
     _early = std::vector<nxLog>();
     _earlyBytes = 0;
 }
@@ -390,40 +402,9 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
     }
 }
 
-void nxLogWriter::_Pass(const nxLogRecord& record) noexcept
+[[gnu::always_inline]] inline void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
 {
-    Round& round = *_round;
-    if (round.devices->empty())
-    {
-        _KeepEarly(record);
-        return;
-    }
-    // No batch holds lines of two days.
-    if (round.time.Set(record.time) && std::memcmp(round.date, round.time.GetBytes(), dateSize) != 0)
-    {
-        _SendBatches();
-        std::memcpy(round.date, round.time.GetBytes(), dateSize);
-    }
-    bool full = false;
-    for (const auto& batch : round.batches)
-        if (batch->isWanted)
-        {
-            _AppendToBatch(*batch, record);
-            full = full || batch->lines.GetSize() >= batchSize;
-        }
-    if (full)
-        _SendBatches();
-    if (round.hasRecordDevices)
-        _PassRecord(record);
-    round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
-    _unflushed = true;
-    // One thread at a time is here.
-    _written.store(_written.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-}
-
-void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
-{
-    if (!batch.lines.AppendLine(record, _round->time, batch.style, _round->thread))
+    if (!batch.lines.AppendLine(record, _round->time)) [[unlikely]]
     {
         nxLogQueue::GetInstance().CountDrop();
         return;
@@ -431,6 +412,48 @@ void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexce
     if (batch.count++ == 0)
         batch.seconds = record.time.seconds;
     batch.worstLevel = std::max(batch.worstLevel, static_cast<nxEnumValue>(record.level));
+    if (batch.lines.GetSize() >= batchSize) [[unlikely]]
+        _SendBatches();
+}
+
+[[gnu::always_inline]] inline void nxLogWriter::_Pass(const nxLogRecord& record) noexcept
+{
+    Round& round = *_round;
+    // No batch holds lines of two days.
+    if (round.time.Set(record.time) && std::memcmp(round.date, round.time.GetBytes(), dateSize) != 0)
+    {
+        _SendBatches();
+        std::memcpy(round.date, round.time.GetBytes(), dateSize);
+    }
+    if (round.onlyBatch != nullptr) [[likely]]
+        _AppendToBatch(*round.onlyBatch, record);
+    else
+        _PassToAll(record);
+}
+
+void nxLogWriter::_PassToAll(const nxLogRecord& record) noexcept
+{
+    Round& round = *_round;
+    if (round.devices->empty())
+    {
+        _KeepEarly(record);
+        return;
+    }
+    for (const auto& batch : round.batches)
+        if (batch->isWanted)
+            _AppendToBatch(*batch, record);
+    if (round.hasRecordDevices)
+        _PassRecord(record);
+    round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
+}
+
+void nxLogWriter::_CountWritten(unsigned records) noexcept
+{
+    if (records == 0 || _round->devices->empty())
+        return;
+    _unflushed = true;
+    // One thread at a time is here.
+    _written.store(_written.load(std::memory_order_relaxed) + records, std::memory_order_relaxed);
 }
 
 // To the devices that take records instead of lines.
@@ -466,6 +489,7 @@ void nxLogWriter::_SendBatches() noexcept
         batch->lines.Clear();
         batch->lines.ShrinkTo(batchCapacity);
         batch->count = 0;
+        _round->worstLevel = std::max(_round->worstLevel, batch->worstLevel);
         batch->worstLevel = NX_ENUM_UNDEFINED;
     }
 }

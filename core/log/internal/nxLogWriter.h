@@ -85,8 +85,9 @@ private:
         std::vector<std::unique_ptr<Batch>> batches;
         std::vector<Batch*> batchOfDevice;  // null for a device that takes records
         bool hasRecordDevices = false;
-        nxLogTimeText time;  // of the record at hand
-        char date[8] = {};   // of the lines in the batches
+        Batch* onlyBatch = nullptr;  // when records go into this one and nowhere else
+        nxLogTimeText time;          // of the record at hand
+        char date[8] = {};           // of the lines in the batches
         nxLogLineThread thread{};
         nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
     };
@@ -105,6 +106,8 @@ private:
     void _WriteEarly() noexcept;
     void _KeepEarly(const nxLogRecord& record) noexcept;
     void _Pass(const nxLogRecord& record) noexcept;
+    void _PassToAll(const nxLogRecord& record) noexcept;
+    void _CountWritten(unsigned records) noexcept;
     void _PassRecord(const nxLogRecord& record) noexcept;
     void _AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept;
     void _SendBatches() noexcept;

@@ -29,6 +29,7 @@
 namespace
 {
 std::atomic<bool> stop{false};
+std::atomic<int> logging{0};  // how many of the threads have begun
 
 void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
 {
@@ -56,6 +57,8 @@ void LogUntilStopped(int thread)
     for (int number = 0; !stop.load(std::memory_order_relaxed); ++number)
     {
         LogLine(thread, number);
+        if (number == 0)
+            ++logging;
         std::this_thread::sleep_for(std::chrono::microseconds(50));  // busy, but not more than a disk can take
     }
 }
@@ -65,6 +68,8 @@ std::vector<std::thread> StartThreads(int count)
     std::vector<std::thread> threads;
     for (int i = 0; i < count; ++i)
         threads.emplace_back(LogUntilStopped, i);
+    while (logging.load() != count)
+        std::this_thread::yield();
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     return threads;
 }
