@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -62,13 +63,7 @@ private:
 
 TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
 {
-    struct Row
-    {
-        Words words;
-        Map options;
-        Words rest;
-    };
-    const Row rows[] = {
+    const std::tuple<Words, Map, Words> rows[] = {
         {{}, {}, {}},
         {{"-a", "-b", "7", "file.txt", "-c"}, {{"a", ""}, {"b", "7"}, {"c", ""}}, {"file.txt"}},
         {{"-price", "-1.5"}, {{"price", "-1.5"}}, {}},
@@ -83,18 +78,18 @@ TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
         {{"-a", "", "b", ""}, {{"a", ""}}, {"b", ""}},
         {{"1", "2", "-a", "3", "4"}, {{"a", "3"}}, {"1", "2", "4"}},
     };
-    for (const Row& row : rows)
+    for (const auto& [words, options, unprocessed] : rows)
     {
-        Words argv = row.words;
+        Words argv = words;
         argv.insert(argv.begin(), "prog");
         const Args args(argv, {});
-        SCOPED_TRACE(testing::PrintToString(row.words));
+        SCOPED_TRACE(testing::PrintToString(words));
         EXPECT_EQ(args.GetCommand(), "prog");
-        EXPECT_EQ(args.Options(), row.options);
+        EXPECT_EQ(args.Options(), options);
         Words rest;
         args.GetUnprocessedArgs(rest);
-        EXPECT_EQ(rest, row.rest);
-        for (const auto& [name, value] : row.options)
+        EXPECT_EQ(rest, unprocessed);
+        for (const auto& [name, value] : options)
         {
             EXPECT_TRUE(args.IsArgDefined(name));
             EXPECT_EQ(args.GetArgValue(name), value);
@@ -150,35 +145,24 @@ TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
 
 TEST(nxCmdLineArgs, BooleansKnowFourWords)
 {
-    struct Row
+    const std::tuple<const char*, bool, bool, bool> rows[] = {
+        {"TRUE", true, true, true},  {"yes", true, true, true},      {"Yes", true, true, true},
+        {"no", false, false, false}, {"False", false, false, false}, {"maybe", true, false, false},
+        {"1", true, false, false},   {"", true, false, false},       {"TRUE ", true, false, false}};
+    for (const auto& [text, orTrue, orFalse, alone] : rows)
     {
-        const char* text;
-        bool orTrue, orFalse, alone;
-    };
-    const Row rows[] = {{"TRUE", true, true, true},  {"yes", true, true, true},      {"Yes", true, true, true},
-                        {"no", false, false, false}, {"False", false, false, false}, {"maybe", true, false, false},
-                        {"1", true, false, false},   {"", true, false, false},       {"TRUE ", true, false, false}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.text);
-        const Args args({}, {std::string("K=") + row.text});
-        EXPECT_EQ(args.GetEnvValueAsBool("K", true), row.orTrue);
-        EXPECT_EQ(args.GetEnvValueAsBool("K", false), row.orFalse);
-        EXPECT_EQ(args.GetEnvValueAsBool("K"), row.alone);
+        SCOPED_TRACE(text);
+        const Args args({}, {std::string("K=") + text});
+        EXPECT_EQ(args.GetEnvValueAsBool("K", true), orTrue);
+        EXPECT_EQ(args.GetEnvValueAsBool("K", false), orFalse);
+        EXPECT_EQ(args.GetEnvValueAsBool("K"), alone);
     }
 }
 
 TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
 {
-    struct Row
-    {
-        const char* text;
-        const char* decimal;
-        const char* volume;
-        double doubleValue;
-    };
     const double null = nxDoubleValueWrapper::GetNullInstance();
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, const char*, double> rows[] = {
         {"12", "12", "12", 12},
         {"1.50", "1.50", "NULL", 1.5},
         {"x", "NULL", "NULL", null},
@@ -186,16 +170,16 @@ TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
         {"12x", "NULL", "NULL", null},
         {"4294967297", "4294967297", "1", 4294967297.0},  // whole numbers are read modulo their range
     };
-    for (const Row& row : rows)
+    for (const auto& [text, decimal, volume, doubleValue] : rows)
     {
-        SCOPED_TRACE(row.text);
-        const Args args({"prog", "-k", row.text}, {std::string("K=") + row.text});
-        EXPECT_EQ(args.GetEnvValueAsDecimal("K").GetAsLogString('.'), row.decimal);
-        EXPECT_EQ(args.GetArgValueAsDecimal("k").GetAsLogString('.'), row.decimal);
-        EXPECT_EQ(args.GetEnvValueAsVolume("K").GetAsLogString(), row.volume);
-        EXPECT_EQ(args.GetArgValueAsVolume("k").GetAsLogString(), row.volume);
-        EXPECT_EQ(static_cast<double>(args.GetEnvValueAsDoubleValue("K")), row.doubleValue);
-        EXPECT_EQ(static_cast<double>(args.GetArgValueAsDoubleValue("k")), row.doubleValue);
+        SCOPED_TRACE(text);
+        const Args args({"prog", "-k", text}, {std::string("K=") + text});
+        EXPECT_EQ(args.GetEnvValueAsDecimal("K").GetAsLogString('.'), decimal);
+        EXPECT_EQ(args.GetArgValueAsDecimal("k").GetAsLogString('.'), decimal);
+        EXPECT_EQ(args.GetEnvValueAsVolume("K").GetAsLogString(), volume);
+        EXPECT_EQ(args.GetArgValueAsVolume("k").GetAsLogString(), volume);
+        EXPECT_EQ(static_cast<double>(args.GetEnvValueAsDoubleValue("K")), doubleValue);
+        EXPECT_EQ(static_cast<double>(args.GetArgValueAsDoubleValue("k")), doubleValue);
     }
     const Args args({}, {"BIG=18446744073709551613"});
     EXPECT_EQ(args.GetEnvValueAsUInteger64("BIG").GetAsLogString(), "18446744073709551613");

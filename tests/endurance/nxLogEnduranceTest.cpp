@@ -12,6 +12,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/nxSanitizer.h"
@@ -319,19 +320,15 @@ TEST(nxLogProcess, KeepsRecordsForTheFirstDevice)
 
 TEST(nxLogProcess, TakesItsLevelFromTheEnvironment)
 {
-    const struct
+    const std::tuple<const char*, std::size_t, std::size_t> rows[] = {
+        {"QRX_LOG_LEVEL=WRN", 0, 1}, {"QRX_LOG_LEVEL=FTL", 0, 0}, {"QRX_LOG_LEVEL=NO_CHANGE", 1, 1}};
+    for (const auto& [environment, info, warning] : rows)
     {
-        const char* environment;
-        std::size_t info;
-        std::size_t warning;
-    } rows[] = {{"QRX_LOG_LEVEL=WRN", 0, 1}, {"QRX_LOG_LEVEL=FTL", 0, 0}, {"QRX_LOG_LEVEL=NO_CHANGE", 1, 1}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.environment);
-        const Output run("levels", {row.environment});
+        SCOPED_TRACE(environment);
+        const Output run("levels", {environment});
         EXPECT_EQ(run.status, 0);
-        EXPECT_EQ(run.Count("info"), row.info);
-        EXPECT_EQ(run.Count("before main"), row.info);
-        EXPECT_EQ(run.Count("warning"), row.warning);
+        EXPECT_EQ(run.Count("info"), info);
+        EXPECT_EQ(run.Count("before main"), info);
+        EXPECT_EQ(run.Count("warning"), warning);
     }
 }

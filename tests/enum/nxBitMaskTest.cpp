@@ -73,24 +73,20 @@ TYPED_TEST(AnyBitMask, TopBitsMeanNullAndNoChange)
     constexpr auto noChange = TypeParam::NoChangeBit;
     EXPECT_EQ(null, TypeParam::Bit(sizeof(typename TypeParam::Word) * 8 - 1));
     EXPECT_EQ(noChange, null >> 1);
-    const struct
+    const std::tuple<typename TypeParam::Word, bool, bool, bool> rows[] = {{0, true, false, false},
+                                                                           {noChange >> 1, true, false, false},
+                                                                           {noChange, false, false, true},
+                                                                           {null, false, true, false},
+                                                                           {null | noChange | 1, false, true, true}};
+    for (const auto& [word, valid, isNull, isNoChange] : rows)
     {
-        typename TypeParam::Word word;
-        bool valid, isNull, isNoChange;
-    } rows[] = {{0, true, false, false},
-                {noChange >> 1, true, false, false},
-                {noChange, false, false, true},
-                {null, false, true, false},
-                {null | noChange | 1, false, true, true}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.word);
+        SCOPED_TRACE(word);
         TypeParam mask;
-        mask = row.word;
-        EXPECT_EQ(mask.GetValue(), row.word);
-        EXPECT_EQ(mask.IsValid(), row.valid);
-        EXPECT_EQ(mask.IsNull(), row.isNull);
-        EXPECT_EQ(mask.IsNoChange(), row.isNoChange);
+        mask = word;
+        EXPECT_EQ(mask.GetValue(), word);
+        EXPECT_EQ(mask.IsValid(), valid);
+        EXPECT_EQ(mask.IsNull(), isNull);
+        EXPECT_EQ(mask.IsNoChange(), isNoChange);
     }
     TypeParam mask;
     mask.SetNoChange();
@@ -168,12 +164,7 @@ TYPED_TEST(AnyBitMask, HasItsVirtualSlotsInTheirOrder)
 
 TEST(nxBitMask, DescribesItsFlagsLowestFirst)
 {
-    const struct
-    {
-        unsigned word;
-        const char* shortText;
-        const char* longText;
-    } rows[] = {
+    const std::tuple<unsigned, const char*, const char*> rows[] = {
         {0, "", ""},
         {QuoteFlagsBitMask::FIRM, "FIRM", "Firm"},
         {QuoteFlagsBitMask::FIRM | QuoteFlagsBitMask::INDICATIVE, "FIRM, INDICATIVE", "Firm, Indicative"},
@@ -182,12 +173,12 @@ TEST(nxBitMask, DescribesItsFlagsLowestFirst)
         {nxBitMask::NoChangeBit | QuoteFlagsBitMask::FIRM, "No Change", "No Change"},
         {nxBitMask::NullBit | nxBitMask::NoChangeBit, "Null", "Null"},
     };
-    for (const auto& row : rows)
+    for (const auto& [word, shortText, longText] : rows)
     {
-        SCOPED_TRACE(row.word);
-        const QuoteFlagsBitMask mask(row.word);
-        EXPECT_EQ(mask.GetShortDescription(", "), row.shortText);
-        EXPECT_EQ(mask.GetLongDescription(", "), row.longText);
+        SCOPED_TRACE(word);
+        const QuoteFlagsBitMask mask(word);
+        EXPECT_EQ(mask.GetShortDescription(", "), shortText);
+        EXPECT_EQ(mask.GetLongDescription(", "), longText);
     }
     std::ostringstream stream;
     stream << QuoteFlagsBitMask(3) << '|' << nxServerCapabilityBitMask(1ull << 51 | 2);

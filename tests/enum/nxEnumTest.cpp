@@ -191,25 +191,19 @@ TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValueAndOthersSayThatTheyAreNone)
 TEST(nxEnum, RegistrationRefusesWhatIsTakenOrTooLong)
 {
     const std::string sixtyFour(64, 'S');
-    struct Row
-    {
-        unsigned value;
-        std::string text;
-        bool result;
-    };
-    const Row rows[] = {
+    const std::tuple<unsigned, std::string, bool> rows[] = {
         {3000001, "SESSION_OTHER", false},     // the value is taken
         {3000010, "SESSION_DAY", false},       // the text is taken
         {3000010, "NX_ERR_NOT_FOUND", false},  // by another class
         {3000010, sixtyFour + "S", false},     // 65 characters
         {3000010, sixtyFour, true},           {3000011, sixtyFour, false},
     };
-    for (const Row& row : rows)
+    for (const auto& [value, text, result] : rows)
     {
-        SCOPED_TRACE(row.text);
-        const bool wasRegistered = nxEnum::IsRegisteredEnumValue(row.value);
-        EXPECT_EQ(SessionEnum::_Register(row.value, row.text, "any wording"), row.result);
-        EXPECT_EQ(nxEnum::IsRegisteredEnumValue(row.value), wasRegistered || row.result);
+        SCOPED_TRACE(text);
+        const bool wasRegistered = nxEnum::IsRegisteredEnumValue(value);
+        EXPECT_EQ(SessionEnum::_Register(value, text, "any wording"), result);
+        EXPECT_EQ(nxEnum::IsRegisteredEnumValue(value), wasRegistered || result);
     }
     EXPECT_EQ(SessionEnum(SessionEnum::DAY).GetLongDescription(), "day session");
     SessionEnum parsed;

@@ -102,11 +102,7 @@ TEST(nxErrorEnum, EveryWordingIsInTheStyleOfItsBlock)
 
 TEST(nxErrorEnum, SuccessTimeoutsAndSecurityErrorsAreTold)
 {
-    const struct
-    {
-        unsigned value;
-        bool isOK, isTimeout, isSecurity;
-    } rows[] = {
+    const std::tuple<unsigned, bool, bool, bool> rows[] = {
         {0, true, false, false},
         {2, false, false, false},  // "no change" is not success
         {NX_ERR_NOT_FOUND, false, false, false},
@@ -121,14 +117,14 @@ TEST(nxErrorEnum, SuccessTimeoutsAndSecurityErrorsAreTold)
         {1001048, false, false, true},
         {1001049, false, false, false},
     };
-    for (const auto& row : rows)
+    for (const auto& [value, isOK, isTimeout, isSecurity] : rows)
     {
-        SCOPED_TRACE(row.value);
-        const nxErrorEnum error(row.value);
-        EXPECT_EQ(error.GetValue(), row.value);
-        EXPECT_EQ(error.IsOK(), row.isOK);
-        EXPECT_EQ(error.IsTimeout(), row.isTimeout);
-        EXPECT_EQ(error.IsSecurityError(), row.isSecurity);
+        SCOPED_TRACE(value);
+        const nxErrorEnum error(value);
+        EXPECT_EQ(error.GetValue(), value);
+        EXPECT_EQ(error.IsOK(), isOK);
+        EXPECT_EQ(error.IsTimeout(), isTimeout);
+        EXPECT_EQ(error.IsSecurityError(), isSecurity);
     }
 }
 }  // namespace

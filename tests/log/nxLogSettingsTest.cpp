@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -75,29 +76,26 @@ TEST(nxLogSettings, TakeTheWordsTheyKnow)
 
 TEST(nxLogSettings, TakeNumbersWithinTheirLimitsAndNoJunk)
 {
-    const struct
+    const std::tuple<const char*, std::uint64_t, std::uint64_t, std::uint64_t> rows[] = {
+        {"0", 0, 1, 0},
+        {"5", 5, 5, 5},
+        {"3601", 3'600, 1'024, 3'601},
+        {"4096", 3'600, 1'024, 4'096},
+        {"18446744073709551616", 3'600, 1'024, 100'000'000},
+        {"-1", 1, 1, 0},
+        {"+5", 1, 1, 0},
+        {" 5", 1, 1, 0},
+        {"5s", 1, 1, 0},
+        {"1e3", 1, 1, 0},
+        {"", 1, 1, 0}};
+    for (const auto& [text, seconds, megabytes, entries] : rows)
     {
-        const char* text;
-        std::uint64_t seconds, megabytes, entries;
-    } rows[] = {{"0", 0, 1, 0},
-                {"5", 5, 5, 5},
-                {"3601", 3'600, 1'024, 3'601},
-                {"4096", 3'600, 1'024, 4'096},
-                {"18446744073709551616", 3'600, 1'024, 100'000'000},
-                {"-1", 1, 1, 0},
-                {"+5", 1, 1, 0},
-                {" 5", 1, 1, 0},
-                {"5s", 1, 1, 0},
-                {"1e3", 1, 1, 0},
-                {"", 1, 1, 0}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.text);
-        const nxLogSettings settings = With({{"QRX_LOG_TIME_BETWEEN_FLUSHES", row.text},
-                                             {"QRX_LOG_FILE_BUFF_SIZE_MB", row.text},
-                                             {"QRX_LOG_BUFF_RESERVE_ENTRIES", row.text}});
-        EXPECT_EQ(settings.secondsBetweenFlushes, row.seconds);
-        EXPECT_EQ(settings.fileBufferMegabytes, row.megabytes);
-        EXPECT_EQ(settings.reservedEntries, row.entries);
+        SCOPED_TRACE(text);
+        const nxLogSettings settings = With({{"QRX_LOG_TIME_BETWEEN_FLUSHES", text},
+                                             {"QRX_LOG_FILE_BUFF_SIZE_MB", text},
+                                             {"QRX_LOG_BUFF_RESERVE_ENTRIES", text}});
+        EXPECT_EQ(settings.secondsBetweenFlushes, seconds);
+        EXPECT_EQ(settings.fileBufferMegabytes, megabytes);
+        EXPECT_EQ(settings.reservedEntries, entries);
     }
 }

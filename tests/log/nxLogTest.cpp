@@ -45,11 +45,7 @@ TEST(nxLog, EveryValueBecomesItsText)
     nxProductStateBitMask mask;
     mask.SetBits(nxProductStateBitMask::CLOSED | nxProductStateBitMask::EXPIRING);
     using Unsigned = nxValueWrapper<unsigned>;
-    const struct
-    {
-        std::string actual;
-        const char* expected;
-    } rows[] = {
+    const std::pair<std::string, const char*> rows[] = {
         {TextOf(true) + TextOf(false), "TRUEFALSE"},
         {TextOf('a'), "97"},
         {TextOf(static_cast<signed char>(-1)), "-1"},
@@ -93,8 +89,8 @@ TEST(nxLog, EveryValueBecomesItsText)
          "12"
          "@1.5"},
     };
-    for (const auto& row : rows)
-        EXPECT_STREQ(row.actual.c_str(), row.expected);
+    for (const auto& [actual, expected] : rows)
+        EXPECT_STREQ(actual.c_str(), expected);
     EXPECT_EQ(TextOf(std::string("str\0ing", 7)), std::string("str\0ing", 7));
 
     nxMoney money;
@@ -198,11 +194,7 @@ TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)
     char time[nxTimeStamp::TextSize];
     ASSERT_NE(record.GetTimeStamp().GetAsStringFast(time, sizeof time), 0u);
     const std::string index = std::to_string(record.GetThreadIndex());
-    const struct
-    {
-        nxLogLineStyle style;
-        std::string expected;
-    } rows[] = {
+    const std::pair<nxLogLineStyle, std::string> rows[] = {
         {{nxLogLineStyle::Full, true},
          "[INF][" + std::string(time) + "][" + index + "] " + message + " [core/tr\\x0Aunk:7]\r\n"},
         {{nxLogLineStyle::Full, false},
@@ -210,11 +202,11 @@ TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)
         {{nxLogLineStyle::LevelAndText, false}, "[INF] " + message + "\n"},
         {{nxLogLineStyle::TimeAndText, false}, "[" + std::string(time) + "] " + message + "\n"},
     };
-    for (const auto& row : rows)
+    for (const auto& [style, expected] : rows)
     {
         std::string line = "kept ";
-        nxLogLine::Append(line, record, row.style);
-        EXPECT_EQ(line, "kept " + row.expected);
+        nxLogLine::Append(line, record, style);
+        EXPECT_EQ(line, "kept " + expected);
     }
 
     nxLogManager::GetInstance().SetLogThreadIndex(false);

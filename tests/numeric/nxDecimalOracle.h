@@ -68,39 +68,31 @@ struct nxDecimalOracle
         *this = nxDecimalOracle(Signed(Bits(whole) * Power(targetPlaces) + Bits(ToInteger(rounded))), targetPlaces);
     }
 
-    void Add(const nxDecimalOracle& other)
+    /// @param operation one of + - * /. Sums of one scale and products of whole numbers are exact, modulo 2^64; the rest
+    ///                  goes through doubles.
+    void Calculate(char operation, const nxDecimalOracle& other)
     {
         if (!IsValid() || !other.IsValid())
             return;
-        if (places == other.places)
-            mantissa = Signed(Bits(mantissa) + Bits(other.mantissa));
+        const std::uint64_t a = Bits(mantissa), b = Bits(other.mantissa);
+        const double x = AsDouble(), y = other.AsDouble();
+        const bool isExact = operation == '*' ? places == 0 && other.places == 0 : places == other.places;
+        if (isExact && operation != '/')
+            mantissa = Signed(operation == '+' ? a + b : operation == '-' ? a - b : a * b);
         else
-            SetFromDouble(AsDouble() + other.AsDouble(), Larger(other));
-    }
-    void Subtract(const nxDecimalOracle& other)
-    {
-        if (!IsValid() || !other.IsValid())
-            return;
-        if (places == other.places)
-            mantissa = Signed(Bits(mantissa) - Bits(other.mantissa));
-        else
-            SetFromDouble(AsDouble() - other.AsDouble(), Larger(other));
-    }
-    void Multiply(const nxDecimalOracle& other)
-    {
-        if (!IsValid() || !other.IsValid())
-            return;
-        if (places == 0 && other.places == 0)
-            mantissa = Signed(Bits(mantissa) * Bits(other.mantissa));
-        else
-            SetFromDouble(AsDouble() * other.AsDouble(), Larger(other));
-    }
-    void Divide(const nxDecimalOracle& other)
-    {
-        if (IsValid() && other.IsValid())
-            SetFromDouble(AsDouble() / other.AsDouble(), Larger(other));
+            SetFromDouble(operation == '+'   ? x + y
+                          : operation == '-' ? x - y
+                          : operation == '*' ? x * y
+                                             : x / y,
+                          Larger(other));
     }
     void Negate() { mantissa = Signed(0 - Bits(mantissa)); }
+    nxDecimalOracle Absolute() const
+    {
+        nxDecimalOracle absolute(*this);
+        absolute.mantissa = Signed(Magnitude());
+        return absolute;
+    }
 
     bool Equals(const nxDecimalOracle& other) const
     {
@@ -230,12 +222,7 @@ struct nxDecimalOracle
     }
     std::string Text(char separator, unsigned requestedPlaces) const
     {
-        if (!IsValid())
-            return "";
-        std::string text = SignedWhole();
-        if (places > 0 && requestedPlaces > 0)
-            text += separator + FractionDigits().substr(0, std::min(requestedPlaces, 12u));
-        return text;
+        return TextWithDecimals(separator, std::min(requestedPlaces, 12U));
     }
     std::string LogText(char separator, unsigned requestedPlaces) const
     {
@@ -243,24 +230,20 @@ struct nxDecimalOracle
             return Text(separator, requestedPlaces);
         return status == NX_VALUE_STATUS_NULL ? "NULL" : "NO_CHANGE";
     }
-    std::string Written(char separator) const
-    {
-        if (!IsValid())
-            return "";
-        std::string text = SignedWhole();
-        if (places > 0)
-            text += separator + FractionDigits();
-        return text;
-    }
+    std::string Written(char separator) const { return TextWithDecimals(separator, 255); }
 
 private:
     __extension__ typedef unsigned __int128 Wide;
 
-    // "-0" for a negative number below 1.
-    std::string SignedWhole() const
+    // "-0..." for a negative number below 1.
+    std::string TextWithDecimals(char separator, unsigned most) const
     {
+        if (!IsValid())
+            return "";
         std::string text(mantissa < 0 ? 1 : 0, '-');
         text += std::to_string(WholeMagnitude());
+        if (places > 0 && most > 0)
+            text += separator + FractionDigits().substr(0, most);
         return text;
     }
     unsigned Larger(const nxDecimalOracle& other) const { return std::max(places, other.places); }

@@ -3,17 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 TEST(nxMoney, ReadsAnAmountAndACurrencyOrStaysAsItWas)
 {
-    struct Row
-    {
-        const char* text;
-        char separator;
-        const char* after;  // with '.'
-    };
     const char* const before = "7.0 JPY";
-    const Row rows[] = {
+    // What is left is printed with '.'.
+    const std::tuple<const char*, char, const char*> rows[] = {
         {"12.50 EUR", '.', "12.50 EUR"},
         {"-1234,5 USD", ',', "-1234.5 USD"},
         {".5 USD", '.', "0.5 USD"},
@@ -30,24 +26,18 @@ TEST(nxMoney, ReadsAnAmountAndACurrencyOrStaysAsItWas)
         {"12.5O EUR", '.', before},
         {"", '.', before},
     };
-    for (const Row& row : rows)
+    for (const auto& [text, separator, after] : rows)
     {
-        SCOPED_TRACE(row.text);
+        SCOPED_TRACE(text);
         nxMoney money(nxDecimal("7.0", '.'), "JPY");
-        EXPECT_EQ(money.SetFromString(row.text, row.separator).IsOK(), row.after != before);
-        EXPECT_EQ(money.GetAsString('.'), row.after);
+        EXPECT_EQ(money.SetFromString(text, separator).IsOK(), after != before);
+        EXPECT_EQ(money.GetAsString('.'), after);
     }
 }
 
 TEST(nxMoney, NullAndNoChangeHaveNoCurrency)
 {
-    struct Row
-    {
-        nxMoney money;
-        bool isNull;
-        const char* logText;
-    };
-    const Row rows[] = {
+    const std::tuple<nxMoney, bool, const char*> rows[] = {
         {nxMoney(), true, "NULL"},
         {nxMoney(nxNullInitalizer{}), true, "NULL"},
         {nxMoney(nxNoChangeInitalizer{}), false, "NO_CHANGE"},
@@ -55,15 +45,15 @@ TEST(nxMoney, NullAndNoChangeHaveNoCurrency)
         {nxMoney(nxDecimal::GetNoChangeDecimal(), "USD"), false, "NO_CHANGE"},
         {nxMoney(nxDecimal(1, 0), "usd"), true, "NULL"},
     };
-    for (const Row& row : rows)
+    for (const auto& [money, isNull, logText] : rows)
     {
-        EXPECT_EQ(row.money.IsNull(), row.isNull);
-        EXPECT_EQ(row.money.IsNoChange(), !row.isNull);
-        EXPECT_EQ(row.money.GetCurrency(), "");
-        EXPECT_EQ(row.money.GetAsString('.'), "");
+        EXPECT_EQ(money.IsNull(), isNull);
+        EXPECT_EQ(money.IsNoChange(), !isNull);
+        EXPECT_EQ(money.GetCurrency(), "");
+        EXPECT_EQ(money.GetAsString('.'), "");
         std::ostringstream stream;
-        stream << row.money;
-        EXPECT_EQ(stream.str(), row.logText);
+        stream << money;
+        EXPECT_EQ(stream.str(), logText);
     }
 }
 

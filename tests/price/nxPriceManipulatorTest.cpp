@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 
 #include "core/price/nxVariableTickTableContainer.h"
@@ -15,35 +16,29 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
 {
     nxPriceManipulator variable;
     ASSERT_TRUE(variable.SetVariableTickTable("VTT_EURONEXT_07").IsOK());
-    struct Row
-    {
-        nxPriceManipulator manipulator;
-        const char *price, *rounded, *tick, *up2, *down;
+    using Texts = std::array<const char*, 5>;  // price, rounded up, tick, two ticks above, one below
+    const std::pair<nxPriceManipulator, Texts> rows[] = {
+        {variable, {"9.9985", "9.999", "0.001", "10.0045", "9.9975"}},
+        {nxPriceManipulator(D("0.05")), {"9.99", "10.00", "0.05", "10.09", "9.94"}},
+        {nxPriceManipulator(D("0.05")), {"-9.9", "-9.90", "0.05", "-9.80", "-9.95"}},
+        {nxPriceManipulator(), {"9.99", "9.99", "NULL", "9.99", "9.99"}},
+        {nxPriceManipulator(D("0")), {"9.99", "9.99", "0", "9.99", "9.99"}},
+        {nxPriceManipulator(D("-0.05")), {"9.99", "9.99", "-0.05", "9.99", "9.99"}},
+        {nxPriceManipulator(D("0.05")), {"", "NULL", "0.05", "NULL", "NULL"}},
     };
-    const Row rows[] = {
-        {variable, "9.9985", "9.999", "0.001", "10.0045", "9.9975"},
-        {variable, "50.007", "50.01", "0.01", "50.027", "49.997"},
-        {nxPriceManipulator(D("0.05")), "9.99", "10.00", "0.05", "10.09", "9.94"},
-        {nxPriceManipulator(D("0.05")), "-9.9", "-9.90", "0.05", "-9.80", "-9.95"},
-        {nxPriceManipulator(), "9.99", "9.99", "NULL", "9.99", "9.99"},
-        {nxPriceManipulator(D("0")), "9.99", "9.99", "0", "9.99", "9.99"},
-        {nxPriceManipulator(D("-0.05")), "9.99", "9.99", "-0.05", "9.99", "9.99"},
-        {nxPriceManipulator(D("0.05")), "", "NULL", "0.05", "NULL", "NULL"},
-    };
-    for (const Row& row : rows)
+    for (const auto& [manipulator, texts] : rows)
     {
-        SCOPED_TRACE(row.price);
-        const nxPriceManipulator& manipulator = row.manipulator;
-        nxDecimal rounded = D(row.price), up = rounded, down = rounded, same = rounded;
+        const nxDecimal price = D(texts[0]);
+        SCOPED_TRACE(price);
+        nxDecimal rounded = price, up = price, down = price, same = price;
         rounded.Round(manipulator, nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP));
         manipulator.Increment(up, 2);
         manipulator.Decrement(down);
         manipulator.Increment(same, 0);
-        EXPECT_EQ(rounded.GetAsLogString('.'), row.rounded);
-        EXPECT_EQ(up.GetAsLogString('.'), row.up2);
-        EXPECT_EQ(down.GetAsLogString('.'), row.down);
-        EXPECT_EQ(same.GetAsLogString('.'), D(row.price).GetAsLogString('.'));
-        EXPECT_EQ(manipulator.GetTickIncrement(D(row.price)).GetAsLogString('.'), row.tick);
+        const nxDecimal results[] = {rounded, manipulator.GetTickIncrement(price), up, down};
+        for (std::size_t i = 0; i < std::size(results); ++i)
+            EXPECT_EQ(results[i].GetAsLogString('.'), texts[i + 1]);
+        EXPECT_EQ(same.GetAsLogString('.'), price.GetAsLogString('.'));
     }
 }
 

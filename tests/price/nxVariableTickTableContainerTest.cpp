@@ -3,11 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <thread>
+#include <tuple>
 
 #include "core/price/nxCatalogueTickTables.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxTestThreads.h"
 
 /// Reaches a container of its own.
 struct nxVariableTickTableContainerTest : testing::Test
@@ -92,11 +93,7 @@ TEST_F(nxVariableTickTableContainerTest, TheCatalogueIsWhole)
 // Bounds and increments with the decimal places that the exchanges write.
 TEST_F(nxVariableTickTableContainerTest, BandsOfTellingTables)
 {
-    struct Row
-    {
-        const char *name, *bands;
-    };
-    const Row rows[] = {
+    const char* const rows[][2] = {
         {"CHIX_LON1", "9.990 0.010; 199.900 0.100; 499.750 0.250; 999.500 0.500; "},
         {"CHIX_LON3", "0.0999 0.0001; 4.9975 0.0025; 9.9950 0.0050; "},
         {"CHIX_FESE1",
@@ -113,11 +110,11 @@ TEST_F(nxVariableTickTableContainerTest, BandsOfTellingTables)
         {"XDP_100_5_50", "0.49 0.01; "},
         {"MX_03", "0.09 0.01; "},
     };
-    for (const Row& row : rows)
+    for (const auto& [name, bands] : rows)
     {
-        const auto* table = nxVariableTickTableContainer::GetVariableTickTable(std::string("VTT_") + row.name);
-        ASSERT_NE(table, nullptr) << row.name;
-        EXPECT_EQ(BandText(*table).substr(0, std::string_view(row.bands).size()), row.bands) << row.name;
+        const auto* table = nxVariableTickTableContainer::GetVariableTickTable(std::string("VTT_") + name);
+        ASSERT_NE(table, nullptr) << name;
+        EXPECT_EQ(BandText(*table).substr(0, std::string_view(bands).size()), bands) << name;
     }
     EXPECT_EQ(BandText(nxVariableTickTableCHIX_CPH1()),
               BandText(*nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_CPH1")));
@@ -126,12 +123,7 @@ TEST_F(nxVariableTickTableContainerTest, BandsOfTellingTables)
 
 TEST_F(nxVariableTickTableContainerTest, ATableThatIsRefusedIsDeletedAndStopsNothing)
 {
-    struct Row
-    {
-        const char *name, *id, *bands;
-        bool isTaken;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, const char*, bool> rows[] = {
         {"A", "VTT_A", "0", false},           {"A", "VTT_A", "2 0.1; 1 0.2; 1", false},
         {"A", "VTT_A", "1 0.1; 0.2", true},   {"A", "VTT_A2", "1 0.1; 0.2", false},  // the name is taken
         {"A3", "VTT_A", "1 0.1; 0.2", false},                                        // the identifier is taken
@@ -140,12 +132,12 @@ TEST_F(nxVariableTickTableContainerTest, ATableThatIsRefusedIsDeletedAndStopsNot
     ASSERT_EQ(CountTables(), 150U);
     std::size_t taken = 150;
     int refused = 0;
-    for (const Row& row : rows)
+    for (const auto& [name, id, bands, isTaken] : rows)
     {
-        SCOPED_TRACE(std::string(row.id) + " " + row.bands);
-        Register(row.name, row.id, new TestTable(row.bands, deleted));
-        taken += row.isTaken ? 1 : 0;
-        refused += row.isTaken ? 0 : 1;
+        SCOPED_TRACE(std::string(id) + " " + bands);
+        Register(name, id, new TestTable(bands, deleted));
+        taken += isTaken ? 1 : 0;
+        refused += isTaken ? 0 : 1;
         EXPECT_EQ(deleted, refused);
         EXPECT_EQ(CountTables(), taken);
         EXPECT_EQ(CountNames(), taken);
@@ -183,16 +175,13 @@ TEST_F(nxVariableTickTableContainerTest, TheCatalogueIsLoggedBandByBandAtTheDebu
 TEST_F(nxVariableTickTableContainerTest, ThreadsThatRaceToTheFirstCallGetTheSameTables)
 {
     std::vector<const nxVariableTickTable*> found(4);
-    {
-        std::vector<std::jthread> threads;
-        for (const nxVariableTickTable*& table : found)
-            threads.emplace_back(
-                [&table]
+    nxInThreads(4,
+                [&](int thread)
                 {
                     for (const nxTickTableSource& source : nxTickTableSource::GetAll())
-                        table = nxVariableTickTableContainer::GetVariableTickTable(source.GetID());
+                        found[static_cast<std::size_t>(thread)] =
+                            nxVariableTickTableContainer::GetVariableTickTable(source.GetID());
                 });
-    }
     for (const nxVariableTickTable* table : found)
         EXPECT_EQ(table, nxVariableTickTableContainer::GetVariableTickTable("VTT_EUREX_165"));
     EXPECT_NE(found[0], nullptr);

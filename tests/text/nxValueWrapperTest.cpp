@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <sstream>
+#include <tuple>
 #include <type_traits>
 #include <unordered_set>
 
@@ -34,13 +35,7 @@ TEST(nxDoubleValueWrapper, TagConstructorsAreCrossedAndInstancesAreNot)
 
 TEST(nxDoubleValueWrapper, TwoNumbersAreMarksAndAllOthersAreValues)
 {
-    struct Row
-    {
-        double number;
-        nxEnumValue status;
-        const char *text, *logText;
-    };
-    const Row rows[] = {
+    const std::tuple<double, nxEnumValue, const char*, const char*> rows[] = {
         {4503599627370495.0, NX_VALUE_STATUS_NULL, "", "4.503600e+15"},
         {4503599627370494.0, NX_VALUE_STATUS_NO_CHANGE, "", "NO_CHANGE"},
         {4503599627370496.0, NX_VALUE_STATUS_VALID, "4.503600e+15", "4.503600e+15"},
@@ -48,17 +43,17 @@ TEST(nxDoubleValueWrapper, TwoNumbersAreMarksAndAllOthersAreValues)
         {2.5, NX_VALUE_STATUS_VALID, "2.5", "2.5"},
         {std::nan(""), NX_VALUE_STATUS_VALID, "nan", "nan"},
     };
-    for (const Row& row : rows)
+    for (const auto& [number, status, text, logText] : rows)
     {
-        SCOPED_TRACE(row.number);
-        const nxDoubleValueWrapper value(row.number);
-        EXPECT_EQ(value.GetStatus(), row.status);
-        EXPECT_EQ(value.IsNull(), row.status == NX_VALUE_STATUS_NULL);
-        EXPECT_EQ(value.IsNoChange(), row.status == NX_VALUE_STATUS_NO_CHANGE);
-        EXPECT_EQ(value.IsValid(), row.status == NX_VALUE_STATUS_VALID);
-        EXPECT_EQ(value.GetAsString(), row.text);
-        EXPECT_EQ(value.GetAsLogString(), row.logText);
-        EXPECT_EQ(Streamed(value), row.logText);
+        SCOPED_TRACE(number);
+        const nxDoubleValueWrapper value(number);
+        EXPECT_EQ(value.GetStatus(), status);
+        EXPECT_EQ(value.IsNull(), status == NX_VALUE_STATUS_NULL);
+        EXPECT_EQ(value.IsNoChange(), status == NX_VALUE_STATUS_NO_CHANGE);
+        EXPECT_EQ(value.IsValid(), status == NX_VALUE_STATUS_VALID);
+        EXPECT_EQ(value.GetAsString(), text);
+        EXPECT_EQ(value.GetAsLogString(), logText);
+        EXPECT_EQ(Streamed(value), logText);
     }
     nxDoubleValueWrapper value(1.0);
     value.SetNull();
@@ -122,22 +117,18 @@ TEST(nxDoubleValueWrapper, MaximumAndMinimumPassOverWhatIsNoValue)
     using Value = nxDoubleValueWrapper;
     const Value null;
     const Value noChange = Value::GetNoChangeInstance();
-    struct Row
+    const std::tuple<Value, Value, double, double> rows[] = {
+        {null, 5, 5, 5},
+        {5, null, 5, 5},
+        {5, noChange, 5, 5},
+        {3, 3.000000001, 3, 3},
+        {3, 4, 4, 3},
+        {3.000000001, 3, 3.000000001, 3.000000001},
+        {null, noChange, Value::NoChangeValue, Value::NoChangeValue}};
+    for (const auto& [a, b, maximum, minimum] : rows)
     {
-        Value a, b;
-        double maximum, minimum;
-    };
-    const Row rows[] = {{null, 5, 5, 5},
-                        {5, null, 5, 5},
-                        {5, noChange, 5, 5},
-                        {3, 3.000000001, 3, 3},
-                        {3, 4, 4, 3},
-                        {3.000000001, 3, 3.000000001, 3.000000001},
-                        {null, noChange, Value::NoChangeValue, Value::NoChangeValue}};
-    for (const Row& row : rows)
-    {
-        EXPECT_EQ(static_cast<double>(null.GetMax(row.a, row.b)), row.maximum);
-        EXPECT_EQ(static_cast<double>(null.GetMin(row.a, row.b)), row.minimum);
+        EXPECT_EQ(static_cast<double>(null.GetMax(a, b)), maximum);
+        EXPECT_EQ(static_cast<double>(null.GetMin(a, b)), minimum);
     }
 }
 
@@ -171,27 +162,22 @@ TEST(nxValueWrapper, KeepsItsStatesStraight)
 
 TEST(nxValueWrapper, PrintsAndReads)
 {
-    struct Row
+    const std::tuple<const char*, bool, const char*, const char*> rows[] = {
+        {"300", true, "300", "300"},
+        {"4294967293", true, "4294967293", "4294967293"},
+        {"4294967294", true, "", "NO_CHANGE"},
+        {"4294967295", true, "", "NULL"},
+        {"4294967297", true, "1", "1"},
+        {"-1", false, "", "NULL"},
+        {"", false, "", "NULL"}};
+    for (const auto& [read, accepted, text, logText] : rows)
     {
-        const char* read;
-        bool accepted;
-        const char *text, *logText;
-    };
-    const Row rows[] = {{"300", true, "300", "300"},
-                        {"4294967293", true, "4294967293", "4294967293"},
-                        {"4294967294", true, "", "NO_CHANGE"},
-                        {"4294967295", true, "", "NULL"},
-                        {"4294967297", true, "1", "1"},
-                        {"-1", false, "", "NULL"},
-                        {"", false, "", "NULL"}};
-    for (const Row& row : rows)
-    {
-        SCOPED_TRACE(row.read);
+        SCOPED_TRACE(read);
         Unsigned value(7);
-        EXPECT_EQ(value.SetFromString(row.read).IsOK(), row.accepted);
-        EXPECT_EQ(value.GetAsString(), row.text);
-        EXPECT_EQ(value.GetAsLogString(), row.logText);
-        EXPECT_EQ(Streamed(value), row.logText);
+        EXPECT_EQ(value.SetFromString(read).IsOK(), accepted);
+        EXPECT_EQ(value.GetAsString(), text);
+        EXPECT_EQ(value.GetAsLogString(), logText);
+        EXPECT_EQ(Streamed(value), logText);
     }
     EXPECT_EQ(Signed(INT_MIN).GetAsLogString(), "-2147483648");
 }

@@ -5,6 +5,7 @@
 #include <climits>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 
@@ -148,13 +149,7 @@ TEST(nxTime, HoldsOnlyTimesOfADay)
 TEST(nxDateTime, IsTheLocalTimeOfAMoment)
 {
     const nxZoneOfProcess zone("FIX-5:30");
-    const struct
-    {
-        long long seconds;
-        unsigned nanoseconds;
-        const char* text;
-        unsigned fraction;
-    } rows[] = {
+    const std::tuple<long long, unsigned, const char*, unsigned> rows[] = {
         {0, 0, "01 Jan 1970 05:30:00", 0},
         {1709609823, 123'456'789, "05 Mar 2024 09:07:03", 123'456'789},
         {-1, 999'999'999, "01 Jan 1970 05:29:59", 999'999'999},
@@ -167,13 +162,13 @@ TEST(nxDateTime, IsTheLocalTimeOfAMoment)
         {LLONG_MAX, 4'000'000'000, "", 0},
         {LLONG_MIN, 0, "", 0},
     };
-    for (const auto& row : rows)
+    for (const auto& [seconds, nanoseconds, text, fraction] : rows)
     {
-        SCOPED_TRACE(row.seconds);
-        const nxDateTime moment(row.seconds, row.nanoseconds);
-        EXPECT_EQ(moment.GetAsString(), row.text);
-        EXPECT_EQ(moment.GetTime().GetNanoseconds(), row.fraction);
-        EXPECT_EQ(moment.IsNull(), *row.text == '\0');
+        SCOPED_TRACE(seconds);
+        const nxDateTime moment(seconds, nanoseconds);
+        EXPECT_EQ(moment.GetAsString(), text);
+        EXPECT_EQ(moment.GetTime().GetNanoseconds(), fraction);
+        EXPECT_EQ(moment.IsNull(), *text == '\0');
     }
 }
 

@@ -12,6 +12,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 
@@ -231,22 +232,18 @@ TEST(nxTimeStamp, ConvertsToAndFromTimePoints)
 {
     using namespace std::chrono;
     using Nanoseconds = sys_time<nanoseconds>;
-    const struct
+    // The milliseconds are rounded down.
+    const std::tuple<long long, unsigned, long long> rows[] = {{0, 0, 0},
+                                                               {1, 1, 1'000},
+                                                               {-1, 999'999'999, -1},
+                                                               {-1, 0, -1'000},
+                                                               {1'709'629'623, 123'456'789, 1'709'629'623'123},
+                                                               {-9'000'000'000, 1'000'000, -8'999'999'999'999}};
+    for (const auto& [second, nanosecond, millisecond] : rows)
     {
-        long long second;
-        unsigned nanoseconds;
-        long long milliseconds;  // rounded down
-    } rows[] = {{0, 0, 0},
-                {1, 1, 1'000},
-                {-1, 999'999'999, -1},
-                {-1, 0, -1'000},
-                {1'709'629'623, 123'456'789, 1'709'629'623'123},
-                {-9'000'000'000, 1'000'000, -8'999'999'999'999}};
-    for (const auto& row : rows)
-    {
-        SCOPED_TRACE(row.second);
-        const nxTimeStamp stamp(row.second, row.nanoseconds);
-        EXPECT_EQ(stamp.GetAsTimePoint<sys_time<milliseconds>>().time_since_epoch().count(), row.milliseconds);
+        SCOPED_TRACE(second);
+        const nxTimeStamp stamp(second, nanosecond);
+        EXPECT_EQ(stamp.GetAsTimePoint<sys_time<milliseconds>>().time_since_epoch().count(), millisecond);
         EXPECT_EQ(nxTimeStamp(stamp.GetAsTimePoint<Nanoseconds>()), stamp);
         EXPECT_EQ(stamp.GetAsTimePoint<sys_days>(), floor<days>(stamp.GetAsTimePoint<sys_seconds>()));
     }
