@@ -50,13 +50,6 @@ enum class Style
     Errno
 };
 
-// The file that a call is about, if it is about one.
-struct Target
-{
-    const char* path = nullptr;
-    int descriptor = -1;
-};
-
 // One armed fault. Atomic, because a fault for any thread is read by threads that nobody synchronises with.
 struct Fault
 {
@@ -66,7 +59,6 @@ struct Fault
     std::atomic<unsigned> skip{0};
     std::atomic<unsigned> times{0};
     std::atomic<unsigned> hits{0};
-    std::atomic<const char*> path{nullptr};
 };
 
 constinit Fault ofAnyThread[FunctionCount];
@@ -87,26 +79,9 @@ bool TakeOne(std::atomic<unsigned>& count)
     return left != 0;
 }
 
-// Whether the call is about a file with `wanted` in its path. Looked up in /proc, because the call knows a number only.
-bool IsAbout(const char* wanted, const Target& target)
+bool Strikes(Fault& fault)
 {
-    if (*wanted == '\0')
-        return true;
-    if (target.path != nullptr)
-        return std::strstr(target.path, wanted) != nullptr;
-    char link[64];
-    char path[4096];
-    std::snprintf(link, sizeof link, "/proc/self/fd/%d", target.descriptor);
-    const ssize_t length = readlink(link, path, sizeof path - 1);
-    path[length < 0 ? 0 : length] = '\0';
-    return std::strstr(path, wanted) != nullptr;
-}
-
-bool Strikes(Fault& fault, const Target& target)
-{
-    if (!fault.armed.load(std::memory_order_acquire) || !IsAbout(fault.path.load(), target))
-        return false;
-    if (TakeOne(fault.skip) || !TakeOne(fault.times))
+    if (!fault.armed.load(std::memory_order_acquire) || TakeOne(fault.skip) || !TakeOne(fault.times))
         return false;
     ++fault.hits;
     return true;
@@ -119,11 +94,11 @@ struct Verdict
     bool executed = false;
 };
 
-Verdict Judge(Function function, const Target& target)
+Verdict Judge(Function function)
 {
     for (Fault* const fault : {&ofThisThread[function], &ofAnyThread[function]})
     {
-        if (Strikes(*fault, target))
+        if (Strikes(*fault))
             return {fault->error.load(), fault->executed.load()};
     }
     return {};
@@ -142,24 +117,6 @@ Pointer Next(std::atomic<void*>& cache, Pointer sanitizers, const char* name)
         cache.store(next, std::memory_order_relaxed);
     }
     return reinterpret_cast<Pointer>(next);
-}
-
-// The file is the first parameter of every function that is about one, or the second behind a directory.
-template <class First, class... Rest>
-Target TargetOf([[maybe_unused]] First first, Rest...)
-{
-    Target target;
-    if constexpr (std::is_same_v<First, const char*>)
-        target.path = first;
-    else if constexpr (std::is_same_v<First, int>)
-        target.descriptor = first;
-    return target;
-}
-
-template <class... Rest>
-Target TargetOf(int, const char* path, Rest...)
-{
-    return {.path = path};
 }
 
 template <class Result>
@@ -182,7 +139,7 @@ Result Failed([[maybe_unused]] Style style, int error)
 // Whether an allocation is to fail, which it then tells in errno.
 bool IsFailingAllocation(Function function)
 {
-    const int error = Judge(function, Target()).error;
+    const int error = Judge(function).error;
     if (error != 0)
         errno = error;
     return error != 0;
@@ -198,7 +155,7 @@ extern "C"
     static constinit std::atomic<void*> next_##name{nullptr};                \
     result name parameters exceptions                                        \
     {                                                                        \
-        const Verdict verdict = Judge(Function_##name, TargetOf arguments);  \
+        const Verdict verdict = Judge(Function_##name);                      \
         if (verdict.error == 0)                                              \
             return NX_NEXT(name) arguments;                                  \
         if (verdict.executed)                                                \
@@ -259,7 +216,6 @@ nxSystemCallFault::nxSystemCallFault(const char* function, int error, const Opti
     fault.skip = options.skip;
     fault.times = options.times;
     fault.hits = 0;
-    fault.path = options.path;
     fault.armed.store(true, std::memory_order_release);
 }
 

@@ -25,7 +25,6 @@ public:
         unsigned times = 1;      ///< Calls that fail then.
         bool anyThread = false;  ///< Calls of any thread count, not only those of the thread that made the object.
         bool executed = false;   ///< The call is executed and reported as failed afterwards.
-        const char* path = "";   ///< Only calls whose path or descriptor names a file with this text in its path.
     };
 
     nxSystemCallFault(const char* function, int error);

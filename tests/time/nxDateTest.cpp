@@ -99,25 +99,9 @@ TEST(nxTime, ReadsTwoFormsAndLeavesItsValueAloneOtherwise)
         EXPECT_TRUE(time.SetFromString(text).IsOK()) << text;
         EXPECT_EQ(time.GetAsString(), after);
     }
-    const std::string refused[] = {"24:00:00",
-                                   "23:60:00",
-                                   "23:59:60",
-                                   "999999",
-                                   "9:07:03",
-                                   "09:07",
-                                   "0907",
-                                   "09:07:0",
-                                   "09:07:03.",
-                                   "090703.5",
-                                   "09:07:03,5",
-                                   "09.07.03",
-                                   " 9:07:03",
-                                   "-9:07:03",
-                                   "09:07:03 ",
-                                   "",
-                                   "09:07:03.0000000001",
-                                   std::string("09\00007\00003", 8)};
-    for (const std::string& text : refused)
+    for (const std::string text :
+         {"24:00:00", "23:60:00", "23:59:60", "999999", "9:07:03", "09:07", "0907", "09:07:0", "09:07:03.", "090703.5",
+          "09:07:03,5", "09.07.03", " 9:07:03", "-9:07:03", "09:07:03 ", "", "09:07:03.0000000001", "09\00007"})
     {
         nxTime time(1, 2, 3);
         EXPECT_FALSE(time.SetFromString(text).IsOK()) << text;
@@ -127,16 +111,13 @@ TEST(nxTime, ReadsTwoFormsAndLeavesItsValueAloneOtherwise)
 
 TEST(nxTime, HoldsOnlyTimesOfADay)
 {
-    EXPECT_TRUE(nxTime().IsNull());
     EXPECT_NE(nxTime(), nxTime(0, 0, 0));
     EXPECT_LT(nxTime(), nxTime(0, 0, 0));
     EXPECT_EQ(Streamed(nxTime()), "NULL");
     EXPECT_EQ(nxTime().GetAsString(), "");
-    EXPECT_TRUE(nxTime(24, 0, 0).IsNull());
-    EXPECT_TRUE(nxTime(0, 60, 0).IsNull());
-    EXPECT_TRUE(nxTime(0, 0, 60).IsNull());
-    EXPECT_TRUE(nxTime(0, 0, 0, 1'000'000'000).IsNull());
-    EXPECT_TRUE(nxTime(UINT_MAX, 0, 0).IsNull());
+    for (const nxTime& none : {nxTime(), nxTime(24, 0, 0), nxTime(0, 60, 0), nxTime(0, 0, 60),
+                               nxTime(0, 0, 0, 1'000'000'000), nxTime(UINT_MAX, 0, 0)})
+        EXPECT_TRUE(none.IsNull());
     const nxTime last(23, 59, 58, 999'999'999);
     EXPECT_EQ(last.GetHours(), 23U);
     EXPECT_EQ(last.GetMinutes(), 59U);

@@ -10,10 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
@@ -138,74 +135,6 @@ int Rotate(int count)
     for (std::thread& thread : threads)
         thread.join();
     return 0;
-}
-
-int ChangeDates(int count)
-{
-    WaitForLog();
-    for (int number = 0; number < count; ++number)
-    {
-        // Never the same day in both zones; and only while the log's thread has nothing to write, which reads the
-        // environment for it.
-        if (number % 10 == 0)
-        {
-            ::setenv("TZ", number / 10 % 2 == 0 ? "AAA12" : "BBB-14", 1);
-            ::tzset();
-        }
-        LogLine(0, number);
-        if (number % 10 == 9)
-        {
-            WaitForLog();
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-    }
-    return 0;
-}
-
-std::size_t CountOurLines(const std::filesystem::path& directory)
-{
-    std::size_t lines = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
-    {
-        if (!entry.is_regular_file() || entry.path().extension() != ".log")
-            continue;
-        std::ifstream file(entry.path());
-        for (std::string line; std::getline(file, line);)
-            lines += line.find("; some text to fill the line with") != std::string::npos && line.back() == '\r';
-    }
-    return lines;
-}
-
-// Fills the disk and frees it again; the lines that are missing must be those that the device counts.
-int FillDisk(int cycles)
-{
-    const std::filesystem::path directory = std::getenv("QRX_LOG_DIRECTORY"), ballast = directory / "ballast";
-    int number = 0;
-    for (int cycle = 0; cycle < cycles; ++cycle)
-    {
-        {
-            std::ofstream file(ballast, std::ios::binary);
-            const std::string block(4096, 'x');
-            while (file.write(block.data(), static_cast<std::streamsize>(block.size())).flush())
-            {
-            }
-        }
-        for (int i = 0; i < 20000; ++i)
-            LogLine(0, number++);
-        WaitForLog();
-        nxLogManager::GetInstance().FlushDevices();
-        std::filesystem::remove(ballast);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1100));  // it tries again each second
-        for (int i = 0; i < 100; ++i)
-            LogLine(0, number++);
-        WaitForLog();
-        nxLogManager::GetInstance().FlushDevices();
-    }
-    nxFileLogDevice::GetInstance().Destroy();
-    const std::size_t present = CountOurLines(directory), lost = nxFileLogDevice::GetInstance().GetLostLines() +
-                                                                 nxLogManager::GetInstance().GetStatistics().dropped;
-    std::printf("logged %d, present %zu, lost %zu\n", number, present, lost);
-    return static_cast<std::size_t>(number) == present + lost && lost > 0 ? 0 : 1;
 }
 
 void Register(std::function<void(const nxLog&)> onWrite)
@@ -356,8 +285,6 @@ int main(int argc, char** argv)
         {"signal", [&] { return EndByASignal(count); }},
         {"exit", ExitWhileThreadsLog},
         {"fork", [&] { return ForkWhileThreadsLog(count); }},
-        {"dates", [&] { return ChangeDates(count); }},
-        {"disk", [&] { return FillDisk(count); }},
     };
     if (const auto found = withItsOwnDevices.find(mode); found != withItsOwnDevices.end())
         return found->second();
