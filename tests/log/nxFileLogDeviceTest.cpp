@@ -271,6 +271,11 @@ TEST_F(nxFileLogDeviceTest, KeepsLinesInItsBufferUnlessTheyMatter)
     WriteBatch("before\r\n");
     WriteBatch(big);
     EXPECT_EQ(Count(nxReadFile(file), "before\r\n0xxx"), 1U);
+    const std::size_t written = LinesOf(file).size();
+    const std::string half = LineOf(0, 600'000) + "\r\n";
+    WriteBatch(half);
+    WriteBatch(half);
+    EXPECT_EQ(LinesOf(file).size(), written + 1) << "the first makes room for the second";
     Device().Destroy();
 
     Set("QRX_LOG_FORCE_FLUSH", "TRUE");
