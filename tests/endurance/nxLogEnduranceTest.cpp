@@ -11,6 +11,7 @@
 #include <csignal>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -120,10 +121,11 @@ Found ReadLines(const std::filesystem::path& directory)
 class Output
 {
 public:
-    explicit Output(const std::string& mode, const std::vector<std::string>& settings = {})
+    explicit Output(const std::string& mode, const std::vector<std::string>& settings = {},
+                    const std::string& rounds = "1")
     {
         const nxScratchDirectory scratch;
-        const int ended = Logger(scratch.GetPath(), {mode, NX_TEST_LOG_PLUGIN}, settings).Wait();
+        const int ended = Logger(scratch.GetPath(), {mode, NX_TEST_LOG_PLUGIN, rounds}, settings).Wait();
         status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
         std::ifstream file(scratch.GetPath() / "output");
         for (std::string line; std::getline(file, line);)
@@ -254,6 +256,13 @@ TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)
     }
 }
 
+TEST(nxLogProcess, LosesNothingWhenItIsStoppedWhileItEnds)
+{
+    const Output run("exit-while-stopped");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.Count("row "), 20u);
+}
+
 TEST(nxLogProcess, EndsWhateverDevicesDo)
 {
     EXPECT_EQ(Output("exit-while-stalled").status, 0);
@@ -276,11 +285,16 @@ TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)
 
 TEST(nxLogProcess, NeedsNothingOfAPluginThatIsUnloaded)
 {
-    const Output run("unload-a-plugin");
+    const auto rounds = static_cast<std::size_t>(Rounds("NX_TEST_EXITS", 20));
+    Output run("unload-a-plugin", {}, std::to_string(rounds));
     EXPECT_EQ(run.status, 0);
     for (const char* text : {"loaded plugin/load", "literal text of the plug-in plugin/report",
                              "record of the plug-in plugin/record", "unloaded plugin/unload"})
-        EXPECT_GE(run.Count(text), 3u) << text;
+        EXPECT_EQ(std::erase(run.lines, text), rounds) << text;
+    // What is left are the lines of the threads that logged meanwhile.
+    const std::set<std::string> different(run.lines.begin(), run.lines.end());
+    EXPECT_GE(different.size(), 8u);
+    EXPECT_EQ(different.size(), run.lines.size());
 }
 
 TEST(nxLogProcess, KeepsRecordsForTheFirstDevice)

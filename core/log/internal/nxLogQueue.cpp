@@ -7,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogSource.h"
@@ -372,7 +373,8 @@ bool nxLogQueue::_WaitUntil(const Attempt& attempt) noexcept
         return false;
     _waits.fetch_add(1, std::memory_order_relaxed);
     _waiting.fetch_add(1, std::memory_order_seq_cst);
-    std::int64_t since = nxClock::MonotonicNanoseconds();
+    nxLogPatience patience;
+    std::int64_t lastSign = 0;
     bool found = false;
     for (;;)
     {
@@ -384,13 +386,13 @@ bool nxLogQueue::_WaitUntil(const Attempt& attempt) noexcept
             break;
         nxFutex::Wait(_progress, seen, waitSlice);
         const std::uint32_t progress = GetProgress();
-        const std::int64_t now = nxClock::MonotonicNanoseconds();
+        const std::int64_t waited = patience.Look();
         if (progress != seen)
         {
             seen = progress;
-            since = now;
+            lastSign = waited;
         }
-        else if (now - since >= stallTime)
+        else if (waited - lastSign >= stallTime)
         {
             // Everybody else need not wait as long again.
             _stalledAt.store(seen, std::memory_order_relaxed);

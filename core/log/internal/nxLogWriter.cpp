@@ -28,7 +28,7 @@ constexpr std::int64_t millisecond = 1'000'000;
 constexpr std::int64_t busySleep = 3 * millisecond / 2;
 constexpr std::int64_t idleSleep = 100 * millisecond;
 // After how many looks in vain the sleeps become long.
-constexpr unsigned patience = 64;
+constexpr unsigned looksInVain = 64;
 // Lines go out in pieces of this size.
 constexpr std::size_t batchSize = std::size_t{1} << 20;
 constexpr std::size_t batchCapacity = batchSize + (std::size_t{1} << 16);
@@ -56,16 +56,14 @@ bool WriteOutOnce()
 {
     constexpr std::int64_t longest = 10 * second;
     constexpr std::int64_t longestStall = 2 * second;
-    static std::int64_t spent = 0;
+    static nxLogPatience waited;
     static bool stalled = false;
     static std::uint32_t progressAtStall = 0;
     const nxLogQueue& queue = nxLogQueue::GetInstance();
-    if (spent >= longest || (stalled && queue.GetProgress() == progressAtStall))
+    if (waited.Look() >= longest || (stalled && queue.GetProgress() == progressAtStall))
         return false;
-    const std::int64_t begin = nxClock::MonotonicNanoseconds();
-    stalled = !nxLogWriter::GetInstance().WriteOut(longest - spent, longestStall);
+    stalled = !nxLogWriter::GetInstance().WriteOut(longest, longestStall, waited);
     progressAtStall = queue.GetProgress();
-    spent += nxClock::MonotonicNanoseconds() - begin;
     return !stalled;
 }
 
@@ -172,10 +170,10 @@ void nxLogWriter::_Run() noexcept
         const bool found = _WriteQueued();
         _roundMutex.Unlock();
         inVain = found ? 0 : inVain + 1;
-        const bool busy = inVain < patience;
-        if (inVain == patience)
+        const bool busy = inVain < looksInVain;
+        if (inVain == looksInVain)
             nxLogQueue::GetInstance().Trim();
-        inVain = std::min(inVain, patience + 1);
+        inVain = std::min(inVain, looksInVain + 1);
         _Sleep(busy);
     }
     isWriter = false;
@@ -195,15 +193,16 @@ void nxLogWriter::DrainHere() noexcept
 
 bool nxLogWriter::WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept
 {
-    return MayWait() && _WaitUntilWritten(limit, stallLimit, true);
+    nxLogPatience patience;
+    return MayWait() && _WaitUntilWritten(limit, stallLimit, patience, true);
 }
 
-bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, bool mayStart) noexcept
+bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience,
+                                    bool mayStart) noexcept
 {
     const nxLogQueue& queue = nxLogQueue::GetInstance();
     const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
-    const std::int64_t begin = nxClock::MonotonicNanoseconds();
-    std::int64_t lastSign = begin;
+    std::int64_t lastSign = patience.Look();
     std::uint32_t progress = queue.GetProgress();
     for (;;)
     {
@@ -213,13 +212,13 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
         const std::uint32_t reached = _reached.load(std::memory_order_acquire);
         if (HasReached(reached, ticket))
             return true;
-        const std::int64_t now = nxClock::MonotonicNanoseconds();
+        const std::int64_t waited = patience.Look();
         if (queue.GetProgress() != progress)
         {
             progress = queue.GetProgress();
-            lastSign = now;
+            lastSign = waited;
         }
-        const std::int64_t left = std::min(limit - (now - begin), stallLimit - (now - lastSign));
+        const std::int64_t left = std::min(limit - waited, stallLimit - (waited - lastSign));
         if (left <= 0)
             return false;
         nxFutex::Wait(_reached, reached, std::min(left, 10 * millisecond));
@@ -228,9 +227,15 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
 
 bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
 {
+    nxLogPatience patience;
+    return WriteOut(limit, stallLimit, patience);
+}
+
+bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept
+{
     // A thread that ends the process from inside a device cannot wait for itself.
     const bool nothingEver = !_running.load(std::memory_order_acquire) && nxLogQueue::GetInstance().IsEmpty();
-    return nothingEver || (MayWait() && _WaitUntilWritten(limit, stallLimit, false));
+    return nothingEver || (MayWait() && _WaitUntilWritten(limit, stallLimit, patience, false));
 }
 
 void nxLogWriter::CopyRecords(std::vector<nxLog>& records)

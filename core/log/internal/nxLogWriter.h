@@ -10,6 +10,7 @@
 
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLineBuffer.h"
+#include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLog.h"
 #include "core/thread/nxMutex.h"
@@ -40,13 +41,16 @@ public:
     void DrainHere() noexcept;
 
     /// Waits until all that was queued before the call has been written and flushed.
-    /// @param limit, stallLimit nanoseconds: how long at most, and how long without a sign of life from the devices.
+    /// @param limit, stallLimit nanoseconds: how long at most, and how long without a sign of life from the devices. The
+    ///        time for which the process itself stood still does not count.
     /// @return whether it has been.
     bool WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept;
 
     /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
     /// @return whether all has been written, be it nothing.
     bool WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
+    /// @param patience with what has been waited before, which counts towards @p limit.
+    bool WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept;
 
     /// Lets no thread begin a round any more, for good: at the very end of the process. Waits at most @p limit
     /// nanoseconds for the round that is going on.
@@ -99,7 +103,8 @@ private:
     bool _WriteQueued() noexcept;
     void _Sleep(bool busy) noexcept;
 
-    bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, bool mayStart) noexcept;
+    bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience,
+                           bool mayStart) noexcept;
     bool _DoRound(bool everything) noexcept;
     void _BeginRound();
     Batch& _GetBatch(const nxLogLineStyle& style);

@@ -210,6 +210,29 @@ int ExitInsideADevice()
         pause();
 }
 
+// While the end waits for the records, the whole process stands still for longer than a stalled device is waited for.
+int ExitWhileStopped()
+{
+    const std::string resume = "sleep 2.6; kill -CONT " + std::to_string(::getpid());
+    if (::fork() == 0)
+    {
+        ::execlp("sh", "sh", "-c", resume.c_str(), nullptr);
+        ::_exit(127);
+    }
+    Register(
+        [](const nxLog& record)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            if (record.GetText() == "row 5")
+                std::raise(SIGSTOP);
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        });
+    AppendToOutput();
+    for (int number = 0; number < 20; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+    return 0;
+}
+
 // The parent's queue holds records that no device has had yet.
 int ForkWithAFullQueue()
 {
@@ -239,20 +262,28 @@ int WaitForADevice()
     return isRight && manager.GetLogEntriesQueue().empty() ? 0 : 8;
 }
 
-int UnloadAPlugin(const std::string& plugin)
+int UnloadAPlugin(const std::string& plugin, int rounds)
 {
     AppendToOutput();
-    for (int round = 0; round < 3; ++round)
+    std::vector<std::thread> threads = StartThreads(8);
+    int failed = 0;
+    for (int round = 0; round < rounds; ++round)
     {
         void* const handle = dlopen(plugin.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (handle == nullptr)
-            return 7;
+        {
+            ++failed;
+            continue;
+        }
         const auto report = reinterpret_cast<void (*)()>(dlsym(handle, "nxTestReport"));
         report();
         dlclose(handle);
-        // Its names and literals are unmapped now, and the records not yet written.
+        // Its names and literals are unmapped now, and the records perhaps not yet written.
     }
-    return 0;
+    stop = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    return failed;
 }
 
 int Levels()
@@ -274,10 +305,11 @@ int main(int argc, char** argv)
         {"return-from-main", ReturnFromMain},
         {"exit-in-a-thread", ExitInAThread},
         {"exit-while-stalled", ExitWhileStalled},
+        {"exit-while-stopped", ExitWhileStopped},
         {"exit-inside-a-device", ExitInsideADevice},
         {"fork-with-a-full-queue", ForkWithAFullQueue},
         {"wait-for-a-device", WaitForADevice},
-        {"unload-a-plugin", [&] { return UnloadAPlugin(argument); }},
+        {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
         {"levels", Levels},
     };
     const std::map<std::string, std::function<int()>> withTheLogsFile{
