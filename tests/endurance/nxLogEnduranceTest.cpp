@@ -92,6 +92,7 @@ struct Found
     std::map<int, std::map<int, int>> numbers;  // by thread, how often each number stands
     int torn = 0;                               // lines without their end
     int files = 0;
+    int directories = 0;
 };
 
 Found ReadLines(const std::filesystem::path& directory)
@@ -99,6 +100,7 @@ Found ReadLines(const std::filesystem::path& directory)
     Found found;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
     {
+        found.directories += entry.is_directory();
         if (!entry.is_regular_file())
             continue;
         ++found.files;
@@ -239,6 +241,14 @@ TEST(nxLogEndurance, RotationBySizeKeepsEveryRecordExactlyOnce)
     for (const auto& [thread, numbers] : found.numbers)
         EXPECT_EQ(numbers.size(), static_cast<std::size_t>(lines)) << thread;
     EXPECT_GT(found.files, rotations / 4);  // a batch is not divided, so files may grow beyond the limit
+}
+
+TEST(nxLogEndurance, AChangeOfDateKeepsEveryRecordExactlyOnce)
+{
+    Found found = LeftBy({"dates", "100"}, {"QRX_LOG_RECREATE_ON_CHANGE_OF_DATE=TRUE"});
+    EXPECT_EQ(found.numbers.size(), 1u);
+    EXPECT_EQ(found.numbers[0].size(), 100u);
+    EXPECT_GE(found.directories, 2);
 }
 
 TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)

@@ -137,6 +137,28 @@ int Rotate(int count)
     return 0;
 }
 
+int ChangeDates(int count)
+{
+    WaitForLog();
+    for (int number = 0; number < count; ++number)
+    {
+        // Never the same day in both zones; and only while the log's thread has nothing to write, which reads the
+        // environment for it.
+        if (number % 10 == 0)
+        {
+            ::setenv("TZ", number / 10 % 2 == 0 ? "AAA12" : "BBB-14", 1);
+            ::tzset();
+        }
+        LogLine(0, number);
+        if (number % 10 == 9)
+        {
+            WaitForLog();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    }
+    return 0;
+}
+
 void Register(std::function<void(const nxLog&)> onWrite)
 {
     new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
@@ -317,6 +339,7 @@ int main(int argc, char** argv)
         {"signal", [&] { return EndByASignal(count); }},
         {"exit", ExitWhileThreadsLog},
         {"fork", [&] { return ForkWhileThreadsLog(count); }},
+        {"dates", [&] { return ChangeDates(count); }},
     };
     if (const auto found = withItsOwnDevices.find(mode); found != withItsOwnDevices.end())
         return found->second();
