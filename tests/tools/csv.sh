@@ -37,6 +37,16 @@ rows "forms of a number" "$header\na,+1.\nb,.5\nc,-0\nd,0001.2500\n" \
 rows "many decimals, exactly" "$header\na,25.300000000000001\nb,1234567890123456.1\n" \
     "$added\na,25.300000000000001,0.05,25.30,-0.000000000000001\nb,1234567890123456.1,0.05,1234567890123456.10,0.00\n" 1 1
 
+# How far a price moves is exact up to the last mantissa of 64 bits; beyond it the row is rejected.
+run 1 -increment 10 -column Price -method up < <(printf 'Price\n0.776627963145224193\n0.776627963145224192\n')
+out_is "Price,tick,snapped,moved
+0.776627963145224193,10,10,9.223372036854775807
+0.776627963145224192,,,\n"
+same "reason" "stdin:3: '0.776627963145224192' has too many decimals for so large a move" "$(head -n 1 err)"
+same "counts" "moved 1 rejected 1" "$(awk '/^(moved|rejected)/ {print $1, $2}' err | paste -sd' ')"
+run 1 -increment 100 -column Price -method up < <(printf 'Price\n0.1234567890123456\n0.12345678901234567\n')
+same "exact or rejected" "0.1234567890123456,100,100,99.8765432109876544 0.12345678901234567,,," "$(tail -n 2 out | paste -sd' ')"
+
 # A row longer than any block of a pipe, and rows that do not end where a block does.
 run 0 -increment 0.05 -column Price < <(echo "$header"; printf '%300000s,1.23\n' x; seq -f '"%g",1.23' 1 60000)
 case="rows across blocks"

@@ -60,11 +60,40 @@ if [ -e /dev/full ]; then
     done
 fi
 
+# Standard streams that are closed take no part, and no file gets their numbers.
+{ echo Price; yes x | head -n 60000; } >bad.csv
+case="standard error closed"
+"$nxtick" $snap -out bad-out.csv <bad.csv 2>&-
+same "exit status" 1 $?
+same "rows" "60000 x,,," "$(tail -n +2 bad-out.csv | sort | uniq -c | sed 's/^ *//')"
+case="standard output closed"
+"$nxtick" $snap -csv good.csv >&- 2>err
+same "exit status and message" "2 nxtick: cannot write stdout: Bad file descriptor" "$? $(cat err)"
+case="standard input closed"
+"$nxtick" $snap <&- 2>err
+same "exit status and message" "2 nxtick: cannot read stdin: Bad file descriptor" "$? $(cat err)"
+
+# A reader of standard error who leaves ends nothing, and a reader of the rows who leaves ends the run without a word.
+case="nobody reads standard error"
+{ "$nxtick" $snap -csv bad.csv -out unread.csv 2>&1; echo $? >status; } | true
+same "exit status and rows" "1 60001" "$(cat status) $(wc -l <unread.csv)"
+case="nobody reads the rows"
+{ timeout 60 "$nxtick" $snap <bad.csv 2>rejected; echo $? >status; } | true
+same "exit status" "$((128 + $(kill -l PIPE)))" "$(cat status)"
+same "messages of another kind" "0" "$(grep -vc "is not a price" rejected)"
+
+# A limit on the size of files is reported like a full disk.
+case="no file above 1 KiB"
+(ulimit -c 0 -f 1 && exec "$nxtick" $snap -csv bad.csv -out kept.csv 2>&1) | tail -n 1 >err
+same "exit status and message" "2 nxtick: cannot write kept.csv: File too large" "${PIPESTATUS[0]} $(cat err)"
+content_is kept.csv 'old\n'
+nothing_left
+
 # Ended by a signal in the middle of the work.
 mkfifo pipe
-for signal in TERM HUP; do
+for signal in TERM HUP QUIT; do
     case="ended by SIG$signal"
-    "$nxtick" $snap -csv pipe -out kept.csv 2>/dev/null &
+    (ulimit -c 0 && exec env --default-signal=QUIT "$nxtick" $snap -csv pipe -out kept.csv 2>/dev/null) &
     process=$!
     exec 3>pipe
     printf 'Price\n1.23\n' >&3

@@ -14,6 +14,8 @@ refused "option -column is missing: the column that holds the prices" -increment
 refused "-column needs -table ID or -increment I" -column Price
 refused "-table and -increment exclude each other" $snap -table NFX_1
 refused "option -step does not go with -column" $snap -step 3
+refused "option -tables does not go with -increment" -increment 0.05 -tables missing.csv -price 1
+refused "option -price stands there twice" -increment 0.05 -price -1 -step -1 -price 2
 refused "option -price is missing: where to step from" -table NFX_1 -step 3
 refused "-increment '0' is not a positive number of at most 18 digits" -increment 0 -column Price
 refused "-increment '-0.05' is not a positive number of at most 18 digits" -increment -0.05 -column Price
@@ -24,6 +26,13 @@ refused "stdin:1: there is no header line" $snap
 refused "cannot read missing.csv: No such file or directory" $snap -csv missing.csv
 refused "cannot read .: Is a directory" $snap -csv .
 refused "cannot write missing/out.csv: No such file or directory" $snap -out missing/out.csv
+
+# What the user wrote is shown in 40 bytes that any terminal can take.
+digits=$(printf '%039d' 0)
+known='; there are nearest, modified-nearest, up and down'
+refused "unknown method '${digits}1'$known" $snap -method "${digits}1"
+refused "unknown method '$digits...'$known" $snap -method "$digits"$'\xC3\xA9'
+refused "unknown method '\\\\xC3\\\\x1B\\\\xA9\xC3\xA9'$known" $snap -method $'\xC3\x1B\xA9\xC3\xA9'
 
 printf 'Date,Price,Price 2,x,x\n1,2\n' >columns.csv
 refused "columns.csv:1: there is no column 'price'; did you mean Price?" -increment 1 -csv columns.csv -column price

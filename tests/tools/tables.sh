@@ -8,6 +8,13 @@ name,band,upper_bound,increment
 TWO,1,10,0.01
 TWO,2,,0.05
 CHIX_CPH1,1,,0.5
+ODD,1,10,0.01
+ODD,2,,0.03
+FAR,1,10,0.5
+FAR,2,,100
+NARROW,1,10,5
+NARROW,2,12.5,1
+NARROW,3,,3
 END
 own='-tables own.csv'
 
@@ -53,7 +60,7 @@ while read -r price where tick below above nearest modified up down; do
 done <<'END'
 9.99 on 0.01 9.98 10.00 9.99 9.99 9.99 9.99
 9.995 off 0.01 9.99 10.00 10.00 9.99 10.00 9.99
-10 on 0.01 9.99 10.01 10.00 10.00 10.00 10.00
+10 on 0.01 9.99 10.05 10.00 10.00 10.00 10.00
 10.05 on 0.05 10.00 10.10 10.05 10.05 10.05 10.05
 12.34 off 0.05 12.30 12.35 12.35 12.35 12.35 12.30
 -12.34 off 0.05 -12.35 -12.30 -12.35 -12.35 -12.30 -12.35
@@ -72,6 +79,26 @@ refused "-step '1.5' is not a whole number from -1000000 to 1000000" $own -table
 refused "-step '1000001' is not a whole number from -1000000 to 1000000" $own -table TWO -price 1 -step 1000001
 refused "the price 1000000 ticks away has more digits than a price can hold" \
     -increment 900000000000000 -price 1 -step 1000000
+
+# Neighbours where a step would leave the grid or skip a price: every price that is on the grid by the tick there, and
+# no other.
+while read -r table price below above; do
+    run 0 $own -table "$table" -price "$price"
+    same "neighbours" "$below $above" "$(awk '/^next/ {print $3}' out | paste -sd' ')"
+done <<'END'
+ODD 10 9.99 10.02
+ODD 10.01 10.00 10.02
+ODD 10.02 10.00 10.05
+ODD -10.01 -10.02 -10.00
+FAR 10 9.5 100
+FAR 10.2 10.0 100
+FAR 60 10.0 100
+FAR -60 -100 -10.0
+FAR 100 10.0 200
+NARROW 10 5 13
+NARROW 13 10 15
+NARROW 14.9 13 15
+END
 
 # Ladders are aligned on the decimal point, mark the change of bands, and have no colour in a file.
 run 0 $own -table TWO -price 10.05 -ladder 3
@@ -93,6 +120,8 @@ out_is "ticks of 0.5 around 0.2
      0.5   0.5
 >    0.2   0.5  off the grid
      0.0   0.5\n"
+run 0 $own -table ODD -price 10.02 -ladder 2
+same "beside an odd bound" "10.08 10.05 10.02 10.00 9.99" "$(tr -d '>' <out | awk '$1 ~ /[0-9]/ && NF == 2 {print $1}' | paste -sd' ')"
 refused "-ladder '0' is not a whole number from 1 to 1000" $own -table TWO -price 1 -ladder 0
 refused "option -price is missing: the middle of the ladder" $own -table TWO -ladder 3
 
@@ -101,7 +130,7 @@ printf 'Price\n9.995\n10\n-10.07\nx\n' >prices.csv
 run 1 $own -table TWO -csv prices.csv -column Price
 out_is "Price,tick,snapped,moved,below,above
 9.995,0.01,10.00,0.005,9.99,10.00
-10,0.01,10.00,0.00,9.99,10.01
+10,0.01,10.00,0.00,9.99,10.05
 -10.07,0.05,-10.05,0.02,-10.10,-10.05
 x,,,,,\n"
 
@@ -110,5 +139,12 @@ run 0 $own -table TWO -chart chart.svg
 out_is ''
 same "steps and dots" "2 1" "$(grep -c "class='line'" chart.svg) $(grep -c '<circle' chart.svg)"
 same "ends" "<svg </svg>" "$(head -c 5 chart.svg)$(tail -n 1 chart.svg)"
+# Its text is UTF-8 whatever the path: bytes that are none are replaced, and no character is cut in two.
+x79=$(printf '%079d' 0)
+for row in $'\xC3\xA9\xC3.csv|\xC3\xA9\xEF\xBF\xBD.csv' "$x79"$'\xC3\xA9|'"$x79..." "${x79}1|${x79}1"; do
+    cp own.csv "${row%|*}"
+    run 0 -tables "${row%|*}" -table TWO -chart chart.svg
+    same "source" "custom: ${row#*|}<" "$(LC_ALL=C grep -ao 'custom: [^<]*<' chart.svg)"
+done
 refused "cannot write missing/chart.svg: No such file or directory" -table CME_01 -chart missing/chart.svg
 finish

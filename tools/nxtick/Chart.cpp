@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,25 +28,28 @@ constexpr char style[] =
     ".line{stroke:#0b57d0;stroke-width:3;stroke-linecap:round}"
     ".rise{stroke:#0b57d0;stroke-width:1;stroke-dasharray:3 4}.bound{fill:#0b57d0}</style>\n";
 
-// Text as it may stand in XML.
-std::string Escaped(const std::string& text)
+// A character as it may stand in XML, where some may not; empty stands for bytes that are no character.
+std::string_view Escaped(std::string_view character)
+{
+    if (character == "&")
+        return "&amp;";
+    if (character == "<")
+        return "&lt;";
+    if (character == ">")
+        return "&gt;";
+    const bool isNone = character.empty() || character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF";
+    return isNone ? "\xEF\xBF\xBD" : static_cast<unsigned char>(character.front()) < 0x20 ? " " : character;
+}
+
+std::string EscapedText(std::string_view text)
 {
     std::string escaped;
-    for (const char c : text)
-        switch (c)
-        {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            default:
-                escaped += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-        }
+    while (!text.empty())
+    {
+        const std::size_t size = GetCharacterSize(text);
+        escaped += Escaped(text.substr(0, size));
+        text.remove_prefix(std::max<std::size_t>(1, size));
+    }
     return escaped;
 }
 
@@ -167,7 +171,7 @@ std::string Line(const char* kind, double x1, double y1, double x2, double y2)
 std::string Label(const char* kind, double x, double y, const char* anchor, const std::string& text)
 {
     return std::string("<text class='") + kind + "' x='" + Pixels(x) + "' y='" + Pixels(y) + "' text-anchor='" +
-           anchor + "'>" + Escaped(text) + "</text>\n";
+           anchor + "'>" + EscapedText(text) + "</text>\n";
 }
 
 std::string PriceGridLines(const Axis& axis)
@@ -229,11 +233,12 @@ std::string Picture(const TableEntry& entry)
     const Axis ticks = TickAxis(*entry.table);
     const std::string size = Pixels(width) + " " + Pixels(height);
     const std::size_t count = entry.table->GetRangeData().size();
+    const std::string_view source = CutText(entry.source, 80);
     return "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 " + size + "' width='960' height='540'>\n" + style +
            "<rect width='100%' height='100%' fill='#ffffff'/>\n" + Label("title", left, 36, "start", entry.id) +
            Label("axis", left, 60, "start",
                  "Tick size over price, " + std::to_string(count) + (count == 1 ? " band; " : " bands; ") +
-                     entry.status + ": " + entry.source.substr(0, 80) + (entry.source.size() > 80 ? "..." : "")) +
+                     entry.status + ": " + std::string(source) + (source.size() < entry.source.size() ? "..." : "")) +
            PriceGridLines(prices) + TickGridLines(ticks) + Steps(MakeBands(*entry.table, prices), prices, ticks) +
            Label("axis", (left + right) / 2, bottom + 46, "middle", "price") + "<text transform='translate(24 " +
            Pixels((top + bottom) / 2) + ") rotate(-90)' text-anchor='middle'>tick</text>\n</svg>\n";

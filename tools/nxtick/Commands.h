@@ -6,7 +6,7 @@
 namespace nxtick
 {
 /// @name What nxtick can do
-/// One function for each action. @return the exit status. @throws Failure when nothing was done.
+/// One function for each action. @return the exit status. @throws Failure when the task cannot be done to its end.
 /// @{
 int List(const Request& request);
 int Bands(const Request& request);

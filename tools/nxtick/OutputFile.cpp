@@ -36,7 +36,7 @@ void RememberTemporary(const std::string& path)
 {
     std::copy_n(path.c_str(), path.size() + 1, temporaryPath.begin());
     hasTemporary = 1;
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM})
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
         if (::signal(signal, &RemoveTemporary) == SIG_IGN)
             ::signal(signal, SIG_IGN);  // whoever started the program wants it ignored
 }
@@ -122,9 +122,9 @@ void OutputFile::_Flush()
     for (std::size_t done = 0; done < _used;)
     {
         const ssize_t count = ::write(_file, _buffer.data() + done, _used - done);
-        if (count >= 0)
+        if (count > 0)
             done += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
+        else if (count == 0 || errno != EINTR)
             _Fail();
     }
     _used = 0;

@@ -12,9 +12,9 @@ namespace nxtick
 /// A file that appears under its name only when it is complete, or standard output.
 ///
 /// The text is written to a temporary file in the same directory, which Complete() renames. When the object is
-/// destroyed before that, or a signal ends the program (SIGHUP, SIGINT, SIGTERM), the temporary file is removed and a
-/// file that had the name before is as it was. A name that belongs to something else than a file, such as /dev/null or
-/// a pipe, is written to directly. One object with a name exists at a time.
+/// destroyed before that, or a signal ends the program (SIGHUP, SIGINT, SIGQUIT, SIGTERM), the temporary file is
+/// removed and a file that had the name before is as it was. A name that belongs to something else than a file, such as
+/// /dev/null or a pipe, is written to directly. One object with a name exists at a time.
 class OutputFile
 {
 public:

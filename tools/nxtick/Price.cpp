@@ -54,11 +54,11 @@ struct Rung
 
 std::vector<Rung> MakeLadder(PriceGrid& grid, const nxDecimal& middle, int ticks)
 {
-    grid.CheckReach(middle, ticks + 1);
     std::vector<Rung> rungs;
     nxDecimal price = middle;
     for (int i = 0; i < ticks; ++i)
     {
+        grid.CheckReach(price, ticks - i + 1);
         price = grid.GetAbove(price);
         rungs.push_back({price, grid.GetTick(price)});
     }
@@ -67,6 +67,7 @@ std::vector<Rung> MakeLadder(PriceGrid& grid, const nxDecimal& middle, int ticks
     price = middle;
     for (int i = 0; i < ticks; ++i)
     {
+        grid.CheckReach(price, ticks - i + 1);
         price = grid.GetBelow(price);
         rungs.push_back({price, grid.GetTick(price)});
     }

@@ -1,8 +1,9 @@
 #ifndef NXTICK_PRICEGRID_H
 #define NXTICK_PRICEGRID_H
 
-#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
@@ -30,26 +31,40 @@ public:
     /// @throws Failure when the price so many ticks away might not fit 64 bits; one tick away from what ReadPrice()
     ///         accepted always fits.
     void CheckReach(const nxDecimal& price, int ticks) const;
-    /// Moves a price by ticks that CheckReach() accepts.
+    /// Moves a price by ticks that CheckReach() accepts, each of them the tick where it begins.
     virtual void Step(nxDecimal& price, int ticks) = 0;
 
     bool IsOnGrid(const nxDecimal& price);
     /// The next price of the grid below, whether or not the price itself is on the grid.
-    nxDecimal GetBelow(const nxDecimal& price);
+    nxDecimal GetBelow(const nxDecimal& price) const;
     /// The next price of the grid above.
-    nxDecimal GetAbove(const nxDecimal& price);
+    nxDecimal GetAbove(const nxDecimal& price) const;
 
 protected:
-    PriceGrid() = default;
+    /// Inclusive upper bounds and ticks, ascending; the last bound is the maximum decimal.
+    using Bands = std::vector<std::pair<nxDecimal, nxDecimal>>;
 
-    /// @param tick one of the grid's. @throws Failure when it has more digits than can be worked with.
-    void _AddTick(const nxDecimal& tick);
+    /// @throws Failure when a tick has more digits than can be worked with.
+    explicit PriceGrid(const Bands& bands);
 
 private:
-    nxDecimal _Neighbour(const nxDecimal& price, nxEnumValue method, int ticks);
+    // All prices of the grid that share a tick: multiples of it from a first to a last one. The prices from one lower
+    // tick above a band's lower bound to one tick above its own bound have the band's tick.
+    struct _Stretch
+    {
+        nxDecimal first;
+        nxDecimal last;
+        nxDecimal tick;
+    };
+
+    void _AddTick(const nxDecimal& tick);
+    void _AddStretches(const Bands& bands);
+    nxDecimal _Outwards(nxDecimal price) const;
+    nxDecimal _Inwards(nxDecimal price) const;
 
     unsigned char _places = 0;  // the most that a tick has
     double _largestTick = 0;
+    std::vector<_Stretch> _stretches;  // ascending, of the prices from 0; negative ones are their mirror image
 };
 
 /// The multiples of one increment.

@@ -7,6 +7,7 @@
 
 #include "Failure.h"
 #include "Text.h"
+#include "WideMantissa.h"
 
 namespace nxtick
 {
@@ -20,13 +21,11 @@ std::string Trimmed(const std::string& text)
     return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-// The snapped price less the price, exactly: both are brought to one number of places first.
-nxDecimal Distance(nxDecimal snapped, nxDecimal price)
+// The snapped price less the price, exactly; false when a decimal does not hold it.
+bool GetDistance(const nxDecimal& snapped, const nxDecimal& price, nxDecimal& distance)
 {
     const unsigned char places = std::max(snapped.GetDecimalPlaces(), price.GetDecimalPlaces());
-    snapped.SetDecimalPlaces(places, true);
-    price.SetDecimalPlaces(places, true);
-    return snapped - price;
+    return MakeDecimal(GetWideMantissa(snapped, places) - GetWideMantissa(price, places), places, distance);
 }
 }  // namespace
 
@@ -64,9 +63,10 @@ void PriceSnapper::Row(const CsvRow& row)
         ++_counts.rows;
         std::string_view field;
         nxDecimal price;
-        if (const char* const reason = _ReadPrice(row, field, price); reason == nullptr)
-            _Snap(price);
-        else
+        const char* reason = _ReadPrice(row, field, price);
+        if (reason == nullptr)
+            reason = _Snap(price);
+        if (reason != nullptr)
         {
             ++_counts.rejected;
             _added = _grid.HasBands() ? ",,,,," : ",,,";
@@ -89,11 +89,14 @@ const char* PriceSnapper::_ReadPrice(const CsvRow& row, std::string_view& field,
     return _grid.ReadPrice(field, price);
 }
 
-void PriceSnapper::_Snap(const nxDecimal& price)
+// Null on success, else the reason; no column is added then.
+const char* PriceSnapper::_Snap(const nxDecimal& price)
 {
     nxDecimal snapped = price;
     _grid.Round(_method, snapped);
-    const nxDecimal distance = Distance(snapped, price);
+    nxDecimal distance;
+    if (!GetDistance(snapped, price, distance))
+        return "has too many decimals for so large a move";
     ++(distance.IsZero() ? _counts.onGrid : _counts.moved);
     _Add(_grid.GetTick(price));
     _Add(snapped);
@@ -103,6 +106,7 @@ void PriceSnapper::_Snap(const nxDecimal& price)
         _Add(_grid.GetBelow(price));
         _Add(_grid.GetAbove(price));
     }
+    return nullptr;
 }
 
 void PriceSnapper::_Add(const nxDecimal& value)

@@ -24,7 +24,8 @@ struct SnapCounts
 /// Snaps one column of a CSV file to a grid: every row goes through byte for byte, with columns added at its end.
 ///
 /// Added are `tick`, `snapped` and `moved` (the snapped price less the price), and, for a grid with bands, `below` and
-/// `above`, the next prices of the grid on both sides of the price. They stay empty where the price does not parse.
+/// `above`, the next prices of the grid on both sides of the price. They stay empty where the row is rejected: the price
+/// does not parse, or the distance has more digits than a decimal.
 /// Empty lines go through as they are and count as no rows.
 class PriceSnapper
 {
@@ -47,7 +48,7 @@ public:
 
 private:
     const char* _ReadPrice(const CsvRow& row, std::string_view& field, nxDecimal& price);
-    void _Snap(const nxDecimal& price);
+    const char* _Snap(const nxDecimal& price);
     void _Add(const nxDecimal& value);
     void _Pass(const CsvRow& row);
 

@@ -98,6 +98,16 @@ void CheckOption(const std::string& name, const std::string& value)
         throw Failure("option " + Dashed(name) + " takes no value, yet " + Quoted(value) + " follows it");
 }
 
+// A value that begins with a dash is a number and so the name of no option.
+void CheckOnce(const char* const* argv)
+{
+    std::set<std::string> seen;
+    for (; *argv != nullptr; ++argv)
+        if (const std::string word = *argv;
+            word[0] == '-' && FindRule(word.substr(1)) != nullptr && !seen.insert(word).second)
+            throw Failure("option " + word + " stands there twice");
+}
+
 char LetterOf(Action action)
 {
     switch (action)
@@ -187,6 +197,8 @@ void CheckTogether(const Options& options, const Choice& choice)
         return;
     if (Has(options, "table") && Has(options, "increment"))
         throw Failure("-table and -increment exclude each other");
+    if (Has(options, "tables") && Has(options, "increment"))
+        throw Failure("option -tables does not go with -increment");
     if (!Has(options, "table") && !Has(options, "increment"))
         throw Failure(Dashed(choice.option) + " needs -table ID" +
                       (choice.action == Action::Chart ? "" : " or -increment I"));
@@ -197,7 +209,7 @@ void CheckTogether(const Options& options, const Choice& choice)
 }
 }  // namespace
 
-Request ReadRequest(const Options& options, const std::vector<std::string>& words)
+Request ReadRequest(const Options& options, const std::vector<std::string>& words, const char* const* argv)
 {
     Request request;
     for (const auto& [name, value] : options)
@@ -211,6 +223,7 @@ Request ReadRequest(const Options& options, const std::vector<std::string>& word
         request.action = Action::Version;
         return request;
     }
+    CheckOnce(argv);
     const std::optional<Choice> choice = FindChoice(options);
     if (!choice)
         throw Failure(options.empty() ? "nothing to do; try nxtick -help"
@@ -260,6 +273,7 @@ std::string GetHelp()
            "  nxtick -table VTT_EURONEXT_07 -price 9.999 -step 2\n"
            "  nxtick -list -filter CME\n"
            "\n"
-           "Exit status  0 done, 1 some prices were rejected, 2 nothing was done.\n";
+           "Exit status  0 done, 1 some prices were rejected, 2 failed: no file was made,\n"
+           "             but rows may have gone to standard output before\n";
 }
 }  // namespace nxtick

@@ -43,8 +43,10 @@ struct Request
 
 /// Checks the options and turns them into a request.
 /// @param options name without its first dash, and value; @param words what belongs to no option.
+/// @param argv the words that both come from, up to a null entry; the first is the command.
 /// @throws Failure naming the first thing that is wrong, with the closest option or value where one is near.
-Request ReadRequest(const std::map<std::string, std::string>& options, const std::vector<std::string>& words);
+Request ReadRequest(const std::map<std::string, std::string>& options, const std::vector<std::string>& words,
+                    const char* const* argv);
 
 /// What -help prints; fits a screen of 80 by 24 characters.
 std::string GetHelp();

@@ -1,8 +1,10 @@
 #include "Terminal.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 
 #include "core/app/nxCmdLineArgs.h"
 
@@ -31,15 +33,24 @@ std::string Terminal::WithHeading(const std::string& lines) const
 
 bool IsErrorTerminal() { return ::isatty(STDERR_FILENO) != 0; }
 
+void OpenClosedStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0)  // then it is the lowest free number, which open() takes
+            ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
 void WriteError(std::string_view text)
 {
+    const auto pipeAction = ::signal(SIGPIPE, SIG_IGN);
     while (!text.empty())
     {
         const ssize_t count = ::write(STDERR_FILENO, text.data(), text.size());
         if (count > 0)
             text.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return;  // nobody is left to be told
+        else if (count == 0 || errno != EINTR)
+            break;  // nobody is left to be told
     }
+    ::signal(SIGPIPE, pipeAction);
 }
 }  // namespace nxtick

@@ -32,7 +32,11 @@ private:
 /// Whether standard error is a terminal, so that a line on it can be overwritten.
 bool IsErrorTerminal();
 
-/// Writes to standard error.
+/// Puts /dev/null in the place of standard input, output and error where the caller closed them, so that no file gets
+/// their numbers. Using them fails as it does while they are closed.
+void OpenClosedStreams();
+
+/// Writes to standard error. When its reader is gone, the text is lost and the run goes on.
 void WriteError(std::string_view text);
 }  // namespace nxtick
 

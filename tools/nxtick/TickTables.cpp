@@ -57,9 +57,5 @@ const TableEntry& TickTables::Find(const std::string& nameOrID) const
                   (suggestion.empty() ? "; nxtick -list shows all" : suggestion));
 }
 
-TableGrid::TableGrid(const nxVariableTickTable& table) : _cursor(table)
-{
-    for (const auto& [bound, increment] : table.GetRangeData())
-        _AddTick(increment);
-}
+TableGrid::TableGrid(const nxVariableTickTable& table) : PriceGrid(table.GetRangeData()), _cursor(table) {}
 }  // namespace nxtick

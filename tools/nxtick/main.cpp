@@ -1,3 +1,4 @@
+#include <csignal>
 #include <exception>
 #include <map>
 #include <string>
@@ -31,7 +32,7 @@ int Run()
     std::vector<std::string> words;
     nxCmdLineArgs::GetInstance().GetArgs(options);
     nxCmdLineArgs::GetInstance().GetUnprocessedArgs(words);
-    const nxtick::Request request = nxtick::ReadRequest(options, words);
+    const nxtick::Request request = nxtick::ReadRequest(options, words, nxCmdLineArgs::GetInstance().GetRawArgv());
     switch (request.action)
     {
         case nxtick::Request::Action::Version:
@@ -59,6 +60,8 @@ int Run()
 
 int main(int, char** argv, char** envp)
 {
+    nxtick::OpenClosedStreams();
+    ::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow any more is reported as any other failure to write
     nxCmdLineArgs::GetInstance().Initialise(argv, envp);
     try
     {
