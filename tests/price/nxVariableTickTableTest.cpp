@@ -490,6 +490,7 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
         "0.1 0.0000000000000000001; 1",  // a tick that no price of the next band can be put to
         "0.4 1; 0.7 2.00; 5",            // one step leads from any price of a band beyond it, to other places
         "0.1 0.3; 0.4 1.00; 0.5 7; 0.9 4.000; 5",
+        "206216152",  // with fifteen places more a little beyond a multiple of 2^64
     };
     std::uint64_t seed = nxRandomTest::GetSeed(1) + 1000;
     for (const char* bands : tables)
