@@ -46,7 +46,10 @@ void TakeAndGive(benchmark::State& state)
     for (auto _ : state)
     {
         place.subject.Take();
-        ++place.count;
+        if constexpr (requires { Subject::isShared; })
+            benchmark::DoNotOptimize(long{place.count});
+        else
+            ++place.count;
         benchmark::ClobberMemory();
         place.subject.Give();
     }
@@ -232,6 +235,7 @@ struct StandardSemaphore
 
 struct OurReader
 {
+    static constexpr bool isShared = true;
     void Take() NX_NO_THREAD_SAFETY_ANALYSIS { lock.ReadLock(); }
     void Give() NX_NO_THREAD_SAFETY_ANALYSIS { lock.ReadUnlock(); }
     nxReaderWriterLock lock;
@@ -246,6 +250,7 @@ struct OurWriter
 
 struct BareReader
 {
+    static constexpr bool isShared = true;
     void Take() { pthread_rwlock_rdlock(&lock); }
     void Give() { pthread_rwlock_unlock(&lock); }
     pthread_rwlock_t lock = PTHREAD_RWLOCK_INITIALIZER;
@@ -260,6 +265,7 @@ struct BareWriter
 
 struct StandardReader
 {
+    static constexpr bool isShared = true;
     void Take() { lock.lock_shared(); }
     void Give() { lock.unlock_shared(); }
     std::shared_mutex lock;

@@ -122,7 +122,7 @@ protected:
     /// The same for this mask's class.
     bool _Register(unsigned bit, const std::string& shortDescription, const std::string& longDescription);
 
-    /// All texts, by class name and then by bit.
+    /// All texts, by class name and then by bit. To be looked at; only _Register() adds to what is printed.
     static DescriptionMap& _GetDescriptionMap();
 
 private:

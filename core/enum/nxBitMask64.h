@@ -26,7 +26,7 @@ public:
     static constexpr Word NullBit = 0x8000000000000000u;      ///< Set in a mask that is null.
     static constexpr Word NoChangeBit = 0x4000000000000000u;  ///< Set in a mask that means "no change".
 
-    /// The word that has only bit @p index set, 0 to 31.
+    /// The word that has only bit @p index set, 0 to 63.
     static constexpr Word Bit(unsigned index) { return Word{1} << index; }
 
     virtual ~nxBitMask64();
@@ -115,7 +115,7 @@ protected:
     /// The same for this mask's class.
     bool _Register(unsigned long long bit, const std::string& shortDescription, const std::string& longDescription);
 
-    /// All texts, by class name and then by bit.
+    /// All texts, by class name and then by bit. To be looked at; only _Register() adds to what is printed.
     static DescriptionMap& _GetDescriptionMap();
 
 private:

@@ -59,9 +59,19 @@ bool nxEnum::_Add(unsigned value, std::string_view shortDescription, std::string
     if (shortDescription.size() > nxEnumTable::MaximumTextSize || nxEnumTable::Find(value) != nullptr ||
         nxEnumTable::Find(shortDescription) != nxEnumTable::NotFound)
         return false;
-    const auto entry = _Map().try_emplace(_Map().end(), value, shortDescription, longDescription);
-    _ReverseMap().try_emplace(entry->second.first, value);
-    nxEnumTable::Add(value, entry->second);
+    // What may run out of memory comes first, and leaves nothing behind that stands in the way of another attempt.
+    nxEnumTable::Reserve(value);
+    const auto name = _ReverseMap().try_emplace(std::string(shortDescription), value).first;
+    try
+    {
+        const auto entry = _Map().try_emplace(_Map().end(), value, shortDescription, longDescription);
+        nxEnumTable::Add(value, entry->second);
+    }
+    catch (...)
+    {
+        _ReverseMap().erase(name);
+        throw;
+    }
     return true;
 }
 

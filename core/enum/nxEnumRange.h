@@ -17,7 +17,7 @@ template <class Element>
 class nxEnumRange
 {
 public:
-    /// Walks over the registered values; a forward iterator whose elements are made on demand.
+    /// Walks over the registered values; an input iterator whose elements are made on demand.
     class Iterator
     {
     public:

@@ -150,34 +150,28 @@ std::int64_t nxEnumTable::FindFrom(unsigned from)
     return NotFound;
 }
 
-void nxEnumTable::Add(unsigned value, const Texts& texts)
+void nxEnumTable::Reserve(unsigned value)
 {
-    AddToPage(value, texts);
-    AddToSlots(value, texts.first);
-}
-
-void nxEnumTable::AddToPage(unsigned value, const Texts& texts)
-{
-    std::atomic<Page*>& entry = _pages[value / PageSize];
-    Page* page = entry.load(std::memory_order_relaxed);
-    if (page == nullptr)
+    std::atomic<Page*>& page = _pages[value / PageSize];
+    if (page.load(std::memory_order_relaxed) == nullptr)
     {
         // A page is large and thinly filled: zeroed memory from the system costs only what is touched, and zero bytes
         // are null pointers and clear bits.
-        page = static_cast<Page*>(std::calloc(1, sizeof(Page)));
-        if (page == nullptr)
+        auto* const made = static_cast<Page*>(std::calloc(1, sizeof(Page)));
+        if (made == nullptr)
             throw std::bad_alloc();
-        entry.store(page, std::memory_order_release);
+        page.store(made, std::memory_order_release);
     }
-    const std::size_t index = value % PageSize;
-    page->texts[index].store(&texts, std::memory_order_release);
-    page->present[index / WordBits].fetch_or(std::uint64_t{1} << index % WordBits, std::memory_order_release);
-}
-
-void nxEnumTable::AddToSlots(unsigned value, const std::string& text)
-{
     if (2 * (Storage::nameCount + 1) > Storage::slotCount)
         Storage::Grow();
-    Storage::FillFreeSlot(Storage::slots.load(std::memory_order_relaxed), Tag(text), value, text.c_str());
+}
+
+void nxEnumTable::Add(unsigned value, const Texts& texts) noexcept
+{
+    Page& page = *_pages[value / PageSize].load(std::memory_order_relaxed);
+    const std::size_t index = value % PageSize;
+    page.texts[index].store(&texts, std::memory_order_release);
+    page.present[index / WordBits].fetch_or(std::uint64_t{1} << index % WordBits, std::memory_order_release);
+    Storage::FillFreeSlot(Storage::slots.load(std::memory_order_relaxed), Tag(texts.first), value, texts.first.c_str());
     ++Storage::nameCount;
 }

@@ -40,9 +40,12 @@ public:
     /// @return the smallest value with texts that is not below @p from, or NotFound.
     static std::int64_t FindFrom(unsigned from);
 
+    /// Makes room for @p value and one more name. @throws std::bad_alloc
+    static void Reserve(unsigned value);
+
     /// Adds a value that is not there yet, with a short description that is not there yet and not too long.
-    /// @p texts must live as long as the process.
-    static void Add(unsigned value, const Texts& texts);
+    /// @p texts must live as long as the process. @pre Reserve(value)
+    static void Add(unsigned value, const Texts& texts) noexcept;
 
 private:
     static constexpr std::size_t PageSize = 65536;
@@ -69,9 +72,6 @@ private:
     };
     struct Slot;
     struct Storage;
-
-    static void AddToPage(unsigned value, const Texts& texts);
-    static void AddToSlots(unsigned value, const std::string& text);
 
     // A pointer rather than the array itself: programs that are not position-independent copy exported data.
     static std::atomic<Page*>* const _pages;

@@ -43,7 +43,7 @@ void nxPriceManipulator::RoundToValidTick(const nxRoundingMethodEnum& method, nx
 {
     if (_table != nullptr)
         _table->RoundToValidTick(method, price);
-    else if (_tickIncrement.IsPositive())
+    else
         price.Round(_tickIncrement, method);
 }
 

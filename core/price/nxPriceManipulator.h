@@ -20,7 +20,8 @@ class nxVariableTickTable;
 /// manipulator.Increment(price, 2);                                          // 99.95
 /// @endcode
 ///
-/// - Null: without a table and with an increment that is not positive, as default-constructed, prices are left alone.
+/// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone. A
+///   negative one takes no steps, and rounds as its magnitude does.
 /// - Steps by the fixed tick add or subtract it; only a table changes the number of places to that of the tick.
 /// - Threads: readers may share one; a writer needs the caller's lock.
 /// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.

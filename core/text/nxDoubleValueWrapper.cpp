@@ -22,6 +22,10 @@ std::string nxDoubleValueWrapper::GetAsLogString() const
     return IsNoChange() ? "NO_CHANGE" : nxStringHelper::GetAsString(_value);
 }
 
+void nxDoubleValueWrapper::AppendAsString(std::string& out) const { out.append(GetAsString()); }
+
+void nxDoubleValueWrapper::AppendAsLogString(std::string& out) const { out.append(GetAsLogString()); }
+
 std::ostream& operator<<(std::ostream& stream, const nxDoubleValueWrapper& value)
 {
     return stream << value.GetAsLogString();

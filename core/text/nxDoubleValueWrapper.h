@@ -92,9 +92,13 @@ public:
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
     /// @return the number with up to nine decimals; an empty text for null and no change.
     std::string GetAsString() const;
+    /// Appends what GetAsString() returns.
+    void AppendAsString(std::string& out) const;
     /// @return "NO_CHANGE" for no change, otherwise the number. Null is no exception: it logs as the number of its
     ///         mark, "4.503600e+15", which log readers look for.
     std::string GetAsLogString() const;
+    /// Appends what GetAsLogString() returns.
+    void AppendAsLogString(std::string& out) const;
 
     /// Equal within the tolerance; marks count as numbers. An infinity is not equal to itself.
     friend constexpr bool operator==(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b)

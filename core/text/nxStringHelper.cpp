@@ -93,12 +93,24 @@ struct RoundedDouble
     std::uint64_t fraction;  // in units of the last decimal
 };
 
+[[gnu::noinline]] std::uint64_t ToNearestExactly(double number)
+{
+    const auto below = static_cast<std::uint64_t>(number);
+    const double rest = number - static_cast<double>(below);
+    return below + (rest > 0.5 || (rest == 0.5 && below % 2 != 0) ? 1 : 0);
+}
+
 // The integer nearest to a number from 0 to 2^51, a tie to the even one: the sum with 2^52 has no room for a fraction,
-// and the integer stands in its low bits.
+// and the integer stands in its low bits. A thread that has its sums rounded in another direction gets a neighbour; ties
+// and these are looked at again.
 std::uint64_t ToNearest(double number)
 {
     constexpr double shift = 4503599627370496.0;
-    return std::bit_cast<std::uint64_t>(number + shift) - std::bit_cast<std::uint64_t>(shift);
+    const double sum = number + shift;
+    const double rest = number - (sum - shift);
+    if (rest >= 0.5 || rest <= -0.5) [[unlikely]]
+        return ToNearestExactly(number);
+    return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift);
 }
 
 RoundedDouble RoundToDecimals(double magnitude, unsigned decimals)

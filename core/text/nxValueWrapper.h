@@ -102,6 +102,12 @@ public:
     }
     /// @return the number; an empty text for null and no change.
     std::string GetAsString() const { return IsValid() ? nxStringHelper::GetAsString(_value) : std::string(); }
+    /// Appends the number; nothing for null and no change.
+    void AppendAsString(std::string& out) const
+    {
+        if (IsValid())
+            out.append(nxStringHelper::GetAsString(_value));
+    }
     /// Appends the log form.
     void AppendAsLogString(std::string& out) const
     {

@@ -37,10 +37,10 @@ void nxThreadSpecificMemoryBuffer::_Initialise()
 
 void nxThreadSpecificMemoryBuffer::_Reallocate(unsigned capacity)
 {
-    char* const old = _data;
-    _capacity = capacity;
-    _data = static_cast<char*>(std::realloc(old, capacity));
+    char* const block = static_cast<char*>(std::realloc(_data, capacity));
     // A failure leaves the old block to us, and users are told that it is lost; a size of 0 has freed it.
-    if (_data == nullptr && capacity != 0)
-        std::free(old);
+    if (block == nullptr && capacity != 0)
+        std::free(_data);
+    _data = block;
+    _capacity = capacity;
 }

@@ -13,6 +13,76 @@
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
 
+namespace
+{
+class ManyEnum final : public nxTypedEnum<ManyEnum, 5000000, 5009999>
+{
+public:
+    using nxTypedEnum::nxTypedEnum;
+    static bool Register(unsigned value, const std::string& text)
+    {
+        return _Register(value, text, "described as " + text);
+    }
+    std::string GetClassName() const override { return "ManyEnum"; }
+};
+
+class ManyMask final : public nxTypedBitMask<ManyMask, nxBitMask>
+{
+public:
+    explicit ManyMask(const std::string& className) : nxTypedBitMask(1), _className(className) {}
+    bool Register(const std::string& text) { return _Register(1, text, "described as " + text); }
+    std::string GetClassName() const override { return _className; }
+
+private:
+    std::string _className;
+};
+
+// Registers with the first, the second, ... allocation failing until none does. @return what the last attempt returned.
+template <class Attempt>
+bool RegisterAtLast(const Attempt& attempt)
+{
+    for (long allocation = 0;; ++allocation)
+    {
+        nxAllocations::hasFailed = false;
+        nxAllocations::remaining = allocation;
+        bool isNew = false;
+        try
+        {
+            isNew = attempt();
+        }
+        catch (const std::bad_alloc&)
+        {
+        }
+        nxAllocations::remaining = -1;
+        if (!nxAllocations::hasFailed)
+            return isNew;
+    }
+}
+}  // namespace
+
+// Enough values for every table to grow.
+TEST(nxAllocationFault, WhatCouldNotBeRegisteredCanBeRegisteredAgain)
+{
+    if (!nxAllocations::areCounted)
+        GTEST_SKIP() << "this sanitizer's operators new are in the way";
+    for (unsigned value = 5000001; value < 5003000; ++value)
+    {
+        const std::string text = "A_NAME_TOO_LONG_FOR_A_SMALL_BUFFER_" + std::to_string(value);
+        ASSERT_TRUE(RegisterAtLast([&] { return ManyEnum::Register(value, text); })) << value;
+        ManyEnum read;
+        ASSERT_TRUE(read.SetFromString(text)) << value;
+        ASSERT_EQ(read, value);
+        ASSERT_EQ(read.GetShortDescription(), text);
+
+        ManyMask mask(text);
+        if (value % 100 == 0)
+        {
+            ASSERT_TRUE(RegisterAtLast([&] { return mask.Register(text); })) << value;
+            ASSERT_EQ(mask.GetShortDescription(" "), text);
+        }
+    }
+}
+
 TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
     if (!nxAllocations::areCounted)

@@ -23,7 +23,7 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
         {nxPriceManipulator(D("0.05")), {"-9.9", "-9.90", "0.05", "-9.80", "-9.95"}},
         {nxPriceManipulator(), {"9.99", "9.99", "NULL", "9.99", "9.99"}},
         {nxPriceManipulator(D("0")), {"9.99", "9.99", "0", "9.99", "9.99"}},
-        {nxPriceManipulator(D("-0.05")), {"9.99", "9.99", "-0.05", "9.99", "9.99"}},
+        {nxPriceManipulator(D("-0.05")), {"9.99", "10.00", "-0.05", "9.99", "9.99"}},
         {nxPriceManipulator(D("0.05")), {"", "NULL", "0.05", "NULL", "NULL"}},
     };
     for (const auto& [manipulator, texts] : rows)

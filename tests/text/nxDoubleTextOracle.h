@@ -2,6 +2,7 @@
 #define TESTS_TEXT_NXDOUBLETEXTORACLE_H
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -42,7 +43,11 @@ struct nxDoubleTextOracle
         const double magnitude = std::fabs(value);
         if (!(magnitude <= 2147483647.0))
         {
+            // To the nearest, always; the C library goes by the thread's direction.
+            const int direction = std::fegetround();
+            std::fesetround(FE_TONEAREST);
             std::snprintf(buffer, sizeof buffer, "%e", value);
+            std::fesetround(direction);
             return buffer;
         }
         decimals = std::min(decimals, 9U);
@@ -55,7 +60,9 @@ struct nxDoubleTextOracle
                 ++whole;
             return sign + std::to_string(whole);
         }
-        const double power = std::pow(10.0, decimals);
+        double power = 1;
+        for (unsigned place = 0; place < decimals; ++place)
+            power *= 10;
         const double scaled = fraction * power;
         long long digits = static_cast<long long>(scaled);
         const double rest = scaled - static_cast<double>(digits);

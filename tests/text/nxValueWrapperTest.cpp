@@ -53,6 +53,10 @@ TEST(nxDoubleValueWrapper, TwoNumbersAreMarksAndAllOthersAreValues)
         EXPECT_EQ(value.GetAsString(), text);
         EXPECT_EQ(value.GetAsLogString(), logText);
         EXPECT_EQ(Streamed(value), logText);
+        std::string both;
+        value.AppendAsString(both);
+        value.AppendAsLogString(both);
+        EXPECT_EQ(both, text + std::string(logText));
     }
     nxDoubleValueWrapper value(1.0);
     value.SetNull();
@@ -173,6 +177,10 @@ TEST(nxValueWrapper, PrintsAndReads)
         EXPECT_EQ(value.GetAsString(), text);
         EXPECT_EQ(value.GetAsLogString(), logText);
         EXPECT_EQ(Streamed(value), logText);
+        std::string both;
+        value.AppendAsString(both);
+        value.AppendAsLogString(both);
+        EXPECT_EQ(both, text + std::string(logText));
     }
     EXPECT_EQ(Signed(INT_MIN).GetAsLogString(), "-2147483648");
 }

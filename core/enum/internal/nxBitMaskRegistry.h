@@ -36,9 +36,10 @@ public:
     bool Register(const std::string& className, Word word, const std::string& shortDescription,
                   const std::string& longDescription)
     {
+        // The flag comes last: without memory for it or for what it stands in, another attempt finds it missing.
         const auto classEntry = _map.try_emplace(className).first;
-        const auto [entry, added] = classEntry->second.try_emplace(word, shortDescription, longDescription);
         Class& indexed = FindOrAdd(classEntry->first);
+        const auto [entry, added] = classEntry->second.try_emplace(word, shortDescription, longDescription);
         if (added && std::has_single_bit(word))
             indexed.texts[Index(word)].store(&entry->second, std::memory_order_release);
         return added;
