@@ -66,8 +66,8 @@ public:
     /// The machine's own name; "localhost" when it has none.
     static std::string GetHostName();
 
-    /// The machine's address on the first interface that is up: IPv4 where there is one, else IPv6; "127.0.0.1" on a
-    /// machine without a network. No name server is asked.
+    /// The machine's address on an interface that is up: IPv4 where there is one, else IPv6, and one that only the
+    /// machine's own wire knows (link-local) last; "127.0.0.1" on a machine without a network. No name server is asked.
     static std::string GetIPAddress();
 
     /// The process's number. A forked child gets its own.

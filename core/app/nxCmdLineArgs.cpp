@@ -15,6 +15,12 @@ constexpr char sourceFile[] = "core/trunk/nxCmdLineArgs";
 
 bool HasNul(const std::string& text) { return text.find('\0') != std::string::npos; }
 
+// Whether the environment can hold a variable of this name.
+bool IsVariableName(const std::string& name)
+{
+    return !name.empty() && name.find('=') == std::string::npos && !HasNul(name);
+}
+
 bool IsNumber(const char* word) { return nxDecimal().SetFromString(word, '.').IsOK(); }
 
 // A wrapper that reads itself from text; what is no number makes it null.
@@ -187,7 +193,7 @@ std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
 {
     const nxMutexGuard guard(_mutex);
     if (!_envsRead)
-        return nxEnvironment::Get(name);
+        return IsVariableName(name) ? nxEnvironment::Get(name) : std::string();
     const auto found = _envs.find(name);
     return found == _envs.end() ? std::string() : found->second;
 }
@@ -237,7 +243,7 @@ nxDateTime nxCmdLineArgs::GetEnvValueAsHHMMSS(const std::string& name) const
 
 bool nxCmdLineArgs::SetEnvValue(const std::string& name, const std::string& value)
 {
-    bool isSet = !name.empty() && name.find('=') == std::string::npos && !HasNul(name) && !HasNul(value);
+    bool isSet = IsVariableName(name) && !HasNul(value);
     if (isSet)
     {
         const nxMutexGuard guard(_mutex);

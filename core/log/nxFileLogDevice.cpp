@@ -97,6 +97,7 @@ public:
     bool IsOpen() const { return _file.IsOpen(); }
     bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize, const nxLogSettings& settings,
                 const std::string& application);
+    void Prepare(const nxLogSettings& settings, const std::string& application);
     void Write(std::string_view lines, bool atOnce, long long second);
     void WriteRecord(const nxLog& record);
     void Flush();
@@ -105,16 +106,19 @@ public:
     void Destroy();
     void ForgetInChild();
 
-    std::string GetPrefix() const { return GetDirectory() + '/' + _application; }
-    std::string GetNextFileName() const;
+    std::string GetPrefix() const { return GetPrefix(GetDirectory(Today())); }
+    std::string GetNextFileName() const { return GetNextFileName(GetDirectory(Today())); }
     std::string GetFileName() const { return _file.IsOpen() ? _fileName : std::string(); }
     std::uint64_t GetLostLines() const { return _file.GetLostLines(); }
 
 private:
-    std::string GetDirectory() const;
+    static std::string Today() { return DateText(nxClock::Now().seconds); }
+    std::string GetDirectory(const std::string& date) const;
+    std::string GetPrefix(const std::string& directory) const { return directory + '/' + _application; }
+    std::string GetNextFileName(const std::string& directory) const;
     void ReadProcess();
     bool OpenNext();
-    int CreateNext();
+    int CreateNext(const std::string& directory);
     void Put(std::string_view lines, bool atOnce);
     void Report(const nxLogLevelEnum& level, unsigned line, const std::string& text);
     void TellFailures();
@@ -161,6 +165,17 @@ bool nxFileLogDevice::State::Create(const nxValueWrapper<unsigned long long>& ma
     return OpenNext();
 }
 
+// Reads what names are made of, before Create() has.
+void nxFileLogDevice::State::Prepare(const nxLogSettings& settings, const std::string& application)
+{
+    if (!_isCreated)
+    {
+        _settings = settings;
+        _application = application;
+    }
+    ReadProcess();
+}
+
 // Anew in a forked child.
 void nxFileLogDevice::State::ReadProcess()
 {
@@ -172,25 +187,25 @@ void nxFileLogDevice::State::ReadProcess()
     _sequence = 1;
 }
 
-std::string nxFileLogDevice::State::GetDirectory() const
+std::string nxFileLogDevice::State::GetDirectory(const std::string& date) const
 {
-    std::string directory = _settings.directory.empty() ? DefaultDirectory : _settings.directory;
-    return directory + '/' + DateText(nxClock::Now().seconds);
+    return (_settings.directory.empty() ? DefaultDirectory : _settings.directory) + '/' + date;
 }
 
-std::string nxFileLogDevice::State::GetNextFileName() const
+std::string nxFileLogDevice::State::GetNextFileName(const std::string& directory) const
 {
-    return GetPrefix() + '_' + _startTime + '_' + std::to_string(_process) + '_' + std::to_string(_sequence) + ".log";
+    return GetPrefix(directory) + '_' + _startTime + '_' + std::to_string(_process) + '_' + std::to_string(_sequence) +
+           ".log";
 }
 
 // Opens a file and goes on to the next number. @return the system's error number.
-int nxFileLogDevice::State::CreateNext()
+int nxFileLogDevice::State::CreateNext(const std::string& directory)
 {
     constexpr unsigned attempts = 10'000;
     int error = EEXIST;
     for (unsigned i = 0; i < attempts && error == EEXIST; ++i)
     {
-        _fileName = GetNextFileName();
+        _fileName = GetNextFileName(directory);
         error = _file.CreateNew(_fileName);
         if (error == 0 || error == EEXIST)
             ++_sequence;
@@ -201,12 +216,14 @@ int nxFileLogDevice::State::CreateNext()
 bool nxFileLogDevice::State::OpenNext()
 {
     ReadProcess();
-    const std::string directory = GetDirectory();
+    // Read once: a file lies in the directory of the date that it is said to have.
+    const std::string date = Today();
+    const std::string directory = GetDirectory(date);
     const std::string previous = std::exchange(_fileName, std::string());
     const int directoryError = nxFile::CreateDirectories(directory);
     if (directoryError != 0 && !_openingFailureIsTold)
         Complain("Failed to create directory " + directory + ", errno: " + std::to_string(directoryError) + '\n');
-    const int error = CreateNext();
+    const int error = CreateNext(directory);
     _nextCheck = nxClock::MonotonicNanoseconds() + nanosecondsPerSecond;
     if (error != 0)
     {
@@ -217,7 +234,7 @@ bool nxFileLogDevice::State::OpenNext()
         return false;
     }
     _openingFailureIsTold = false;
-    _date = DateText(nxClock::Now().seconds);
+    _date = date;
     _ownBytes = 0;
     if (!previous.empty())
         Report(NX_LOG_LEVEL_INFO, __LINE__,
@@ -318,8 +335,7 @@ void nxFileLogDevice::State::Write(std::string_view lines, bool atOnce, long lon
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     Maintain(now);
     // Both, so that neither a late record nor one with a time of the caller's own brings files to and fro.
-    if (_settings.recreateOnChangeOfDate && _file.IsOpen() && DateText(second) != _date &&
-        DateText(nxClock::Now().seconds) != _date)
+    if (_settings.recreateOnChangeOfDate && _file.IsOpen() && DateText(second) != _date && Today() != _date)
         Reopen();
     const bool handOver = MustHandOver(atOnce, now);
     while (!lines.empty())
@@ -368,6 +384,13 @@ void nxFileLogDevice::State::ForgetInChild()
 
 namespace
 {
+// Made before the device's lock is taken: who forks holds the lock of the environment first and that of the device then.
+struct NameParts
+{
+    const nxLogSettings settings = nxLogSettings::Read();
+    const std::string application = ApplicationText();
+};
+
 // Devices may not throw; where there is no memory for a line or a file name, that line or file is not written.
 template <class Action>
 void WithoutThrowing(const Action& action)
@@ -400,11 +423,9 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
     WithoutThrowing(
         [&]
         {
-            // Before the lock: who forks holds the lock of the environment first and that of the device then.
-            const nxLogSettings settings = nxLogSettings::Read();
-            const std::string application = ApplicationText();
+            const NameParts parts;
             const nxMutexGuard guard(_mutex);
-            created = _state->Create(maximumFileSize, settings, application);
+            created = _state->Create(maximumFileSize, parts.settings, parts.application);
         });
     nxLogManager::GetInstance().RegisterLogDevice(this);
     return created;
@@ -452,13 +473,17 @@ void nxFileLogDevice::CloseAndReopenLogFile()
 
 std::string nxFileLogDevice::GenerateLogDirectoryFilenamePrefix() const
 {
+    const NameParts parts;
     const nxMutexGuard guard(_mutex);
+    _state->Prepare(parts.settings, parts.application);
     return _state->GetPrefix();
 }
 
 std::string nxFileLogDevice::GenerateFileName() const
 {
+    const NameParts parts;
     const nxMutexGuard guard(_mutex);
+    _state->Prepare(parts.settings, parts.application);
     return _state->GetNextFileName();
 }
 

@@ -46,7 +46,7 @@ public:
 
     /// Reads the settings, opens a log file and registers the device with the log manager.
     /// @param maximumFileSize bytes beyond which a new file is begun; null, no change and 0 mean no limit.
-    /// @return false when a log file is open already, then nothing changes; and when none could be opened, then the
+    /// @return false when a log file is open already, then nothing else changes; and when none could be opened, then the
     ///         device is at work nevertheless and goes on trying.
     bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize);
 

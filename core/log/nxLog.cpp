@@ -100,7 +100,7 @@ nxLog* nxLog::CreateCopyWithOwnershipTransfer() noexcept
 {
     auto* const copy = new (std::nothrow) nxLog(*this);
     if (copy != nullptr)
-        _message.ClearValues();
+        _message.ClearMessage();
     return copy;
 }
 

@@ -67,17 +67,21 @@ nxLogManager::nxLogManager() noexcept
     nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
     try
     {
-        const nxLogSettings settings = nxLogSettings::Read();
-        SetLogLevel(settings.level);
-        SetLogThreadIndex(settings.threadIndex);
-        SetTimeBetweenFlushes(settings.forceFlush ? 0 : static_cast<double>(settings.secondsBetweenFlushes));
-        if (settings.reservedEntries != 0)
-            SetRecommendedBufferCapacity(static_cast<unsigned>(settings.reservedEntries));
+        Apply(nxLogSettings::Read());
     }
     catch (...)
     {
         // The defaults serve.
     }
+}
+
+void nxLogManager::Apply(const nxLogSettings& settings) noexcept
+{
+    SetLogLevel(settings.level);
+    SetLogThreadIndex(settings.threadIndex);
+    SetTimeBetweenFlushes(settings.forceFlush ? 0 : static_cast<double>(settings.secondsBetweenFlushes));
+    if (settings.reservedEntries != 0)
+        SetRecommendedBufferCapacity(static_cast<unsigned>(settings.reservedEntries));
 }
 
 void nxLogManager::SetLogLevel(const nxLogLevelEnum& level) noexcept
@@ -94,7 +98,7 @@ nxLogLevelEnum nxLogManager::GetLogLevel() noexcept
 void nxLogManager::Write(nxLog& record) noexcept
 {
     nxLogQueue::GetInstance().Write(record);
-    record._message.ClearValues();
+    record._message.ClearMessage();
 }
 
 void nxLogManager::ImmediateWrite(const nxLog& record) noexcept
@@ -119,7 +123,11 @@ void nxLogManager::RegisterLogDevice(nxLogDevice* device) noexcept
     // What has been reported by now is for the devices that are there. The first one gets all that there was.
     WriteOut(second, second / 10);
     devices.Add(device);
-    nxLogWriter::GetInstance().Wake();
+    nxLogWriter& writer = nxLogWriter::GetInstance();
+    // Threads that have reported before need not come by where the thread is started, as after Destroy().
+    if (nxLogQueue::GetInstance().HasChannels())
+        writer.EnsureRunning();
+    writer.Wake();
 }
 
 void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept

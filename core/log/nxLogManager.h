@@ -11,6 +11,7 @@
 
 class nxLog;
 class nxLogDevice;
+struct nxLogSettings;
 
 /// What the log has done since the process started; a forked child starts again at 0.
 struct nxLogStatistics
@@ -104,6 +105,10 @@ public:
     bool GetLogThreadCPU() const { return _logThreadCPU.load(std::memory_order_relaxed); }
     /// Sets whether lines carry the processor.
     void SetLogThreadCPU(bool on) { _logThreadCPU.store(on, std::memory_order_relaxed); }
+
+    /// Takes over level, thread index, flush interval and reserved records, as the log does by itself with the
+    /// environment that it finds when it is loaded.
+    void Apply(const nxLogSettings& settings) noexcept;
 
     /// Counters of what was written, lost and waited for.
     nxLogStatistics GetStatistics() const noexcept;

@@ -1,10 +1,11 @@
 #include "core/log/nxLogMessage.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
-#include "core/log/nxLogStream.h"
+#include "core/log/internal/nxLogValueReader.h"
 
 nxLogMessage::nxLogMessage(const char* file) noexcept { _Start(file); }
 
@@ -52,13 +53,35 @@ void nxLogMessage::_Start(const char* file) noexcept
 void nxLogMessage::_AppendValues(const nxLogMessage& other) noexcept
 {
     const auto size = static_cast<std::size_t>(other._cursor - other._values);
-    if (char* const room = size == 0 ? nullptr : Take(size))
-        std::memcpy(room, other._values, size);
+    if (size == 0)
+        return;
+    // Past the limit on lengths, which the other one has kept, its mark of a cut included.
+    if (static_cast<std::size_t>(_end - _cursor) < size && !_Enlarge(static_cast<std::size_t>(_cursor - _file) + size))
+        return _Cut();
+    std::memcpy(_cursor, other._values, size);
+    _cursor += size;
 }
 
-void nxLogMessage::ClearValues() noexcept
+void nxLogMessage::ClearMessage() noexcept
 {
-    _cursor = const_cast<char*>(_values);
+    char* kept = const_cast<char*>(_values);
+    const bool isLent = _block == nullptr && _file != _own;
+    for (nxLogValueReader value(_values, _cursor); !isLent && value.Next();)
+    {
+        // Both with their tags, one of them with its size in front.
+        const char* begin = value.GetBytes() - 1;
+        const char* end = value.GetBytes() + sizeof(std::uint32_t);
+        if (value.GetTag() == nxLogTag::SourceApplication)
+        {
+            begin -= sizeof(std::uint32_t);
+            end = value.GetText().data() + value.GetText().size();
+        }
+        else if (value.GetTag() != nxLogTag::DestinationUser)
+            continue;
+        std::memmove(kept, begin, static_cast<std::size_t>(end - begin));
+        kept += end - begin;
+    }
+    _cursor = kept;
     _isCut = false;
 }
 
@@ -67,24 +90,34 @@ bool nxLogMessage::_Grow(std::size_t bytes) noexcept
     // A message that has been cut takes nothing more.
     if (_isCut)
         return false;
+    const auto size = static_cast<std::size_t>(_cursor - _file);
+    if (size + bytes <= MaximumSize && _Enlarge(std::min(std::max(2 * size, size + bytes), MaximumSize)))
+        return true;
+    _Cut();
+    return false;
+}
+
+// Takes a block for so many bytes and the mark of a cut.
+bool nxLogMessage::_Enlarge(std::size_t bytes) noexcept
+{
     const char* const begin = _file;
     const auto size = static_cast<std::size_t>(_cursor - begin);
-    const bool cut = size + bytes > MaximumSize;
-    const std::size_t capacity = (cut ? size : std::max(2 * size, size + bytes)) + 1;
-    char* const grown = cut ? nullptr : static_cast<char*>(std::realloc(_block, capacity));
+    char* const grown = static_cast<char*>(std::realloc(_block, bytes + 1));
     if (grown == nullptr)
-    {
-        *_cursor++ = static_cast<char>(nxLogTag::Cut);
-        _end = _cursor;
-        _isCut = true;
         return false;
-    }
     if (_block == nullptr)
         std::memcpy(grown, begin, size);
     _values = grown + (_values - begin);
     _file = grown;
     _cursor = grown + size;
-    _end = grown + capacity - 1;
+    _end = grown + bytes;
     _block = grown;
     return true;
+}
+
+void nxLogMessage::_Cut() noexcept
+{
+    *_cursor++ = static_cast<char>(nxLogTag::Cut);
+    _end = _cursor;
+    _isCut = true;
 }

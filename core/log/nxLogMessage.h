@@ -33,7 +33,8 @@ public:
     const char* GetFile() const { return _file; }      ///< Terminated; moves when the message grows.
     const char* GetValues() const { return _values; }  ///< The first byte of the values.
     const char* GetEnd() const { return _cursor; }     ///< The end of the values.
-    void ClearValues() noexcept;                       ///< Keeps the file.
+    /// Keeps the file, and of the values destination user and source application. Lent bytes are let go altogether.
+    void ClearMessage() noexcept;
 
     /// The most bytes that the values of one record may take: more than a message that is cut can use.
     static constexpr std::size_t MaximumSize = (std::size_t{1} << 21) + 4096;
@@ -42,6 +43,8 @@ private:
     void _Start(const char* file) noexcept;
     void _AppendValues(const nxLogMessage& other) noexcept;
     bool _Grow(std::size_t bytes) noexcept;
+    bool _Enlarge(std::size_t bytes) noexcept;
+    void _Cut() noexcept;
 
     // File, NUL, values, one after the other in _own or in _block; or lent, in two places.
     const char* _file;

@@ -22,8 +22,7 @@ void SetUpConsole(nxLogSettings::Console form)
 bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
 {
     const nxLogSettings settings = nxLogSettings::Read();
-    nxLogManager::SetLogLevel(settings.level);
-    nxLogManager::GetInstance().SetLogThreadIndex(settings.threadIndex);
+    nxLogManager::GetInstance().Apply(settings);
     SetUpConsole(settings.console);
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
     file.Create(maximumFileSize);

@@ -4,7 +4,8 @@
 #include "core/nxExport.h"
 #include "core/text/nxValueWrapper.h"
 
-/// Sets up the log as the environment asks: the level (QRX_LOG_LEVEL), the log file (QRX_LOG_DIRECTORY and the keys
+/// Sets up the log as the environment asks: the level and the other settings of the log (QRX_LOG_LEVEL
+/// and its neighbours), the log file (QRX_LOG_DIRECTORY and the keys
 /// that go with it) and the console (QRX_LOG_TO_CONSOLE). For programs that want no more than that; call it early in
 /// main. Calling it again does no harm.
 /// @param maximumFileSize bytes beyond which a new log file is begun; null means no limit.

@@ -4,26 +4,36 @@
 
 #include "core/log/nxLogMacros.h"
 
+namespace
+{
+void ReportDeath()
+{
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxConditionMutex", __LINE__)
+        << "The owner of a robust mutex died while another thread waited";
+}
+}  // namespace
+
 nxErrorEnum nxConditionMutex::Wait()
 {
     const int result = pthread_cond_wait(&_condition, &_mutex);
     if (result == 0)
         return nxErrorEnum();
-    // Unlocking a mutex that is not consistent would make it unusable for ever.
+    // Unlocking a mutex that is not consistent would make it unusable for ever, as it would be by waiting.
     const bool ownerDied = result == EOWNERDEAD;
     if (ownerDied)
-        pthread_mutex_consistent(&_mutex);
+        Consistent();
     pthread_mutex_unlock(&_mutex);
     if (ownerDied)
-    {
-        NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxConditionMutex", __LINE__)
-            << "The owner of a robust mutex died while another thread waited";
-    }
+        ReportDeath();
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
 nxErrorEnum nxConditionMutex::LockAndWait()
 {
-    Lock();
+    if (Lock() == NX_ERR_THR_OWNER_DEAD)
+    {
+        Consistent();
+        ReportDeath();
+    }
     return Wait();
 }

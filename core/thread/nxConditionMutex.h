@@ -25,7 +25,8 @@ public:
     ///         meanwhile that happens too; the mutex has then been made consistent, which the log tells.
     nxErrorEnum Wait() NX_REQUIRES(this);
 
-    /// Lock(), whatever it returns, then Wait(). On success the caller holds the mutex.
+    /// Lock(), whatever it returns, then Wait(). On success the caller holds the mutex. A robust one whose owner had
+    /// died is made consistent in between, which the log tells.
     nxErrorEnum LockAndWait() NX_ACQUIRE();
 
     /// Wakes one waiter, if there is one. The caller may hold the mutex or not.

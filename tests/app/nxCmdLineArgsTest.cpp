@@ -140,6 +140,9 @@ TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
     empty.Initialise(none, none);
     EXPECT_EQ(empty.GetCommand(), "");
     EXPECT_TRUE(empty.Options().empty());
+    const Args live;
+    EXPECT_NE(live.GetEnvValue("PATH"), "");
+    EXPECT_EQ(live.GetEnvValue(std::string("PATH") + '\0' + "X"), "");
     EXPECT_EQ(empty.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
 }
 

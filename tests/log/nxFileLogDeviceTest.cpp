@@ -161,7 +161,10 @@ TEST_F(nxFileLogDeviceTest, NamesFilesByDateApplicationStartProcessAndSequence)
 
 TEST_F(nxFileLogDeviceTest, IsRegisteredFromCreateToDestroy)
 {
+    const std::string foretold = Device().GenerateFileName();
+    EXPECT_TRUE(foretold.starts_with(GetDirectory().string() + "/")) << foretold;
     ASSERT_TRUE(Create());
+    EXPECT_EQ(Device().GetFileName(), foretold);
     Manager().ImmediateWrite(Record("one"));
     const fs::path first = Device().GetFileName();
     NX_LOG(NX_LOG_LEVEL_INFO) << "queued";
@@ -459,9 +462,11 @@ TEST_F(nxFileLogDeviceTest, GivesAForkedChildAFileOfItsOwn)
         []
         {
             EXPECT_EQ(Device().GetFileName(), "");
+            const std::string foretold = Device().GenerateFileName();
             WriteBatch("child\r\n", NX_LOG_LEVEL_WARNING);
             const std::string own = Device().GetFileName();
             EXPECT_TRUE(own.ends_with("_" + std::to_string(getpid()) + "_1.log")) << own;
+            EXPECT_EQ(own, foretold);
             EXPECT_EQ(LinesOf(own), Texts{"child"});
         }));
     WriteBatch("parent 2\r\n", NX_LOG_LEVEL_WARNING);

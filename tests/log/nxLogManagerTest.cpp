@@ -4,11 +4,15 @@
 
 #include <algorithm>
 #include <atomic>
+#include <barrier>
+#include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/log/nxLogLine.h"
@@ -16,6 +20,7 @@
 #include "core/log/nxLogMacros.h"
 #include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxFunctionLogDevice.h"
+#include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
@@ -264,6 +269,51 @@ TEST(nxLogManager, LetsCallersWaitForADeviceThatIsSlow)
     EXPECT_GT(Manager().GetStatistics().waits, before.waits);
 }
 
+// A record too large for a ring needs room of its own, whatever idle rings hold all that the bound allows.
+TEST(nxLogManager, LargeRecordsDoNotWaitForRingsThatAreHeldButEmpty)
+{
+    const std::uint64_t bound = Manager().GetMaximumQueueBytes();
+    Device device;
+    std::atomic<bool> stop{false};
+    nxInThreads(4,
+                [&](int thread)
+                {
+                    // One thread gives signs of life all the time.
+                    for (; thread == 0 && !stop; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
+                        NX_LOG(NX_LOG_LEVEL_INFO) << "tick";
+                    if (thread != 1)
+                        return;
+                    const auto logLarge = [&](int writes)
+                    {
+                        const std::uint64_t dropped = Manager().GetStatistics().dropped;
+                        for (const std::size_t size : {5'000u, 100'000u, 1'048'576u})
+                            NX_LOG(NX_LOG_LEVEL_INFO) << std::string(size, 'x');
+                        nxInThreads(4, [](int) { NX_LOG(NX_LOG_LEVEL_INFO) << std::string(300'000, 'y'); });
+                        WaitUntilWritten();
+                        EXPECT_EQ(Manager().GetStatistics().dropped, dropped);
+                        EXPECT_GE(device.writes, writes);
+                    };
+                    Manager().SetRecommendedBufferCapacity(100'000'000);
+                    EXPECT_GE(Manager().GetStatistics().bytes, bound - bound / 8);
+                    logLarge(7);
+                    Manager().SetRecommendedBufferCapacity(0);
+                    Manager().SetMaximumQueueBytes(1 << 20);
+                    // More rings than the bound has room for, all of them empty and held.
+                    std::barrier together(12);
+                    nxInThreads(12,
+                                [&](int)
+                                {
+                                    NX_LOG(NX_LOG_LEVEL_INFO) << "here";
+                                    together.arrive_and_wait();
+                                    NX_LOG(NX_LOG_LEVEL_INFO) << std::string(100'000, 'z');
+                                    together.arrive_and_wait();
+                                });
+                    logLarge(2 * 7 + 24);
+                    stop = true;
+                });
+    Manager().SetMaximumQueueBytes(bound);
+}
+
 TEST(nxLogManager, LetsDevicesLogAndLeave)
 {
     std::vector<std::string> texts;
@@ -417,6 +467,46 @@ TEST(nxLogManager, StartsAnewAfterDestroy)
     NX_LOG(NX_LOG_LEVEL_INFO) << "after";
     WaitUntilWritten();
     EXPECT_EQ(device.writes, 2);
+}
+
+// Nobody asks for it by waiting: this thread has reported before, and its ring has room.
+TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
+{
+    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
+    const auto becomes = [](const std::atomic<int>& count, int expected)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(patience);
+        while (count < expected && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return count >= expected;
+    };
+    Manager().Destroy();
+    {
+        Device device;
+        NX_LOG(NX_LOG_LEVEL_INFO) << "after";
+        EXPECT_TRUE(becomes(device.writes, 1));
+    }
+    for (const nxEnumValue level : {NX_LOG_LEVEL_INFO, NX_LOG_LEVEL_ERROR})
+    {
+        Manager().Destroy();
+        const nxSystemCallFault fault("pthread_create", EAGAIN);
+        Device device;
+        EXPECT_EQ(fault.GetHits(), 1U);
+        // The next attempt is made a second later, by a thread that is new or has something to warn of.
+        const auto log = [&](int)
+        {
+            for (int count = 0; count < 1'500 && device.writes == 0; ++count)
+            {
+                NX_LOG(level) << "again";
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+        };
+        if (level == NX_LOG_LEVEL_INFO)
+            nxInThreads(1, log);
+        else
+            log(0);
+        EXPECT_TRUE(becomes(device.writes, 1));
+    }
 }
 
 // Without the lines in which the log tells, up to a second later, what another test made it lose.

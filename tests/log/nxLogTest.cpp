@@ -123,6 +123,11 @@ TEST(nxLog, CarriesWhatItWasMadeWith)
     const std::unique_ptr<nxLog> second(record.CreateCopyWithOwnershipTransfer());
     EXPECT_EQ(first->GetText(), "to one");
     EXPECT_EQ(second->GetText(), "") << "the message is given away once";
+    for (const nxLog* each : {&std::as_const(record), &std::as_const(*first), &std::as_const(*second)})
+    {
+        EXPECT_EQ(each->GetDestinationUserID(), 8u);
+        EXPECT_EQ(each->GetSourceApplication(), "router");
+    }
     EXPECT_STREQ(second->GetSourceFile(), "core/trunk/nxMutex");
     nxLog given = MakeRecord() << "once";
     delete given.CreateCopyWithOwnershipTransfer();
@@ -180,6 +185,14 @@ TEST(nxLog, CutsAMessageAfterAMebibyteAndSaysSo)
     for (int count = 0; count < 100; ++count)
         endless << full;
     EXPECT_EQ(endless.GetText(), full + mark);
+    // Values that fill their block to the last byte, and a block that grew as large as one may.
+    nxLog long2 = MakeRecord();
+    long2 << std::string(700'000, 'a') << std::string(700'000, 'a') << std::string(700'000, 'a') << full << "b";
+    for (const nxLog* each : {&std::as_const(endless), &std::as_const(long2)})
+    {
+        const nxLog copy = *each;
+        EXPECT_EQ(nxLog(copy).GetText(), full + mark);
+    }
 }
 
 TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)

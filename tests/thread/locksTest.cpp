@@ -108,6 +108,23 @@ TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwards)
         condition.Signal();
 }
 
+TEST(nxConditionMutex, LockAndWaitTakesOverFromAHolderThatDied)
+{
+    nxConditionMutex condition;
+    ASSERT_TRUE(condition.InitialiseAsShared(true).IsOK());
+    std::thread([&]() NX_NO_THREAD_SAFETY_ANALYSIS { EXPECT_TRUE(condition.Lock().IsOK()); }).join();
+    std::atomic<bool> woken{false};
+    const std::jthread waiter(
+        [&]
+        {
+            EXPECT_TRUE(condition.LockAndWait().IsOK());
+            woken = true;
+            EXPECT_TRUE(condition.Unlock().IsOK());
+        });
+    while (!woken)
+        condition.Signal();
+}
+
 TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
 {
     nxCondition condition;

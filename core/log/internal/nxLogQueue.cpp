@@ -138,7 +138,12 @@ void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill*
     nxLogQueue::GetInstance().Close({channel, cursor, cursor, spill}, level);
 }
 
-void nxLogChannel::WakeWriter() noexcept { nxLogWriter::GetInstance().Wake(); }
+void nxLogChannel::WakeWriter() noexcept
+{
+    nxLogWriter& writer = nxLogWriter::GetInstance();
+    writer.EnsureRunning();
+    writer.Wake();
+}
 
 // Memory.
 
@@ -152,6 +157,40 @@ bool nxLogQueue::_ClaimBytes(std::size_t bytes) noexcept
             return false;
     } while (!_bytes.compare_exchange_weak(claimed, claimed + bytes, std::memory_order_relaxed));
     return true;
+}
+
+// For a record in a block of its own. Rings that nobody fills make way for it; and one such record at a time may go
+// beyond the bound, so that none waits for rings that are held but empty.
+bool nxLogQueue::_ClaimBlock(std::size_t bytes) noexcept
+{
+    while (!_ClaimBytes(bytes))
+    {
+        if (_FreeIdleSegment())
+            continue;
+        std::size_t none = 0;
+        if (!_blocks.compare_exchange_strong(none, 1, std::memory_order_relaxed))
+            return false;
+        _bytes.fetch_add(bytes, std::memory_order_relaxed);
+        return true;
+    }
+    _blocks.fetch_add(1, std::memory_order_relaxed);
+    return true;
+}
+
+void nxLogQueue::_FreeClaimedBlock(char* block, std::size_t bytes) noexcept
+{
+    std::free(block);
+    _bytes.fetch_sub(bytes, std::memory_order_relaxed);
+    _blocks.fetch_sub(1, std::memory_order_relaxed);
+}
+
+bool nxLogQueue::_FreeIdleSegment() noexcept
+{
+    const nxMutexGuard guard(_mutex);
+    nxLogSegment* const segment = _PopFreeSegment();
+    if (segment != nullptr)
+        _FreeSegment(segment);
+    return segment != nullptr;
 }
 
 nxLogSegment* nxLogQueue::_AllocateSegment(std::size_t capacity) noexcept
@@ -444,7 +483,7 @@ nxLogRoom nxLogQueue::_OpenSpill(nxLogChannel* channel, const nxLogSource* sourc
 
 nxLogRoom nxLogQueue::Open(nxLogChannel* channel, const nxLogSource* source) noexcept
 {
-    nxLogWriter::GetInstance().EnsureRunning();
+    const bool isRunning = nxLogWriter::GetInstance().EnsureRunning();
     if (channel == nullptr)
     {
         channel = _Attach();
@@ -457,7 +496,11 @@ nxLogRoom nxLogQueue::Open(nxLogChannel* channel, const nxLogSource* source) noe
         return _OpenSpill(channel, source);
     char* const begin = channel->_head.load(std::memory_order_relaxed);
     nxLogChannel::_WriteHeader(begin, source);
-    return {channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
+    const nxLogRoom room{channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
+    // While nobody empties the ring, the next statement comes here again, and tries again to start who does.
+    if (!isRunning)
+        channel->_limit = begin;
+    return room;
 }
 
 nxLogRoom nxLogQueue::Grow(nxLogRoom room, std::size_t bytes) noexcept
@@ -524,7 +567,7 @@ bool nxLogQueue::_Append(nxLogChannel& channel, std::size_t size, const Fill& fi
 bool nxLogQueue::_AppendElsewhere(nxLogChannel& channel, char* block, std::size_t size) noexcept
 {
     constexpr std::size_t recordSize = sizeof(nxLogRecordHeader) + sizeof block;
-    if (!_ClaimBytes(size) && !_WaitUntil([&] { return _ClaimBytes(size); }))
+    if (!_ClaimBlock(size) && !_WaitUntil([&] { return _ClaimBlock(size); }))
     {
         std::free(block);
         return false;
@@ -539,10 +582,7 @@ bool nxLogQueue::_AppendElsewhere(nxLogChannel& channel, char* block, std::size_
                                       std::memcpy(out + sizeof header, &block, sizeof block);
                                   });
     if (!appended)
-    {
-        _bytes.fetch_sub(size, std::memory_order_relaxed);
-        std::free(block);
-    }
+        _FreeClaimedBlock(block, size);
     return appended;
 }
 
@@ -702,8 +742,7 @@ void nxLogQueue::_FreeBlock() noexcept
         const nxMutexGuard guard(_mutex);
         _current->_tail.store(_current->_read, std::memory_order_release);
     }
-    _bytes.fetch_sub(ReadSize(block), std::memory_order_relaxed);
-    std::free(block);
+    _FreeClaimedBlock(block, ReadSize(block));
 }
 
 inline void nxLogQueue::_Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel,
@@ -819,6 +858,12 @@ bool nxLogQueue::IsEmpty() noexcept
     return true;
 }
 
+bool nxLogQueue::HasChannels() noexcept
+{
+    const nxMutexGuard guard(_mutex);
+    return _channels != nullptr;
+}
+
 void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
 {
     const nxClockScale scale = nxClock::GetScale();
@@ -876,6 +921,7 @@ void nxLogQueue::AfterForkInChild() noexcept
         bytes += channel->_segment->capacity;
     }
     _bytes.store(bytes, std::memory_order_relaxed);
+    _blocks.store(0, std::memory_order_relaxed);
     _dropped.store(0, std::memory_order_relaxed);
     _waits.store(0, std::memory_order_relaxed);
     _waiting.store(0, std::memory_order_relaxed);

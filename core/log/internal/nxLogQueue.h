@@ -47,7 +47,8 @@ public:
     /// Queues a copy of @p record.
     void Write(const nxLog& record) noexcept;
 
-    /// The bound in bytes, for rings and large records together.
+    /// The bound in bytes, for rings and large records together. Threads get a small ring beyond it, and one large
+    /// record at a time goes beyond it.
     void SetMaximumBytes(std::size_t bytes) noexcept;
     std::size_t GetMaximumBytes() const noexcept { return _maximumBytes.load(std::memory_order_relaxed); }
     /// Allocates rings for about so many records in advance.
@@ -66,6 +67,8 @@ public:
     void Trim() noexcept;
     /// Whether no channel holds a record.
     bool IsEmpty() noexcept;
+    /// Whether any thread has reported.
+    bool HasChannels() noexcept;
 
     /// Appends copies of all records that wait; only that the order is kept within each thread.
     void CopyRecords(std::vector<nxLog>& records);
@@ -105,6 +108,9 @@ private:
     void _GiveSegment(nxLogSegment* segment) noexcept;
     void _FreeSegment(nxLogSegment* segment) noexcept;
     bool _ClaimBytes(std::size_t bytes) noexcept;
+    bool _ClaimBlock(std::size_t bytes) noexcept;
+    void _FreeClaimedBlock(char* block, std::size_t bytes) noexcept;
+    bool _FreeIdleSegment() noexcept;
 
     bool _FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
     static bool _LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
@@ -138,6 +144,7 @@ private:
     std::atomic<std::size_t> _reservedSegments{0};
 
     std::atomic<std::size_t> _bytes{0};
+    std::atomic<std::size_t> _blocks{0};  // of records that stand in one of their own
     std::atomic<std::size_t> _maximumBytes{std::size_t{64} << 20};
     std::atomic<std::uint64_t> _dropped{0};
     std::atomic<std::uint64_t> _waits{0};
