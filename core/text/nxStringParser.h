@@ -25,7 +25,7 @@ public:
     /// Starts at the front of @p text, which it keeps referring to.
     explicit nxStringParser(const std::string& text) : _text(text) {}
     explicit nxStringParser(const std::string&&) = delete;  ///< Temporaries are gone too soon.
-    nxStringParser(const nxStringParser&) = default;  ///< A second parser of the same text, at the same place.
+    nxStringParser(const nxStringParser&) = default;        ///< A second parser of the same text, at the same place.
 
     /// @return what stands before the next @p separator, which is skipped; the rest of the text when there is none. So
     ///         "a," has two fields, "a" and "".
