@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 #include "core/enum/nxCaseSensitivityEnum.h"
@@ -107,8 +108,7 @@ std::uint64_t ToNearest(double number)
 {
     constexpr double shift = 4503599627370496.0;
     const double sum = number + shift;
-    const double rest = number - (sum - shift);
-    if (rest >= 0.5 || rest <= -0.5) [[unlikely]]
+    if (std::fabs(number - (sum - shift)) >= 0.5) [[unlikely]]
         return ToNearestExactly(number);
     return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift);
 }
