@@ -113,6 +113,7 @@ private:
             _MakePrefix(key, record, time);
         char* const timeAt = out + _prefix.timeAt;
         char* const end = out + _prefix.size;
+        // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): without memory there is room for nothing
         std::memcpy(out, _prefix.text, sizeof _prefix.text);
         std::memcpy(timeAt, time.GetBytes(), nxLogTimeText::Size);
         return end;
