@@ -1,5 +1,8 @@
 #include "core/app/nxCmdLineArgs.h"
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cstring>
 
 #include "core/app/internal/nxMutexAcrossFork.h"
@@ -12,6 +15,9 @@
 namespace
 {
 constexpr char sourceFile[] = "core/trunk/nxCmdLineArgs";
+
+// The array of the environment before SetEnvValue() first changed it.
+std::atomic<char**> firstEnvironment{nullptr};
 
 bool HasNul(const std::string& text) { return text.find('\0') != std::string::npos; }
 
@@ -120,6 +126,9 @@ void nxCmdLineArgs::_ReadEnvs(char** envp)
 {
     _envp = envp;
     _envsRead = true;
+    // Setting a variable has made a new array; what main was given is an older state, or gone.
+    if (envp == firstEnvironment)
+        envp = environ;
     for (; *envp != nullptr; ++envp)
         if (const char* const separator = std::strchr(*envp, '='); separator != nullptr)
             _envs[std::string(static_cast<const char*>(*envp), separator)] = separator + 1;
@@ -247,7 +256,10 @@ bool nxCmdLineArgs::SetEnvValue(const std::string& name, const std::string& valu
     if (isSet)
     {
         const nxMutexGuard guard(_mutex);
+        char** const before = environ;
         isSet = nxEnvironment::Set(name, value);
+        if (isSet && firstEnvironment == nullptr)
+            firstEnvironment = before;
         if (isSet && _envsRead)
             _envs[name] = value;
     }

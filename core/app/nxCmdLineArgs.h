@@ -100,7 +100,8 @@ public:
     nxDateTime GetEnvValueAsHHMMSS(const std::string& name) const;
 
     /// Sets a variable in the process environment, for the children started later too, and in the copy read by
-    /// Initialise(), so that GetEnvValue() answers with it. The outcome is written to the log.
+    /// Initialise(), be it before or after, so that GetEnvValue() answers with it. What GetRawEnvp() returned may not
+    /// be looked at any more. The outcome is written to the log.
     /// @return false, with nothing changed, when the name is empty or holds "=" or NUL, when the value holds NUL, or
     ///         when the system refuses.
     bool SetEnvValue(const std::string& name, const std::string& value);

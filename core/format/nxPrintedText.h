@@ -8,6 +8,7 @@
 #include "core/enum/nxBitMask64.h"
 #include "core/enum/nxEnum.h"
 #include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxMoney.h"
 #include "core/time/nxTimeStamp.h"
 
 /// @file
@@ -35,6 +36,13 @@ std::string nxPrintedText(const Decimal& value)
     return value.GetAsLogString('.');
 }
 
+/// The log form of an amount of money.
+template <std::same_as<nxMoney> Money>
+std::string nxPrintedText(const Money& value)
+{
+    return value.GetAsLogString('.');
+}
+
 /// A time stamp's 24 characters, or nothing for a moment whose year fits no calendar.
 template <std::derived_from<nxTimeStamp> Stamp>
 std::string nxPrintedText(const Stamp& value)
@@ -44,7 +52,7 @@ std::string nxPrintedText(const Stamp& value)
     return written == 0 ? std::string() : std::string(text, written - 1);
 }
 
-/// The log form of a wrapper, a date, a time, a string value, an amount of money.
+/// The log form of a wrapper, a date, a time, a string value.
 template <class Value>
 requires requires(const Value& value)
 {

@@ -3,6 +3,9 @@
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"
 #include "core/numeric/nxMoney.h"
+#include "core/text/nxStringValue.h"
+#include "core/time/nxDateTime.h"
+#include "core/time/nxTimeStamp.h"
 
 namespace
 {
@@ -33,4 +36,35 @@ std::string nxLogTexts::Get(const nxBitMask64& mask) noexcept
 std::string nxLogTexts::Get(const nxMoney& money) noexcept
 {
     return MakeText([&money] { return money.GetAsLogString('.'); });
+}
+
+std::string nxLogTexts::Get(const nxStringValue& value) noexcept
+{
+    return MakeText([&value] { return value.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxDate& date) noexcept
+{
+    return MakeText([&date] { return date.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxTime& time) noexcept
+{
+    return MakeText([&time] { return time.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxDateTime& dateTime) noexcept
+{
+    return MakeText([&dateTime] { return dateTime.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxTimeStamp& timeStamp) noexcept
+{
+    return MakeText(
+        [&timeStamp]
+        {
+            char text[nxTimeStamp::TextSize];
+            const unsigned written = timeStamp.GetAsStringFast(text, sizeof text);
+            return written == 0 ? std::string() : std::string(text, written - 1);
+        });
 }

@@ -7,7 +7,12 @@
 
 class nxBitMask;
 class nxBitMask64;
+class nxDate;
+class nxDateTime;
 class nxMoney;
+class nxStringValue;
+class nxTime;
+class nxTimeStamp;
 
 /// The texts of the values whose text is made by the caller rather than by the deferred-write thread. Internal to the
 /// log.
@@ -18,9 +23,14 @@ class NX_CORE_API nxLogTexts
 public:
     nxLogTexts() = delete;
 
-    static std::string Get(const nxBitMask& mask) noexcept;    ///< The short descriptions, with blanks between.
-    static std::string Get(const nxBitMask64& mask) noexcept;  ///< The short descriptions, with blanks between.
-    static std::string Get(const nxMoney& money) noexcept;     ///< The log form.
+    static std::string Get(const nxBitMask& mask) noexcept;         ///< The short descriptions, with blanks between.
+    static std::string Get(const nxBitMask64& mask) noexcept;       ///< The short descriptions, with blanks between.
+    static std::string Get(const nxMoney& money) noexcept;          ///< The log form.
+    static std::string Get(const nxStringValue& value) noexcept;    ///< The log form.
+    static std::string Get(const nxDate& date) noexcept;            ///< The log form.
+    static std::string Get(const nxTime& time) noexcept;            ///< The log form.
+    static std::string Get(const nxDateTime& dateTime) noexcept;    ///< The log form.
+    static std::string Get(const nxTimeStamp& timeStamp) noexcept;  ///< The 24 characters, or nothing.
 };
 
 #endif

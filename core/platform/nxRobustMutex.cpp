@@ -21,7 +21,7 @@ int LockForASlice(pthread_mutex_t& mutex)
 {
     const timespec pause{0, 1'000'000};
     clock_nanosleep(CLOCK_MONOTONIC, 0, &pause, nullptr);
-    const int result = pthread_mutex_trylock(&mutex);
+    const int result = nxRobustMutex::Try(mutex);
     return result == EBUSY ? ETIMEDOUT : result;
 }
 #else
@@ -46,7 +46,7 @@ int LockForASlice(pthread_mutex_t& mutex)
 int nxRobustMutex::Wait(pthread_mutex_t& mutex)
 {
     int result = EBUSY;
-    if (nxSpin::Until([&] { return (result = pthread_mutex_trylock(&mutex)) != EBUSY; }))
+    if (nxSpin::Until([&] { return (result = Try(mutex)) != EBUSY; }))
         return result;
     result = LockForASlice(mutex);
     while (result == ETIMEDOUT)

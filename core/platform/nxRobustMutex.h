@@ -3,6 +3,9 @@
 
 #include <pthread.h>
 
+#include <cerrno>
+#include <climits>
+
 /// Takes robust mutexes in a way that outlives a kill of any other waiter.
 ///
 /// When a mutex is given back, the system wakes one waiter. If that one is killed before it has taken the mutex, while
@@ -11,6 +14,18 @@
 class nxRobustMutex
 {
 public:
+    /// Takes a mutex, of whatever kind, if it is free.
+    /// @return 0, EOWNERDEAD (taken as well), or why it cannot be taken.
+    static int Try(pthread_mutex_t& mutex)
+    {
+        // The C library refuses a robust mutex that is lost for good, but writes itself in as its holder, for ever: who
+        // asks later hangs, and an unlock crashes. Being lost is a state without return, so it can be seen beforehand.
+        constexpr int lostOwner = INT_MAX - 1;
+        if (__atomic_load_n(&mutex.__data.__owner, __ATOMIC_RELAXED) == lostOwner) [[unlikely]]
+            return ENOTRECOVERABLE;
+        return pthread_mutex_trylock(&mutex);
+    }
+
     /// Waits for a mutex that the caller has just found taken, and takes it.
     /// @return 0, EOWNERDEAD (taken as well), or why it cannot be taken.
     static int Wait(pthread_mutex_t& mutex);

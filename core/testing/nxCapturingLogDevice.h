@@ -127,8 +127,11 @@ public:
     /// @return whether one arrived.
     bool WaitFor(const nxLogMatcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
     {
+        // A deadline that the clock cannot hold would have passed already.
+        constexpr std::chrono::milliseconds century = std::chrono::hours(876'000);
         std::unique_lock<std::mutex> lock(_mutex);
-        return _arrived.wait_for(lock, timeout, [&] { return std::any_of(_records.begin(), _records.end(), matcher); });
+        return _arrived.wait_for(lock, std::min(timeout, century),
+                                 [&] { return std::any_of(_records.begin(), _records.end(), matcher); });
     }
     /// @return how many records that match have arrived.
     std::size_t Count(const nxLogMatcher& matcher) const

@@ -46,7 +46,8 @@ public:
 
     /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool: say what you mean.
     template <std::integral Integer>
-    requires(!std::same_as<Integer, bool>) nxOStream& operator<<(Integer number)
+    requires(!std::same_as<Integer, bool> && sizeof(Integer) <= sizeof(std::uint64_t)) nxOStream& operator<<(
+        Integer number)
     {
         char digits[nxDigits::MaxDigits];
         char* end;

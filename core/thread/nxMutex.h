@@ -5,6 +5,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/nxRobustMutex.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A mutex that reports misuse instead of hanging or corrupting: one POSIX mutex and nothing else.
@@ -48,7 +49,7 @@ public:
     ///         NX_ERR_UNSPECIFIED for any other failure, the second lock by the holder among them: not taken.
     nxErrorEnum Lock() noexcept NX_ACQUIRE()
     {
-        const int result = _IsRobust() ? pthread_mutex_trylock(&_mutex) : pthread_mutex_lock(&_mutex);
+        const int result = _IsRobust() ? nxRobustMutex::Try(_mutex) : pthread_mutex_lock(&_mutex);
         if (result == 0) [[likely]]
             return nxErrorEnum();
         return _LockSlowly(result);
@@ -59,7 +60,7 @@ public:
     ///         failure, a robust mutex held by this thread among them.
     [[nodiscard]] nxErrorEnum TryLock() noexcept
     {
-        const int result = pthread_mutex_trylock(&_mutex);
+        const int result = nxRobustMutex::Try(_mutex);
         if (result == 0) [[likely]]
             return nxErrorEnum();
         return _TryLockError(result);
@@ -77,7 +78,7 @@ public:
     }
 
     /// Marks a robust mutex whose owner died as usable again; called by the thread that got NX_ERR_THR_OWNER_DEAD.
-    /// Unlocking without it makes the mutex unusable for ever.
+    /// Unlocking without it makes the mutex unusable for ever: every Lock() and TryLock() then fails.
     /// @return NX_ERR_UNSPECIFIED when the mutex is not in that state.
     nxErrorEnum Consistent() noexcept NX_REQUIRES(this);
 

@@ -90,8 +90,8 @@ struct std::hash<nxDateTime>
     /// Agrees with `==`.
     std::size_t operator()(const nxDateTime& dateTime) const noexcept
     {
-        // Days and nanoseconds of a day share 64 bits: 47 bits hold the nanoseconds.
-        return (static_cast<std::size_t>(dateTime.GetDate().GetISODate()) << 47) ^
+        // An odd factor takes the date to all bits and no two dates to the same.
+        return static_cast<std::size_t>(dateTime.GetDate().GetISODate()) * 0x9E3779B97F4A7C15u ^
                std::hash<nxTime>()(dateTime.GetTime());
     }
 };

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
+#include <limits>
 #include <string>
-#include <utility>
 
 #include "core/nxExport.h"
 #include "core/platform/nxClock.h"
@@ -17,7 +17,7 @@ class nxDateTime;
 /// A time point of std::chrono::system_clock, in whole units of any length that are a part or a multiple of a second.
 /// Written so that this header does without the standard's chrono header.
 template <class TimePoint>
-concept nxSystemTimePoint = std::integral<typename TimePoint::rep> && requires(const TimePoint& moment)
+concept nxSystemTimePoint = std::signed_integral<typename TimePoint::rep> && requires(const TimePoint& moment)
 {
     TimePoint::clock::to_time_t(moment);
     moment.time_since_epoch().count();
@@ -56,16 +56,21 @@ public:
         : _seconds(seconds), _nanoseconds(nanoseconds)
     {
     }
-    /// The same moment, what is shorter than a nanosecond excepted.
+    /// The same moment; the first or last one that a stamp can hold where it reaches further.
     template <nxSystemTimePoint TimePoint>
     explicit nxTimeStamp(const TimePoint& moment)
     {
         constexpr long long unitsPerSecond = TimePoint::period::den;
         const auto units = static_cast<long long>(moment.time_since_epoch().count());
         const long long rest = units % unitsPerSecond;
-        _seconds = (units / unitsPerSecond - (rest < 0 ? 1 : 0)) * static_cast<long long>(TimePoint::period::num);
         _nanoseconds =
             static_cast<unsigned>((rest < 0 ? rest + unitsPerSecond : rest) * (1'000'000'000 / unitsPerSecond));
+        const long long whole = units / unitsPerSecond - (rest < 0 ? 1 : 0);
+        if (__builtin_mul_overflow(whole, static_cast<long long>(TimePoint::period::num), &_seconds))
+        {
+            _seconds = units < 0 ? std::numeric_limits<long long>::min() : std::numeric_limits<long long>::max();
+            _nanoseconds = units < 0 ? 0 : 999'999'999;
+        }
     }
     nxTimeStamp(const nxTimeStamp&) = default;             ///< The same moment.
     nxTimeStamp& operator=(const nxTimeStamp&) = default;  ///< The same moment.
@@ -106,10 +111,12 @@ public:
         constexpr long long secondsPerUnit = TimePoint::period::num;
         const long long wholeUnits = _seconds / secondsPerUnit - (_seconds % secondsPerUnit < 0 ? 1 : 0);
         const long long fraction = secondsPerUnit == 1 ? _nanoseconds / (1'000'000'000 / unitsPerSecond) : 0;
-        long long units = 0;
-        if (__builtin_mul_overflow(wholeUnits, unitsPerSecond, &units) ||
-            __builtin_add_overflow(units, fraction, &units) || !std::in_range<Count>(units))
-            return _seconds < 0 ? (TimePoint::min)() : (TimePoint::max)();
+        __extension__ using Wide = __int128;
+        const Wide units = Wide{wholeUnits} * unitsPerSecond + fraction;
+        if (units < Wide{std::numeric_limits<Count>::min()})
+            return (TimePoint::min)();
+        if (units > Wide{std::numeric_limits<Count>::max()})
+            return (TimePoint::max)();
         return TimePoint(Duration(static_cast<Count>(units)));
     }
 

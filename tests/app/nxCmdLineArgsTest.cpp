@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxFunctionLogDevice.h"
 #include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
@@ -144,6 +145,23 @@ TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
     EXPECT_NE(live.GetEnvValue("PATH"), "");
     EXPECT_EQ(live.GetEnvValue(std::string("PATH") + '\0' + "X"), "");
     EXPECT_EQ(empty.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
+}
+
+TEST(nxCmdLineArgs, WhatWasSetBeforeTheEnvironmentIsReadCountsToo)
+{
+    EXPECT_TRUE(nxInChild(
+        []
+        {
+            char** const given = environ;  // as main gets it
+            Args args;
+            ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", "1"));
+            ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", std::string(5000, 'x')));
+            ASSERT_TRUE(args.SetEnvValue("PATH", "/nowhere"));
+            char* none[] = {nullptr};
+            args.Initialise(none, given);
+            EXPECT_EQ(args.GetEnvValue("NX_TEST_SET_EARLY"), std::string(5000, 'x'));
+            EXPECT_EQ(args.GetEnvValue("PATH"), "/nowhere");
+        }));
 }
 
 TEST(nxCmdLineArgs, BooleansKnowFourWords)

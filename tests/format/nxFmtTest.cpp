@@ -5,6 +5,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxProductStateBitMask.h"
 #include "core/format/nxFormat.h"
+#include "core/numeric/nxMoney.h"
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/time/nxDate.h"
@@ -20,6 +21,7 @@ TEST(nxFmt, ValuesPrintAsInTheLog)
               "CLOSED EXPIRING NO_CHANGE 2.5");
     EXPECT_EQ(fmt::format("{}", nxTimeStamp(0, 5'000)).substr(17), "000.005");
     EXPECT_EQ(fmt::format("{}", nxDate()), "NULL");
+    EXPECT_EQ(fmt::format("{}", nxMoney()), nxMoney().GetAsLogString('.'));
 }
 
 #ifdef __cpp_lib_format

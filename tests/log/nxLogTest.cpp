@@ -16,7 +16,9 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxMoney.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "core/text/nxStringValue.h"
 #include "core/thread/nxThreadIndex.h"
+#include "core/time/nxDateTime.h"
 
 namespace
 {
@@ -249,6 +251,25 @@ TEST(nxLogLine, EscapesEveryByteOfEveryLength)
                 nxLogLine::Append(line, MakeRecord() << text, {nxLogLineStyle::LevelAndText, false});
                 ASSERT_EQ(line, "[INF] " + expected + "\n") << byte;
             }
+}
+
+TEST(nxLogStatement, TakesEveryValueOfTheLibrary)
+{
+    const nxCapturingLogDevice log;
+    NX_LOG(NX_LOG_LEVEL_INFO) << nxDate(2024, 3, 5) << " " << nxTime(9, 7, 3) << " "
+                              << nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)) << " " << nxStringValue("account")
+                              << " " << nxStringValue::GetNullInstance() << " " << nxDate();
+    ASSERT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains("account"), std::chrono::milliseconds::max())) << log;
+    const std::string expected = nxDate(2024, 3, 5).GetAsLogString() + " " + nxTime(9, 7, 3).GetAsLogString() + " " +
+                                 nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)).GetAsLogString() +
+                                 " account NULL NULL";
+    EXPECT_EQ(log.GetRecords().back().text, expected);
+    const nxTimeStamp stamp(1709629623, 123456789);
+    nxLog record = MakeRecord();
+    record << stamp;
+    char text[nxTimeStamp::TextSize];
+    stamp.GetAsStringFast(text, sizeof text);
+    EXPECT_EQ(record.GetText(), text);
 }
 
 TEST(nxLogStatement, CarriesThePlaceAndAllKindsOfValues)

@@ -248,6 +248,11 @@ TEST(nxTimeStamp, ConvertsToAndFromTimePoints)
         EXPECT_EQ(stamp.GetAsTimePoint<sys_days>(), floor<days>(stamp.GetAsTimePoint<sys_seconds>()));
     }
     EXPECT_EQ(nxTimeStamp(sys_days(days(-1))), nxTimeStamp(-86'400, 0));
+    for (const nanoseconds offset : {0ns, 1ns, 999'999'999ns, 1'000'000'000ns})
+        for (const Nanoseconds moment : {Nanoseconds::min() + offset, Nanoseconds::max() - offset})
+            EXPECT_EQ(nxTimeStamp(moment).GetAsTimePoint<Nanoseconds>(), moment);
+    EXPECT_EQ(nxTimeStamp(sys_time<hours>::max()), nxTimeStamp(LLONG_MAX, 999'999'999));
+    EXPECT_EQ(nxTimeStamp(sys_time<hours>::min()), nxTimeStamp(LLONG_MIN, 0));
     EXPECT_EQ(nxTimeStamp(LLONG_MAX, 0).GetAsTimePoint<Nanoseconds>(), Nanoseconds::max());
     EXPECT_EQ(nxTimeStamp(LLONG_MIN, 0).GetAsTimePoint<Nanoseconds>(), Nanoseconds::min());
     EXPECT_EQ(nxTimeStamp(LLONG_MAX, 0).GetAsTimePoint<sys_seconds>().time_since_epoch().count(), LLONG_MAX);
