@@ -28,10 +28,10 @@
 /// - Ownership: one object per process, never destroyed. It keeps the pointers given to Initialise(), for GetRawArgv()
 ///   and GetRawEnvp() alone, and copies everything else.
 /// @code
-/// int main(int, char** argv, char** envp)
+/// int main(int, char** argv)
 /// {
 ///     nxCmdLineArgs& args = nxCmdLineArgs::GetInstance();
-///     args.Initialise(argv, envp);
+///     args.Initialise(argv, environ);  // <unistd.h>
 ///     const nxDecimal price = args.GetArgValueAsDecimal("price");   // -price 12.50
 ///     const bool quiet = args.GetEnvValueAsBool(QRX_PASSIVE_MODE, false);
 /// }

@@ -252,7 +252,10 @@ nxErrorEnum nxCustomVariableTickTable::ReadText(std::string_view text, Tables& t
 
 nxErrorEnum nxCustomVariableTickTable::ReadFile(const std::string& fileName, Tables& tables, std::string& reason)
 {
-    std::ifstream file(fileName, std::ios::binary);
+    std::ifstream file;
+    // The system would open the name before a NUL, which is another file's.
+    if (fileName.find('\0') == std::string::npos)
+        file.open(fileName, std::ios::binary);
     if (!file.is_open())
     {
         reason = fileName + ": cannot be opened";

@@ -33,7 +33,7 @@
 ///
 /// - Names: 1 to 64 letters, digits, '_', '-' and '.', each once in a file. They are not entered into the catalogue.
 /// - Numbers: positive, at most 18 digits, at most 15 of them decimals.
-/// - Lines end in LF or CR LF; empty lines and a byte order mark at the start are skipped; at most 4 MiB.
+/// - Lines end in LF or CR LF; empty lines and a byte order mark at the start are skipped. A file has at most 4 MiB.
 /// - Errors: returned, with the reason as a sentence for the user; the result argument is then left as it is.
 /// - Threads and prices: as nxVariableTickTable.
 class NX_CORE_API nxCustomVariableTickTable final : public nxVariableTickTable
@@ -50,11 +50,11 @@ public:
     [[nodiscard]] static nxErrorEnum Create(const std::string& name, const Bands& bands,
                                             std::unique_ptr<nxCustomVariableTickTable>& table, std::string& reason);
 
-    /// Replaces @p tables with those of a file.
+    /// Replaces @p tables with those of a file. A name that holds a NUL cannot be opened.
     /// @return NX_ERR_FAILED_TO_OPEN_FILE, NX_ERR_FILE_READ_ERR, or NX_ERR_CSV_FILE_READ_ERROR when the text is not in
     ///         the form above; @p reason then names the file, and for the last the line.
     [[nodiscard]] static nxErrorEnum ReadFile(const std::string& fileName, Tables& tables, std::string& reason);
-    /// Replaces @p tables with those of a text in the form of a file.
+    /// Replaces @p tables with those of a text in the form of a file, of any size.
     /// @return NX_ERR_CSV_FILE_READ_ERROR; @p reason then names the line.
     [[nodiscard]] static nxErrorEnum ReadText(std::string_view text, Tables& tables, std::string& reason);
 

@@ -22,7 +22,7 @@ class nxVariableTickTable;
 ///
 /// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone. A
 ///   negative one takes no steps, and rounds as its magnitude does.
-/// - Steps by the fixed tick add or subtract it; only a table changes the number of places to that of the tick.
+/// - Places: rounding gives the tick's; so do a table's steps, dropping only zeros; fixed steps give the larger number.
 /// - Threads: readers may share one; a writer needs the caller's lock.
 /// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.
 class NX_CORE_API nxPriceManipulator

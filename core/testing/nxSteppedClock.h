@@ -15,7 +15,7 @@
 /// What waits or keeps its own books is not touched: timed waits and the system's clock run on, and the log stamps its
 /// records with the true time.
 ///
-/// - Units: steps as any std::chrono duration, to the nanosecond. Moments from the year 1678 to 2261; others become the
+/// - Units: steps as any std::chrono duration up to 292 years, to the nanosecond. Moments from the year 1678 to 2261; others become the
 ///   first or the last of them.
 /// - Errors: none.
 /// - Threads: any thread may take stamps meanwhile; one thread at a time steps.

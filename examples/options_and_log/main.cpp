@@ -6,6 +6,8 @@
 // The records go to a file below that directory, "logs" unless set; with QRX_LOG_TO_CONSOLE=TRUE to standard output
 // too.
 
+#include <unistd.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -52,10 +54,10 @@ int Run(const nxCmdLineArgs& args)
 }
 }  // namespace
 
-int main(int, char** argv, char** envp)
+int main(int, char** argv)
 {
     nxCmdLineArgs& args = nxCmdLineArgs::GetInstance();
-    args.Initialise(argv, envp);  // first of all: everybody else reads settings through it
+    args.Initialise(argv, environ);  // first of all: everybody else reads settings through it
     nxApplicationData::SetApplicationName("quoter");
     if (args.GetEnvValue(QRX_LOG_DIRECTORY).empty())
         args.SetEnvValue(QRX_LOG_DIRECTORY, "logs");  // the application's own default

@@ -52,14 +52,17 @@ bool QuoteFromThreads(const nxVariableTickTable& table)
     std::vector<std::unique_ptr<Quoter>> quoters;
     for (const char* price : {"9.9987", "49.991", "995.25", "-2.50003"})
         quoters.push_back(std::make_unique<Quoter>(table, nxDecimal(price, '.')));
+    bool haveAllStarted = true;
     for (const auto& quoter : quoters)
         if (const nxErrorEnum error = quoter->Create(); !error.IsOK())
         {
             std::cerr << "no thread: " << error.GetLongDescription() << '\n';
-            return false;
+            haveAllStarted = false;
         }
     for (const auto& quoter : quoters)
-        quoter->Wait();
+        quoter->Wait();  // before any is destroyed; for one that has not started it returns at once
+    if (!haveAllStarted)
+        return false;
     for (const auto& quoter : quoters)
         std::cout << quoter->GetBid() << " / " << quoter->GetAsk() << '\n';
     return true;

@@ -125,6 +125,7 @@ TEST(nxCustomVariableTickTable, FilesNameThemselvesInTheReason)
     EXPECT_EQ(reason, file + ": line 2: table A ends without a band that has no upper bound");
     EXPECT_TRUE(Custom::ReadFile(file + ".none", tables, reason) == NX_ERR_FAILED_TO_OPEN_FILE);
     EXPECT_EQ(reason, file + ".none: cannot be opened");
+    EXPECT_TRUE(Custom::ReadFile(file + '\0' + "x", tables, reason) == NX_ERR_FAILED_TO_OPEN_FILE);
     nxWriteFile(file, std::string((4 << 20) + 1, '\n'));
     EXPECT_TRUE(Custom::ReadFile(file, tables, reason) == NX_ERR_FILE_READ_ERR);
     EXPECT_EQ(reason, file + ": larger than 4 MiB");
