@@ -9,12 +9,12 @@ install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
 # The public headers. What stands in internal/ and platform/ is the library's own affair, what public classes use inline
-# excepted: the clock of time stamps and log records, and the word of a named semaphore. A test holds that no installed
-# header includes what is not installed, nor the reverse.
+# excepted: the clock of time stamps and log records, the word of a named semaphore, and the taking of a robust mutex. A
+# test holds that no installed header includes what is not installed, nor the reverse.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE)
 install(FILES "${PROJECT_SOURCE_DIR}/core/platform/nxClock.h" "${PROJECT_SOURCE_DIR}/core/platform/nxNamedSemaphore.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
+    "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core" COMPONENT development)
 
