@@ -21,8 +21,9 @@ constexpr std::int64_t longestWriteOut = 10 * second;
 // Passes what is queued to the devices, if there is anything.
 void WriteOut(std::int64_t limit, std::int64_t stallLimit)
 {
-    if (!nxLogQueue::GetInstance().IsEmpty())
-        nxLogWriter::GetInstance().WaitUntilWritten(limit, stallLimit);
+    nxLogWriter& writer = nxLogWriter::GetInstance();
+    if (!nxLogQueue::GetInstance().IsEmpty() || writer.IsInRound())
+        writer.WaitUntilWritten(limit, stallLimit);
 }
 
 // Nothing of the log's is in the middle of a change while the process is copied.
@@ -134,7 +135,7 @@ void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
 {
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
     if (!devices.Contains(device))
-        return;
+        return devices.WaitUntilLeft(device);
     WriteOut(longestWriteOut, second);
     devices.Remove(device);
 }

@@ -11,6 +11,7 @@
 #include <ctime>
 #include <utility>
 
+#include "core/platform/nxClock.h"
 #include "core/platform/nxUninterrupted.h"
 
 namespace
@@ -70,9 +71,16 @@ private:
 // For a stream that somebody else has set not to block. False when it has taken nothing for a second.
 bool WaitForRoom(int descriptor)
 {
-    constexpr int milliseconds = 1'000;
+    constexpr std::int64_t patience = 1'000'000'000;
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
     pollfd stream{descriptor, POLLOUT, 0};
-    return poll(&stream, 1, milliseconds) == 1;
+    for (std::int64_t left = patience; left > 0; left = deadline - nxClock::MonotonicNanoseconds())
+    {
+        const int result = poll(&stream, 1, static_cast<int>(left / 1'000'000 + 1));
+        if (result >= 0 || errno != EINTR)
+            return result == 1;
+    }
+    return false;
 }
 
 // The same open file under a number above those of the standard streams: where these were closed, a new file would

@@ -86,6 +86,7 @@ public:
     nxLogLineStyle GetLineStyle() const override { return style; }
     void WriteLines(const nxLogLineBatch& batch) override
     {
+        std::this_thread::sleep_for(delay);
         const std::string_view lines(batch.text, batch.size);
         EXPECT_EQ(static_cast<unsigned>(std::count(lines.begin(), lines.end(), '\n')), batch.lines);
         EXPECT_EQ(lines.back(), '\n');
@@ -96,6 +97,7 @@ public:
     }
 
     nxLogLineStyle style;
+    std::chrono::milliseconds delay{0};
     std::string text;
     std::string immediate;
     nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
@@ -388,6 +390,85 @@ TEST(nxLogManager, WaitsForADeviceThatIsUnregisteredAndOtherwiseAsLongAsItIsAske
     EXPECT_TRUE(Manager().GetLogEntriesQueue().empty());
 }
 
+// Two devices that report to each other from inside, on two threads.
+TEST(nxLogManager, DevicesThatWriteAtOnceFromInsideDoNotWaitForEachOther)
+{
+    const auto passOn = [](const nxLog& record)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));  // so that they meet
+        if (record.GetLineNumber() == 1)
+            Manager().ImmediateWrite(nxLog(NX_LOG_LEVEL_INFO, "inside", 2, nxTimeStamp::Now()));
+    };
+    Device first(passOn), second(passOn);
+    nxInThreads(2,
+                [](int)
+                {
+                    for (int count = 0; count < 5; ++count)
+                        Manager().ImmediateWrite(MakeRecord("from outside"));
+                });
+    EXPECT_GE(first.writes, 10);
+    EXPECT_GE(second.writes, 10);
+}
+
+TEST(nxLogManager, UnregisteringWaitsForARoundAndForWhoeverIsInside)
+{
+    {
+        const nxLogLineStyle textAlone{nxLogLineStyle::LevelAndText, false};
+        LineDevice slow(textAlone), quick(textAlone);
+        slow.delay = std::chrono::milliseconds(100);
+        for (int count = 0; count < 256; ++count)
+            NX_LOG(NX_LOG_LEVEL_INFO) << count;
+        while (!Manager().GetLogEntriesQueue().empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        Manager().UnregisterLogDevice(&quick);
+        EXPECT_EQ(std::count(quick.text.begin(), quick.text.end(), '\n'), 256) << "queued before the call";
+    }
+    std::atomic<bool> hasLeft{false};
+    Gate gate;
+    std::unique_ptr<Device> device;
+    device = std::make_unique<Device>(
+        [&](const nxLog&)
+        {
+            Manager().UnregisterLogDevice(device.get());
+            gate.Pass();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            hasLeft = true;
+        });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "leave";
+    gate.WaitForSomebody();
+    gate.Open();
+    device.reset();
+    EXPECT_TRUE(hasLeft) << "its owner has taken it down while a thread was inside";
+}
+
+TEST(nxLogManager, AStuckDeviceDoesNotLetThreadsThatComeAndGoTakeAllMemory)
+{
+    const SmallQueue small;
+    const std::uint64_t dropped = Manager().GetStatistics().dropped;
+    Gate gate;
+    std::uint64_t seen = 0;
+    std::atomic<bool> isTold{false};
+    Device device(
+        [&](const nxLog& record)
+        {
+            gate.Pass();
+            seen += record.GetText() == "one";
+            isTold = isTold || record.GetText().starts_with("Log records dropped");
+        });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "stuck";
+    gate.WaitForSomebody();
+    for (int count = 0; count < 8'000; ++count)
+        std::thread([] { NX_LOG(NX_LOG_LEVEL_INFO) << "one"; }).join();
+    const nxLogStatistics statistics = Manager().GetStatistics();
+    EXPECT_LT(statistics.bytes, std::uint64_t{64} << 20);
+    EXPECT_GT(statistics.dropped, dropped);
+    gate.Open();
+    WaitUntilWritten();
+    EXPECT_EQ(seen + statistics.dropped - dropped, 8'000U);
+    while (!isTold)  // not in the middle of another test
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
 TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
 {
     std::atomic<int> inside{0};
@@ -486,6 +567,18 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
         NX_LOG(NX_LOG_LEVEL_INFO) << "after";
         EXPECT_TRUE(becomes(device.writes, 1));
     }
+    {
+        // Stopping was given up, since a device was stuck: the thread goes on with the next device.
+        Gate gate;
+        Device stuck([&](const nxLog&) { gate.Pass(); });
+        NX_LOG(NX_LOG_LEVEL_INFO) << "stuck";
+        gate.WaitForSomebody();
+        Manager().Destroy();
+        Device device;
+        gate.Open();
+        NX_LOG(NX_LOG_LEVEL_INFO) << "after";
+        EXPECT_TRUE(becomes(device.writes, 1));
+    }
     for (const nxEnumValue level : {NX_LOG_LEVEL_INFO, NX_LOG_LEVEL_ERROR})
     {
         Manager().Destroy();
@@ -498,6 +591,8 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
             for (int count = 0; count < 1'500 && device.writes == 0; ++count)
             {
                 NX_LOG(level) << "again";
+                nxLog record = MakeRecord("again");  // finds room in another way
+                Manager().Write(record);
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
             }
         };

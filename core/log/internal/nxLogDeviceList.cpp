@@ -3,12 +3,19 @@
 #include <algorithm>
 #include <new>
 
+#include "core/log/internal/nxLogQueue.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+// For one device, of a thread that is inside another one.
+constexpr std::int64_t patienceInside = 100'000'000;
+}  // namespace
 
 constinit thread_local const nxLogDeviceEntry::Visit* nxLogDeviceEntry::_innermost = nullptr;
 
@@ -22,7 +29,14 @@ nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry) noexcept
 {
     if (!_inside)
         return;
-    _entry._mutex.Lock();
+    if (_outer == nullptr)
+        _entry._mutex.Lock();
+    else if (!_entry._LockInTime(patienceInside))
+    {
+        _inside = false;
+        nxLogQueue::GetInstance().CountDrop();
+        return;
+    }
     _innermost = this;
 }
 
@@ -47,10 +61,34 @@ bool nxLogDeviceEntry::IsThreadInsideAny() noexcept { return _innermost != nullp
 void nxLogDeviceEntry::Remove() noexcept
 {
     _removed.store(true, std::memory_order_relaxed);
-    if (_IsThreadInside(*this))
-        return;
-    _mutex.Lock();
+    if (_innermost != nullptr)
+        WaitUntilLeft(patienceInside);
+    else
+    {
+        _mutex.Lock();
+        _mutex.Unlock();
+    }
+}
+
+bool nxLogDeviceEntry::WaitUntilLeft(std::int64_t patience) noexcept
+{
+    if (_IsThreadInside(*this) || !_LockInTime(patience))
+        return false;
+    _mutex.AssertHeld();
     _mutex.Unlock();
+    return true;
+}
+
+bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept
+{
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
+    while (!_mutex.TryLock().IsOK())
+    {
+        if (nxClock::MonotonicNanoseconds() > deadline)
+            return false;
+        nxPlatformThread::SleepMilliseconds(1);
+    }
+    return true;
 }
 
 void nxLogDeviceEntry::RemoveAndDestroy(bool wait) noexcept
@@ -60,10 +98,8 @@ void nxLogDeviceEntry::RemoveAndDestroy(bool wait) noexcept
     else
     {
         _removed.store(true, std::memory_order_relaxed);
-        if (_IsThreadInside(*this) || !_mutex.TryLock().IsOK())
+        if (!WaitUntilLeft(0))
             return;
-        _mutex.AssertHeld();
-        _mutex.Unlock();
     }
     // Nobody else comes here any more, and the device may end itself.
     try
@@ -80,12 +116,8 @@ void nxLogDeviceEntry::BeforeFork(std::int64_t deadline) noexcept
     _lockedForFork = false;
     if (_IsThreadInside(*this))
         return;
-    while (!_mutex.TryLock().IsOK())
-    {
-        if (nxClock::MonotonicNanoseconds() > deadline)
-            return;
-        nxPlatformThread::SleepMilliseconds(1);
-    }
+    if (!_LockInTime(deadline - nxClock::MonotonicNanoseconds()))
+        return;
     _lockedForFork = true;
     if (_lineSink != nullptr && !IsRemoved())
         _lineSink->BeforeFork();
@@ -163,6 +195,7 @@ bool nxLogDeviceList::Remove(const nxLogDevice* device) noexcept
         removed = *found;
         entries->erase(found);
         _entries = std::move(entries);
+        _RememberLeaving(removed);
         _version.fetch_add(1, std::memory_order_release);
     }
     catch (...)
@@ -180,6 +213,36 @@ bool nxLogDeviceList::Remove(const nxLogDevice* device) noexcept
     return true;
 }
 
+void nxLogDeviceList::_RememberLeaving(const std::shared_ptr<nxLogDeviceEntry>& entry) noexcept
+{
+    try
+    {
+        std::erase_if(_leaving, [](const auto& each) { return each.expired(); });
+        _leaving.push_back(entry);
+    }
+    catch (...)
+    {
+        // Without memory nobody waits for it.
+    }
+}
+
+void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
+{
+    constexpr std::int64_t patience = 2'000'000'000;
+    std::vector<std::weak_ptr<nxLogDeviceEntry>> leaving;
+    try
+    {
+        const nxMutexGuard guard(_mutex);
+        leaving = _leaving;
+    }
+    catch (...)
+    {
+    }
+    for (const auto& each : leaving)
+        if (const std::shared_ptr<nxLogDeviceEntry> entry = each.lock(); entry != nullptr && entry->IsFor(device))
+            entry->WaitUntilLeft(nxLogDeviceEntry::IsThreadInsideAny() ? 0 : patience);
+}
+
 std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::TakeAll() noexcept
 {
     std::shared_ptr<const Entries> none;
@@ -194,6 +257,8 @@ std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::TakeAll() noexc
     }
     const nxMutexGuard guard(_mutex);
     std::swap(none, _entries);
+    for (const auto& entry : *none)
+        _RememberLeaving(entry);
     _version.fetch_add(1, std::memory_order_release);
     return none;
 }

@@ -17,7 +17,9 @@ class nxLogDeviceEntry
 public:
     explicit nxLogDeviceEntry(nxLogDevice* registered) noexcept;
 
-    /// Calls @p action(device), unless the device is unregistered by now or this thread is inside it already.
+    /// Calls @p action(device), unless the device is unregistered by now or this thread is inside it already. Inside
+    /// another device the thread does not wait long for this one, whose own thread may be waiting for that: what cannot
+    /// be handed over counts as dropped.
     template <class Action>
     void Call(const Action& action) noexcept
     {
@@ -38,8 +40,11 @@ public:
     bool IsFor(const nxLogDevice* device) const { return _device == device; }
     bool IsRemoved() const { return _removed.load(std::memory_order_relaxed); }
 
-    /// No call begins after this. Waits for the one that is going on, unless it is this thread's own.
+    /// No call begins after this. Waits for the one that is going on, unless it is this thread's own; inside another
+    /// device not for long.
     void Remove() noexcept;
+    /// Waits for a call that is going on, unless it is this thread's own. @return whether none is any more.
+    bool WaitUntilLeft(std::int64_t patience) noexcept;
 
     /// Unregistered, the device gets its Destroy(). @param wait whether for the call that is going on; if not, a device
     /// that is in use is left as it is.
@@ -74,6 +79,7 @@ private:
         bool _inside;
     };
 
+    bool _LockInTime(std::int64_t patience) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
     static bool _IsThreadInside(const nxLogDeviceEntry& entry) noexcept;
 
     static constinit thread_local const Visit* _innermost;
@@ -103,6 +109,8 @@ public:
     bool Add(nxLogDevice* device) noexcept;
     /// @return whether it was registered.
     bool Remove(const nxLogDevice* device) noexcept;
+    /// Waits, for two seconds at most, for a thread that is still inside a device that is not registered any more.
+    void WaitUntilLeft(const nxLogDevice* device) noexcept;
     /// @return the devices that were registered; the caller removes their entries.
     std::shared_ptr<const Entries> TakeAll() noexcept;
 
@@ -111,11 +119,14 @@ public:
     void AfterForkInChild() noexcept;
 
 private:
+    void _RememberLeaving(const std::shared_ptr<nxLogDeviceEntry>& entry) noexcept NX_REQUIRES(_mutex);
+
     nxLogDeviceList() noexcept;
     ~nxLogDeviceList() = delete;
 
     nxMutex _mutex;  // the pointer to the list
     std::shared_ptr<const Entries> _entries;
+    std::vector<std::weak_ptr<nxLogDeviceEntry>> _leaving;  // those taken out that somebody may still be inside of
     std::atomic<unsigned> _version{0};
     std::shared_ptr<const Entries> _forking;  // the devices that are kept still for a fork
 };

@@ -35,6 +35,7 @@ constexpr std::size_t touchedInAdvance = std::size_t{64} << 10;
 constexpr std::size_t firstSpill = 1024;
 constexpr std::int64_t stallTime = 1'000'000'000;
 constexpr std::int64_t waitSlice = 1'000'000;
+constexpr std::int64_t overfullTime = 100'000'000;
 // By so many ticks, some microseconds, processors were seen to read their counters too early.
 constexpr std::uint64_t clockSlack = 10'000;
 // By so many ticks at least, no more than some seconds, a clock has stepped rather than run on.
@@ -43,6 +44,9 @@ constexpr std::uint64_t clockSetBack = 100'000'000;
 constexpr std::size_t averageRecord = 128;
 // The largest part of a ring that one record may take.
 constexpr std::size_t shareOfRing = 4;
+
+// The small rings beyond the bound, a thousand.
+constexpr std::size_t mostBeyond = std::size_t{16} << 20;
 
 // How far ahead of itself the emptying side fetches.
 constexpr std::size_t prefetchDistance = 512;
@@ -289,12 +293,30 @@ void nxLogQueue::Reserve(std::size_t records) noexcept
 
 // Channels.
 
+// Whether there is much more than the bound, and nothing has moved for a while.
+bool nxLogQueue::_IsOverfull() noexcept
+{
+    if (_bytes.load(std::memory_order_relaxed) <= GetMaximumBytes() + mostBeyond)
+        return false;
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    const nxMutexGuard guard(_mutex);
+    if (const std::uint32_t progress = GetProgress(); progress != _overfullAt)
+    {
+        _overfullAt = progress;
+        _overfullSince = now;
+    }
+    return now - _overfullSince >= overfullTime;
+}
+
 nxLogChannel* nxLogQueue::_NewChannel() noexcept
 {
     nxLogSegment* segment = _TakeSegment();
     if (segment == nullptr)
     {
-        // The bound is reached: a thread that has not reported yet gets the least with which it can, all the same.
+        // The bound is reached: a thread that has not reported yet gets the least with which it can, all the same, but
+        // a device that stands still while threads come and go does not take all memory.
+        if (_IsOverfull())
+            return nullptr;
         segment = _AllocateSegment(_smallRingSize);
         if (segment == nullptr)
             return nullptr;
@@ -471,6 +493,13 @@ bool nxLogQueue::_FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effo
 
 // The filling side.
 
+// While nobody empties the rings, the next statement shall come by Open() and try again to start who does.
+void nxLogQueue::_HoldBack(nxLogChannel& channel) noexcept
+{
+    if (!nxLogWriter::GetInstance().IsRunning())
+        channel._limit = channel._head.load(std::memory_order_relaxed);
+}
+
 nxLogRoom nxLogQueue::_OpenSpill(nxLogChannel* channel, const nxLogSource* source) noexcept
 {
     auto* const spill = static_cast<nxLogSpill*>(std::malloc(sizeof(nxLogSpill) + firstSpill));
@@ -483,7 +512,7 @@ nxLogRoom nxLogQueue::_OpenSpill(nxLogChannel* channel, const nxLogSource* sourc
 
 nxLogRoom nxLogQueue::Open(nxLogChannel* channel, const nxLogSource* source) noexcept
 {
-    const bool isRunning = nxLogWriter::GetInstance().EnsureRunning();
+    nxLogWriter::GetInstance().EnsureRunning();
     if (channel == nullptr)
     {
         channel = _Attach();
@@ -497,9 +526,7 @@ nxLogRoom nxLogQueue::Open(nxLogChannel* channel, const nxLogSource* source) noe
     char* const begin = channel->_head.load(std::memory_order_relaxed);
     nxLogChannel::_WriteHeader(begin, source);
     const nxLogRoom room{channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
-    // While nobody empties the ring, the next statement comes here again, and tries again to start who does.
-    if (!isRunning)
-        channel->_limit = begin;
+    _HoldBack(*channel);
     return room;
 }
 
@@ -514,6 +541,7 @@ nxLogRoom nxLogQueue::Grow(nxLogRoom room, std::size_t bytes) noexcept
         _FindRoom(*room.channel, RoundUp(size + bytes), Effort::Extend))
     {
         room.end = room.channel->_limit;
+        _HoldBack(*room.channel);
         return room;
     }
 
@@ -560,6 +588,7 @@ bool nxLogQueue::_Append(nxLogChannel& channel, std::size_t size, const Fill& fi
     char* const begin = channel._head.load(std::memory_order_relaxed);
     fill(begin);
     channel._head.store(begin + rounded, std::memory_order_release);
+    _HoldBack(channel);
     return true;
 }
 
@@ -656,10 +685,9 @@ void nxLogQueue::Write(const nxLog& record) noexcept
 
 void nxLogQueue::BeginRound(bool everything) noexcept
 {
-    _everything = everything;
     _scale = nxClock::GetScale();
     // Before the heads are read: whatever was begun earlier and is published by now is in this round.
-    _cutOff = nxClock::Ticks() - clockSlack;
+    _cutOff = nxClock::Ticks() + (everything ? clockSlack : 0 - clockSlack);
     _round = nullptr;
     _current = nullptr;
     const nxMutexGuard guard(_mutex);
@@ -701,7 +729,7 @@ const char* nxLogQueue::_Peek(nxLogChannel& channel) noexcept
     }
     // What lies far ahead was read from a clock that has been set back since, and does not wait for it.
     const std::uint64_t ahead = ReadTicks(channel._read) - _cutOff - 1;
-    if (ahead < clockSetBack && !_everything)
+    if (ahead < clockSetBack)
     {
         channel._finished = true;
         return nullptr;
@@ -778,8 +806,7 @@ inline bool nxLogQueue::_IsNextAtHand() const noexcept
     if (_current == nullptr || _current->_read == _current->_seen)
         return false;
     const char* const bytes = _current->_read;
-    return ReadKind(bytes) != nxLogRecordHeader::Jump && ReadTicks(bytes) <= _bound &&
-           (_everything || ReadTicks(bytes) <= _cutOff);
+    return ReadKind(bytes) != nxLogRecordHeader::Jump && ReadTicks(bytes) <= _bound && ReadTicks(bytes) <= _cutOff;
 }
 
 void nxLogQueue::_Find() noexcept

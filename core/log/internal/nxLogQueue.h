@@ -100,6 +100,7 @@ private:
         Wait     // wait for the writer as long as it makes progress
     };
 
+    bool _IsOverfull() noexcept;
     nxLogChannel* _Attach() noexcept;
     nxLogChannel* _NewChannel() noexcept;
     nxLogSegment* _TakeSegment() noexcept;
@@ -117,6 +118,7 @@ private:
     bool _AppendSegment(nxLogChannel& channel) noexcept;
     template <class Attempt>
     bool _WaitUntil(const Attempt& attempt) noexcept;
+    static void _HoldBack(nxLogChannel& channel) noexcept;
     nxLogRoom _OpenSpill(nxLogChannel* channel, const nxLogSource* source) noexcept;
     template <class Fill>
     bool _Append(nxLogChannel& channel, std::size_t size, const Fill& fill) noexcept;
@@ -142,6 +144,8 @@ private:
     nxLogSegment* _freeSegments = nullptr;
     std::size_t _freeSegmentCount = 0;
     std::atomic<std::size_t> _reservedSegments{0};
+    std::uint32_t _overfullAt = ~std::uint32_t{0};  // the progress when the queue was last seen to be overfull
+    std::int64_t _overfullSince = 0;                // since when there has been no other
 
     std::atomic<std::size_t> _bytes{0};
     std::atomic<std::size_t> _blocks{0};  // of records that stand in one of their own
@@ -158,7 +162,6 @@ private:
     char* _block = nullptr;     // where the record is that Next() returned last, if not in the ring
     std::uint64_t _bound = 0;   // up to which _current may go before another channel's turn
     std::uint64_t _cutOff = 0;  // records begun later belong to the next round
-    bool _everything = false;
     nxClockScale _scale;
     long long _second = 0;  // of the statement that Next() returned last; most are of the same
 };

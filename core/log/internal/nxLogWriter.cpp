@@ -90,28 +90,30 @@ nxLogWriter& nxLogWriter::GetInstance() noexcept
 
 bool nxLogWriter::EnsureRunning() noexcept
 {
-    if (_running.load(std::memory_order_acquire)) [[likely]]
+    if (IsRunning()) [[likely]]
         return true;
     // Whoever finds another thread at it leaves it to that one.
     if (!_startMutex.TryLock().IsOK())
         return false;
     _startMutex.AssertHeld();
     const std::int64_t now = nxClock::MonotonicNanoseconds();
-    bool running = _running.load(std::memory_order_acquire);
+    // A thread that Stop() has given up waiting for goes on, unless it has ended meanwhile.
+    State state = State::Stopping;
+    bool running = _state.compare_exchange_strong(state, State::Running) || state == State::Running;
     if (!running && now >= _nextStart)
     {
-        static const bool registered = nxThreadHooks::AtExit(&WriteOutAtExit);
-        static_cast<void>(registered);
+        // Not a static constant, which a child forked at this moment would wait for.
+        static constinit bool isRegistered = false;
+        isRegistered = isRegistered || nxThreadHooks::AtExit(&WriteOutAtExit);
         if (_thread != nullptr)
-            _thread->Wait();  // it has ended: that is what _running says
+            _thread->Wait();  // it has ended: that is what the state says
         else
             _thread = new (std::nothrow) nxLogDeferredWriteThread;
-        _stop.store(false, std::memory_order_relaxed);
-        _running.store(true, std::memory_order_release);
+        _state.store(State::Running, std::memory_order_release);
         running = _thread != nullptr && _thread->Create().IsOK();
         if (!running)
         {
-            _running.store(false, std::memory_order_release);
+            _state.store(State::Stopped, std::memory_order_release);
             _nextStart = now + second;
         }
     }
@@ -125,17 +127,14 @@ bool nxLogWriter::Stop(std::int64_t limit) noexcept
         return false;
     const nxMutexGuard guard(_startMutex);
     const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
-    _stop.store(true, std::memory_order_relaxed);
-    while (_running.load(std::memory_order_acquire))
+    State running = State::Running;
+    _state.compare_exchange_strong(running, State::Stopping);
+    while (_state.load(std::memory_order_acquire) != State::Stopped)
     {
         Wake();
         const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
         if (left <= 0)
-        {
-            // It will end when the device lets it. A new object for the next start.
-            _thread = nullptr;
-            return false;
-        }
+            return false;  // it will end when the device lets it, unless it is wanted again before
         nxFutex::Wait(_reached, _reached.load(std::memory_order_relaxed), std::min(left, millisecond));
     }
     if (_thread != nullptr)
@@ -164,7 +163,8 @@ void nxLogWriter::_Run() noexcept
     nxThreadHooks::BecomeServiceThread("nxlog");
     isWriter = true;
     unsigned inVain = 0;
-    while (!_stop.load(std::memory_order_relaxed))
+    for (State stopping = State::Stopping; !_state.compare_exchange_strong(stopping, State::Stopped);
+         stopping = State::Stopping)
     {
         _roundMutex.Lock();
         const bool found = _WriteQueued();
@@ -177,7 +177,6 @@ void nxLogWriter::_Run() noexcept
         _Sleep(busy);
     }
     isWriter = false;
-    _running.store(false, std::memory_order_release);
 }
 
 void nxLogWriter::DrainHere() noexcept
@@ -206,7 +205,7 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
     std::uint32_t progress = queue.GetProgress();
     for (;;)
     {
-        if (!(mayStart ? EnsureRunning() : _running.load(std::memory_order_acquire)))
+        if (!(mayStart ? EnsureRunning() : _state.load(std::memory_order_acquire) != State::Stopped))
             DrainHere();
         Wake();
         const std::uint32_t reached = _reached.load(std::memory_order_acquire);
@@ -234,7 +233,8 @@ bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
 bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept
 {
     // A thread that ends the process from inside a device cannot wait for itself.
-    const bool nothingEver = !_running.load(std::memory_order_acquire) && nxLogQueue::GetInstance().IsEmpty();
+    const bool nothingEver =
+        _state.load(std::memory_order_acquire) == State::Stopped && nxLogQueue::GetInstance().IsEmpty();
     return nothingEver || (MayWait() && _WaitUntilWritten(limit, stallLimit, patience, false));
 }
 
@@ -271,7 +271,9 @@ bool nxLogWriter::_WriteQueued() noexcept
 {
     const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
+    _isInRound.store(true, std::memory_order_seq_cst);
     const bool found = _DoRound(isAwaited);
+    _isInRound.store(false, std::memory_order_release);
     _FlushWhereDue(isAwaited);
     _MaintainWhereDue();
     _ReportLosses();
@@ -389,7 +391,8 @@ void nxLogWriter::_WriteEarly() noexcept
 
 void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
 {
-    const std::size_t cost = sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values);
+    const std::size_t cost =
+        sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values) + std::strlen(record.GetFile());
     if (_hadDevices.load(std::memory_order_relaxed) || _earlyBytes + cost > maximumEarlyBytes)
     {
         _unheard.fetch_add(1, std::memory_order_relaxed);
@@ -577,8 +580,8 @@ void nxLogWriter::AfterForkInChild() noexcept
     ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
     _earlyBytes = 0;
     _thread = nullptr;
-    _running.store(false, std::memory_order_relaxed);
-    _stop.store(false, std::memory_order_relaxed);
+    _state.store(State::Stopped, std::memory_order_relaxed);
+    _isInRound.store(false, std::memory_order_relaxed);
     _nextStart = 0;
     _wake.store(awake, std::memory_order_relaxed);
     _wanted.store(0, std::memory_order_relaxed);

@@ -30,6 +30,9 @@ public:
     /// Starts the deferred-write thread unless it runs. Never waits for it.
     /// @return whether it runs.
     bool EnsureRunning() noexcept;
+    bool IsRunning() const noexcept { return _state.load(std::memory_order_acquire) == State::Running; }
+    /// Whether records that have been taken from the queue may not have reached all devices yet.
+    bool IsInRound() const noexcept { return _isInRound.load(std::memory_order_acquire); }
     /// Ends the deferred-write thread. @return whether it ended within @p patience nanoseconds.
     bool Stop(std::int64_t patience) noexcept;
 
@@ -122,8 +125,16 @@ private:
     void _ReportLosses() noexcept;
 
     nxMutex _startMutex;
-    std::atomic<bool> _running{false};
-    std::atomic<bool> _stop{false};
+    /// Of the deferred-write thread.
+    enum class State : std::uint32_t
+    {
+        Stopped,
+        Running,
+        Stopping  // Stop() wants it to end
+    };
+
+    std::atomic<State> _state{State::Stopped};
+    std::atomic<bool> _isInRound{false};
     std::int64_t _nextStart = 0;
     nxLogDeferredWriteThread* _thread = nullptr;
 
