@@ -14,7 +14,7 @@ class nxLogLineSink;
 /// - The manager calls a device by one thread at a time: the deferred-write thread, or a thread that writes
 ///   immediately, flushes or registers. So a device needs no lock of its own against the manager.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
-///   meanwhile go to the other devices only.
+///   meanwhile go to the other devices only. It does not fork meanwhile.
 /// - A device that does not return holds up the queue; after a second of that the manager drops records, and counts
 ///   what it drops.
 /// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager

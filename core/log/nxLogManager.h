@@ -16,7 +16,9 @@ struct nxLogSettings;
 /// What the log has done since the process started; a forked child starts again at 0.
 struct nxLogStatistics
 {
-    std::uint64_t written;  ///< Records passed to the devices, those written immediately not counted.
+    /// Records passed to the devices, those written immediately not counted. Includes those of a look of the
+    /// deferred-write thread during which the last device was unregistered.
+    std::uint64_t written;
     std::uint64_t dropped;  ///< Records lost because the queue was full and a device had stalled, or without memory.
     std::uint64_t unheard;  ///< Records that came when no device was registered and that could not be kept for one.
     std::uint64_t waits;    ///< How often a caller had to wait because the queue was full.
@@ -29,8 +31,10 @@ struct nxLogStatistics
 /// - Order: records of one thread stay in their order. Those of several threads are put in the order of time as far as
 ///   they meet in one look of the deferred-write thread.
 /// - Queue: bounded in bytes. When it is full, a caller waits as long as the devices make progress; a device that has
-///   stalled for a second makes it drop records instead, and one record tells how many when the device is back. A
-///   thread inside a device never waits.
+///   stalled for a second makes it drop records instead, and one record tells how many when the device is back. One
+///   large record at a time, and small rings for threads that come when it is full, go beyond the bound. A thread
+///   inside a device never waits for room, and no more than a tenth of a second for another device: what it cannot
+///   hand over counts as dropped.
 /// - Start: the deferred-write thread starts with the first record. Records from before the first device are kept for
 ///   it, up to a mebibyte.
 /// - End: when the process ends by exit() or by returning from main, what is queued is written out; a device that does
