@@ -101,6 +101,7 @@
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxInitalizers.h"
 #include "core/text/nxOStream.h"
+#include "core/text/nxPrintableText.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
 #include "core/text/nxStringHelper.h"
 #include "core/text/nxStringParser.h"

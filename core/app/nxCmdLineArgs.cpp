@@ -8,7 +8,7 @@
 #include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
-#include "core/text/nxAlgorithm.h"
+#include "core/text/nxPrintableText.h"
 #include "core/text/nxStringHelper.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -48,20 +48,10 @@ bool IsSecret(const std::string& name)
     return false;
 }
 
-// One entry as one line: control bytes, which could break the line or steer a terminal, as \xNN.
+// One entry as one line: control bytes, which could break the line or steer a terminal, are hidden.
 std::string DumpLine(const std::string& name, const std::string& value)
 {
-    std::string line;
-    const std::string text = name + " = " + (IsSecret(name) ? "***" : value);
-    for (const char c : text)
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F)
-            nxAlgorithm::AppendAsHex(byte, line += "\\x");
-        else
-            line += c;
-    }
-    return line;
+    return nxPrintableText::GetEscaped(name + " = " + (IsSecret(name) ? "***" : value));
 }
 
 void LogEntries(const nxLogLevelEnum& level, const char* heading, const std::map<std::string, std::string>& entries)

@@ -46,7 +46,7 @@ std::string EscapedText(std::string_view text)
     std::string escaped;
     while (!text.empty())
     {
-        const std::size_t size = GetCharacterSize(text);
+        const std::size_t size = nxPrintableText::GetCharacterSize(text);
         escaped += Escaped(text.substr(0, size));
         text.remove_prefix(std::max<std::size_t>(1, size));
     }
@@ -233,7 +233,7 @@ std::string Picture(const TableEntry& entry)
     const Axis ticks = TickAxis(*entry.table);
     const std::string size = Pixels(width) + " " + Pixels(height);
     const std::size_t count = entry.table->GetRangeData().size();
-    const std::string_view source = CutText(entry.source, 80);
+    const std::string_view source = nxPrintableText::Cut(entry.source, 80);
     return "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 " + size + "' width='960' height='540'>\n" + style +
            "<rect width='100%' height='100%' fill='#ffffff'/>\n" + Label("title", left, 36, "start", entry.id) +
            Label("axis", left, 60, "start",

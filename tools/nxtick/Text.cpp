@@ -12,7 +12,6 @@ namespace nxtick
 {
 namespace
 {
-constexpr std::size_t longestQuoted = 40;
 constexpr std::size_t lineWidth = 78;
 constexpr std::size_t mostSuggestions = 3;
 constexpr std::size_t longestSuggestedFor = 100;
@@ -51,53 +50,6 @@ std::string CountText(std::uint64_t count)
     for (std::size_t at = text.size(); at > 3; at -= 3)
         text.insert(at - 3, 1, ',');
     return text;
-}
-
-std::size_t GetCharacterSize(std::string_view text)
-{
-    const auto byte = [text](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-    const unsigned first = byte(0);
-    if (first < 0x80)
-        return 1;
-    // The second byte tells overlong forms, surrogates, and what lies beyond the last character.
-    const unsigned low = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-    const std::size_t size = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    bool isCharacter = 0xC2 <= first && first <= 0xF4 && low <= byte(1) && byte(1) <= high;
-    for (std::size_t i = 2; i < size; ++i)
-        isCharacter = isCharacter && (byte(i) & 0xC0U) == 0x80;
-    return isCharacter ? size : 0;
-}
-
-std::string_view CutText(std::string_view text, std::size_t limit)
-{
-    std::size_t end = 0;
-    while (end < text.size())
-    {
-        const std::size_t next = end + std::max<std::size_t>(1, GetCharacterSize(text.substr(end)));
-        if (next > limit)
-            break;
-        end = next;
-    }
-    return text.substr(0, end);
-}
-
-std::string Quoted(std::string_view text)
-{
-    std::string quoted = "'";
-    std::string_view rest = CutText(text, longestQuoted);
-    const bool isCut = rest.size() < text.size();
-    while (!rest.empty())
-    {
-        const std::size_t size = GetCharacterSize(rest);
-        const auto byte = static_cast<unsigned char>(rest.front());
-        if (size == 0 || byte < 0x20 || byte == 0x7F)
-            nxAlgorithm::AppendAsHex(byte, quoted += "\\x");
-        else
-            quoted += rest.substr(0, size);
-        rest.remove_prefix(std::max<std::size_t>(1, size));
-    }
-    return quoted += isCut ? "...'" : "'";
 }
 
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates)

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/numeric/nxDecimal.h"
+#include "core/text/nxPrintableText.h"
 
 namespace nxtick
 {
@@ -17,14 +18,8 @@ std::string DecimalText(const nxDecimal& value);
 /// 1234567 as "1,234,567".
 std::string CountText(std::uint64_t count);
 
-/// @return the number of bytes of the UTF-8 character at the start of @p text, which is not empty; 0 where there is none.
-std::size_t GetCharacterSize(std::string_view text);
-
-/// The start of a text: at most @p limit bytes, and no part of a UTF-8 character.
-std::string_view CutText(std::string_view text, std::size_t limit);
-
-/// Text of unknown origin for a message: in quotes, cut to 40 bytes, control bytes and what is no UTF-8 as \xNN.
-std::string Quoted(std::string_view text);
+/// Text of unknown origin for a message: in quotes, cut to 40 bytes, safe to show.
+inline std::string Quoted(std::string_view text) { return nxPrintableText::GetQuoted(text); }
 
 /// " Did you mean A, B or C?" with the candidates nearest to @p wrong, three at most; empty when none is near.
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates);
