@@ -1,30 +1,12 @@
 #ifndef CORE_ENUM_NXFIXMDTRADECONDITIONBITMASK_H
 #define CORE_ENUM_NXFIXMDTRADECONDITIONBITMASK_H
 
-#include "core/enum/nxTypedBitMask.h"
+#include "core/enum/nxListedBitMask.h"
 
 /// The conditions of a trade in market data; the code that stands for each in messages is part of its text.
 class NX_CORE_API nxFixMDTradeConditionBitMask final : public nxTypedBitMask<nxFixMDTradeConditionBitMask, nxBitMask>
 {
-public:
-    /// The flags; nxBitMaskFlags.inc lists them with their texts.
-    enum Flag : Word
-    {
-#define NX_FLAGS_nxFixMDTradeConditionBitMask
-#define NX_FLAG(constant, word, shortDescription, longDescription) constant = word,
-#include "core/enum/nxBitMaskFlags.inc"
-#undef NX_FLAG
-#undef NX_FLAGS_nxFixMDTradeConditionBitMask
-    };
-
-    using nxTypedBitMask::nxTypedBitMask;
-    using nxTypedBitMask::operator=;
-
-    std::string GetClassName() const override;
-
-private:
-    static bool _RegisterValues();
-    static const bool _registered;
+    NX_BIT_MASK(nxFixMDTradeConditionBitMask);
 };
 
 #endif

@@ -1,31 +1,13 @@
 #ifndef CORE_ENUM_NXSECURITYNODEACCESSBASEBITMASK_H
 #define CORE_ENUM_NXSECURITYNODEACCESSBASEBITMASK_H
 
-#include "core/enum/nxTypedBitMask.h"
+#include "core/enum/nxListedBitMask.h"
 
 /// How far somebody may reach a node of the tree of users and accounts.
 class NX_CORE_API nxSecurityNodeAccessBaseBitMask final
     : public nxTypedBitMask<nxSecurityNodeAccessBaseBitMask, nxBitMask>
 {
-public:
-    /// The flags; nxBitMaskFlags.inc lists them with their texts.
-    enum Flag : Word
-    {
-#define NX_FLAGS_nxSecurityNodeAccessBaseBitMask
-#define NX_FLAG(constant, word, shortDescription, longDescription) constant = word,
-#include "core/enum/nxBitMaskFlags.inc"
-#undef NX_FLAG
-#undef NX_FLAGS_nxSecurityNodeAccessBaseBitMask
-    };
-
-    using nxTypedBitMask::nxTypedBitMask;
-    using nxTypedBitMask::operator=;
-
-    std::string GetClassName() const override;
-
-private:
-    static bool _RegisterValues();
-    static const bool _registered;
+    NX_BIT_MASK(nxSecurityNodeAccessBaseBitMask);
 };
 
 #endif
