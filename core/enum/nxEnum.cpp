@@ -121,6 +121,15 @@ bool nxEnum::IsRegisteredEnumValue(unsigned value)
     return nxEnumTable::Find(value) != nullptr;
 }
 
+bool nxEnum::IsSpecificTypeForInstance() const { return _MinValue() < _value && _value < _MaxValue(); }
+
+bool nxEnum::_SetFromText(std::string_view text) { return _SetFromText(text, _MinValue(), _MaxValue()); }
+
+void nxEnum::_Set(unsigned value)
+{
+    _value = _IsAcceptable(value, _MinValue(), _MaxValue()) ? value : +NX_ENUM_UNDEFINED;
+}
+
 void nxEnum::GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>& values) const
 {
     values.clear();

@@ -60,7 +60,7 @@ public:
     void SetNoChange() { _value = NX_ENUM_NO_CHANGE; }                ///< The value becomes 2.
 
     /// @return whether the value is one of the class's own and not one of the three shared ones.
-    bool IsSpecificTypeForInstance() const { return _MinValue() < _value && _value < _MaxValue(); }
+    bool IsSpecificTypeForInstance() const;
 
     /// Replaces @p values with the registered values of this object's class, ascending, the two bounds included where
     /// they are registered. nxTypedEnum::GetRegisteredValues() walks over them without a container.
@@ -104,6 +104,9 @@ public:
 protected:
     nxEnum() = default;
     ~nxEnum() = default;
+
+    // These two are called in the library's source alone. Where a program's compiler sees the class of an object, it
+    // may call nxTypedEnum's overriders directly, which it has not instantiated and the library does not export.
 
     /// The exclusive lower bound of the class's values.
     virtual unsigned _MinValue() const = 0;
@@ -151,6 +154,17 @@ protected:
     }
     /// Stores a value that the concrete class has already accepted.
     void _SetAccepted(unsigned value) { _value = value; }
+    /// SetFromString() of a class whose bounds are known.
+    bool _SetFromText(std::string_view text, unsigned minimum, unsigned maximum)
+    {
+        std::int64_t found = nxEnumTable::Find(text);
+        if (found == nxEnumTable::NotFound && (found = _FindMissing(text)) == nxEnumTable::NotFound)
+            return false;
+        const unsigned value = static_cast<unsigned>(found);
+        const bool isAcceptable = _IsAcceptable(value, minimum, maximum);
+        _value = isAcceptable ? value : +NX_ENUM_UNDEFINED;
+        return isAcceptable;
+    }
 
 private:
     nxEnum(const nxEnum&) = delete;
@@ -174,17 +188,8 @@ private:
         return _GetMissingTexts(_value);
     }
 
-    bool _SetFromText(std::string_view text)
-    {
-        std::int64_t found = nxEnumTable::Find(text);
-        if (found == nxEnumTable::NotFound && (found = _FindMissing(text)) == nxEnumTable::NotFound)
-            return false;
-        const unsigned value = static_cast<unsigned>(found);
-        _Set(value);
-        return _value == value;
-    }
-
-    void _Set(unsigned value) { _value = _IsAcceptable(value, _MinValue(), _MaxValue()) ? value : +NX_ENUM_UNDEFINED; }
+    bool _SetFromText(std::string_view text);
+    void _Set(unsigned value);
 
     unsigned _value = NX_ENUM_UNDEFINED;
 };

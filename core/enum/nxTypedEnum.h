@@ -80,6 +80,16 @@ public:
         return static_cast<Derived&>(*this);
     }
 
+    /// @copydoc nxEnum::SetFromString(const std::string&)
+    bool SetFromString(const std::string& text) { return _SetFromText(text, Minimum, Maximum); }
+    /// @copydoc nxEnum::SetFromString(const std::string&)
+    bool SetFromString(std::string_view text) { return _SetFromText(text, Minimum, Maximum); }
+    /// @copydoc nxEnum::SetFromString(const std::string&)
+    bool SetFromString(const char* text) { return SetFromString(std::string_view(text != nullptr ? text : "")); }
+
+    /// @copydoc nxEnum::IsSpecificTypeForInstance()
+    bool IsSpecificTypeForInstance() const { return Minimum < GetValue() && GetValue() < Maximum; }
+
     /// @return the class's own registered values, ascending:
     ///         `for (const nxBoolEnum value : nxBoolEnum::GetRegisteredValues())`.
     static nxEnumRange<Derived> GetRegisteredValues()
