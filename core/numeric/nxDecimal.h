@@ -9,6 +9,7 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
@@ -50,6 +51,21 @@ class nxOStream;
 /// @endcode
 class NX_CORE_API nxDecimal
 {
+    // Integers that 64 bits hold. A character is one in name only, and so is a truth value.
+    template <class Number>
+    static constexpr bool _isWhole = std::integral<Number> && sizeof(Number) <= sizeof(long long) &&
+                                     !std::same_as<Number, bool> && !std::same_as<Number, char> &&
+                                     !std::same_as<Number, wchar_t> && !std::same_as<Number, char8_t> &&
+                                     !std::same_as<Number, char16_t> && !std::same_as<Number, char32_t>;
+    // What converts to an integer and loses its fraction, its high bits or its state; constants of an enumeration do not.
+    template <class Number>
+    static constexpr bool _isCut =
+        std::convertible_to<Number, long long> && !_isWhole<Number> && !std::is_enum_v<Number>;
+    // A number that is no whole one and no floating one, places with a fraction, a text with anything but a separator.
+    template <class Value, class Places>
+    static constexpr bool _isMistaken = (std::integral<Value> && !_isWhole<Value>) || std::floating_point<Places> ||
+                                        (std::convertible_to<Value, std::string> && !std::same_as<Places, char>);
+
 public:
     /// Bytes that the longest text needs, terminator included: a sign, 19 digits, the separator and 12 decimals.
     static constexpr std::size_t MaxTextSize = 34;
@@ -62,8 +78,10 @@ public:
     constexpr nxDecimal(nxNullInitalizer) : _format(_null) {}
     /// No change.
     constexpr nxDecimal(nxNoChangeInitalizer) : _format(_noChange) {}
-    /// The whole number @p value shown with @p places zero decimals: (5, 2) is 5.00. Takes every integer type.
-    template <std::integral Integer>
+    /// The whole number @p value shown with @p places zero decimals: (5, 2) is 5.00. Takes every integer type of up to 64
+    /// bits; a number above 2^63 - 1 wraps.
+    template <class Integer>
+    requires _isWhole<Integer>
     constexpr nxDecimal(Integer value, unsigned char places)
         : _mantissa(_Wrapped(static_cast<std::uint64_t>(value) * nxPowersOfTen::GetInteger(places))), _format(places)
     {
@@ -87,6 +105,26 @@ public:
     {
         return nxDecimal(_FromParts{}, mantissa, places);
     }
+
+    /// @name What would be cut without a word does not compile
+    /// @{
+
+    /// No decimal is made of a character, a truth value, more than 64 bits, places with a fraction, or a text and places.
+    template <class Value, class Places>
+    requires _isMistaken<Value, Places> nxDecimal(Value value, Places places)
+    = delete;
+    /// Numerator and denominator are whole numbers.
+    template <class Numerator, class Denominator, class Places>
+    requires _isCut<Numerator> || _isCut<Denominator> || std::floating_point<Places> nxDecimal(Numerator numerator,
+                                                                                               Denominator denominator,
+                                                                                               Places places)
+    = delete;
+    /// The mantissa is a whole number, and so is the number of places.
+    template <class Mantissa, class Places>
+    requires _isCut<Mantissa> || std::floating_point<Places>
+    static nxDecimal ConstructFromValueAndDecimalPlaces(Mantissa mantissa, Places places) = delete;
+    /// @}
+
     /// No value.
     static constexpr nxDecimal GetNullDecimal() { return nxDecimal(nxNullInitalizer{}); }
     /// "Leave the receiver's value as it is."
