@@ -1,11 +1,23 @@
 # What every target of the project is compiled with. Users of the library inherit none of it.
 
+# Arithmetic that may be regrouped, or that knows no NaN, makes other prices.
+function(nxcore_refuse_fast_math)
+    string(TOUPPER "${CMAKE_BUILD_TYPE}" type)
+    get_directory_property(options COMPILE_OPTIONS)
+    set(flags "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${type}} ${CMAKE_SHARED_LINKER_FLAGS} ${options}")
+    if(flags MATCHES "-(Ofast|ffast-math|funsafe-math-optimizations|fassociative-math|freciprocal-math|ffinite-math-only|ffp-model=fast)")
+        message(FATAL_ERROR "nxcore cannot be built with ${CMAKE_MATCH_0}: its prices would be other prices. Programs that use it may.")
+    endif()
+endfunction()
+nxcore_refuse_fast_math()
+
 # Gives `target` the project's dialect, warnings and sanitizers. NO_COVERAGE is for what is unloaded again: the memory of
 # its counters would count as lost.
 function(nxcore_configure target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    # Doubles are the same on every processor: no product is fused with the sum that follows it.
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off)
     if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         # Data touched without its lock, as core/thread/nxThreadAnnotations.h marks it, is a fault and no matter of taste.
         target_compile_options(${target} PRIVATE -Wthread-safety -Werror=thread-safety)

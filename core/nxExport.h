@@ -4,6 +4,11 @@
 /// @file
 /// Marks what the shared library exports. Everything else in it is hidden.
 
+// Money is counted here: no sum is regrouped, and NaN is one. Programs that use the library may do as they like.
+#if defined(NX_CORE_BUILDING) && (defined(__FAST_MATH__) || (defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__))
+    #error "nxcore cannot be built with -Ofast, -ffast-math or -ffinite-math-only"
+#endif
+
 #if defined(_WIN32)
     #ifdef NX_CORE_BUILDING
         #define NX_CORE_API __declspec(dllexport)

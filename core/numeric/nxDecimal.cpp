@@ -1,6 +1,7 @@
 #include "core/numeric/nxDecimal.h"
 
 #include <bit>
+#include <cfenv>
 #include <cmath>
 #include <cstring>
 #include <ostream>
@@ -127,6 +128,30 @@ inline std::size_t Print(char* buffer, bool negative, std::uint64_t magnitude, s
     return static_cast<std::size_t>(end - buffer);
 }
 
+// Rounds to the nearest while it lives, whatever direction the thread is set to. What goes in and comes out passes through
+// nxDoubleHelper::Rounded(), across which no operation moves.
+class NearestRounding
+{
+public:
+    NearestRounding()
+    {
+        if (nxDoubleHelper::RoundsToNearest()) [[likely]]
+            return;
+        _direction = std::fegetround();
+        std::fesetround(FE_TONEAREST);
+    }
+    ~NearestRounding()
+    {
+        if (_direction != FE_TONEAREST) [[unlikely]]
+            std::fesetround(_direction);
+    }
+    NearestRounding(const NearestRounding&) = delete;
+    NearestRounding& operator=(const NearestRounding&) = delete;
+
+private:
+    int _direction = FE_TONEAREST;
+};
+
 // a + b modulo `modulus`, for a and b below it and a modulus of 2^63 at most.
 std::uint64_t AddModulo(std::uint64_t a, std::uint64_t b, std::uint64_t modulus)
 {
@@ -159,10 +184,19 @@ const nxValueStatusEnum& nxDecimal::GetStatus() const
     return IsValid() ? valid : (IsNull() ? null : noChange);
 }
 
+nxDecimal::nxDecimal(long long numerator, long long denominator, unsigned char places)
+{
+    const NearestRounding rounding;
+    const double dividend = nxDoubleHelper::Rounded(static_cast<double>(numerator));
+    _SetFromNearest(nxDoubleHelper::Rounded(dividend / static_cast<double>(denominator)), places);
+}
+
 nxDecimal nxDecimal::_FromAnyDouble(double number, unsigned char places)
 {
+    const NearestRounding rounding;
     const long long whole = nxDoubleHelper::ToInteger(number);
-    const double scaled = _Rounded((number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places));
+    const double fraction = nxDoubleHelper::Rounded(number) - static_cast<double>(whole);
+    const double scaled = nxDoubleHelper::Rounded(fraction * nxPowersOfTen::GetDouble(places));
     double nearest = std::floor(scaled);
     if (scaled - nearest >= 0.5)
         nearest = std::ceil(scaled);
@@ -244,31 +278,57 @@ nxDecimal nxDecimal::_RoundLarge(nxDecimal value, nxDecimal increment, unsigned 
 
 nxDecimal nxDecimal::_AddDoubles(nxDecimal left, nxDecimal right)
 {
+    const NearestRounding rounding;
     if (left._AreValid(right))
-        left.SetFromDouble(left.GetAsDouble() + right.GetAsDouble(), left._LargerFormat(right));
+        left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() + right.GetAsDouble()),
+                             left._LargerFormat(right));
     return left;
 }
 
 nxDecimal nxDecimal::_SubtractDoubles(nxDecimal left, nxDecimal right)
 {
+    const NearestRounding rounding;
     if (left._AreValid(right))
-        left.SetFromDouble(left.GetAsDouble() - right.GetAsDouble(), left._LargerFormat(right));
+        left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() - right.GetAsDouble()),
+                             left._LargerFormat(right));
     return left;
+}
+
+nxDecimal nxDecimal::_MultiplyDoubles(nxDecimal left, nxDecimal right)
+{
+    const NearestRounding rounding;
+    return left *= right;
+}
+
+nxDecimal nxDecimal::_DivideDoubles(nxDecimal left, nxDecimal right)
+{
+    const NearestRounding rounding;
+    return left /= right;
 }
 
 bool nxDecimal::_AreEqual(nxDecimal left, nxDecimal right)
 {
     if (!left._AreValid(right))
         return left._format == right._format;
-    return std::fabs(left.GetAsDouble() - right.GetAsDouble()) <= tolerance;
+    if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
+    {
+        const NearestRounding rounding;
+        return _AreEqual(left, right);
+    }
+    return std::fabs(left._AsDouble() - right._AsDouble()) <= tolerance;
 }
 
 bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
 {
     if (!left._AreValid(right))
         return !left.IsValid() && (right.IsValid() || left._format < right._format);
-    const double a = left.GetAsDouble();
-    const double b = right.GetAsDouble();
+    if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
+    {
+        const NearestRounding rounding;
+        return _IsLess(left, right);
+    }
+    const double a = left._AsDouble();
+    const double b = right._AsDouble();
     return !(std::fabs(a - b) <= tolerance) && a < b;
 }
 

@@ -13,6 +13,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
 #include "core/text/nxDigits.h"
@@ -93,10 +94,7 @@ public:
         SetFromDouble(static_cast<double>(value), places);
     }
     /// The quotient of the two numbers as doubles, rounded to @p places decimals: (1, 3, 2) is 0.33.
-    nxDecimal(long long numerator, long long denominator, unsigned char places)
-    {
-        SetFromDouble(static_cast<double>(numerator) / static_cast<double>(denominator), places);
-    }
+    nxDecimal(long long numerator, long long denominator, unsigned char places);
     /// The number that @p text spells, see SetFromString(); null when it spells none.
     nxDecimal(const std::string& text, char separator);
 
@@ -199,7 +197,8 @@ public:
     /// The double nearest to the number; 0.0 unless valid.
     constexpr double GetAsDouble() const
     {
-        return static_cast<double>(_mantissa) / nxPowersOfTen::GetDouble(GetDecimalPlaces());
+        const double power = nxDoubleHelper::Rounded(nxPowersOfTen::GetDouble(GetDecimalPlaces()));
+        return nxDoubleHelper::Rounded(static_cast<double>(_mantissa) / power);
     }
     /// Becomes @p value rounded to @p places decimals, valid in every case.
     ///
@@ -209,16 +208,9 @@ public:
     /// wraps.
     void SetFromDouble(const double& value, unsigned char places)
     {
-        const double number = value;
-        // Then the scaled fraction is below 10^15, which is what _Nearest() takes.
-        if (places <= 15 && number > -9223372036854775808.0 && number < 9223372036854775808.0) [[likely]]
-        {
-            const auto whole = static_cast<long long>(number);
-            const double scaled = (number - static_cast<double>(whole)) * nxPowersOfTen::GetDouble(places);
-            _mantissa =
-                _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) + _Nearest(scaled));
-            _format = places;
-        }
+        const double number = nxDoubleHelper::Rounded(value);
+        if (nxDoubleHelper::RoundsToNearest()) [[likely]]
+            _SetFromNearest(number, places);
         else
             *this = _FromAnyDouble(number, places);
     }
@@ -323,14 +315,24 @@ public:
         if ((_format | other._format) == 0)
             _mantissa = _Wrapped(static_cast<std::uint64_t>(_mantissa) * static_cast<std::uint64_t>(other._mantissa));
         else if (_AreValid(other)) [[likely]]
-            SetFromDouble(_Rounded(GetAsDouble() * other.GetAsDouble()), _LargerFormat(other));
+        {
+            if (nxDoubleHelper::RoundsToNearest()) [[likely]]
+                _SetFromNearest(nxDoubleHelper::Rounded(_AsDouble() * other._AsDouble()), _LargerFormat(other));
+            else
+                *this = _MultiplyDoubles(*this, other);
+        }
         return *this;
     }
     /// The quotient of the doubles: 7 / 2 is 4. A divisor of 0 is not checked, see the class.
     nxDecimal& operator/=(const nxDecimal& other)
     {
         if (_AreValid(other)) [[likely]]
-            SetFromDouble(GetAsDouble() / other.GetAsDouble(), _LargerFormat(other));
+        {
+            if (nxDoubleHelper::RoundsToNearest()) [[likely]]
+                _SetFromNearest(nxDoubleHelper::Rounded(_AsDouble() / other._AsDouble()), _LargerFormat(other));
+            else
+                *this = _DivideDoubles(*this, other);
+        }
         return *this;
     }
     friend nxDecimal operator+(nxDecimal left, const nxDecimal& right) { return left += right; }  ///< See operator+=.
@@ -500,6 +502,30 @@ private:
     // returns values, so that an object in registers stays there.
     static nxDecimal _FromAnyDouble(double number, unsigned char places);
 
+    // GetAsDouble() of a value that is known to be valid, which saves cutting off the status.
+    double _AsDouble() const
+    {
+        if (!IsValid())
+            __builtin_unreachable();
+        return GetAsDouble();
+    }
+
+    // SetFromDouble() in a thread that rounds to the nearest.
+    void _SetFromNearest(double number, unsigned char places)
+    {
+        // Then the scaled fraction is below 10^15, which is what _Nearest() takes.
+        const long long whole = nxDoubleHelper::ToInteger(number);
+        if (places <= 15 && whole != nxDoubleHelper::TooLarge) [[likely]]
+        {
+            const double fraction = nxDoubleHelper::Rounded(number - static_cast<double>(whole));
+            const std::uint64_t nearest = _Nearest(fraction * nxPowersOfTen::GetDouble(places));
+            _mantissa = _Wrapped(static_cast<std::uint64_t>(whole) * nxPowersOfTen::GetInteger(places) + nearest);
+            _format = places;
+        }
+        else
+            *this = _FromAnyDouble(number, places);
+    }
+
     // The integer nearest to `scaled`, of less than 2^51 in magnitude; a tie goes toward plus infinity.
     //
     // In the sum with 1.5 * 2^52 there is no room for a fraction: the addition rounds to the nearest integer, a tie to
@@ -508,24 +534,11 @@ private:
     static std::uint64_t _Nearest(double scaled)
     {
         constexpr double shift = 6755399441055744.0;
-        const double number = _Rounded(scaled);
-        const double sum = _Rounded(number + shift);
-        const double nearest = sum - shift;
+        const double number = nxDoubleHelper::Rounded(scaled);
+        const double sum = nxDoubleHelper::Rounded(number + shift);
+        const double nearest = nxDoubleHelper::Rounded(sum - shift);
         return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift) +
                (number - nearest >= 0.5 ? 1 : 0);
-    }
-
-    // Hands a result on as the double that it rounds to. A compiler that may use fused multiply-add would otherwise add
-    // to a product before it is rounded, one that may reorder would cancel the shift, and the outcome would depend on
-    // the caller's compiler switches.
-    static double _Rounded(double result)
-    {
-#if defined(__GNUC__) && defined(__x86_64__)
-        asm("" : "+x"(result));
-#elif defined(__GNUC__) && defined(__aarch64__)
-        asm("" : "+w"(result));
-#endif
-        return result;
     }
 
     // Reads up to eight characters, digits with at most one separator among them, as one word. False, with nothing
@@ -653,6 +666,8 @@ private:
     // Everything beyond the quick paths; operands that are not valid included.
     static nxDecimal _AddDoubles(nxDecimal left, nxDecimal right);
     static nxDecimal _SubtractDoubles(nxDecimal left, nxDecimal right);
+    static nxDecimal _MultiplyDoubles(nxDecimal left, nxDecimal right);
+    static nxDecimal _DivideDoubles(nxDecimal left, nxDecimal right);
     static bool _AreEqual(nxDecimal left, nxDecimal right);
     static bool _IsLess(nxDecimal left, nxDecimal right);
 

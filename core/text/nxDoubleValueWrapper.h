@@ -1,14 +1,17 @@
 #ifndef CORE_TEXT_NXDOUBLEVALUEWRAPPER_H
 #define CORE_TEXT_NXDOUBLEVALUEWRAPPER_H
 
+#include <bit>
 #include <compare>
 #include <concepts>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <type_traits>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxValueStatusEnum.h"
+#include "core/numeric/nxDoubleHelper.h"
 #include "core/nxExport.h"
 #include "core/text/nxInitalizers.h"
 
@@ -51,8 +54,8 @@ public:
 
     constexpr void SetNull() { _value = NullValue; }                       ///< The number is forgotten.
     constexpr void SetNoChange() { _value = NoChangeValue; }               ///< The number is forgotten.
-    constexpr bool IsNull() const { return _value == NullValue; }          ///< There is no number.
-    constexpr bool IsNoChange() const { return _value == NoChangeValue; }  ///< The receiver keeps its number.
+    constexpr bool IsNull() const { return _Is(NullValue); }               ///< There is no number.
+    constexpr bool IsNoChange() const { return _Is(NoChangeValue); }       ///< The receiver keeps its number.
     constexpr bool IsValid() const { return !IsNull() && !IsNoChange(); }  ///< There is a number.
     /// @return NX_VALUE_STATUS_NO_CHANGE, NX_VALUE_STATUS_NULL or NX_VALUE_STATUS_VALID.
     nxValueStatusEnum GetStatus() const
@@ -72,7 +75,10 @@ public:
     /// Ignores the state.
     constexpr nxDoubleValueWrapper& operator*=(double value) { return _Assign(_value * value); }
     /// Ignores the state.
-    constexpr nxDoubleValueWrapper& operator/=(double value) { return _Assign(_value / value); }
+    constexpr nxDoubleValueWrapper& operator/=(double value)
+    {
+        return _Assign(_value / nxDoubleHelper::Rounded(value));
+    }
 
     /// @return the larger of two values, @p a when they are equal within the tolerance; when one is not valid, the
     ///         other one.
@@ -126,14 +132,43 @@ public:
     }
 
 private:
+    // By their bits, of which the marks have one pattern each: a compiler that was told that there is no NaN would take
+    // it for a mark.
+    constexpr bool _Is(double mark) const
+    {
+        return std::bit_cast<std::uint64_t>(_value) == std::bit_cast<std::uint64_t>(mark);
+    }
+
     static constexpr std::partial_ordering _Compare(double a, double b)
     {
-        if (a - b < Tolerance && b - a < Tolerance)
+        const double difference = nxDoubleHelper::Rounded(a - b);
+        if (!nxDoubleHelper::IsFinite(difference)) [[unlikely]]
+            return _CompareFar(a, b);
+        if (-Tolerance < difference && difference < Tolerance)
             return std::partial_ordering::equivalent;
-        // Two equal infinities get here; the difference rule does not call them equal, nor is one larger.
-        if (a > b)
-            return std::partial_ordering::greater;
-        return b > a ? std::partial_ordering::less : std::partial_ordering::unordered;
+        return difference > 0 ? std::partial_ordering::greater : std::partial_ordering::less;
+    }
+
+    // The same where one of the two is infinite or NaN, or the difference is too large.
+    static constexpr std::partial_ordering _CompareFar(double a, double b)
+    {
+        const std::int64_t left = _Rank(a);
+        const std::int64_t right = _Rank(b);
+        // Two equal infinities are no closer than NaN: the difference rule does not call them equal, nor is one larger.
+        if (left == right || _IsNaN(left) || _IsNaN(right))
+            return std::partial_ordering::unordered;
+        return left < right ? std::partial_ordering::less : std::partial_ordering::greater;
+    }
+    // Integers in the order of their numbers.
+    static constexpr std::int64_t _Rank(double number)
+    {
+        const auto bits = std::bit_cast<std::int64_t>(number);
+        return bits < 0 ? INT64_MIN - bits : bits;
+    }
+    static constexpr bool _IsNaN(std::int64_t rank)
+    {
+        constexpr std::int64_t infinity = 0x7FF0000000000000;
+        return rank > infinity || rank < -infinity;
     }
 
     static constexpr bool _Prefers(const nxDoubleValueWrapper& a, const nxDoubleValueWrapper& b, bool better)
@@ -143,7 +178,7 @@ private:
 
     constexpr nxDoubleValueWrapper& _Assign(double value)
     {
-        _value = value;
+        _value = nxDoubleHelper::Rounded(value);
         return *this;
     }
 

@@ -9,6 +9,7 @@
 #include <limits>
 #include <string>
 
+#include "core/numeric/nxDoubleHelper.h"
 #include "core/nxExport.h"
 #include "core/platform/nxClock.h"
 
@@ -92,7 +93,8 @@ public:
     /// Seconds and fraction in one number: about 0.2 microseconds are lost to rounding in our days.
     double GetTotalSecondsAsDouble() const
     {
-        return static_cast<double>(_seconds) + static_cast<double>(_nanoseconds) / 1e9;
+        const double fraction = static_cast<double>(_nanoseconds) / nxDoubleHelper::Rounded(1e9);
+        return nxDoubleHelper::Rounded(static_cast<double>(_seconds) + nxDoubleHelper::Rounded(fraction));
     }
 
     /// The local time at this moment as a date-time, which keeps the nanoseconds; null outside the years 1 to 9999.
