@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -246,6 +247,31 @@ TEST(nxDecimal, Calculates)
         results << a + b << ' ' << a - b << ' ' << a * b << ' ' << a / b;
         EXPECT_EQ(results.str(), expected) << first << " and " << second;
     }
+}
+
+// Whatever direction the thread has its floating-point operations rounded in.
+TEST(nxDecimal, CalculatesInEveryDirectionOfRounding)
+{
+    const auto results = [](double number, unsigned char places)
+    {
+        const nxDecimal a(number, places), b = Parts(1499999999999999, 15), c = Parts(largest, 3);
+        return std::to_string(a == b) + std::to_string(a < c) + Fields(a) + Fields(a * Number("1.15")) +
+               Fields(Number("2.05") / a) + Fields(a + c) + Fields(c - a) + Fields(nxDecimal(a.GetValue(), 30, places));
+    };
+    constexpr unsigned char scales[] = {0, 1, 2, 17};
+    for (const unsigned char places : scales)
+        for (const double number : {1.3, -2.3, 0.045, 1.005, -0.125, 2.5, 8.35, 9e15 + 0.5, 1e300})
+        {
+            const std::string expected = results(number, places);
+            for (const int direction : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO})
+            {
+                std::fesetround(direction);
+                const std::string found = results(number, places);
+                EXPECT_EQ(std::fegetround(), direction);
+                std::fesetround(FE_TONEAREST);
+                EXPECT_EQ(found, expected) << number << " with " << int{places} << " places, direction " << direction;
+            }
+        }
 }
 
 TEST(nxDecimal, ChangesItsSignInPlace)
