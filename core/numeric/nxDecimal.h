@@ -34,7 +34,8 @@ class nxOStream;
 ///   mantissa 0 and places 0. Arithmetic with an operand that is not valid leaves the left operand as it is.
 /// - Exactness: sums, differences and comparisons of one scale are exact integer operations. Across scales,
 ///   multiplication (unless both have 0 places) and division go through `double` and are rounded to the larger number
-///   of places, a tie toward plus infinity. Round() is exact for every value and increment.
+///   of places, a tie toward plus infinity. Round() is exact for every value and increment. No result depends on the
+///   switches that a program is compiled with, -Ofast included, nor on the direction of rounding of its threads.
 /// - Limits: a result that does not fit 64 bits wraps modulo 2^64, silently; a place count beyond 255 wraps modulo 256.
 ///   Up to 18 places the power of ten fits; from 20 places on 10^places has itself wrapped modulo 2^64, from 64 places
 ///   on it is 0, the whole mantissa then is the fraction, and GetAsDouble() is infinite or NaN. No operation traps.
@@ -194,7 +195,9 @@ public:
             *this = ConstructFromValueAndDecimalPlaces(value, places);
     }
 
-    /// The double nearest to the number; 0.0 unless valid.
+    /// The mantissa as a double, divided by the power of ten as a double; 0.0 unless valid. That is the double nearest to
+    /// the number up to 2^53 units and 19 places. Beyond 2^53 units two roundings may give a neighbour, and from 20 places
+    /// on the power has wrapped, see the class. The quotient is rounded in the direction that the thread is set to.
     constexpr double GetAsDouble() const
     {
         const double power = nxDoubleHelper::Rounded(nxPowersOfTen::GetDouble(GetDecimalPlaces()));

@@ -22,6 +22,7 @@
 /// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
 ///   to its plain double, marks included, and calculates and compares with that: null plus 1 is a valid number,
 ///   one above the mark. Test IsValid() first.
+/// - Its operations come out the same in a program that is compiled with -Ofast, NaN and the infinities included.
 /// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
 /// - The two tag constructors are crossed over, which callers rely on: nxNoChangeInitalizer makes NULL and
 ///   nxNullInitalizer makes NO CHANGE. Say GetNullInstance() and GetNoChangeInstance(), which are straight.

@@ -24,7 +24,8 @@ class nxTime;
 ///   other bytes are left alone and belong to no class.
 /// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched (a `bool` is set
 ///   to false). Nothing throws but the allocation of a string.
-/// - Reading is strict: no blanks are skipped, a '+' is never accepted, and the whole text must be used.
+/// - Reading is strict: no blanks are skipped, a '+' is accepted before a decimal or an amount of money and nowhere else,
+///   and the whole text must be used.
 /// - Reading an integer does NOT check the range: a number too large for the target wraps modulo 2 to the number of
 ///   its bits ("70000" into an `unsigned short` gives 4464). A caller that cares reads into a wider type and compares.
 /// - Threads: any thread, on strings of its own.
@@ -92,7 +93,8 @@ public:
 
     /// Reads an optional '-', digits, and at most one @p separator before, among or behind the digits; no exponent.
     /// Up to 15 digits the result is the double nearest to the number; with more it may be some units in the last
-    /// place away, and from about 309 digits on it is infinite or not a number.
+    /// place away. From about 309 digits on, leading zeros not counted, the digits alone are infinite, and so is the power
+    /// of ten from 309 decimals on: the result then is infinite, 0 or not a number.
     /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, double& value, char separator)
     {
