@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Holds the includes of core/ to docs/architecture.md: headers point sideways or down and form no circle, and the umbrella
-header names exactly the public ones.
+header names exactly the public ones. No header calls the virtual bounds of an enumeration, which g++ -O3 may turn into calls
+of functions that nobody instantiated.
 
     includes.py SOURCE               the headers of the source tree
     includes.py SOURCE INSTALLED     what was installed from it: the public headers, and all they need and no more
@@ -75,6 +76,15 @@ def faults_of_source(graph):
     return faults + [f"core/nxCore.h names {header}, which is not public" for header in sorted(named - wanted)]
 
 
+def faults_of_calls(root):
+    """Declarations have their result before the name."""
+    faults = []
+    for header in headers(root):
+        with open(os.path.join(root, header), encoding="utf-8") as file:
+            faults += [f"{header} calls {call}" for call in re.findall(r"(?<!unsigned )\b_M(?:in|ax)Value\(\)", file.read())]
+    return faults
+
+
 def faults_of_installation(graph, installed):
     public = {header for header in graph if is_public(header)} | {"core/nxCore.h", "core/nxExport.h", "core/nxVersion.h"}
     needed, open_ends = set(), list(public)
@@ -89,7 +99,8 @@ def faults_of_installation(graph, installed):
 
 def main():
     graph = headers(sys.argv[1])
-    faults = faults_of_installation(graph, headers(sys.argv[2])) if len(sys.argv) > 2 else faults_of_source(graph)
+    faults = faults_of_installation(graph, headers(sys.argv[2])) if len(sys.argv) > 2 else \
+        faults_of_source(graph) + faults_of_calls(sys.argv[1])
     print("\n".join(faults))
     return 1 if faults else 0
 
