@@ -152,6 +152,14 @@ private:
     int _direction = FE_TONEAREST;
 };
 
+// Out of line, so that it costs those nothing who round to the nearest anyway.
+template <class Result>
+[[gnu::noinline]] Result RoundedToNearest(Result (*operation)(nxDecimal, nxDecimal), nxDecimal left, nxDecimal right)
+{
+    const NearestRounding rounding;
+    return operation(left, right);
+}
+
 // a + b modulo `modulus`, for a and b below it and a modulus of 2^63 at most.
 std::uint64_t AddModulo(std::uint64_t a, std::uint64_t b, std::uint64_t modulus)
 {
@@ -311,10 +319,7 @@ bool nxDecimal::_AreEqual(nxDecimal left, nxDecimal right)
     if (!left._AreValid(right))
         return left._format == right._format;
     if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
-    {
-        const NearestRounding rounding;
-        return _AreEqual(left, right);
-    }
+        return RoundedToNearest(_AreEqual, left, right);
     return std::fabs(left._AsDouble() - right._AsDouble()) <= tolerance;
 }
 
@@ -323,10 +328,7 @@ bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
     if (!left._AreValid(right))
         return !left.IsValid() && (right.IsValid() || left._format < right._format);
     if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
-    {
-        const NearestRounding rounding;
-        return _IsLess(left, right);
-    }
+        return RoundedToNearest(_IsLess, left, right);
     const double a = left._AsDouble();
     const double b = right._AsDouble();
     return !(std::fabs(a - b) <= tolerance) && a < b;
