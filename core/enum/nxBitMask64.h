@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "core/enum/nxPlainInteger.h"
 #include "core/nxExport.h"
 
 /// The base of every 64-bit set of named flags: nxBitMask with room for 62 of them. Derive a mask of your own from
@@ -39,6 +40,8 @@ public:
     /// Adds flags. A mask that is not valid starts again from the empty set.
     virtual void SetBits(unsigned long long bits);
     /// @copydoc SetBits(unsigned long long)
+    /// The words are joined as they are: a null or "no change" operand passes its mark on, and the next SetBits()
+    /// empties the mask. Ask IsValid() of an update request before you merge it.
     virtual void SetBits(const nxBitMask64& bits);
     /// Makes the mask null; its flags are lost.
     virtual void SetNull();
@@ -70,7 +73,7 @@ public:
         SetBits(bits);
         return *this;
     }
-    /// @copydoc operator|=(unsigned long long)
+    /// The same as SetBits(), a null or "no change" operand included.
     nxBitMask64& operator|=(const nxBitMask64& bits)
     {
         SetBits(bits);
@@ -98,6 +101,26 @@ public:
     /// @copydoc operator==(unsigned long long) const
     bool operator==(const nxBitMask64& other) const { return _word == other._word; }
 
+    /// @name A word wider than the mask's, or a fraction, would be cut, and a flag of the upper half would become none.
+    /// @{
+    template <nxWiderThan<Word> Wide>
+    void SetBits(Wide) = delete;
+    template <nxWiderThan<Word> Wide>
+    void SetValue(Wide) = delete;
+    template <nxWiderThan<Word> Wide>
+    nxBitMask64& operator=(Wide) = delete;
+    template <nxWiderThan<Word> Wide>
+    nxBitMask64& operator|=(Wide) = delete;
+    template <nxWiderThan<Word> Wide>
+    void ClearBits(Wide) = delete;
+    template <nxWiderThan<Word> Wide>
+    bool AreAllBitsSet(Wide) const = delete;
+    template <nxWiderThan<Word> Wide>
+    bool AreAnyBitsSet(Wide) const = delete;
+    template <nxWiderThan<Word> Wide>
+    bool operator==(Wide) const = delete;
+    /// @}
+
 protected:
     /// Short and long description of every flag, by class name and then by bit.
     using DescriptionMap = std::map<std::string, std::map<unsigned long long, std::pair<std::string, std::string>>>;
@@ -114,6 +137,12 @@ protected:
                           const std::string& longDescription);
     /// The same for this mask's class.
     bool _Register(unsigned long long bit, const std::string& shortDescription, const std::string& longDescription);
+    /// A word wider than the mask's would be cut.
+    template <nxWiderThan<Word> Wide>
+    static bool _Register(const std::string&, Wide, const std::string&, const std::string&) = delete;
+    /// A word wider than the mask's would be cut.
+    template <nxWiderThan<Word> Wide>
+    bool _Register(Wide, const std::string&, const std::string&) = delete;
 
     /// All texts, by class name and then by bit. To be looked at; only _Register() adds to what is printed.
     static DescriptionMap& _GetDescriptionMap();

@@ -14,6 +14,7 @@
 
 #include "core/enum/nxEnumTable.h"
 #include "core/enum/nxEnumValue.h"
+#include "core/enum/nxPlainInteger.h"
 #include "core/nxExport.h"
 
 /// The base of every named enumeration: one value of the process-wide numbering, with texts kept in a registry.
@@ -43,6 +44,12 @@ public:
 
     /// @return whether some class has registered texts for @p value.
     static bool IsRegisteredEnumValue(unsigned value);
+    /// The same for other integer types: a number that 32 bits cannot hold is not registered.
+    template <nxPlainInteger Number>
+    static bool IsRegisteredEnumValue(Number value)
+    {
+        return nxFitsUnsigned(value) && IsRegisteredEnumValue(static_cast<unsigned>(value));
+    }
 
     /// @return the identifier; "NOT_REGISTERED" for a value without texts.
     const std::string& GetShortDescription() const { return _GetTexts().first; }
@@ -100,6 +107,16 @@ public:
         _Set(value);
         return *this;
     }
+    /// The same for other integer types: a negative number, or one that is too wide, is stored as 0.
+    template <nxPlainInteger Number>
+    nxEnum& operator=(Number value)
+    {
+        _Set(_Narrowed(value));
+        return *this;
+    }
+    /// A truth value is no value of an enumeration, nor is a fraction.
+    template <nxUnfitForUnsigned Unfit>
+    nxEnum& operator=(Unfit) = delete;
 
 protected:
     nxEnum() = default;
@@ -118,6 +135,9 @@ protected:
     /// @return false, with nothing changed, when the value or the short description is taken, or when the short
     ///         description is longer than 64 characters.
     static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription);
+    /// A value wider than 32 bits would be cut.
+    template <nxWiderThan<unsigned> Wide>
+    static bool _Register(Wide, const std::string&, const std::string&) = delete;
     /// Adds the rows from @p first to before @p last; those that _Register() refuses are left out.
     /// @return true, for the class's _registered to hold.
     static bool _RegisterAll(const ValueTexts* first, const ValueTexts* last);
@@ -151,6 +171,12 @@ protected:
     {
         return (minimum < value && value < maximum && value != NX_ENUM_NOT_REGISTERED) || value == NX_ENUM_UNDEFINED ||
                value == NX_ENUM_NO_CHANGE;
+    }
+    /// A negative number, or one that is too wide, is not cut down to one that happens to fit: it becomes 0.
+    template <nxPlainInteger Number>
+    static constexpr unsigned _Narrowed(Number number)
+    {
+        return nxFitsUnsigned(number) ? static_cast<unsigned>(number) : static_cast<unsigned>(NX_ENUM_UNDEFINED);
     }
     /// Stores a value that the concrete class has already accepted.
     void _SetAccepted(unsigned value) { _value = value; }
@@ -201,6 +227,15 @@ inline bool operator==(const nxEnum& left, nxEnumValue right)
 }
 /// Compares the stored value.
 inline bool operator==(const nxEnum& left, unsigned right) { return left.GetValue() == right; }
+/// Compares the stored value with a number of another integer type: one that 32 bits cannot hold equals none.
+template <std::derived_from<nxEnum> Enum, nxPlainInteger Number>
+bool operator==(const Enum& left, Number right)
+{
+    return nxFitsUnsigned(right) && left.GetValue() == static_cast<unsigned>(right);
+}
+/// An enumeration is no truth value: `error == false` would be true of a success. Ask nxErrorEnum::IsOK().
+template <std::derived_from<nxEnum> Enum, nxUnfitForUnsigned Unfit>
+bool operator==(const Enum&, Unfit) = delete;
 /// Compares the stored values, whatever the classes.
 inline bool operator==(const nxEnum& left, const nxEnum& right) { return left.GetValue() == right.GetValue(); }
 

@@ -52,6 +52,9 @@ public:
     nxTypedBitMask() = default;  ///< The empty set.
     /// Holds @p word as it is, top bits included.
     nxTypedBitMask(Word word) : Base(word) {}
+    /// A word wider than the mask's would be cut.
+    template <nxWiderThan<Word> Wide>
+    nxTypedBitMask(Wide) = delete;
 
     /// Stores @p word as it is, top bits included.
     Derived& operator=(Word word)
@@ -59,6 +62,9 @@ public:
         this->SetValue(word);
         return static_cast<Derived&>(*this);
     }
+    /// A word wider than the mask's would be cut.
+    template <nxWiderThan<Word> Wide>
+    Derived& operator=(Wide) = delete;
 
 protected:
     /// A flag with its short and its long description.

@@ -2,7 +2,6 @@
 #define CORE_ENUM_NXTYPEDENUM_H
 
 #include <compare>
-#include <concepts>
 
 #include "core/enum/nxEnum.h"
 #include "core/enum/nxEnumRange.h"
@@ -52,11 +51,12 @@ public:
     nxTypedEnum() = default;  ///< Undefined.
     /// Holds @p value, or 0 when the class does not accept it.
     nxTypedEnum(nxEnumValue value) noexcept { _SetAccepted(_Accepted(value)); }
-    /// The same for a plain number; explicit, so that no number becomes an enumeration by accident.
-    template <std::integral Number>
+    /// The same for a plain number of any integer type but bool; explicit, so that no number becomes an enumeration by
+    /// accident.
+    template <nxPlainInteger Number>
     explicit nxTypedEnum(Number value) noexcept
     {
-        _SetAccepted(_Accepted(_Narrowed(value)));
+        _SetAccepted(_Accepted(nxEnum::_Narrowed(value)));
     }
     /// Holds the value of @p other.
     nxTypedEnum(const nxTypedEnum& other) noexcept : nxEnum() { _SetAccepted(other.GetValue()); }
@@ -73,10 +73,10 @@ public:
         return static_cast<Derived&>(*this);
     }
     /// Stores @p value, or 0 when the class does not accept it.
-    template <std::integral Number>
+    template <nxPlainInteger Number>
     Derived& operator=(Number value) noexcept
     {
-        _SetAccepted(_Accepted(_Narrowed(value)));
+        _SetAccepted(_Accepted(nxEnum::_Narrowed(value)));
         return static_cast<Derived&>(*this);
     }
 
@@ -113,15 +113,6 @@ private:
     static constexpr unsigned _Accepted(unsigned value)
     {
         return _IsAcceptable(value, Minimum, Maximum) ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
-    }
-
-    // A negative number, or one that is too wide, is not cut down to one that happens to fit.
-    template <std::integral Number>
-    static constexpr unsigned _Narrowed(Number number)
-    {
-        const unsigned value = static_cast<unsigned>(number);
-        const bool isKept = static_cast<Number>(value) == number && !(number < Number{});
-        return isKept ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);
     }
 };
 

@@ -106,8 +106,15 @@ TEST(nxEnum, SettersAcceptTheClassesOwnValuesAndTheTwoSharedOnes)
         expect(nxBoolEnum(), row.boolean);
         expect(nxErrorEnum(), row.error);
     }
-    EXPECT_EQ(nxErrorEnum((1ll << 32) + 1000001).GetValue(), 0u);
-    EXPECT_EQ(nxErrorEnum(-1).GetValue(), 0u);
+    // A number that 32 bits cannot hold is nobody's, also where its lower half, or its complement, would be.
+    for (const long long wide : {(1ll << 32) + 1000001, -1ll, 0xFFFFFFFEll - (1ll << 32)})
+    {
+        nxErrorEnum error(NX_ERR_NOT_FOUND);
+        LastEnum last(0xFFFFFFFE);
+        EXPECT_FALSE(error == wide || last == wide || nxEnum::IsRegisteredEnumValue(wide));
+        EXPECT_TRUE((static_cast<nxEnum&>(error) = wide).IsUndefined() && nxErrorEnum(wide).IsUndefined());
+        EXPECT_TRUE((static_cast<nxEnum&>(last) = wide).IsUndefined() && LastEnum(wide).IsUndefined());
+    }
     nxErrorEnum emptied(NX_ERR_INTERNAL);
     emptied = {};
     EXPECT_TRUE(emptied.IsOK());

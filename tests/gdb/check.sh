@@ -28,7 +28,7 @@ text "A-1"
 noText NULL'
 prints=()
 for name in $(printf '%s\n' "$wanted" | cut -d' ' -f1); do
-    prints+=(-ex "echo $name\\ " -ex "output $name" -ex 'echo \n')
+    prints+=(-ex "echo $name\\040" -ex "output $name" -ex 'echo \n')
 done
 # Nothing in the program is called, neither by a printer nor by gdb's printf, which puts its texts there: there are
 # machines on which gdb cannot call.
