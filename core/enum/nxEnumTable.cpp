@@ -5,6 +5,8 @@
 #include <cstring>
 #include <new>
 
+#include "core/enum/internal/nxNameTag.h"
+
 // One name of the hash table. The text is stored last: who sees it sees the rest. Element 0 of a table is none of its
 // slots but holds, as its value, the number of slots less one and, as its text, the smaller table that it replaced:
 // some reader may be in there yet, so that it is kept, and leak checkers find it.
@@ -19,46 +21,7 @@ namespace
 {
 constexpr std::size_t FirstSlotCount = 2048;  // the library's own names fill a third
 
-template <class Word>
-std::uint64_t Load(const char* data)
-{
-    Word word;
-    std::memcpy(&word, data, sizeof word);
-    return word;
-}
-
-// Made of length, first, middle and last eight bytes. The lowest bits are the length itself, so that equal tags mean
-// equal lengths; names that differ only elsewhere share a tag, and the comparison tells them apart.
-constexpr unsigned SizeBits = std::bit_width(nxEnumTable::MaximumTextSize);
-
-inline std::uint32_t Tag(std::string_view text)
-{
-    const char* const data = text.data();
-    const std::size_t size = text.size();
-    std::uint64_t first = 0;
-    std::uint64_t middle = 0;
-    std::uint64_t last = 0;
-    if (size >= 8) [[likely]]
-    {
-        first = Load<std::uint64_t>(data);
-        middle = Load<std::uint64_t>(data + size / 2 - 4);
-        last = Load<std::uint64_t>(data + size - 8);
-    }
-    else if (size >= 4)
-    {
-        first = Load<std::uint32_t>(data);
-        last = Load<std::uint32_t>(data + size - 4);
-    }
-    else if (size != 0)
-    {
-        first = Load<std::uint8_t>(data);
-        middle = Load<std::uint8_t>(data + size / 2);
-        last = Load<std::uint8_t>(data + size - 1);
-    }
-    const std::uint64_t hash =
-        (first + size) * 0x9E3779B97F4A7C15u ^ middle * 0xC2B2AE3D27D4EB4Fu ^ std::rotl(last * 0xD6E8FEB86659FD93u, 32);
-    return static_cast<std::uint32_t>(hash >> 32 ^ hash >> 15) << SizeBits | static_cast<std::uint32_t>(size);
-}
+static_assert(nxEnumTable::MaximumTextSize == nxNameTag::MaximumSize);
 }  // namespace
 
 // All state is initialised with constants: look-ups work before any initialiser of the library has run.
@@ -70,24 +33,51 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
     static constinit std::size_t slotCount;
     static constinit std::size_t nameCount;
 
-    static const Slot* FindName(const Slot* table, std::uint32_t tag, std::string_view text)
+    // The first slot with this tag from the slot number @p i on, and the name in it, or null.
+    static const Slot* FindTag(const Slot* table, std::uint32_t tag, std::uint32_t i, const char*& name)
     {
         const std::uint32_t mask = table[0].value;
-        for (std::uint32_t i = tag >> SizeBits;; ++i)
+        for (;; ++i)
         {
             const Slot& slot = table[1 + (i & mask)];
-            const char* const name = slot.text.load(std::memory_order_acquire);
+            name = slot.text.load(std::memory_order_acquire);
             if (name == nullptr)
                 return nullptr;
-            if (slot.tag == tag && std::memcmp(name, text.data(), text.size()) == 0)
+            if (slot.tag == tag)
                 return &slot;
         }
+    }
+
+    static bool AreSame(const char* name, std::string_view text)
+    {
+        return std::memcmp(name, text.data(), text.size()) == 0;
+    }
+
+    // Where another name has the same tag. Not inlined: FindName() then keeps less over its comparison.
+    [[gnu::noinline]] static const Slot* FindBehind(const Slot* table, const Slot* slot, std::string_view text)
+    {
+        const std::uint32_t tag = slot->tag;
+        const char* name = nullptr;
+        do
+            slot = FindTag(table, tag, static_cast<std::uint32_t>(slot - table), name);
+        while (slot != nullptr && !AreSame(name, text));
+        return slot;
+    }
+
+    static const Slot* FindName(const Slot* table, std::string_view text)
+    {
+        const std::uint32_t tag = nxNameTag::Get(text);
+        const char* name = nullptr;
+        const Slot* const slot = FindTag(table, tag, tag >> nxNameTag::SizeBits, name);
+        if (slot == nullptr || AreSame(name, text)) [[likely]]
+            return slot;
+        return FindBehind(table, slot, text);
     }
 
     static void FillFreeSlot(Slot * table, std::uint32_t tag, std::uint32_t value, const char* text)
     {
         const std::uint32_t mask = table[0].value;
-        std::uint32_t i = tag >> SizeBits;
+        std::uint32_t i = tag >> nxNameTag::SizeBits;
         while (table[1 + (i & mask)].text.load(std::memory_order_relaxed) != nullptr)
             ++i;
         Slot& slot = table[1 + (i & mask)];
@@ -124,9 +114,13 @@ constinit std::atomic<nxEnumTable::Page*>* const nxEnumTable::_pages = Storage::
 
 std::int64_t nxEnumTable::Find(std::string_view text)
 {
-    if (text.size() > MaximumTextSize) [[unlikely]]
-        return NotFound;
-    const Slot* const slot = Storage::FindName(Storage::slots.load(std::memory_order_acquire), Tag(text), text);
+    if (text.size() - 1 >= MaximumTextSize) [[unlikely]]
+    {
+        if (!text.empty())
+            return NotFound;
+        text = "";  // with an address, for the comparison
+    }
+    const Slot* const slot = Storage::FindName(Storage::slots.load(std::memory_order_acquire), text);
     return slot != nullptr ? std::int64_t{slot->value} : NotFound;
 }
 
@@ -172,6 +166,7 @@ void nxEnumTable::Add(unsigned value, const Texts& texts) noexcept
     const std::size_t index = value % PageSize;
     page.texts[index].store(&texts, std::memory_order_release);
     page.present[index / WordBits].fetch_or(std::uint64_t{1} << index % WordBits, std::memory_order_release);
-    Storage::FillFreeSlot(Storage::slots.load(std::memory_order_relaxed), Tag(texts.first), value, texts.first.c_str());
+    Storage::FillFreeSlot(Storage::slots.load(std::memory_order_relaxed), nxNameTag::Get(texts.first), value,
+                          texts.first.c_str());
     ++Storage::nameCount;
 }

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <unordered_set>
 
+#include "core/enum/internal/nxNameTag.h"
 #include "core/nxCore.h"
 #include "tests/support/nxTestThreads.h"
 #include "tests/support/nxVirtualSlot.h"
@@ -162,6 +163,7 @@ TEST(nxEnum, ParsesIdentifiersOfItsClass)
     // Here and not with the other registrations, so that the rows above meet an empty text that nobody has registered.
     EXPECT_TRUE(SessionEnum::_Register(3000012, "", "any wording"));
     EXPECT_FALSE(SessionEnum::_Register(3000013, "", "any wording"));
+    EXPECT_TRUE(SessionEnum().SetFromString(std::string_view()));
 }
 
 TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValueAndOthersSayThatTheyAreNone)
@@ -219,6 +221,23 @@ TEST(nxEnum, RegistrationRefusesWhatIsTakenOrTooLong)
     EXPECT_EQ(parsed, SessionEnum::DAY);
     EXPECT_TRUE(parsed.SetFromString(sixtyFour));
     EXPECT_EQ(parsed, 3000010u);
+}
+
+// A thousand names that differ in one place, wherever it is: no slot of the table is the first choice of many.
+TEST(nxEnum, NamesOfOnePatternSpreadOverTheTable)
+{
+    for (std::size_t size = 3; size <= nxNameTag::MaximumSize; ++size)
+        for (std::size_t place = 0; place + 3 <= size; ++place)
+        {
+            std::string name(size, 'X');
+            std::array<unsigned, 2048> slots{};
+            for (unsigned number = 0; number != 1000; ++number)
+            {
+                name.replace(place, 3, std::to_string(1000 + number), 1, 3);
+                ++slots[(nxNameTag::Get(name) >> nxNameTag::SizeBits) % slots.size()];
+            }
+            ASSERT_LE(*std::max_element(slots.begin(), slots.end()), 9u) << size << " bytes, differing at " << place;
+        }
 }
 
 TEST(nxEnum, ListsTheRegisteredValuesOfAClassInOrder)
