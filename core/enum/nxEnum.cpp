@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "core/enum/nxEnumRange.h"
+#include "core/enum/nxRefusedTexts.h"
 
 namespace
 {
@@ -83,7 +84,8 @@ bool nxEnum::_Register(unsigned value, const std::string& shortDescription, cons
 bool nxEnum::_RegisterAll(const ValueTexts* first, const ValueTexts* last)
 {
     for (const ValueTexts* row = first; row != last; ++row)
-        _Add(row->value, View(row->shortDescription), View(row->longDescription));
+        if (!_Add(row->value, View(row->shortDescription), View(row->longDescription)))
+            nxRefusedTexts::AddValue(row->value, View(row->shortDescription));
     return true;
 }
 

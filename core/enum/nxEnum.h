@@ -132,13 +132,16 @@ protected:
 
     /// Adds one value with its texts to the process-wide registry. Call it while the process or a plug-in is loaded,
     /// from one thread; other threads may look up meanwhile.
+    /// An empty short description is one like others: SetFromString("") then finds its value, in every class.
     /// @return false, with nothing changed, when the value or the short description is taken, or when the short
-    ///         description is longer than 64 characters.
+    ///         description is longer than 64 characters. The value need not be one of the calling class; see
+    ///         nxTypedEnum::_Register().
     static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription);
     /// A value wider than 32 bits would be cut.
     template <nxWiderThan<unsigned> Wide>
     static bool _Register(Wide, const std::string&, const std::string&) = delete;
-    /// Adds the rows from @p first to before @p last; those that _Register() refuses are left out.
+    /// Adds the rows from @p first to before @p last; those that _Register() refuses are left out,
+    /// and nxRefusedTexts tells of them.
     /// @return true, for the class's _registered to hold.
     static bool _RegisterAll(const ValueTexts* first, const ValueTexts* last);
     /// @copydoc _RegisterAll(const ValueTexts*, const ValueTexts*)

@@ -8,6 +8,7 @@
 
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"
+#include "core/enum/nxRefusedTexts.h"
 
 /// What every concrete bit mask shares: public construction from a word, copying and assignment, and the registration
 /// of its flags' texts.
@@ -75,13 +76,16 @@ protected:
         const char* longDescription;   ///< The wording.
     };
 
-    /// Registers @p flags as those of the class @p className.
+    /// Registers @p flags as those of the class @p className. A flag that has another text keeps it, and
+    /// nxRefusedTexts tells of it.
     /// @return true.
     template <std::size_t Count>
     static bool _RegisterFlags(const std::string& className, const FlagTexts (&flags)[Count])
     {
         for (const FlagTexts& flag : flags)
-            Base::_Register(className, flag.word, flag.shortDescription, flag.longDescription);
+            if (!Base::_Register(className, flag.word, flag.shortDescription, flag.longDescription))
+                nxRefusedTexts::AddFlag(className, flag.word, flag.shortDescription,
+                                        Base::_GetDescriptionMap()[className][flag.word].first);
         return true;
     }
 };

@@ -5,6 +5,7 @@
 
 #include "core/enum/nxEnum.h"
 #include "core/enum/nxEnumRange.h"
+#include "core/enum/nxRefusedTexts.h"
 
 /// What every concrete enumeration class shares: construction, assignment, comparison with its own class, and bounds.
 ///
@@ -105,11 +106,50 @@ public:
     std::strong_ordering operator<=>(nxEnumValue value) const { return GetValue() <=> static_cast<unsigned>(value); }
 
 protected:
+    /// A row to register. Where rows are constants, as above, one outside the class's interval does not compile.
+    struct ValueTexts : nxEnum::ValueTexts
+    {
+        /// One value with its identifier and its wording.
+        constexpr ValueTexts(unsigned number, const char* identifier, const char* wording)
+            : nxEnum::ValueTexts{number, identifier, wording}
+        {
+            if (!_IsInside(number))
+                _ValueIsOutsideTheIntervalOfItsClass();
+        }
+    };
+
+    /// nxEnum::_Register() for values of this class, the two bounds included.
+    /// @return false, with nothing changed, also for a value of another class.
+    static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription)
+    {
+        return _IsInside(value) && nxEnum::_Register(value, shortDescription, longDescription);
+    }
+    /// A value wider than 32 bits would be cut.
+    template <nxWiderThan<unsigned> Wide>
+    static bool _Register(Wide, const std::string&, const std::string&) = delete;
+
+    /// Registers @p rows. Those that are outside the class's interval, and those that _Register() refuses, are left
+    /// out, and nxRefusedTexts tells of them.
+    /// @return true, for the class's _registered to hold.
+    template <std::size_t Count>
+    static bool _RegisterAll(const ValueTexts (&rows)[Count])
+    {
+        for (const ValueTexts& row : rows)
+            if (_IsInside(row.value))
+                nxEnum::_RegisterAll(&row, &row + 1);
+            else
+                nxRefusedTexts::AddOutside(row.value, row.shortDescription != nullptr ? row.shortDescription : "");
+        return true;
+    }
+
     ~nxTypedEnum() = default;
     unsigned _MinValue() const override { return Minimum; }  ///< MinimumValue.
     unsigned _MaxValue() const override { return Maximum; }  ///< MaximumValue.
 
 private:
+    static constexpr bool _IsInside(unsigned value) { return Minimum <= value && value <= Maximum; }
+    static void _ValueIsOutsideTheIntervalOfItsClass() {}  // no constant expression calls it
+
     static constexpr unsigned _Accepted(unsigned value)
     {
         return _IsAcceptable(value, Minimum, Maximum) ? value : static_cast<unsigned>(NX_ENUM_UNDEFINED);

@@ -1,12 +1,25 @@
 #include "core/log/nxLogSetUp.h"
 
+#include <atomic>
+
+#include "core/enum/nxRefusedTexts.h"
 #include "core/log/nxConsoleLogDevice.h"
 #include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSettings.h"
 
 namespace
 {
+// Enumerations and masks register without a word, before there is a log: what was refused is told here, once.
+void TellRefusedTexts()
+{
+    static std::atomic<std::size_t> told = 0;
+    const std::vector<std::string> sentences = nxRefusedTexts::Get();
+    for (std::size_t i = told.exchange(sentences.size()); i < sentences.size(); ++i)
+        NX_LOG(NX_LOG_LEVEL_ERROR) << sentences[i];
+}
+
 void SetUpConsole(nxLogSettings::Console form)
 {
     if (form == nxLogSettings::Console::Off)
@@ -26,5 +39,6 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
     SetUpConsole(settings.console);
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
     file.Create(maximumFileSize);
+    TellRefusedTexts();
     return !file.GetFileName().empty();
 }

@@ -25,14 +25,14 @@ int LockForASlice(pthread_mutex_t& mutex)
     return result == EBUSY ? ETIMEDOUT : result;
 }
 #else
-constexpr long SliceNanoseconds = 50'000'000;
+constexpr long WaitSliceNanoseconds = 50'000'000;
 
 int LockForASlice(pthread_mutex_t& mutex)
 {
     // Not the wall clock, which stretches the slice when it is set back.
     timespec end{};
     clock_gettime(CLOCK_MONOTONIC, &end);
-    end.tv_nsec += SliceNanoseconds;
+    end.tv_nsec += WaitSliceNanoseconds;
     if (end.tv_nsec >= 1'000'000'000)
     {
         end.tv_nsec -= 1'000'000'000;

@@ -36,6 +36,10 @@ public:
     std::string GetClassName() const override { return "QuoteFlagsBitMask"; }
 
     static bool RegisterAgain() { return _Register("QuoteFlagsBitMask", FIRM, "OTHER", "Other"); }
+    static bool RegisterMore()
+    {
+        return _RegisterFlags("QuoteFlagsBitMask", {{FIRM, "FIRM", ""}, {INDICATIVE, "OTHER", "Other"}});
+    }
     bool RegisterOfInstance() { return _Register(LAST_ORDINARY, "LAST_ORDINARY", "Last ordinary"); }
 
 private:
@@ -202,6 +206,11 @@ TEST(nxBitMask, AClassWithoutTextsSaysSoUnlessItIsNotValid)
 TEST(nxBitMask, ATextOnceRegisteredIsKept)
 {
     EXPECT_FALSE(QuoteFlagsBitMask::RegisterAgain());
+    EXPECT_TRUE(QuoteFlagsBitMask::RegisterMore());
+    std::vector<std::string> told = nxRefusedTexts::Get();
+    std::erase_if(told, [](const std::string& sentence) { return sentence.find("BitMask") == sentence.npos; });
+    EXPECT_EQ(told, (std::vector<std::string>{
+                        "QuoteFlagsBitMask 2 'OTHER' is not registered: the flag has the text 'INDICATIVE'"}));
     EXPECT_EQ(QuoteFlagsBitMask(1).GetShortDescription(" "), "FIRM");
     EXPECT_TRUE(QuoteFlagsBitMask().RegisterOfInstance());
     EXPECT_EQ(QuoteFlagsBitMask(QuoteFlagsBitMask::LAST_ORDINARY).GetLongDescription(" "), "Last ordinary");

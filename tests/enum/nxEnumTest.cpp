@@ -52,6 +52,27 @@ public:
     std::string GetClassName() const override { return "LastEnum"; }
 };
 
+// What another plug-in might register: rows that are not constants, some of them impossible.
+class RivalEnum final : public nxTypedEnum<RivalEnum, 3000200, 3000300>
+{
+public:
+    using nxTypedEnum::_Register;
+    using nxTypedEnum::nxTypedEnum;
+    std::string GetClassName() const override { return "RivalEnum"; }
+
+    static bool Register()
+    {
+        const std::string long65(65, 'R');
+        const ValueTexts rows[] = {{3000201, "SESSION_DAY", "taken by SessionEnum"},
+                                   {3000202, "RIVAL", "Rival"},
+                                   {3000202, "RIVAL", "once more"},
+                                   {3000202, "OTHER", "taken above"},
+                                   {1500000, "NX_ERR_RIVAL", "an error code"},
+                                   {3000203, long65.c_str(), "long"}};
+        return _RegisterAll(rows);
+    }
+};
+
 template <class Enum>
 std::vector<unsigned> Registered()
 {
@@ -221,6 +242,25 @@ TEST(nxEnum, RegistrationRefusesWhatIsTakenOrTooLong)
     EXPECT_EQ(parsed, SessionEnum::DAY);
     EXPECT_TRUE(parsed.SetFromString(sixtyFour));
     EXPECT_EQ(parsed, 3000010u);
+}
+
+TEST(nxEnum, RefusedRowsAreToldOnce)
+{
+    for (int round = 0; round != 2; ++round)
+        EXPECT_TRUE(RivalEnum::Register());
+    EXPECT_FALSE(RivalEnum::_Register(1500000, "NX_ERR_RIVAL", "an error code"));
+    EXPECT_TRUE(RivalEnum::_Register(3000300, "RIVAL_BOUND", "a bound, as the list of values has it"));
+    EXPECT_EQ(Registered<RivalEnum>(), (std::vector<unsigned>{3000202}));
+    EXPECT_EQ(nxErrorEnum(1500000).GetAsString(), "NOT_REGISTERED");
+    std::vector<std::string> told = nxRefusedTexts::Get();
+    std::erase_if(told, [](const std::string& sentence) { return sentence.find("BitMask") != sentence.npos; });
+    EXPECT_EQ(told, (std::vector<std::string>{
+                        "3000201 'SESSION_DAY' is not registered: 3000001 has that identifier",
+                        "3000202 'OTHER' is not registered: the value has the identifier 'RIVAL'",
+                        "1500000 'NX_ERR_RIVAL' is not registered: it lies outside the interval of its class",
+                        "3000203 '" + std::string(65, 'R') +
+                            "' is not registered: the identifier is longer than 64 characters",
+                    }));
 }
 
 // A thousand names that differ in one place, wherever it is: no slot of the table is the first choice of many.

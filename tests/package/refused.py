@@ -20,7 +20,7 @@ import sys
 MARK = re.compile(r"// (accepted|warned|refused): (.+)")
 LOCATION = re.compile(r"([^\s:][^:]*):(\d+):(?:\d+:)?\s+(.*)")
 # GCC says where a template was asked for before it says what is wrong with it, clang afterwards.
-BEFORE = re.compile(r"required (from|by)|[Ii]n (instantiation|substitution)")
+BEFORE = re.compile(r"required (from|by)|[Ii]n (instantiation|substitution|.constexpr. expansion)")
 AFTER = re.compile(r"note: .*(requested here|in expansion of macro|required from here)")
 FLAGS = ["-std=gnu++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wconversion", "-Wno-unused", "-ftemplate-backtrace-limit=0"]
 
