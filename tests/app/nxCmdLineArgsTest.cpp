@@ -275,15 +275,37 @@ Words Texts(const nxCapturingLogDevice& log, const std::string& last)
 
 TEST(nxCmdLineArgs, DumpWritesOneRecordAnEntryAndHidesPasswords)
 {
-    const Args args({"prog", "-user", "jane", "-dbPassword", "hunter2", "-empty", "-x", "a\r\nb\x1b[2J"},
-                    {"QRX_DB_PASSWORD=hunter2", "MY_SECRET_KEY=hunter2", "api_token=hunter2", "LAST=1"});
+    const Args args({"prog", "-user", "jane", "-dbPassword", "hunter2", "-empty", "-x", "a\r\nb\x1b[2J",
+                     "-password=hunter2", "--pass=hunter2", "-level=5", "-token", "-hunter2", "-url=ftp://u:hunter2@h"},
+                    {"QRX_DB_PASSWORD=hunter2", "MY_SECRET_KEY=hunter2", "api_token=hunter2", "LAST=1",
+                     "MYSQL_PWD=hunter2", "API_KEY=hunter2", "PWD=/home", "QRX_PASSIVE_MODE=1",
+                     "DB=two://u@h pg://jane:hun@ter2@h:1/db", "DB_AUTH=hunter2"});
     const nxCapturingLogDevice log;
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_WARNING));
-    EXPECT_EQ(Texts(log, "api_token = ***"),
-              (Words{"Command Line Args:", "dbPassword = ***", "empty = ", "user = jane", "x = a\\x0D\\x0Ab\\x1B[2J",
-                     "Environment Variables:", "LAST = 1", "MY_SECRET_KEY = ***", "QRX_DB_PASSWORD = ***",
-                     "api_token = ***"}));
-    EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING)), 10U);
+    EXPECT_EQ(Texts(log, "api_token = ***"), (Words{"Command Line Args:",
+
+                                                    "-pass = ***",
+                                                    "dbPassword = ***",
+                                                    "empty = ",
+                                                    "*** = ",
+                                                    "level=5 = ",
+                                                    "password = ***",
+                                                    "token = ***",
+                                                    "url=ftp://u:***@h = ",
+                                                    "user = jane",
+                                                    "x = a\\x0D\\x0Ab\\x1B[2J",
+                                                    "Environment Variables:",
+                                                    "API_KEY = ***",
+                                                    "DB = two://u@h pg://jane:***@h:1/db",
+                                                    "DB_AUTH = ***",
+                                                    "LAST = 1",
+                                                    "MYSQL_PWD = ***",
+                                                    "MY_SECRET_KEY = ***",
+                                                    "PWD = /home",
+                                                    "QRX_DB_PASSWORD = ***",
+                                                    "QRX_PASSIVE_MODE = 1",
+                                                    "api_token = ***"}));
+    EXPECT_EQ(log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_WARNING)), 22U);
 }
 
 TEST(nxCmdLineArgs, TellsTheLogWithoutHoldingItsMutex)

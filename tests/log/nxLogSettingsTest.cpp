@@ -8,6 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "core/enum/nxRefusedTexts.h"
+#include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLogManager.h"
+#include "core/log/nxLogSetUp.h"
+#include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxScratchDirectory.h"
+
 namespace
 {
 // The settings of an environment in which only `values` are set.
@@ -35,6 +42,22 @@ TEST(nxLogSettings, HaveDefaults)
     EXPECT_EQ(settings.reservedEntries, 0U);
     EXPECT_TRUE(settings.threadIndex);
     EXPECT_EQ(With({{"QRX_LOG_DIRECTORY", "logs"}}).directory, "logs");
+}
+
+TEST(nxLogSettings, SettingUpTellsOnceWhatCouldNotBeRegistered)
+{
+    const nxScratchDirectory directory;
+    const nxCapturingLogDevice log;
+    nxRefusedTexts::AddOutside(7, "SEVENTH");
+    setenv("QRX_LOG_DIRECTORY", directory.GetPath().c_str(), 1);
+    for (int round = 0; round != 2; ++round)
+        EXPECT_TRUE(nxLogSetUp());
+    nxFileLogDevice::GetInstance().Destroy();
+    unsetenv("QRX_LOG_DIRECTORY");
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(60.0));
+    EXPECT_EQ(
+        log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_ERROR) && nxCapturingLogDevice::Contains("'SEVENTH'")),
+        1U);
 }
 
 TEST(nxLogSettings, TakeTheWordsTheyKnow)
