@@ -15,8 +15,8 @@
 /// What waits or keeps its own books is not touched: timed waits and the system's clock run on, and the log stamps its
 /// records with the true time.
 ///
-/// - Units: steps as any std::chrono duration up to 292 years, to the nanosecond. Moments from the year 1678 to 2261; others become the
-///   first or the last of them.
+/// - Units: steps as any std::chrono duration, rounded to the nanosecond; longer ones than 292 years become that long.
+///   Moments from the year 1678 to 2261; others become the first or the last of them.
 /// - Errors: none.
 /// - Threads: any thread may take stamps meanwhile; one thread at a time steps.
 /// - Ownership: one object at a time. When it is destroyed, the clock goes on with the true time; what an elapsed-time
@@ -49,6 +49,22 @@ public:
         _wall = _Sum(_wall, duration.count());
         _monotonic = _Sum(_monotonic, std::max<long long>(duration.count(), 0));
         _Show();
+    }
+
+    /// The same for every other duration, fractions and units below the nanosecond included. None passes where it is not
+    /// a number.
+    template <class Rep, class Period>
+    void Step(const std::chrono::duration<Rep, Period>& duration)
+    {
+        using Nanoseconds = std::chrono::nanoseconds;
+        const double nanoseconds = std::chrono::duration<double, std::nano>(duration).count();
+        constexpr double limit = 9.2e18;  // 2^63 is not reached by rounding
+        if (nanoseconds >= limit)
+            Step(Nanoseconds::max());
+        else if (nanoseconds <= -limit)
+            Step(Nanoseconds::min());
+        else if (nanoseconds == nanoseconds)
+            Step(std::chrono::round<Nanoseconds>(duration));
     }
 
     /// Sets the time stamps to @p moment, as a person sets a clock: no time passes for elapsed-time counters.

@@ -31,6 +31,13 @@ TEST(nxSteppedClock, TimeStampsMoveByStepsAlone)
         nxTimeStamp seen(0, 0);
         std::thread([&seen] { seen = nxTimeStamp::Now(); }).join();
         EXPECT_EQ(seen, nxTimeStamp(999'999'999, 0));
+        clock.Set(start);
+        clock.Step(std::chrono::duration<double>(-0.25));
+        clock.Step(std::chrono::duration<long long, std::pico>(1'700));
+        clock.Step(std::chrono::duration<double>(std::numeric_limits<double>::quiet_NaN()));
+        EXPECT_EQ(nxTimeStamp::Now(), nxTimeStamp(1'000'000'000, 750'000'001));
+        clock.Step(std::chrono::hours(24 * 366 * 300));
+        EXPECT_EQ(nxTimeStamp::Now().GetSeconds(), 9'223'372'036);
         clock.Set(nxTimeStamp(-1, 5));
         EXPECT_EQ(nxTimeStamp::Now(), nxTimeStamp(-1, 5));
         clock.Set(nxTimeStamp(99'999'999'999, 0));  // the year 5138 is beyond what is counted in nanoseconds
