@@ -25,15 +25,33 @@ never NULL
 fee 12.50 EUR
 noFee NULL
 text "A-1"
-noText NULL'
+noText NULL
+strange "a\"b\n\033[2J"
+wordy "more than fifteen characters"
+unmadePrice <not initialised>
+unmadeTime <not initialised>
+byReference CLOSED | EXPIRING
+maskBase CLOSED | EXPIRING
+enumBase NX_ERR_NOT_FOUND
+undescribed <install libnxcore1-dbgsym>'
+# Texts as another standard library keeps them, and one that could steer the terminal.
+wanted_texts='FIRM
+A_TEXT_OF_MORE_THAN_22_B
+\x1B[2J\xE2\x80\xAE é'
 prints=()
 for name in $(printf '%s\n' "$wanted" | cut -d' ' -f1); do
     prints+=(-ex "echo $name\\040" -ex "output $name" -ex 'echo \n')
 done
+for name in shortText longText; do
+    prints+=(-ex "python print(read_bytes(*std_string(int(gdb.parse_and_eval('&$name')))).decode())")
+done
+prints+=(-ex 'python print(printable("\x1b[2J\u202e \u00e9"))')
+wanted+=$'\n'$wanted_texts
 # Nothing in the program is called, neither by a printer nor by gdb's printf, which puts its texts there: there are
 # machines on which gdb cannot call.
 shown=$(gdb -q -batch -nx -iex 'set auto-load off' -iex 'set may-call-functions off' -ex "source $2" \
-    -ex 'rbreak ^.*Look<.*' -ex run -ex up -ex 'echo values\n' "${prints[@]}" "$1" 2>&1)
+    -ex 'python PRINTERS["(anonymous namespace)::Undescribed"] = DecimalPrinter' \
+    -ex 'break Pause' -ex run -ex 'up 2' -ex 'echo values\n' "${prints[@]}" "$1" 2>&1)
 got=$(printf '%s\n' "$shown" | sed '1,/^values$/d')
 if [ "$got" != "$wanted" ]; then
     diff <(printf '%s\n' "$wanted") <(printf '%s\n' "$got")

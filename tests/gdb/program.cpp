@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "core/enum/nxBoolEnum.h"
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxProductStateBitMask.h"
@@ -12,11 +14,29 @@ namespace
 {
 volatile int stop = 0;
 
+// Short and long texts as libc++ keeps them, and a class that the printer of another one does not fit.
+struct ShortText
+{
+    unsigned char size = 2 * 4;
+    char text[23] = "FIRM";
+} shortText;
+struct LongText
+{
+    unsigned long long capacity = 33, size = 24;
+    const char* text = "A_TEXT_OF_MORE_THAN_22_B";
+} longText;
+struct Undescribed
+{
+    int nothing = 0;
+} undescribed;
+
+void Pause() { stop = 1; }
+
 // Keeps what it is given alive at the breakpoint.
 template <class... Values>
 void Look(const Values&...)
 {
-    stop = 1;
+    Pause();
 }
 }  // namespace
 
@@ -36,8 +56,16 @@ int main()
     const nxTime time(9, 7, 3, 500'000'000), noTime;
     const nxDateTime dateTime(date, nxTime(17, 30, 0)), timeAlone(8, 30, 0), never;
     const nxMoney fee(nxDecimal("12.50", '.'), "EUR"), noFee;
-    const nxStringValue text("A-1"), noText;
+    const nxStringValue text("A-1"), noText, strange("a\"b\n\x1b[2J"), wordy("more than fifteen characters");
+    nxDecimal unmadePrice;
+    nxDateTime unmadeTime;
+    std::memset(static_cast<void*>(&unmadePrice), 0x41, sizeof unmadePrice);
+    std::memset(static_cast<void*>(&unmadeTime), 0x41, sizeof unmadeTime);
+    const nxProductStateBitMask& byReference = state;
+    const nxBitMask& maskBase = state;
+    const nxEnum& enumBase = error;
     Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio, date, noDate,
-         time, noTime, dateTime, timeAlone, never, fee, noFee, text, noText);
+         time, noTime, dateTime, timeAlone, never, fee, noFee, text, noText, strange, wordy, unmadePrice, unmadeTime,
+         byReference, maskBase, enumBase, shortText, longText, undescribed);
     return 0;
 }

@@ -4,7 +4,8 @@ gdb loads this file by itself when the library was installed under its own prefi
 Everything is read from memory and no function of the program is called, so core dumps show the same.
 
 Enumerations and masks need the library's debug symbols, or a program compiled with -femit-class-debug-always (g++) or
--fno-limit-debug-info (clang++): compilers describe classes with virtual operations only inside the library otherwise.
+-fno-limit-debug-info (clang++): compilers describe classes with virtual operations only inside the library otherwise. What
+cannot be shown without them says so; of some values gdb itself says "<incomplete type>".
 """
 
 import time
@@ -18,28 +19,50 @@ NULL_TEXTS = {"unsigned int": (0xFFFFFFFF, 0xFFFFFFFE), "int": (0x7FFFFFFF, 0x7F
               "unsigned long": (0xFFFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFE)}
 
 
-def std_string(value):
-    """The bytes of a std::string, read from memory."""
-    size = int(value["_M_string_length"])
-    return value["_M_dataplus"]["_M_p"].string(length=size, errors="backslashreplace")
+NOT_INITIALISED = "<not initialised>"
+NO_SYMBOLS = "<install libnxcore1-dbgsym>"
+
+
+def read_bytes(address, size):
+    """Bytes of the program."""
+    return gdb.selected_inferior().read_memory(address, size).tobytes()
 
 
 def read_word(address, size=8):
     """An unsigned number at an address of the program."""
-    return int.from_bytes(gdb.selected_inferior().read_memory(address, size).tobytes(), "little")
+    return int.from_bytes(read_bytes(address, size), "little")
+
+
+def std_string(address):
+    """Where the bytes of a std::string are, and how many.
+
+    libstdc++ begins with a pointer and the size; a short text stands behind them. libc++ begins with a byte that holds
+    twice the size of a short text, which follows; of a long one with its odd capacity, the size and a pointer.
+    """
+    first, second = read_word(address), read_word(address + 8)
+    if first == address + 16 or (first % 2 == 0 and first < 1 << 56 and second > 15):
+        return first, second
+    if first % 2:
+        return read_word(address + 16), second
+    return address + 1, first % 256 // 2
+
+
+def printable(text):
+    """Text that cannot steer a terminal."""
+    return "".join(c if c.isprintable() else "".join("\\x%02X" % byte for byte in c.encode()) for c in text)
 
 
 def enum_identifier(number):
     """The registered short description; else the name of the constant; else the number."""
     try:
         # nxEnumTable: a pointer to pages; a page begins with a pointer to the texts of each value; texts begin with a
-        # std::string, that is, with address and size.
+        # std::string.
         pages = int(gdb.parse_and_eval("(unsigned long)_ZN11nxEnumTable6_pagesE"))
         page = read_word(pages + 8 * (number // ENUM_PAGE))
         texts = read_word(page + 8 * (number % ENUM_PAGE)) if page else 0
         if texts:
-            size = read_word(texts + 8)
-            return gdb.selected_inferior().read_memory(read_word(texts), size).tobytes().decode("utf-8", "backslashreplace")
+            address, size = std_string(texts)
+            return printable(read_bytes(address, min(size, 64)).decode("utf-8", "backslashreplace"))
     except (gdb.error, gdb.MemoryError):
         pass
     try:
@@ -62,6 +85,8 @@ class DecimalPrinter:
             return "NULL"
         if self._format == 0x200:
             return "NO_CHANGE"
+        if not 0 <= self._format <= 255:
+            return NOT_INITIALISED
         digits = str(abs(self._mantissa)).rjust(self._format + 1, "0")
         whole, fraction = digits[:len(digits) - self._format], digits[len(digits) - self._format:]
         return ("-" if self._mantissa < 0 else "") + whole + ("." + fraction if fraction else "")
@@ -84,7 +109,7 @@ class MaskPrinter:
         self._word, self._bits = int(value["_word"]), 8 * value["_word"].type.sizeof
         self._flags = {}
         try:
-            flag_type = gdb.lookup_type(str(value.dynamic_type.strip_typedefs()) + "::Flag")
+            flag_type = gdb.lookup_type(str(value.dynamic_type.strip_typedefs().unqualified()) + "::Flag")
             self._flags = {field.enumval & (2 ** self._bits - 1): field.name.split("::")[-1] for field in flag_type.fields()}
         except gdb.error:
             pass
@@ -98,6 +123,7 @@ class MaskPrinter:
         return " | ".join(self._flags.get(bit, hex(bit)) for bit in bits) or "(no flag)"
 
 
+NANOSECONDS_A_DAY = 86400 * 10 ** 9
 MONTHS = "Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec".split()
 
 
@@ -106,6 +132,8 @@ def time_text(value):
     nanoseconds = int(value["_nanoseconds"])
     if nanoseconds < 0:
         return None
+    if nanoseconds >= NANOSECONDS_A_DAY:
+        return NOT_INITIALISED
     seconds, fraction = divmod(nanoseconds, 10 ** 9)
     text = "%02d:%02d:%02d" % (seconds // 3600, seconds // 60 % 60, seconds % 60)
     for size, unit in ((3, 10 ** 6), (6, 10 ** 3), (9, 1)):
@@ -144,6 +172,8 @@ class DateTimePrinter:
         text, date = time_text(self._value["_time"]), int(self._value["_date"]["_isoDate"])
         if text is None or not date:
             return text or "NULL"
+        if text == NOT_INITIALISED or not 1 <= date // 100 % 100 <= 12:
+            return NOT_INITIALISED
         return "%02d %s %04d %s" % (date % 100, MONTHS[date // 100 % 100 - 1], date // 10000, text)
 
 
@@ -155,7 +185,8 @@ class MoneyPrinter:
 
     def to_string(self):
         amount = DecimalPrinter(self._value["_amount"]).to_string()
-        return amount if amount in ("NULL", "NO_CHANGE") else amount + " " + self._value["_currency"].string()
+        currency = printable(self._value["_currency"].string(errors="backslashreplace"))
+        return amount if amount in ("NULL", "NO_CHANGE", NOT_INITIALISED) else amount + " " + currency
 
 
 class TimeStampPrinter:
@@ -208,14 +239,26 @@ class StringValuePrinter:
     """nxStringValue: its text in quotes, NULL or NO_CHANGE."""
 
     def __init__(self, value):
-        self._value = value
+        status = value["_status"]
+        self._code = int(status["_value"] if status.type.strip_typedefs().code == gdb.TYPE_CODE_STRUCT else status)
+        self._text = value["_text"].address
 
     def to_string(self):
-        status = self._value["_status"]
-        code = int(status["_value"] if status.type.strip_typedefs().code == gdb.TYPE_CODE_STRUCT else status)
-        if code in (242, 243):
-            return "NULL" if code == 242 else "NO_CHANGE"
-        return '"%s"' % std_string(self._value["_text"])
+        if self._code in (242, 243):
+            return "NULL" if self._code == 242 else "NO_CHANGE"
+        if self._code != 241:
+            return NOT_INITIALISED
+        if self._text is None:
+            return "<not in memory>"
+        address, size = std_string(int(self._text))
+        return gdb.Value(address).cast(gdb.lookup_type("char").pointer()).lazy_string(length=size)
+
+
+class NoSymbolsPrinter:
+    """Stands for a value that the debugging information does not describe."""
+
+    def to_string(self):
+        return NO_SYMBOLS
 
 
 PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDoubleValueWrapper": DoubleValueWrapperPrinter,
@@ -224,31 +267,39 @@ PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDou
 BASES = {"nxEnum": EnumPrinter, "nxBitMask": MaskPrinter, "nxBitMask64": MaskPrinter}
 
 
-def derived_printer(type_):
-    """The printer of the base that the type derives from, or None."""
+def base_printer(type_):
+    """The printer of the type or of the base that it derives from, or None."""
     if type_.code != gdb.TYPE_CODE_STRUCT:
         return None
+    if type_.tag in BASES:
+        return BASES[type_.tag]
     for field in type_.fields():
-        if field.is_base_class:
-            base = field.type.strip_typedefs()
-            found = BASES.get(base.tag) or derived_printer(base)
-            if found:
-                return found
+        found = base_printer(field.type.strip_typedefs()) if field.is_base_class else None
+        if found:
+            return found
     return None
+
+
+def find_printer(type_):
+    """The printer of values of a type, or None."""
+    if type_.tag is None:
+        return None
+    if type_.tag.startswith("nxValueWrapper<"):
+        return ValueWrapperPrinter
+    return PRINTERS.get(type_.tag) or base_printer(type_)
 
 
 def lookup(value):
     """gdb asks this for every value that it shows."""
-    type_ = gdb.types.get_basic_type(value.type) if hasattr(gdb, "types") else value.type.strip_typedefs().unqualified()
-    tag = type_.tag
-    if tag is None:
-        return None
-    if tag in PRINTERS:
-        return PRINTERS[tag](value)
-    if tag.startswith("nxValueWrapper<"):
-        return ValueWrapperPrinter(value)
-    printer = derived_printer(type_)
-    return printer(value) if printer else None
+    if value.type.strip_typedefs().code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF):
+        value = value.referenced_value()
+    printer = find_printer(value.type.strip_typedefs().unqualified())
+    try:
+        return printer(value) if printer else None
+    except gdb.MemoryError:
+        raise
+    except gdb.error:
+        return NoSymbolsPrinter()
 
 
 gdb.pretty_printers.append(lookup)
