@@ -6,6 +6,7 @@
 #include <atomic>
 #include <optional>
 #include <sstream>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "core/enum/internal/nxNameTag.h"
@@ -278,6 +279,24 @@ TEST(nxEnum, NamesOfOnePatternSpreadOverTheTable)
             }
             ASSERT_LE(*std::max_element(slots.begin(), slots.end()), 9u) << size << " bytes, differing at " << place;
         }
+}
+
+TEST(nxEnum, NamesWithOneHashAreToldApart)
+{
+    std::unordered_map<std::uint32_t, std::string> seen;
+    std::string name, twin;
+    for (unsigned i = 0; twin.empty(); ++i)
+    {
+        name = "TWIN_" + std::to_string(1'000'000 + i);
+        if (const auto [found, isNew] = seen.try_emplace(nxNameTag::Get(name), name); !isNew)
+            twin = found->second;
+    }
+    ASSERT_TRUE(SessionEnum::_Register(3000020, name, ""));
+    SessionEnum parsed;
+    EXPECT_FALSE(parsed.SetFromString(twin));
+    ASSERT_TRUE(SessionEnum::_Register(3000021, twin, ""));
+    EXPECT_TRUE(parsed.SetFromString(twin) && parsed == 3000021);
+    EXPECT_TRUE(parsed.SetFromString(name) && parsed == 3000020);
 }
 
 TEST(nxEnum, ListsTheRegisteredValuesOfAClassInOrder)
