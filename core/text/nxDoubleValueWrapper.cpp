@@ -12,6 +12,11 @@ nxErrorEnum nxDoubleValueWrapper::SetFromString(const std::string& text)
     return error;
 }
 
+nxErrorEnum nxDoubleValueWrapper::SetFromString(const char* text)
+{
+    return SetFromString(nxStringHelper::GetAsString(text));
+}
+
 std::string nxDoubleValueWrapper::GetAsString() const
 {
     return IsValid() ? nxStringHelper::GetAsString(_value) : std::string();

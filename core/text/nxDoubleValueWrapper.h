@@ -15,13 +15,16 @@
 #include "core/nxExport.h"
 #include "core/text/nxInitalizers.h"
 
+template <std::integral T, T NullMark, T NoChangeMark>
+class nxValueWrapper;
+
 /// A double that can also be null (no value) or no change (keep what the receiver holds).
 ///
 /// - Two numbers serve as the marks: 4503599627370495 is null, 4503599627370494 is no change. Every other double, NaN
 ///   included, is a value.
 /// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
 ///   to its plain double, marks included, and calculates and compares with that: null plus 1 is a valid number,
-///   one above the mark. Test IsValid() first.
+///   one above the mark, and `if (wrapper)` is true for null. Test IsValid() first.
 /// - Its operations come out the same in a program that is compiled with -Ofast, NaN and the infinities included.
 /// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
 /// - The two tag constructors are crossed over, which callers rely on: nxNoChangeInitalizer makes NULL and
@@ -97,6 +100,8 @@ public:
     /// Reads a number with '.' as decimal separator; see nxStringHelper.
     /// @return NX_ERR_INVALID_PARAMETER when the text is none; the wrapper is then null.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text);
     /// @return the number with up to nine decimals; an empty text for null and no change.
     std::string GetAsString() const;
     /// Appends what GetAsString() returns.
@@ -130,6 +135,19 @@ public:
     friend constexpr std::partial_ordering operator<=>(const nxDoubleValueWrapper& a, Number b)
     {
         return _Compare(a._value, static_cast<double>(b));
+    }
+    /// @copydoc operator==(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
+    template <class T, T NullMark, T NoChangeMark>
+    friend constexpr bool operator==(const nxDoubleValueWrapper& a, const nxValueWrapper<T, NullMark, NoChangeMark>& b)
+    {
+        return a == static_cast<T>(b);
+    }
+    /// @copydoc operator<=>(const nxDoubleValueWrapper&, const nxDoubleValueWrapper&)
+    template <class T, T NullMark, T NoChangeMark>
+    friend constexpr std::partial_ordering operator<=>(const nxDoubleValueWrapper& a,
+                                                       const nxValueWrapper<T, NullMark, NoChangeMark>& b)
+    {
+        return a <=> static_cast<T>(b);
     }
 
 private:

@@ -15,14 +15,29 @@
 #include "core/text/nxInitalizers.h"
 #include "core/text/nxStringHelper.h"
 
+template <std::integral T, T NullMark = std::numeric_limits<T>::max(), T NoChangeMark = NullMark - 1>
+class nxValueWrapper;
+
+/// Whether @p Type is a wrapper of some integer.
+template <class Type>
+inline constexpr bool nxIsValueWrapper = false;
+template <class T, T NullMark, T NoChangeMark>
+inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>> = true;
+
 /// An integer that can also be null (no value) or no change (keep what the receiver holds): volumes, user identifiers,
 /// tick counts, buffer sizes.
 ///
 /// - Two values of T serve as the marks, by default the two largest: `nxValueWrapper<unsigned int>` has 4294967295 for
 ///   null and 4294967294 for no change, `nxValueWrapper<int>` 2147483647 and 2147483646.
-/// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
-///   to its plain T, marks included, and calculates and compares with that. Test IsValid() first.
-/// - Arithmetic with integers is done in T and wraps silently; dividing by zero gives the null mark.
+/// - Nothing but the state operations, GetMax(), GetMin(), the text forms and the conversion from another wrapper looks
+///   at the marks. The wrapper converts to its plain T, marks included, and calculates and compares with that: null
+///   plus 1 is 0, `if (wrapper)` is true for null. Test IsValid() first.
+/// - Construction and assignment from another integer type take a number that T does not hold as null; from T itself
+///   they take it as it is, marks included. What would lose a fraction does not compile.
+/// - Arithmetic is done in the wider of the two types and gives a plain number of it; where both are equally wide, in
+///   the wrapper's (the left one's of two wrappers). It wraps silently; dividing by zero gives the null mark.
+/// - A compound operator is its plain one with an assignment: `v += x` is `v = v + x`. With an operand as wide as T or
+///   narrower it wraps; with a wider one a result that T does not hold makes the wrapper null.
 /// - Unlike nxDoubleValueWrapper's, the tag constructors are straight: nxNullInitalizer makes null.
 /// - Errors: only SetFromString() fails, and leaves null behind.
 /// - Threads: like a T. Ownership: a value of T's size that owns nothing.
@@ -33,16 +48,22 @@
 /// volume.SetNoChange();
 /// volume.GetAsLogString();               // "NO_CHANGE"
 /// @endcode
-/// @tparam T an integer type.
+/// @tparam T an integer type but bool. With one of 8 bits everything but SetFromString() compiles.
 /// @tparam NullMark, NoChangeMark the values of T that stand for null and for no change.
-template <std::integral T, T NullMark = std::numeric_limits<T>::max(), T NoChangeMark = NullMark - 1>
+template <std::integral T, T NullMark, T NoChangeMark>
 class nxValueWrapper
 {
     static_assert(NullMark != NoChangeMark);
-    // Two's complement without overflow: calculated unsigned, and no narrower than the language calculates anyway.
-    using Unsigned = std::common_type_t<std::make_unsigned_t<T>, unsigned>;
     template <class Other>
-    static constexpr bool _IsOperand = std::integral<Other> || std::same_as<Other, nxValueWrapper>;
+    static constexpr bool _IsNumber = std::integral<Other> || (std::is_enum_v<Other> && std::convertible_to<Other, T>);
+    template <class Other>
+    static constexpr bool _IsOperand = _IsNumber<Other> || nxIsValueWrapper<Other>;
+    // Classes that stand for a number which T always holds: no floating one, no wider one.
+    template <class Other>
+    static constexpr bool _StandsForNumber = std::is_class_v<Other>&& requires(const Other& other)
+    {
+        T{other};
+    };
 
 public:
     static constexpr T NullValue = NullMark;          ///< The number that stands for null.
@@ -51,8 +72,24 @@ public:
     constexpr nxValueWrapper() = default;                                              ///< Null.
     constexpr explicit nxValueWrapper(nxNullInitalizer) {}                             ///< Null.
     constexpr explicit nxValueWrapper(nxNoChangeInitalizer) : _value(NoChangeMark) {}  ///< No change.
-    /// Holds the number as given; a mark makes a null or no-change wrapper.
-    constexpr nxValueWrapper(T value) : _value(value) {}
+    /// Holds the number; of another type than T, null when T does not hold it. A mark makes a null or no-change wrapper.
+    template <class Number>
+    requires _IsNumber<Number>
+    constexpr nxValueWrapper(Number number) : _value(_HeldOrNull(_Plain(number))) {}
+    /// Holds the number for which an object of another class stands.
+    template <class Other>
+    requires(_StandsForNumber<Other> && !nxIsValueWrapper<Other>) constexpr explicit nxValueWrapper(const Other& other)
+        : _value{other}
+    {
+    }
+    /// Null, no change or the number of @p other; null when T does not hold that number.
+    template <class U, U Null, U NoChange>
+    constexpr explicit nxValueWrapper(const nxValueWrapper<U, Null, NoChange>& other)
+        : _value(other.IsNull()       ? NullMark
+                 : other.IsNoChange() ? NoChangeMark
+                                      : _HeldOrNull(_Plain(other)))
+    {
+    }
 
     /// A null wrapper.
     static constexpr nxValueWrapper GetNullInstance() { return nxValueWrapper(NullMark); }
@@ -75,10 +112,30 @@ public:
     /// The number as it stands, marks included.
     constexpr operator T() const { return _value; }
 
-    constexpr nxValueWrapper& operator+=(T value) { return *this = *this + value; }  ///< Ignores the state.
-    constexpr nxValueWrapper& operator-=(T value) { return *this = *this - value; }  ///< Ignores the state.
-    constexpr nxValueWrapper& operator*=(T value) { return *this = *this * value; }  ///< Ignores the state.
-    constexpr nxValueWrapper& operator/=(T value) { return *this = *this / value; }  ///< By zero gives null.
+    /// Ignores the state: `v = v + b`.
+    template <class Number>
+    requires(_IsOperand<Number> || _StandsForNumber<Number>) constexpr nxValueWrapper& operator+=(const Number& b)
+    {
+        return *this = *this + b;
+    }
+    /// Ignores the state: `v = v - b`.
+    template <class Number>
+    requires(_IsOperand<Number> || _StandsForNumber<Number>) constexpr nxValueWrapper& operator-=(const Number& b)
+    {
+        return *this = *this - b;
+    }
+    /// Ignores the state: `v = v * b`.
+    template <class Number>
+    requires(_IsOperand<Number> || _StandsForNumber<Number>) constexpr nxValueWrapper& operator*=(const Number& b)
+    {
+        return *this = *this * b;
+    }
+    /// Ignores the state: `v = v / b`; by zero gives null.
+    template <class Number>
+    requires(_IsOperand<Number> || _StandsForNumber<Number>) constexpr nxValueWrapper& operator/=(const Number& b)
+    {
+        return *this = *this / b;
+    }
 
     /// @return the larger of two values; when one is not valid, the other one.
     static constexpr nxValueWrapper GetMax(const nxValueWrapper& a, const nxValueWrapper& b)
@@ -99,6 +156,11 @@ public:
         if (!error.IsOK())
             SetNull();
         return error;
+    }
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text)
+    {
+        return SetFromString(nxStringHelper::GetAsString(text));
     }
     /// @return the number; an empty text for null and no change.
     std::string GetAsString() const { return IsValid() ? nxStringHelper::GetAsString(_value) : std::string(); }
@@ -128,84 +190,152 @@ public:
     friend constexpr bool operator==(const nxValueWrapper&, const nxValueWrapper&) = default;
     /// Orders the numbers themselves, marks included: null is the largest by default, no change the one below.
     friend constexpr auto operator<=>(const nxValueWrapper&, const nxValueWrapper&) = default;
-    /// Compares the numbers themselves, whatever their types: an unsigned wrapper is never equal to -1.
-    template <std::integral Number>
+    /// Compares the numbers themselves, whatever their types, marks included: an unsigned wrapper is never equal to -1.
+    template <class Number>
+    requires _IsOperand<Number>
     friend constexpr bool operator==(const nxValueWrapper& a, Number b)
     {
-        return std::cmp_equal(+a._value, +b);
+        return std::cmp_equal(+a._value, +_Plain(b));
     }
-    /// Orders the numbers themselves, whatever their types.
-    template <std::integral Number>
+    /// Orders the numbers themselves, whatever their types, marks included.
+    template <class Number>
+    requires _IsOperand<Number>
     friend constexpr std::strong_ordering operator<=>(const nxValueWrapper& a, Number b)
     {
-        if (std::cmp_less(+a._value, +b))
-            return std::strong_ordering::less;
-        return std::cmp_equal(+a._value, +b) ? std::strong_ordering::equal : std::strong_ordering::greater;
+        if (a == b)
+            return std::strong_ordering::equal;
+        return std::cmp_less(+a._value, +_Plain(b)) ? std::strong_ordering::less : std::strong_ordering::greater;
+    }
+    /// Compares exactly: no integer is equal to 0.5, and one of 64 bits is not rounded to the double beside it.
+    template <std::floating_point Number>
+    friend constexpr bool operator==(const nxValueWrapper& a, Number b)
+    {
+        return (a <=> b) == 0;
+    }
+    /// Orders exactly; unordered for NaN.
+    template <std::floating_point Number>
+    friend constexpr std::partial_ordering operator<=>(const nxValueWrapper& a, Number b)
+    {
+        return _Order<std::common_type_t<Number, double>>(a._value, b);
     }
 
-    /// Calculates in T and wraps silently.
-    template <class Other>
-    requires _IsOperand<Other>
-    friend constexpr T operator+(const nxValueWrapper& a, Other b)
+    /// Calculates in the wider type, see the class; wraps silently.
+    template <class Number>
+    requires _IsOperand<Number>
+    friend constexpr auto operator+(const nxValueWrapper& a, Number b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) + static_cast<Unsigned>(static_cast<T>(b)));
+        using Result = _Wider<decltype(_Plain(b))>;
+        return static_cast<Result>(_Unsigned<Result>(a._value) + _Unsigned<Result>(_Plain(b)));
     }
-    /// @copydoc operator+(const nxValueWrapper&, Other)
-    template <class Other>
-    requires _IsOperand<Other>
-    friend constexpr T operator-(const nxValueWrapper& a, Other b)
+    /// @copydoc operator+(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsOperand<Number>
+    friend constexpr auto operator-(const nxValueWrapper& a, Number b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) - static_cast<Unsigned>(static_cast<T>(b)));
+        using Result = _Wider<decltype(_Plain(b))>;
+        return static_cast<Result>(_Unsigned<Result>(a._value) - _Unsigned<Result>(_Plain(b)));
     }
-    /// @copydoc operator+(const nxValueWrapper&, Other)
-    template <class Other>
-    requires _IsOperand<Other>
-    friend constexpr T operator*(const nxValueWrapper& a, Other b)
+    /// @copydoc operator+(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsOperand<Number>
+    friend constexpr auto operator*(const nxValueWrapper& a, Number b)
     {
-        return static_cast<T>(static_cast<Unsigned>(a._value) * static_cast<Unsigned>(static_cast<T>(b)));
+        using Result = _Wider<decltype(_Plain(b))>;
+        return static_cast<Result>(_Unsigned<Result>(a._value) * _Unsigned<Result>(_Plain(b)));
     }
-    /// Calculates in T; the quotient is cut toward zero, and by zero it is the null mark.
-    template <class Other>
-    requires _IsOperand<Other>
-    friend constexpr T operator/(const nxValueWrapper& a, Other b)
+    /// Calculates in the wider type, see the class; the quotient is cut toward zero, and by zero it is the null mark.
+    template <class Number>
+    requires _IsOperand<Number>
+    friend constexpr auto operator/(const nxValueWrapper& a, Number b)
     {
-        const T divisor = static_cast<T>(b);
-        if (divisor == 0)
-            return NullMark;
-        if constexpr (std::is_signed_v<T>)
-        {
-            // The most negative number has no positive counterpart: it wraps to itself.
-            if (divisor == -1)
-                return static_cast<T>(0 - static_cast<Unsigned>(a._value));
-        }
-        return static_cast<T>(a._value / divisor);
+        using Result = _Wider<decltype(_Plain(b))>;
+        return _Quotient(static_cast<Result>(a._value), static_cast<Result>(_Plain(b)));
     }
-    /// @copydoc operator+(const nxValueWrapper&, Other)
-    template <std::integral Number>
-    friend constexpr T operator+(Number a, const nxValueWrapper& b)
+    /// @copydoc operator+(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsNumber<Number>
+    friend constexpr auto operator+(Number a, const nxValueWrapper& b) { return b + a; }
+    /// @copydoc operator+(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsNumber<Number>
+    friend constexpr auto operator-(Number a, const nxValueWrapper& b)
     {
-        return nxValueWrapper(static_cast<T>(a)) + b;
+        using Result = _Wider<decltype(_Plain(a))>;
+        return static_cast<Result>(_Unsigned<Result>(_Plain(a)) - _Unsigned<Result>(b._value));
     }
-    /// @copydoc operator+(const nxValueWrapper&, Other)
-    template <std::integral Number>
-    friend constexpr T operator-(Number a, const nxValueWrapper& b)
+    /// @copydoc operator+(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsNumber<Number>
+    friend constexpr auto operator*(Number a, const nxValueWrapper& b) { return b * a; }
+    /// @copydoc operator/(const nxValueWrapper&, Number)
+    template <class Number>
+    requires _IsNumber<Number>
+    friend constexpr auto operator/(Number a, const nxValueWrapper& b)
     {
-        return nxValueWrapper(static_cast<T>(a)) - b;
-    }
-    /// @copydoc operator+(const nxValueWrapper&, Other)
-    template <std::integral Number>
-    friend constexpr T operator*(Number a, const nxValueWrapper& b)
-    {
-        return nxValueWrapper(static_cast<T>(a)) * b;
-    }
-    /// @copydoc operator/(const nxValueWrapper&, Other)
-    template <std::integral Number>
-    friend constexpr T operator/(Number a, const nxValueWrapper& b)
-    {
-        return nxValueWrapper(static_cast<T>(a)) / b;
+        using Result = _Wider<decltype(_Plain(a))>;
+        return _Quotient(static_cast<Result>(_Plain(a)), static_cast<Result>(b._value));
     }
 
 private:
+    template <class Number>
+    using _Wider = std::conditional_t<(sizeof(Number) > sizeof(T)), Number, T>;
+
+    // The integer in an operand.
+    template <class Number>
+    static constexpr auto _Plain(Number number)
+    {
+        if constexpr (nxIsValueWrapper<Number>)
+            return static_cast<std::remove_const_t<decltype(Number::NullValue)>>(number);
+        else if constexpr (std::is_enum_v<Number>)
+            return static_cast<std::underlying_type_t<Number>>(number);
+        else
+            return number;
+    }
+
+    // Two's complement without overflow: calculated unsigned, and no narrower than the language calculates anyway.
+    template <class Result, class Number>
+    static constexpr auto _Unsigned(Number number)
+    {
+        return static_cast<std::common_type_t<std::make_unsigned_t<Result>, unsigned>>(number);
+    }
+
+    template <class Result>
+    static constexpr Result _Quotient(Result a, Result b)
+    {
+        if (b == 0)
+            return static_cast<Result>(NullMark);
+        if constexpr (std::is_signed_v<Result>)
+        {
+            // The most negative number has no positive counterpart: it wraps to itself.
+            if (b == -1)
+                return static_cast<Result>(0 - _Unsigned<Result>(a));
+        }
+        return static_cast<Result>(a / b);
+    }
+
+    template <class Number>
+    static constexpr T _HeldOrNull(Number number)
+    {
+        const auto promoted = +number;
+        const T held = static_cast<T>(promoted);
+        const bool isHeld = static_cast<decltype(+number)>(held) == promoted && (held < T{}) == (promoted < Number{});
+        return isHeld ? held : NullMark;
+    }
+
+    template <class Real>
+    static constexpr std::partial_ordering _Order(T a, Real b)
+    {
+        const std::partial_ordering order = static_cast<Real>(a) <=> b;
+        if constexpr (std::numeric_limits<T>::digits > std::numeric_limits<Real>::digits)
+        {
+            // Large neighbours become the same double, an integer, which decides.
+            constexpr Real end = static_cast<Real>(T{1} << (std::numeric_limits<T>::digits - 1)) * 2;
+            if (order == 0)
+                return b < end ? a <=> static_cast<T>(b) : std::strong_ordering::less;
+        }
+        return order;
+    }
+
     T _value = NullMark;
 };
 
