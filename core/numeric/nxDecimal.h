@@ -98,6 +98,12 @@ public:
     nxDecimal(long long numerator, long long denominator, unsigned char places);
     /// The number that @p text spells, see SetFromString(); null when it spells none.
     nxDecimal(const std::string& text, char separator);
+    /// The same; a null pointer is an empty text. No parameter of type `const char*`: a 0 is a number.
+    template <std::convertible_to<const char*> Text>
+    nxDecimal(Text text, char separator) : nxDecimal(nxNullInitalizer{})
+    {
+        static_cast<void>(SetFromString(text, separator));
+    }
 
     /// The number @p mantissa / 10^places: (5, 2) is 0.05.
     static constexpr nxDecimal ConstructFromValueAndDecimalPlaces(long long mantissa, unsigned char places)
@@ -429,6 +435,16 @@ public:
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator)
     {
         return SetFromStringView(text, separator);
+    }
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text, char separator)
+    {
+        return SetFromStringView(text, separator);
+    }
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromStringView(const char* text, char separator)
+    {
+        return SetFromStringView(text != nullptr ? std::string_view(text) : std::string_view(), separator);
     }
     /// The same for a text that need not be terminated.
     [[nodiscard]] nxErrorEnum SetFromStringView(std::string_view text, char separator)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
+#include "core/text/nxStringHelper.h"
+
 nxMoney::nxMoney(const nxDecimal& amount, std::string_view currency) : _amount(amount)
 {
     if (!amount.IsValid())
@@ -13,6 +15,11 @@ nxMoney::nxMoney(const nxDecimal& amount, std::string_view currency) : _amount(a
         currency.copy(_currency, _currencySize);
     else
         _amount.SetNull();
+}
+
+nxMoney::nxMoney(const nxDecimal& amount, const char* currency)
+    : nxMoney(amount, currency != nullptr ? std::string_view(currency) : std::string_view())
+{
 }
 
 nxErrorEnum nxMoney::SetFromString(const std::string& text, char separator)
@@ -28,6 +35,11 @@ nxErrorEnum nxMoney::SetFromString(const std::string& text, char separator)
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     *this = money;
     return nxErrorEnum();
+}
+
+nxErrorEnum nxMoney::SetFromString(const char* text, char separator)
+{
+    return SetFromString(nxStringHelper::GetAsString(text), separator);
 }
 
 void nxMoney::AppendAsString(std::string& out, char separator) const

@@ -31,6 +31,8 @@ public:
     /// @p amount of @p currency; null when @p currency is not three capital letters. An amount that is not valid makes
     /// null or no change, whatever the currency.
     nxMoney(const nxDecimal& amount, std::string_view currency);
+    /// The same; a null pointer is an empty text.
+    nxMoney(const nxDecimal& amount, const char* currency);
 
     bool IsNull() const { return _amount.IsNull(); }                 ///< There is no amount.
     bool IsNoChange() const { return _amount.IsNoChange(); }         ///< The receiver keeps its money.
@@ -46,6 +48,8 @@ public:
     /// Reads an amount as nxDecimal does, one blank, and three capital letters: "-1234.50 USD".
     /// @return NX_ERR_INVALID_PARAMETER for any other text; the money is then unchanged.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text, char separator);
 
     /// @return the amount with all its decimals (twelve at most), a blank and the currency: "-1234.50 USD"; an empty
     ///         text unless valid.

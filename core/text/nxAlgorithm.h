@@ -33,6 +33,11 @@ public:
     /// Reads one byte: one or two hexadecimal digits of either case, alone or after "0x". "0X" is no prefix.
     /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
     [[nodiscard]] static nxErrorEnum SetFromHex(const std::string_view& text, unsigned char& value);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] static nxErrorEnum SetFromHex(const char* text, unsigned char& value)
+    {
+        return SetFromHex(text != nullptr ? std::string_view(text) : std::string_view(), value);
+    }
 
     /// Appends two digits.
     static void AppendAsHex(const unsigned char& byte, std::string& out);

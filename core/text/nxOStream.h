@@ -7,6 +7,12 @@
 
 #include "core/text/nxDigits.h"
 
+/// The types that hold a character; `signed char` and `unsigned char` hold small numbers.
+template <class Type>
+inline constexpr bool nxIsCharacter =
+    std::same_as<Type, char> || std::same_as<Type, wchar_t> || std::same_as<Type, char8_t> ||
+    std::same_as<Type, char16_t> || std::same_as<Type, char32_t>;
+
 /// A text stream without locale, formatting flags or virtual calls: it hands the bytes of each piece to its writer.
 ///
 /// - @p Writer is a type with `void Write(const char* bytes, std::size_t count)`, for example
@@ -37,17 +43,24 @@ public:
         return *this;
     }
 
-    /// Writes the character itself.
-    nxOStream& operator<<(char character) { return Write(&character, 1); }
+    /// Writes the character itself. A template, so that nothing is converted to a character: what has no operator here
+    /// (a bool, a double, a wrapper, a constant) does not compile.
+    template <std::same_as<char> Character>
+    nxOStream& operator<<(Character character)
+    {
+        return Write(&character, 1);
+    }
     /// Writes the text as it is, NULs included.
     nxOStream& operator<<(std::string_view text) { return Write(text.data(), text.size()); }
     /// Writes the text up to its NUL; null writes nothing.
     nxOStream& operator<<(const char* text) { return text == nullptr ? *this : *this << std::string_view(text); }
 
-    /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool: say what you mean.
+    /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool and for the wide
+    /// characters: say what you mean.
     template <std::integral Integer>
-    requires(!std::same_as<Integer, bool> && sizeof(Integer) <= sizeof(std::uint64_t)) nxOStream& operator<<(
-        Integer number)
+    requires(!nxIsCharacter<Integer> && !std::same_as<Integer, bool> &&
+             sizeof(Integer) <= sizeof(std::uint64_t)) nxOStream&
+    operator<<(Integer number)
     {
         char digits[nxDigits::MaxDigits];
         char* end;

@@ -12,6 +12,7 @@
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/text/internal/nxPriceText.h"
+#include "core/text/nxDoubleValueWrapper.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
@@ -239,6 +240,10 @@ std::string nxStringHelper::GetAsString(const nxDateTime& value) { return value.
 void nxStringHelper::AppendAsString(std::string& out, const nxEnum& value) { out.append(value.GetShortDescription()); }
 
 std::string nxStringHelper::GetAsString(const nxEnum& value) { return value.GetShortDescription(); }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxDoubleValueWrapper& value) { value.AppendAsString(out); }
+
+std::string nxStringHelper::GetAsString(const nxDoubleValueWrapper& value) { return value.GetAsString(); }
 
 void nxStringHelper::PadLeft(std::string& s, const unsigned int& width, const char& fill)
 {

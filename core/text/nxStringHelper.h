@@ -1,6 +1,7 @@
 #ifndef CORE_TEXT_NXSTRINGHELPER_H
 #define CORE_TEXT_NXSTRINGHELPER_H
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,18 +15,29 @@ class nxCaseSensitivityEnum;
 class nxDate;
 class nxDateTime;
 class nxDecimal;
+class nxDoubleValueWrapper;
 class nxMoney;
 class nxTime;
+template <std::integral T, T NullMark, T NoChangeMark>
+class nxValueWrapper;
+
+/// Pointers, pointers to members, and what stands for a pointer as a lambda does: the language turns them into a bool.
+template <class Type>
+concept nxPointer = std::is_member_pointer_v<Type> || requires(const Type& value)
+{
+    requires std::is_pointer_v<decltype(+value)>;
+};
 
 /// Converts between text and the library's value types, and edits strings in place: the library's one set of rules for
 /// numeric text, used for configuration, command lines, files and log lines alike.
 ///
 /// - Static operations only; no instances, no state. No operation consults a locale: letters are the 26 of ASCII,
 ///   other bytes are left alone and belong to no class.
-/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched (a `bool` is set
-///   to false). Nothing throws but the allocation of a string.
-/// - Reading is strict: no blanks are skipped, a '+' is accepted before a decimal or an amount of money and nowhere else,
-///   and the whole text must be used.
+/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched, but for a `bool`,
+///   which is set to false, and an enumeration, which becomes undefined when the text belongs to another class.
+///   Nothing throws but the allocation of a string; a null `const char*` is read as an empty text.
+/// - Reading is strict: no blanks are skipped, a '+' is accepted for decimals and money only, and the whole text must
+///   be used.
 /// - Reading an integer does NOT check the range: a number too large for the target wraps modulo 2 to the number of
 ///   its bits ("70000" into an `unsigned short` gives 4464). A caller that cares reads into a wider type and compares.
 /// - Threads: any thread, on strings of its own.
@@ -116,10 +128,31 @@ public:
     ///         to another class (@p value is then undefined, as nxEnum's own setter leaves it).
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxEnum& value);
 
+    /// Copies the text; always succeeds.
+    static nxErrorEnum SetFromString(const char* text, std::string& value)
+    {
+        return SetFromString(GetAsString(text), value);
+    }
+    /// Reads any of the types above; a null pointer is an empty text.
+    template <class Value, std::same_as<char>... Separator>
+    requires requires(const std::string& text, Value& value, Separator... separator)
+    {
+        nxStringHelper::SetFromString(text, value, separator...);
+    }
+    [[nodiscard]] static nxErrorEnum SetFromString(const char* text, Value& value, Separator... separator)
+    {
+        return SetFromString(GetAsString(text), value, separator...);
+    }
+
     /// Reads digits from a text that need not be terminated; otherwise as SetFromString() into an `unsigned int`.
     [[nodiscard]] static nxErrorEnum SetFromStringView(const std::string_view& text, unsigned int& value)
     {
         return _ReadInteger(text, value);
+    }
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] static nxErrorEnum SetFromStringView(const char* text, unsigned int& value)
+    {
+        return _ReadInteger(text != nullptr ? std::string_view(text) : std::string_view(), value);
     }
 
     // ---------------------------------------------------------------- value to text
@@ -171,6 +204,18 @@ public:
     static void AppendAsString(std::string& out, const nxDateTime& value);
     /// Appends the short description.
     static void AppendAsString(std::string& out, const nxEnum& value);
+    /// Appends the number, nothing for null and no change.
+    static void AppendAsString(std::string& out, const nxDoubleValueWrapper& value);
+    /// Appends the number, nothing for null and no change.
+    template <class T, T NullMark, T NoChangeMark>
+    static void AppendAsString(std::string& out, const nxValueWrapper<T, NullMark, NoChangeMark>& value)
+    {
+        value.AppendAsString(out);
+    }
+    /// A pointer other than to `char` is no text, and no bool either.
+    template <nxPointer Pointer>
+    requires(!std::convertible_to<Pointer, const char*>) static void AppendAsString(std::string& out,
+                                                                                    Pointer value) = delete;
 
     /// @return the character's NUMBER in decimal: 'A' gives "65", byte 0xFF gives "-1".
     static std::string GetAsString(char value) { return _GetInteger(static_cast<signed char>(value)); }
@@ -214,6 +259,17 @@ public:
     static std::string GetAsString(const nxDateTime& value);
     /// @return the short description.
     static std::string GetAsString(const nxEnum& value);
+    /// @return the number, empty for null and no change.
+    static std::string GetAsString(const nxDoubleValueWrapper& value);
+    /// @return the number, empty for null and no change.
+    template <class T, T NullMark, T NoChangeMark>
+    static std::string GetAsString(const nxValueWrapper<T, NullMark, NoChangeMark>& value)
+    {
+        return value.GetAsString();
+    }
+    /// A pointer other than to `char` is no text, and no bool either.
+    template <nxPointer Pointer>
+    requires(!std::convertible_to<Pointer, const char*>) static std::string GetAsString(Pointer value) = delete;
 
     // ---------------------------------------------------------------- editing and queries
 

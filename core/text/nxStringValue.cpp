@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "core/text/nxStringHelper.h"
+
 const nxStringValue& nxStringValue::GetNullInstance()
 {
     // Never destroyed: destructors of other objects may still ask for it.
@@ -33,6 +35,8 @@ nxErrorEnum nxStringValue::SetFromString(const std::string& text)
     _status = NX_VALUE_STATUS_VALID;
     return nxErrorEnum();
 }
+
+nxErrorEnum nxStringValue::SetFromString(const char* text) { return SetFromString(nxStringHelper::GetAsString(text)); }
 
 void nxStringValue::AppendAsString(std::string& out) const { out.append(_text); }
 

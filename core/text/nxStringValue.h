@@ -46,6 +46,8 @@ public:
 
     /// Takes the text as the value; always succeeds.
     nxErrorEnum SetFromString(const std::string& text);
+    /// Takes the text as the value, an empty one for a null pointer; always succeeds.
+    nxErrorEnum SetFromString(const char* text);
 
     /// Appends the text when there is a value, else nothing.
     void AppendAsString(std::string& out) const;

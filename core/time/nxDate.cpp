@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "core/text/nxDigits.h"
+#include "core/text/nxStringHelper.h"
 
 nxDate nxDate::GetFromDayNumber(long long dayNumber)
 {
@@ -44,6 +45,8 @@ nxErrorEnum nxDate::SetFromString(const std::string& text)
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     return SetFromISODate(static_cast<unsigned>(isoDate));
 }
+
+nxErrorEnum nxDate::SetFromString(const char* text) { return SetFromString(nxStringHelper::GetAsString(text)); }
 
 void nxDate::AppendAsString(std::string& out) const
 {

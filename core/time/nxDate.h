@@ -65,6 +65,8 @@ public:
     /// Reads exactly eight digits, yyyymmdd: no sign, no blanks.
     /// @return NX_ERR_INVALID_PARAMETER for any other text and for an impossible day; the date is then unchanged.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text);
 
     /// @return the eight digits yyyymmdd; an empty text for null.
     std::string GetAsString() const;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/text/nxDigits.h"
+#include "core/text/nxStringHelper.h"
 
 namespace
 {
@@ -65,6 +66,8 @@ nxErrorEnum nxTime::SetFromString(const std::string& text)
     *this = time;
     return nxErrorEnum();
 }
+
+nxErrorEnum nxTime::SetFromString(const char* text) { return SetFromString(nxStringHelper::GetAsString(text)); }
 
 void nxTime::AppendAsString(std::string& out) const
 {

@@ -64,6 +64,8 @@ public:
     /// blanks.
     /// @return NX_ERR_INVALID_PARAMETER for any other text and for an impossible time; the time is then unchanged.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text);
 
     /// @return "HH:MM:SS", followed by "." and three, six or nine digits where the time has a fraction; an empty text
     ///         for null. SetFromString() reads it back without loss.

@@ -20,6 +20,10 @@
 #include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxMoney.h"
+#include "core/text/nxAlgorithm.h"
+#include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxStringValue.h"
+#include "core/text/nxValueWrapper.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxTime.h"
@@ -238,6 +242,8 @@ TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
     EXPECT_TRUE(std::isinf(value));
     EXPECT_EQ(nxStringHelper::SetFromString(std::string("9.").append(400, '9'), value, '.'), ok);
     EXPECT_TRUE(std::isnan(value));
+    EXPECT_EQ(nxStringHelper::SetFromString(std::string(400, '0').append("5"), value, '.'), ok);
+    EXPECT_EQ(value, 5);
     EXPECT_EQ(nxStringHelper::SetFromString("-0", value, '.'), ok);
     EXPECT_TRUE(value == 0 && std::signbit(value));
 }
@@ -334,6 +340,9 @@ TEST(nxStringHelper, PrintsEveryType)
     EXPECT_EQ(Printed(nxTime(9, 7, 3)), "09:07:03");
     EXPECT_EQ(Printed(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), "05 Mar 2024 09:07:03");
     EXPECT_EQ(Printed(nxBoolEnum(NX_BOOL_TRUE)), "TRUE");
+    EXPECT_EQ(Printed(nxValueWrapper<unsigned>(7U)) + Printed(nxDoubleValueWrapper(0.5)), "70.5");
+    EXPECT_EQ(Printed(nxValueWrapper<int>()) + Printed(nxDoubleValueWrapper()), "");
+    EXPECT_EQ(nxStringHelper::GetAsString(std::vector<bool>{true}[0]), "TRUE");
     std::string roomy = ">";
     roomy.reserve(100);
     nxStringHelper::AppendAsString(roomy, LLONG_MIN);
@@ -363,6 +372,36 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     std::string text = "old";
     EXPECT_EQ(nxStringHelper::SetFromString("new", text), ok);
     EXPECT_EQ(text, "new");
+}
+
+TEST(nxStringHelper, NoTextIsReadAsAnEmptyOne)
+{
+    const char* const none = nullptr;
+    const auto check = [none](auto value, auto... separator)
+    {
+        EXPECT_EQ(nxStringHelper::SetFromString(none, value, separator...), invalid);
+        if constexpr (std::is_class_v<decltype(value)>)
+        {
+            EXPECT_EQ(value.SetFromString(none, separator...), invalid);
+        }
+    };
+    check(7U);
+    check(true);
+    check(2.5, '.');
+    check(nxDecimal(7, 0), '.');
+    check(nxMoney(nxDecimal(7, 0), "USD"), '.');
+    check(nxDate(2024, 2, 29));
+    check(nxTime(1, 2, 3));
+    std::string text = "old";
+    EXPECT_EQ(nxStringHelper::SetFromString(none, text), ok);
+    EXPECT_EQ(text, "");
+    unsigned number = 7;
+    unsigned char byte = 7;
+    EXPECT_EQ(nxStringHelper::SetFromStringView(none, number), invalid);
+    EXPECT_EQ(nxAlgorithm::SetFromHex(none, byte), invalid);
+    EXPECT_TRUE(nxDecimal(none, '.').IsNull());
+    EXPECT_TRUE(nxMoney(nxDecimal(7, 0), none).IsNull());
+    EXPECT_EQ(nxStringValue().SetFromString(none), ok);
 }
 
 TEST(nxStringHelper, PadsButNeverCuts)

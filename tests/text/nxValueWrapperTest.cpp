@@ -138,6 +138,7 @@ TEST(nxDoubleValueWrapper, ReadsTextOrBecomesNull)
     EXPECT_EQ(static_cast<double>(value), 2.5);
     EXPECT_EQ(value.SetFromString("abc"), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
     EXPECT_TRUE(value.IsNull());
+    EXPECT_FALSE(value.SetFromString(static_cast<const char*>(nullptr)).IsOK());
     EXPECT_EQ(value.SetFromString("4503599627370494"), nxErrorEnum());
     EXPECT_TRUE(value.IsNoChange());
 }
@@ -206,8 +207,40 @@ TEST(nxValueWrapper, CalculatesInItsTypeAndWraps)
     value += 1;
     EXPECT_EQ(static_cast<unsigned>(value), 0U);  // the state is not looked at
     nxValueWrapper<unsigned short> narrow(40000);
-    narrow *= 40000;
+    narrow *= static_cast<unsigned short>(40000);
     EXPECT_EQ(static_cast<unsigned short>(narrow), static_cast<unsigned short>(40000U * 40000U));
+}
+
+TEST(nxValueWrapper, CalculatesInTheWiderType)
+{
+    EXPECT_EQ(Unsigned(300) * 5'000'000'000LL, 1'500'000'000'000LL);
+    EXPECT_EQ(5'000'000'000LL * Unsigned(300), 1'500'000'000'000LL);
+    EXPECT_EQ(Unsigned(300) - 500LL, -200);
+    EXPECT_EQ(LLONG_MIN / Signed(-1), LLONG_MIN);
+    EXPECT_EQ(5LL / Signed(0), Signed::NullValue);
+    EXPECT_EQ(Unsigned(300) + nxValueWrapper<long long>(-301), -1);
+    EXPECT_EQ((Signed(INT_MAX) + nxValueWrapper<int, -1, -2>(1)), INT_MIN);
+    EXPECT_TRUE((std::is_same_v<decltype(Unsigned() + 1), unsigned>));
+    EXPECT_EQ(1.5 * Unsigned(300), 450.0);
+}
+
+TEST(nxValueWrapper, WhatItDoesNotHoldIsNull)
+{
+    Unsigned value(10);
+    value += 4294967301LL;  // a plain unsigned would be 15
+    EXPECT_TRUE(value.IsNull());
+    value = 300;
+    value -= 500LL;
+    EXPECT_TRUE(value.IsNull());
+    EXPECT_EQ(Unsigned(5'000'000'000ULL), Unsigned());
+    EXPECT_EQ(Unsigned(-2), Unsigned());
+    EXPECT_EQ(Signed(3'000'000'000U), Signed());
+    EXPECT_TRUE(Unsigned(4294967294LL).IsNoChange());
+    using Wide = nxValueWrapper<unsigned long long>;
+    EXPECT_TRUE(Wide(Unsigned()).IsNull());
+    EXPECT_TRUE(Unsigned(Wide::GetNoChangeInstance()).IsNoChange());
+    EXPECT_TRUE(Unsigned(Wide(5'000'000'000ULL)).IsNull());
+    EXPECT_EQ(Unsigned(Wide(7)), 7);
 }
 
 TEST(nxValueWrapper, ComparesExactly)
@@ -219,6 +252,13 @@ TEST(nxValueWrapper, ComparesExactly)
     EXPECT_TRUE(-1 < Unsigned(0));
     EXPECT_TRUE(Signed(-1) < 0U);
     EXPECT_TRUE(Signed(2) >= Signed(2));
+    EXPECT_FALSE(Unsigned() == Signed(-1));
+    EXPECT_FALSE(Unsigned(1) < Signed(-1));
+    EXPECT_TRUE(0.5 < Unsigned(1) && Unsigned(1) <= 1.0F && Unsigned(1) != std::nan(""));
+    constexpr double limit = 9223372036854775808.0;  // the double beside the largest long long
+    EXPECT_TRUE(nxValueWrapper<long long>(LLONG_MAX) < limit && nxValueWrapper<long long>(LLONG_MIN) == -limit);
+    EXPECT_FALSE(nxValueWrapper<long long>(9007199254740993) == 9007199254740992.0);
+    EXPECT_TRUE(nxDoubleValueWrapper(3.000000001) == Unsigned(3) && Signed(2) < nxDoubleValueWrapper(2.5));
     EXPECT_EQ(static_cast<unsigned>(Unsigned().GetMax(Unsigned(), 5)), 5U);
     EXPECT_EQ(static_cast<unsigned>(Unsigned().GetMax(6, Unsigned::GetNoChangeInstance())), 6U);
     EXPECT_EQ(static_cast<unsigned>(Unsigned::GetMin(6, 5)), 5U);
