@@ -110,6 +110,7 @@
 #include "core/text/nxStringHelper.h"
 #include "core/text/nxStringParser.h"
 #include "core/text/nxStringValue.h"
+#include "core/text/nxTextTraits.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/text/nxVersionNumber.h"
 #include "core/thread/nxBarrier.h"

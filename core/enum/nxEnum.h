@@ -53,6 +53,8 @@ public:
 
     /// @return the identifier; "NOT_REGISTERED" for a value without texts.
     const std::string& GetShortDescription() const { return _GetTexts().first; }
+    /// @return the identifier of @p value, whatever its class; "NOT_REGISTERED" for a value without texts.
+    static const std::string& GetShortDescriptionOf(nxEnumValue value) { return _GetTextsOf(value).first; }
     /// @return the wording; "not registered" for a value without texts.
     const std::string& GetLongDescription() const { return _GetTexts().second; }
     /// The same as GetShortDescription().
@@ -210,12 +212,13 @@ private:
     static const nxEnumTable::Texts& _GetMissingTexts(unsigned value);
     static std::int64_t _FindMissing(std::string_view text);
 
-    const nxEnumTable::Texts& _GetTexts() const
+    static const nxEnumTable::Texts& _GetTextsOf(const unsigned& value)
     {
-        if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(_value); texts != nullptr) [[likely]]
+        if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value); texts != nullptr) [[likely]]
             return *texts;
-        return _GetMissingTexts(_value);
+        return _GetMissingTexts(value);
     }
+    const nxEnumTable::Texts& _GetTexts() const { return _GetTextsOf(_value); }
 
     bool _SetFromText(std::string_view text);
     void _Set(unsigned value);

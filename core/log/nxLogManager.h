@@ -55,9 +55,15 @@ public:
     static nxLogManager& GetInstance() noexcept;
 
     /// Whether records of @p level are wanted: at or above the threshold, at first NX_LOG_LEVEL_INFO.
-    static bool ShouldLog(const nxLogLevelEnum& level) { return ShouldLog(level.GetEnumValue()); }
-    /// @copydoc ShouldLog(const nxLogLevelEnum&)
-    static bool ShouldLog(nxEnumValue level) { return level >= _threshold.load(std::memory_order_relaxed); }
+    static bool ShouldLog(const nxLogLevelEnum& level)
+    {
+        return level.GetEnumValue() >= _threshold.load(std::memory_order_relaxed);
+    }
+    /// The same for a constant; false for one that is no level.
+    static bool ShouldLog(nxEnumValue level)
+    {
+        return level >= _threshold.load(std::memory_order_relaxed) && level < nxLogLevelEnum::MaximumValue;
+    }
     /// Changes the threshold. A level that is none changes nothing.
     static void SetLogLevel(const nxLogLevelEnum& level) noexcept;
     /// The threshold.

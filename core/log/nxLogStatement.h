@@ -33,15 +33,32 @@ public:
     nxLogStatement(const nxLogStatement&) = delete;
     nxLogStatement& operator=(const nxLogStatement&) = delete;
 
+    using nxLogStream::operator<<;
+    /// The character's number: 'a' is 97.
+    [[deprecated("a char is logged as its number: stream a text, or the number as an int")]] nxLogStatement& operator<<(
+        char value)
+    {
+        return *this << static_cast<int>(value);
+    }
+
     /// Itself, as something that an operator can be applied to.
     nxLogStatement& Stream() { return *this; }
 
     /// Appends the values of @p record; its other properties do not count.
     NX_CORE_API void AppendValuesOf(const nxLog& record) noexcept;
 
+    /// The number of a level, constant where the level is a constant.
+    static constexpr unsigned GetNumber(nxEnumValue level) { return level; }
+    /// Declared only: what an object holds is never a constant.
+    static unsigned GetNumber(const nxLogLevelEnum& level);
+
     /// Turns the streaming expression into one of type void.
+    /// @tparam Level the level where it is a constant, else any level.
+    template <unsigned Level>
     struct End
     {
+        static_assert(nxLogLevelEnum::MinimumValue < Level && Level < nxLogLevelEnum::MaximumValue,
+                      "this constant is no log level");
         /// Binds less tightly than << and more tightly than ?:.
         void operator&(const nxLogStatement&) const {}
     };

@@ -16,6 +16,7 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
 #include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxTextTraits.h"
 #include "core/text/nxValueWrapper.h"
 
 /// How values stand in a record: a tag, then the value's bytes as they are in memory. Internal to the log.
@@ -55,7 +56,7 @@ public:
         return _Self();
     }
 
-    /// A decimal number, as all integers: 'a' is 97.
+    /// A decimal number, as all integers: 'a' is 97. In a statement of NX_LOG the compiler warns of it.
     [[gnu::always_inline]] Record& operator<<(char value) { return *this << static_cast<int>(value); }
     /// @copydoc operator<<(char)
     [[gnu::always_inline]] Record& operator<<(signed char value) { return *this << static_cast<int>(value); }
@@ -103,6 +104,15 @@ public:
     {
         return _PutText(nxLogTag::Text, text.GetText(), text.GetLength());
     }
+
+    /// The short description of an enumeration's constant, as its enumeration prints it.
+    [[gnu::always_inline]] Record& operator<<(nxEnumValue value)
+    {
+        return _Put(nxLogTag::KeptText, &nxEnum::GetShortDescriptionOf(value));
+    }
+    /// Would come out as an address, as "TRUE" or as a number although it is a text: convert it to what is meant.
+    template <nxMisprinted Value>
+    Record& operator<<(Value value) = delete;
 
     /// An address: "0x" and hexadecimal digits, small letters.
     [[gnu::always_inline]] Record& operator<<(const void* address) { return _Put(nxLogTag::Address, address); }

@@ -6,12 +6,7 @@
 #include <string_view>
 
 #include "core/text/nxDigits.h"
-
-/// The types that hold a character; `signed char` and `unsigned char` hold small numbers.
-template <class Type>
-inline constexpr bool nxIsCharacter =
-    std::same_as<Type, char> || std::same_as<Type, wchar_t> || std::same_as<Type, char8_t> ||
-    std::same_as<Type, char16_t> || std::same_as<Type, char32_t>;
+#include "core/text/nxTextTraits.h"
 
 /// A text stream without locale, formatting flags or virtual calls: it hands the bytes of each piece to its writer.
 ///
@@ -58,7 +53,7 @@ public:
     /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool and for the wide
     /// characters: say what you mean.
     template <std::integral Integer>
-    requires(!nxIsCharacter<Integer> && !std::same_as<Integer, bool> &&
+    requires(!nxWideCharacter<Integer> && !std::same_as<Integer, char> && !std::same_as<Integer, bool> &&
              sizeof(Integer) <= sizeof(std::uint64_t)) nxOStream&
     operator<<(Integer number)
     {

@@ -10,6 +10,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/text/nxDigits.h"
+#include "core/text/nxTextTraits.h"
 
 class nxCaseSensitivityEnum;
 class nxDate;
@@ -20,13 +21,6 @@ class nxMoney;
 class nxTime;
 template <std::integral T, T NullMark, T NoChangeMark>
 class nxValueWrapper;
-
-/// Pointers, pointers to members, and what stands for a pointer as a lambda does: the language turns them into a bool.
-template <class Type>
-concept nxPointer = std::is_member_pointer_v<Type> || requires(const Type& value)
-{
-    requires std::is_pointer_v<decltype(+value)>;
-};
 
 /// Converts between text and the library's value types, and edits strings in place: the library's one set of rules for
 /// numeric text, used for configuration, command lines, files and log lines alike.

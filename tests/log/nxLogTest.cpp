@@ -84,6 +84,9 @@ TEST(nxLog, EveryValueBecomesItsText)
         {TextOf(nxErrorEnum(NX_ERR_BACK_TESTING_PRICE_PLAYBACK_PRODUCT_ALREADY_IN_USE)),
          "NX_ERR_BACK_TESTING_PRICE_PLAYBACK_PRODUCT_ALREADY_IN_USE"},
         {TextOf(nxLogLevelEnum(NX_LOG_LEVEL_FATAL)), "FTL"},
+        {TextOf(NX_ERR_NOT_FOUND) + TextOf(NX_LOG_LEVEL_INFO), "NX_ERR_NOT_FOUNDINF"},
+        {TextOf(static_cast<nxEnumValue>(999998)), "NOT_REGISTERED"},
+        {TextOf(std::vector<bool>{true}[0]), "TRUE"},
         {TextOf(mask), "CLOSED EXPIRING"},
         {TextOf(nxGenericBitMask64()), "No Description Available"},
         {TextOf(Order{12, 1.5}),
@@ -277,7 +280,7 @@ TEST(nxLogStatement, CarriesThePlaceAndAllKindsOfValues)
     nxCapturingLogDevice device;
     const nxTimeStamp before = nxTimeStamp::Now();
     NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxSomewhere", 42)
-        << "all " << true << ' ' << std::string("of it ") << nxDecimal::ConstructFromValueAndDecimalPlaces(1250, 2)
+        << "all " << true << " " << std::string("of it ") << nxDecimal::ConstructFromValueAndDecimalPlaces(1250, 2)
         << " " << nxErrorEnum(NX_ERR_NOT_FOUND) << " " << Order{3, 0.5} << " " << nxValueWrapper<unsigned>() << " "
         << nxProductStateBitMask() << static_cast<const void*>(nullptr);
     const nxLogLevelEnum level(NX_LOG_LEVEL_ERROR);
@@ -285,7 +288,7 @@ TEST(nxLogStatement, CarriesThePlaceAndAllKindsOfValues)
     ASSERT_TRUE(device.WaitFor(nxCapturingLogDevice::Contains("second")));
     const std::vector<nxCapturedRecord> records = device.GetRecords();
     ASSERT_EQ(records.size(), 2u);
-    EXPECT_EQ(records[0].text, "all TRUE32of it 12.50 NX_ERR_NOT_FOUND 353@0.5 NULL 0x0");
+    EXPECT_EQ(records[0].text, "all TRUE of it 12.50 NX_ERR_NOT_FOUND 353@0.5 NULL 0x0");
     EXPECT_EQ(records[0].sourceFile, "core/trunk/nxSomewhere");
     EXPECT_EQ(records[0].line, 42u);
     EXPECT_EQ(records[0].threadIndex, nxThreadIndex::GetIndexOfCurrentThread());
@@ -303,6 +306,9 @@ TEST(nxLogStatement, EvaluatesNothingBelowTheThreshold)
         NX_LOG(NX_LOG_LEVEL_DEBUG) << "never seen" << ++evaluated;
     else
         ++evaluated;
+    EXPECT_EQ(evaluated, 0);
+    for (const nxEnumValue none : {NX_ERR_NOT_FOUND, NX_ENUM_UNDEFINED})
+        NX_LOG(none) << "never" << ++evaluated;
     EXPECT_EQ(evaluated, 0);
     nxLogManager::SetLogLevel(NX_LOG_LEVEL_DEBUG);
     NX_LOG(NX_LOG_LEVEL_DEBUG) << "seen" << ++evaluated;
