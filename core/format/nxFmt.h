@@ -9,17 +9,30 @@
 
 /// @file
 /// Opt-in: the library's values in {fmt}. Needs {fmt} in the including program only; the library does not use it. A
-/// value is formatted as a log record prints it and takes what a text takes: fill, width, alignment.
+/// value is formatted as a log record prints it and takes fill, width and alignment as a text does. Names, flags and
+/// texts take a precision too. A number, a date or a time that was cut would be another one: there a precision does not
+/// compile, or throws fmt::format_error when the format is known only at run time.
 /// @code
 /// fmt::print("{:>10} {}\n", price, error);
 /// @endcode
 
 // The reference generator cannot tell whose specialization this is.
 /// @cond
-/// Formats a value as a log record prints it; takes what a text takes: fill, width, alignment.
+/// Formats a value as a log record prints it; takes fill, width and alignment as a text does.
+/// Names, flags and texts take a precision too; for a number, a date or a time it is an error.
 template <nxPrintable Value>
 struct fmt::formatter<Value, char> : fmt::formatter<std::string_view, char>
 {
+    /// Reads the specification.
+    template <class Context>
+    constexpr auto parse(Context& context)
+    {
+        const auto begin = context.begin();
+        const auto end = fmt::formatter<std::string_view, char>::parse(context);
+        if (!nxCuttable<Value> && nxHasPrecision(std::string_view(begin, end)))
+            FMT_THROW(fmt::format_error(nxPrecisionRefused));
+        return end;
+    }
     /// Writes the text of @p value.
     template <class Context>
     auto format(const Value& value, Context& context) const

@@ -4,7 +4,8 @@
 #include <version>
 
 /// @file
-/// Opt-in: the library's values in std::format, where the standard library has it; elsewhere the header is empty.
+/// Opt-in: the library's values in std::format, where the standard library has it; elsewhere the header is empty. As in
+/// nxFmt.h: fill, width and alignment for all, a precision for names, flags and texts only.
 /// @code
 /// std::format("{:>10} {}", price, error);
 /// @endcode
@@ -16,10 +17,21 @@
 
     #include "core/format/nxPrintedText.h"
 
-/// Formats a value as a log record prints it; takes what a text takes: fill, width, alignment.
+/// Formats a value as a log record prints it; takes fill, width and alignment as a text does.
+/// Names, flags and texts take a precision too; for a number, a date or a time it is an error.
 template <nxPrintable Value>
 struct std::formatter<Value, char> : std::formatter<std::string_view, char>
 {
+    /// Reads the specification.
+    template <class Context>
+    constexpr auto parse(Context& context)
+    {
+        const auto begin = context.begin();
+        const auto end = std::formatter<std::string_view, char>::parse(context);
+        if (!nxCuttable<Value> && nxHasPrecision(std::string_view(begin, end)))
+            throw std::format_error(nxPrecisionRefused);
+        return end;
+    }
     /// Writes the text of @p value.
     template <class Context>
     auto format(const Value& value, Context& context) const

@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <string>
+#include <string_view>
 
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"
@@ -10,6 +11,14 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxMoney.h"
 #include "core/time/nxTimeStamp.h"
+
+class nxDate;
+class nxDateTime;
+class nxDoubleValueWrapper;
+class nxStringValue;
+class nxTime;
+template <std::integral T, T NullMark, T NoChangeMark>
+class nxValueWrapper;
 
 /// @file
 /// The text as which a value prints itself in a log record, for the formatters of nxFmt.h and nxFormat.h.
@@ -52,15 +61,26 @@ std::string nxPrintedText(const Stamp& value)
     return written == 0 ? std::string() : std::string(text, written - 1);
 }
 
+/// The types of the library whose text is their GetAsLogString(): named one by one, so that no class of an application
+/// is taken for one of them.
+template <class Value>
+inline constexpr bool nxPrintsLogForm = false;
+template <>
+inline constexpr bool nxPrintsLogForm<nxDate> = true;
+template <>
+inline constexpr bool nxPrintsLogForm<nxDateTime> = true;
+template <>
+inline constexpr bool nxPrintsLogForm<nxDoubleValueWrapper> = true;
+template <>
+inline constexpr bool nxPrintsLogForm<nxStringValue> = true;
+template <>
+inline constexpr bool nxPrintsLogForm<nxTime> = true;
+template <class T, T NullMark, T NoChangeMark>
+inline constexpr bool nxPrintsLogForm<nxValueWrapper<T, NullMark, NoChangeMark>> = true;
+
 /// The log form of a wrapper, a date, a time, a string value.
 template <class Value>
-requires requires(const Value& value)
-{
-    {
-        value.GetAsLogString()
-        } -> std::same_as<std::string>;
-}
-std::string nxPrintedText(const Value& value) { return value.GetAsLogString(); }
+requires nxPrintsLogForm<Value> std::string nxPrintedText(const Value& value) { return value.GetAsLogString(); }
 
 /// Values of the library that print themselves.
 template <class Value>
@@ -68,5 +88,25 @@ concept nxPrintable = requires(const Value& value)
 {
     nxPrintedText(value);
 };
+
+/// Values whose text may be cut to a precision: names, flags and texts. A number, a date or a time that was cut would be
+/// another one.
+template <class Value>
+concept nxCuttable = std::derived_from<Value, nxEnum> || std::derived_from<Value, nxBitMask> ||
+    std::derived_from<Value, nxBitMask64> || std::same_as<Value, nxStringValue>;
+
+/// @return whether a format specification for texts asks for a precision: a point that is no fill character, which an
+///         alignment would follow.
+constexpr bool nxHasPrecision(std::string_view specification)
+{
+    for (std::size_t at = 0; at < specification.size(); ++at)
+        if (specification[at] == '.' &&
+            std::string_view("<>^").find(specification.substr(at + 1, 1)) == std::string_view::npos)
+            return true;
+    return false;
+}
+
+/// The text of the error when it does.
+inline constexpr const char* nxPrecisionRefused = "a number, a date or a time is not cut to a precision";
 
 #endif

@@ -7,8 +7,53 @@
 #include "core/format/nxFormat.h"
 #include "core/numeric/nxMoney.h"
 #include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxStringValue.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/time/nxDate.h"
+
+namespace
+{
+/// A class of an application that happens to have the same member, and a formatter of its own for several classes.
+struct Session
+{
+    std::string GetAsLogString() const { return "not this"; }
+    int id;
+};
+
+template <class Type>
+concept HasId = requires(const Type& value)
+{
+    value.id;
+};
+}  // namespace
+
+template <HasId Type>
+struct fmt::formatter<Type, char> : fmt::formatter<int, char>
+{
+    template <class Context>
+    auto format(const Type& value, Context& context) const
+    {
+        return fmt::formatter<int, char>::format(value.id, context);
+    }
+};
+
+TEST(nxFmt, LeavesClassesOfTheApplicationAlone)
+{
+    EXPECT_FALSE(nxPrintable<Session>);
+    EXPECT_EQ(fmt::format("{:>3}", Session{7}), "  7");
+}
+
+TEST(nxFmt, CutsTextsOnly)
+{
+    const nxDecimal price("1012.50", '.');
+    for (const char* const format : {"{:.2}", "{:.<.2}", "{:>10.2s}", "{:.{}}"})
+    {
+        EXPECT_THROW(static_cast<void>(fmt::format(fmt::runtime(format), price, 2)), fmt::format_error) << format;
+        EXPECT_THROW(static_cast<void>(fmt::format(fmt::runtime(format), nxDate(), 2)), fmt::format_error) << format;
+        EXPECT_NO_THROW(static_cast<void>(fmt::format(fmt::runtime(format), nxErrorEnum(), 2))) << format;
+    }
+    EXPECT_EQ(fmt::format("{:.>{}} {:.2}", price, 9, nxStringValue("EUR")), "..1012.50 EU");
+}
 
 TEST(nxFmt, ValuesPrintAsInTheLog)
 {
