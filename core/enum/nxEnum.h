@@ -68,7 +68,8 @@ public:
     void Clear() { _value = NX_ENUM_UNDEFINED; }                      ///< The value becomes 0.
     void SetNoChange() { _value = NX_ENUM_NO_CHANGE; }                ///< The value becomes 2.
 
-    /// @return whether the value is one of the class's own and not one of the three shared ones.
+    /// @return whether the value lies between the bounds of its class. The three shared values do not, but for
+    ///         nxGenericEnum, whose interval holds "no change".
     bool IsSpecificTypeForInstance() const;
 
     /// Replaces @p values with the registered values of this object's class, ascending, the two bounds included where
