@@ -64,23 +64,22 @@ std::string nxPrintedText(const Stamp& value)
 /// The types of the library whose text is their GetAsLogString(): named one by one, so that no class of an application
 /// is taken for one of them.
 template <class Value>
-inline constexpr bool nxPrintsLogForm = false;
-template <>
-inline constexpr bool nxPrintsLogForm<nxDate> = true;
-template <>
-inline constexpr bool nxPrintsLogForm<nxDateTime> = true;
-template <>
-inline constexpr bool nxPrintsLogForm<nxDoubleValueWrapper> = true;
-template <>
-inline constexpr bool nxPrintsLogForm<nxStringValue> = true;
-template <>
-inline constexpr bool nxPrintsLogForm<nxTime> = true;
-template <class T, T NullMark, T NoChangeMark>
-inline constexpr bool nxPrintsLogForm<nxValueWrapper<T, NullMark, NoChangeMark>> = true;
+concept nxPrintsLogForm = std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> ||
+    std::same_as<Value, nxTime> || std::same_as<Value, nxDoubleValueWrapper> || std::same_as<Value, nxStringValue>;
 
-/// The log form of a wrapper, a date, a time, a string value.
-template <class Value>
-requires nxPrintsLogForm<Value> std::string nxPrintedText(const Value& value) { return value.GetAsLogString(); }
+/// The log form of a date, a time, a double wrapper, a string value.
+template <nxPrintsLogForm Value>
+std::string nxPrintedText(const Value& value)
+{
+    return value.GetAsLogString();
+}
+
+/// The log form of an integer wrapper.
+template <class T, T NullMark, T NoChangeMark>
+std::string nxPrintedText(const nxValueWrapper<T, NullMark, NoChangeMark>& value)
+{
+    return value.GetAsLogString();
+}
 
 /// Values of the library that print themselves.
 template <class Value>

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "core/text/nxStringHelper.h"
 #include "core/text/nxValueWrapper.h"
 
 /// What can be streamed into a record without becoming part of its message. Spelled as members of nxLog:
@@ -25,6 +26,11 @@ struct nxLogMarkers
         /// @param application its name. @param userID the user, or null for nobody in particular.
         nxLogSourceApplicationDestUserID(std::string application, const nxValueWrapper<unsigned>& userID)
             : sourceApplication(std::move(application)), destinationUserID(userID)
+        {
+        }
+        /// The same; a null pointer is an empty name.
+        nxLogSourceApplicationDestUserID(const char* application, const nxValueWrapper<unsigned>& userID)
+            : nxLogSourceApplicationDestUserID(nxStringHelper::GetAsString(application), userID)
         {
         }
 

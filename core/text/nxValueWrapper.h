@@ -202,9 +202,9 @@ public:
     requires _IsOperand<Number>
     friend constexpr std::strong_ordering operator<=>(const nxValueWrapper& a, Number b)
     {
-        if (a == b)
-            return std::strong_ordering::equal;
-        return std::cmp_less(+a._value, +_Plain(b)) ? std::strong_ordering::less : std::strong_ordering::greater;
+        if (std::cmp_less(+a._value, +_Plain(b)))
+            return std::strong_ordering::less;
+        return a == b ? std::strong_ordering::equal : std::strong_ordering::greater;
     }
     /// Compares exactly: no integer is equal to 0.5, and one of 64 bits is not rounded to the double beside it.
     template <std::floating_point Number>

@@ -120,6 +120,7 @@ TEST(nxLog, CarriesWhatItWasMadeWith)
     record << nxLog::nxLogSourceApplicationDestUserID("router", 8u);
     EXPECT_EQ(record.GetDestinationUserID(), 8u);
     EXPECT_EQ(record.GetSourceApplication(), "router");
+    EXPECT_EQ(nxLog::nxLogSourceApplicationDestUserID(nullptr, 8u).sourceApplication, "");
     EXPECT_EQ(record.GetText(), "to one");
     record << nxLog::nxLogTerminator() << " and nothing more";
     EXPECT_EQ(record.GetText(), "to one");
