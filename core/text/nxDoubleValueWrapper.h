@@ -50,6 +50,14 @@ public:
     constexpr explicit nxDoubleValueWrapper(nxNoChangeInitalizer) {}
     /// Holds the number as given; a mark makes a null or no-change wrapper.
     constexpr nxDoubleValueWrapper(double value) : _value(value) {}
+    /// Null, no change or the number of @p other.
+    template <class T, T NullMark, T NoChangeMark>
+    constexpr explicit nxDoubleValueWrapper(const nxValueWrapper<T, NullMark, NoChangeMark>& other)
+        : _value(other.IsNull()       ? NullValue
+                 : other.IsNoChange() ? NoChangeValue
+                                      : static_cast<double>(static_cast<T>(other)))
+    {
+    }
 
     /// A null wrapper.
     static constexpr nxDoubleValueWrapper GetNullInstance() { return nxDoubleValueWrapper(NullValue); }

@@ -29,7 +29,7 @@ inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>
 ///
 /// - Two values of T serve as the marks, by default the two largest: `nxValueWrapper<unsigned int>` has 4294967295 for
 ///   null and 4294967294 for no change, `nxValueWrapper<int>` 2147483647 and 2147483646.
-/// - Nothing but the state operations, GetMax(), GetMin(), the text forms and the conversion from another wrapper looks
+/// - Nothing but the state operations, GetMax(), GetMin(), the text forms and the conversion to another wrapper looks
 ///   at the marks. The wrapper converts to its plain T, marks included, and calculates and compares with that: null
 ///   plus 1 is 0, `if (wrapper)` is true for null. Test IsValid() first.
 /// - Construction and assignment from another integer type take a number that T does not hold as null; from T itself
