@@ -5,6 +5,9 @@
 #include <fstream>
 #include <set>
 
+#include "core/log/nxLogMacros.h"
+#include "core/numeric/nxPowersOfTen.h"
+#include "core/price/internal/nxExactSum.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
@@ -67,6 +70,15 @@ std::string CheckNumber(const char* what, const nxDecimal& number)
 
 bool IsTop(const nxDecimal& bound) { return bound.IsNull() || bound.EqualsExactly(nxDecimal::GetMaximumDecimal()); }
 
+// Whether a price at the bound can be moved by the increment.
+std::string CheckStep(const nxDecimal& bound, const nxDecimal& increment)
+{
+    nxDecimal above = bound;
+    return nxExactSum::TryAdd(above, increment, true) ? ""
+                                                      : NumberText(bound) + " plus increment " + NumberText(increment) +
+                                                            " has more digits than a price can hold";
+}
+
 // Whether a band may follow the bands before it.
 std::string CheckBand(const Bands& before, const nxDecimal& bound, const nxDecimal& increment)
 {
@@ -77,7 +89,16 @@ std::string CheckBand(const Bands& before, const nxDecimal& bound, const nxDecim
         fault = CheckNumber("upper bound", bound);
     if (fault.empty() && !IsTop(bound) && !before.empty() && !(bound > before.back().first))
         fault = "upper bound " + NumberText(bound) + " is not above " + NumberText(before.back().first);
+    if (fault.empty() && !(IsTop(bound) && before.empty()))
+        fault = CheckStep(IsTop(bound) ? before.back().first : bound, increment);
     return fault;
+}
+
+// A number of a band as an integer.
+__extension__ typedef __int128 Units;
+Units GetUnits(const nxDecimal& number)
+{
+    return Units{number.GetValue()} * nxPowersOfTen::GetInteger(std::size_t{maxBandPlaces} - number.GetDecimalPlaces());
 }
 
 // Reads the tables of a text line by line.
@@ -210,6 +231,36 @@ nxCustomVariableTickTable::nxCustomVariableTickTable(const std::string& name, co
     _AddTopRange(bands.back().second);
 }
 
+std::unique_ptr<nxCustomVariableTickTable> nxCustomVariableTickTable::_Make(const std::string& name, const Bands& bands)
+{
+    std::unique_ptr<nxCustomVariableTickTable> table(new nxCustomVariableTickTable(name, bands));
+    if (const std::string warning = table->GetGridWarning(); !warning.empty())
+        NX_LOG(NX_LOG_LEVEL_WARNING) << warning;
+    return table;
+}
+
+std::string nxCustomVariableTickTable::GetGridWarning() const
+{
+    const Bands& bands = GetRangeData();
+    for (std::size_t i = 1; i < bands.size(); ++i)
+    {
+        const auto& [bound, tick] = bands[i - 1];
+        const nxDecimal& nextTick = bands[i].second;
+        if ((GetUnits(bound) + GetUnits(tick)) % GetUnits(nextTick) == 0)
+            continue;
+        std::string text = "table " + _name + ": band " + std::to_string(i) + ": upper bound " + NumberText(bound) +
+                           " plus increment " + NumberText(tick) + " is no multiple of the next increment " +
+                           NumberText(nextTick) + ", so prices near it are rounded off the grid";
+        nxDecimal last = bound;
+        if (GetUnits(bound) % GetUnits(nextTick) == 0 && GetUnits(bound) > GetUnits(tick) &&
+            nxExactSum::TryAdd(last, tick, false))
+            text += "; where the exchange says \"up to and including " + NumberText(bound) + "\", the bound is " +
+                    NumberText(last);
+        return text;
+    }
+    return "";
+}
+
 std::string nxCustomVariableTickTable::GetID() const { return std::string(nxTickTableSource::IDPrefix) + _name; }
 
 nxErrorEnum nxCustomVariableTickTable::Create(const std::string& name, const Bands& bands,
@@ -231,7 +282,7 @@ nxErrorEnum nxCustomVariableTickTable::Create(const std::string& name, const Ban
         reason = fault;
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     }
-    table.reset(new nxCustomVariableTickTable(name, bands));
+    table = _Make(name, bands);
     return nxErrorEnum();
 }
 
@@ -245,7 +296,7 @@ nxErrorEnum nxCustomVariableTickTable::ReadText(std::string_view text, Tables& t
     }
     Tables made;
     for (const auto& [name, bands] : reader.GetTables())
-        made.push_back(Tables::value_type(new nxCustomVariableTickTable(name, bands)));
+        made.push_back(_Make(name, bands));
     tables = std::move(made);
     return nxErrorEnum();
 }

@@ -32,7 +32,11 @@
 /// @endcode
 ///
 /// - Names: 1 to 64 letters, digits, '_', '-' and '.', each once in a file. They are not entered into the catalogue.
-/// - Numbers: positive, at most 18 digits, at most 15 of them decimals.
+/// - Numbers: positive, at most 18 digits, at most 15 of them decimals. The price that is one tick above a bound, and
+///   above the lower bound of the last band, has to fit a decimal with the places of both.
+/// - Bounds: the last price of the band, one tick below the next band's first. Where an exchange says "up to and including
+///   T" by ticks of I, the bound is T - I. A bound plus its tick that is no multiple of the next tick is accepted, and
+///   told once as a warning in the log: just above such a bound prices are rounded to what is not on the next band's grid.
 /// - Lines end in LF or CR LF; empty lines and a byte order mark at the start are skipped. A file has at most 4 MiB.
 /// - Errors: returned, with the reason as a sentence for the user; the result argument is then left as it is.
 /// - Threads and prices: as nxVariableTickTable.
@@ -61,8 +65,15 @@ public:
     const std::string& GetName() const { return _name; }  ///< "MY_SHARES"
     std::string GetID() const;                            ///< "VTT_MY_SHARES"
 
+    /// @return what the log was told of the first bound whose tick leads off the next band's grid, as a sentence for the
+    ///         user that names table and band; empty when all fit together.
+    std::string GetGridWarning() const;
+
 private:
     nxCustomVariableTickTable(const std::string& name, const Bands& bands);
+
+    // A table of bands that were checked; a warning about its grid goes to the log.
+    static std::unique_ptr<nxCustomVariableTickTable> _Make(const std::string& name, const Bands& bands);
 
     std::string _name;
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/price/nxVariableTickTableContainer.h"
+#include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxScratchDirectory.h"
 
 namespace
@@ -40,6 +41,7 @@ TEST(nxCustomVariableTickTable, ReadsTablesWithTheirDecimalPlaces)
         {"A,1,4.990,0.010\r\nA,2,,5\r\n", "A: 4.990 0.010; 5; "},
         {"\nA,1,4.990,0.010\n\n\nA,2,,5\n\n", "A: 4.990 0.010; 5; "},
         {"A,1,10,1\nA,2,,5\nb.C-2_x,1,,.5\n", "A: 10 1; 5; b.C-2_x: 0.5; "},
+        {"A,1,92233,0.00000000000001\nA,2,,1\n", "A: 92233 0.000000000000; 1; "},
         {"A,1,0.000000000000001,0.000000000000001\nA,2,999999999999999999,1\nA,3,,999999999999999999\n",
          "A: 0.000000000000 0.000000000000; 999999999999999999 1; 999999999999999999; "},
     };
@@ -79,6 +81,10 @@ TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
         {good + "A,3,1000000000000000000,1\n", "line 4: '1000000000000000000' has more than 18 digits"},
         {good + "A,3,,0.0000000000000001\n",
          "line 4: increment 0.0000000000000001 has more than 18 digits or 15 decimals"},
+        {header + "A,1,92234,0.00000000000001\nA,2,,0.01\n",
+         "line 2: 92234 plus increment 0.00000000000001 has more digits than a price can hold"},
+        {header + "A,1,500000000000,1\nA,2,,0.00000001\n",
+         "line 3: 500000000000 plus increment 0.00000001 has more digits than a price can hold"},
         {good, "line 3: table A ends without a band that has no upper bound"},
         {good + "\n\nB,1,,1\n", "line 3: table A ends without a band that has no upper bound"},
         {good + "A,3,,1\nA,4,,1\n", "line 5: a band follows the one without an upper bound"},
@@ -105,6 +111,38 @@ TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
     std::string reason;
     EXPECT_TRUE(Custom::ReadText(header + longest + ",1,,1\n", tables, reason).IsOK());
     EXPECT_FALSE(Custom::ReadText(header + longest + "N,1,,1\n", tables, reason).IsOK());
+}
+
+TEST(nxCustomVariableTickTable, ABoundOffTheNextGridIsAcceptedAndToldOnce)
+{
+    const std::string offGrid = "table A: band 1: upper bound ";
+    const std::pair<const char*, std::string> rows[] = {
+        {"A,1,,0.03\n", ""},
+        {"A,1,9.99,0.01\nA,2,,0.05\n", ""},
+        {"A,1,9.97,0.03\nA,2,10.5,0.50\nA,3,,1\n", ""},
+        {"A,1,99999999999999999.9,0.1\nA,2,,1000000000000000\n", ""},
+        {"A,1,10.00,0.01\nA,2,,0.05\n",
+         offGrid + "10.00 plus increment 0.01 is no multiple of the next increment 0.05, so prices near it are rounded "
+                   "off the grid; where the exchange says \"up to and including 10.00\", the bound is 9.99"},
+        {"A,1,9.98,0.01\nA,2,20,0.05\nA,3,,3\n",
+         offGrid + "9.98 plus increment 0.01 is no multiple of the next increment 0.05, so prices near it are rounded "
+                   "off the grid"},
+    };
+    for (const auto& [text, warning] : rows)
+    {
+        SCOPED_TRACE(text);
+        nxCapturingLogDevice log;
+        Custom::Tables tables;
+        std::string reason;
+        ASSERT_TRUE(Custom::ReadText(header + text, tables, reason).IsOK()) << reason;
+        std::unique_ptr<Custom> listed;
+        ASSERT_TRUE(Custom::Create("A", tables[0]->GetRangeData(), listed, reason).IsOK()) << reason;
+        EXPECT_EQ(tables[0]->GetGridWarning(), warning);
+        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
+        const auto isWarning = [&](const nxCapturedRecord& record)
+        { return record.level == NX_LOG_LEVEL_WARNING && record.text.starts_with("table "); };
+        EXPECT_EQ(log.Count(isWarning), warning.empty() ? 0U : 2U) << log;
+    }
 }
 
 TEST(nxCustomVariableTickTable, FilesNameThemselvesInTheReason)

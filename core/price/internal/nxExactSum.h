@@ -1,0 +1,65 @@
+#ifndef CORE_PRICE_INTERNAL_NXEXACTSUM_H
+#define CORE_PRICE_INTERNAL_NXEXACTSUM_H
+
+#include <algorithm>
+#include <cstdint>
+
+#include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxPowersOfTen.h"
+
+/// Sums of a price and a tick of other decimal places, in integers: a decimal's own sum goes through doubles there, which
+/// lose a small tick at a large price.
+/// - Null: an addend that is not valid leaves the price as it is.
+/// - Threads and ownership: functions of their arguments.
+class nxExactSum
+{
+public:
+    /// Adds or subtracts the tick, at the larger number of places.
+    /// @return false, with the price unchanged, when the sum does not fit 64 bits.
+    static bool TryAdd(nxDecimal& price, const nxDecimal& tick, bool isUp)
+    {
+        if (!price.IsValid() || !tick.IsValid())
+            return true;
+        const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
+        long long sum = 0;
+        long long addend = 0;
+        if (!_ScaleUp(price, places, sum) || !_ScaleUp(tick, places, addend) ||
+            (isUp ? __builtin_add_overflow(sum, addend, &sum) : __builtin_sub_overflow(sum, addend, &sum)))
+            return false;
+        price = nxDecimal::ConstructFromValueAndDecimalPlaces(sum, places);
+        return true;
+    }
+
+    /// The same, but a sum that does not fit wraps modulo 2^64. A price that cannot take the tick's places goes through
+    /// the doubles of decimal arithmetic.
+    static void Add(nxDecimal& price, const nxDecimal& tick, bool isUp)
+    {
+        if (price.GetScale() != tick.GetScale() && TryAdd(price, tick, isUp))
+            return;
+        nxDecimal addend = tick;
+        if (long long ignored = 0; _ScaleUp(price, tick.GetDecimalPlaces(), ignored))
+        {
+            const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
+            price.SetDecimalPlaces(places, false);
+            addend.SetDecimalPlaces(places, false);
+        }
+        isUp ? price += addend : price -= addend;
+    }
+
+private:
+    // The mantissa at so many places, its own when it has more; false when it does not fit.
+    static bool _ScaleUp(const nxDecimal& number, unsigned char places, long long& mantissa)
+    {
+        mantissa = number.GetValue();
+        const int zeros = places - number.GetDecimalPlaces();
+        if (zeros <= 0 || mantissa == 0)
+            return true;
+        constexpr int mostZeros = 18;  // of which the power of ten fits
+        return zeros <= mostZeros &&
+               !__builtin_mul_overflow(mantissa,
+                                       static_cast<long long>(nxPowersOfTen::GetInteger(static_cast<unsigned>(zeros))),
+                                       &mantissa);
+    }
+};
+
+#endif
