@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "core/price/internal/nxExactSum.h"
 #include "core/price/nxVariableTickTable.h"
 #include "core/price/nxVariableTickTableContainer.h"
 
@@ -36,7 +37,7 @@ void nxPriceManipulator::Increment(nxDecimal& price, int ticks) const
     if (_table != nullptr)
         _table->Increment(price, ticks);
     else if (_tickIncrement.IsPositive() && ticks != 0)
-        price += Multiple(_tickIncrement, ticks);
+        nxExactSum::Add(price, Multiple(_tickIncrement, ticks), true);
 }
 
 void nxPriceManipulator::RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const

@@ -46,19 +46,20 @@ unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
 
 nxDecimal nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal price)
 {
+    // A run that wraps comes by the same stretches over and over; then those that it learnt are found faster.
+    unsigned relocations = 1000;
     nxTickRun run(*_table, up);
     while (ticks != 0 && price.IsValid())
     {
-        std::uint64_t done = _Relocate(price) ? _zone.Step(up, ticks, price) : 0;
-        if (done != 0)
-            run.Restart();
-        else
+        std::uint64_t done = run.Leap(price, ticks);
+        if (done == 0 && relocations != 0 && --relocations != 0 && _Relocate(price))
+            done = _zone.Step(up, ticks, price);
+        if (done == 0)
         {
+            run.Watch(price);
             if (!_StepByDecimals(up, price))
                 break;
             done = 1;
-            if (ticks > done)
-                done += run.Leap(price, ticks - done);
         }
         ticks -= done;
     }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "core/log/nxLogMacros.h"
+#include "core/price/internal/nxExactSum.h"
 #include "core/price/nxTickTableCursor.h"
 
 nxVariableTickTable::~nxVariableTickTable() = default;
@@ -155,7 +156,9 @@ const nxDecimal& nxVariableTickTable::_TickIn(iterator band, const nxDecimal& ma
     if (band == _ranges.begin())
         return band->second;
     const auto& [lowerBound, lowerIncrement] = *std::prev(band);
-    return magnitude < lowerBound + lowerIncrement ? lowerIncrement : band->second;
+    nxDecimal ownTickFrom = lowerBound;
+    nxExactSum::Add(ownTickFrom, lowerIncrement, true);
+    return magnitude < ownTickFrom ? lowerIncrement : band->second;
 }
 
 const nxDecimal& nxVariableTickTable::_GetIncrementForPrice(const nxDecimal& price) const
@@ -174,24 +177,27 @@ void nxVariableTickTable::_IncreasePrice(nxDecimal& price, iterator band) const
 {
     if (band == _ranges.end())
         return;
-    price += band->second;
-    if (price.IsPositive() && price > band->first && std::next(band) != _ranges.end())
-        ++band;
-    price.SetDecimalPlaces(band->second.GetDecimalPlaces(), true);
+    nxExactSum::Add(price, band->second, true);
+    price.SetDecimalPlaces(_BandAfterStep(band, true, price)->second.GetDecimalPlaces(), true);
 }
 
 void nxVariableTickTable::_DecreasePrice(nxDecimal& price, iterator band) const
 {
     if (band == _ranges.end())
         return;
-    price -= band->second;
-    if (price.IsNegative())
-    {
-        const nxDecimal magnitude = nxDecimal::Abs(price);
-        if ((magnitude.IsNegative() || magnitude > band->first) && std::next(band) != _ranges.end())
-            ++band;
-    }
-    price.SetDecimalPlaces(band->second.GetDecimalPlaces(), true);
+    nxExactSum::Add(price, band->second, false);
+    price.SetDecimalPlaces(_BandAfterStep(band, false, price)->second.GetDecimalPlaces(), true);
+}
+
+// The band whose places the price gets that a step by the increment of `band` led to.
+nxVariableTickTable::iterator nxVariableTickTable::_BandAfterStep(iterator band, bool isIncrease,
+                                                                  const nxDecimal& price) const
+{
+    if (isIncrease ? !price.IsPositive() : !price.IsNegative())
+        return band;
+    const nxDecimal magnitude = nxDecimal::Abs(price);
+    const bool isBeyond = magnitude.IsNegative() || magnitude > band->first;
+    return isBeyond && std::next(band) != _ranges.end() ? std::next(band) : band;
 }
 
 // The band whose increment a step from a price in `band` uses.
@@ -200,8 +206,12 @@ nxVariableTickTable::iterator nxVariableTickTable::_BandOfStep(iterator band, bo
 {
     if (isOutwards || band == _ranges.begin())
         return band;
-    const iterator lower = std::prev(band);
-    return magnitude - lower->second <= lower->first ? lower : band;
+    const auto& [lowerBound, lowerIncrement] = *std::prev(band);
+    nxDecimal inwards = magnitude;
+    const bool isLower = nxExactSum::TryAdd(inwards, lowerIncrement, false)
+                             ? inwards <= lowerBound
+                             : nxExactSum::IsWithin(magnitude, lowerBound, lowerIncrement);
+    return isLower ? std::prev(band) : band;
 }
 
 void nxVariableTickTable::_StepFrom(iterator band, bool up, nxDecimal& price) const

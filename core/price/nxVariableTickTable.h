@@ -158,11 +158,12 @@ private:
     static nxDecimal _Magnitude(const nxDecimal& price);
     static const nxDecimal& _ReportUnknownBand();
 
-    // Without lock or memory; the latter three by the decimal rules.
+    // Without lock or memory; all but the first by the decimal rules.
     iterator _Find(const nxDecimal& price) const;
     iterator _Scan(const nxDecimal& magnitude) const;
     const nxDecimal& _TickIn(iterator band, const nxDecimal& magnitude) const;
     iterator _BandOfStep(iterator band, bool isOutwards, const nxDecimal& magnitude) const;
+    iterator _BandAfterStep(iterator band, bool isIncrease, const nxDecimal& price) const;
     void _StepFrom(iterator band, bool up, nxDecimal& price) const;
 
     // Finds the stretch of a price that is not in the zone, and makes its band the remembered one; NotFound when the

@@ -21,6 +21,8 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
         {variable, {"9.9985", "9.999", "0.001", "10.0045", "9.9975"}},
         {nxPriceManipulator(D("0.05")), {"9.99", "10.00", "0.05", "10.09", "9.94"}},
         {nxPriceManipulator(D("0.05")), {"-9.9", "-9.90", "0.05", "-9.80", "-9.95"}},
+        {nxPriceManipulator(D("0.00000001")),  // too fine for the price's double
+         {"1000000000", "1000000000.00000000", "0.00000001", "1000000000.00000002", "999999999.99999999"}},
         {nxPriceManipulator(), {"9.99", "9.99", "NULL", "9.99", "9.99"}},
         {nxPriceManipulator(D("0")), {"9.99", "9.99", "0", "9.99", "9.99"}},
         {nxPriceManipulator(D("-0.05")), {"9.99", "10.00", "-0.05", "9.99", "9.99"}},

@@ -1,6 +1,7 @@
 #ifndef TESTS_PRICE_TRANSCRIBEDTICKTABLE_H
 #define TESTS_PRICE_TRANSCRIBEDTICKTABLE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -9,8 +10,8 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 
-/// The rules of a tick table written down with decimal comparisons and sums alone, one band after the other: what the
-/// library's tables, cursors and spans have to agree with.
+/// The rules of a tick table written down with decimal comparisons and wide integers alone, one band after the other:
+/// what the library's tables, cursors and spans have to agree with.
 class TranscribedTickTable
 {
 public:
@@ -35,7 +36,7 @@ public:
         const std::size_t band = Find(price);
         if (band == _bands.size())
             return nxDecimal::GetNullDecimal();
-        if (band != 0 && Magnitude(price) < _bands[band - 1].first + _bands[band - 1].second)
+        if (band != 0 && Magnitude(price) < Sum(_bands[band - 1].first, _bands[band - 1].second, 1))
             return _bands[band - 1].second;
         return _bands[band].second;
     }
@@ -68,15 +69,15 @@ public:
         std::size_t band = Find(price);
         if (up)
         {
-            price += _bands[band].second;
+            price = Sum(price, _bands[band].second, 1);
             if (price.IsPositive() && price != _bands[band].first && !(price < _bands[band].first))
                 band += band + 1 < _bands.size() ? 1 : 0;
         }
         else
         {
-            if (band != 0 && price - _bands[band - 1].second <= _bands[band - 1].first)
+            if (band != 0 && StepsOnto(price, _bands[band - 1]))
                 --band;
-            price -= _bands[band].second;
+            price = Sum(price, _bands[band].second, -1);
             // The most negative mantissa has no magnitude and exceeds every bound.
             if (price.IsNegative() && (price.GetValue() == INT64_MIN || nxDecimal::Abs(price) > _bands[band].first))
                 band += band + 1 < _bands.size() ? 1 : 0;
@@ -86,6 +87,45 @@ public:
     }
 
 private:
+    __extension__ typedef __int128 Wide;
+
+    // False beyond 10^18.
+    static bool Scale(const nxDecimal& number, int places, Wide& scaled)
+    {
+        const int zeros = places - number.GetDecimalPlaces();
+        scaled = number.GetValue();
+        for (int i = 0; i < zeros && scaled != 0; ++i)
+            scaled *= i < 18 ? 10 : 1;
+        return zeros <= 18 || scaled == 0;
+    }
+    static bool Fits(Wide number) { return number == static_cast<std::int64_t>(number); }
+
+    // Exact, modulo 2^64; but a price that does not fit at the tick's places goes through doubles.
+    static nxDecimal Sum(const nxDecimal& price, nxDecimal tick, int sign)
+    {
+        const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
+        Wide start = 0;
+        if (!Scale(price, places, start) || !Fits(start))
+            return sign > 0 ? price + tick : price - tick;
+        auto step = static_cast<std::uint64_t>(tick.GetValue());
+        for (int i = tick.GetDecimalPlaces(); i < places; ++i)
+            step *= 10;
+        const std::uint64_t sum = static_cast<std::uint64_t>(start) + (sign > 0 ? step : 0 - step);
+        return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(sum), places);
+    }
+
+    // Whether a step down by the band's tick lands on its bound or lower.
+    static bool StepsOnto(const nxDecimal& price, const Bands::value_type& band)
+    {
+        const auto& [bound, tick] = band;
+        int places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
+        Wide p = 0, t = 0, b = 0;
+        if (Scale(price, places, p) && Scale(tick, places, t) && Fits(p) && Fits(t) && Fits(p - t))
+            return Sum(price, tick, -1) <= bound;
+        places = std::max<int>(places, bound.GetDecimalPlaces());
+        return Scale(price, places, p) && (!Scale(bound, places, b) || !Scale(tick, places, t) || p - b <= t);
+    }
+
     static nxDecimal Magnitude(const nxDecimal& price)
     {
         return price.IsValid() ? nxDecimal::Abs(price) : nxDecimal(0, 0);

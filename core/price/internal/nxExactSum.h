@@ -2,7 +2,9 @@
 #define CORE_PRICE_INTERNAL_NXEXACTSUM_H
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxPowersOfTen.h"
@@ -34,10 +36,9 @@ public:
     /// the doubles of decimal arithmetic.
     static void Add(nxDecimal& price, const nxDecimal& tick, bool isUp)
     {
-        if (price.GetScale() != tick.GetScale() && TryAdd(price, tick, isUp))
-            return;
         nxDecimal addend = tick;
-        if (long long ignored = 0; _ScaleUp(price, tick.GetDecimalPlaces(), ignored))
+        if (long long ignored = 0; price.GetScale() != tick.GetScale() && price.IsValid() && tick.IsValid() &&
+                                   _ScaleUp(price, tick.GetDecimalPlaces(), ignored))
         {
             const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
             price.SetDecimalPlaces(places, false);
@@ -46,7 +47,28 @@ public:
         isUp ? price += addend : price -= addend;
     }
 
+    /// @return whether a price is at most @p tick above @p bound; all are positive. Where one has so many more places
+    ///         than the others that 128 bits do not hold them at its scale, the others count as larger.
+    static bool IsWithin(const nxDecimal& price, const nxDecimal& bound, const nxDecimal& tick)
+    {
+        const unsigned char places =
+            std::max({price.GetDecimalPlaces(), bound.GetDecimalPlaces(), tick.GetDecimalPlaces()});
+        _Wide wide[3];
+        const nxDecimal* const numbers[] = {&price, &bound, &tick};
+        for (std::size_t i = 0; i < std::size(numbers); ++i)
+        {
+            const int zeros = places - numbers[i]->GetDecimalPlaces();
+            if (zeros > _mostZeros)
+                return i != 0;
+            wide[i] = _Wide{numbers[i]->GetValue()} * _Wide{nxPowersOfTen::GetInteger(static_cast<unsigned>(zeros))};
+        }
+        return wide[0] - wide[1] <= wide[2];
+    }
+
 private:
+    __extension__ typedef __int128 _Wide;
+    static constexpr int _mostZeros = 18;  // of which the power of ten fits
+
     // The mantissa at so many places, its own when it has more; false when it does not fit.
     static bool _ScaleUp(const nxDecimal& number, unsigned char places, long long& mantissa)
     {
@@ -54,8 +76,7 @@ private:
         const int zeros = places - number.GetDecimalPlaces();
         if (zeros <= 0 || mantissa == 0)
             return true;
-        constexpr int mostZeros = 18;  // of which the power of ten fits
-        return zeros <= mostZeros &&
+        return zeros <= _mostZeros &&
                !__builtin_mul_overflow(mantissa,
                                        static_cast<long long>(nxPowersOfTen::GetInteger(static_cast<unsigned>(zeros))),
                                        &mantissa);

@@ -1,64 +1,63 @@
 #ifndef CORE_PRICE_INTERNAL_NXTICKRUN_H
 #define CORE_PRICE_INTERNAL_NXTICKRUN_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "core/numeric/nxDecimal.h"
+#include "core/price/nxTickZone.h"
 #include "core/price/nxVariableTickTable.h"
 
-/// Cuts short a long run of single steps that go by the decimal rules: it watches the prices until the steps repeat
-/// themselves, and then takes all those at once that provably go on so, to the last place.
+/// Cuts short a long run of steps that go by the decimal rules: it learns stretches of prices from which every step adds
+/// the same integer, and takes all the steps within one at once.
 ///
-/// The rules know a price by its band, its number of places and its double. While those keep to one band and to one
-/// power of two, moving a price by a suitable distance moves the price after the step by the same distance: any
-/// distance where the sums are exact integers, else one that both the decimals and the doubles take without rounding.
-/// So once the run comes to a price that lies such a distance from an earlier one, the steps between the two repeat.
-/// - Threads and ownership: a local variable of one run; the table outlives it.
+/// Which band's tick a step goes by depends on the price's magnitude alone and never falls as that grows, so a stretch
+/// is found by bisection. Sums that wrap are integers like the others.
+/// - Threads and ownership: a local variable of one run, without memory of its own; the table outlives it.
 class nxTickRun
 {
 public:
     /// @param isUp the direction of all steps.
     nxTickRun(const nxVariableTickTable& table, bool isUp) : _table(table), _isUp(isUp) {}
 
-    /// To be called after each single step, with the price that it led to.
-    /// @param price is moved by further steps where they are known.
-    /// @param limit the most steps that are wanted.
-    /// @return how many steps the price was moved.
-    std::uint64_t Leap(nxDecimal& price, std::uint64_t limit);
+    /// Moves the price by as many of the @p wanted steps as the stretch around it tells.
+    /// @return how many; 0 when the price lies in no stretch that is known.
+    std::uint64_t Leap(nxDecimal& price, std::uint64_t wanted);
 
-    /// To be called when steps were made elsewhere.
-    void Restart() { _isRunning = false; }
+    /// To be called before each single step by the decimal rules; learns now and then, because a stretch costs as much
+    /// as some hundred steps.
+    void Watch(const nxDecimal& price)
+    {
+        if (++_watched % _stepsToLearn == 0)
+            _Learn(price);
+    }
 
 private:
     typedef nxVariableTickTable::iterator iterator;
 
-    // What a step depends on, beside the price's remainder.
-    struct _Rule
+    struct _Stretch
     {
-        iterator band;  // whose increment is used
-        std::uint64_t scale = 0;
-        int bits = 0;      // of the magnitude
-        int exponent = 0;  // of its double
-        bool isNegative = false;
-
-        bool operator==(const _Rule&) const = default;
+        std::uint64_t scale;
+        nxTickZone::Range prices;
+        std::uint64_t step;   // at the places of the prices
+        bool mayDropZeros;    // a result that ends in 0 may lose places
+        bool staysInItsBand;  // only prices whose step does
     };
 
-    bool _IsOutwards() const { return _isUp != _rule.isNegative; }
-    bool _FindRule(const nxDecimal& price, _Rule& rule) const;
-    bool _SumsAreExact() const;
-    std::uint64_t _Unit() const;
-    bool _HoldsAt(const nxDecimal& price, std::int64_t distance, std::uint64_t times) const;
-    bool _ComparesAlike(std::uint64_t from, std::uint64_t to) const;
+    static constexpr unsigned _stepsToLearn = 32;
+
+    bool _IsOutwards(bool isNegative) const { return _isUp != isNegative; }
+    iterator _BandOfStep(const nxDecimal& price) const;
+    bool _GoesBy(iterator band, const _Stretch& stretch, const nxDecimal& price) const;
+    void _Learn(const nxDecimal& price);
 
     const nxVariableTickTable& _table;
     bool _isUp;
-    bool _isRunning = false;
-    _Rule _rule;
-    std::uint64_t _unit = 0;      // prices a multiple of it apart are stepped alike; 0: never
-    std::int64_t _anchor = 0;     // an earlier price of the run
-    std::uint64_t _length = 0;    // steps made since then
-    std::uint64_t _patience = 1;  // steps after which a later price becomes the anchor
+    unsigned _watched = 0;
+    std::size_t _learnt = 0;
+    std::size_t _last = 0;
+    std::array<_Stretch, 64> _stretches;
 };
 
 #endif
