@@ -32,14 +32,20 @@ class nxTickTableCursor;
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
 ///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 0.05.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
-///   step lands on its bound or lower. The result has the places of the increment of the band it lies in: zeros are
-///   added or dropped, and no other digit is.
+///   step lands on its bound or lower. The result has the places of the increment of the band that it lies in, but of
+///   the increment that was subtracted when it came nearer to zero: with bands (10, 0.01) and (MAX, 0.5) one step down
+///   from 10.5 is 10.0. Zeros are added or dropped, and no other digit is.
+/// - Exactness: steps are exact sums for every number of places, while price and sum fit 64 bits at the larger one.
 /// - Negative prices are the exact mirror of their magnitude: the tick at -10.5 is that at 10.5, and one step up from
 ///   -10.05 is -10.00 because one step down from 10.05 is 10.00.
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
-/// - Limits: comparisons and sums are those of nxDecimal. A mantissa that does not fit 64 bits wraps.
+/// - Limits: comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps; a price that does not fit
+///   them at the tick's places is garbage after the step.
+/// - Constraints: a table whose bands are not ascending, or not all positive, answers by what it was asked before, and
+///   otherwise than its cursors. The container refuses one; a class of your own asks _CheckConstraints() once it is built,
+///   which the top band does, with an error record in the log.
 /// - Threads: a finished table is shared by any number of threads. Each search takes the table's lock, because the last
 ///   band found is remembered. A thread with many prices calls an operation on a span, which takes the lock once, or
 ///   keeps an nxTickTableCursor of its own, which takes none. Bands are added before the table is shared.
@@ -83,10 +89,9 @@ public:
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
-    /// Costs some steps for each band on the way, however many ticks there are. Where doubles round the sums, at prices
-    /// of 2^49 or more units with more places than the tick, single steps are made until they repeat themselves: mostly
-    /// less than a hundred, never more than the tick's places make possible (10^4 at four places). So are steps that
-    /// wrap.
+    /// Costs some steps for each band on the way, however many ticks there are. Only steps that wrap cost more: a price
+    /// with so many places that few ticks fit 64 bits goes round again and again, and two billion steps can then take
+    /// TIMEWORST.
     void Increment(nxDecimal& price, int ticks) const;
     /// Moves each price by @p ticks single steps. Takes the lock once.
     void Increment(std::span<nxDecimal> prices, int ticks) const;

@@ -511,11 +511,11 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
 {
     const std::tuple<const char*, long long, int> rows[] = {
         {"10 0.01; 0.05", 12123456789, 9},             // past 2^49 units after some millions of steps
-        {"10 0.01; 0.05", -4503599627370497, 3},       // sums rounded to the next double
-        {"10 0.01; 0.05", 4503599627370491, 3},        // the same, and the last digits change until one is dropped
-        {"0.5", 12345678901234563, 1},                 // doubles that hold every step
-        {"10 0.01; 0.5", 12345678901234563, 2},        // the same above another band
-        {"0.25", 90071992547409931, 1},                // and some that do not
+        {"10 0.01; 0.05", -4503599627370497, 3},       // on either side of 2^49 units
+        {"10 0.01; 0.05", 4503599627370491, 3},        //
+        {"0.5", 12345678901234563, 1},                 //
+        {"10 0.01; 0.5", 12345678901234563, 2},        // above another band
+        {"0.25", 90071992547409931, 1},                //
         {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
         {"10 0.01; 1", -9000000000000000007, 0},       //
         {"10 0.01; 1", 200000000000000000, 0},         // it wraps to a difference that looks like one
@@ -531,6 +531,11 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
         {"0.00000001", 7777777777777777, 9},
         {"0.0000000001", 1234567890123457, 12},  // repeats itself only after 10^10 steps, yet is exact
         {"0.00025", 1234567890123456789, 15},    // overflows on the way
+        {"0.00000001", 123456789012345678, 18},
+        {"0.00000000024593", -18, 20},                // a tick is 2.5e10 units
+        {"762127.2 6264011; 34000.0; 7.0", -18, 13},  // overflows every third step, and bands that fall
+        {"10.10 0.00000000000001; 0.0001", 14841, 15},
+        {"70015137136.76 0.000000002; 0.000000000001", 6136780000349999988, 9},  // more places above the band
     };
     std::mt19937_64 random(nxRandomTest::GetSeed(1));
     for (const auto& [bands, mantissa, places] : rows)

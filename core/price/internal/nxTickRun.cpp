@@ -5,44 +5,52 @@
 
 #include "core/numeric/nxPowersOfTen.h"
 
-namespace
+// How many steps from a price of the stretch come at once: all that stay in it, and one more where that may wrap.
+std::uint64_t nxTickRun::_CountSteps(const _Stretch& stretch, std::int64_t value) const
 {
-bool EndsInZero(std::uint64_t mantissa) { return static_cast<std::int64_t>(mantissa) % 10 == 0; }
-}  // namespace
+    const std::uint64_t room = _isUp ? stretch.prices.CountAbove(value) : stretch.prices.CountBelow(value);
+    if (room < stretch.step || stretch.changesLastDigit)
+        return 1;
+    return room / stretch.step + (stretch.mayDropZeros ? 0 : 1);
+}
+
+// The stretch that holds the mantissa; null when none is known.
+const nxTickRun::_Stretch* nxTickRun::_Find(std::uint64_t scale, std::int64_t value)
+{
+    const auto holds = [&](const _Stretch& stretch)
+    { return stretch.scale == scale && stretch.prices.Contains(value); };
+    if (_learnt == 0)
+        return nullptr;
+    if (holds(_stretches[_last])) [[likely]]
+        return &_stretches[_last];
+    const auto end = _stretches.begin() + static_cast<std::ptrdiff_t>(std::min(_learnt, _stretches.size()));
+    const auto found = std::find_if(_stretches.begin(), end, holds);
+    if (found == end)
+        return nullptr;
+    _last = static_cast<std::size_t>(found - _stretches.begin());
+    return &*found;
+}
 
 std::uint64_t nxTickRun::Leap(nxDecimal& price, std::uint64_t wanted)
 {
-    const std::int64_t value = price.GetValue();
-    const auto holds = [&](const _Stretch& stretch)
-    { return stretch.scale == price.GetScale() && stretch.prices.Contains(value); };
-    if (_learnt == 0)
-        return 0;
-    if (!holds(_stretches[_last]))
+    std::int64_t value = price.GetValue();
+    std::uint64_t done = 0;
+    while (done != wanted)
     {
-        const auto end = _stretches.begin() + static_cast<std::ptrdiff_t>(std::min(_learnt, _stretches.size()));
-        const auto found = std::find_if(_stretches.begin(), end, holds);
-        if (found == end)
-            return 0;
-        _last = static_cast<std::size_t>(found - _stretches.begin());
+        const _Stretch* const stretch = _Find(price.GetScale(), value);
+        if (stretch == nullptr || (stretch->mayDropZeros && value % 10 == 0))
+            break;
+        const std::uint64_t steps = std::min(wanted - done, _CountSteps(*stretch, value));
+        const std::uint64_t distance = steps * stretch->step;
+        const auto start = static_cast<std::uint64_t>(value);
+        const auto landing = static_cast<std::int64_t>(_isUp ? start + distance : start - distance);
+        if (stretch->mayDropZeros && landing % 10 == 0)
+            break;
+        value = landing;
+        done += steps;
     }
-
-    const _Stretch& stretch = _stretches[_last];
-    const std::uint64_t room = _isUp ? stretch.prices.CountAbove(value) : stretch.prices.CountBelow(value);
-    const auto start = static_cast<std::uint64_t>(value);
-    const std::uint64_t step = _isUp ? stretch.step : 0 - stretch.step;
-    std::uint64_t steps = std::min(wanted, room / stretch.step + 1);
-    if (stretch.mayDropZeros)
-    {
-        // Within the stretch the last digit stays; the last step may lead out of it, and wrap.
-        if (!EndsInZero(stretch.step))
-            steps = 1;
-        steps -= EndsInZero(start + steps * step) ? 1 : 0;
-        if (EndsInZero(start))
-            return 0;
-    }
-    price = nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(start + steps * step),
-                                                          price.GetDecimalPlaces());
-    return steps;
+    price = nxDecimal::ConstructFromValueAndDecimalPlaces(value, price.GetDecimalPlaces());
+    return done;
 }
 
 // The end when the price has no band.
@@ -66,7 +74,7 @@ bool nxTickRun::_GoesBy(iterator band, const _Stretch& stretch, const nxDecimal&
     landing = nxDecimal::ConstructFromValueAndDecimalPlaces(
         static_cast<std::int64_t>(isOutwards ? mantissa + stretch.step : mantissa - stretch.step),
         price.GetDecimalPlaces());
-    return isOutwards != landing.IsNegative() && _table._BandAfterStep(band, isOutwards, landing) == band;
+    return !(isOutwards && landing.IsNegative()) && _table._BandAfterStep(band, isOutwards, landing) == band;
 }
 
 void nxTickRun::_Learn(const nxDecimal& price)
@@ -83,19 +91,18 @@ void nxTickRun::_Learn(const nxDecimal& price)
     stretch.step = static_cast<std::uint64_t>(band->second.GetValue()) *
                    nxPowersOfTen::GetInteger(std::size_t{places} - tickPlaces);
     stretch.mayDropZeros = places > tickPlaces;
+    stretch.changesLastDigit = stretch.mayDropZeros && stretch.step % 10 != 0;
     stretch.staysInItsBand = places == tickPlaces && nextPlaces != places;
     if (stretch.step == 0 || (places > tickPlaces && nextPlaces > places) || !_GoesBy(band, stretch, price))
         return;
 
-    // The last magnitude on the way from the price's own to `end` that goes by the band.
-    const bool isNegative = price.IsNegative();
-    const auto findLast = [&](std::uint64_t inside, std::uint64_t end)
+    // The last magnitude on the way from one inside to `end` that goes by the band.
+    const auto findLast = [&](bool isNegative, std::uint64_t inside, std::uint64_t end)
     {
-        std::uint64_t outside = end;
-        while (inside != outside)
+        while (inside != end)
         {
-            const bool isAbove = outside > inside;
-            const std::uint64_t distance = isAbove ? outside - inside : inside - outside;
+            const bool isAbove = end > inside;
+            const std::uint64_t distance = isAbove ? end - inside : inside - end;
             const std::uint64_t half = distance - distance / 2;
             const std::uint64_t middle = isAbove ? inside + half : inside - half;
             const auto mantissa = static_cast<std::int64_t>(middle);
@@ -103,14 +110,24 @@ void nxTickRun::_Learn(const nxDecimal& price)
                         nxDecimal::ConstructFromValueAndDecimalPlaces(isNegative ? -mantissa : mantissa, places)))
                 inside = middle;
             else
-                outside = isAbove ? middle - 1 : middle + 1;
+                end = isAbove ? middle - 1 : middle + 1;
         }
         return inside;
     };
-    const std::uint64_t magnitude = nxTickZone::Magnitude(price.GetValue());
-    const std::uint64_t least = findLast(magnitude, isNegative ? 1 : 0);
-    const std::uint64_t most = findLast(magnitude, INT64_MAX);
-    stretch.prices = {isNegative ? 0 - most : least, most - least};
+    if (band == _table._ranges.begin() && !stretch.staysInItsBand)
+    {
+        // The first band lies on both sides of 0.
+        const std::uint64_t least = findLast(true, 0, INT64_MAX);
+        stretch.prices = {0 - least, least + findLast(false, 0, INT64_MAX)};
+    }
+    else
+    {
+        const bool isNegative = price.IsNegative();
+        const std::uint64_t magnitude = nxTickZone::Magnitude(price.GetValue());
+        const std::uint64_t least = findLast(isNegative, magnitude, isNegative ? 1 : 0);
+        const std::uint64_t most = findLast(isNegative, magnitude, INT64_MAX);
+        stretch.prices = {isNegative ? 0 - most : least, most - least};
+    }
     _last = _learnt++ % _stretches.size();
     _stretches[_last] = stretch;
 }

@@ -40,14 +40,17 @@ private:
     {
         std::uint64_t scale;
         nxTickZone::Range prices;
-        std::uint64_t step;   // at the places of the prices
-        bool mayDropZeros;    // a result that ends in 0 may lose places
-        bool staysInItsBand;  // only prices whose step does
+        std::uint64_t step;     // at the places of the prices, modulo 2^64
+        bool mayDropZeros;      // a price that ends in 0 may lose places
+        bool changesLastDigit;  // as a step that has wrapped does
+        bool staysInItsBand;    // only prices whose step does
     };
 
     static constexpr unsigned _stepsToLearn = 32;
 
     bool _IsOutwards(bool isNegative) const { return _isUp != isNegative; }
+    const _Stretch* _Find(std::uint64_t scale, std::int64_t value);
+    std::uint64_t _CountSteps(const _Stretch& stretch, std::int64_t value) const;
     iterator _BandOfStep(const nxDecimal& price) const;
     bool _GoesBy(iterator band, const _Stretch& stretch, const nxDecimal& price) const;
     void _Learn(const nxDecimal& price);
