@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <set>
 
 #include "core/log/nxLogMacros.h"
 #include "core/numeric/nxPowersOfTen.h"
+#include "core/platform/nxByteSource.h"
 #include "core/price/internal/nxExactSum.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/text/nxOStream.h"
+#include "core/text/nxPrintableText.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
 
 namespace
@@ -21,16 +22,6 @@ constexpr std::size_t maxFileSize = std::size_t{4} << 20;
 constexpr std::string_view header = "name,band,upper_bound,increment";
 
 using Bands = nxCustomVariableTickTable::Bands;
-
-// Outside text in a message: short, and without control bytes.
-std::string Quote(std::string_view text)
-{
-    constexpr std::size_t shown = 40;
-    std::string quoted = "'";
-    for (const char c : text.substr(0, shown))
-        quoted += c >= ' ' && c <= '~' ? c : '?';
-    return quoted + (text.size() > shown ? "...'" : "'");
-}
 
 bool IsName(std::string_view text)
 {
@@ -56,7 +47,8 @@ std::string NumberText(const nxDecimal& number)
 // Each returns what is wrong, or nothing.
 std::string CheckName(std::string_view name)
 {
-    return IsName(name) ? "" : Quote(name) + " is not a name: 1 to 64 letters, digits, '_', '-' or '.'";
+    return IsName(name) ? ""
+                        : nxPrintableText::GetQuoted(name) + " is not a name: 1 to 64 letters, digits, '_', '-' or '.'";
 }
 
 std::string CheckNumber(const char* what, const nxDecimal& number)
@@ -101,6 +93,25 @@ Units GetUnits(const nxDecimal& number)
     return Units{number.GetValue()} * nxPowersOfTen::GetInteger(std::size_t{maxBandPlaces} - number.GetDecimalPlaces());
 }
 
+// Why a file has no text; empty where it has one.
+std::string DescribeFailure(nxByteSource::Outcome outcome)
+{
+    switch (outcome)
+    {
+        case nxByteSource::Outcome::NotOpened:
+            return "cannot be opened";
+        case nxByteSource::Outcome::NotRead:
+            return "cannot be read";
+        case nxByteSource::Outcome::TooLarge:
+            return "larger than 4 MiB";
+        case nxByteSource::Outcome::Silent:
+            return "a pipe to which nobody writes";
+        case nxByteSource::Outcome::Complete:
+            break;
+    }
+    return "";
+}
+
 // Reads the tables of a text line by line.
 class Reader
 {
@@ -142,7 +153,9 @@ private:
 
     static std::string ReadHeader(std::string_view line)
     {
-        return line == header ? "" : "expected the header " + Quote(header) + ", found " + Quote(line);
+        return line == header ? ""
+                              : "expected the header " + nxPrintableText::GetQuoted(header) + ", found " +
+                                    nxPrintableText::GetQuoted(line);
     }
 
     std::string ReadBand(std::string_view line)
@@ -158,7 +171,8 @@ private:
         Bands& bands = _tables.back().second;
         const std::string expected = std::to_string(bands.size() + 1);
         if (fields[1] != expected)
-            return "expected band " + expected + " of " + _tables.back().first + ", found " + Quote(fields[1]);
+            return "expected band " + expected + " of " + _tables.back().first + ", found " +
+                   nxPrintableText::GetQuoted(fields[1]);
         nxDecimal bound = nxDecimal::GetMaximumDecimal();
         nxDecimal increment;
         std::string fault = fields[2].empty() ? "" : ReadNumber(fields[2], bound);
@@ -213,8 +227,8 @@ private:
     {
         const auto digits = std::count_if(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
         if (digits > 18)
-            return Quote(text) + " has more than 18 digits";
-        return number.SetFromStringView(text, '.').IsOK() ? "" : Quote(text) + " is not a number";
+            return nxPrintableText::GetQuoted(text) + " has more than 18 digits";
+        return number.SetFromStringView(text, '.').IsOK() ? "" : nxPrintableText::GetQuoted(text) + " is not a number";
     }
 
     std::vector<std::pair<std::string, Bands>> _tables;
@@ -303,26 +317,13 @@ nxErrorEnum nxCustomVariableTickTable::ReadText(std::string_view text, Tables& t
 
 nxErrorEnum nxCustomVariableTickTable::ReadFile(const std::string& fileName, Tables& tables, std::string& reason)
 {
-    std::ifstream file;
-    // The system would open the name before a NUL, which is another file's.
-    if (fileName.find('\0') == std::string::npos)
-        file.open(fileName, std::ios::binary);
-    if (!file.is_open())
-    {
-        reason = fileName + ": cannot be opened";
-        return nxErrorEnum(NX_ERR_FAILED_TO_OPEN_FILE);
-    }
-    std::string text(maxFileSize + 1, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    if (file.bad() || text.size() > maxFileSize)
-    {
-        reason = fileName + (file.bad() ? ": cannot be read" : ": larger than 4 MiB");
-        return nxErrorEnum(NX_ERR_FILE_READ_ERR);
-    }
-    std::string fault;
-    const nxErrorEnum error = ReadText(text, tables, fault);
+    std::string text;
+    const nxByteSource::Outcome outcome = nxByteSource::ReadAll(fileName, maxFileSize, text);
+    std::string fault = DescribeFailure(outcome);
+    nxErrorEnum error(outcome == nxByteSource::Outcome::NotOpened ? NX_ERR_FAILED_TO_OPEN_FILE : NX_ERR_FILE_READ_ERR);
+    if (fault.empty())
+        error = ReadText(text, tables, fault);
     if (!error.IsOK())
-        reason = fileName + ": " + fault;
+        reason = nxPrintableText::GetEscaped(fileName) + ": " + fault;
     return error;
 }

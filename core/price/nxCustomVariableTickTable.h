@@ -54,9 +54,11 @@ public:
     [[nodiscard]] static nxErrorEnum Create(const std::string& name, const Bands& bands,
                                             std::unique_ptr<nxCustomVariableTickTable>& table, std::string& reason);
 
-    /// Replaces @p tables with those of a file. A name that holds a NUL cannot be opened.
+    /// Replaces @p tables with those of a file, of standard input ("/dev/stdin") or of a pipe. A name that holds a NUL
+    /// cannot be opened. A pipe is read to its end; one to which nobody writes, or nothing for a minute, is an error.
     /// @return NX_ERR_FAILED_TO_OPEN_FILE, NX_ERR_FILE_READ_ERR, or NX_ERR_CSV_FILE_READ_ERROR when the text is not in
-    ///         the form above; @p reason then names the file, and for the last the line.
+    ///         the form above; @p reason then names the file, and for the last the line; what could steer a
+    ///         terminal is escaped, see nxPrintableText.
     [[nodiscard]] static nxErrorEnum ReadFile(const std::string& fileName, Tables& tables, std::string& reason);
     /// Replaces @p tables with those of a text in the form of a file, of any size.
     /// @return NX_ERR_CSV_FILE_READ_ERROR; @p reason then names the line.

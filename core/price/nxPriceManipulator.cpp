@@ -1,7 +1,9 @@
 #include "core/price/nxPriceManipulator.h"
 
+#include <atomic>
 #include <cstdint>
 
+#include "core/log/nxLogMacros.h"
 #include "core/price/internal/nxExactSum.h"
 #include "core/price/nxVariableTickTable.h"
 #include "core/price/nxVariableTickTableContainer.h"
@@ -17,6 +19,13 @@ nxDecimal Multiple(const nxDecimal& increment, int count)
                                                          increment.GetDecimalPlaces());
 }
 }  // namespace
+
+void nxPriceManipulator::_WarnOfNoTable()
+{
+    static std::atomic<bool> isTold{false};
+    if (!isTold.exchange(true))
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "A price manipulator was given no tick table and leaves prices alone";
+}
 
 nxErrorEnum nxPriceManipulator::SetVariableTickTable(const std::string& id)
 {

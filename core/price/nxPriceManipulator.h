@@ -32,8 +32,13 @@ public:
     nxPriceManipulator() = default;
     /// A fixed tick.
     explicit nxPriceManipulator(const nxDecimal& tickIncrement) : _tickIncrement(tickIncrement) {}
-    /// A variable tick; null means none.
-    explicit nxPriceManipulator(const nxVariableTickTable* table) : _table(table) {}
+    /// A variable tick; null means none, and is told once in a process, as a warning in the log: an identifier that the
+    /// catalogue lacks would leave every price unrounded. See SetVariableTickTable(), which returns an error instead.
+    explicit nxPriceManipulator(const nxVariableTickTable* table) : _table(table)
+    {
+        if (table == nullptr) [[unlikely]]
+            _WarnOfNoTable();
+    }
 
     /// Takes the table of the catalogue that has the identifier @p id, "VTT_CHIX_CPH1".
     /// @return NX_ERR_NOT_FOUND when there is none; nothing is changed then.
@@ -56,6 +61,8 @@ public:
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const;
 
 private:
+    static void _WarnOfNoTable();
+
     const nxVariableTickTable* _table = nullptr;
     nxDecimal _tickIncrement = nxDecimal::GetNullDecimal();
 };

@@ -10,8 +10,8 @@
 #include "core/price/nxTickZone.h"
 #include "core/price/nxVariableTickTable.h"
 
-/// One thread's own place in a tick table: every answer is that of the table to the last place, without the table's
-/// lock. The cursor remembers the band of the last price in itself, so that neighbouring prices cost a nanosecond.
+/// One thread's own place in a tick table: every answer is that of a table that keeps the constraints, to the last place, without
+/// the table's lock. The cursor remembers the band of the last price in itself, so that neighbouring prices cost a nanosecond.
 /// @code
 /// nxTickTableCursor cursor(*table);              // one for each thread, and one for each instrument
 /// for (nxDecimal& quote : quotes)
@@ -27,6 +27,7 @@ class NX_CORE_API nxTickTableCursor
 public:
     /// A cursor that remembers no band yet.
     explicit nxTickTableCursor(const nxVariableTickTable& table) : _table(&table) {}
+    nxTickTableCursor(const nxVariableTickTable&&) = delete;  ///< Of a table that is gone before the cursor.
 
     /// @return the tick at @p price, which lives as long as the table; a null decimal when the price has no band.
     const nxDecimal& GetTickIncrement(const nxDecimal& price)

@@ -29,6 +29,9 @@ void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal
 void nxVariableTickTable::_AddTopRange(const nxDecimal& increment)
 {
     _AddRange(nxDecimal::GetMaximumDecimal(), increment);
+    if (!_CheckConstraints())
+        NX_LOG(NX_LOG_LEVEL_ERROR) << "Variable tick table: the bands are not ascending, or a bound or an increment is "
+                                      "not positive";
 }
 
 void nxVariableTickTable::_AddRanges(std::string_view bands)

@@ -43,9 +43,9 @@ class nxTickTableCursor;
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
 /// - Limits: comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps; a price that does not fit
 ///   them at the tick's places is garbage after the step.
-/// - Constraints: a table whose bands are not ascending, or not all positive, answers by what it was asked before, and
-///   otherwise than its cursors. The container refuses one; a class of your own asks _CheckConstraints() once it is built,
-///   which the top band does, with an error record in the log.
+/// - Constraints: bands ascend, and bounds and increments are positive. Otherwise the answers depend on what was asked
+///   before, and those of cursors differ. _AddTopRange() writes an error record to the log then; the constructor of a
+///   class of your own tests _CheckConstraints() at its end and tells its user.
 /// - Threads: a finished table is shared by any number of threads. Each search takes the table's lock, because the last
 ///   band found is remembered. A thread with many prices calls an operation on a span, which takes the lock once, or
 ///   keeps an nxTickTableCursor of its own, which takes none. Bands are added before the table is shared.
@@ -90,8 +90,7 @@ public:
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
     /// Costs some steps for each band on the way, however many ticks there are. Only steps that wrap cost more: a price
-    /// with so many places that few ticks fit 64 bits goes round again and again, and two billion steps can then take
-    /// TIMEWORST.
+    /// with so many places that few ticks fit 64 bits goes round again and again, at up to ten nanoseconds a step.
     void Increment(nxDecimal& price, int ticks) const;
     /// Moves each price by @p ticks single steps. Takes the lock once.
     void Increment(std::span<nxDecimal> prices, int ticks) const;
@@ -134,7 +133,8 @@ public:
 protected:
     /// Adds a band above the present ones.
     void _AddRange(const nxDecimal& upperBound, const nxDecimal& increment);
-    /// Adds the last band, which has no upper bound: its bound is the maximum decimal.
+    /// Adds the last band, which has no upper bound: its bound is the maximum decimal. An error record in the log tells
+    /// when the bands then fail the constraints.
     void _AddTopRange(const nxDecimal& increment);
     /// Adds the bands that a text lists, "4.990 0.010; 9.950 0.050; 0.100": bounds and increments, at the end the top
     /// increment alone. What is not a number becomes null and fails the constraints.

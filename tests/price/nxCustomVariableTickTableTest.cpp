@@ -1,6 +1,10 @@
 #include "core/price/nxCustomVariableTickTable.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <thread>
 
 #include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
@@ -92,7 +96,7 @@ TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
         {good + "A,3,,1\n,1,,1\n", "line 5: '' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
         {good + "A,3,,1\n\"B\",1,,1\n", "line 5: '\"B\"' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
         {good + "A,3,,1\n" + std::string("\x1B[2J\0\xFF", 6) + ",1,,1\n",
-         "line 5: '?[2J?\?' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
+         "line 5: '\\x1B[2J\\x00\\xFF' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
         {good + "A,3,," + std::string(100, 'x') + "\n",
          "line 4: 'xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...' is not a number"},
     };
@@ -167,9 +171,37 @@ TEST(nxCustomVariableTickTable, FilesNameThemselvesInTheReason)
     nxWriteFile(file, std::string((4 << 20) + 1, '\n'));
     EXPECT_TRUE(Custom::ReadFile(file, tables, reason) == NX_ERR_FILE_READ_ERR);
     EXPECT_EQ(reason, file + ": larger than 4 MiB");
-    EXPECT_FALSE(Custom::ReadFile(folder, tables, reason).IsOK());
-    EXPECT_EQ(reason.substr(0, folder.size()), folder);
+    EXPECT_TRUE(Custom::ReadFile(folder, tables, reason) == NX_ERR_FILE_READ_ERR);
+    EXPECT_EQ(reason, folder + ": cannot be read");
+    EXPECT_FALSE(Custom::ReadFile("no\x1B]0;x\x07", tables, reason).IsOK());
+    EXPECT_EQ(reason, "no\\x1B]0;x\\x07: cannot be opened");
     EXPECT_EQ(Describe(tables), "A: 10 0.01; 0.05; ");
+}
+
+// As the shell's <(...) and /dev/stdin are; one to which nobody writes is not waited for.
+TEST(nxCustomVariableTickTable, PipesAreReadToTheirEnd)
+{
+    Custom::Tables tables;
+    std::string reason;
+    const nxScratchDirectory scratch;
+    const std::string fifo = (scratch.GetPath() / "fifo").string();
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_TRUE(Custom::ReadFile(fifo, tables, reason) == NX_ERR_FILE_READ_ERR);
+    EXPECT_EQ(reason, fifo + ": a pipe to which nobody writes");
+
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    std::thread writer(
+        [&]
+        {
+            const std::string text = header + "A,1,,0.01\n" + std::string(100'000, '\n');  // more than a pipe holds
+            EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+            close(ends[1]);
+        });
+    EXPECT_TRUE(Custom::ReadFile("/dev/fd/" + std::to_string(ends[0]), tables, reason).IsOK()) << reason;
+    close(ends[0]);  // ends the writer, too, when nothing was read
+    writer.join();
+    EXPECT_EQ(Describe(tables), "A: 0.01; ");
 }
 
 TEST(nxCustomVariableTickTable, MadeFromAListOfBands)

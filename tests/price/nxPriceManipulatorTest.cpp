@@ -4,8 +4,10 @@
 
 #include <array>
 #include <climits>
+#include <cstdlib>
 
 #include "core/price/nxVariableTickTableContainer.h"
+#include "core/testing/nxCapturingLogDevice.h"
 
 namespace
 {
@@ -54,6 +56,21 @@ TEST(nxPriceManipulator, TakesItsTableFromTheCatalogue)
               nxVariableTickTableContainer::GetVariableTickTable("VTT_EURONEXT_07"));
     EXPECT_EQ(nxPriceManipulator(manipulator.GetVariableTickTable()).HasVariableTickTable(), true);
     EXPECT_FALSE(nxPriceManipulator(static_cast<const nxVariableTickTable*>(nullptr)).HasVariableTickTable());
+}
+
+TEST(nxPriceManipulator, ATableThatIsNullIsToldOnce)
+{
+    const auto makeTwo = []
+    {
+        nxCapturingLogDevice log;
+        for (int i = 0; i < 2; ++i)
+            nxPriceManipulator(nxVariableTickTableContainer::GetVariableTickTable("VTT_TYPO"));
+        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
+        const auto isWarning = [](const nxCapturedRecord& record) { return record.level == NX_LOG_LEVEL_WARNING; };
+        std::_Exit(log.Count(isWarning) == 1 ? 0 : 1);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");  // in a process of its own
+    EXPECT_EXIT(makeTwo(), testing::ExitedWithCode(0), "");
 }
 
 TEST(nxPriceManipulator, AFixedTickTakenTooOftenWraps)

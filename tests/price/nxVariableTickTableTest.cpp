@@ -203,8 +203,16 @@ TEST(nxVariableTickTable, ConstraintsRefuseWhatIsNotATable)
         {"9223372036854775806 0.01; 1", true},
         {"9223372036854775807 0.01; 1", false},
     };
+    nxCapturingLogDevice log;
+    std::size_t reports = 0;
     for (const auto& [bands, isTable] : rows)
+    {
         EXPECT_EQ(Table(bands)._CheckConstraints(), isTable) << bands;
+        reports += isTable ? 0 : 1;
+    }
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(10.0));
+    EXPECT_EQ(log.Count([](const nxCapturedRecord& record) { return record.level == NX_LOG_LEVEL_ERROR; }), reports)
+        << log;
     Table topless;
     EXPECT_FALSE(topless._CheckConstraints());
     topless._AddRange(D("10"), D("0.01"));
