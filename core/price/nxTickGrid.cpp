@@ -82,7 +82,6 @@ struct Extent
     std::uint64_t firstInwards;
     bool isNegative;
     bool isFirst;
-    bool isTop;
 
     nxTickZone::Range MakeRange(std::uint64_t from, std::uint64_t to) const
     {
@@ -116,9 +115,8 @@ void SetRounding(const Extent& extent, const Scale& scale, std::uint64_t divisor
     zone.start[3] = isNegative ? up : down;
 }
 
-// A step adds at the price's own scale. With the very places of the tick that is exact whatever the size, but the
-// comparison with the band below subtracts at the common scale and must not come near an overflow there.
-void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
+// A step adds at the price's own scale.
+void SetSteps(const Extent& extent, nxTickZone& zone)
 {
     const unsigned morePlaces = static_cast<unsigned>(zone.places - zone.tickPlaces);
     const std::uint64_t tick = nxTickZone::Magnitude(zone.increment->GetValue());
@@ -136,12 +134,11 @@ void SetSteps(const Extent& extent, const Scale& scale, nxTickZone& zone)
     else
     {
         const std::uint64_t firstInwards = std::max(extent.firstInwards, step);
-        const std::uint64_t lastInwards = morePlaces == 0 && extent.isTop ? maxMagnitude / 2 / scale.GetPower() : last;
-        // Then there are prices inwards, too: they begin one behind the first, and the top band's end beyond 2^49 units.
+        // Then there are prices inwards, too: they begin one behind the first.
         if (last < extent.first + step)
             return;
         const nxTickZone::Range outwards = extent.MakeRange(extent.first, last - step);
-        const nxTickZone::Range inwards = extent.MakeRange(firstInwards, lastInwards);
+        const nxTickZone::Range inwards = extent.MakeRange(firstInwards, last);
         zone.up = extent.isNegative ? inwards : outwards;
         zone.down = extent.isNegative ? outwards : inwards;
     }
@@ -244,10 +241,9 @@ void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zon
     Extent extent;
     extent.isNegative = price.IsNegative();
     extent.isFirst = index == 0;
-    extent.isTop = index + 1 == _ends.size();
     extent.first = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1]) + 1;
     extent.lastExact = scale.GetLastAt(_ends[index]);
-    extent.last = extent.isTop && !scale.IsFiner() ? maxMagnitude : extent.lastExact;
+    extent.last = index + 1 == _ends.size() && !scale.IsFiner() ? maxMagnitude : extent.lastExact;
     // On the point where this band's tick begins a step towards zero still goes by the band below.
     extent.firstInwards = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1] + 1) + 1;
 
@@ -272,5 +268,5 @@ void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zon
         SetRounding(extent, scale, divisor, zone);
     }
     if (stretch.hasOwnTick)
-        SetSteps(extent, scale, zone);
+        SetSteps(extent, zone);
 }

@@ -24,6 +24,8 @@ class nxTickTableCursor;
 /// a class whose constructor calls _AddRange() for each band and ends with _AddTopRange().
 /// @code
 /// const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
+/// if (table == nullptr)
+///     return;  // a mistyped identifier
 /// nxDecimal price("9.9985", '.');
 /// table->RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), price);  // 9.999
 /// table->Increment(price);                                                      // 10.000, now by ticks of 0.005

@@ -13,6 +13,8 @@ class nxVariableTickTable;
 /// The catalogue of tick tables: 150 regimes of exchanges, each found by its identifier, "VTT_" and the regime's name.
 /// @code
 /// const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_CPH1");
+/// if (table == nullptr)
+///     return;  // a mistyped identifier
 /// @endcode
 ///
 /// - Lookups are case-sensitive: "VTT_CHIX_lse1" and "VTT_CXE_mifid_1" keep their lower case.

@@ -513,8 +513,8 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
     }
 }
 
-// Runs of steps through doubles, or beyond what the integers of a table take, are as long as their single steps say,
-// and do not last: two billion of these one by one would take minutes.
+// Runs of steps beyond what the integers of a table take, or that wrap, are as long as their single steps say, and do not
+// last: two billion of these one by one would take minutes.
 TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
 {
     const std::tuple<const char*, long long, int> rows[] = {
