@@ -58,7 +58,7 @@ nxByteSource::Outcome nxByteSource::ReadAll(const std::string& name, std::size_t
     const InputDescriptor source(name.c_str());
     if (!source.IsOpen())
         return Outcome::NotOpened;
-    for (;;)
+    for (int inVain = 0; inVain < nxUninterrupted::Attempts;)
     {
         constexpr std::size_t piece = std::size_t{64} << 10;
         const std::size_t used = content.size();
@@ -74,5 +74,7 @@ nxByteSource::Outcome nxByteSource::ReadAll(const std::string& name, std::size_t
             return Outcome::NotRead;
         if (taken < 0 && !source.WaitForInput())
             return Outcome::Silent;
+        inVain = taken < 0 ? inVain + 1 : 0;
     }
+    return Outcome::NotRead;  // it says that there is input, and gives none
 }
