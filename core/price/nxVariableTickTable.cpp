@@ -196,11 +196,11 @@ void nxVariableTickTable::_DecreasePrice(nxDecimal& price, iterator band) const
 nxVariableTickTable::iterator nxVariableTickTable::_BandAfterStep(iterator band, bool isIncrease,
                                                                   const nxDecimal& price) const
 {
-    if (isIncrease ? !price.IsPositive() : !price.IsNegative())
+    const bool isOutwards = isIncrease ? price.IsPositive() : price.IsNegative();
+    if (!isOutwards || std::next(band) == _ranges.end())
         return band;
     const nxDecimal magnitude = nxDecimal::Abs(price);
-    const bool isBeyond = magnitude.IsNegative() || magnitude > band->first;
-    return isBeyond && std::next(band) != _ranges.end() ? std::next(band) : band;
+    return magnitude.IsNegative() || magnitude > band->first ? std::next(band) : band;
 }
 
 // The band whose increment a step from a price in `band` uses.

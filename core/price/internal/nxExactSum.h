@@ -36,15 +36,20 @@ public:
     /// the doubles of decimal arithmetic.
     static void Add(nxDecimal& price, const nxDecimal& tick, bool isUp)
     {
-        nxDecimal addend = tick;
-        if (long long ignored = 0; price.GetScale() != tick.GetScale() && price.IsValid() && tick.IsValid() &&
-                                   _ScaleUp(price, tick.GetDecimalPlaces(), ignored))
+        const std::uint64_t present = price.GetScale();
+        const std::uint64_t wanted = tick.GetScale();
+        long long start = price.GetValue();
+        if (present == wanted || !price.IsValid() || !tick.IsValid() ||
+            (present < wanted && !_ScaleUp(price, tick.GetDecimalPlaces(), start)))
         {
-            const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
-            price.SetDecimalPlaces(places, false);
-            addend.SetDecimalPlaces(places, false);
+            isUp ? price += tick : price -= tick;
+            return;
         }
-        isUp ? price += addend : price -= addend;
+        const std::uint64_t power = present > wanted ? nxPowersOfTen::GetInteger(present - wanted) : 1;
+        const std::uint64_t step = static_cast<std::uint64_t>(tick.GetValue()) * power;
+        const std::uint64_t sum = static_cast<std::uint64_t>(start) + (isUp ? step : 0 - step);
+        price = nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<long long>(sum),
+                                                              static_cast<unsigned char>(std::max(present, wanted)));
     }
 
     /// @return whether a price is at most @p tick above @p bound; all are positive. Where one has so many more places

@@ -8,7 +8,7 @@
 // How many steps from a price of the stretch come at once: all that stay in it, and one more where that may wrap.
 std::uint64_t nxTickRun::_CountSteps(const _Stretch& stretch, std::int64_t value) const
 {
-    const std::uint64_t room = _isUp ? stretch.prices.CountAbove(value) : stretch.prices.CountBelow(value);
+    const std::uint64_t room = _isUp ? stretch.GetPrices().CountAbove(value) : stretch.GetPrices().CountBelow(value);
     if (room < stretch.step || stretch.changesLastDigit)
         return 1;
     return room / stretch.step + (stretch.mayDropZeros ? 0 : 1);
@@ -18,9 +18,7 @@ std::uint64_t nxTickRun::_CountSteps(const _Stretch& stretch, std::int64_t value
 const nxTickRun::_Stretch* nxTickRun::_Find(std::uint64_t scale, std::int64_t value)
 {
     const auto holds = [&](const _Stretch& stretch)
-    { return stretch.scale == scale && stretch.prices.Contains(value); };
-    if (_learnt == 0)
-        return nullptr;
+    { return stretch.scale == scale && stretch.GetPrices().Contains(value); };
     if (holds(_stretches[_last])) [[likely]]
         return &_stretches[_last];
     const auto end = _stretches.begin() + static_cast<std::ptrdiff_t>(std::min(_learnt, _stretches.size()));
@@ -31,7 +29,7 @@ const nxTickRun::_Stretch* nxTickRun::_Find(std::uint64_t scale, std::int64_t va
     return &*found;
 }
 
-std::uint64_t nxTickRun::Leap(nxDecimal& price, std::uint64_t wanted)
+std::uint64_t nxTickRun::_LeapAsLearnt(nxDecimal& price, std::uint64_t wanted)
 {
     std::int64_t value = price.GetValue();
     std::uint64_t done = 0;
@@ -118,7 +116,8 @@ void nxTickRun::_Learn(const nxDecimal& price)
     {
         // The first band lies on both sides of 0.
         const std::uint64_t least = findLast(true, 0, INT64_MAX);
-        stretch.prices = {0 - least, least + findLast(false, 0, INT64_MAX)};
+        stretch.first = 0 - least;
+        stretch.span = least + findLast(false, 0, INT64_MAX);
     }
     else
     {
@@ -126,7 +125,8 @@ void nxTickRun::_Learn(const nxDecimal& price)
         const std::uint64_t magnitude = nxTickZone::Magnitude(price.GetValue());
         const std::uint64_t least = findLast(isNegative, magnitude, isNegative ? 1 : 0);
         const std::uint64_t most = findLast(isNegative, magnitude, INT64_MAX);
-        stretch.prices = {isNegative ? 0 - most : least, most - least};
+        stretch.first = isNegative ? 0 - most : least;
+        stretch.span = most - least;
     }
     _last = _learnt++ % _stretches.size();
     _stretches[_last] = stretch;

@@ -23,7 +23,10 @@ public:
 
     /// Moves the price by as many of the @p wanted steps as the stretch around it tells.
     /// @return how many; 0 when the price lies in no stretch that is known.
-    std::uint64_t Leap(nxDecimal& price, std::uint64_t wanted);
+    std::uint64_t Leap(nxDecimal& price, std::uint64_t wanted)
+    {
+        return _learnt == 0 ? 0 : _LeapAsLearnt(price, wanted);
+    }
 
     /// To be called before each single step by the decimal rules; learns now and then, because a stretch costs as much
     /// as some hundred steps.
@@ -39,16 +42,20 @@ private:
     struct _Stretch
     {
         std::uint64_t scale;
-        nxTickZone::Range prices;
+        std::uint64_t first;  // a range, without initial values: most runs learn nothing
+        std::uint64_t span;
         std::uint64_t step;     // at the places of the prices, modulo 2^64
         bool mayDropZeros;      // a price that ends in 0 may lose places
         bool changesLastDigit;  // as a step that has wrapped does
         bool staysInItsBand;    // only prices whose step does
+
+        nxTickZone::Range GetPrices() const { return {first, span}; }
     };
 
     static constexpr unsigned _stepsToLearn = 32;
 
     bool _IsOutwards(bool isNegative) const { return _isUp != isNegative; }
+    std::uint64_t _LeapAsLearnt(nxDecimal& price, std::uint64_t wanted);
     const _Stretch* _Find(std::uint64_t scale, std::int64_t value);
     std::uint64_t _CountSteps(const _Stretch& stretch, std::int64_t value) const;
     iterator _BandOfStep(const nxDecimal& price) const;
