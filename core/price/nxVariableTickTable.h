@@ -92,7 +92,8 @@ public:
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
     /// Costs some steps for each band on the way, however many ticks there are. Only steps that wrap cost more: a price
-    /// with so many places that few ticks fit 64 bits goes round again and again, at some five nanoseconds a step: ten seconds for two billion.
+    /// with so many places that few ticks fit 64 bits goes round again and again, at some five nanoseconds a step: ten
+    /// seconds for two billion.
     void Increment(nxDecimal& price, int ticks) const;
     /// Moves each price by @p ticks single steps. Takes the lock once.
     void Increment(std::span<nxDecimal> prices, int ticks) const;
