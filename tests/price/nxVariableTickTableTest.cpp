@@ -519,27 +519,20 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
 TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
 {
     const std::tuple<const char*, long long, int> rows[] = {
-        {"10 0.01; 0.05", 12123456789, 9},             // past 2^49 units after some millions of steps
-        {"10 0.01; 0.05", -4503599627370497, 3},       // on either side of 2^49 units
-        {"10 0.01; 0.05", 4503599627370491, 3},        //
-        {"0.5", 12345678901234563, 1},                 //
-        {"10 0.01; 0.5", 12345678901234563, 2},        // above another band
-        {"0.25", 90071992547409931, 1},                //
-        {"10 0.01; 1", 4000000000000000000, 0},        // the comparison with 10.00 wraps
+        {"10 0.01; 0.05", 12123456789, 9},        // past 2^49 units after some millions of steps
+        {"10 0.01; 0.05", -4503599627370497, 3},  // on either side of 2^49 units
+        {"10 0.01; 0.5", 12345678901234563, 2},
+        {"10 0.01; 1", 4000000000000000000, 0},        // the sum with 0.01 does not fit
         {"10 0.01; 1", -9000000000000000007, 0},       //
-        {"10 0.01; 1", 200000000000000000, 0},         // it wraps to a difference that looks like one
-        {"10 0.001; 1.0", 210000000000000005, 1},      // also from one place to three,
-        {"10 0.01; 1", 184467440737096016, 0},         // until that falls below 10.00, after 500 steps,
-        {"10 0.01; 1", -184467440738095517, 0},        // or a thousand million
-        {"10 0.01; 1", 92233720368548258, 0},          // or once the difference no longer exceeds 2^63
+        {"10 0.001; 1.0", 210000000000000005, 1},      // also from one place to three
         {"0.00000000000000001", 1234567891, 18},       // as many places as a power of ten has
         {"10 4000000000.00; 1", 20, 0},                // the tick below is larger, and finer
         {"1000000000000 0.0001; 0.05", 3141592, 4},    // bounds beyond the integers
         {"1000000000000 0.0001; 0.05", 314159265, 7},  //
         {"0.5 0.00000001; 0.25", 22000000017, 10},
         {"0.00000001", 7777777777777777, 9},
-        {"0.0000000001", 1234567890123457, 12},  // repeats itself only after 10^10 steps, yet is exact
-        {"0.00025", 1234567890123456789, 15},    // overflows on the way
+        {"0.0000000001", 1234567890123457, 12},
+        {"0.00025", 1234567890123456789, 15},  // overflows on the way
         {"0.00000001", 123456789012345678, 18},
         {"0.00000000024593", -18, 20},                // a tick is 2.5e10 units
         {"762127.2 6264011; 34000.0; 7.0", -18, 13},  // overflows every third step, and bands that fall
