@@ -23,7 +23,6 @@ rows "line ends may differ from row to row" "$header\r\na,1\nb,2\r\n" \
 rows "empty lines are no rows" "\n$header\n\na,1\n\r\n\n" "\n$added\n\na,1,0.05,1.00,0.00\n\r\n\n" 1 0
 rows "header alone" "$header\n" "$added\n" 0 0
 rows "header alone, unfinished" "$header" "$added" 0 0
-rows "more columns than the header has" "$header\na,1,x,y\n" "$added\na,1,x,y,0.05,1.00,0.00\n" 1 0
 rows "quotes" "\"D\",\"Price\"\n\"a,b\",\"1.23\"\n\"c\"\"d\",1.25\n" \
     "\"D\",\"Price\",tick,snapped,moved\n\"a,b\",\"1.23\",0.05,1.25,0.02\n\"c\"\"d\",1.25,0.05,1.25,0.00\n" 1 1
 rows "line ends and commas inside quotes" "$header\n\"a\nb,9\r\n\",1.23\n\"\",1\n" \
@@ -36,6 +35,16 @@ rows "forms of a number" "$header\na,+1.\nb,.5\nc,-0\nd,0001.2500\n" \
     "$added\na,+1.,0.05,1.00,0.00\nb,.5,0.05,0.50,0.00\nc,-0,0.05,0.00,0.00\nd,0001.2500,0.05,1.25,0.0000\n" 4 0
 rows "many decimals, exactly" "$header\na,25.300000000000001\nb,1234567890123456.1\n" \
     "$added\na,25.300000000000001,0.05,25.30,-0.000000000000001\nb,1234567890123456.1,0.05,1234567890123456.10,0.00\n" 1 1
+
+# Added columns whose names are taken are named after the column, so that runs can follow each other.
+printf 'Bid,"A,""k"\n1.23,1.26\n' >chain.csv
+for column in Bid 'A,"k' 'A,"k'; do
+    run 0 -increment 0.05 -column "$column" -csv chain.csv
+    mv out chain.csv
+done
+same "chain" 'Bid,"A,""k",tick,snapped,moved,"A,""k_tick","A,""k_snapped","A,""k_moved",'"\
+"'"A,""k_tick_2","A,""k_snapped_2","A,""k_moved_2"
+1.23,1.26,0.05,1.25,0.02,0.05,1.25,-0.01,0.05,1.25,-0.01' "$(cat chain.csv)"
 
 # How far a price moves is exact up to the last mantissa of 64 bits; beyond it the row is rejected.
 run 1 -increment 10 -column Price -method up < <(printf 'Price\n0.776627963145224193\n0.776627963145224192\n')
@@ -54,19 +63,23 @@ same "last row" '"60000",1.23,0.05,1.25,0.02' "$(tail -n 1 out)"
 same "rows, all alike" "60001 1.25" "$(awk -F, 'NR > 1 {++n; seen[$4] = 1} END {for (s in seen) t = t " " s; print n t}' out)"
 
 # What is rejected: the row goes through, the line and the reason are told, and the run ends with 1.
-printf '%b' "$header\na,x\n\"b\nb\",\nc\nd,1.23\ne,1e5\nf,1234567890123456789\ng,\"1.2\n3\"\n" >bad.csv
+printf '%b' "$header\na,x\n\"b\nb\",\nc\nd,1.23\ne,1e5\nf,1234567890123456789\ng,\"1.2\n3\"\nh,36,98\ni,1,x,y\nj,\"36,98\",\n" >bad.csv
 run 1 -increment 0.05 -csv bad.csv -column Price
-out_is "$added\na,x,,,\n\"b\nb\",,,,\nc,,,\nd,1.23,0.05,1.25,0.02\ne,1e5,,,\nf,1234567890123456789,,,\ng,\"1.2\n3\",,,\n"
+out_is "$added\na,x,,,\n\"b\nb\",,,,\nc,,,,\nd,1.23,0.05,1.25,0.02\ne,1e5,,,\nf,1234567890123456789,,,\ng,\"1.2\n3\",,,
+h,36,98,,,\ni,1,x,y,,,\nj,\"36,98\",,,,\n"
 err_is "bad.csv:2: 'x' is not a price
 bad.csv:3: there is no price
-bad.csv:5: the row has too few columns
+bad.csv:5: the row has 1 field, the header 2
 bad.csv:7: '1e5' is not a price
 bad.csv:8: '1234567890123456789' has more digits than a price can hold
 bad.csv:9: '1.2\\\\x0A3' is not a price
-rows  7
+bad.csv:11: the row has 3 fields, the header 2; a decimal comma?
+bad.csv:12: the row has 4 fields, the header 2
+bad.csv:13: the row has 3 fields, the header 2
+rows  10
 on the grid  0
 moved  1
-rejected  6
+rejected  9
 time
 prices a second\n"
 run 1 -increment 0.05 -column Price < <(printf "$header\na,x\n")

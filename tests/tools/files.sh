@@ -40,8 +40,12 @@ for input in open.csv missing.csv .; do
     same "none.csv" "" "$(ls none.csv 2>/dev/null)"
 done
 refused "open.csv:2: a quote is opened in this row and never closed" $snap -csv open.csv -out kept.csv
-{ echo Price; head -c 1200000 /dev/zero | tr '\0' 'x'; } >long.csv
-refused "long.csv:2: the row that begins here is longer than 1048576 bytes" $snap -csv long.csv -out kept.csv
+{ echo 'Note,Price'; head -c 17000000 /dev/zero | tr '\0' 'x'; } >long.csv
+refused "long.csv:2: the row that begins here is longer than 16777216 bytes, the most that is read" \
+    -increment 0.05 -column Price -csv long.csv -out kept.csv
+head -c 16000000 long.csv | sed '$s/$/,1.23/' >fits.csv
+run 0 $snap -csv fits.csv -out long.csv
+same "a long row" ",1.23,0.05,1.25,0.02" "$(tail -c 21 long.csv)"
 refused "cannot write kept.csv/x: Not a directory" $snap -csv good.csv -out kept.csv/x
 refused "cannot write .: Is a directory" $snap -csv good.csv -out .
 nothing_left

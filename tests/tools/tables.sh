@@ -39,8 +39,8 @@ same "given bands" "1 9.999 0.001;2 9.999 49.995 0.005;3 49.995 99.99 0.01;" \
 run 0 -table EURONEXT_07
 same "name without prefix" "VTT_EURONEXT_07" "$(head -n 1 out)"
 
-refused "there is no tick table 'VTT_CHIX_CPH3'; did you mean VTT_CHIX_CPH1 or VTT_CHIX_CPH2?" -table VTT_CHIX_CPH3
-refused "there is no tick table 'chix_lse1'; did you mean VTT_CHIX_lse1 or VTT_CHIX_lse2?" -table chix_lse1
+refused "there is no tick table 'VTT_CHIX_CPH3'; did you mean 'VTT_CHIX_CPH1' or 'VTT_CHIX_CPH2'?" -table VTT_CHIX_CPH3
+refused "there is no tick table 'chix_lse1'; did you mean 'VTT_CHIX_lse1' or 'VTT_CHIX_lse2'?" -table chix_lse1
 refused "there is no tick table 'nonsense'; nxtick -list shows all" -table nonsense -price 1
 refused "there is no tick table 'TWO'; nxtick -list shows all" -table TWO -csv own.csv -column band
 

@@ -10,6 +10,8 @@ namespace nxtick
 {
 namespace
 {
+constexpr std::size_t usualBufferSize = std::size_t{1} << 20;
+
 // Takes the quotes off one raw field; text behind the closing quote is kept as it stands.
 std::string Unquote(std::string_view raw)
 {
@@ -48,24 +50,30 @@ std::string_view FirstField(std::string_view rest)
 }
 
 std::string_view FirstFieldWithoutQuotes(std::string_view rest) { return rest.substr(0, rest.find(',')); }
+
+std::size_t CountCommas(std::string_view text)
+{
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), ','));
+}
 }  // namespace
 
-bool CsvRow::GetField(std::size_t index, std::string& scratch, std::string_view& field) const
+std::size_t CsvRow::FindField(std::size_t index, std::string& scratch, std::string_view& field) const
 {
     std::string_view rest = content;
-    for (;; --index)
+    for (std::size_t count = 1;; ++count)
     {
         const std::string_view raw = hasQuotes ? FirstField(rest) : FirstFieldWithoutQuotes(rest);
-        if (index == 0)
+        if (count == index + 1)
         {
             field = raw;
             if (!raw.empty() && raw.front() == '"')
                 field = scratch = Unquote(raw);
-            return true;
         }
         if (raw.size() == rest.size())
-            return false;
+            return count;
         rest.remove_prefix(raw.size() + 1);
+        if (count > index && !hasQuotes)
+            return count + 1 + CountCommas(rest);
     }
 }
 
@@ -83,7 +91,10 @@ std::vector<std::string> CsvRow::GetFields() const
     }
 }
 
-CsvReader::CsvReader(Source source, std::size_t maximumRowSize) : _source(std::move(source)), _buffer(maximumRowSize) {}
+CsvReader::CsvReader(Source source, std::size_t maximumRowSize)
+    : _source(std::move(source)), _maximumRowSize(maximumRowSize), _buffer(std::min(usualBufferSize, maximumRowSize))
+{
+}
 
 bool CsvReader::Next(CsvRow& row)
 {
@@ -171,14 +182,21 @@ bool CsvReader::_Refill()
         _begin = 0;
     }
     if (_end == _buffer.size())
-        throw FileFailure(std::to_string(_line) + ": the row that begins here is longer than " +
-                          std::to_string(_buffer.size()) + " bytes" +
-                          (_rowHasQuotes ? "; is a quote never closed?" : ""));
+        _MakeRoom();
     const std::size_t size = _source(_buffer.data() + _end, _buffer.size() - _end);
     _atEnd = size == 0;
     _end += size;
     _quote = nullptr;
     return !_atEnd;
+}
+
+void CsvReader::_MakeRoom()
+{
+    if (_buffer.size() >= _maximumRowSize)
+        throw FileFailure(std::to_string(_line) + ": the row that begins here is longer than " +
+                          std::to_string(_maximumRowSize) + " bytes, the most that is read" +
+                          (_rowHasQuotes && _state == State::Quoted ? "; is a quote never closed?" : ""));
+    _buffer.resize(std::min(2 * _buffer.size(), _maximumRowSize));
 }
 
 void CsvReader::_TakeRow(CsvRow& row, std::size_t size, std::size_t terminatorSize)

@@ -18,18 +18,18 @@ struct CsvRow
     std::uint64_t line = 0;       ///< The line on which the row begins, from 1.
     bool hasQuotes = false;       ///< Whether any byte of the row is a quote.
 
-    /// Finds a field and takes its quotes off.
+    /// Finds a field, takes its quotes off, and counts the fields.
     /// @param index from 0.
     /// @param scratch holds the text where quotes had to be taken out of it.
     /// @param field the text; untouched when the row has no such field.
-    /// @return whether the row has that many fields.
-    bool GetField(std::size_t index, std::string& scratch, std::string_view& field) const;
+    /// @return how many fields the row has.
+    std::size_t FindField(std::size_t index, std::string& scratch, std::string_view& field) const;
 
     /// All fields, without quotes.
     std::vector<std::string> GetFields() const;
 };
 
-/// Reads CSV row by row in constant memory: fields divided by commas, a field in double quotes may hold commas, line
+/// Reads CSV row by row in bounded memory: fields divided by commas, a field in double quotes may hold commas, line
 /// ends and doubled quotes, lines end with LF or CRLF. A quote inside an unquoted field is an ordinary character.
 ///
 /// Why not a library: the rows have to go through byte for byte, so the reader must say where each row begins and ends
@@ -43,11 +43,11 @@ public:
     /// Failure.
     using Source = std::function<std::size_t(char*, std::size_t)>;
 
-    static constexpr std::size_t usualMaximumRowSize = std::size_t{1} << 20;
+    static constexpr std::size_t usualMaximumRowSize = std::size_t{1} << 24;
 
     /// @param source is called once for each block and lives at least as long as the reader.
-    /// @param maximumRowSize a row may be this long, its line end included; more is taken for a quote that somebody
-    ///        forgot to close. The memory that the reader takes.
+    /// @param maximumRowSize a row may be this long, its line end included. The memory that the reader takes is 1 MiB,
+    ///        and this much at most once rows are longer.
     explicit CsvReader(Source source, std::size_t maximumRowSize = usualMaximumRowSize);
 
     /// Reads the next row; empty lines are rows with empty content.
@@ -67,9 +67,11 @@ private:
     bool _FindLineEnd();
     const char* _NextQuote();
     bool _Refill();
+    void _MakeRoom();
     void _TakeRow(CsvRow& row, std::size_t size, std::size_t terminatorSize);
 
     Source _source;
+    std::size_t _maximumRowSize;
     std::vector<char> _buffer;
     std::size_t _begin = 0;  // the current row in _buffer
     std::size_t _end = 0;    // of the bytes read

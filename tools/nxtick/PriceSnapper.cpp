@@ -1,11 +1,10 @@
 #include "PriceSnapper.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 #include <vector>
 
-#include "Failure.h"
+#include "CsvHeader.h"
 #include "Text.h"
 #include "WideMantissa.h"
 
@@ -13,12 +12,35 @@ namespace nxtick
 {
 namespace
 {
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-std::string Trimmed(const std::string& text)
+// How text stands in a field.
+std::string AsField(const std::string& text)
 {
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string field = "\"";
+    for (const char c : text)
+        field += c == '"' ? "\"\"" : std::string(1, c);
+    return field += '"';
+}
+
+bool IsDigit(char c) { return '0' <= c && c <= '9'; }
+
+// Whether a number with a decimal comma would read as these fields: digits alone behind a field that ends in a digit.
+bool MayHaveDecimalComma(const std::vector<std::string>& fields)
+{
+    for (std::size_t i = 1; i < fields.size(); ++i)
+        if (!fields[i - 1].empty() && IsDigit(fields[i - 1].back()) && !fields[i].empty() &&
+            std::all_of(fields[i].begin(), fields[i].end(), &IsDigit))
+            return true;
+    return false;
+}
+
+// What is wrong with a row of so many fields below a header of another number.
+std::string WrongNumberOfFields(const CsvRow& row, std::size_t count, std::size_t expected)
+{
+    return "the row has " + std::to_string(count) + (count == 1 ? " field" : " fields") + ", the header " +
+           std::to_string(expected) +
+           (count > expected && MayHaveDecimalComma(row.GetFields()) ? "; a decimal comma?" : "");
 }
 
 // The snapped price less the price, exactly; false when a decimal does not hold it.
@@ -36,22 +58,15 @@ PriceSnapper::PriceSnapper(PriceGrid& grid, const nxRoundingMethodEnum& method, 
 
 void PriceSnapper::Header(const CsvRow& row, const std::string& column)
 {
-    _column = column;
-    CsvRow withoutMark = row;
-    if (withoutMark.content.substr(0, byteOrderMark.size()) == byteOrderMark)
-        withoutMark.content.remove_prefix(byteOrderMark.size());
-    std::vector<std::string> names = withoutMark.GetFields();
-    std::transform(names.begin(), names.end(), names.begin(), &Trimmed);
-
-    const std::string place = std::to_string(row.line) + ": ";
-    const auto found = std::find(names.begin(), names.end(), column);
-    if (found == names.end())
-        throw FileFailure(place + "there is no column " + Quoted(column) +
-                          Suggestion(column, std::set<std::string>(names.begin(), names.end())));
-    if (std::find(found + 1, names.end(), column) != names.end())
-        throw FileFailure(place + "there are several columns " + Quoted(column));
-    _index = static_cast<std::size_t>(found - names.begin());
-    _added = _grid.HasBands() ? ",tick,snapped,moved,below,above" : ",tick,snapped,moved";
+    const CsvHeader header(row);
+    _index = header.Find(column);
+    _fields = header.GetSize();
+    std::vector<std::string> names = {"tick", "snapped", "moved"};
+    if (_grid.HasBands())
+        names.insert(names.end(), {"below", "above"});
+    _added.clear();
+    for (const std::string& name : header.GetNewNames(column, names))
+        _added += "," + AsField(name);
     _Pass(row);
 }
 
@@ -62,31 +77,32 @@ void PriceSnapper::Row(const CsvRow& row)
     {
         ++_counts.rows;
         std::string_view field;
-        nxDecimal price;
-        const char* reason = _ReadPrice(row, field, price);
-        if (reason == nullptr)
-            reason = _Snap(price);
-        if (reason != nullptr)
-        {
-            ++_counts.rejected;
-            _added = _grid.HasBands() ? ",,,,," : ",,,";
-            _complaint(row.line, field.data() == nullptr ? reason : Quoted(field) + " " + reason);
-        }
+        const std::size_t count = row.FindField(_index, _scratch, field);
+        const std::string reason = count == _fields ? _SnapField(field) : WrongNumberOfFields(row, count, _fields);
+        if (!reason.empty())
+            _Reject(row, count, reason);
     }
     _Pass(row);
 }
 
-// Null on success, else the reason; with a field to show unless there is none.
-const char* PriceSnapper::_ReadPrice(const CsvRow& row, std::string_view& field, nxDecimal& price)
+void PriceSnapper::_Reject(const CsvRow& row, std::size_t count, const std::string& reason)
 {
-    if (!row.GetField(_index, _scratch, field))
-        return "the row has too few columns";
+    ++_counts.rejected;
+    const std::size_t missing = _fields - std::min(count, _fields);
+    _added.assign(missing + (_grid.HasBands() ? 5 : 3), ',');
+    _complaint(row.line, reason);
+}
+
+// Empty on success, else the reason; no column is added then.
+std::string PriceSnapper::_SnapField(std::string_view field)
+{
     if (field.find_first_not_of(" \t") == std::string_view::npos)
-    {
-        field = {};
         return "there is no price";
-    }
-    return _grid.ReadPrice(field, price);
+    nxDecimal price;
+    const char* reason = _grid.ReadPrice(field, price);
+    if (reason == nullptr)
+        reason = _Snap(price);
+    return reason == nullptr ? std::string() : Quoted(field) + " " + reason;
 }
 
 // Null on success, else the reason; no column is added then.

@@ -24,8 +24,11 @@ struct SnapCounts
 /// Snaps one column of a CSV file to a grid: every row goes through byte for byte, with columns added at its end.
 ///
 /// Added are `tick`, `snapped` and `moved` (the snapped price less the price), and, for a grid with bands, `below` and
-/// `above`, the next prices of the grid on both sides of the price. They stay empty where the row is rejected: the price
-/// does not parse, or the distance has more digits than a decimal.
+/// `above`, the next prices of the grid on both sides of the price. CsvHeader says what they are called where such names
+/// are taken. They stay empty where the row is rejected: it has more or fewer fields than the header, so that nobody
+/// knows which of them is the price, or the price does not parse, or the distance has more digits than a decimal.
+/// A rejected row that is too short gets the fields it lacks, empty, so that the added ones stand below their names; one
+/// that is too long stays too long by as much, for whoever counts.
 /// Empty lines go through as they are and count as no rows.
 class PriceSnapper
 {
@@ -38,7 +41,7 @@ public:
     PriceSnapper(PriceGrid& grid, const nxRoundingMethodEnum& method, Sink sink, Complaint complaint);
 
     /// Takes the row that names the columns; the first row that is not an empty line.
-    /// @throws FileFailure "LINE: reason" when the column is missing or there twice.
+    /// @throws FileFailure "LINE: reason" when the column is missing or there twice, or the file has to be converted.
     void Header(const CsvRow& row, const std::string& column);
 
     /// Takes any further row.
@@ -47,8 +50,9 @@ public:
     const SnapCounts& GetCounts() const { return _counts; }
 
 private:
-    const char* _ReadPrice(const CsvRow& row, std::string_view& field, nxDecimal& price);
+    std::string _SnapField(std::string_view field);
     const char* _Snap(const nxDecimal& price);
+    void _Reject(const CsvRow& row, std::size_t count, const std::string& reason);
     void _Add(const nxDecimal& value);
     void _Pass(const CsvRow& row);
 
@@ -56,8 +60,8 @@ private:
     nxRoundingMethodEnum _method;
     Sink _sink;
     Complaint _complaint;
-    std::string _column;
-    std::size_t _index = 0;
+    std::size_t _index = 0;   // of the prices' column
+    std::size_t _fields = 0;  // that the header has
     SnapCounts _counts;
     std::string _added;    // the columns of the row at hand
     std::string _scratch;  // its price field without quotes

@@ -75,7 +75,7 @@ std::string Suggestion(const std::string& wrong, const std::set<std::string>& ca
         ++count;
     std::string text = "; did you mean ";
     for (std::size_t i = 0; i < count; ++i)
-        text.append(i == 0 ? "" : i + 1 == count ? " or " : ", ").append(near[i].second);
+        text.append(i == 0 ? "" : i + 1 == count ? " or " : ", ").append(Quoted(near[i].second));
     return text += "?";
 }
 
