@@ -45,7 +45,7 @@ refused "long.csv:2: the row that begins here is longer than 16777216 bytes, the
     -increment 0.05 -column Price -csv long.csv -out kept.csv
 head -c 16000000 long.csv | sed '$s/$/,1.23/' >fits.csv
 run 0 $snap -csv fits.csv -out long.csv
-same "a long row" ",1.23,0.05,1.25,0.02" "$(tail -c 21 long.csv)"
+same "a long row" "x,1.23,0.05,1.25,0.02" "$(tail -c 21 long.csv)"
 refused "cannot write kept.csv/x: Not a directory" $snap -csv good.csv -out kept.csv/x
 refused "cannot write .: Is a directory" $snap -csv good.csv -out .
 nothing_left

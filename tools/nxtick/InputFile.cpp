@@ -8,11 +8,12 @@
 #include <cstring>
 
 #include "Failure.h"
+#include "core/text/nxPrintableText.h"
 
 namespace nxtick
 {
 InputFile::InputFile(const std::string& path)
-    : _name(path.empty() ? "stdin" : path),
+    : _name(path.empty() ? "stdin" : nxPrintableText::GetEscaped(path)),
       _file(path.empty() ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (_file < 0)

@@ -17,7 +17,7 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
-    /// What messages call it: its path, or "stdin".
+    /// What messages call it: its path, safe to show, or "stdin".
     const std::string& GetName() const { return _name; }
 
     /// Reads at most @p size bytes. @return how many came, 0 at the end. @throws Failure.

@@ -59,7 +59,7 @@ int Bands(const Request& request)
     }
     const Terminal terminal;
     OutputFile::Print(terminal.Styled(Terminal::Style::Bold, entry.id) + "\n" +
-                      Wrapped(entry.status + ": " + entry.source) + Wrapped(entry.note) + "\n" +
+                      Wrapped(entry.status + ": " + nxPrintableText::GetEscaped(entry.source)) + Wrapped(entry.note) + "\n" +
                       terminal.WithHeading(Columns(rows, {0}, {1, 2, 3})));
     return 0;
 }

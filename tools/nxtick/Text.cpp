@@ -16,6 +16,18 @@ constexpr std::size_t lineWidth = 78;
 constexpr std::size_t mostSuggestions = 3;
 constexpr std::size_t longestSuggestedFor = 100;
 
+// What looks like a blank or like nothing: no-break spaces, the soft hyphen, zero width spaces and joiners.
+constexpr std::string_view invisibles[] = {"\u00A0", "\u00AD", "\u2007", "\u200B", "\u200C",
+                                           "\u200D", "\u202F", "\u2060", "\uFEFF"};
+
+std::string Hex(std::string_view bytes)
+{
+    std::string text;
+    for (const char c : bytes)
+        nxAlgorithm::AppendAsHex(static_cast<unsigned char>(c), text += "\\x");
+    return text;
+}
+
 // Where the decimals begin: the point itself, or the end of a text without one.
 std::size_t PointOf(const std::string& text) { return std::min(text.find('.'), text.size()); }
 
@@ -50,6 +62,15 @@ std::string CountText(std::uint64_t count)
     for (std::size_t at = text.size(); at > 3; at -= 3)
         text.insert(at - 3, 1, ',');
     return text;
+}
+
+std::string Quoted(std::string_view text)
+{
+    std::string quoted = nxPrintableText::GetQuoted(text);
+    for (const std::string_view invisible : invisibles)
+        for (std::size_t at = 0; (at = quoted.find(invisible, at)) != std::string::npos;)
+            quoted.replace(at, invisible.size(), Hex(invisible));
+    return quoted;
 }
 
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates)
