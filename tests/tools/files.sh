@@ -8,7 +8,28 @@ printf 'Price\n"1.23\n' >open.csv
 expected='Price,tick,snapped,moved\n1.23,0.05,1.25,0.02\n'
 snap='-increment 0.05 -column Price'
 content_is() { same "$1" "$(printf '%b' "$2" | visible)" "$(visible <"$1")"; }
-nothing_left() { same "left behind" "" "$(find . -name '*.tmp*')"; }
+nothing_left() { same "left behind" "" "$(find . -name '.nxtick-*')"; }
+skipped() { echo "skipped: $1"; }
+
+# begin OPTION...: starts a run that reads the pipe, and comes back once it has a place for its output.
+begin()
+{
+    (ulimit -c 0 && exec env --default-signal=QUIT "$nxtick" $snap -csv pipe "$@" 2>err) &
+    process=$!
+    exec 3>pipe
+    printf 'Price\n1.23\n' >&3
+    for _ in $(seq 500); do
+        named=$(find . -name '.nxtick-*')
+        [ -n "$named$(find "/proc/$process/fd" -lname '*(deleted)' 2>/dev/null)" ] && break
+        sleep 0.01
+    done
+}
+# end STATUS
+end()
+{
+    { exec 3>&-; wait "$process"; } 2>/dev/null
+    same "exit status" "$1" "$?"
+}
 
 run 0 $snap -csv good.csv -out new.csv
 out_is ''
@@ -64,6 +85,24 @@ if [ -e /dev/full ]; then
     done
 fi
 
+# What is in a file behind a descriptor stays; the rows go where the descriptor stands.
+case="names of open descriptors"
+echo old >stream.csv && ln -s /dev/stdout stream-link
+for name in /dev/stdout /dev/fd/3 /proc/self/fd/3 stream-link; do
+    "$nxtick" $snap -csv good.csv -out "$name" >>stream.csv 3>&1 2>/dev/null
+    echo after >>stream.csv
+done
+content_is stream.csv "old\n$(for _ in 1 2 3 4; do printf %s "${expected}after\n"; done)"
+for name in stdin:- stdin:/dev/stdout good.csv:-; do
+    case="the input is the output: $name"
+    options="-csv ${name%:*}" && [ "${name%:*}" = stdin ] && options=
+    out=stdout && [ "${name#*:}" = - ] || out=${name#*:}
+    "$nxtick" $snap $options $([ "$out" = stdout ] || echo "-out $out") <good.csv >>good.csv 2>err
+    same "exit status" 2 $?
+    err_is "nxtick: cannot write $out: it is the input file; to replace that, name it with -out\n"
+    content_is good.csv 'Price\n1.23\n'
+done
+
 # Standard streams that are closed take no part, and no file gets their numbers.
 { echo Price; yes x | head -n 60000; } >bad.csv
 case="standard error closed"
@@ -95,25 +134,88 @@ nothing_left
 
 # Ended by a signal in the middle of the work.
 mkfifo pipe
-for signal in TERM HUP QUIT; do
+for signal in TERM HUP QUIT KILL; do
     case="ended by SIG$signal"
-    (ulimit -c 0 && exec env --default-signal=QUIT "$nxtick" $snap -csv pipe -out kept.csv 2>/dev/null) &
-    process=$!
-    exec 3>pipe
-    printf 'Price\n1.23\n' >&3
-    for _ in $(seq 500); do
-        [ -n "$(find . -name 'kept.csv.tmp*')" ] && break
-        sleep 0.01
-    done
-    same "temporary file while working" "1" "$(find . -name 'kept.csv.tmp*' | wc -l)"
+    begin -out kept.csv
+    status=$((128 + $(kill -l "$signal")))
     kill -s "$signal" "$process"
-    wait "$process" 2>/dev/null
-    status=$?
-    same "exit status" "$((128 + $(kill -l "$signal")))" "$status"
-    exec 3>&-
+    end "$status"
     content_is kept.csv 'old\n'
+    # Where the file system needs a name, nobody is left to remove it.
+    [ "$signal" = KILL ] && [ -n "$named" ] && rm "$named" && skipped "nothing left behind by SIGKILL"
     nothing_left
 done
+
+# What was there at the start decides: nothing that others do to the name meanwhile is lost.
+case="a link to another file takes the name"
+begin -out fresh.csv
+ln -s kept.csv fresh.csv
+end 2
+err_is "nxtick: cannot write fresh.csv: another program has made it meanwhile\n"
+content_is kept.csv 'old\n'
+case="another file takes the name"
+echo first >taken.csv
+begin -out taken.csv
+echo second >second.csv && mv second.csv taken.csv
+end 2
+err_is "nxtick: cannot write taken.csv: another program has removed or replaced it meanwhile\n"
+content_is taken.csv 'second\n'
+nothing_left
+
+# Who may do what with the file stays as it was.
+if python3 -c 'import os, struct
+entries = ((1, 6, -1), (2, 4, 1), (4, 0, -1), (16, 4, -1), (32, 0, -1))
+os.setxattr("good.csv", "system.posix_acl_access", struct.pack("<I", 2) + b"".join(struct.pack("<HHi", *e) for e in entries))
+' 2>/dev/null; then
+    cp good.csv input.csv
+    list() { python3 -c 'import os; print(os.getxattr("good.csv", "system.posix_acl_access"))'; }
+    before=$(list)
+    run 0 $snap -csv input.csv -out good.csv
+    same "access list" "$before" "$(list)"
+    mv input.csv good.csv
+else
+    skipped "access lists"
+fi
+
+# Without a file beside it, the file is written in place, and only when all is well.
+if [ "$(id -u)" -eq 0 ]; then
+    chmod 755 . && ordinary="setpriv --reuid=65534 --regid=65534 --clear-groups"
+    echo old >owner.csv && chmod 640 owner.csv && chown 65534:65534 owner.csv
+    run 0 $snap -csv good.csv -out owner.csv
+    content_is owner.csv "$expected"
+    same "owner and mode" "65534 65534 640" "$(stat -c '%u %g %a' owner.csv)"
+
+    mkdir -m 1777 sticky && ln -s ../kept.csv sticky/planted.csv && chown -h 65534 sticky/planted.csv
+    refused "cannot write sticky/planted.csv: Permission denied" $snap -csv good.csv -out sticky/planted.csv
+
+    echo old >mounted.csv && cp mounted.csv mount.csv
+    case="a mount of its own"
+    if unshare -m sh -c 'mount --bind mounted.csv mount.csv && { "$@"; true; }' sh "$nxtick" $snap -csv good.csv -out mount.csv 2>err; then
+        same "told" "nxtick: mount.csv is written in place, since it cannot be replaced: Device or resource busy" "$(head -n 1 err)"
+        content_is mounted.csv "$expected"
+    else
+        skipped "a mount of its own"
+    fi
+else
+    ordinary=
+    skipped "owners, sticky directories, mounts"
+fi
+if $ordinary "$nxtick" -version >/dev/null 2>&1; then
+    mkdir fixed && echo 'old and longer than what comes' >fixed/file.csv
+    [ -z "$ordinary" ] || chown 65534 fixed/file.csv
+    chmod a-w fixed
+    case="a directory that cannot be written"
+    $ordinary "$nxtick" $snap -csv open.csv -out fixed/file.csv 2>err
+    content_is fixed/file.csv 'old and longer than what comes\n'
+    $ordinary "$nxtick" $snap -out fixed/file.csv <good.csv 2>err
+    same "told" "nxtick: fixed/file.csv is written in place, since no file can be made beside it: Permission denied" "$(head -n 1 err)"
+    content_is fixed/file.csv "$expected"
+    $ordinary "$nxtick" $snap -out fixed/new.csv <good.csv 2>err
+    same "exit status and message" "2 nxtick: cannot write fixed/new.csv: Permission denied" "$? $(cat err)"
+    chmod u+w fixed
+else
+    skipped "a directory that cannot be written"
+fi
 
 # The log: a file where a directory is configured.
 mkdir logs

@@ -64,8 +64,7 @@ CsvHeader::CsvHeader(const CsvRow& row) : _line(row.line)
         throw FileFailure(std::to_string(_line) +
                           ": this looks like UTF-16; convert the file first: iconv -f UTF-16 -t UTF-8");
     if (HasCarriageReturn(row.content))
-        throw FileFailure(std::to_string(_line) +
-                          ": a line ends in CR alone; convert the file first: tr '\\r' '\\n'");
+        throw FileFailure(std::to_string(_line) + ": a line ends in CR alone; convert the file first: tr '\\r' '\\n'");
     if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
         withoutMark.content.remove_prefix(byteOrderMark.size());
     _names = withoutMark.GetFields();

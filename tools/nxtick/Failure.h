@@ -1,7 +1,10 @@
 #ifndef NXTICK_FAILURE_H
 #define NXTICK_FAILURE_H
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
+#include <string>
 
 namespace nxtick
 {
@@ -19,6 +22,13 @@ class FileFailure : public Failure
 public:
     using Failure::Failure;
 };
+
+/// @throws Failure "cannot write NAME: " and what errno says.
+[[noreturn]] inline void FailToWrite(const std::string& name)
+{
+    const std::string reason = std::strerror(errno);  // before anything else can change errno
+    throw Failure("cannot write " + name + ": " + reason);
+}
 }  // namespace nxtick
 
 #endif

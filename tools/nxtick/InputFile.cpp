@@ -41,6 +41,14 @@ std::size_t InputFile::Read(char* buffer, std::size_t size)
     return static_cast<std::size_t>(count);
 }
 
+bool InputFile::IsSameFile(int descriptor) const
+{
+    struct stat own = {};
+    struct stat other = {};
+    return ::fstat(_file, &own) == 0 && S_ISREG(own.st_mode) && ::fstat(descriptor, &other) == 0 &&
+           own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+}
+
 double InputFile::GetShareRead() const
 {
     return _size == 0 ? -1.0 : static_cast<double>(_read) / static_cast<double>(_size);

@@ -59,8 +59,8 @@ int Bands(const Request& request)
     }
     const Terminal terminal;
     OutputFile::Print(terminal.Styled(Terminal::Style::Bold, entry.id) + "\n" +
-                      Wrapped(entry.status + ": " + nxPrintableText::GetEscaped(entry.source)) + Wrapped(entry.note) + "\n" +
-                      terminal.WithHeading(Columns(rows, {0}, {1, 2, 3})));
+                      Wrapped(entry.status + ": " + nxPrintableText::GetEscaped(entry.source)) + Wrapped(entry.note) +
+                      "\n" + terminal.WithHeading(Columns(rows, {0}, {1, 2, 3})));
     return 0;
 }
 }  // namespace nxtick

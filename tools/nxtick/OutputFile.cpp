@@ -1,107 +1,73 @@
 #include "OutputFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <climits>
-#include <csignal>
-#include <filesystem>
-#include <system_error>
 
 #include "Failure.h"
+#include "FileCopy.h"
+#include "Terminal.h"
+#include "core/app/nxCmdLineArgs.h"
+#include "core/text/nxPrintableText.h"
 
 namespace nxtick
 {
 namespace
 {
 constexpr std::size_t bufferSize = std::size_t{1} << 18;
+constexpr mode_t modeOfNew = 0666;          // less the user's mask
+constexpr mode_t modeOfReplacement = 0600;  // until it has that of the old one
 
-// The temporary file, where the signal handler finds it; empty while there is none.
-std::array<char, PATH_MAX> temporaryPath{};
-volatile std::sig_atomic_t hasTemporary = 0;
-
-void RemoveTemporary(int signal)
-{
-    if (hasTemporary != 0)
-        ::unlink(temporaryPath.data());
-    ::signal(signal, SIG_DFL);
-    ::raise(signal);
-}
-
-void RememberTemporary(const std::string& path)
-{
-    std::copy_n(path.c_str(), path.size() + 1, temporaryPath.begin());
-    hasTemporary = 1;
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
-        if (::signal(signal, &RemoveTemporary) == SIG_IGN)
-            ::signal(signal, SIG_IGN);  // whoever started the program wants it ignored
-}
-
-// The file that the name stands for, behind links, so that the link stays one and its target is replaced, or made where
-// the link leads to nothing yet.
-std::string Resolve(const std::string& path)
-{
-    constexpr int mostLinks = 40;  // as many as the system follows
-    std::filesystem::path name = path;
-    std::error_code error;
-    for (int links = 0; links < mostLinks && std::filesystem::is_symlink(name, error); ++links)
-        name = name.parent_path() / std::filesystem::read_symlink(name, error);
-    return name.string();
-}
+std::string Reason() { return std::strerror(errno); }
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path) : _name(path.empty() ? "stdout" : path), _buffer(bufferSize)
+OutputFile::OutputFile(const std::string& path)
+    : _name(path.empty() ? "stdout" : nxPrintableText::GetEscaped(path)), _medium(_name), _buffer(bufferSize)
 {
     if (path.empty())
     {
-        _file = STDOUT_FILENO;
+        _out = STDOUT_FILENO;
         return;
     }
-    struct stat status = {};
-    const bool exists = ::stat(path.c_str(), &status) == 0;
-    if (!exists && errno != ENOENT)
-        _Fail();
-    if (exists && !S_ISREG(status.st_mode))
-    {
-        _file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-        if (_file < 0)
-            _Fail();
-        return;
-    }
-    if (exists && ::access(path.c_str(), W_OK) != 0)
-        _Fail();
-    _path = Resolve(path);
-    _OpenTemporary(exists ? status.st_mode & 0777U : 0);
+    _target = FindOutputTarget(path, _name);
+    if (!_target.stream.IsOpen())
+        _OpenTemporary();
+    _out = _target.stream.IsOpen() ? _target.stream.Get() : _temporary.Get();
 }
 
-OutputFile::~OutputFile() { _Close(); }
-
-// Creates the temporary file beside the final one. The mode is that of the file to be replaced; 0: as for any new file.
-void OutputFile::_OpenTemporary(unsigned mode)
+void OutputFile::_OpenTemporary()
 {
-    const std::string prefix = _path + ".tmp" + std::to_string(::getpid()) + "-";
-    for (int attempt = 0; attempt < 100 && _file < 0; ++attempt)
+    const int directory = _target.directory.Get();
+    if (!_target.file.IsOpen())
     {
-        _temporary = prefix + std::to_string(attempt);
-        if (_temporary.size() >= PATH_MAX)
-            errno = ENAMETOOLONG;
-        else
-            _file = ::open(_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-        if (_file < 0 && errno != EEXIST)
-            break;
+        if (!_temporary.Create(directory, modeOfNew))
+            FailToWrite(_name);
+        return;
     }
-    if (_file < 0)
+    if (!_target.directory.IsOpen())
+        return _OpenTemporaryElsewhere("another program has it open");
+    if (!_temporary.Create(directory, modeOfReplacement))
     {
-        _temporary.clear();
-        _Fail();
+        if (errno != EACCES && errno != EPERM && errno != EROFS)
+            FailToWrite(_name);
+        return _OpenTemporaryElsewhere("no file can be made beside it: " + Reason());
     }
-    RememberTemporary(_temporary);
-    if (mode != 0)
-        static_cast<void>(::fchmod(_file, mode));  // the owner's wish where the file system can grant it
+    if (!CopyAccess(_target.file.Get(), _target.status, _temporary.Get()))
+        _whyInPlace = "a new file cannot have its owner and permissions";
+}
+
+void OutputFile::_OpenTemporaryElsewhere(const std::string& why)
+{
+    _whyInPlace = why;
+    std::string path = nxCmdLineArgs::GetInstance().GetEnvValue("TMPDIR");
+    if (path.empty())
+        path = "/tmp";
+    _medium = _name + " by way of " + nxPrintableText::GetEscaped(path);
+    _elsewhere = FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!_elsewhere.IsOpen() || !_temporary.Create(_elsewhere.Get(), modeOfReplacement))
+        FailToWrite(_medium);
 }
 
 void OutputFile::_AppendInPieces(std::string_view text)
@@ -121,11 +87,11 @@ void OutputFile::_Flush()
 {
     for (std::size_t done = 0; done < _used;)
     {
-        const ssize_t count = ::write(_file, _buffer.data() + done, _used - done);
+        const ssize_t count = ::write(_out, _buffer.data() + done, _used - done);
         if (count > 0)
             done += static_cast<std::size_t>(count);
         else if (count == 0 || errno != EINTR)
-            _Fail();
+            FailToWrite(_medium);
     }
     _used = 0;
 }
@@ -133,20 +99,50 @@ void OutputFile::_Flush()
 void OutputFile::Complete()
 {
     _Flush();
-    if (_file != STDOUT_FILENO)
-    {
-        const int result = ::close(_file);
-        _file = -1;
-        if (result != 0)
-            _Fail();
-    }
-    if (!_temporary.empty())
-    {
-        if (::rename(_temporary.c_str(), _path.c_str()) != 0)
-            _Fail();
-        hasTemporary = 0;
-        _temporary.clear();
-    }
+    if (_target.stream.IsOpen() && !_target.stream.Close())
+        FailToWrite(_name);
+    if (!_temporary.IsOpen())
+        return;
+    if (_whyInPlace.empty() && ::fsync(_temporary.Get()) != 0)
+        FailToWrite(_name);
+    if (_target.file.IsOpen())
+        _Replace();
+    else
+        _Publish();
+}
+
+void OutputFile::_Publish()
+{
+    if (_temporary.Publish(_target.name))
+        return;
+    if (errno == EEXIST)
+        throw Failure("cannot write " + _name + ": another program has made it meanwhile");
+    FailToWrite(_name);
+}
+
+void OutputFile::_Replace()
+{
+    if (!_whyInPlace.empty())
+        return _WriteInPlace();
+    struct stat now = {};
+    if (::fstatat(_target.directory.Get(), _target.name.c_str(), &now, AT_SYMLINK_NOFOLLOW) != 0 ||
+        now.st_dev != _target.status.st_dev || now.st_ino != _target.status.st_ino)
+        throw Failure("cannot write " + _name + ": another program has removed or replaced it meanwhile");
+    if (_temporary.Replace(_target.name))
+        return;
+    _whyInPlace = "it cannot be replaced: " + Reason();
+    _WriteInPlace();
+}
+
+void OutputFile::_WriteInPlace()
+{
+    WriteError("nxtick: " + _name + " is written in place, since " + _whyInPlace + "\n");
+    const SignalPause pause;
+    bool isTouched = false;
+    if (CopyContent(_temporary.Get(), _target.file.Get(), isTouched) && _target.file.Close())
+        return;
+    const std::string reason = Reason();
+    throw Failure("cannot write " + _name + ": " + reason + (isTouched ? "; what was in it is damaged" : ""));
 }
 
 void OutputFile::Print(std::string_view text)
@@ -154,23 +150,5 @@ void OutputFile::Print(std::string_view text)
     OutputFile output("");
     output.Append(text);
     output.Complete();
-}
-
-void OutputFile::_Close()
-{
-    if (_file >= 0 && _file != STDOUT_FILENO)
-        ::close(_file);
-    _file = -1;
-    if (_temporary.empty())
-        return;
-    ::unlink(_temporary.c_str());
-    hasTemporary = 0;
-    _temporary.clear();
-}
-
-void OutputFile::_Fail() const
-{
-    const std::string reason = std::strerror(errno);  // before anything else can change errno
-    throw Failure("cannot write " + _name + ": " + reason);
 }
 }  // namespace nxtick

@@ -7,22 +7,42 @@
 #include <string_view>
 #include <vector>
 
+#include "FileDescriptor.h"
+#include "OutputTarget.h"
+#include "TemporaryFile.h"
+
 namespace nxtick
 {
-/// A file that appears under its name only when it is complete, or standard output.
+/// A file that appears under its name only when it is complete, or a stream.
 ///
-/// The text is written to a temporary file in the same directory, which Complete() renames. When the object is
-/// destroyed before that, or a signal ends the program (SIGHUP, SIGINT, SIGQUIT, SIGTERM), the temporary file is
-/// removed and a file that had the name before is as it was. A name that belongs to something else than a file, such as
-/// /dev/null or a pipe, is written to directly. One object with a name exists at a time.
+/// - Streams are written to directly, as the text comes: standard output, an open descriptor by a name such as
+///   /dev/stdout, and what is no regular file, such as /dev/null or a pipe. What is in a file behind a descriptor stays.
+/// - A file is written to a TemporaryFile in its directory, and stored on the disk, before it gets the name. Until then,
+///   and when the object is destroyed or the program ends before that, the file that had the name is as it was.
+/// - What was there when the object was made decides. A new file takes no name that somebody else has given away since,
+///   and replaces no file but the one that was there: the run fails instead.
+/// - A file that replaces another has its owner, group, permissions and access list; other extended attributes and
+///   further hard links stay with the old file. Links to it stay links.
+/// - Where that cannot be, the file is written in place, at the end of the run, which is told on standard error: its
+///   directory lets nobody make files, it is a mount of its own, or the owner or the access list cannot be kept. The text
+///   waits in the directory for temporary files (TMPDIR, or /tmp) where there is no other. Signals that end the program
+///   wait until the file is written; SIGKILL and a crash of the machine do not, and may leave part of each content.
+/// - Every failure of the system throws.
+///
+/// One object with a name exists at a time.
 class OutputFile
 {
 public:
-    /// @param path empty for standard output. @throws Failure when it cannot be created.
+    /// @param path empty for standard output. @throws Failure when it cannot be written.
     explicit OutputFile(const std::string& path);
-    ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
+
+    /// What messages call it: its path, safe to show, or "stdout".
+    const std::string& GetName() const { return _name; }
+
+    /// The descriptor of a stream, -1 for a file.
+    int GetStream() const { return _temporary.IsOpen() ? -1 : _out; }
 
     /// Adds text. @throws Failure when the system does not take it, e.g. a full disk.
     void Append(std::string_view text)
@@ -43,16 +63,21 @@ public:
     static void Print(std::string_view text);
 
 private:
+    void _OpenTemporary();
+    void _OpenTemporaryElsewhere(const std::string& why);
     void _AppendInPieces(std::string_view text);
     void _Flush();
-    void _OpenTemporary(unsigned mode);
-    void _Close();
-    [[noreturn]] void _Fail() const;
+    void _Publish();
+    void _Replace();
+    void _WriteInPlace();
 
-    std::string _name;       // for messages
-    std::string _path;       // where the complete file goes; empty when the text goes there directly
-    std::string _temporary;  // what has to be removed unless the file is completed
-    int _file = -1;
+    std::string _name;    // for messages
+    std::string _medium;  // the same, and where the text waits
+    OutputTarget _target;
+    FileDescriptor _elsewhere;  // the directory for temporary files
+    TemporaryFile _temporary;
+    std::string _whyInPlace;  // empty when the file can be replaced
+    int _out = -1;            // where the text goes first
     std::vector<char> _buffer;
     std::size_t _used = 0;
 };

@@ -31,6 +31,8 @@ void PassHeader(CsvReader& reader, PriceSnapper& snapper, const std::string& col
 int SnapFile(InputFile& input, PriceGrid& grid, const Request& request)
 {
     OutputFile output(request.outFile);
+    if (input.IsSameFile(output.GetStream()))
+        throw Failure("cannot write " + output.GetName() + ": it is the input file; to replace that, name it with -out");
     SnapReport report(input.GetName());
     PriceSnapper snapper(
         grid, request.method, [&output](std::string_view text) { output.Append(text); },
@@ -45,6 +47,7 @@ int SnapFile(InputFile& input, PriceGrid& grid, const Request& request)
     CsvRow row;
     while (reader.Next(row))
         snapper.Row(row);
+    report.ClearProgress();
     output.Complete();
     report.Summary(snapper.GetCounts());
     return snapper.GetCounts().rejected == 0 ? 0 : 1;

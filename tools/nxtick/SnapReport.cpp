@@ -34,7 +34,7 @@ SnapReport::SnapReport(const std::string& fileName) : _fileName(fileName), _isWa
 // Also when the run failed: what was rejected until then is part of the story.
 SnapReport::~SnapReport()
 {
-    _ClearProgress();
+    ClearProgress();
     _FlushRejected();
 }
 
@@ -45,7 +45,7 @@ void SnapReport::Rejected(std::uint64_t line, const std::string& reason)
     _rejected += message + "\n";
     if (_isWatched || _rejected.size() > rejectedAtOnce)
     {
-        _ClearProgress();
+        ClearProgress();
         _FlushRejected();
     }
 }
@@ -66,7 +66,7 @@ void SnapReport::Progress(const SnapCounts& counts, double share)
 
 void SnapReport::Summary(const SnapCounts& counts)
 {
-    _ClearProgress();
+    ClearProgress();
     _FlushRejected();
     const double seconds = _Seconds();
     const std::vector<std::vector<std::string>> lines = {
@@ -79,7 +79,7 @@ void SnapReport::Summary(const SnapCounts& counts)
                               << counts.moved << " moved, " << counts.rejected << " rejected, " << SecondsText(seconds);
 }
 
-void SnapReport::_ClearProgress()
+void SnapReport::ClearProgress()
 {
     if (_isProgressShown)
         WriteError(clearLine);

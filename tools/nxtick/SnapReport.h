@@ -23,13 +23,14 @@ public:
     void Rejected(std::uint64_t line, const std::string& reason);
     /// @param share of the input that has been read, 0 to 1; negative where it is not known.
     void Progress(const SnapCounts& counts, double share);
+    /// Takes the progress off the screen, for a message of somebody else.
+    void ClearProgress();
     void Summary(const SnapCounts& counts);
 
 private:
     using Clock = std::chrono::steady_clock;
 
     double _Seconds() const { return std::chrono::duration<double>(Clock::now() - _start).count(); }
-    void _ClearProgress();
     void _FlushRejected();
 
     std::string _fileName;
