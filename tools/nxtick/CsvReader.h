@@ -27,6 +27,9 @@ struct CsvRow
 
     /// All fields, without quotes.
     std::vector<std::string> GetFields() const;
+
+private:
+    std::size_t _FindQuoted(std::size_t index, std::string& scratch, std::string_view& field) const;
 };
 
 /// Reads CSV row by row in bounded memory: fields divided by commas, a field in double quotes may hold commas, line

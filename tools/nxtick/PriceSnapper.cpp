@@ -78,31 +78,34 @@ void PriceSnapper::Row(const CsvRow& row)
         ++_counts.rows;
         std::string_view field;
         const std::size_t count = row.FindField(_index, _scratch, field);
-        const std::string reason = count == _fields ? _SnapField(field) : WrongNumberOfFields(row, count, _fields);
-        if (!reason.empty())
-            _Reject(row, count, reason);
+        const char* const reason = count == _fields ? _SnapField(field) : "";
+        if (reason != nullptr)
+            _Reject(row, count, field, reason);
     }
     _Pass(row);
 }
 
-void PriceSnapper::_Reject(const CsvRow& row, std::size_t count, const std::string& reason)
+void PriceSnapper::_Reject(const CsvRow& row, std::size_t count, std::string_view field, const char* reason)
 {
     ++_counts.rejected;
     const std::size_t missing = _fields - std::min(count, _fields);
     _added.assign(missing + (_grid.HasBands() ? 5 : 3), ',');
-    _complaint(row.line, reason);
+    _complaint(row.line, count != _fields          ? WrongNumberOfFields(row, count, _fields)
+                         : field.data() == nullptr ? reason
+                                                   : Quoted(field) + " " + reason);
 }
 
-// Empty on success, else the reason; no column is added then.
-std::string PriceSnapper::_SnapField(std::string_view field)
+// Null on success, else the reason, with a field to show unless there is none; no column is added then.
+const char* PriceSnapper::_SnapField(std::string_view& field)
 {
     if (field.find_first_not_of(" \t") == std::string_view::npos)
+    {
+        field = {};
         return "there is no price";
+    }
     nxDecimal price;
-    const char* reason = _grid.ReadPrice(field, price);
-    if (reason == nullptr)
-        reason = _Snap(price);
-    return reason == nullptr ? std::string() : Quoted(field) + " " + reason;
+    const char* const reason = _grid.ReadPrice(field, price);
+    return reason == nullptr ? _Snap(price) : reason;
 }
 
 // Null on success, else the reason; no column is added then.

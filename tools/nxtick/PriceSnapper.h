@@ -50,9 +50,9 @@ public:
     const SnapCounts& GetCounts() const { return _counts; }
 
 private:
-    std::string _SnapField(std::string_view field);
+    const char* _SnapField(std::string_view& field);
     const char* _Snap(const nxDecimal& price);
-    void _Reject(const CsvRow& row, std::size_t count, const std::string& reason);
+    void _Reject(const CsvRow& row, std::size_t count, std::string_view field, const char* reason);
     void _Add(const nxDecimal& value);
     void _Pass(const CsvRow& row);
 

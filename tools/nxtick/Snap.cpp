@@ -32,7 +32,8 @@ int SnapFile(InputFile& input, PriceGrid& grid, const Request& request)
 {
     OutputFile output(request.outFile);
     if (input.IsSameFile(output.GetStream()))
-        throw Failure("cannot write " + output.GetName() + ": it is the input file; to replace that, name it with -out");
+        throw Failure("cannot write " + output.GetName() +
+                      ": it is the input file; to replace that, name it with -out");
     SnapReport report(input.GetName());
     PriceSnapper snapper(
         grid, request.method, [&output](std::string_view text) { output.Append(text); },
