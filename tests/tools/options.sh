@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # What the user asks for, rightly and wrongly.
 set -u
+completion=$(cd "$(dirname "$0")/../../tools/nxtick/completions" && pwd)/nxtick
 . "$(dirname "$0")/cases.sh"
 
 snap='-increment 0.05 -column Price'
@@ -17,9 +18,13 @@ refused "option -step does not go with -column" $snap -step 3
 refused "option -tables does not go with -increment" -increment 0.05 -tables missing.csv -price 1
 refused "option -price stands there twice" -increment 0.05 -price -1 -step -1 -price 2
 refused "option -price is missing: where to step from" -table NFX_1 -step 3
-refused "-increment '0' is not a positive number of at most 18 digits" -increment 0 -column Price
-refused "-increment '-0.05' is not a positive number of at most 18 digits" -increment -0.05 -column Price
-refused "-increment 'abc' is not a positive number of at most 18 digits" -increment abc -column Price
+refused "-increment '0' is not positive" -increment 0 -column Price
+refused "-increment '-0.05' is not positive" -increment -0.05 -column Price
+refused "-increment 'abc' is not a number" -increment abc -column Price
+refused "-increment '1234567890123456789' has more than 18 digits" -increment 1234567890123456789 -column Price
+refused "-increment '0.0000000000000000001' has more than 18 decimals" -increment 0.0000000000000000001 -column Price
+run 0 -increment 0.000000000000000001 -price 0.5
+refused "'-' is no file name here; without -csv and -out, standard input and output are used" $snap -csv -
 refused "unknown method 'neares'; did you mean 'nearest'?" $snap -method neares
 refused "unknown method '?'; there are nearest, modified-nearest, up and down" $snap -method '?'
 refused "stdin:1: there is no header line" $snap
@@ -64,6 +69,12 @@ for option in -help --help -h; do
     same "fits a screen" "yes" "$(awk 'length > 80 || NR > 24 {exit 1}' out && echo yes)"
     same "ends with a line end" "" "$(tail -c 1 out)"
 done
+case="what a program in the current directory can do"
+same "empty elements of the path to libraries" "" "$(readelf -d "$nxtick" | grep -E 'R(UN)?PATH' | grep -E '\[:|::|:\]')"
+printf '#!/bin/sh\ntouch ran\n' >planted && chmod +x planted
+offered=$(. "$completion"; PATH=${nxtick%/*}:$PATH COMP_WORDS=(./planted -table '') COMP_CWORD=2 && _nxtick; echo "${#COMPREPLY[@]}")
+same "identifiers offered, and what ran" "150" "$offered$(ls ran 2>/dev/null)"
+
 run 0 -version
 same "version" "nxtick 1" "$(grep -oE '^nxtick [0-9]+' out)"
 finish

@@ -44,6 +44,15 @@ refused "there is no tick table 'chix_lse1'; did you mean 'VTT_CHIX_lse1' or 'VT
 refused "there is no tick table 'nonsense'; nxtick -list shows all" -table nonsense -price 1
 refused "there is no tick table 'TWO'; nxtick -list shows all" -table TWO -csv own.csv -column band
 
+# A table whose roundings leave the grid is told where it is used, and shown with its file's name made safe.
+cp own.csv $'own\x1b.csv'
+run 0 -tables $'own\x1b.csv' -table ODD
+same "no escape" "custom: own\\x1B.csv" "$(sed -n 2p out)"
+same "warning" "nxtick: own\\x1B.csv: table ODD: band 1: upper bound 10 plus increment 0.01 is no multiple" \
+    "$(grep -o '^.*no multiple' err)"
+run 0 $own -list
+err_is ''
+
 # A file of tables that is wrong names its line.
 sed 's/0.05/0/' own.csv >zero.csv
 run 2 -tables zero.csv -table TWO
@@ -73,8 +82,8 @@ for row in '10:0:0 ticks up:10' '10:3:3 ticks up:10.11' '10.05:-2:2 ticks down:9
 done
 run 0 -increment 0.05 -price -36.98 -step -1000000
 same "a fixed increment serves too" "1000000 ticks down -50036.98" "$(tail -n 1 out | tr -s ' ')"
-refused "-price 'x' is not a price" $own -table TWO -price x
-refused "-price '12345678901234567890' has more digits than a price can hold" $own -table TWO -price 12345678901234567890
+refused "-price 'x' is not a price" -table NFX_1 -price x
+refused "-price '12345678901234567890' has more digits than a price can hold" -table NFX_1 -price 12345678901234567890
 refused "-step '1.5' is not a whole number from -1000000 to 1000000" $own -table TWO -price 1 -step 1.5
 refused "-step '1000001' is not a whole number from -1000000 to 1000000" $own -table TWO -price 1 -step 1000001
 refused "the price 1000000 ticks away has more digits than a price can hold" \

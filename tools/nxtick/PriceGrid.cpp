@@ -60,9 +60,26 @@ bool IsLess(const nxDecimal& a, const nxDecimal& b)
     return GetWideMantissa(a, widestPlaces) < GetWideMantissa(b, widestPlaces);
 }
 
+constexpr char notANumber[] = "is not a number";
+
 WideMantissa RoundedDown(WideMantissa price, WideMantissa tick) { return price - price % tick; }
 WideMantissa RoundedUp(WideMantissa price, WideMantissa tick) { return RoundedDown(price + tick - 1, tick); }
 }  // namespace
+
+const char* ReadNumber(std::string_view text, nxDecimal& number)
+{
+    nxDecimal value;
+    if (!value.SetFromStringView(text, '.').IsOK())
+        return notANumber;
+    const std::size_t point = text.find('.');
+    const std::size_t places = point == std::string_view::npos ? 0 : text.size() - point - 1;
+    if (SignificantDigits(text) > maximumDigits)
+        return "has more than 18 digits";
+    if (places > maximumDigits)
+        return "has more than 18 decimals";
+    number = value;
+    return nullptr;
+}
 
 PriceGrid::PriceGrid(const Bands& bands)
 {
@@ -73,13 +90,11 @@ PriceGrid::PriceGrid(const Bands& bands)
 
 const char* PriceGrid::ReadPrice(std::string_view text, nxDecimal& price) const
 {
-    const std::string_view number = WithoutBlanks(text);
     nxDecimal value;
-    if (!value.SetFromStringView(number, '.').IsOK())
+    const char* const reason = ReadNumber(WithoutBlanks(text), value);
+    if (reason == notANumber)
         return "is not a price";
-    const std::size_t point = number.find('.');
-    const std::size_t places = point == std::string_view::npos ? 0 : number.size() - point - 1;
-    if (SignificantDigits(number) > maximumDigits || places > maximumDigits || !Fits(value, _places))
+    if (reason != nullptr || !Fits(value, _places))
         return "has more digits than a price can hold";
     price = value;
     return nullptr;

@@ -10,6 +10,10 @@
 
 namespace nxtick
 {
+/// Reads a number of at most 18 digits and 18 decimals, leading zeros aside.
+/// @return null on success, else what is wrong with the text, to follow it in a sentence; @p number is then untouched.
+const char* ReadNumber(std::string_view text, nxDecimal& number);
+
 /// The prices that an instrument may have: the multiples of one increment, or the grid of a tick table.
 class PriceGrid
 {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "Failure.h"
+#include "PriceGrid.h"
 #include "Text.h"
 #include "core/nxVersion.h"
 
@@ -84,6 +85,8 @@ const OptionRule* FindRule(const std::string& name)
 void CheckOption(const std::string& name, const std::string& value)
 {
     const OptionRule* const rule = FindRule(name);
+    if (name.empty())
+        throw Failure("'-' is no file name here; without -csv and -out, standard input and output are used");
     if (rule == nullptr)
     {
         std::set<std::string> known;
@@ -154,8 +157,10 @@ std::optional<Choice> FindChoice(const Options& options)
 nxDecimal ReadIncrement(const std::string& text)
 {
     nxDecimal increment;
-    if (!increment.SetFromString(text, '.').IsOK() || !increment.IsPositive() || text.size() > 19)
-        throw Failure("-increment " + Quoted(text) + " is not a positive number of at most 18 digits");
+    if (const char* const reason = ReadNumber(text, increment); reason != nullptr)
+        throw Failure("-increment " + Quoted(text) + " " + reason);
+    if (!increment.IsPositive())
+        throw Failure("-increment " + Quoted(text) + " is not positive");
     return increment;
 }
 

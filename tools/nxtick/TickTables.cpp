@@ -4,6 +4,7 @@
 #include <set>
 
 #include "Failure.h"
+#include "Terminal.h"
 #include "Text.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/price/nxVariableTickTableContainer.h"
@@ -23,7 +24,7 @@ void TickTables::_AddCustom(const std::string& fileName)
     if (!nxCustomVariableTickTable::ReadFile(fileName, _custom, reason).IsOK())
         throw Failure(reason);
     for (const auto& table : _custom)
-        _entries.push_back({table->GetID(), table.get(), "custom", fileName, ""});
+        _entries.push_back({table->GetID(), table.get(), "custom", fileName, "", table->GetGridWarning()});
 }
 
 void TickTables::_AddCatalogue()
@@ -37,7 +38,7 @@ void TickTables::_AddCatalogue()
         const nxVariableTickTable* const table = nxVariableTickTableContainer::GetVariableTickTable(id);
         if (table != nullptr && replaced.count(id) == 0)
             _entries.push_back({id, table, std::string(source.GetStatus()), std::string(source.GetSource()),
-                                std::string(source.GetNote())});
+                                std::string(source.GetNote()), ""});
     }
 }
 
@@ -48,7 +49,11 @@ const TableEntry& TickTables::Find(const std::string& nameOrID) const
     const auto found =
         std::find_if(_entries.begin(), _entries.end(), [&id](const TableEntry& entry) { return entry.id == id; });
     if (found != _entries.end())
+    {
+        if (!found->warning.empty())
+            WriteError("nxtick: " + nxPrintableText::GetEscaped(found->source) + ": " + found->warning + "\n");
         return *found;
+    }
     std::set<std::string> known;
     for (const TableEntry& entry : _entries)
         known.insert(entry.id);

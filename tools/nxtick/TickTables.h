@@ -20,6 +20,7 @@ struct TableEntry
     std::string status;  ///< One word: "given", "published", "derived", "assumed", or "custom" for the user's own.
     std::string source;
     std::string note;
+    std::string warning;  ///< Of roundings that leave the grid; empty when none does.
 };
 
 /// The tick tables that a run knows: those of the user's file, then those of the catalogue that the file does not
@@ -32,6 +33,7 @@ public:
 
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
+    /// Tells the table's warning, if it has one, on standard error.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 
