@@ -278,7 +278,7 @@ std::string GetHelp()
            "  nxtick -table VTT_EURONEXT_07 -price 9.999 -step 2\n"
            "  nxtick -list -filter CME\n"
            "\n"
-           "Exit status  0 done, 1 some prices were rejected, 2 failed: no file was made,\n"
+           "Exit status  0 done, 1 some rows were rejected, 2 failed: no file was made,\n"
            "             but rows may have gone to standard output before\n";
 }
 }  // namespace nxtick
