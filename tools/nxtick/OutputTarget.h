@@ -12,8 +12,8 @@ namespace nxtick
 /// What the name of an output stands for. It is found once, and what was found then counts: everything is held open, so
 /// that nobody can put something else in its place.
 ///
-/// - A descriptor of this process, by a name such as /dev/stdout, /dev/fd/3 or /proc/self/fd/3 or a link to one: `stream`
-///   is a duplicate of it.
+/// - A descriptor of this process, by a name such as /dev/stdout, /dev/fd/3 or /proc/self/fd/3 or a link to one:
+///   `stream` is a duplicate of it.
 /// - No regular file, such as /dev/null or a pipe: `stream` is open on it.
 /// - A regular file: `file` is open on it, and `directory` and `name` tell where it stands, behind links. Without a
 ///   directory it can only be written in place: it is a descriptor of another process.

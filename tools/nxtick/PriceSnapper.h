@@ -24,12 +24,12 @@ struct SnapCounts
 /// Snaps one column of a CSV file to a grid: every row goes through byte for byte, with columns added at its end.
 ///
 /// Added are `tick`, `snapped` and `moved` (the snapped price less the price), and, for a grid with bands, `below` and
-/// `above`, the next prices of the grid on both sides of the price. CsvHeader says what they are called where such names
-/// are taken. They stay empty where the row is rejected: it has more or fewer fields than the header, so that nobody
-/// knows which of them is the price, or the price does not parse, or the distance has more digits than a decimal.
-/// A rejected row that is too short gets the fields it lacks, empty, so that the added ones stand below their names; one
-/// that is too long stays too long by as much, for whoever counts.
-/// Empty lines go through as they are and count as no rows.
+/// `above`, the next prices of the grid on both sides of the price. CsvHeader says what they are called where such
+/// names are taken. They stay empty where the row is rejected: it has more or fewer fields than the header, so that
+/// nobody knows which of them is the price, or the price does not parse, or the distance has more digits than a
+/// decimal. A rejected row that is too short gets the fields it lacks, empty, so that the added ones stand below their
+/// names; one that is too long stays too long by as much, for whoever counts. Empty lines go through as they are and
+/// count as no rows.
 class PriceSnapper
 {
 public:
