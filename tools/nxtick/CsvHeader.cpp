@@ -101,7 +101,11 @@ std::vector<std::string> CsvHeader::GetNewNames(const std::string& column, const
     std::vector<std::string> free = names;
     for (std::size_t attempt = 1; _HasAny(free); ++attempt)
         for (std::size_t i = 0; i < names.size(); ++i)
-            free[i] = column + "_" + names[i] + (attempt == 1 ? "" : "_" + std::to_string(attempt));
+        {
+            free[i] = column + "_" + names[i];
+            if (attempt > 1)
+                (free[i] += '_') += std::to_string(attempt);
+        }
     return free;
 }
 

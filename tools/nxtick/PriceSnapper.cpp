@@ -66,7 +66,7 @@ void PriceSnapper::Header(const CsvRow& row, const std::string& column)
         names.insert(names.end(), {"below", "above"});
     _added.clear();
     for (const std::string& name : header.GetNewNames(column, names))
-        _added += "," + AsField(name);
+        (_added += ',') += AsField(name);
     _Pass(row);
 }
 
