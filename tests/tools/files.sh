@@ -179,7 +179,7 @@ fi
 
 # Without a file beside it, the file is written in place, and only when all is well.
 if [ "$(id -u)" -eq 0 ]; then
-    chmod 755 . && ordinary="setpriv --reuid=65534 --regid=65534 --clear-groups"
+    chmod 755 . && ordinary="env LLVM_PROFILE_FILE=/dev/null setpriv --reuid=65534 --regid=65534 --clear-groups"
     echo old >owner.csv && chmod 640 owner.csv && chown 65534:65534 owner.csv
     run 0 $snap -csv good.csv -out owner.csv
     content_is owner.csv "$expected"
