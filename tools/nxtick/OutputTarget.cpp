@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <climits>
-#include <cstdlib>
 
 #include "Failure.h"
 
@@ -122,7 +122,9 @@ private:
 
     FileDescriptor _Duplicate() const
     {
-        FileDescriptor copy(::fcntl(std::atoi(_target.name.c_str()), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+        int number = -1;
+        std::from_chars(_target.name.data(), _target.name.data() + _target.name.size(), number);
+        FileDescriptor copy(::fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
         if (!copy.IsOpen())
             FailToWrite(_shownName);
         return copy;
