@@ -11,9 +11,9 @@ struct nxLogRecord
     nxClockTime time;
     unsigned threadIndex;
     unsigned processor;
-    const nxLogSource* source;  ///< Null for a record with a place of its own:
-    const char* ownFile;        ///< terminated,
-    unsigned ownLine;           ///< and the line in it.
+    const nxLogSource* source;      ///< Null for a record with a place of its own:
+    const char* ownFile = nullptr;  ///< terminated,
+    unsigned ownLine = 0;           ///< and the line in it.
     const char* values;
     const char* end;
 

@@ -11,8 +11,8 @@
 #include "core/log/nxLogManager.h"
 #include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
-#include "core/thread/nxSemaphore.h"
 #include "core/thread/nxMutexGuard.h"
+#include "core/thread/nxSemaphore.h"
 #include "core/thread/nxThread.h"
 
 namespace
