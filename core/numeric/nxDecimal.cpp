@@ -320,7 +320,7 @@ bool nxDecimal::_AreEqual(nxDecimal left, nxDecimal right)
         return left._format == right._format;
     if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
         return RoundedToNearest(_AreEqual, left, right);
-    return std::fabs(left._AsDouble() - right._AsDouble()) <= tolerance;
+    return std::fabs(nxDoubleHelper::Rounded(left._AsDouble() - right._AsDouble())) <= tolerance;
 }
 
 bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
@@ -331,7 +331,7 @@ bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
         return RoundedToNearest(_IsLess, left, right);
     const double a = left._AsDouble();
     const double b = right._AsDouble();
-    return !(std::fabs(a - b) <= tolerance) && a < b;
+    return !(std::fabs(nxDoubleHelper::Rounded(a - b)) <= tolerance) && a < b;
 }
 
 bool nxDecimal::EqualsExactly(const nxDecimal& other) const

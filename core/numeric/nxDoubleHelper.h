@@ -66,8 +66,8 @@ public:
 #else
         // Beyond 2^52 all doubles are integers. Three quarters and one quarter more are 1 more, unless each of them is
         // rounded up, or down.
-        const double sum = Rounded(Rounded(4503599627370496.0) + _threeQuarters) + _oneQuarter;
-        return std::bit_cast<std::uint64_t>(sum) == 0x4330000000000001;
+        const double more = Rounded(Rounded(4503599627370496.0) + _threeQuarters);
+        return std::bit_cast<std::uint64_t>(Rounded(more + _oneQuarter)) == 0x4330000000000001;
 #endif
     }
 
