@@ -116,14 +116,17 @@ void nxLogManager::ImmediateWrite(const std::vector<nxLog*>& records) noexcept
             ImmediateWrite(*record);
 }
 
-void nxLogManager::RegisterLogDevice(nxLogDevice* device) noexcept
+void nxLogManager::RegisterLogDevice(nxLogDevice* device) noexcept { RegisterLogDevices({&device, 1}); }
+
+void nxLogManager::RegisterLogDevices(std::span<nxLogDevice* const> devices) noexcept
 {
-    nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
-    if (device == nullptr || devices.Contains(device))
+    nxLogDeviceList& list = nxLogDeviceList::GetInstance();
+    const auto isNew = [&list](const nxLogDevice* device) { return device != nullptr && !list.Contains(device); };
+    if (std::none_of(devices.begin(), devices.end(), isNew))
         return;
-    // What has been reported by now is for the devices that are there. The first one gets all that there was.
+    // What has been reported by now is for the devices that are there. The first ones get all that there was.
     WriteOut(second, second / 10);
-    devices.Add(device);
+    list.Add(devices);
     nxLogWriter& writer = nxLogWriter::GetInstance();
     // Threads that have reported before need not come by where the thread is started, as after Destroy().
     if (nxLogQueue::GetInstance().HasChannels())

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "core/enum/nxLogLevelEnum.h"
@@ -79,6 +80,10 @@ public:
     /// Adds a device. It gets the records that come from now on, the first device of the process also what there was
     /// before. Null, or one that is registered already, changes nothing.
     void RegisterLogDevice(nxLogDevice* device) noexcept;
+    /// Adds several devices in one step: no record reaches one of them and not the others, and as the first devices of
+    /// the process all of them get what there was before. Null ones, and those that are registered already, are left
+    /// out.
+    void RegisterLogDevices(std::span<nxLogDevice* const> devices) noexcept;
     /// Takes a device away. What was queued before the call is written first, unless a device has stalled for a second;
     /// then it waits until no thread is inside the device any more. A device that unregisters itself while it is
     /// written to waits for neither.

@@ -9,14 +9,16 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogManager.h"
 
-/// Calls a function for every record, and counts everything. Registered while it lives.
+/// Calls a function for every record, and counts everything. Registered while it lives, unless it is left to others.
 class nxFunctionLogDevice : public nxLogDevice
 {
 public:
-    explicit nxFunctionLogDevice(std::function<void(const nxLog&)> onWrite = [](const nxLog&) {})
+    explicit nxFunctionLogDevice(
+        std::function<void(const nxLog&)> onWrite = [](const nxLog&) {}, bool registers = true)
         : _onWrite(std::move(onWrite))
     {
-        nxLogManager::GetInstance().RegisterLogDevice(this);
+        if (registers)
+            nxLogManager::GetInstance().RegisterLogDevice(this);
     }
     ~nxFunctionLogDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 

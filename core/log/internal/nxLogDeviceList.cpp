@@ -161,23 +161,24 @@ bool nxLogDeviceList::Contains(const nxLogDevice* device) noexcept
                        [device](const auto& entry) { return entry->IsFor(device) && !entry->IsRemoved(); });
 }
 
-bool nxLogDeviceList::Add(nxLogDevice* device) noexcept
+void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
 {
     try
     {
         const nxMutexGuard guard(_mutex);
-        for (const auto& entry : *_entries)
-            if (entry->IsFor(device))
-                return false;
         auto entries = std::make_shared<Entries>(*_entries);
-        entries->push_back(std::make_shared<nxLogDeviceEntry>(device));
+        for (nxLogDevice* const device : devices)
+        {
+            const auto isItself = [device](const auto& entry) { return entry->IsFor(device); };
+            if (device != nullptr && std::none_of(entries->begin(), entries->end(), isItself))
+                entries->push_back(std::make_shared<nxLogDeviceEntry>(device));
+        }
         _entries = std::move(entries);
         _version.fetch_add(1, std::memory_order_release);
-        return true;
     }
     catch (...)
     {
-        return false;
+        // Without memory there is no list with them.
     }
 }
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "core/thread/nxMutex.h"
@@ -105,8 +106,9 @@ public:
     unsigned GetVersion() const noexcept { return _version.load(std::memory_order_acquire); }
 
     bool Contains(const nxLogDevice* device) noexcept;
-    /// @return false when it was registered already or there is no memory.
-    bool Add(nxLogDevice* device) noexcept;
+    /// Adds those that are not registered yet, in one step: every list that a reader gets has all of them or none. Null
+    /// ones are left out. Without memory nothing is added.
+    void Add(std::span<nxLogDevice* const> devices) noexcept;
     /// @return whether it was registered.
     bool Remove(const nxLogDevice* device) noexcept;
     /// Waits, for two seconds at most, for a thread that is still inside a device that is not registered any more.
