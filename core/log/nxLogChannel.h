@@ -73,7 +73,8 @@ public:
         return {channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
     }
 
-    /// Publishes the record and gives the channel back. May wait for room when the record did not fit.
+    /// Publishes the record and gives the channel back. May wait for room when the record did not fit, and waits for a
+    /// fatal record to be written.
     [[gnu::always_inline]] static void Close(const nxLogRoom& room, nxEnumValue level) noexcept
     {
         if (room.spill != nullptr || room.channel == nullptr) [[unlikely]]
@@ -91,7 +92,7 @@ public:
         std::atomic_signal_fence(std::memory_order_seq_cst);
         _current = channel;
         if (level >= NX_LOG_LEVEL_WARNING)
-            WakeWriter();
+            Urge(level);
     }
 
     /// @return @p room with at least @p bytes free; the values written so far may have moved. With too little memory
@@ -101,8 +102,8 @@ public:
         return _GrowSlowly(room.channel, room.cursor, room.spill, bytes);
     }
 
-    /// Makes the deferred-write thread look at once.
-    static void WakeWriter() noexcept;
+    /// Has the calling thread's record, of @p level, written at once.
+    [[gnu::cold]] static void Urge(nxEnumValue level) noexcept;
 
     /// What a record may count on when it is begun; what needs more may have to move.
     static constexpr std::size_t MinimumRoom = 256;

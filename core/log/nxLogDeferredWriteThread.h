@@ -5,14 +5,23 @@
 
 /// The one thread that the library starts: it takes queued records and writes them to the devices.
 ///
-/// It starts with the first record that is written, and is nobody's to control: see nxLogManager. While records come it
-/// looks every one or two milliseconds, otherwise ten times a second; a warning, a ring that is a quarter full, or
-/// somebody who waits makes it look at once. It keeps all signals away from itself.
+/// It starts with the first device, and is nobody's to control: see nxLogManager. While records come it looks every one or
+/// two milliseconds, otherwise ten times a second; a warning, a ring that is a quarter full, or somebody who waits makes
+/// it look at once. It keeps all signals away from itself, but those of faults and profilers. Its stack, on which it
+/// calls the devices, has 256 KiB.
 class nxLogDeferredWriteThread final : public nxThread
 {
 public:
     /// Writes until it is told to stop.
     nxErrorEnum Run() override;
+
+private:
+    friend class nxLogWriter;
+
+    // Instead of Create(): as `service` says, or like any thread where the system refuses that.
+    nxErrorEnum _Start(const nxServiceThread& service);
+    // Applies it to the thread that runs.
+    void _Apply(const nxServiceThread& service) noexcept;
 };
 
 #endif

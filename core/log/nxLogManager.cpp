@@ -10,6 +10,7 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogSettings.h"
+#include "core/platform/nxServiceThread.h"
 #include "core/platform/nxThreadHooks.h"
 
 namespace
@@ -65,6 +66,7 @@ nxLogManager& nxLogManager::GetInstance() noexcept
 // Logs nothing and starts nothing: the library may just be being loaded.
 nxLogManager::nxLogManager() noexcept
 {
+    nxServiceThread::RememberProcessors();
     nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
     try
     {
@@ -81,6 +83,8 @@ void nxLogManager::Apply(const nxLogSettings& settings) noexcept
     SetLogLevel(settings.level);
     SetLogThreadIndex(settings.threadIndex);
     SetTimeBetweenFlushes(settings.forceFlush ? 0 : static_cast<double>(settings.secondsBetweenFlushes));
+    if (!settings.threadProcessors.empty() || settings.threadPriority != 0)
+        SetWriteThread(settings.threadProcessors, static_cast<unsigned>(settings.threadPriority));
     if (settings.reservedEntries != 0)
         SetRecommendedBufferCapacity(static_cast<unsigned>(settings.reservedEntries));
 }
@@ -128,27 +132,26 @@ void nxLogManager::RegisterLogDevices(std::span<nxLogDevice* const> devices) noe
     WriteOut(second, second / 10);
     list.Add(devices);
     nxLogWriter& writer = nxLogWriter::GetInstance();
-    // Threads that have reported before need not come by where the thread is started, as after Destroy().
-    if (nxLogQueue::GetInstance().HasChannels())
-        writer.EnsureRunning();
+    // Not only when somebody reports: that may be a thread with no time to start another one.
+    writer.EnsureRunning();
     writer.Wake();
 }
 
 void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
 {
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
-    if (!devices.Contains(device))
-        return devices.WaitUntilLeft(device);
-    WriteOut(longestWriteOut, second);
+    if (devices.Contains(device))
+        WriteOut(longestWriteOut, second);
     devices.Remove(device);
 }
 
 void nxLogManager::UnregisterAllLogDevices() noexcept
 {
     WriteOut(longestWriteOut, second);
-    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
-    for (const auto& entry : *devices)
-        entry->Remove();
+    nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
+    const std::shared_ptr<const nxLogDeviceList::Entries> taken = devices.TakeAll();
+    for (const auto& entry : *taken)
+        devices.WaitUntilLeft(entry->GetDevice());
 }
 
 void nxLogManager::FlushDevices() noexcept
@@ -195,6 +198,11 @@ void nxLogManager::SetTimeBetweenFlushes(double seconds) noexcept
     nxLogWriter::GetInstance().SetFlushInterval(seconds);
 }
 
+void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned realTimePriority) noexcept
+{
+    nxLogWriter::GetInstance().SetThread(processors, realTimePriority);
+}
+
 nxLogStatistics nxLogManager::GetStatistics() const noexcept
 {
     const nxLogQueue& queue = nxLogQueue::GetInstance();
@@ -208,11 +216,7 @@ void nxLogManager::Destroy() noexcept
     writer.WriteOut(longestWriteOut, 2 * second);
     const bool stopped = writer.Stop(2 * second);
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
+    // With the deferred-write thread stuck inside a device, there is no waiting for that.
     for (const auto& entry : *devices)
-    {
-        // With the deferred-write thread stuck inside a device, there is no waiting for that.
-        if (stopped)
-            entry->Call([](nxLogDevice& device) { device.Flush(); });
-        entry->RemoveAndDestroy(stopped);
-    }
+        entry->End(stopped);
 }

@@ -17,13 +17,13 @@ struct nxLogSettings;
 /// What the log has done since the process started; a forked child starts again at 0.
 struct nxLogStatistics
 {
-    /// Records passed to the devices, those written immediately not counted. Includes those of a look of the
-    /// deferred-write thread during which the last device was unregistered.
+    /// Records that at least one device was given, those written immediately not counted.
     std::uint64_t written;
     std::uint64_t dropped;  ///< Records lost because the queue was full and a device had stalled, or without memory.
-    std::uint64_t unheard;  ///< Records that came when no device was registered and that could not be kept for one.
-    std::uint64_t waits;    ///< How often a caller had to wait because the queue was full.
-    std::uint64_t bytes;    ///< The memory that the queue takes at the moment.
+    /// Records that found no device, because none was registered any more, and that could not be kept for the first one.
+    std::uint64_t unheard;
+    std::uint64_t waits;  ///< How often a caller had to wait because the queue was full.
+    std::uint64_t bytes;  ///< The memory that the queue takes at the moment.
 };
 
 /// The one log of the process: takes records from any thread and passes them to the registered devices, by the
@@ -36,16 +36,22 @@ struct nxLogStatistics
 ///   large record at a time, and small rings for threads that come when it is full, go beyond the bound. A thread
 ///   inside a device never waits for room, and no more than a tenth of a second for another device: what it cannot
 ///   hand over counts as dropped.
-/// - Start: the deferred-write thread starts with the first record. Records from before the first device are kept for
-///   it, up to a mebibyte.
-/// - End: when the process ends by exit() or by returning from main, what is queued is written out; a device that does
-///   not move for two seconds, or ten seconds in all, end the wait. After _exit(), a crash or SIGKILL what is queued is
-///   lost. No signal handler is installed.
+/// - Start: the deferred-write thread starts with the first device, or with the first record that comes earlier. Records
+///   from before the first device are kept for it, up to a mebibyte. While the thread cannot be started, records from
+///   the warning level on are written by the threads that report them; the error stream is told, once.
+/// - Fatal records: a record of the fatal level waits until it is with the operating system, 100 milliseconds at most,
+///   so that abort() may follow it; not inside a device. Other records wait only for a full queue.
+/// - End: when the process ends by exit(), by quick_exit() or by returning from main, what is queued is written out; a
+///   device that does not move for two seconds, or ten seconds in all, end the wait, and the error stream is told how
+///   many records were left. After _exit(), exec, a crash or SIGKILL what is queued is lost. No signal handler is
+///   installed. Where main has ended by pthread_exit(), the process ends, within a second or so, when its other threads
+///   have ended.
 /// - Fork: a child starts with an empty queue, with the same devices, and with a deferred-write thread of its own when
 ///   it first reports.
 /// - Settings: when the library is loaded, QRX_LOG_LEVEL sets the threshold, QRX_LOG_THREAD_INDEX whether lines carry
 ///   the thread's index, QRX_LOG_TIME_BETWEEN_FLUSHES and QRX_LOG_FORCE_FLUSH when devices are flushed, and
-///   QRX_LOG_BUFF_RESERVE_ENTRIES what SetRecommendedBufferCapacity() does. See nxLogSettings.
+///   QRX_LOG_BUFF_RESERVE_ENTRIES what SetRecommendedBufferCapacity() does; NX_LOG_THREAD_PROCESSORS and
+///   NX_LOG_THREAD_PRIORITY what SetWriteThread() does. See nxLogSettings.
 /// - Errors: none is reported to callers and nothing throws; losses are counted.
 /// - Threads: every operation may come from any thread, at any time, from inside a device too.
 /// - Ownership: devices belong to the application.
@@ -84,9 +90,11 @@ public:
     /// the process all of them get what there was before. Null ones, and those that are registered already, are left
     /// out.
     void RegisterLogDevices(std::span<nxLogDevice* const> devices) noexcept;
-    /// Takes a device away. What was queued before the call is written first, unless a device has stalled for a second;
-    /// then it waits until no thread is inside the device any more. A device that unregisters itself while it is
-    /// written to waits for neither.
+    /// Takes a device away. What was queued before the call is written first, for ten seconds at most and unless a
+    /// device has stalled for a second; what is left then goes to the other devices, and counts as unheard where there
+    /// are none. Then it waits until no thread is inside the device any more, whoever has unregistered it: afterwards
+    /// nobody calls the device. A device that unregisters itself while it is written to waits for neither. From inside
+    /// another device, and while the process ends, it does not wait long: a thread may still be in the device then.
     void UnregisterLogDevice(nxLogDevice* device) noexcept;
     /// The same for all devices.
     void UnregisterAllLogDevices() noexcept;
@@ -111,6 +119,13 @@ public:
     std::uint64_t GetMaximumQueueBytes() const noexcept;
     /// After how many seconds at the latest devices are flushed, 1 at first; 0 flushes whenever something was written.
     void SetTimeBetweenFlushes(double seconds) noexcept;
+
+    /// Sets where and how the deferred-write thread runs, from now on; at first on the processors that the process had
+    /// when the library was loaded, with ordinary scheduling, whatever the thread has that first reports.
+    /// @param processors the numbers of those it may run on; none means those that the process had.
+    /// @param realTimePriority 1 to 99 for first-in-first-out scheduling, 0 for ordinary scheduling.
+    /// What the system does not allow is left out.
+    void SetWriteThread(std::span<const unsigned> processors, unsigned realTimePriority = 0) noexcept;
 
     /// Whether lines carry the index of the thread, as they do at first.
     bool GetLogThreadIndex() const { return _logThreadIndex.load(std::memory_order_relaxed); }

@@ -52,6 +52,34 @@ nxLogSettings::Console GetConsole()
         return nxLogSettings::Console::TimeAndText;
     return nxLogSettings::Console::Off;
 }
+// "0,2-5". A text that is anything else gives none at all.
+std::vector<unsigned> GetProcessors()
+{
+    const std::string text = Get("NX_LOG_THREAD_PROCESSORS");
+    std::vector<unsigned> processors;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    const auto read = [&at, end](unsigned& number)
+    {
+        const auto [stop, error] = std::from_chars(at, end, number);
+        at = stop;
+        return error == std::errc() && number <= nxLogSettings::LargestProcessor;
+    };
+    while (at != end)
+    {
+        unsigned first = 0;
+        if (!read(first))
+            return {};
+        unsigned last = first;
+        if (at != end && *at == '-' && (++at, !read(last) || last < first))
+            return {};
+        for (unsigned processor = first; processor <= last; ++processor)
+            processors.push_back(processor);
+        if (at != end && (*at++ != ',' || at == end))
+            return {};
+    }
+    return processors;
+}
 }  // namespace
 
 nxLogSettings nxLogSettings::Read()
@@ -69,5 +97,7 @@ nxLogSettings nxLogSettings::Read()
         GetNumber(QRX_LOG_BUFF_RESERVE_ENTRIES, settings.reservedEntries, 0, LargestReservedEntries);
     settings.threadIndex = GetBool(QRX_LOG_THREAD_INDEX, settings.threadIndex);
     settings.recreateOnChangeOfDate = GetBool(QRX_LOG_RECREATE_ON_CHANGE_OF_DATE, settings.recreateOnChangeOfDate);
+    settings.threadProcessors = GetProcessors();
+    settings.threadPriority = GetNumber("NX_LOG_THREAD_PRIORITY", 0, 0, LargestThreadPriority);
     return settings;
 }

@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr std::int64_t SliceNanoseconds = 50'000'000;
+constexpr std::int64_t LongestSleep = 50'000'000;
 
 std::int64_t Now()
 {
@@ -48,7 +48,7 @@ bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
         if (left <= 0)
             return false;
         if (_Announce())
-            Sleep(_word, SleepersBit, std::min(left, SliceNanoseconds));
+            Sleep(_word, SleepersBit, std::min(left, LongestSleep));
     }
     return true;
 }

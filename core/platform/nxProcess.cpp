@@ -23,28 +23,42 @@ long long NanosecondsOf(clockid_t clock)
     return now.tv_sec * nanosecondsPerSecond + now.tv_nsec;
 }
 
+// What the system says about the process, as the fields of /proc/self/stat. Asks without memory of its own.
+class StatusOfProcess
+{
+public:
+    StatusOfProcess()
+    {
+        const int file = ::open("/proc/self/stat", O_RDONLY | O_CLOEXEC);
+        const ssize_t size = file < 0 ? 0 : ::read(file, _text, sizeof(_text) - 1);
+        if (file >= 0)
+            ::close(file);
+        _text[size > 0 ? size : 0] = '\0';
+    }
+
+    // The text of a field from the third on, null when there is none. The second is the program's name in parentheses
+    // and may hold blanks and parentheses of its own.
+    const char* GetField(int number) const
+    {
+        const char* field = std::strrchr(_text, ')');
+        for (int i = 2; i < number && field != nullptr; ++i)
+            field = std::strchr(field + 1, ' ');
+        return field == nullptr ? nullptr : field + 1;
+    }
+
+private:
+    char _text[1024];
+};
+
 // When the process started, in nanoseconds since the machine did; negative when the system does not tell.
 long long StartSinceBoot()
 {
-    char text[1024];
-    const int file = ::open("/proc/self/stat", O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return -1;
-    const ssize_t size = ::read(file, text, sizeof(text) - 1);
-    ::close(file);
+    const StatusOfProcess status;
+    const char* const field = status.GetField(22);
     const long ticksPerSecond = ::sysconf(_SC_CLK_TCK);
-    if (size <= 0 || ticksPerSecond <= 0)
+    if (field == nullptr || ticksPerSecond <= 0)
         return -1;
-    text[size] = '\0';
-
-    // The second field is the program's name in parentheses and may hold blanks and parentheses of its own; the start
-    // is the twentieth field behind it.
-    const char* field = std::strrchr(text, ')');
-    for (int i = 0; i < 20 && field != nullptr; ++i)
-        field = std::strchr(field + 1, ' ');
-    if (field == nullptr)
-        return -1;
-    const long long ticks = std::strtoll(field + 1, nullptr, 10);
+    const long long ticks = std::strtoll(field, nullptr, 10);
     return ticks / ticksPerSecond * nanosecondsPerSecond +
            ticks % ticksPerSecond * (nanosecondsPerSecond / ticksPerSecond);
 }
@@ -91,6 +105,15 @@ std::string AddressText(const sockaddr& any)
 }  // namespace
 
 unsigned nxProcess::GetID() { return static_cast<unsigned>(::getpid()); }
+
+bool nxProcess::IsOnlyThreadLeft()
+{
+    const StatusOfProcess status;
+    // The state is that of the main thread, which counts as one of the threads until the process ends.
+    const char* const state = status.GetField(3);
+    const char* const threads = status.GetField(20);
+    return state != nullptr && threads != nullptr && *state == 'Z' && std::strtol(threads, nullptr, 10) == 2;
+}
 
 nxProcess::StartTime nxProcess::GetStartTime()
 {

@@ -20,6 +20,10 @@ public:
     /// The process's number; a forked child gets its own.
     static unsigned GetID();
 
+    /// Whether the main thread has ended and the calling thread is the only one that is left. False where the system does
+    /// not tell.
+    static bool IsOnlyThreadLeft();
+
     /// The moment at which the system started the process, to a hundredth of a second. It is worked out from the wall
     /// clock now and the process's age, so calls on both sides of a clock step differ: ask once and keep the answer.
     /// Where the system does not tell, the answer is now.

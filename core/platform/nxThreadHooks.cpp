@@ -1,14 +1,18 @@
 #include "core/platform/nxThreadHooks.h"
 
+#include <cxxabi.h>
 #include <pthread.h>
-#include <signal.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 
 #if __has_include(<sys/rseq.h>)
     #include <sys/rseq.h>
 #endif
+
+// The library itself, to the system: what it registers does not outlive it.
+extern "C" void* __dso_handle;
 
 bool nxThreadHooks::AtFork(void (*before)(), void (*afterInParent)(), void (*afterInChild)()) noexcept
 {
@@ -17,24 +21,25 @@ bool nxThreadHooks::AtFork(void (*before)(), void (*afterInParent)(), void (*aft
 
 bool nxThreadHooks::AtThreadExit(void (*function)(void*), void* argument) noexcept
 {
-    struct Key
+    // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever. The key
+    // is kept one higher, 0 for none.
+    static constinit std::atomic<unsigned> kept{0};
+    unsigned found = kept.load(std::memory_order_acquire);
+    if (pthread_key_t key; found == 0 && pthread_key_create(&key, function) == 0)
     {
-        explicit Key(void (*destructor)(void*)) : valid(pthread_key_create(&key, destructor) == 0) {}
-        pthread_key_t key{};
-        bool valid;
-    };
-    static const Key key(function);
-    return key.valid && pthread_setspecific(key.key, argument) == 0;
+        if (kept.compare_exchange_strong(found, key + 1, std::memory_order_acq_rel))
+            found = key + 1;
+        else
+            pthread_key_delete(key);
+    }
+    if (found == 0)
+        return abi::__cxa_thread_atexit(function, argument, &__dso_handle) == 0;
+    return pthread_setspecific(found - 1, argument) == 0;
 }
 
-bool nxThreadHooks::AtExit(void (*function)()) noexcept { return std::atexit(function) == 0; }
-
-void nxThreadHooks::BecomeServiceThread(const char* name) noexcept
+bool nxThreadHooks::AtExit(void (*function)()) noexcept
 {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, nullptr);
-    pthread_setname_np(pthread_self(), name);
+    return std::atexit(function) == 0 && std::at_quick_exit(function) == 0;
 }
 
 const volatile unsigned* nxThreadHooks::GetProcessorWord() noexcept

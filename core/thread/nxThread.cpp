@@ -5,6 +5,7 @@
 
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxPlatformThread.h"
+#include "core/platform/nxServiceThread.h"
 
 namespace
 {
@@ -19,7 +20,10 @@ nxThread::nxThread() : _attributes(), _handle(), _started(false) { pthread_attr_
 
 nxThread::~nxThread() { pthread_attr_destroy(&_attributes); }
 
-nxErrorEnum nxThread::Create()
+nxErrorEnum nxThread::Create() { return _Create(nullptr); }
+
+// With attributes of its own for the thread of the library's.
+nxErrorEnum nxThread::_Create(const nxServiceThread* attributes)
 {
     // Set before the thread exists, because Run() may call Wait() at once.
     if (_started.exchange(true))
@@ -27,6 +31,8 @@ nxErrorEnum nxThread::Create()
 
     pthread_attr_destroy(&_attributes);
     int result = pthread_attr_init(&_attributes);
+    if (result == 0 && attributes != nullptr)
+        result = attributes->Prepare(_attributes);
     if (result == 0)
         result = pthread_create(&_handle, &_attributes, &nxThread::_ThreadProc, this);
     if (result == 0)

@@ -9,6 +9,8 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 
+class nxServiceThread;
+
 /// The base of every worker thread: a subclass supplies Run(), its owner starts it with Create() and joins with Wait().
 ///
 /// - States: not started, then started by Create(), then not started again after Wait(), when Create() may follow anew.
@@ -58,6 +60,9 @@ public:
     static std::string GetThreadIDAsString();
 
 private:
+    friend class nxLogDeferredWriteThread;
+
+    nxErrorEnum _Create(const nxServiceThread* attributes);
     static void* _ThreadProc(void* self);
 
     pthread_attr_t _attributes;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/nxLogDevice.h"
@@ -15,29 +16,22 @@ namespace
 {
 // For one device, of a thread that is inside another one.
 constexpr std::int64_t patienceInside = 100'000'000;
+// For one device that is unregistered while the process ends.
+constexpr std::int64_t patienceAtEnd = 2'000'000'000;
 }  // namespace
 
 constinit thread_local const nxLogDeviceEntry::Visit* nxLogDeviceEntry::_innermost = nullptr;
 
-nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered) noexcept
-    : _device(registered), _lineSink(registered->GetLineSink())
+nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex) noexcept
+    : _device(registered), _lineSink(registered->GetLineSink()), _mutex(std::move(mutex))
 {
 }
 
-nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry) noexcept
-    : _entry(entry), _outer(_innermost), _inside(!_IsThreadInside(entry))
+nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry, std::int64_t patience) noexcept
+    : _entry(entry), _outer(_innermost), _inside(!entry._IsThreadInside() && entry._LockInTime(patience))
 {
-    if (!_inside)
-        return;
-    if (_outer == nullptr)
-        _entry._mutex.Lock();
-    else if (!_entry._LockInTime(patienceInside))
-    {
-        _inside = false;
-        nxLogQueue::GetInstance().CountDrop();
-        return;
-    }
-    _innermost = this;
+    if (_inside)
+        _innermost = this;
 }
 
 nxLogDeviceEntry::Visit::~Visit()
@@ -45,44 +39,34 @@ nxLogDeviceEntry::Visit::~Visit()
     if (!_inside)
         return;
     _innermost = _outer;
-    _entry._mutex.Unlock();
+    _entry._mutex->Unlock();
 }
 
-bool nxLogDeviceEntry::_IsThreadInside(const nxLogDeviceEntry& entry) noexcept
+bool nxLogDeviceEntry::_IsThreadInside() const noexcept
 {
     for (const Visit* visit = _innermost; visit != nullptr; visit = visit->GetOuter())
-        if (&visit->GetEntry() == &entry)
+        if (visit->GetMutex() == _mutex.get())
             return true;
     return false;
 }
 
 bool nxLogDeviceEntry::IsThreadInsideAny() noexcept { return _innermost != nullptr; }
 
-void nxLogDeviceEntry::Remove() noexcept
-{
-    _removed.store(true, std::memory_order_relaxed);
-    if (_innermost != nullptr)
-        WaitUntilLeft(patienceInside);
-    else
-    {
-        _mutex.Lock();
-        _mutex.Unlock();
-    }
-}
+std::int64_t nxLogDeviceEntry::GetPatience() noexcept { return IsThreadInsideAny() ? patienceInside : Forever; }
 
-bool nxLogDeviceEntry::WaitUntilLeft(std::int64_t patience) noexcept
+// What a device reports at once is not for itself; all else that could not be handed over is missed.
+void nxLogDeviceEntry::_CountMissed() const noexcept
 {
-    if (_IsThreadInside(*this) || !_LockInTime(patience))
-        return false;
-    _mutex.AssertHeld();
-    _mutex.Unlock();
-    return true;
+    if (!_IsThreadInside())
+        nxLogQueue::GetInstance().CountDrop();
 }
 
 bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept
 {
+    if (patience == Forever)
+        return _mutex->Lock().IsOK();
     const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
-    while (!_mutex.TryLock().IsOK())
+    while (!_mutex->TryLock().IsOK())
     {
         if (nxClock::MonotonicNanoseconds() > deadline)
             return false;
@@ -91,30 +75,20 @@ bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept
     return true;
 }
 
-void nxLogDeviceEntry::RemoveAndDestroy(bool wait) noexcept
+void nxLogDeviceEntry::End(bool wait) noexcept
 {
-    if (wait)
-        Remove();
-    else
-    {
-        _removed.store(true, std::memory_order_relaxed);
-        if (!WaitUntilLeft(0))
-            return;
-    }
-    // Nobody else comes here any more, and the device may end itself.
-    try
-    {
-        _device->Destroy();
-    }
-    catch (...)
-    {
-    }
+    const Visit visit(*this, wait ? GetPatience() : 0);
+    if (!visit.IsInside() || _ended.exchange(true, std::memory_order_relaxed))
+        return;
+    _Do([this] { _device->Flush(); });
+    // The device may end itself there, which does not end this entry.
+    _Do([this] { _device->Destroy(); });
 }
 
 void nxLogDeviceEntry::BeforeFork(std::int64_t deadline) noexcept
 {
     _lockedForFork = false;
-    if (_IsThreadInside(*this))
+    if (_IsThreadInside())
         return;
     if (!_LockInTime(deadline - nxClock::MonotonicNanoseconds()))
         return;
@@ -129,12 +103,12 @@ void nxLogDeviceEntry::AfterForkInParent() noexcept
         return;
     if (_lineSink != nullptr && !IsRemoved())
         _lineSink->AfterForkInParent();
-    _mutex.Unlock();
+    _mutex->Unlock();
 }
 
 void nxLogDeviceEntry::AfterForkInChild() noexcept
 {
-    ::new (&_mutex) nxMutex;
+    ::new (_mutex.get()) nxMutex;
     if (_lineSink != nullptr && !IsRemoved())
         _lineSink->AfterForkInChild();
 }
@@ -158,7 +132,42 @@ bool nxLogDeviceList::Contains(const nxLogDevice* device) noexcept
 {
     const std::shared_ptr<const Entries> entries = Get();
     return std::any_of(entries->begin(), entries->end(),
-                       [device](const auto& entry) { return entry->IsFor(device) && !entry->IsRemoved(); });
+                       [device](const auto& entry) { return entry->GetDevice() == device && !entry->IsRemoved(); });
+}
+
+// The entries that are not removed, in a list of its own. Those that are removed are remembered as leaving before the
+// list without them can be published, or nothing is changed: bad_alloc.
+std::shared_ptr<nxLogDeviceList::Entries> nxLogDeviceList::_CopyLive()
+{
+    std::erase_if(_leaving, [](const auto& each) { return each.expired(); });
+    _leaving.reserve(_leaving.size() + _entries->size());
+    auto live = std::make_shared<Entries>();
+    live->reserve(_entries->size());
+    for (const auto& entry : *_entries)
+        if (!entry->IsRemoved())
+            live->push_back(entry);
+    return live;
+}
+
+void nxLogDeviceList::_Publish(std::shared_ptr<const Entries> entries) noexcept
+{
+    for (const auto& entry : *_entries)
+        if (entry->IsRemoved())
+            _leaving.push_back(entry);  // has its room
+    _entries = std::move(entries);
+}
+
+// Of one device.
+template <class Action>
+void nxLogDeviceList::_ForEachRemoved(const nxLogDevice* device, const Action& action) noexcept
+{
+    for (const auto& entry : *_entries)
+        if (entry->IsRemoved() && entry->GetDevice() == device)
+            action(entry);
+    for (const auto& each : _leaving)
+        if (const std::shared_ptr<nxLogDeviceEntry> entry = each.lock();
+            entry != nullptr && entry->GetDevice() == device)
+            action(entry);
 }
 
 void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
@@ -166,15 +175,19 @@ void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
     try
     {
         const nxMutexGuard guard(_mutex);
-        auto entries = std::make_shared<Entries>(*_entries);
+        const std::shared_ptr<Entries> entries = _CopyLive();
         for (nxLogDevice* const device : devices)
         {
-            const auto isItself = [device](const auto& entry) { return entry->IsFor(device); };
-            if (device != nullptr && std::none_of(entries->begin(), entries->end(), isItself))
-                entries->push_back(std::make_shared<nxLogDeviceEntry>(device));
+            const auto isItself = [device](const auto& entry) { return entry->GetDevice() == device; };
+            if (device == nullptr || std::any_of(entries->begin(), entries->end(), isItself))
+                continue;
+            std::shared_ptr<nxMutex> mutex;
+            _ForEachRemoved(device, [&mutex](const auto& entry) { mutex = entry->GetMutex(); });
+            if (mutex == nullptr)
+                mutex = std::make_shared<nxMutex>();
+            entries->push_back(std::make_shared<nxLogDeviceEntry>(device, std::move(mutex)));
         }
-        _entries = std::move(entries);
-        _version.fetch_add(1, std::memory_order_release);
+        _Publish(entries);
     }
     catch (...)
     {
@@ -182,86 +195,64 @@ void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
     }
 }
 
-bool nxLogDeviceList::Remove(const nxLogDevice* device) noexcept
+void nxLogDeviceList::Remove(const nxLogDevice* device) noexcept
 {
-    std::shared_ptr<nxLogDeviceEntry> removed;
     try
     {
         const nxMutexGuard guard(_mutex);
-        auto entries = std::make_shared<Entries>(*_entries);
-        const auto found = std::find_if(entries->begin(), entries->end(),
-                                        [device](const auto& entry) { return entry->IsFor(device); });
-        if (found == entries->end())
-            return false;
-        removed = *found;
-        entries->erase(found);
-        _entries = std::move(entries);
-        _RememberLeaving(removed);
-        _version.fetch_add(1, std::memory_order_release);
+        bool any = false;
+        for (const auto& entry : *_entries)
+            if (entry->GetDevice() == device)
+            {
+                entry->MarkRemoved();
+                any = true;
+            }
+        if (any)
+            _Publish(_CopyLive());
     }
     catch (...)
     {
         // It stays in the list, marked, and is never called again.
-        const std::shared_ptr<const Entries> entries = Get();
-        for (const auto& entry : *entries)
-            if (entry->IsFor(device) && !entry->IsRemoved())
-                removed = entry;
     }
-    if (removed == nullptr)
-        return false;
-    // Not under the list's lock: the device may be at work, and may itself be registering another one.
-    removed->Remove();
-    return true;
+    WaitUntilLeft(device);
 }
 
-void nxLogDeviceList::_RememberLeaving(const std::shared_ptr<nxLogDeviceEntry>& entry) noexcept
-{
-    try
-    {
-        std::erase_if(_leaving, [](const auto& each) { return each.expired(); });
-        _leaving.push_back(entry);
-    }
-    catch (...)
-    {
-        // Without memory nobody waits for it.
-    }
-}
-
+// Not under the list's lock while it waits: the device may be at work, and may itself be registering another one.
 void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
 {
-    constexpr std::int64_t patience = 2'000'000'000;
-    std::vector<std::weak_ptr<nxLogDeviceEntry>> leaving;
-    try
+    std::shared_ptr<nxLogDeviceEntry> any;
     {
         const nxMutexGuard guard(_mutex);
-        leaving = _leaving;
+        _ForEachRemoved(device, [&any](const auto& entry) { any = entry; });
     }
-    catch (...)
-    {
-    }
-    for (const auto& each : leaving)
-        if (const std::shared_ptr<nxLogDeviceEntry> entry = each.lock(); entry != nullptr && entry->IsFor(device))
-            entry->WaitUntilLeft(nxLogDeviceEntry::IsThreadInsideAny() ? 0 : patience);
+    if (any == nullptr)
+        return;
+    const bool isEnding = _isEnding.load(std::memory_order_relaxed);
+    const std::int64_t patience = isEnding ? patienceAtEnd : nxLogDeviceEntry::Forever;
+    // Under the device's lock: who ends a device looks at the mark under it.
+    any->WhenLeft(std::min(nxLogDeviceEntry::GetPatience(), patience),
+                  [&]
+                  {
+                      const nxMutexGuard guard(_mutex);
+                      _ForEachRemoved(device, [](const auto& entry) { entry->MarkEnded(); });
+                  });
 }
 
 std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::TakeAll() noexcept
 {
-    std::shared_ptr<const Entries> none;
+    const nxMutexGuard guard(_mutex);
+    std::shared_ptr<const Entries> taken = _entries;
+    for (const auto& entry : *taken)
+        entry->MarkRemoved();
     try
     {
-        none = std::make_shared<const Entries>();
+        _Publish(_CopyLive());
     }
     catch (...)
     {
         // The entries stay in the list, where their mark keeps everybody out.
-        return Get();
     }
-    const nxMutexGuard guard(_mutex);
-    std::swap(none, _entries);
-    for (const auto& entry : *none)
-        _RememberLeaving(entry);
-    _version.fetch_add(1, std::memory_order_release);
-    return none;
+    return taken;
 }
 
 void nxLogDeviceList::BeforeFork() noexcept
@@ -297,5 +288,7 @@ void nxLogDeviceList::AfterForkInChild() noexcept
     nxMutexInChild::Renew(_mutex);
     for (const auto& entry : *_entries)
         entry->AfterForkInChild();
+    // Whoever was inside of those is gone, and their locks stay with him.
+    _leaving.clear();
     _forking.reset();
 }

@@ -40,6 +40,7 @@ constexpr std::int64_t overfullTime = 100'000'000;
 constexpr std::uint64_t clockSlack = 10'000;
 // By so many ticks at least, no more than some seconds, a clock has stepped rather than run on.
 constexpr std::uint64_t clockSetBack = 100'000'000;
+constexpr std::uint64_t noCutOff = std::numeric_limits<std::uint64_t>::max();
 // What the average record is taken to need.
 constexpr std::size_t averageRecord = 128;
 // The largest part of a ring that one record may take.
@@ -142,12 +143,7 @@ void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill*
     nxLogQueue::GetInstance().Close({channel, cursor, cursor, spill}, level);
 }
 
-void nxLogChannel::WakeWriter() noexcept
-{
-    nxLogWriter& writer = nxLogWriter::GetInstance();
-    writer.EnsureRunning();
-    writer.Wake();
-}
+void nxLogChannel::Urge(nxEnumValue level) noexcept { nxLogWriter::GetInstance().Urge(level); }
 
 // Memory.
 
@@ -308,20 +304,31 @@ bool nxLogQueue::_IsOverfull() noexcept
     return now - _overfullSince >= overfullTime;
 }
 
-nxLogChannel* nxLogQueue::_NewChannel() noexcept
+// The first ring of a thread. Most threads say little, so it is small: a large one comes when it overflows.
+nxLogSegment* nxLogQueue::_NewSmallSegment() noexcept
 {
-    nxLogSegment* segment = _TakeSegment();
-    if (segment == nullptr)
+    while (!_ClaimBytes(_smallRingSize))
     {
-        // The bound is reached: a thread that has not reported yet gets the least with which it can, all the same, but
-        // a device that stands still while threads come and go does not take all memory.
+        if (_FreeIdleSegment())
+            continue;
+        // The bound is reached: a thread that has not reported yet gets a ring all the same, but a device that stands
+        // still while threads come and go does not take all memory.
         if (_IsOverfull())
             return nullptr;
-        segment = _AllocateSegment(_smallRingSize);
-        if (segment == nullptr)
-            return nullptr;
         _bytes.fetch_add(_smallRingSize, std::memory_order_relaxed);
+        break;
     }
+    nxLogSegment* const segment = _AllocateSegment(_smallRingSize);
+    if (segment == nullptr)
+        _bytes.fetch_sub(_smallRingSize, std::memory_order_relaxed);
+    return segment;
+}
+
+nxLogChannel* nxLogQueue::_NewChannel() noexcept
+{
+    nxLogSegment* const segment = _NewSmallSegment();
+    if (segment == nullptr)
+        return nullptr;
     const nxMutexGuard guard(_mutex);
     void* memory = _freeChannels;
     if (memory != nullptr)
@@ -383,6 +390,10 @@ void nxLogQueue::ThreadEnds(void* first) noexcept
 // Looks at how far the emptying thread has come and moves the limit on.
 bool nxLogQueue::_LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept
 {
+    // A record that is waited for finds room in an empty ring wherever head and tail are: behind the head, or else
+    // before it.
+    static_assert(2 * (_smallRingSize / shareOfRing) + static_cast<std::size_t>(gap) + jumpSize <= _smallRingSize);
+
     nxLogSegment& segment = *channel._segment;
     char* head = channel._head.load(std::memory_order_relaxed);
     char* const tail = channel._tail.load(std::memory_order_acquire);
@@ -575,6 +586,10 @@ template <class Fill>
 bool nxLogQueue::_Append(nxLogChannel& channel, std::size_t size, const Fill& fill) noexcept
 {
     const std::size_t rounded = RoundUp(size);
+    // What is too large for a small ring alone gets the thread a large one.
+    if (rounded > channel._segment->capacity / shareOfRing && rounded <= _ringSize / shareOfRing &&
+        channel._segment->capacity < _ringSize)
+        _AppendSegment(channel);
     if (rounded > channel._segment->capacity / shareOfRing)
     {
         char* const block = static_cast<char*>(std::malloc(size));
@@ -634,7 +649,7 @@ void nxLogQueue::Close(const nxLogRoom& room, nxEnumValue level) noexcept
     if (room.channel != nullptr)
         nxLogChannel::_current = room.channel;
     if (level >= NX_LOG_LEVEL_WARNING)
-        nxLogWriter::GetInstance().Wake();
+        nxLogWriter::GetInstance().Urge(level);
 }
 
 void nxLogQueue::_WriteObject(char* out, const nxLog& record, std::size_t size) noexcept
@@ -678,7 +693,7 @@ void nxLogQueue::Write(const nxLog& record) noexcept
         CountDrop();
     nxLogChannel::_current = channel;
     if (record._level.GetValue() >= NX_LOG_LEVEL_WARNING)
-        nxLogWriter::GetInstance().Wake();
+        nxLogWriter::GetInstance().Urge(static_cast<nxEnumValue>(record._level.GetValue()));
 }
 
 // The emptying side.
@@ -686,8 +701,9 @@ void nxLogQueue::Write(const nxLog& record) noexcept
 void nxLogQueue::BeginRound(bool everything) noexcept
 {
     _scale = nxClock::GetScale();
-    // Before the heads are read: whatever was begun earlier and is published by now is in this round.
-    _cutOff = nxClock::Ticks() + (everything ? clockSlack : 0 - clockSlack);
+    // Before the heads are read: whatever was begun earlier and is published by now is in this round. One that is to
+    // take everything does not ask the clocks, which may differ from processor to processor.
+    _cutOff = everything ? noCutOff : nxClock::Ticks() - clockSlack;
     _round = nullptr;
     _current = nullptr;
     const nxMutexGuard guard(_mutex);
@@ -729,7 +745,7 @@ const char* nxLogQueue::_Peek(nxLogChannel& channel) noexcept
     }
     // What lies far ahead was read from a clock that has been set back since, and does not wait for it.
     const std::uint64_t ahead = ReadTicks(channel._read) - _cutOff - 1;
-    if (ahead < clockSetBack)
+    if (_cutOff != noCutOff && ahead < clockSetBack)
     {
         channel._finished = true;
         return nullptr;
@@ -841,12 +857,18 @@ void nxLogQueue::Release() noexcept
 {
     if (_block != nullptr)
         _FreeBlock();
+    if (_round == nullptr)
+        return;
+    // A thread's ring counts as empty only where the tail has reached the head, and is given back only then. So after a
+    // round the tail of each of its rings is where the reading stopped, also when there was but a jump to follow.
+    bool hasMoved = false;
     {
         const nxMutexGuard guard(_mutex);
         for (nxLogChannel* channel = _round; channel != nullptr; channel = channel->_nextInRound)
-            channel->_tail.store(channel->_read, std::memory_order_release);
+            hasMoved |= channel->_tail.exchange(channel->_read, std::memory_order_release) != channel->_read;
     }
-    CountProgress();
+    if (hasMoved)
+        CountProgress();
 }
 
 // Takes the channels of threads that are gone out of the list, once they are empty.
@@ -885,18 +907,10 @@ bool nxLogQueue::IsEmpty() noexcept
     return true;
 }
 
-bool nxLogQueue::HasChannels() noexcept
+// Calls `action` with the bytes of each record that waits in a channel. Tails do not move meanwhile: with the mutex.
+template <class Action>
+void nxLogQueue::_ForEachWaiting(const Action& action)
 {
-    const nxMutexGuard guard(_mutex);
-    return _channels != nullptr;
-}
-
-void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
-{
-    const nxClockScale scale = nxClock::GetScale();
-    long long second = 0;
-    // Tails do not move meanwhile.
-    const nxMutexGuard guard(_mutex);
     for (const nxLogChannel* channel = _channels; channel != nullptr; channel = channel->_next)
     {
         const char* const head = channel->_head.load(std::memory_order_acquire);
@@ -909,14 +923,34 @@ void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
                 at = ReadPointer(at + 8);
                 continue;
             }
-            const char* const bytes =
-                kind == nxLogRecordHeader::Elsewhere ? ReadPointer(at + sizeof(nxLogRecordHeader)) : at;
-            nxLogRecord record;
-            _Decode(record, bytes, *channel, scale, second);
-            records.push_back(nxLog(record));
+            action(*channel, kind == nxLogRecordHeader::Elsewhere ? ReadPointer(at + sizeof(nxLogRecordHeader)) : at);
             at += RoundUp(ReadSize(at));
         }
     }
+}
+
+void nxLogQueue::CopyRecords(std::vector<nxLog>& records)
+{
+    const nxClockScale scale = nxClock::GetScale();
+    long long second = 0;
+    const nxMutexGuard guard(_mutex);
+    _ForEachWaiting(
+        [&](const nxLogChannel& channel, const char* bytes)
+        {
+            nxLogRecord record;
+            _Decode(record, bytes, channel, scale, second);
+            records.push_back(nxLog(record));
+        });
+}
+
+std::uint64_t nxLogQueue::DropWaiting(unsigned inHand) noexcept
+{
+    std::uint64_t waiting = 0;
+    const nxMutexGuard guard(_mutex);
+    _ForEachWaiting([&waiting](const nxLogChannel&, const char*) { ++waiting; });
+    waiting -= std::min<std::uint64_t>(waiting, inHand);
+    _dropped.fetch_add(waiting, std::memory_order_relaxed);
+    return waiting;
 }
 
 void nxLogQueue::AfterForkInChild() noexcept

@@ -57,22 +57,24 @@ public:
     // The emptying side. One round is BeginRound(), then Next() until there is none.
 
     /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for
-    /// the next round, so that the threads' records go out in the order of time; not so with @p everything.
+    /// the next round, so that the threads' records go out in the order of time; not so with @p everything, which asks
+    /// no clock.
     void BeginRound(bool everything) noexcept;
     /// @return whether there is another record: the oldest of those left. Its bytes stay until the next call.
     bool Next(nxLogRecord& record) noexcept;
-    /// Gives back the room of all records that Next() has returned, and tells those who wait for it.
+    /// Gives back the room of all that the round has read by now, and tells those who wait for it.
     void Release() noexcept;
     /// Frees what past bursts have left behind.
     void Trim() noexcept;
     /// Whether no channel holds a record.
     bool IsEmpty() noexcept;
-    /// Whether any thread has reported.
-    bool HasChannels() noexcept;
 
     /// Appends copies of all records that wait; only that the order is kept within each thread.
     void CopyRecords(std::vector<nxLog>& records);
 
+    /// Counts all records that wait, but those that the writer has in hand, as dropped: at the end of the process nobody
+    /// will write them. @return how many these are.
+    std::uint64_t DropWaiting(unsigned inHand) noexcept;
     void CountDrop() noexcept { _dropped.fetch_add(1, std::memory_order_relaxed); }
     /// Whenever a device has returned: the sign of life that waiting callers watch.
     void CountProgress() noexcept;
@@ -103,6 +105,7 @@ private:
     bool _IsOverfull() noexcept;
     nxLogChannel* _Attach() noexcept;
     nxLogChannel* _NewChannel() noexcept;
+    nxLogSegment* _NewSmallSegment() noexcept;
     nxLogSegment* _TakeSegment() noexcept;
     nxLogSegment* _AllocateSegment(std::size_t capacity) noexcept;
     nxLogSegment* _PopFreeSegment() noexcept;
@@ -130,6 +133,8 @@ private:
     void _Find() noexcept;
     void _Pick() noexcept;
     void _FreeBlock() noexcept;
+    template <class Action>
+    void _ForEachWaiting(const Action& action);
     static void _WriteObject(char* out, const nxLog& record, std::size_t size) noexcept;
     static void _Decode(nxLogRecord& record, const char* bytes, const nxLogChannel& channel, const nxClockScale& scale,
                         long long& second) noexcept;

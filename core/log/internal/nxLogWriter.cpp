@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/log/internal/nxLogExit.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/nxLogDeferredWriteThread.h"
@@ -17,7 +18,6 @@
 #include "core/platform/nxClock.h"
 #include "core/platform/nxFutex.h"
 #include "core/platform/nxPlatformThread.h"
-#include "core/platform/nxThreadHooks.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -32,6 +32,10 @@ constexpr unsigned looksInVain = 64;
 // Lines go out in pieces of this size.
 constexpr std::size_t batchSize = std::size_t{1} << 20;
 constexpr std::size_t batchCapacity = batchSize + (std::size_t{1} << 16);
+// With so much of it at least a round goes on when memory is short, in smaller pieces.
+constexpr std::size_t leastBatchCapacity = std::size_t{1} << 14;
+// How long a fatal record waits, and how long a caller that has to write his record himself waits for his turn.
+constexpr std::int64_t longestUrge = 100 * millisecond;
 // How often in a long round the callers get back what has been taken.
 constexpr unsigned recordsPerRelease = 256;
 // What is kept of the records from before the first device, with what each costs beside its values.
@@ -48,33 +52,6 @@ constinit thread_local bool isWriter = false;
 bool HasReached(std::uint32_t reached, std::uint32_t ticket)
 {
     return static_cast<std::int32_t>(reached - ticket) >= 0;
-}
-
-// At the end of the process the queue is written out, unless a device keeps it up too long. The end comes in several
-// steps, by one thread; the limits hold for all of them together. Returns whether the devices still move.
-bool WriteOutOnce()
-{
-    constexpr std::int64_t longest = 10 * second;
-    constexpr std::int64_t longestStall = 2 * second;
-    static nxLogPatience waited;
-    static bool stalled = false;
-    static std::uint32_t progressAtStall = 0;
-    const nxLogQueue& queue = nxLogQueue::GetInstance();
-    if (waited.Look() >= longest || (stalled && queue.GetProgress() == progressAtStall))
-        return false;
-    stalled = !nxLogWriter::GetInstance().WriteOut(longest, longestStall, waited);
-    progressAtStall = queue.GetProgress();
-    return !stalled;
-}
-
-void WriteOutAtExit() { static_cast<void>(WriteOutOnce()); }
-
-// Once more when the library itself ends: static destructors that ran meanwhile may have reported.
-[[gnu::destructor]] void WriteOutAtUnload()
-{
-    // Now the process ends in the midst of whatever its threads do. Let that not be a line of the log's.
-    if (WriteOutOnce())
-        nxLogWriter::GetInstance().KeepStill(second);
 }
 }  // namespace
 
@@ -102,22 +79,27 @@ bool nxLogWriter::EnsureRunning() noexcept
     bool running = _state.compare_exchange_strong(state, State::Running) || state == State::Running;
     if (!running && now >= _nextStart)
     {
-        // Not a static constant, which a child forked at this moment would wait for.
-        static constinit bool isRegistered = false;
-        isRegistered = isRegistered || nxThreadHooks::AtExit(&WriteOutAtExit);
+        nxLogExit::Register();
         if (_thread != nullptr)
             _thread->Wait();  // it has ended: that is what the state says
         else
             _thread = new (std::nothrow) nxLogDeferredWriteThread;
         _state.store(State::Running, std::memory_order_release);
-        running = _thread != nullptr && _thread->Create().IsOK();
+        running = _thread != nullptr && _thread->_Start(_service).IsOK();
         if (!running)
         {
             _state.store(State::Stopped, std::memory_order_release);
             _nextStart = now + second;
         }
+        _couldNotStart.store(!running, std::memory_order_relaxed);
     }
+    static constinit bool isTold = false;
+    const bool isToBeTold = _couldNotStart.load(std::memory_order_relaxed) && !std::exchange(isTold, true);
     _startMutex.Unlock();
+    if (isToBeTold)
+        nxLogExit::Complain(
+            "Failed to start the log's thread: warnings and worse are written by the threads that report them, other "
+            "records wait.\n");
     return running;
 }
 
@@ -148,6 +130,25 @@ void nxLogWriter::Wake() noexcept
         nxFutex::WakeAll(_wake);
 }
 
+void nxLogWriter::Urge(nxEnumValue level) noexcept
+{
+    const bool running = EnsureRunning();
+    Wake();
+    if (level >= NX_LOG_LEVEL_FATAL)
+        WaitUntilWritten(longestUrge, longestUrge);
+    else if (!running && _couldNotStart.load(std::memory_order_relaxed))
+        DrainHere(longestUrge);
+}
+
+void nxLogWriter::SetThread(std::span<const unsigned> processors, unsigned priority) noexcept
+{
+    const nxMutexGuard guard(_startMutex);
+    _service.SetProcessors(processors);
+    _service.SetPriority(priority);
+    if (_thread != nullptr)
+        _thread->_Apply(_service);
+}
+
 bool nxLogWriter::MayWait() const noexcept { return !isWriter && !nxLogDeviceEntry::IsThreadInsideAny(); }
 
 void nxLogWriter::_Sleep(bool busy) noexcept
@@ -155,39 +156,73 @@ void nxLogWriter::_Sleep(bool busy) noexcept
     std::uint32_t expected = awake;
     if (_wake.compare_exchange_strong(expected, asleep, std::memory_order_acq_rel))
         nxFutex::Wait(_wake, asleep, busy ? busySleep : idleSleep);
-    _wake.store(awake, std::memory_order_release);
+    // Not a plain store, which could reach memory after the exchange of a caller and so overwrite a call.
+    _wake.exchange(awake, std::memory_order_acq_rel);
 }
 
 void nxLogWriter::_Run() noexcept
 {
-    nxThreadHooks::BecomeServiceThread("nxlog");
+    nxServiceThread::Become("nxlog");
     isWriter = true;
     unsigned inVain = 0;
+    std::int64_t nextLookAround = nxClock::MonotonicNanoseconds() + second;
     for (State stopping = State::Stopping; !_state.compare_exchange_strong(stopping, State::Stopped);
          stopping = State::Stopping)
     {
         _roundMutex.Lock();
-        const bool found = _WriteQueued();
+        const bool found = _WriteQueued(false);
         _roundMutex.Unlock();
         inVain = found ? 0 : inVain + 1;
         const bool busy = inVain < looksInVain;
         if (inVain == looksInVain)
             nxLogQueue::GetInstance().Trim();
         inVain = std::min(inVain, looksInVain + 1);
+        if (const std::int64_t now = nxClock::MonotonicNanoseconds(); !busy && now >= nextLookAround)
+        {
+            nextLookAround = now + second;
+            nxLogExit::EndProcessIfLast();
+        }
         _Sleep(busy);
     }
     isWriter = false;
 }
 
-void nxLogWriter::DrainHere() noexcept
+void nxLogWriter::Leave() noexcept
 {
-    if (!MayWait() || !_roundMutex.TryLock().IsOK())
+    isWriter = false;
+    {
+        // Whoever reports from now on starts another thread.
+        const nxMutexGuard guard(_startMutex);
+        _thread = nullptr;
+        _state.store(State::Stopped, std::memory_order_release);
+    }
+    DrainHere();
+    _FlushDevices(true);
+}
+
+// Under the mutex of the rounds everything that has been queued by now is taken: one round only is not enough for a
+// caller whose record came while it was going on.
+void nxLogWriter::DrainHere(std::int64_t patience) noexcept
+{
+    if (!MayWait() || !_LockRound(patience))
         return;
     _roundMutex.AssertHeld();
     isWriter = true;
-    _WriteQueued();
+    _WriteQueued(true);
     isWriter = false;
     _roundMutex.Unlock();
+}
+
+bool nxLogWriter::_LockRound(std::int64_t patience) noexcept
+{
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
+    while (!_roundMutex.TryLock().IsOK())
+    {
+        if (nxClock::MonotonicNanoseconds() >= deadline)
+            return false;
+        nxPlatformThread::SleepMilliseconds(1);
+    }
+    return true;
 }
 
 bool nxLogWriter::WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept
@@ -251,10 +286,8 @@ void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
 
 void nxLogWriter::KeepStill(std::int64_t limit) noexcept
 {
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
     // A round has the mutex from its beginning to its end.
-    while (MayWait() && !_roundMutex.TryLock().IsOK() && nxClock::MonotonicNanoseconds() < deadline)
-        nxPlatformThread::SleepMilliseconds(1);
+    static_cast<void>(MayWait() && _LockRound(limit));
 }
 
 void nxLogWriter::SetFlushInterval(double seconds) noexcept
@@ -267,17 +300,19 @@ void nxLogWriter::SetFlushInterval(double seconds) noexcept
 // A round.
 
 // Everything that one look at the queue entails. With the round's mutex.
-bool nxLogWriter::_WriteQueued() noexcept
+bool nxLogWriter::_WriteQueued(bool everything) noexcept
 {
     const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
     _isInRound.store(true, std::memory_order_seq_cst);
-    const bool found = _DoRound(isAwaited);
+    bool found = false;
+    const bool hasRun = _DoRound(everything || isAwaited, found);
     _isInRound.store(false, std::memory_order_release);
     _FlushWhereDue(isAwaited);
     _MaintainWhereDue();
     _ReportLosses();
-    if (isAwaited)
+    // A wait is over when a round that began after it has run to its end; one that could not begin has taken nothing.
+    if (isAwaited && hasRun)
     {
         _reached.store(wanted, std::memory_order_release);
         nxFutex::WakeAll(_reached);
@@ -285,7 +320,8 @@ bool nxLogWriter::_WriteQueued() noexcept
     return found;
 }
 
-bool nxLogWriter::_DoRound(bool everything) noexcept
+// Whether there was memory for a round. With it, every record of the round has been given to a device or counted.
+bool nxLogWriter::_DoRound(bool everything, bool& found) noexcept
 {
     nxLogQueue& queue = nxLogQueue::GetInstance();
     nxClock::Recalibrate();
@@ -303,24 +339,27 @@ bool nxLogWriter::_DoRound(bool everything) noexcept
     _WriteEarly();
     nxLogRecord record;
     unsigned count = 0;
+    unsigned inHand = 0;
+    const auto release = [&]
+    {
+        queue.Release();
+        _inHand.store(inHand = 0, std::memory_order_relaxed);
+    };
     while (queue.Next(record))
     {
+        ++count;
+        _inHand.store(++inHand, std::memory_order_relaxed);
         _Pass(record);
-        if (++count % recordsPerRelease == 0)
-        {
-            _CountWritten(recordsPerRelease);
-            queue.Release();
-        }
+        if (inHand == recordsPerRelease)
+            release();
     }
     _SendBatches();
-    if (count != 0)
-    {
-        _CountWritten(count % recordsPerRelease);
-        queue.Release();
-    }
+    // Also after no record at all: a thread may have gone on to the start of its ring.
+    release();
     if (_round->worstLevel >= NX_LOG_LEVEL_WARNING)
         _FlushDevices(false);
-    return count != 0;
+    found = count != 0;
+    return true;
 }
 
 // Looks at which devices there are, and at the lines that they want.
@@ -335,13 +374,17 @@ void nxLogWriter::_BeginRound()
     round.worstLevel = NX_ENUM_UNDEFINED;
     round.time.Forget();
     round.batchOfDevice.assign(round.devices->size(), nullptr);
-    round.hasRecordDevices = false;
+    round.hasDevices = round.hasRecordDevices = false;
     round.onlyBatch = nullptr;
     for (const auto& batch : round.batches)
         batch->isWanted = false;
     for (std::size_t index = 0; index < round.devices->size(); ++index)
     {
         nxLogDeviceEntry& entry = *(*round.devices)[index];
+        // It stands in the list because there was no memory for one without it.
+        if (entry.IsRemoved())
+            continue;
+        round.hasDevices = true;
         if (entry.GetLineSink() == nullptr)
         {
             round.hasRecordDevices = true;
@@ -355,7 +398,7 @@ void nxLogWriter::_BeginRound()
     const auto isOther = [&round](const Batch* batch) { return batch != round.onlyBatch; };
     if (std::any_of(round.batchOfDevice.begin(), round.batchOfDevice.end(), isOther))
         round.onlyBatch = nullptr;
-    if (!round.devices->empty())
+    if (round.hasDevices)
         _hadDevices.store(true, std::memory_order_relaxed);
 }
 
@@ -371,7 +414,7 @@ nxLogWriter::Batch& nxLogWriter::_GetBatch(const nxLogLineStyle& style)
     auto batch = std::make_unique<Batch>();
     batch->style = style;
     batch->isWanted = true;
-    if (!batch->lines.Reserve(batchCapacity))
+    if (!batch->lines.Reserve(batchCapacity) && !batch->lines.Reserve(leastBatchCapacity))
         throw std::bad_alloc();
     _round->batches.push_back(std::move(batch));
     return *_round->batches.back();
@@ -380,11 +423,10 @@ nxLogWriter::Batch& nxLogWriter::_GetBatch(const nxLogLineStyle& style)
 // The first device gets what was reported before there was one.
 void nxLogWriter::_WriteEarly() noexcept
 {
-    if (_early.empty() || _round->devices->empty())
+    if (_early.empty() || !_round->hasDevices)
         return;
     for (const nxLog& early : _early)
         _Pass(early._GetRecord());
-    _CountWritten(static_cast<unsigned>(_early.size()));
     _early = std::vector<nxLog>();
     _earlyBytes = 0;
 }
@@ -410,18 +452,27 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
     }
 }
 
-[[gnu::always_inline]] inline void nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
+// Where memory is short, a batch takes no more than it has room for, and makes room by being sent.
+[[gnu::noinline]] bool nxLogWriter::_AppendToEmptied(Batch& batch, const nxLogRecord& record) noexcept
+{
+    _SendBatches();
+    if (batch.lines.AppendLine(record, _round->time))
+        return true;
+    nxLogQueue::GetInstance().CountDrop();
+    return false;
+}
+
+[[gnu::always_inline]] inline bool nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
 {
     if (!batch.lines.AppendLine(record, _round->time)) [[unlikely]]
-    {
-        nxLogQueue::GetInstance().CountDrop();
-        return;
-    }
+        if (!_AppendToEmptied(batch, record))
+            return false;
     if (batch.count++ == 0)
         batch.seconds = record.time.seconds;
     batch.worstLevel = std::max(batch.worstLevel, static_cast<nxEnumValue>(record.level));
     if (batch.lines.GetSize() >= batchSize) [[unlikely]]
         _SendBatches();
+    return true;
 }
 
 [[gnu::always_inline]] inline void nxLogWriter::_Pass(const nxLogRecord& record) noexcept
@@ -442,45 +493,55 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
 void nxLogWriter::_PassToAll(const nxLogRecord& record) noexcept
 {
     Round& round = *_round;
-    if (round.devices->empty())
+    if (!round.hasDevices)
     {
         _KeepEarly(record);
         return;
     }
+    bool isForLines = false, isInLines = false;
     for (const auto& batch : round.batches)
         if (batch->isWanted)
-            _AppendToBatch(*batch, record);
-    if (round.hasRecordDevices)
-        _PassRecord(record);
+        {
+            isForLines = true;
+            isInLines |= _AppendToBatch(*batch, record);
+        }
+    const bool isTaken = round.hasRecordDevices && _PassRecord(record);
+    // What found no room in the lines has been counted as dropped.
+    if (isTaken || !isForLines)
+        _Count(1, isTaken);
+    else if (isInLines)
+        ++round.inLinesAlone;
     round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
 }
 
-void nxLogWriter::_CountWritten(unsigned records) noexcept
+// Every record once, when it is clear whether a device has been given it. One thread at a time is here.
+void nxLogWriter::_Count(unsigned records, bool isTaken) noexcept
 {
-    if (records == 0 || _round->devices->empty())
-        return;
-    _unflushed = true;
-    // One thread at a time is here.
-    _written.store(_written.load(std::memory_order_relaxed) + records, std::memory_order_relaxed);
+    _unflushed = _unflushed || (isTaken && records != 0);
+    std::atomic<std::uint64_t>& counter = isTaken ? _written : _unheard;
+    counter.store(counter.load(std::memory_order_relaxed) + records, std::memory_order_relaxed);
 }
 
-// To the devices that take records instead of lines.
-void nxLogWriter::_PassRecord(const nxLogRecord& record) noexcept
+// To the devices that take records instead of lines. @return whether one was given it.
+bool nxLogWriter::_PassRecord(const nxLogRecord& record) noexcept
 {
+    bool isTaken = false;
     const Round& round = *_round;
     for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
     {
         if (round.batchOfDevice[index] != nullptr)
             continue;
         const nxLog borrowed(record);
-        (*round.devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
+        isTaken |= (*round.devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
         nxLogQueue::GetInstance().CountProgress();
     }
+    return isTaken;
 }
 
 void nxLogWriter::_SendBatches() noexcept
 {
-    const Round& round = *_round;
+    Round& round = *_round;
+    bool isTaken = false;
     for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
     {
         const Batch* const batch = round.batchOfDevice[index];
@@ -489,15 +550,16 @@ void nxLogWriter::_SendBatches() noexcept
         nxLogDeviceEntry& entry = *(*round.devices)[index];
         const nxLogLineBatch lines{batch->lines.GetText(), batch->lines.GetSize(), batch->count, batch->worstLevel,
                                    batch->seconds};
-        entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
+        isTaken |= entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
         nxLogQueue::GetInstance().CountProgress();
     }
+    _Count(round.onlyBatch != nullptr ? round.onlyBatch->count : std::exchange(round.inLinesAlone, 0), isTaken);
     for (const auto& batch : round.batches)
     {
         batch->lines.Clear();
         batch->lines.ShrinkTo(batchCapacity);
         batch->count = 0;
-        _round->worstLevel = std::max(_round->worstLevel, batch->worstLevel);
+        round.worstLevel = std::max(round.worstLevel, batch->worstLevel);
         batch->worstLevel = NX_ENUM_UNDEFINED;
     }
 }
@@ -582,7 +644,9 @@ void nxLogWriter::AfterForkInChild() noexcept
     _thread = nullptr;
     _state.store(State::Stopped, std::memory_order_relaxed);
     _isInRound.store(false, std::memory_order_relaxed);
+    _inHand.store(0, std::memory_order_relaxed);
     _nextStart = 0;
+    _couldNotStart.store(false, std::memory_order_relaxed);
     _wake.store(awake, std::memory_order_relaxed);
     _wanted.store(0, std::memory_order_relaxed);
     _reached.store(0, std::memory_order_relaxed);

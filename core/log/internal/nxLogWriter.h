@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLog.h"
+#include "core/platform/nxServiceThread.h"
 #include "core/thread/nxMutex.h"
 
 class nxLogDeferredWriteThread;
@@ -38,10 +40,17 @@ public:
 
     /// Makes the deferred-write thread look at once.
     void Wake() noexcept;
+    /// Has what the calling thread has just queued, a record of @p level, on its way to the operating system at once:
+    /// by the deferred-write thread, or while that cannot be started by the calling thread itself. Waits for a fatal
+    /// record, a tenth of a second at most, until it is there: the process may not live to see another round.
+    void Urge(nxEnumValue level) noexcept;
     /// Whether the calling thread may wait for the writer: it is not the writer itself, nor inside a device.
     bool MayWait() const noexcept;
-    /// Does one round in the calling thread, if nobody else is at one.
-    void DrainHere() noexcept;
+    /// Does one round in the calling thread, unless somebody else is at one for longer than @p patience nanoseconds.
+    void DrainHere(std::int64_t patience = 0) noexcept;
+
+    /// How the deferred-write thread runs, from now on.
+    void SetThread(std::span<const unsigned> processors, unsigned priority) noexcept;
 
     /// Waits until all that was queued before the call has been written and flushed.
     /// @param limit, stallLimit nanoseconds: how long at most, and how long without a sign of life from the devices. The
@@ -55,6 +64,8 @@ public:
     /// @param patience with what has been waited before, which counts towards @p limit.
     bool WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept;
 
+    /// At the end of the deferred-write thread that is the last one: writes out, and is a thread like others then.
+    void Leave() noexcept;
     /// Lets no thread begin a round any more, for good: at the very end of the process. Waits at most @p limit
     /// nanoseconds for the round that is going on.
     void KeepStill(std::int64_t limit) noexcept;
@@ -67,6 +78,8 @@ public:
     void CopyRecords(std::vector<nxLog>& records);
 
     std::uint64_t GetWritten() const noexcept { return _written.load(std::memory_order_relaxed); }
+    /// How many records of the round that is going on are still in the queue although devices were given them.
+    unsigned GetInHand() const noexcept { return _inHand.load(std::memory_order_relaxed); }
     std::uint64_t GetUnheard() const noexcept { return _unheard.load(std::memory_order_relaxed); }
 
     void AfterForkInChild() noexcept;
@@ -91,8 +104,10 @@ private:
         std::shared_ptr<const nxLogDeviceList::Entries> devices;
         std::vector<std::unique_ptr<Batch>> batches;
         std::vector<Batch*> batchOfDevice;  // null for a device that takes records
+        bool hasDevices = false;            // that are still registered
         bool hasRecordDevices = false;
         Batch* onlyBatch = nullptr;  // when records go into this one and nowhere else
+        unsigned inLinesAlone = 0;   // of those in the batches: no device has had them yet. Not counted for onlyBatch
         nxLogTimeText time;          // of the record at hand
         char date[8] = {};           // of the lines in the batches
         nxLogLineThread thread{};
@@ -103,21 +118,23 @@ private:
     ~nxLogWriter() = delete;
 
     void _Run() noexcept;
-    bool _WriteQueued() noexcept;
+    bool _WriteQueued(bool everything) noexcept;
     void _Sleep(bool busy) noexcept;
+    bool _LockRound(std::int64_t patience) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 
     bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience,
                            bool mayStart) noexcept;
-    bool _DoRound(bool everything) noexcept;
+    bool _DoRound(bool everything, bool& found) noexcept;
     void _BeginRound();
     Batch& _GetBatch(const nxLogLineStyle& style);
     void _WriteEarly() noexcept;
     void _KeepEarly(const nxLogRecord& record) noexcept;
     void _Pass(const nxLogRecord& record) noexcept;
     void _PassToAll(const nxLogRecord& record) noexcept;
-    void _CountWritten(unsigned records) noexcept;
-    void _PassRecord(const nxLogRecord& record) noexcept;
-    void _AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept;
+    void _Count(unsigned records, bool isTaken) noexcept;
+    bool _PassRecord(const nxLogRecord& record) noexcept;
+    bool _AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept;
+    bool _AppendToEmptied(Batch& batch, const nxLogRecord& record) noexcept;
     void _SendBatches() noexcept;
     void _FlushDevices(bool linesToo) noexcept;
     void _FlushWhereDue(bool now) noexcept;
@@ -136,7 +153,9 @@ private:
     std::atomic<State> _state{State::Stopped};
     std::atomic<bool> _isInRound{false};
     std::int64_t _nextStart = 0;
+    std::atomic<bool> _couldNotStart{false};  // at the last attempt
     nxLogDeferredWriteThread* _thread = nullptr;
+    nxServiceThread _service;
 
     std::atomic<std::uint32_t> _wake{0};
     std::atomic<std::uint32_t> _wanted{0};   // the number of the last wait
@@ -152,6 +171,7 @@ private:
     std::int64_t _nextMaintenance = 0;
     std::atomic<std::int64_t> _flushInterval{1'000'000'000};
 
+    std::atomic<unsigned> _inHand{0};
     std::atomic<std::uint64_t> _written{0};
     std::atomic<std::uint64_t> _unheard{0};
     std::uint64_t _reportedDrops = 0;
