@@ -4,14 +4,21 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
+#include "tests/support/nxChildProcess.h"
+#include "tests/support/nxFunctionLogDevice.h"
+#include "tests/support/nxSystemCallFault.h"
 
 namespace
 {
@@ -200,4 +207,54 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
         EXPECT_FALSE(nxAllocations::hasFailed);
     }
     EXPECT_GT(faults, 50) << "allocations of the library do not come here";
+}
+
+// The device stands in the list, marked, as long as there is no memory for a list without it.
+TEST(nxAllocationFault, ADeviceThatWasUnregisteredWithoutMemoryCanBeRegisteredAgain)
+{
+    if (!nxAllocations::areCounted)
+        GTEST_SKIP() << "this sanitizer's operators new are in the way";
+    nxLogManager& manager = nxLogManager::GetInstance();
+    nxFunctionLogDevice device;
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    const int writes = device.writes;
+    const nxLogStatistics before = manager.GetStatistics();
+    nxAllocations::remaining = 0;
+    manager.UnregisterLogDevice(&device);
+    nxAllocations::remaining = -1;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    EXPECT_EQ(manager.GetStatistics().written, before.written);
+    EXPECT_EQ(manager.GetStatistics().unheard, before.unheard + 1);
+    manager.RegisterLogDevice(&device);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "to the device";
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    EXPECT_EQ(device.writes, writes + 1);
+}
+
+// No thread can be started: one that waits has to write by itself and has no memory for it, until another one has some.
+TEST(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
+{
+    if (!nxAllocations::areCounted)
+        GTEST_SKIP() << "this sanitizer's operators new are in the way";
+    if (!nxInNewProcess())
+        return;
+    nxLogManager& manager = nxLogManager::GetInstance();
+    std::atomic<bool> waits{false};
+    std::jthread other(
+        [&waits]
+        {
+            waits.wait(false);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));  // so that the other one does wait
+            NX_LOG(NX_LOG_LEVEL_WARNING) << "writes both";
+        });
+    const nxSystemCallFault fault("pthread_create", EAGAIN, {.times = 100'000, .anyThread = true});
+    nxFunctionLogDevice device;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "to be written";
+    nxAllocations::remaining = 0;
+    waits = true;
+    waits.notify_all();
+    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    nxAllocations::remaining = -1;
+    EXPECT_GE(device.writes, 1);
 }

@@ -253,14 +253,15 @@ TEST(nxLogEndurance, AChangeOfDateKeepsEveryRecordExactlyOnce)
 
 TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)
 {
-    for (const char* mode : {"return-from-main", "exit-in-a-thread"})
+    for (const std::string mode : {"return-from-main", "exit-in-a-thread", "quick-exit"})
     {
         SCOPED_TRACE(mode);
         const Output run(mode);
         EXPECT_EQ(run.status, 0);
-        ASSERT_EQ(run.lines.size(), 20'002u);
+        const bool destructs = mode != "quick-exit";
+        ASSERT_EQ(run.lines.size(), destructs ? 20'002u : 20'001u);
         EXPECT_EQ(run.lines.front().substr(0, 12), "before main ");
-        EXPECT_EQ(run.lines.back().substr(0, 11), "after main ");
+        EXPECT_EQ(run.lines.back().substr(0, 11) == "after main ", destructs);
         for (std::size_t number = 0; number < 20'000; ++number)
             ASSERT_EQ(run.lines[number + 1].find("row " + std::to_string(number) + " "), 0u);
     }
@@ -279,6 +280,41 @@ TEST(nxLogProcess, EndsWhateverDevicesDo)
     const Output inside("exit-inside-a-device");
     EXPECT_EQ(inside.status, 0);
     EXPECT_GE(inside.Count("before main") + inside.Count("the last"), 1u);
+}
+
+TEST(nxLogProcess, WritesAFatalRecordBeforeTheStatementIsOver)
+{
+    for (int round = 0, rounds = Rounds("NX_TEST_EXITS", 20); round < rounds; ++round)
+        ASSERT_EQ(Output("abort-after-a-fatal-record").Count("the last words"), 1u) << round;
+}
+
+TEST(nxLogProcess, EndsWithItsLastThread)
+{
+    if (NX_SANITIZED)
+        GTEST_SKIP() << "sanitizers have threads of their own";
+    const Output run("end-by-the-last-thread");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.Count("the worker's last") + run.Count("after main"), 2u);
+}
+
+TEST(nxLogProcess, HasAThreadThatDoesNotRunLikeWhoeverReportsFirst)
+{
+    EXPECT_EQ(Output("pinned").status, 0);
+    EXPECT_EQ(Output("fault-in-a-device").status, 77) << "the handler of the process is asked";
+}
+
+TEST(nxLogProcess, GivesBackWhatThreadsHadWithoutAKeyThatTellsOfTheirEnd) { EXPECT_EQ(Output("no-keys").status, 0); }
+
+TEST(nxLogProcess, WritesWithLittleMemoryLeft)
+{
+    if (NX_SANITIZED)
+        GTEST_SKIP() << "sanitizers need more";
+    for (const char* const kibibytes : {"1024", "1536", "2048", "4096"})
+    {
+        SCOPED_TRACE(kibibytes);
+        Found found = LeftBy({"little-memory", kibibytes});
+        EXPECT_EQ(found.numbers[0].size(), 1'000u);
+    }
 }
 
 TEST(nxLogProcess, DoesNotWriteTheParentsQueueInTheChild)

@@ -1,6 +1,8 @@
 #include "core/log/nxLogManager.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -19,7 +21,11 @@
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxFunctionLogDevice.h"
+#include "tests/support/nxGate.h"
+#include "tests/support/nxRedirected.h"
+#include "tests/support/nxScratchDirectory.h"
 #include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
 
@@ -40,27 +46,7 @@ nxLog MakeRecord(const std::string& text, const nxLogLevelEnum& level = NX_LOG_L
 
 using Device = nxFunctionLogDevice;
 
-/// A door that a device can be kept behind.
-class Gate
-{
-public:
-    void Pass()
-    {
-        _waiting = true;
-        _waiting.notify_all();
-        _open.wait(false);
-    }
-    void WaitForSomebody() { _waiting.wait(false); }
-    void Open()
-    {
-        _open = true;
-        _open.notify_all();
-    }
-
-private:
-    std::atomic<bool> _waiting{false};
-    std::atomic<bool> _open{false};
-};
+using Gate = nxGate;
 
 /// As little room in the queue as there can be, for the length of a test.
 struct SmallQueue
@@ -674,4 +660,104 @@ TEST(nxLogManager, HearsThreadsThatComeAndGoToTheirVeryEnd)
     WaitUntilWritten();
     EXPECT_EQ(heard, 2 * threads);
     EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{65} << 20);
+}
+
+// A thread that reports from inside a device does not wait for room: its record is dropped. Behind some of them only a
+// jump to the start of the ring is left then.
+TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
+{
+    const SmallQueue small;
+    constexpr int threads = 15;
+    Gate gate;
+    Device inside(
+        [](const nxLog& record)
+        {
+            if (record.GetText() == "inside")
+                NX_LOG(NX_LOG_LEVEL_INFO) << std::string(300'000, 'd');
+        });
+    Device stuck(
+        [&gate](const nxLog& record)
+        {
+            if (record.GetText() == "hold")
+                gate.Pass();
+        });
+    NX_LOG(NX_LOG_LEVEL_INFO) << "this thread has its ring";
+    WaitUntilWritten();
+    const nxLogStatistics before = Manager().GetStatistics();
+    std::barrier<> together(threads + 1);
+    const auto fill = [&](int index)
+    {
+        // Up to different distances from the end of the small ring, seventy of them to where nothing more fits in.
+        for (int count = 0; count <= 55 + index; ++count)
+            NX_LOG(NX_LOG_LEVEL_INFO) << std::string(200, 'f');
+        together.arrive_and_wait();
+        together.arrive_and_wait();
+        Manager().ImmediateWrite(MakeRecord("inside"));
+    };
+    std::vector<std::jthread> filling;
+    for (int index = 0; index < threads; ++index)
+        filling.emplace_back(fill, index);
+    together.arrive_and_wait();
+    WaitUntilWritten();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "hold";
+    gate.WaitForSomebody();
+    NX_LOG(NX_LOG_LEVEL_INFO) << std::string(1'000'000, 'b');
+    together.arrive_and_wait();
+    EXPECT_TRUE(nxEventually([&] { return Manager().GetStatistics().dropped == before.dropped + threads; }));
+    gate.Open();
+    filling.clear();
+    EXPECT_TRUE(nxEventually(
+        [&]
+        {
+            WaitUntilWritten();
+            return Manager().GetStatistics().bytes <= before.bytes;
+        }))
+        << Manager().GetStatistics().bytes << " for " << before.bytes;
+}
+
+TEST(nxLogManager, IdleThreadsLeaveTheQueueToTheBusyOnes)
+{
+    Device device;
+    const std::uint64_t before = Manager().GetStatistics().bytes;
+    constexpr unsigned threads = 100;
+    std::barrier<> together(threads);
+    nxInThreads(threads,
+                [&](int index)
+                {
+                    NX_LOG(NX_LOG_LEVEL_INFO) << "here";
+                    together.arrive_and_wait();
+                    if (index == 0)
+                    {
+                        EXPECT_LT(Manager().GetStatistics().bytes - before, threads * (std::uint64_t{20} << 10));
+                    }
+                    together.arrive_and_wait();
+                });
+}
+
+// From the warning level on, by whoever reports it.
+TEST(nxLogManager, WritesWarningsAndSaysSoOnceWhileItsThreadCannotBeStarted)
+{
+    if (!nxInNewProcess())
+        return;
+    const nxScratchDirectory scratch;
+    const std::string told = scratch.GetPath() / "told";
+    {
+        const nxRedirected redirected(STDERR_FILENO, open(told.c_str(), O_WRONLY | O_CREAT, 0600));
+        const nxSystemCallFault fault("pthread_create", EAGAIN, {.times = 100, .anyThread = true});
+        Device device;
+        NX_LOG(NX_LOG_LEVEL_INFO) << "can wait";
+        EXPECT_EQ(device.writes, 0);
+        int expected = 1;
+        for (const nxEnumValue level : {NX_LOG_LEVEL_WARNING, NX_LOG_LEVEL_ERROR, NX_LOG_LEVEL_FATAL})
+        {
+            NX_LOG(level) << "now";
+            EXPECT_EQ(device.writes, ++expected);
+            nxLog record = MakeRecord("now", level);
+            Manager().Write(record);
+            EXPECT_EQ(device.writes, ++expected);
+        }
+    }
+    EXPECT_EQ(nxReadFile(told),
+              "Failed to start the log's thread: warnings and worse are written by the threads that report them, other "
+              "records wait.\n");
 }

@@ -122,3 +122,17 @@ TEST(nxLogSettings, TakeNumbersWithinTheirLimitsAndNoJunk)
         EXPECT_EQ(settings.reservedEntries, entries);
     }
 }
+
+TEST(nxLogSettings, TakeWhereTheThreadRuns)
+{
+    using Processors = std::vector<unsigned>;
+    const std::pair<const char*, Processors> rows[] = {{"0", {0}},   {"1023", {1'023}}, {"0,2-4,7", {0, 2, 3, 4, 7}},
+                                                       {"", {}},     {"1024", {}},      {"3-2", {}},
+                                                       {"1,", {}},   {",1", {}},        {"1 2", {}},
+                                                       {"1-", {}},   {"-1", {}},        {"a", {}},
+                                                       {"1-2-3", {}}};
+    for (const auto& [text, processors] : rows)
+        EXPECT_EQ(With({{"NX_LOG_THREAD_PROCESSORS", text}}).threadProcessors, processors) << text;
+    EXPECT_EQ(With({{"NX_LOG_THREAD_PRIORITY", "100"}}).threadPriority, 99u);
+    EXPECT_EQ(With({}).threadPriority, 0u);
+}

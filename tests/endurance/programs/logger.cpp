@@ -4,6 +4,10 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +15,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <string>
@@ -288,6 +294,137 @@ int WaitForADevice()
     return isRight && manager.GetLogEntriesQueue().empty() ? 0 : 8;
 }
 
+// The record is all that tells why the process is going to end.
+int AbortAfterAFatalRecord()
+{
+    AppendToOutput();
+    NX_LOG(NX_LOG_LEVEL_FATAL) << "the last words";
+    std::abort();
+}
+
+int EndQuickly()
+{
+    AppendToOutput();
+    LogInARow();
+    std::quick_exit(0);
+}
+
+// Main goes first, and a worker later.
+int EndByTheLastThread()
+{
+    AppendToOutput();
+    std::thread(
+        []
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            NX_LOG(NX_LOG_LEVEL_INFO) << "the worker's last";
+        })
+        .detach();
+    ::pthread_exit(nullptr);
+}
+
+// The log's thread faults, and the process has something to say about it.
+int FaultInADevice()
+{
+    static char* const forbidden =
+        static_cast<char*>(::mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    std::signal(SIGSEGV, [](int) { ::_exit(77); });
+    Register([](const nxLog&) { *forbidden = 'x'; });
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "into the fault";
+    for (;;)
+        pause();
+}
+
+pid_t FindLogThread()
+{
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task"))
+    {
+        std::ifstream file(entry.path() / "comm");
+        std::string name;
+        std::getline(file, name);
+        if (name == "nxlog")
+            return static_cast<pid_t>(std::stoi(entry.path().filename()));
+    }
+    return 0;
+}
+
+// The first to report is pinned to one processor, where it leaves time to nobody if the system lets it.
+int ReportFirstFromAPinnedThread()
+{
+    cpu_set_t ofProcess;
+    ::sched_getaffinity(0, sizeof ofProcess, &ofProcess);
+    int one = 0;
+    while (!CPU_ISSET(one, &ofProcess))
+        ++one;
+    cpu_set_t pinned;
+    CPU_ZERO(&pinned);
+    CPU_SET(one, &pinned);
+    std::thread(
+        [&pinned]
+        {
+            ::sched_setaffinity(0, sizeof pinned, &pinned);
+            sched_param parameters{};
+            ::sched_setscheduler(0, SCHED_BATCH, &parameters);
+            parameters.sched_priority = 1;
+            ::sched_setscheduler(0, SCHED_FIFO, &parameters);
+            NX_LOG(NX_LOG_LEVEL_INFO) << "first";
+        })
+        .join();
+    WaitForLog();
+    const auto runs = [](const cpu_set_t& expected)
+    {
+        const pid_t thread = FindLogThread();
+        cpu_set_t processors;
+        return ::sched_getaffinity(thread, sizeof processors, &processors) == 0 && CPU_EQUAL(&processors, &expected) &&
+               ::sched_getscheduler(thread) == SCHED_OTHER;
+    };
+    const bool isOfProcess = runs(ofProcess);
+    nxLogManager& manager = nxLogManager::GetInstance();
+    const unsigned wanted[]{static_cast<unsigned>(one)};
+    manager.SetWriteThread(wanted);
+    const bool isMoved = runs(pinned);
+    manager.Destroy();  // the next one starts like that
+    AppendToOutput();
+    WaitForLog();
+    return isOfProcess && isMoved && runs(pinned) ? 0 : 7;
+}
+
+// Others have taken all keys by which the system tells of the end of a thread.
+int UseUpAllKeys()
+{
+    for (pthread_key_t key; ::pthread_key_create(&key, nullptr) == 0;)
+        continue;
+    Register([](const nxLog&) {});
+    for (int count = 0; count < 300; ++count)
+        std::thread(
+            []
+            {
+                NX_LOG(NX_LOG_LEVEL_INFO) << "one of many";
+                if (nxLogManager::GetInstance().GetStatistics().bytes > (std::uint64_t{1} << 20))
+                    WaitForLog();
+            })
+            .join();
+    WaitForLog();
+    WaitForLog();
+    return nxLogManager::GetInstance().GetStatistics().bytes < (std::uint64_t{1} << 20) ? 0 : 9;
+}
+
+// So many kibibytes more than the process has are left to the log.
+int LogWithLittleMemory(int kibibytes)
+{
+    std::ifstream status("/proc/self/statm");
+    rlim_t pages = 0;
+    status >> pages;
+    const rlim_t limit = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + static_cast<rlim_t>(kibibytes) * 1024;
+    const rlimit little{limit, limit};
+    ::setrlimit(RLIMIT_AS, &little);
+    if (!nxLogSetUp())
+        return 3;
+    for (int number = 0; number < 1'000; ++number)
+        LogLine(0, number);
+    return 0;
+}
+
 int UnloadAPlugin(const std::string& plugin, int rounds)
 {
     AppendToOutput();
@@ -337,6 +474,13 @@ int main(int argc, char** argv)
         {"wait-for-a-device", WaitForADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
         {"levels", Levels},
+        {"abort-after-a-fatal-record", AbortAfterAFatalRecord},
+        {"quick-exit", EndQuickly},
+        {"end-by-the-last-thread", EndByTheLastThread},
+        {"fault-in-a-device", FaultInADevice},
+        {"pinned", ReportFirstFromAPinnedThread},
+        {"no-keys", UseUpAllKeys},
+        {"little-memory", [&] { return LogWithLittleMemory(count); }},
     };
     const std::map<std::string, std::function<int()>> withTheLogsFile{
         {"acknowledge", Acknowledge},

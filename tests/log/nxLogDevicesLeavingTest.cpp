@@ -1,0 +1,171 @@
+// Devices that are unregistered while others are at them: nobody is inside one, or comes to it, once its owner has it back.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogMacros.h"
+#include "core/log/nxLogManager.h"
+#include "tests/support/nxGate.h"
+#include "tests/support/nxTestThreads.h"
+
+namespace
+{
+nxLogManager& Manager() { return nxLogManager::GetInstance(); }
+
+// Calls are counted while the device is its owner's, and while it is not.
+class Device final : public nxLogDevice
+{
+public:
+    Device() { Manager().RegisterLogDevice(this); }
+    ~Device() override { Manager().UnregisterLogDevice(this); }
+
+    void Write(const nxLog& record) override
+    {
+        _Come([&] { onWrite(record); });
+    }
+    void Flush() override { _Come(onFlush); }
+    void Destroy() override
+    {
+        _Come([] {});
+    }
+
+    // From here on nobody may be inside, or come.
+    void Leave()
+    {
+        Manager().UnregisterLogDevice(this);
+        faults += inside;
+        hasLeft = true;
+    }
+
+    std::function<void(const nxLog&)> onWrite = [](const nxLog&) {};
+    std::function<void()> onFlush = [] {};
+    std::atomic<int> inside{0};
+    std::atomic<int> most{0};
+    std::atomic<int> writes{0};
+    std::atomic<int> faults{0};
+    std::atomic<bool> hasLeft{false};
+
+private:
+    template <class Action>
+    void _Come(const Action& action)
+    {
+        faults += hasLeft;
+        most = std::max(most.load(), ++inside);
+        ++writes;
+        action();
+        --inside;
+    }
+};
+
+const nxLog record(NX_LOG_LEVEL_INFO, "leaving", 1, nxTimeStamp(0, 0));
+}  // namespace
+
+// One thread is at all devices and is held up by the first; the owner of the second one takes that away meanwhile.
+TEST(nxLogDevicesLeaving, WhoIsAtAllDevicesLeavesThoseAloneThatTheirOwnersHaveTakenBack)
+{
+    for (const bool destroys : {true, false})
+    {
+        SCOPED_TRACE(destroys);
+        nxGate gate;
+        static thread_local bool isToBeHeld = false;
+        Device slow, leaving;
+        slow.onFlush = [&gate]
+        {
+            if (isToBeHeld)
+                gate.Pass();
+        };
+        std::jthread at(
+            [destroys]
+            {
+                isToBeHeld = true;
+                destroys ? Manager().Destroy() : Manager().FlushDevices();
+            });
+        gate.WaitForSomebody();
+        std::jthread unregisters([] { Manager().UnregisterAllLogDevices(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it waits for the first one now
+        leaving.Leave();
+        gate.Open();
+        at.join();
+        unregisters.join();
+        EXPECT_EQ(leaving.faults, 0);
+    }
+}
+
+// Two owners, or one that asks twice: neither has the device back while a thread is inside it.
+TEST(nxLogDevicesLeaving, EverybodyWhoUnregistersADeviceWaitsForItAsLongAsItTakes)
+{
+    nxGate gate;
+    Device device;
+    device.onWrite = [&gate](const nxLog&) { gate.Pass(); };
+    NX_LOG(NX_LOG_LEVEL_INFO) << "by the log's thread, which both wait for first";
+    gate.WaitForSomebody();
+    std::atomic<int> returned{0};
+    const auto leave = [&]
+    {
+        device.Leave();
+        ++returned;
+    };
+    std::jthread first(leave), second(leave);
+    // Longer than any limit there ever was for the second one; who comes back earlier is seen at once.
+    for (int count = 0; count < 350 && returned == 0; ++count)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    gate.Open();
+    first.join();
+    second.join();
+    EXPECT_EQ(device.faults, 0);
+}
+
+TEST(nxLogDevicesLeaving, ADeviceThatIsRegisteredAgainIsEnteredOnlyWhenTheLastCallIsOver)
+{
+    nxGate gate;
+    Device device;
+    device.onWrite = [&](const nxLog& written)
+    {
+        if (written.GetText() != "again")
+            return;
+        Manager().UnregisterLogDevice(&device);
+        Manager().RegisterLogDevice(&device);
+        gate.Pass();
+    };
+    NX_LOG(NX_LOG_LEVEL_INFO) << "again";
+    gate.WaitForSomebody();
+    std::jthread other([] { Manager().ImmediateWrite(record); });
+    for (int count = 0; count < 20 && device.most < 2; ++count)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    gate.Open();
+    other.join();
+    EXPECT_EQ(device.most, 1);
+}
+
+TEST(nxLogDevicesLeaving, WhatNoDeviceWasGivenDoesNotCountAsWritten)
+{
+    nxGate gate;
+    Device device;
+    std::uint64_t given = 0;
+    device.onWrite = [&](const nxLog& written)
+    {
+        ++given;
+        if (written.GetText() == "hold")
+            gate.Pass();
+        if (written.GetText() == "leave")
+            Manager().UnregisterLogDevice(&device);
+    };
+    Manager().WaitForWriteThreadToWriteQueueToDisk(60.0);
+    const nxLogStatistics before = Manager().GetStatistics();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "hold";
+    gate.WaitForSomebody();
+    // All in one round, which begins with the device registered.
+    for (int number = 0; number < 10; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << (number == 3 ? "leave" : "one");
+    gate.Open();
+    Manager().WaitForWriteThreadToWriteQueueToDisk(60.0);
+    EXPECT_EQ(Manager().GetStatistics().written - before.written, given);
+    EXPECT_GE(Manager().GetStatistics().unheard - before.unheard, 6u);
+}
