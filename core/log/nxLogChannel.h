@@ -103,7 +103,7 @@ public:
     }
 
     /// Has the calling thread's record, of @p level, written at once.
-    [[gnu::cold]] static void Urge(nxEnumValue level) noexcept;
+    static void Urge(nxEnumValue level) noexcept;
 
     /// What a record may count on when it is begun; what needs more may have to move.
     static constexpr std::size_t MinimumRoom = 256;

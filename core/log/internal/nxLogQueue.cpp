@@ -414,10 +414,14 @@ bool nxLogQueue::_LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort e
     const std::size_t used = !tailIsHere    ? segment.capacity
                              : tail <= head ? Distance(tail, head)
                                             : segment.capacity - Distance(head, tail);
-    if (used >= quarter)
+    // A small ring that overflows is followed by a large one, which costs the thread less than to wake the writer for
+    // every few kilobytes; without room for that it has to be emptied in time, like a large one.
+    const bool mayOverflow =
+        segment.capacity < _ringSize && _bytes.load(std::memory_order_relaxed) + _ringSize <= GetMaximumBytes();
+    if (used >= quarter && !mayOverflow)
         nxLogWriter::GetInstance().Wake();
     // The limit stops at every quarter, so that the writer is woken in time.
-    const std::size_t room = std::min(Distance(head, limit), std::max(bytes, quarter));
+    const std::size_t room = std::min(Distance(head, limit), mayOverflow ? segment.capacity : std::max(bytes, quarter));
     channel._limit = head + room;
     return room >= bytes;
 }

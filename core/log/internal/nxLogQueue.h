@@ -117,7 +117,7 @@ private:
     bool _FreeIdleSegment() noexcept;
 
     bool _FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
-    static bool _LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
+    bool _LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept;
     bool _AppendSegment(nxLogChannel& channel) noexcept;
     template <class Attempt>
     bool _WaitUntil(const Attempt& attempt) noexcept;
