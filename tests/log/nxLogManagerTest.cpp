@@ -569,12 +569,15 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
     {
         Manager().Destroy();
         const nxSystemCallFault fault("pthread_create", EAGAIN);
-        Device device;
+        std::atomic<int> writtenByItsThread{0};
+        static thread_local bool reports = false;
+        Device device([&](const nxLog&) { writtenByItsThread += !reports; });
         EXPECT_EQ(fault.GetHits(), 1U);
         // The next attempt is made a second later, by a thread that is new or has something to warn of.
         const auto log = [&](int)
         {
-            for (int count = 0; count < 1'500 && device.writes == 0; ++count)
+            reports = true;
+            for (int count = 0; count < 1'500 && writtenByItsThread == 0; ++count)
             {
                 NX_LOG(level) << "again";
                 nxLog record = MakeRecord("again");  // finds room in another way
@@ -586,7 +589,8 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
             nxInThreads(1, log);
         else
             log(0);
-        EXPECT_TRUE(becomes(device.writes, 1));
+        reports = false;
+        EXPECT_TRUE(becomes(writtenByItsThread, 1));
     }
 }
 
@@ -667,7 +671,8 @@ TEST(nxLogManager, HearsThreadsThatComeAndGoToTheirVeryEnd)
 TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
 {
     const SmallQueue small;
-    constexpr int threads = 15;
+    constexpr int threads = 45;
+    constexpr std::uint64_t ring = 16 << 10;  // of the log's thread, which tells of the loss
     Gate gate;
     Device inside(
         [](const nxLog& record)
@@ -687,8 +692,8 @@ TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
     std::barrier<> together(threads + 1);
     const auto fill = [&](int index)
     {
-        // Up to different distances from the end of the small ring, seventy of them to where nothing more fits in.
-        for (int count = 0; count <= 55 + index; ++count)
+        // Up to different distances from the end of the small ring, the last ones to where nothing more fits in.
+        for (int count = 0; count <= 55 + index / 3; ++count)
             NX_LOG(NX_LOG_LEVEL_INFO) << std::string(200, 'f');
         together.arrive_and_wait();
         together.arrive_and_wait();
@@ -710,7 +715,7 @@ TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
         [&]
         {
             WaitUntilWritten();
-            return Manager().GetStatistics().bytes <= before.bytes;
+            return Manager().GetStatistics().bytes <= before.bytes + ring;
         }))
         << Manager().GetStatistics().bytes << " for " << before.bytes;
 }

@@ -1,24 +1,26 @@
 #ifndef TESTS_SUPPORT_NXGATE_H
 #define TESTS_SUPPORT_NXGATE_H
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 
-/// A door that a device can be kept behind.
+#include "tests/support/nxTestThreads.h"
+
+/// A door that a device can be kept behind, half a minute at most.
 class nxGate
 {
 public:
     void Pass()
     {
         _waiting = true;
-        _waiting.notify_all();
-        _open.wait(false);
+        EXPECT_TRUE(nxEventually([this] { return _open.load(); }));
     }
-    void WaitForSomebody() { _waiting.wait(false); }
-    void Open()
+    void WaitForSomebody() const
     {
-        _open = true;
-        _open.notify_all();
+        EXPECT_TRUE(nxEventually([this] { return _waiting.load(); }));
     }
+    void Open() { _open = true; }
 
 private:
     std::atomic<bool> _waiting{false};
