@@ -13,6 +13,7 @@ class nxLogLineSink;
 ///
 /// - The manager calls a device by one thread at a time: the deferred-write thread, or a thread that writes
 ///   immediately, flushes or registers. So a device needs no lock of its own against the manager.
+/// - The deferred-write thread has a stack of 256 KiB, so a device keeps large buffers elsewhere.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
 ///   meanwhile go to the other devices only. It does not fork meanwhile.
 /// - A device that does not return holds up the queue; after a second of that the manager drops records, and counts
@@ -40,7 +41,8 @@ public:
     virtual void Write(const nxLog& record) = 0;
     /// Hands everything written so far to the operating system.
     virtual void Flush() = 0;
-    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering the device.
+    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering and flushing the device,
+    /// unless its owner has unregistered it before. The device may be deleted here.
     virtual void Destroy() = 0;
 
     /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.
