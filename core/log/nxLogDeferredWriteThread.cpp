@@ -8,7 +8,8 @@ nxErrorEnum nxLogDeferredWriteThread::_Start(const nxServiceThread& service)
     nxErrorEnum error = _Create(&service);
     if (error.IsOK() || error == NX_ERR_THR_RESOURCE)
         return error;
-    // Processors that are taken away since, a priority that is not allowed, more thread-local data than the stack holds.
+    // Processors that are taken away since, a priority that is not allowed, more thread-local data than the stack
+    // holds.
     error = _Create(nullptr);
     if (error.IsOK())
         _Apply(service);

@@ -5,10 +5,10 @@
 
 /// The one thread that the library starts: it takes queued records and writes them to the devices.
 ///
-/// It starts with the first device, and is nobody's to control: see nxLogManager. While records come it looks every one or
-/// two milliseconds, otherwise ten times a second; a warning, a large ring that is a quarter full, or somebody who waits makes
-/// it look at once. It keeps all signals away from itself, but those of faults and profilers. Its stack, on which it
-/// calls the devices, has 256 KiB.
+/// It starts with the first device, and is nobody's to control: see nxLogManager. While records come it looks every
+/// one or two milliseconds, otherwise ten times a second; a warning, a large ring that is a quarter full, or somebody
+/// who waits makes it look at once. It keeps all signals away from itself, but those of faults and profilers. Its
+/// stack, on which it calls the devices, has 256 KiB.
 class nxLogDeferredWriteThread final : public nxThread
 {
 public:

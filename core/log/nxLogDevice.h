@@ -41,8 +41,8 @@ public:
     virtual void Write(const nxLog& record) = 0;
     /// Hands everything written so far to the operating system.
     virtual void Flush() = 0;
-    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering and flushing the device,
-    /// unless its owner has unregistered it before. The device may be deleted here.
+    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering and flushing the
+    /// device, unless its owner has unregistered it before. The device may be deleted here.
     virtual void Destroy() = 0;
 
     /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.

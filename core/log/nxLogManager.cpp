@@ -67,7 +67,6 @@ nxLogManager& nxLogManager::GetInstance() noexcept
 nxLogManager::nxLogManager() noexcept
 {
     nxServiceThread::RememberProcessors();
-    nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
     try
     {
         Apply(nxLogSettings::Read());
@@ -76,6 +75,8 @@ nxLogManager::nxLogManager() noexcept
     {
         // The defaults serve.
     }
+    // Behind the environment, which has been read now: a fork takes its lock after those of the log.
+    nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
 }
 
 void nxLogManager::Apply(const nxLogSettings& settings) noexcept

@@ -20,7 +20,8 @@ struct nxLogStatistics
     /// Records that at least one device was given, those written immediately not counted.
     std::uint64_t written;
     std::uint64_t dropped;  ///< Records lost because the queue was full and a device had stalled, or without memory.
-    /// Records that found no device, because none was registered any more, and that could not be kept for the first one.
+    /// Records that found no device, because none was registered any more, and that could not be kept for the first
+    /// one.
     std::uint64_t unheard;
     std::uint64_t waits;  ///< How often a caller had to wait because the queue was full.
     std::uint64_t bytes;  ///< The memory that the queue takes at the moment.
@@ -36,9 +37,9 @@ struct nxLogStatistics
 ///   large record at a time, and small rings for threads that come when it is full, go beyond the bound. A thread
 ///   inside a device never waits for room, and no more than a tenth of a second for another device: what it cannot
 ///   hand over counts as dropped.
-/// - Start: the deferred-write thread starts with the first device, or with the first record that comes earlier. Records
-///   from before the first device are kept for it, up to a mebibyte. While the thread cannot be started, records from
-///   the warning level on are written by the threads that report them; the error stream is told, once.
+/// - Start: the deferred-write thread starts with the first device, or with the first record that comes earlier.
+///   Records from before the first device are kept for it, up to a mebibyte. While the thread cannot be started,
+///   records from the warning level on are written by the threads that report them; the error stream is told, once.
 /// - Fatal records: a record of the fatal level waits until it is with the operating system, 100 milliseconds at most,
 ///   so that abort() may follow it; not inside a device. Other records wait only for a full queue.
 /// - End: when the process ends by exit(), by quick_exit() or by returning from main, what is queued is written out; a

@@ -20,8 +20,8 @@ public:
     /// The process's number; a forked child gets its own.
     static unsigned GetID();
 
-    /// Whether the main thread has ended and the calling thread is the only one that is left. False where the system does
-    /// not tell.
+    /// Whether the main thread has ended and the calling thread is the only one that is left. False where the system
+    /// does not tell.
     static bool IsOnlyThreadLeft();
 
     /// The moment at which the system started the process, to a hundredth of a second. It is worked out from the wall

@@ -1,4 +1,5 @@
-// Devices that are unregistered while others are at them: nobody is inside one, or comes to it, once its owner has it back.
+// Devices that are unregistered while others are at them: nobody is inside one, or comes to it, once its owner has it
+// back.
 
 #include <gtest/gtest.h>
 

@@ -72,8 +72,8 @@ public:
     /// Appends copies of all records that wait; only that the order is kept within each thread.
     void CopyRecords(std::vector<nxLog>& records);
 
-    /// Counts all records that wait, but those that the writer has in hand, as dropped: at the end of the process nobody
-    /// will write them. @return how many these are.
+    /// Counts all records that wait, but those that the writer has in hand, as dropped: at the end of the process
+    /// nobody will write them. @return how many these are.
     std::uint64_t DropWaiting(unsigned inHand) noexcept;
     void CountDrop() noexcept { _dropped.fetch_add(1, std::memory_order_relaxed); }
     /// Whenever a device has returned: the sign of life that waiting callers watch.
