@@ -540,18 +540,12 @@ TEST(nxLogManager, StartsAnewAfterDestroy)
 TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
 {
     NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
-    const auto becomes = [](const std::atomic<int>& count, int expected)
-    {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(patience);
-        while (count < expected && std::chrono::steady_clock::now() < end)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return count >= expected;
-    };
+    const auto becomesOne = [](const std::atomic<int>& count) { return nxEventually([&] { return count >= 1; }); };
     Manager().Destroy();
     {
         Device device;
         NX_LOG(NX_LOG_LEVEL_INFO) << "after";
-        EXPECT_TRUE(becomes(device.writes, 1));
+        EXPECT_TRUE(becomesOne(device.writes));
     }
     {
         // Stopping was given up, since a device was stuck: the thread goes on with the next device.
@@ -563,7 +557,7 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
         Device device;
         gate.Open();
         NX_LOG(NX_LOG_LEVEL_INFO) << "after";
-        EXPECT_TRUE(becomes(device.writes, 1));
+        EXPECT_TRUE(becomesOne(device.writes));
     }
     for (const nxEnumValue level : {NX_LOG_LEVEL_INFO, NX_LOG_LEVEL_ERROR})
     {
@@ -590,7 +584,7 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
         else
             log(0);
         reports = false;
-        EXPECT_TRUE(becomes(writtenByItsThread, 1));
+        EXPECT_TRUE(becomesOne(writtenByItsThread));
     }
 }
 
