@@ -170,11 +170,16 @@ void Register(std::function<void(const nxLog&)> onWrite)
     new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
 }
 
+int OpenOutput()
+{
+    const std::string path = std::string(std::getenv("QRX_LOG_DIRECTORY")) + "/output";
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+}
+
 // Appends every record to the output at once, as "text source-file".
 nxLogDevice* AppendToOutput(bool registers = true)
 {
-    const std::string path = std::string(std::getenv("QRX_LOG_DIRECTORY")) + "/output";
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    const int file = OpenOutput();
     return new nxFunctionLogDevice(
         [file](const nxLog& record)
         {
@@ -220,6 +225,7 @@ int ExitInAThread()
 
 int ExitWhileStalled()
 {
+    ::dup2(OpenOutput(), STDERR_FILENO);
     Register(
         [](const nxLog&)
         {
