@@ -6,14 +6,19 @@
 
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
+#include "core/platform/nxEnvironment.h"
 
 namespace
 {
-std::string Get(const std::string& key) { return nxCmdLineArgs::GetInstance().GetEnvValue(key); }
+std::string Get(const std::string& key)
+{
+    return nxEnvironment::IsSecureExecution() ? std::string() : nxCmdLineArgs::GetInstance().GetEnvValue(key);
+}
 
 bool GetBool(const std::string& key, bool defaultValue)
 {
-    return nxCmdLineArgs::GetInstance().GetEnvValueAsBool(key, defaultValue);
+    return nxEnvironment::IsSecureExecution() ? defaultValue
+                                              : nxCmdLineArgs::GetInstance().GetEnvValueAsBool(key, defaultValue);
 }
 
 std::uint64_t GetNumber(const std::string& key, std::uint64_t defaultValue, std::uint64_t smallest,

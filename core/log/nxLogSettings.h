@@ -12,6 +12,8 @@
 ///
 /// - Errors: none. A value that cannot be understood, the empty text included, leaves the default named below; a number
 ///   that is too large or too small is taken as the largest or smallest that is accepted.
+/// - A program that has more rights than whoever started it (set-user-ID, set-group-ID, file capabilities) does not heed
+///   them: all are as if not set, whatever the program itself has set.
 /// - Truth values are TRUE and YES, FALSE and NO, in any case; numbers are plain digits.
 /// - Threads: Read() may be called at any time; the values are like any struct.
 /// @code

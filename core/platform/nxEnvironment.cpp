@@ -1,5 +1,7 @@
 #include "core/platform/nxEnvironment.h"
 
+#include <sys/auxv.h>
+
 #include <cstdlib>
 #include <exception>
 
@@ -18,3 +20,5 @@ bool nxEnvironment::Set(const std::string& name, const std::string& value)
 {
     return ::setenv(name.c_str(), value.c_str(), 1) == 0;
 }
+
+bool nxEnvironment::IsSecureExecution() { return ::getauxval(AT_SECURE) != 0; }

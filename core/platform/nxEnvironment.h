@@ -19,6 +19,11 @@ public:
     /// @param name not empty, without '=' and NUL; @param value without NUL.
     /// @return whether the system accepted it.
     static bool Set(const std::string& name, const std::string& value);
+
+    /// Whether the program has rights that whoever started it need not have: a set-user-ID or set-group-ID program, or
+    /// one with file capabilities. The environment is then a stranger's, and what it says about files is not heeded.
+    /// The same answer for the life of the process; any thread may ask.
+    static bool IsSecureExecution();
 };
 
 #endif

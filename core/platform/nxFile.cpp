@@ -12,12 +12,14 @@
 #include <utility>
 
 #include "core/platform/nxClock.h"
+#include "core/platform/nxEnvironment.h"
 #include "core/platform/nxUninterrupted.h"
 
 namespace
 {
-constexpr mode_t fileMode = 0640;
-constexpr mode_t directoryMode = 0750;
+// The group of a program with rights of its own may be that of whoever started it.
+mode_t FileMode() { return nxEnvironment::IsSecureExecution() ? 0600 : 0640; }
+mode_t DirectoryMode() { return nxEnvironment::IsSecureExecution() ? 0700 : 0750; }
 
 // Keeps from the process the signals with which the system accompanies a failed write. One that was waiting to be
 // delivered before stays waiting.
@@ -107,7 +109,7 @@ nxFile::~nxFile() { Close(); }
 int nxFile::CreateNew(const std::string& path)
 {
     Close();
-    const int descriptor = OpenAbove(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_APPEND, fileMode);
+    const int descriptor = OpenAbove(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_APPEND, FileMode());
     if (descriptor < 0)
         return errno;
     _descriptor = descriptor;
@@ -193,7 +195,7 @@ int nxFile::CreateDirectories(const std::string& path)
     {
         end = path.find('/', end + 1);
         const std::string part = path.substr(0, end);
-        error = mkdir(part.c_str(), directoryMode) == 0 ? 0 : errno;
+        error = mkdir(part.c_str(), DirectoryMode()) == 0 ? 0 : errno;
     }
     if (error != EEXIST)
         return error;

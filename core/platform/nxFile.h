@@ -24,8 +24,9 @@ public:
     nxFile& operator=(const nxFile&) = delete;
     ~nxFile();
 
-    /// Creates a file that only the owner may write and only the group may read besides, and opens it. Never opens what
-    /// is there already, be it a file, a symbolic link or a device: that is EEXIST.
+    /// Creates a file that only the owner may write and only the group may read besides, and opens it; in secure
+    /// execution (see nxEnvironment) not even the group. Never opens what is there already, be it a file, a symbolic
+    /// link or a device: that is EEXIST.
     [[nodiscard]] int CreateNew(const std::string& path);
 
     bool IsOpen() const { return _descriptor >= 0; }
@@ -49,7 +50,8 @@ public:
     /// @return 0 with the file's size; EFBIG when it does not fit.
     [[nodiscard]] static int ReadAll(const char* path, std::span<char> content, std::size_t& size);
 
-    /// Creates the directory and those above it that do not exist, for the owner and for reading by the group.
+    /// Creates the directory and those above it that do not exist, for the owner and for reading by the group
+    /// (as a new file).
     /// @return 0 also when it exists already.
     static int CreateDirectories(const std::string& path);
 

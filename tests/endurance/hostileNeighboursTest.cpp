@@ -4,11 +4,14 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -135,6 +138,39 @@ TEST(hostileNeighbours, LogFilesAreNewAndNobodyElsesToRead)
             EXPECT_EQ(open(written.c_str(), O_RDONLY), -1);
             EXPECT_EQ(open(written.c_str(), O_WRONLY), -1);
         }));
+}
+
+TEST(hostileNeighbours, AProgramWithRightsOfItsOwnHeedsNoSettingOfItsCallers)
+{
+    if (std::getenv("NX_TEST_IN_NEW_PROCESS") != nullptr)
+    {
+        if (getauxval(AT_SECURE) == 0)
+            return;
+        ASSERT_TRUE(nxLogSetUp());
+        const std::string name = nxFileLogDevice::GetInstance().GetFileName();
+        EXPECT_TRUE(name.starts_with(nxFileLogDevice::DefaultDirectory)) << name;
+        EXPECT_FALSE(nxLogManager::ShouldLog(NX_LOG_LEVEL_DEBUG));
+        EXPECT_EQ(fs::status(name).permissions() & ~fs::perms{0600}, fs::perms::none);
+        EXPECT_EQ(fs::status(fs::path(name).parent_path()).permissions() & ~fs::perms{0700}, fs::perms::none);
+        return;
+    }
+    const PublicDirectory place;
+    const fs::path program = place.GetPath() / "program";
+    fs::copy_file("/proc/self/exe", program);
+    struct statvfs mounted = {};
+    if (geteuid() != 0 || statvfs(program.c_str(), &mounted) != 0 || (mounted.f_flag & ST_NOSUID) != 0)
+        GTEST_SKIP() << "a set-user-ID program: only root can make one, and not on every file system";
+    chmod(program.c_str(), 04755);
+    EXPECT_TRUE(AsNeighbour(
+        [&]
+        {
+            ASSERT_EQ(chdir(place.GetPath().c_str()), 0);
+            setenv("QRX_LOG_DIRECTORY", (place.GetPath() / "planted").c_str(), 1);
+            setenv("QRX_LOG_LEVEL", "DBG", 1);
+            EXPECT_FALSE(nxInNewProcess(program.c_str()));
+        }));
+    EXPECT_FALSE(fs::exists(place.GetPath() / "planted"));
+    EXPECT_EQ(FilesBelow(place.GetPath()).size(), 2U) << "the program and its log file";
 }
 
 TEST(hostileNeighbours, NobodyForgesALineOrLeavesTheDirectoryOrReadsASecret)

@@ -75,9 +75,9 @@ bool nxInChild(Body body)
 }
 
 /// For a test that needs a process in which nothing has happened yet: runs the current test once more, in a new process
-/// of the same program, and expects it to pass.
+/// of the same program, or of a copy of it, and expects it to pass.
 /// @return true in the new process, which executes the body of the test; false in the old one, which returns.
-inline bool nxInNewProcess()
+inline bool nxInNewProcess(const char* program = "/proc/self/exe")
 {
     if (std::getenv("NX_TEST_IN_NEW_PROCESS") != nullptr)
         return true;
@@ -87,7 +87,7 @@ inline bool nxInNewProcess()
     if (process == 0)
     {
         setenv("NX_TEST_IN_NEW_PROCESS", "1", 1);
-        execl("/proc/self/exe", "test", filter.c_str(), nullptr);
+        execl(program, "test", filter.c_str(), nullptr);
         _exit(1);
     }
     int status = -1;
