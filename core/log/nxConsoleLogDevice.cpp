@@ -1,28 +1,18 @@
 #include "core/log/nxConsoleLogDevice.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <new>
+#include <string>
 #include <string_view>
+#include <utility>
 
+#include "core/log/internal/nxLogForkLock.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
-#include "core/platform/nxFile.h"
+#include "core/platform/nxStandardStream.h"
 #include "core/thread/nxMutexGuard.h"
-
-namespace
-{
-// How many bytes standard output takes.
-std::size_t Take(std::string_view text)
-{
-    std::size_t written = 0;
-    nxFile::WriteTo(STDOUT_FILENO, text.data(), text.size(), written);
-    return written;
-}
-}  // namespace
 
 nxConsoleLogDevice::nxConsoleLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this)) {}
 
@@ -68,8 +58,9 @@ catch (const std::bad_alloc&)
 void nxConsoleLogDevice::_Write(std::string_view lines)
 {
     const nxMutexGuard guard(_mutex);
-    _rest.erase(0, Take(_rest));
-    const std::size_t taken = _rest.empty() ? Take(lines) : 0;
+    nxStandardStream& output = nxStandardStream::GetOutput();
+    _rest.erase(0, output.Write(_rest));
+    const std::size_t taken = _rest.empty() ? output.Write(lines) : 0;
     std::string_view left = lines.substr(taken);
     if (taken != 0 && lines[taken - 1] != '\n')
     {
@@ -90,12 +81,19 @@ void nxConsoleLogDevice::Destroy()
     nxLogManager::GetInstance().UnregisterLogDevice(this);
 }
 
-void nxConsoleLogDevice::BeforeFork() { (void)_mutex.Lock(); }
+void nxConsoleLogDevice::BeforeFork() { _isLockedForFork = nxLogForkLock::Take(_mutex); }
 
-void nxConsoleLogDevice::AfterForkInParent() { (void)_mutex.Unlock(); }
+void nxConsoleLogDevice::AfterForkInParent()
+{
+    nxLogForkLock::GiveBack(_mutex, std::exchange(_isLockedForFork, false));
+}
 
 void nxConsoleLogDevice::AfterForkInChild()
 {
-    new (&_mutex) nxMutex;
-    _rest.clear();
+    const bool isWhole = std::exchange(_isLockedForFork, false);
+    nxLogForkLock::RenewInChild(_mutex, isWhole);
+    if (isWhole)
+        _rest.clear();
+    else
+        new (&_rest) std::string;  // another thread was at it in the parent
 }

@@ -17,8 +17,10 @@
 /// device is verbose, as it is at first; otherwise "[INF] text", or with the other short form
 /// "[05Mar24 09:07:03.123.456] text". Lines go to the operating system at once, past the buffer of the C library.
 ///
-/// - Errors: nothing fails. Lines that standard output does not take (it is closed, or a pipe without a reader) are
-///   lost and counted; the process goes on.
+/// - Errors: nothing fails. Lines that standard output does not take are lost and counted; the process goes on. It does
+///   not take them when it is closed, a pipe without a reader, when it has taken nothing for 100 ms (a terminal that is
+///   stopped, a pipe that nobody reads), or not all of a mebibyte in half a second; while it stays so, it is not waited
+///   for again. Nor is it written to when the program has closed it and uses its number for a file or a connection.
 /// - Threads: every operation may be called at any time from any thread.
 /// - Ownership: as of every device. GetInstance() is there for programs that need just one.
 /// @code
@@ -62,8 +64,9 @@ private:
 
     void _Write(std::string_view lines);
 
-    nxMutex _mutex;     // around a write, so that lines do not mix
-    std::string _rest;  // of a line that standard output took the beginning of
+    nxMutex _mutex;                 // around a write, so that lines do not mix
+    bool _isLockedForFork = false;  // by the thread that forks
+    std::string _rest;              // of a line that standard output took the beginning of
     std::atomic<ShortForm> _shortForm{ShortForm::Level};
     std::atomic<std::uint64_t> _lostLines{0};
 };

@@ -20,13 +20,22 @@
 /// that exists is never opened. The file is for its owner to write and for the group to read.
 ///
 /// - A new file is begun when one has grown beyond the maximum size, by CloseAndReopenLogFile(), and if
-///   QRX_LOG_RECREATE_ON_CHANGE_OF_DATE asks for it with the first record of a new local day.
+///   QRX_LOG_RECREATE_ON_CHANGE_OF_DATE asks for it with the first record of a new local day. Also, within a second, when
+///   somebody has removed, renamed or exchanged the file, so that it may be rotated from outside; and when other code of
+///   the process has closed it, be it that its descriptor stands for another file by then: that one is left alone. The old
+///   file is closed when the new one is open, and taken on with where none can be opened.
+/// - The configured directory may be a link or whatever else it pleases. What lies below it, and all of the directory
+///   that serves without a setting, must be no link, belong to this user or to root, and not be for everybody to write
+///   without the sticky bit; else it is refused as one that cannot be created. Where others may exchange files
+///   nevertheless, the group or the owner of the configured directory, a warning in the log says so.
+/// - In a program with more rights than whoever started it, files and directories are for the owner alone.
 /// - Lines wait in a buffer (QRX_LOG_FILE_BUFF_SIZE_MB) until it is full or Flush() is called; warnings and worse, and
 ///   records that are written immediately, do not wait. A line is in the file completely or not at all.
 /// - Errors: nothing fails for those who log. What goes wrong is told on the error stream, once until it is right
-///   again: a directory or file that cannot be created, a file that cannot be written (a full disk) or was removed.
-///   Meanwhile lines wait in the buffer; those that find no room are lost, counted, and told in the log afterwards.
-///   Every second the device tries again, whether records come or not.
+///   again: a directory or file that cannot be created, a file that cannot be written (a full disk), was removed,
+///   renamed or closed. Meanwhile lines wait in the buffer; those that find no room are lost, counted, and told in the log
+///   afterwards. Every second the device tries again, whether records come or not. What is lost at the end, of the device
+///   or of the process, is told on the error stream.
 /// - Threads: every operation may be called at any time from any thread.
 /// - Ownership: one object per process, never destroyed.
 /// @code
@@ -79,10 +88,13 @@ public:
     std::uint64_t GetLostLines() const;
 
 private:
-    class State;
+    struct Parts;
 
     nxFileLogDevice();
     ~nxFileLogDevice() override;
+
+    static void _EndProcess() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+    bool _Open(const nxValueWrapper<unsigned long long>& maximumFileSize);
 
     nxLogLineStyle GetLineStyle() const override;
     void WriteLines(const nxLogLineBatch& batch) override;
@@ -91,8 +103,8 @@ private:
     void AfterForkInParent() override NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInChild() override;
 
-    mutable nxMutex _mutex;  // guards the state, except in a child that was just forked
-    std::unique_ptr<State> _state;
+    mutable nxMutex _mutex;  // guards the file among the parts, except in a child that was just forked
+    std::unique_ptr<Parts> _parts;
 };
 
 #endif

@@ -1,14 +1,21 @@
 #include "core/platform/nxLineFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "core/platform/nxClock.h"
 
 namespace
 {
 constexpr std::int64_t nanosecondsBetweenTries = 1'000'000'000;
+
+std::uint64_t CountLines(std::string_view text)
+{
+    return static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '\n'));
+}
 
 // The size of the whole lines at the beginning of `text`.
 std::size_t SizeOfWholeLines(std::string_view text)
@@ -28,15 +35,19 @@ bool nxLineFile::SetBufferSize(std::size_t bytes)
     return hasMemory;
 }
 
-int nxLineFile::CreateNew(const std::string& path)
+void nxLineFile::Take(nxFile&& file)
 {
-    const int error = _file.CreateNew(path);
-    if (error == 0)
-    {
-        _size = 0;
-        _error = 0;
-    }
-    return error;
+    _file = std::move(file);
+    _size = 0;
+    _error = 0;
+}
+
+nxFile::Fate nxLineFile::Look()
+{
+    const nxFile::Fate fate = _file.Look(_size);
+    if (fate == nxFile::Fate::Closed)
+        _file.Forget();
+    return fate;
 }
 
 bool nxLineFile::_MayTry() const
@@ -61,11 +72,11 @@ void nxLineFile::Append(std::string_view lines, bool atOnce)
     _Keep(_Hand(lines));
 }
 
-bool nxLineFile::Flush()
+bool nxLineFile::Flush(bool evenNow)
 {
     if (_used == 0)
         return true;
-    if (!_MayTry())
+    if (!(evenNow ? _file.IsOpen() : _MayTry()))
         return false;
     const std::string_view rest = _Hand({_buffer, _used});
     std::memmove(_buffer, rest.data(), rest.size());
@@ -99,23 +110,30 @@ void nxLineFile::_Keep(std::string_view lines)
     _Lose(lines.substr(kept));
 }
 
-void nxLineFile::_Lose(std::string_view lines)
-{
-    _lostLines += static_cast<std::uint64_t>(std::count(lines.begin(), lines.end(), '\n'));
-}
+void nxLineFile::_Lose(std::string_view lines) { _lostLines += CountLines(lines); }
+
+std::uint64_t nxLineFile::GetWaitingLines() const { return CountLines({_buffer, _used}); }
 
 // Writes; returns what is left to write, from the beginning of a line on unless the file could not be cut back there.
 std::string_view nxLineFile::_Hand(std::string_view lines)
 {
     std::size_t written = 0;
     _error = _file.Write(lines.data(), lines.size(), written);
-    if (_error != 0)
+    if (_error == 0)
     {
-        _nextTry = nxClock::MonotonicNanoseconds() + nanosecondsBetweenTries;
-        const std::size_t whole = SizeOfWholeLines(lines.substr(0, written));
-        if (whole != written && _file.Truncate(_size + whole) == 0)
-            written = whole;
+        _size += written;
+        return {};
     }
+    _nextTry = nxClock::MonotonicNanoseconds() + nanosecondsBetweenTries;
+    const std::size_t whole = SizeOfWholeLines(lines.substr(0, written));
+    if (_error == EBADF)
+    {
+        // It goes on in another file.
+        _file.Forget();
+        written = whole;
+    }
+    else if (whole != written && _file.CutBack(written - whole) == 0)
+        written = whole;
     _size += written;
     return lines.substr(written);
 }

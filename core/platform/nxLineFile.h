@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 
 #include "core/platform/nxFile.h"
@@ -13,7 +12,8 @@
 ///
 /// A line is in the file completely or not at all: when a write stops in the middle of one, the file is cut back to the
 /// line before. While the file cannot be written, or is not open, lines wait in the buffer; those that find no room are
-/// lost whole, and counted. The next attempt comes a second later.
+/// lost whole, and counted. The next attempt comes a second later. A file that other code of the process has closed is
+/// not open any more from the next write or Look() on, and what was to be written waits for another one.
 ///
 /// Threads: none. Errors: kept, see GetError().
 class nxLineFile
@@ -25,9 +25,8 @@ public:
     /// @return false when there is no memory for it: a small one then serves.
     bool SetBufferSize(std::size_t bytes);
 
-    /// Opens a file that must not exist yet, in place of the one that is open. What waits in the buffer goes into it.
-    /// @return 0, or the system's error number: then no file is open.
-    int CreateNew(const std::string& path);
+    /// Takes an empty open file in place of the one that is open, which is closed. What waits in the buffer goes into it.
+    void Take(nxFile&& file);
 
     bool IsOpen() const { return _file.IsOpen(); }
 
@@ -35,7 +34,8 @@ public:
     void Append(std::string_view lines, bool atOnce);
 
     /// Hands everything to the operating system. @return whether nothing is left.
-    bool Flush();
+    /// @param evenNow also when the last attempt failed less than a second ago.
+    bool Flush(bool evenNow = false);
 
     /// Hands over what can be handed over, forgets the lines that cannot, counting them, and closes the file.
     void Close();
@@ -52,8 +52,14 @@ public:
     /// Lines that were lost since the object was made.
     std::uint64_t GetLostLines() const { return _lostLines; }
 
-    /// Whether there is a file that can be opened by no name any more.
-    bool IsUnlinked() const { return _file.IsUnlinked(); }
+    /// Lines in the buffer.
+    std::uint64_t GetWaitingLines() const;
+
+    /// Looks what has become of the file, which is open, and takes its size from the system: others may have cut it.
+    nxFile::Fate Look();
+
+    /// Closes the file, what waits in the buffer goes on waiting.
+    void CloseFile() { _file.Close(); }
 
 private:
     bool _MayTry() const;

@@ -7,8 +7,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <string>
 
+#include "core/platform/nxDirectory.h"
 #include "tests/support/nxScratchDirectory.h"
 
 namespace
@@ -35,24 +37,33 @@ bool IsPending(int signal)
 TEST_F(nxFileTest, CreatesFilesThatDoNotExist)
 {
     nxFile file;
+    nxDirectory directory;
+    ASSERT_EQ(directory.Open(Path("")), 0);
     std::size_t written = 0;
-    ASSERT_EQ(file.CreateNew(Path("new")), 0);
+    std::uint64_t size = 0;
+    ASSERT_EQ(file.CreateNew(directory, Path("new")), 0);
     ASSERT_EQ(file.Write("0123456789", 10, written), 0);
-    EXPECT_EQ(file.Truncate(4), 0);
+    EXPECT_EQ(file.CutBack(6), 0);
     ASSERT_EQ(file.Write("x", 1, written), 0);
     EXPECT_EQ(nxReadFile(Path("new")), "0123x");
-    EXPECT_FALSE(file.IsUnlinked());
-    fs::remove(Path("new"));
-    EXPECT_TRUE(file.IsUnlinked());
+    EXPECT_EQ(file.Look(size), nxFile::Fate::Sound);
+    EXPECT_EQ(size, 5U);
+    // Somebody else cuts it; then there is less than is to be cut off.
+    fs::resize_file(Path("new"), 1);
+    EXPECT_EQ(file.CutBack(6), 0);
+    EXPECT_EQ(nxReadFile(Path("new")), "");
+    fs::rename(Path("new"), Path("other"));
+    EXPECT_EQ(file.Look(size), nxFile::Fate::Renamed);
+    fs::remove(Path("other"));
+    EXPECT_EQ(file.Look(size), nxFile::Fate::Removed);
 
     nxWriteFile(Path("old"), "old");
     fs::create_symlink(Path("nowhere"), Path("link"));
     for (const char* name : {"old", "link"})
     {
-        EXPECT_EQ(file.CreateNew(Path(name)), EEXIST);
-        EXPECT_FALSE(file.IsOpen());
+        EXPECT_EQ(file.CreateNew(directory, Path(name)), EEXIST);
+        EXPECT_TRUE(file.IsOpen()) << "the one before";
     }
-    EXPECT_EQ(file.CreateNew(Path("no/directory")), ENOENT);
     EXPECT_FALSE(fs::exists(Path("nowhere")));
     EXPECT_EQ(nxReadFile(Path("old")), "old");
 }
@@ -102,14 +113,69 @@ TEST_F(nxFileTest, ReadsRegularFilesThatFit)
     EXPECT_EQ(size, 99U);
 }
 
-TEST_F(nxFileTest, CreatesDirectoriesAndThoseAboveThem)
+TEST_F(nxFileTest, LeavesAloneWhatOthersHavePutInItsPlace)
 {
-    EXPECT_EQ(nxFile::CreateDirectories(Path("a/b//c")), 0);
-    EXPECT_EQ(nxFile::CreateDirectories(Path("a/b/c")), 0);
-    struct stat status = {};
-    ASSERT_EQ(stat(Path("a/b").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777 & ~0750U, 0U);
+    nxDirectory directory;
+    ASSERT_EQ(directory.Open(Path("")), 0);
+    std::uint64_t size = 0;
+    std::size_t written = 9;
+    for (const bool reused : {false, true})
+    {
+        const int number = dup(STDERR_FILENO);  // which the file gets, as the lowest one that is free
+        close(number);
+        nxFile file;
+        ASSERT_EQ(file.CreateNew(directory, Path(reused ? "a" : "b")), 0);
+        ASSERT_EQ(close(number), 0);
+        if (reused)
+        {
+            ASSERT_EQ(open(Path("orders").c_str(), O_RDWR | O_CREAT, 0600), number);
+            ASSERT_EQ(write(number, "order", 5), 5);
+        }
+        EXPECT_EQ(file.Write("log", 3, written), EBADF);
+        EXPECT_EQ(written, 0U);
+        EXPECT_EQ(file.CutBack(1), EBADF);
+        EXPECT_EQ(file.Look(size), nxFile::Fate::Closed);
+        file.Close();
+        EXPECT_EQ(fcntl(number, F_GETFD) != -1, reused);
+    }
+    EXPECT_EQ(nxReadFile(Path("orders")), "order");
+}
+
+TEST_F(nxFileTest, OpensDirectoriesStepByStepWhereOthersMayHaveBeen)
+{
+    nxDirectory directory;
+    EXPECT_EQ(directory.Open(Path("a/b//c")), 0);
+    EXPECT_EQ(directory.Open(Path("a/b/c")), 0);
+    EXPECT_EQ(fs::status(Path("a/b")).permissions() & ~fs::perms{0750}, fs::perms::none);
     nxWriteFile(Path("file"), "");
-    EXPECT_EQ(nxFile::CreateDirectories(Path("file")), ENOTDIR);
-    EXPECT_EQ(nxFile::CreateDirectories(Path("file/below")), ENOTDIR);
+    EXPECT_EQ(directory.Open(Path("file")), ENOTDIR);
+    EXPECT_EQ(directory.Open(Path("file/below")), ENOTDIR);
+    fs::create_directory_symlink(Path("a"), Path("link"));
+    ASSERT_EQ(directory.Open(Path("link")), 0);
+    ASSERT_EQ(directory.Enter("new"), 0);
+    EXPECT_TRUE(fs::is_directory(Path("a/new")));
+    EXPECT_FALSE(directory.IsOpenToOthers());
+
+    struct Row
+    {
+        const char* name;
+        fs::perms mode;
+        int error;
+        bool isOpen;
+    };
+    const Row rows[] = {{"file", fs::perms{0644}, ENOTDIR, false},
+                        {"link", fs::perms{0700}, ELOOP, false},
+                        {"everybody", fs::perms{0777}, EPERM, false},
+                        {"sticky", fs::perms{01777}, 0, false},
+                        {"group", fs::perms{0770}, 0, true}};
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(row.name);
+        if (!fs::exists(Path(row.name)))
+            fs::create_directory(Path(row.name));
+        fs::permissions(Path(row.name), row.mode);
+        ASSERT_EQ(directory.Open(Path("")), 0);
+        EXPECT_EQ(directory.Enter(row.name), row.error);
+        EXPECT_EQ(directory.IsOpenToOthers(), row.isOpen);
+    }
 }

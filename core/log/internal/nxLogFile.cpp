@@ -1,0 +1,341 @@
+#include "core/log/internal/nxLogFile.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "core/app/nxConfigurationKeys.h"
+#include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLog.h"
+#include "core/log/nxLogLine.h"
+#include "core/log/nxLogManager.h"
+#include "core/platform/nxClock.h"
+#include "core/platform/nxDirectory.h"
+#include "core/platform/nxStandardStream.h"
+#include "core/text/nxPrintableText.h"
+#include "core/time/nxTimeStamp.h"
+
+namespace
+{
+constexpr const char* sourceFile = "core/trunk/nxFileLogDevice";
+constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+
+// One line. Names of files may be anybody's.
+void Complain(const std::string& line)
+{
+    nxStandardStream::GetErrors().Write(nxPrintableText::GetEscaped(line) + '\n');
+}
+
+std::string LostLinesText(std::uint64_t lost)
+{
+    return "Lines lost while the log file could not be written: " + std::to_string(lost);
+}
+}  // namespace
+
+nxLogFile::Plan nxLogFile::Plan::Read(std::uint64_t limit)
+{
+    return {nxLogSettings::Read(), nxLogFileNames::ReadApplication(), limit};
+}
+
+void nxLogFile::_SetPlan(const Plan& plan)
+{
+    _settings = plan.settings;
+    _limit = plan.limit;
+    _names.Set(_settings.directory, plan.application);
+    _names.ReadProcess();
+    if (!_file.SetBufferSize(static_cast<std::size_t>(_settings.fileBufferMegabytes) << 20))
+        Complain("Failed to set a buffer for the log file, performance may be degraded.");
+    _isCreated = true;
+    _openingFailureIsTold = false;
+    _openDirectoryIsTold = false;
+}
+
+bool nxLogFile::Create(const Plan& plan)
+{
+    _SetPlan(plan);
+    if (_settings.directory.empty())
+        Complain(std::string("No Log Directory defined - use the ") + QRX_LOG_DIRECTORY +
+                 " environment variable. Logging to " + nxFileLogDevice::DefaultDirectory);
+    _MustHandOver(true, nxClock::MonotonicNanoseconds());
+    return _OpenNext();
+}
+
+void nxLogFile::CreateInChild(const Plan& plan) { _SetPlan(plan); }
+
+void nxLogFile::Prepare(const Plan& plan)
+{
+    if (!_isCreated)
+        _names.Set(plan.settings.directory, plan.application);
+    _names.ReadProcess();
+}
+
+// Step by step from the directory that was configured: what lies below it, somebody else may have put there.
+int nxLogFile::_OpenDirectory(nxDirectory& directory, const std::string& date) const
+{
+    int error = directory.Open(_names.GetRoot());
+    for (const std::string& name : {_names.GetFolder(), date})
+        if (error == 0 && !name.empty())
+            error = directory.Enter(name);
+    return error;
+}
+
+// Creates a file and goes on to the next number. @return the system's error number.
+int nxLogFile::_CreateNext(const nxDirectory& directory, const std::string& date, nxFile& file, std::string& name)
+{
+    constexpr unsigned attempts = 10'000;
+    int error = EEXIST;
+    for (unsigned i = 0; i < attempts && error == EEXIST; ++i)
+    {
+        name = _names.GetNext(date);
+        error = file.CreateNew(directory, name);
+        if (error == 0 || error == EEXIST)
+            _names.GoOn();
+    }
+    return error;
+}
+
+// The file that is open stays so when this fails.
+bool nxLogFile::_OpenNext()
+{
+    _nextCheck = nxClock::MonotonicNanoseconds() + nanosecondsPerSecond;
+    _mayOpen = false;
+    _names.ReadProcess();
+    // Read once: a file lies in the directory of the date that it is said to have.
+    const std::string date = nxLogFileNames::GetToday();
+    std::string name = _names.GetNext(date);
+    nxDirectory directory;
+    nxFile file;
+    int error = _OpenDirectory(directory, date);
+    if (error != 0 && !_openingFailureIsTold)
+        Complain("Failed to create directory " + _names.GetDirectory(date) + ", errno: " + std::to_string(error));
+    if ((error == EPERM || error == ELOOP) && !_openingFailureIsTold)
+        Complain("Directories for log files must be this user's or root's, no links, and not for everybody to write.");
+    if (error == 0)
+        error = _CreateNext(directory, date, file, name);
+    if (error != 0)
+    {
+        if (!_openingFailureIsTold)
+            Complain("Failed to create log file. Filename: " + name);
+        _openingFailureIsTold = true;
+        return false;
+    }
+    _openingFailureIsTold = false;
+    _mayOpen = true;
+    _BeginFile(std::move(file), name, date);
+    if (directory.IsOpenToOthers() && !std::exchange(_openDirectoryIsTold, true))
+        _Report(NX_LOG_LEVEL_WARNING, __LINE__,
+                "Others may remove or exchange log files. Directory: " + _names.GetDirectory(date));
+    return true;
+}
+
+void nxLogFile::_BeginFile(nxFile&& file, const std::string& name, const std::string& date)
+{
+    if (_file.IsOpen())
+    {
+        _Report(NX_LOG_LEVEL_INFO, __LINE__, "Closing log file: " + _fileName);
+        _file.Flush();
+    }
+    _file.Take(std::move(file));
+    const std::string previous = std::exchange(_fileName, name);
+    _date = date;
+    _ownBytes = 0;
+    _fateIsTold = false;
+    if (!previous.empty())
+        _Report(NX_LOG_LEVEL_INFO, __LINE__,
+                "Successfully opened log file: " + _fileName + ", Previous log file: " + previous);
+    if (std::exchange(_closingIsUntold, false))
+        _Report(NX_LOG_LEVEL_WARNING, __LINE__,
+                "Log file was closed by other code of the process, lines may be lost: " + previous);
+}
+
+void nxLogFile::Reopen()
+{
+    if (!_isCreated)
+        return;
+    _OpenNext();
+    _TellFailures();
+}
+
+// Writes a record of the device itself.
+void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::string& text)
+{
+    if (!nxLogManager::ShouldLog(level))
+        return;
+    nxLog record(level, sourceFile, line, nxTimeStamp::Now());
+    record << text;
+    std::string lines;
+    nxLogLine::Append(lines, record, Style);
+    const std::uint64_t before = _file.GetSize();
+    _file.Append(lines, true);
+    _ownBytes += _file.GetSize() - before;
+}
+
+// Sees once a second to what can go wrong between two lines.
+void nxLogFile::Maintain(std::int64_t now)
+{
+    if (!_isCreated || now < _nextCheck)
+        return;
+    _nextCheck = now + nanosecondsPerSecond;
+    _mayOpen = true;
+    nxStandardStream::GetErrors().Look();
+    _Look();
+    if (_file.GetError() != 0)
+        _file.Flush();
+    _TellFailures();
+}
+
+// Sees to it that the file is there, under its name and not too large.
+void nxLogFile::_Look()
+{
+    if (_file.IsOpen())
+    {
+        const std::uint64_t before = _file.GetSize();
+        const nxFile::Fate fate = _file.Look();
+        if (_file.GetSize() < before)
+            _ownBytes = 0;  // somebody has cut it
+        if (fate == nxFile::Fate::Sound && !_IsBeyondLimit())
+            return;
+        if (fate != nxFile::Fate::Sound)
+            _TellFate(fate);
+        if (fate == nxFile::Fate::Removed)
+            _file.CloseFile();
+    }
+    if (_OpenNext())
+        _file.Flush();
+}
+
+void nxLogFile::_TellFate(nxFile::Fate fate)
+{
+    const char* const what = fate == nxFile::Fate::Removed   ? "removed"
+                             : fate == nxFile::Fate::Renamed ? "renamed or exchanged"
+                                                             : "closed by other code of the process";
+    _closingIsUntold = _closingIsUntold || fate == nxFile::Fate::Closed;
+    if (!std::exchange(_fateIsTold, true))
+        Complain(std::string("Log file was ") + what + ". Filename: " + _fileName);
+}
+
+// Tells the beginning of a failure on the error stream, and in the log afterwards what was lost.
+void nxLogFile::_TellFailures()
+{
+    if (!_file.IsOpen())
+        return;
+    const int error = _file.GetError();
+    if (error != 0)
+    {
+        if (!_writingFailureIsTold)
+            Complain("Failed to write log file " + _fileName + ", errno: " + std::to_string(error));
+        _writingFailureIsTold = true;
+        return;
+    }
+    _writingFailureIsTold = false;
+    if (const std::uint64_t lost = _file.GetLostLines() - _toldLostLines; lost != 0)
+    {
+        _toldLostLines += lost;
+        _Report(NX_LOG_LEVEL_WARNING, __LINE__, LostLinesText(lost));
+    }
+}
+
+bool nxLogFile::_MustHandOver(bool atOnce, std::int64_t now)
+{
+    const bool must = atOnce || _settings.forceFlush || now >= _nextHandOver;
+    if (must)
+        _nextHandOver = now + static_cast<std::int64_t>(_settings.secondsBetweenFlushes) * nanosecondsPerSecond;
+    return must;
+}
+
+bool nxLogFile::_IsBeyondLimit() const
+{
+    return _limit != 0 && _mayOpen && _file.IsOpen() && _file.GetError() == 0 && _file.GetSize() > _ownBytes + _limit;
+}
+
+// The size of the lines up to the one with which the file grows beyond its limit.
+std::size_t nxLogFile::_SizeUpToLimit(std::string_view lines) const
+{
+    if (_limit == 0 || !_mayOpen || !_file.IsOpen())
+        return lines.size();
+    const std::uint64_t most = _ownBytes + _limit;
+    const std::uint64_t room = _file.GetSize() < most ? most - _file.GetSize() : 0;
+    return room < lines.size() ? lines.find('\n', static_cast<std::size_t>(room)) + 1 : lines.size();
+}
+
+void nxLogFile::Write(std::string_view lines, bool atOnce, long long second)
+{
+    if (!_isCreated)
+        return;
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    Maintain(now);
+    // Both, so that neither a late record nor one with a time of the caller's own brings files to and fro.
+    if (_settings.recreateOnChangeOfDate && _mayOpen && _file.IsOpen() && nxLogFileNames::GetDate(second) != _date &&
+        nxLogFileNames::GetToday() != _date)
+        Reopen();
+    const bool handOver = _MustHandOver(atOnce, now);
+    while (!lines.empty())
+    {
+        const std::size_t size = _SizeUpToLimit(lines);
+        _Put(lines.substr(0, size), handOver);
+        lines.remove_prefix(size);
+        if (_IsBeyondLimit())
+            Reopen();
+    }
+}
+
+void nxLogFile::_Put(std::string_view lines, bool atOnce)
+{
+    _file.Append(lines, atOnce);
+    _MendIfClosed();
+    _TellFailures();
+}
+
+// At once: the next look may be a second off, and the end of the process before it.
+void nxLogFile::_MendIfClosed()
+{
+    if (_file.IsOpen() || _file.GetError() != EBADF || !_mayOpen)
+        return;
+    _TellFate(nxFile::Fate::Closed);
+    if (_OpenNext())
+        _file.Flush();
+}
+
+void nxLogFile::WriteRecord(const nxLog& record)
+{
+    _line.clear();
+    nxLogLine::Append(_line, record, Style);
+    Write(_line, true, record.GetTimeStamp().GetSeconds());
+}
+
+void nxLogFile::Flush()
+{
+    Maintain(nxClock::MonotonicNanoseconds());
+    _file.Flush();
+    _MendIfClosed();
+    _TellFailures();
+}
+
+void nxLogFile::End()
+{
+    if (!_isCreated)
+        return;
+    _mayOpen = true;
+    _Look();
+    _file.Flush(true);
+    _MendIfClosed();
+    _TellFailures();
+    const std::uint64_t lost = _file.GetLostLines() + _file.GetWaitingLines() - _toldLostLines;
+    if (lost != 0)
+        Complain(LostLinesText(lost));
+    _toldLostLines += lost;
+}
+
+void nxLogFile::Destroy() noexcept
+{
+    _file.Close();
+    _isCreated = false;
+    _fileName.clear();
+}
+
+void nxLogFile::ForgetInChild()
+{
+    _file.Forget();
+    _fileName.clear();
+    _nextCheck = 0;
+    _closingIsUntold = false;
+}

@@ -1,0 +1,47 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGFILENAMES_H
+#define CORE_LOG_INTERNAL_NXLOGFILENAMES_H
+
+#include <string>
+
+/// What log files are called: `directory/05Mar2024/application_090703_4711_1.log`.
+///
+/// Threads: none.
+class nxLogFileNames
+{
+public:
+    /// @param directory that of the settings, or empty for the device's own.
+    void Set(const std::string& directory, const std::string& application);
+
+    /// Reads when the process was started and its number; anew in a forked child, whose files are counted from 1 on.
+    void ReadProcess();
+
+    /// The directory that somebody has configured, links and all.
+    const std::string& GetRoot() const { return _root; }
+    /// What lies below it and above the directories of the dates; empty for nothing.
+    const std::string& GetFolder() const { return _folder; }
+    /// Both.
+    std::string GetDirectory() const;
+
+    std::string GetDirectory(const std::string& date) const { return GetDirectory() + '/' + date; }
+    std::string GetPrefix(const std::string& date) const { return GetDirectory(date) + '/' + _application; }
+    /// The name of the next file.
+    std::string GetNext(const std::string& date) const;
+    void GoOn() { ++_sequence; }
+
+    /// "05Mar2024", the local date of a moment; empty for one that no calendar reaches.
+    static std::string GetDate(long long second);
+    static std::string GetToday();
+
+    /// The application's name, or that of its program, as a file name can have it.
+    static std::string ReadApplication();
+
+private:
+    std::string _root;
+    std::string _folder;
+    std::string _application;
+    unsigned _process = 0;   // the one that the next two belong to
+    std::string _startTime;  // "090703"
+    unsigned _sequence = 1;  // of the next file
+};
+
+#endif
