@@ -66,12 +66,10 @@ nxFileLogDevice::~nxFileLogDevice() = default;
 
 bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFileSize)
 {
-    const bool created = _Open(maximumFileSize);
-    nxLogManager::GetInstance().RegisterLogDevice(this);
-    return created;
+    return Create(maximumFileSize, nullptr);
 }
 
-bool nxFileLogDevice::_Open(const nxValueWrapper<unsigned long long>& maximumFileSize)
+bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFileSize, nxLogDevice* other)
 {
     bool created = false;
     WithoutThrowing(
@@ -86,6 +84,9 @@ bool nxFileLogDevice::_Open(const nxValueWrapper<unsigned long long>& maximumFil
             _parts->Publish(std::move(plan));
             created = _parts->file->Create(*_parts->plan.load());
         });
+    // The file first, so that it gets each batch first.
+    nxLogDevice* const devices[] = {this, other};
+    nxLogManager::GetInstance().RegisterLogDevices(devices);
     return created;
 }
 

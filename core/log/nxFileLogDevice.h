@@ -59,6 +59,9 @@ public:
     ///         device is at work nevertheless and goes on trying.
     bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize);
 
+    /// The same, and registers @p other in the same step, so that what was reported before reaches both; null for none.
+    bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize, nxLogDevice* other);
+
     /// Writes a record, and hands it to the operating system with all before it.
     void Write(const nxLog& record) override;
 
@@ -94,7 +97,6 @@ private:
     ~nxFileLogDevice() override;
 
     static void _EndProcess() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
-    bool _Open(const nxValueWrapper<unsigned long long>& maximumFileSize);
 
     nxLogLineStyle GetLineStyle() const override;
     void WriteLines(const nxLogLineBatch& batch) override;

@@ -20,15 +20,16 @@ void TellRefusedTexts()
         NX_LOG(NX_LOG_LEVEL_ERROR) << sentences[i];
 }
 
-void SetUpConsole(nxLogSettings::Console form)
+// @return the console's device, null when the environment wants none.
+nxLogDevice* SetUpConsole(nxLogSettings::Console form)
 {
     if (form == nxLogSettings::Console::Off)
-        return;
+        return nullptr;
     nxConsoleLogDevice& console = nxConsoleLogDevice::GetInstance();
     console.SetVerboseOutput(form == nxLogSettings::Console::Verbose);
     console.SetShortForm(form == nxLogSettings::Console::TimeAndText ? nxConsoleLogDevice::ShortForm::Time
                                                                      : nxConsoleLogDevice::ShortForm::Level);
-    nxLogManager::GetInstance().RegisterLogDevice(&console);
+    return &console;
 }
 }  // namespace
 
@@ -36,9 +37,8 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
 {
     const nxLogSettings settings = nxLogSettings::Read();
     nxLogManager::GetInstance().Apply(settings);
-    SetUpConsole(settings.console);
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
-    file.Create(maximumFileSize);
+    file.Create(maximumFileSize, SetUpConsole(settings.console));
     TellRefusedTexts();
     return !file.GetFileName().empty();
 }

@@ -105,15 +105,31 @@ TEST(hostileNeighbours, LogFilesAreNewAndNobodyElsesToRead)
     const fs::path log = place.GetPath() / "log";
     const fs::path target = place.GetPath() / "target";
     setenv("QRX_LOG_DIRECTORY", log.c_str(), 1);
-    // The neighbour has made the directories, and can plant what he likes in them.
     const std::string today = nxDateTime(nxTimeStamp().GetSeconds(), 0).GetAsString("%d%b%Y");
+    nxFileLogDevice& device = nxFileLogDevice::GetInstance();
+    // The neighbour has made the directories, and can plant what he likes in them.
     ASSERT_TRUE(AsNeighbour(
         [&]
         {
             fs::create_directories(log / today);
             nxWriteFile(target, Intact);
         }));
-    nxFileLogDevice& device = nxFileLogDevice::GetInstance();
+    EXPECT_FALSE(device.Create(nxValueWrapper<unsigned long long>()));
+    // Nor may it be a link of his.
+    fs::create_directory(place.GetPath() / "private");
+    ASSERT_TRUE(AsNeighbour(
+        [&]
+        {
+            fs::remove(log / today);
+            fs::create_directory_symlink(place.GetPath() / "private", log / today);
+        }));
+    EXPECT_FALSE(device.Create(nxValueWrapper<unsigned long long>()));
+    EXPECT_EQ(FilesBelow(place.GetPath()).size(), 1U) << "his own";
+    // One of ours that he may write to, because of its group.
+    ASSERT_TRUE(AsNeighbour([&] { fs::remove(log / today); }));
+    fs::create_directory(log / today);
+    ASSERT_EQ(chown((log / today).c_str(), geteuid(), NeighboursID), 0);
+    fs::permissions(log / today, fs::perms{0770});
     ASSERT_TRUE(device.Create(nxValueWrapper<unsigned long long>()));
     const std::string link = device.GenerateFileName();
     const std::string stem = link.substr(0, link.rfind('_') + 1);

@@ -3,14 +3,22 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
+#include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLog.h"
+#include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
+#include "core/log/nxLogSetUp.h"
+#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxRedirected.h"
+#include "tests/support/nxScratchDirectory.h"
 #include "tests/support/nxZoneOfProcess.h"
 
 namespace
@@ -160,4 +168,60 @@ TEST(nxConsoleLogDevice, EndsALineThatItBeganAndWaitsForASlowReader)
     }
     EXPECT_EQ(text, lines);
     EXPECT_EQ(device.GetLostLines(), 2U);
+}
+
+TEST(nxConsoleLogDevice, IsNotHeldUpByAConsoleThatTakesNothingAndHoldsUpNoFile)
+{
+    if (!nxInNewProcess())
+        return;
+    const OutputPipe output;
+    fcntl(STDOUT_FILENO, F_SETFL, 0);  // as programs are given one
+    const nxScratchDirectory directory;
+    setenv("QRX_LOG_DIRECTORY", directory.GetPath().c_str(), 1);
+    setenv("QRX_LOG_TO_CONSOLE", "TRUE", 1);
+    NX_LOG(NX_LOG_LEVEL_ERROR) << "early";
+    ASSERT_TRUE(nxLogSetUp());
+    nxLogManager& manager = nxLogManager::GetInstance();
+    manager.WaitForWriteThreadToWriteQueueToDisk(30.0);
+    EXPECT_NE(output.Take().find("] early ["), std::string::npos);
+    constexpr std::size_t lines = 3'000;
+    for (std::size_t i = 0; i < lines; ++i)
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "line " << i;
+    manager.WaitForWriteThreadToWriteQueueToDisk(30.0);
+    const std::string file = nxReadFile(nxFileLogDevice::GetInstance().GetFileName());
+    EXPECT_NE(file.find("] early ["), std::string::npos);
+    EXPECT_EQ(std::ranges::count(file, '\n'), static_cast<std::ptrdiff_t>(lines + 1));
+    const nxConsoleLogDevice& console = nxConsoleLogDevice::GetInstance();
+    const std::uint64_t lost = console.GetLostLines();
+    EXPECT_GT(lost, lines / 2);
+    std::string taken = output.Take();
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "read again";
+    manager.WaitForWriteThreadToWriteQueueToDisk(30.0);
+    taken += output.Take();
+    EXPECT_NE(taken.find("] read again ["), std::string::npos);
+    EXPECT_EQ(static_cast<std::uint64_t>(std::ranges::count(taken, '\n')) + lost, lines + 1);
+}
+
+TEST(nxConsoleLogDevice, LeavesAloneWhatIsNoStandardOutput)
+{
+    const nxScratchDirectory directory;
+    nxConsoleLogDevice device;
+    const int before = dup(STDOUT_FILENO);
+    std::fflush(nullptr);
+    int pair[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, pair), 0);
+    dup2(pair[0], STDOUT_FILENO);  // a connection that the program was given this number for
+    WriteBatch(device, "one\n");
+    close(STDOUT_FILENO);
+    WriteBatch(device, "two\n");
+    EXPECT_EQ(open((directory.GetPath() / "orders").c_str(), O_RDWR | O_CREAT, 0600), STDOUT_FILENO);
+    WriteBatch(device, "three\n");
+    dup2(before, STDOUT_FILENO);
+    for (const int descriptor : {before, pair[0]})
+        close(descriptor);
+    char byte;
+    EXPECT_EQ(read(pair[1], &byte, 1), 0);
+    close(pair[1]);
+    EXPECT_EQ(nxReadFile(directory.GetPath() / "orders"), "");
+    EXPECT_EQ(device.GetLostLines(), 3U);
 }

@@ -8,7 +8,10 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <thread>
 #include <vector>
 
 #include "core/log/nxLog.h"
@@ -18,6 +21,7 @@
 #include "tests/support/nxRedirected.h"
 #include "tests/support/nxSanitizer.h"
 #include "tests/support/nxScratchDirectory.h"
+#include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
 #include "tests/support/nxZoneOfProcess.h"
 
@@ -351,6 +355,135 @@ TEST_F(nxFileLogDeviceTest, MendsItselfWhenNobodyReportsAnything)
     EXPECT_EQ(GetErrors(), told + "Log file was removed. Filename: " + first + "\n");
 }
 
+TEST_F(nxFileLogDeviceTest, BeginsANewFileWhereOthersHaveTakenTheOldOneAway)
+{
+    const fs::path orders = GetRoot() / "orders", away = GetRoot() / "away";
+    struct Row
+    {
+        const char* told;
+        std::function<void(const std::string& file, int descriptor)> take;
+        bool isLost;
+    };
+    const Row rows[] = {
+        {"closed by other code of the process", [](const std::string&, int descriptor) { close(descriptor); }, true},
+        {"closed by other code of the process",
+         [&](const std::string&, int descriptor)
+         {
+             close(descriptor);
+             ASSERT_EQ(open(orders.c_str(), O_RDWR | O_CREAT, 0600), descriptor);
+             ASSERT_EQ(write(descriptor, "order", 5), 5);
+         },
+         true},
+        {"renamed or exchanged", [&](const std::string& file, int) { fs::rename(file, away); }, false},
+        {"renamed or exchanged",
+         [&](const std::string& file, int)
+         {
+             fs::rename(file, away);
+             nxWriteFile(file, "forged\r\n");
+         },
+         false}};
+    std::string told;
+    for (const Row& row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << &row - rows);
+        const int descriptor = dup(STDERR_FILENO);  // which the file gets, as the lowest one that is free
+        close(descriptor);
+        ASSERT_TRUE(Create());
+        const std::string file = Device().GetFileName();
+        WriteBatch("before\r\n", NX_LOG_LEVEL_WARNING);
+        WriteBatch("waits\r\n");
+        row.take(file, descriptor);
+        const std::string old = fs::exists(away) ? away.string() : file;
+        // A closed one is noticed at once, a renamed one within a second.
+        WriteBatch("during\r\n", NX_LOG_LEVEL_WARNING);
+        EXPECT_TRUE(nxEventually(
+            [&]
+            {
+                Device().Flush();
+                return Device().GetFileName() != file;
+            }));
+        WriteBatch("after\r\n", NX_LOG_LEVEL_WARNING);
+        const std::string all = nxReadFile(old) + nxReadFile(Device().GetFileName());
+        for (const char* const line : {"before\r\n", "waits\r\n", "during\r\n", "after\r\n"})
+            EXPECT_EQ(Count(all, line), 1U) << line;
+        EXPECT_EQ(Count(all, "[WRN]"), row.isLost ? 1U : 0U);
+        EXPECT_EQ(Count(all, "lines may be lost: " + file + " ["), row.isLost ? 1U : 0U);
+        told += std::string("Log file was ") + row.told + ". Filename: " + file + "\n";
+        EXPECT_EQ(GetErrors(), told);
+        Device().Destroy();
+        fs::remove(away);
+    }
+    EXPECT_EQ(nxReadFile(orders), "order");
+}
+
+TEST_F(nxFileLogDeviceTest, TakesOnWithTheOldFileWhereNoNewOneCanBeOpened)
+{
+    ASSERT_TRUE(Create(100));
+    const std::string first = Device().GetFileName();
+    // Where everybody may exchange files nobody's file is opened.
+    const fs::path day = fs::path(first).parent_path();
+    fs::permissions(day, fs::perms::all);
+    std::string expected;
+    for (std::size_t i = 0; i < 50; ++i)
+    {
+        const std::string line = LineOf(i, 38) + "\r\n";
+        WriteBatch(line, NX_LOG_LEVEL_WARNING);
+        expected += line;
+        ASSERT_EQ(nxReadFile(first), expected);
+    }
+    EXPECT_EQ(Device().GetFileName(), first);
+    EXPECT_EQ(Count(GetErrors(), "Failed to create directory " + day.string() + ", errno: 1\n"), 1U);
+    EXPECT_EQ(Count(GetErrors(), "\n"), 3U);
+    fs::permissions(day, fs::perms::owner_all);
+    EXPECT_TRUE(nxEventually(
+        [&]
+        {
+            Device().Flush();
+            return Device().GetFileName() != first;
+        }));
+    EXPECT_EQ(Count(nxReadFile(first), "Closing log file: "), 1U);
+}
+
+TEST_F(nxFileLogDeviceTest, WarnsWhereTheGroupMayExchangeFiles)
+{
+    fs::create_directory(GetDirectory());
+    fs::permissions(GetDirectory(), fs::perms::owner_all | fs::perms::group_all);
+    ASSERT_TRUE(Create());
+    Device().CloseAndReopenLogFile();
+    const std::string told = "] Others may remove or exchange log files. Directory: " + GetDirectory().string() + "/";
+    const Texts all = AllLines();
+    EXPECT_EQ(std::ranges::count_if(all, [&](const std::string& line) { return Count(line, told) == 1; }), 1);
+}
+
+TEST_F(nxFileLogDeviceTest, TriesOnceMoreAtTheEndOfTheProcessAndTellsWhatIsLost)
+{
+    for (const bool isMended : {true, false})
+    {
+        if (!isMended)
+            fs::remove_all(GetDirectory());
+        EXPECT_TRUE(nxInChild(
+            [&]
+            {
+                signal(SIGXFSZ, SIG_DFL);
+                if (!isMended)
+                    nxWriteFile(GetDirectory(), "in the way");
+                EXPECT_EQ(Create(), isMended);
+                rlimit limit{};
+                getrlimit(RLIMIT_FSIZE, &limit);
+                const rlimit small{100, limit.rlim_max};
+                setrlimit(RLIMIT_FSIZE, &small);
+                for (std::size_t i = 0; i < 5; ++i)
+                    WriteBatch(LineOf(i, 38) + "\r\n", NX_LOG_LEVEL_WARNING);
+                setrlimit(RLIMIT_FSIZE, &limit);
+                std::exit(testing::Test::HasFailure() ? 1 : 0);
+            }));
+        EXPECT_EQ(isMended ? AllLines().size() : 5, 5U);
+        const std::string told = "\nLines lost while the log file could not be written: 5\n";
+        EXPECT_EQ(GetErrors().ends_with(told), !isMended) << GetErrors();
+    }
+    fs::remove(GetDirectory());
+}
+
 TEST_F(nxFileLogDeviceTest, LosesWholeLinesOnlyOnAFullDiskCountsThemAndMendsItself)
 {
     fs::create_directory(GetDirectory());
@@ -427,8 +560,19 @@ TEST_F(nxFileLogDeviceTest, NeverBecomesAStandardStream)
             Device().Write(Record("line"));
             for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
                 EXPECT_LT(write(stream, "stray", 5), 0);
+            // Nor is what the program puts there an error stream, where there was seen to be none.
+            unsetenv("QRX_LOG_DIRECTORY");
+            fs::current_path(GetRoot());
+            for (int attempt = 0; attempt < 2; ++attempt)
+            {
+                Device().Destroy();
+                EXPECT_TRUE(Create());
+                for (int stream = -1; stream < STDERR_FILENO;)
+                    stream = open("data", O_RDWR | O_CREAT, 0600);
+            }
         }));
     EXPECT_EQ(AllLines().size(), 1U);
+    EXPECT_EQ(nxReadFile(GetRoot() / "data"), "");
 }
 
 TEST_F(nxFileLogDeviceTest, DoesWithASmallBufferWhenThereIsNoMemory)
@@ -471,6 +615,38 @@ TEST_F(nxFileLogDeviceTest, GivesAForkedChildAFileOfItsOwn)
         }));
     WriteBatch("parent 2\r\n", NX_LOG_LEVEL_WARNING);
     EXPECT_EQ(LinesOf(parents), (Texts{"parent 1", "parent waits", "parent 2"}));
+}
+
+TEST_F(nxFileLogDeviceTest, LetsTheProcessForkWhileADiskIsStuck)
+{
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << nxNoThreadsAfterFork;
+    ASSERT_TRUE(Create());
+    static nxStage stage;
+    {
+        const std::jthread stuck(
+            []
+            {
+                nxSystemCallFault::Options options;
+                options.meanwhile = []
+                {
+                    stage.Reach(1);
+                    stage.WaitFor(2);
+                };
+                const nxSystemCallFault fault("openat", EIO, options);
+                Device().CloseAndReopenLogFile();
+            });
+        stage.WaitFor(1);
+        EXPECT_TRUE(nxInChild(
+            []
+            {
+                WriteBatch("child\r\n", NX_LOG_LEVEL_WARNING);
+                EXPECT_EQ(LinesOf(Device().GetFileName()), Texts{"child"});
+            }));
+        stage.Reach(2);
+    }
+    WriteBatch("parent\r\n", NX_LOG_LEVEL_WARNING);
+    EXPECT_EQ(LinesOf(Device().GetFileName()), Texts{"parent"});
 }
 
 TEST_F(nxFileLogDeviceTest, ServesManyThreadsWhileFilesChange)

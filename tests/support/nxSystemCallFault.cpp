@@ -56,6 +56,7 @@ struct Fault
     std::atomic<bool> armed{false};
     std::atomic<int> error{0};
     std::atomic<bool> executed{false};
+    std::atomic<void (*)()> meanwhile{nullptr};
     std::atomic<unsigned> skip{0};
     std::atomic<unsigned> times{0};
     std::atomic<unsigned> hits{0};
@@ -98,8 +99,11 @@ Verdict Judge(Function function)
 {
     for (Fault* const fault : {&ofThisThread[function], &ofAnyThread[function]})
     {
-        if (Strikes(*fault))
-            return {fault->error.load(), fault->executed.load()};
+        if (!Strikes(*fault))
+            continue;
+        if (void (*const meanwhile)() = fault->meanwhile; meanwhile != nullptr)
+            meanwhile();
+        return {fault->error.load(), fault->executed.load()};
     }
     return {};
 }
@@ -213,6 +217,7 @@ nxSystemCallFault::nxSystemCallFault(const char* function, int error, const Opti
     Fault& fault = FaultOf(_function, _anyThread);
     fault.error = error;
     fault.executed = options.executed;
+    fault.meanwhile = options.meanwhile;
     fault.skip = options.skip;
     fault.times = options.times;
     fault.hits = 0;

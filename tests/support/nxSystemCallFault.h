@@ -25,6 +25,7 @@ public:
         unsigned times = 1;      ///< Calls that fail then.
         bool anyThread = false;  ///< Calls of any thread count, not only those of the thread that made the object.
         bool executed = false;   ///< The call is executed and reported as failed afterwards.
+        void (*meanwhile)() = nullptr;  ///< Called by the thread whose call fails, before it does.
     };
 
     nxSystemCallFault(const char* function, int error);
