@@ -24,7 +24,8 @@ struct nxLogLineStyle
     friend bool operator==(const nxLogLineStyle&, const nxLogLineStyle&) = default;
 };
 
-/// Finished lines on their way to one device. All of them ended, none with a control byte inside but tabs.
+/// Finished lines on their way to one device. All of them ended, none with a control character inside but
+/// tabs: see nxPrintableText.
 struct nxLogLineBatch
 {
     const char* text;  ///< The lines, one after the other; not terminated.

@@ -186,6 +186,10 @@ TEST(nxLog, CutsAMessageAfterAMebibyteAndSaysSo)
     // A character of several bytes stays whole or goes whole.
     EXPECT_EQ(text({full.substr(1), "\xC3\xA9"}), full.substr(1) + mark);
     EXPECT_EQ(text({full.substr(2), "\xC3\xA9"}), full.substr(2) + "\xC3\xA9");
+    // A number that comes last stays whole, and what is no text leaves nothing out.
+    nxLog number = MakeRecord();
+    number << full.substr(1) << 12345 << "" << nxLog::nxLogDestinationUserID(nxValueWrapper<unsigned int>(7));
+    EXPECT_EQ(number.GetText(), full.substr(1) + "12345");
 
     nxLog endless = MakeRecord();
     for (int count = 0; count < 100; ++count)
@@ -235,25 +239,37 @@ TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)
     EXPECT_EQ(line, "[INF][" + std::string(time) + "] " + message + " [core/tr\\x0Aunk:7]\r\n");
 }
 
-TEST(nxLogLine, EscapesEveryByteOfEveryLength)
+TEST(nxLogLine, EscapesWhatMustNotBeShownInTextsOfEveryLength)
 {
-    // Every byte at every place of texts that are looked at eight bytes at a time.
-    for (std::size_t size = 1; size <= 18; ++size)
-        for (std::size_t place = 0; place < size; ++place)
-            for (unsigned byte = 0; byte < 256; ++byte)
+    // U+0085, U+009B, U+2028, U+202E, U+2066; then an umlaut in two encodings, and characters with bytes that alone are
+    // controls.
+    std::vector<std::string> pieces{"\xC2\x85", "\xC2\x9B", "\xE2\x80\xA8", "\xE2\x80\xAE", "\xE2\x81\xA6"};
+    const std::size_t hiddenCharacters = pieces.size();
+    pieces.insert(pieces.end(), {"\xC3\xBC", "\xFC", "\xE6\x97\xA5", "\xF0\x9F\x98\x80"});
+    const std::size_t characters = pieces.size();
+    for (unsigned byte = 0; byte < 256; ++byte)
+        pieces.push_back(std::string(1, static_cast<char>(byte)));
+    // At every place of texts that are looked at eight bytes at a time.
+    for (std::size_t size = 0; size <= 17; ++size)
+        for (std::size_t place = 0; place <= size; ++place)
+            for (std::size_t i = 0; i < pieces.size(); ++i)
             {
-                std::string text(size, 'a');
-                text[place] = static_cast<char>(byte);
-                std::string expected = text;
-                if ((byte < 0x20 && byte != '\t') || byte == 0x7F)
+                const std::size_t byte = i - characters;
+                const bool isHidden =
+                    i < hiddenCharacters ||
+                    (i >= characters && ((byte < 0x20 && byte != '\t') || (byte >= 0x7F && byte <= 0x9F)));
+                std::string shown;
+                for (const char c : pieces[i])
                 {
                     char escaped[5];
-                    std::snprintf(escaped, sizeof escaped, "\\x%02X", byte);
-                    expected.replace(place, 1, escaped);
+                    std::snprintf(escaped, sizeof escaped, "\\x%02X", static_cast<unsigned char>(c));
+                    shown += isHidden ? std::string(escaped) : std::string(1, c);
                 }
-                std::string line;
+                std::string text(size, 'a'), expected = "[INF] " + text + "\n", line;
+                text.insert(place, pieces[i]);
+                expected.insert(6 + place, shown);
                 nxLogLine::Append(line, MakeRecord() << text, {nxLogLineStyle::LevelAndText, false});
-                ASSERT_EQ(line, "[INF] " + expected + "\n") << byte;
+                ASSERT_EQ(line, expected);
             }
 }
 

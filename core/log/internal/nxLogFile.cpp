@@ -315,9 +315,13 @@ void nxLogFile::End()
     if (!_isCreated)
         return;
     _mayOpen = true;
-    _Look();
-    _file.Flush(true);
-    _MendIfClosed();
+    // Nothing is made anew for nothing: the directory may have been removed on purpose.
+    if (_file.GetWaitingLines() != 0)
+    {
+        _Look();
+        _file.Flush(true);
+        _MendIfClosed();
+    }
     _TellFailures();
     const std::uint64_t lost = _file.GetLostLines() + _file.GetWaitingLines() - _toldLostLines;
     if (lost != 0)

@@ -7,6 +7,7 @@
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/log/internal/nxLogValueReader.h"
 #include "core/text/nxDigits.h"
+#include "core/text/nxPrintableText.h"
 #include "core/text/nxStringHelper.h"
 
 namespace
@@ -20,8 +21,6 @@ constexpr std::size_t longestLevel = 16;
 constexpr std::string_view cutMark = "... [cut]";
 constexpr char hexDigits[] = "0123456789ABCDEF";
 
-bool IsControl(unsigned char byte) { return (byte < 0x20 && byte != '\t') || byte == 0x7F; }
-
 std::uint64_t LoadWord(const char* text)
 {
     std::uint64_t word;
@@ -29,12 +28,28 @@ std::uint64_t LoadWord(const char* text)
     return word;
 }
 
-bool MayHoldControl(std::uint64_t word)
+// Characters beyond ASCII need a closer look: some of them are control characters, and their bytes may be out of place.
+bool NeedsCare(std::uint64_t word)
 {
-    return (nxLogPlainMessage::FindControl(word) & nxLogPlainMessage::ControlBits) != 0;
+    return ((nxLogPlainMessage::FindControl(word) | word) & nxLogPlainMessage::ControlBits) != 0;
 }
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+// Whether leaving the value out would leave anything out.
+bool HasText(const nxLogValueReader& value)
+{
+    switch (value.GetTag())
+    {
+        case nxLogTag::Text:
+            return !value.GetText().empty();
+        case nxLogTag::SourceApplication:
+        case nxLogTag::DestinationUser:
+            return false;
+        default:
+            return true;
+    }
+}
 
 // The largest size up to `limit` that tears no UTF-8 character of `text`, which is longer than `limit`.
 std::size_t CutPosition(std::string_view text, std::size_t limit)
@@ -70,6 +85,23 @@ void nxLogLineBuffer::ShrinkTo(std::size_t bytes) noexcept
     _Grow(bytes);
 }
 
+// Puts the character or byte at the start of the text, which is not empty. @return its bytes.
+std::size_t nxLogLineBuffer::_PutCharacter(std::string_view text) noexcept
+{
+    const std::size_t hidden = text[0] == '\t' ? 0 : nxPrintableText::GetHiddenSize(text);
+    for (const char c : text.substr(0, hidden))
+    {
+        const auto byte = static_cast<unsigned char>(c);
+        const char escaped[] = {'\\', 'x', hexDigits[byte >> 4], hexDigits[byte & 15]};
+        _Put({escaped, sizeof escaped});
+    }
+    if (hidden != 0)
+        return hidden;
+    const std::size_t size = std::max<std::size_t>(1, nxPrintableText::GetCharacterSize(text));
+    _Put(text.substr(0, size));
+    return size;
+}
+
 bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
 {
     if (!_Ensure(text.size() + longestValue))
@@ -78,11 +110,11 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
     const char* const end = at + text.size();
     while (at != end)
     {
-        // Eight bytes at a time while none needs care; a piece of a careful eight becomes at most 32.
+        // Eight bytes at a time while none needs care; a piece of a careful eight becomes at most 44.
         for (; end - at >= 8; at += 8)
         {
             const std::uint64_t word = LoadWord(at);
-            if (MayHoldControl(word)) [[unlikely]]
+            if (NeedsCare(word)) [[unlikely]]
                 break;
             std::memcpy(_cursor, &word, sizeof word);
             _cursor += sizeof word;
@@ -91,7 +123,7 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
         {
             const auto rest = static_cast<std::size_t>(end - at);
             const std::uint64_t word = nxLogPlainMessage::LoadShort(at, rest);
-            if (!MayHoldControl(word)) [[likely]]
+            if (!NeedsCare(word)) [[likely]]
             {
                 std::memcpy(_cursor, &word, sizeof word);
                 _cursor += rest;
@@ -99,17 +131,8 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
             }
         }
         const char* const pieceEnd = end - at < 8 ? end : at + 8;
-        for (; at != pieceEnd; ++at)
-        {
-            const auto byte = static_cast<unsigned char>(*at);
-            if (!IsControl(byte)) [[likely]]
-            {
-                *_cursor++ = *at;
-                continue;
-            }
-            const char escaped[] = {'\\', 'x', hexDigits[byte >> 4], hexDigits[byte & 15]};
-            _Put({escaped, sizeof escaped});
-        }
+        while (at < pieceEnd)
+            at += _PutCharacter({at, static_cast<std::size_t>(end - at)});
         if (!_Ensure(static_cast<std::size_t>(end - at) + longestValue))
             return false;
     }
@@ -159,6 +182,13 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
     // Every round finds room for one value that is not a text, and leaves as much.
     for (nxLogValueReader value(values, end); value.Next();)
     {
+        if (written > maximumMessage) [[unlikely]]
+        {
+            if (!HasText(value))
+                continue;
+            _Put(cutMark);
+            return true;
+        }
         const std::size_t before = GetSize();
         switch (value.GetTag())
         {
@@ -200,11 +230,6 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
         written += GetSize() - before;
         if (!_Ensure(longestValue))
             return false;
-        if (written > maximumMessage) [[unlikely]]
-        {
-            _Put(cutMark);
-            return true;
-        }
     }
     return true;
 }

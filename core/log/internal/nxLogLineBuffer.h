@@ -69,7 +69,7 @@ public:
         return _AppendLineSlowly(record, time);
     }
 
-    /// Appends the message of a record alone. @param escape whether control bytes but tabs become \xNN.
+    /// Appends the message of a record alone. @param escape whether what nxPrintableText hides, but tabs, becomes \xNN.
     bool AppendMessage(const char* values, const char* end, bool escape) noexcept;
 
     /// Appends how a full line ends: " [file:line]".
@@ -97,6 +97,7 @@ private:
 
     bool _AppendText(std::string_view text, bool escape) noexcept;
     bool _AppendEscaped(std::string_view text) noexcept;
+    std::size_t _PutCharacter(std::string_view text) noexcept;
     bool _AppendCarefully(const char* values, const char* end, bool escape) noexcept;
     bool _AppendDouble(double value) noexcept;
     bool _AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept;

@@ -1,6 +1,7 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
 #define CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -11,8 +12,10 @@
 #include "core/enum/nxEnumTable.h"
 #include "core/log/nxLogStream.h"
 #include "core/text/nxDigits.h"
+#include "core/text/nxPrintableText.h"
 
-/// The text of nearly every message: of short records without control bytes. One pass that holds its place in a register
+/// The text of nearly every message: of short records that hold nothing to be
+/// escaped. One pass that holds its place in a register
 /// and checks neither room nor length; whatever needs more care is refused and left to nxLogLineBuffer.
 ///
 /// Threads: no state.
@@ -174,12 +177,35 @@ private:
         return (word - 0x2020202020202020) | (word + 0x0101010101010101);
     }
 
+    // Whether anything in the text must not be shown, or may be a tab.
     [[gnu::noinline]] static bool _HoldsControl(const char* text, const char* end)
     {
-        std::uint64_t found = 0;
-        for (; end - text >= 8; text += 8)
-            found |= FindControl(_Load<std::uint64_t>(text));
-        return ((found | FindControl(LoadShort(text, static_cast<std::size_t>(end - text)))) & ControlBits) != 0;
+        std::uint64_t controls = 0, characters = 0;
+        const auto look = [&](std::uint64_t word)
+        {
+            controls |= FindControl(word);
+            characters |= word;
+        };
+        const char* at = text;
+        for (; end - at >= 8; at += 8)
+            look(_Load<std::uint64_t>(at));
+        look(LoadShort(at, static_cast<std::size_t>(end - at)));
+        return (controls & ControlBits) != 0 || ((characters & ControlBits) != 0 && _HoldsHidden({text, end}));
+    }
+
+    // The same among characters beyond ASCII.
+    static bool _HoldsHidden(std::string_view text)
+    {
+        for (std::size_t size = 1; !text.empty(); text.remove_prefix(size))
+        {
+            size = 1;
+            if (static_cast<unsigned char>(text[0]) < 0x80)
+                continue;
+            if (nxPrintableText::GetHiddenSize(text) != 0)
+                return true;
+            size = std::max(size, nxPrintableText::GetCharacterSize(text));
+        }
+        return false;
     }
 
     static std::uint64_t _CopyWord(char* out, std::uint64_t word)
