@@ -241,8 +241,8 @@ const struct
 };
 
 // Every function that reaches the system for files, memory, locks and threads.
-constexpr const char* functions[] = {"open",      "openat",          "read",  "write",         "fstat", "mkdir", "mmap",
-                                     "ftruncate", "posix_fallocate", "fcntl", "pthread_create"};
+constexpr const char* functions[] = {"open",    "openat", "read",      "write",           "fstat", "mkdir",
+                                     "mkdirat", "mmap",   "ftruncate", "posix_fallocate", "fcntl", "pthread_create"};
 constexpr int errors[] = {ENOSPC, EIO, EFBIG, EMFILE, EACCES, EROFS, EINTR};
 
 struct Outcome
