@@ -19,6 +19,7 @@
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxRedirected.h"
 #include "tests/support/nxScratchDirectory.h"
+#include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxZoneOfProcess.h"
 
 namespace
@@ -199,7 +200,38 @@ TEST(nxConsoleLogDevice, IsNotHeldUpByAConsoleThatTakesNothingAndHoldsUpNoFile)
     manager.WaitForWriteThreadToWriteQueueToDisk(30.0);
     taken += output.Take();
     EXPECT_NE(taken.find("] read again ["), std::string::npos);
+    nxFileLogDevice::GetInstance().Destroy();
     EXPECT_EQ(static_cast<std::uint64_t>(std::ranges::count(taken, '\n')) + lost, lines + 1);
+}
+
+TEST(nxConsoleLogDevice, LosesWholeLinesOfAPipeThatNobodyReads)
+{
+    // Where the pipe cannot be opened once more in a mode of its own, it is asked before each piece.
+    for (const unsigned refusals : {0U, 9U})
+    {
+        SCOPED_TRACE(refusals);
+        nxConsoleLogDevice device;
+        const nxSystemCallFault fault("open", EACCES, {.times = refusals});
+        std::string taken;
+        {
+            const OutputPipe output;
+            fcntl(STDOUT_FILENO, F_SETFL, 0);
+            std::string lines;
+            for (int i = 0; i < 1'000; ++i)
+                lines += "a line of the log\n";
+            WriteBatch(device, lines);
+            for (const char* const more : {"next\n", "last\n"})
+            {
+                taken += output.Take();
+                WriteBatch(device, more);
+            }
+            taken += output.Take();
+        }
+        EXPECT_GT(device.GetLostLines(), 500U);
+        EXPECT_EQ(static_cast<std::uint64_t>(std::ranges::count(taken, '\n')) + device.GetLostLines(), 1'002U);
+        EXPECT_TRUE(taken.ends_with("\nlast\n"));
+        EXPECT_EQ(fault.GetHits() != 0, refusals != 0);
+    }
 }
 
 TEST(nxConsoleLogDevice, LeavesAloneWhatIsNoStandardOutput)
