@@ -119,13 +119,9 @@ std::string_view nxLineFile::_Hand(std::string_view lines)
 {
     std::size_t written = 0;
     _error = _file.Write(lines.data(), lines.size(), written);
-    if (_error == 0)
-    {
-        _size += written;
-        return {};
-    }
-    _nextTry = nxClock::MonotonicNanoseconds() + nanosecondsBetweenTries;
-    const std::size_t whole = SizeOfWholeLines(lines.substr(0, written));
+    if (_error != 0)
+        _nextTry = nxClock::MonotonicNanoseconds() + nanosecondsBetweenTries;
+    const std::size_t whole = _error != 0 ? SizeOfWholeLines(lines.substr(0, written)) : written;
     if (_error == EBADF)
     {
         // It goes on in another file.
