@@ -495,6 +495,7 @@ TEST_F(nxFileLogDeviceTest, LosesWholeLinesOnlyOnAFullDiskCountsThemAndMendsItse
     const std::string file = Device().GetFileName();
     NX_LOG(NX_LOG_LEVEL_INFO) << "first";  // so that the log's thread is there
     WaitUntilWritten();
+    fs::resize_file(file, 0);  // as a tool does that has copied it
     // More than the disk and the buffer hold.
     constexpr std::size_t lines = 20'000;
     for (std::size_t i = 0; i < lines; ++i)
@@ -511,12 +512,12 @@ TEST_F(nxFileLogDeviceTest, LosesWholeLinesOnlyOnAFullDiskCountsThemAndMendsItse
     const Texts all = LinesOf(file);
     const std::uint64_t lost = Device().GetLostLines() - lostBefore;
     EXPECT_GT(all.size(), full + 10);
-    EXPECT_EQ(all.size() - 2 + lost, lines);
+    EXPECT_EQ(all.size() - 1 + lost, lines);
     EXPECT_EQ(all.back().substr(0, 5), "[WRN]");
     const std::string told = "] Lines lost while the log file could not be written: " + std::to_string(lost) + " [";
     EXPECT_EQ(Count(all.back(), told), 1U);
-    for (std::size_t i = 1; i + 1 < all.size(); ++i)
-        ASSERT_EQ(all[i], LineOf(i - 1, 93));
+    for (std::size_t i = 0; i + 1 < all.size(); ++i)
+        ASSERT_EQ(all[i], LineOf(i, 93));
     EXPECT_EQ(Count(GetErrors(), "\n"), 1U);
 }
 
