@@ -75,7 +75,7 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
     WithoutThrowing(
         [&]
         {
-            // Before the lock is taken: who forks holds the lock of the environment first and that of the device then.
+            // Read before the device's lock is taken, so that it is held for no longer than it must be.
             auto plan = std::make_unique<const nxLogFile::Plan>(nxLogFile::Plan::Read(
                 maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0));
             const nxMutexGuard guard(_mutex);

@@ -27,8 +27,7 @@ public:
         std::string application;
         std::uint64_t limit = 0;  ///< Bytes; 0 for none.
 
-        /// What the environment and nxApplicationData say. Takes their locks, so none may be held that a fork takes
-        /// after them.
+        /// What the environment and nxApplicationData say, both of which have locks.
         static Plan Read(std::uint64_t limit = 0);
     };
     static constexpr nxLogLineStyle Style{nxLogLineStyle::Full, true};
