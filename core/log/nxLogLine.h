@@ -14,7 +14,7 @@ class NX_CORE_API nxLogLine
 public:
     nxLogLine() = delete;
 
-    /// Appends @p record as one ended line. Control bytes of its texts but tabs become `\xNN`; a message of more than a
+    /// Appends @p record as one ended line. What nxPrintableText hides, but tabs, becomes `\xNN`; a message of more than a
     /// mebibyte is cut and says so. Whether a full line carries the thread's index is the manager's setting.
     static void Append(std::string& lines, const nxLog& record, const nxLogLineStyle& style);
 };

@@ -12,7 +12,7 @@ struct nxLogSource
 {
     const char* file;        ///< The library's own copy, terminated.
     unsigned line;           ///< The line in the file.
-    const char* suffix;      ///< How full lines end: " [core/trunk/nxMutex:107]", control bytes replaced.
+    const char* suffix;      ///< How full lines end: " [core/trunk/nxMutex:107]", escaped as in a message.
     std::size_t suffixSize;  ///< The bytes of the suffix. SuffixRoom of them may be read in any case.
 
     static constexpr std::size_t SuffixRoom = 64;  ///< Copying so many costs less than copying the right number.

@@ -411,6 +411,7 @@ TEST_F(nxFileLogDeviceTest, BeginsANewFileWhereOthersHaveTakenTheOldOneAway)
         told += std::string("Log file was ") + row.told + ". Filename: " + file + "\n";
         EXPECT_EQ(GetErrors(), told);
         Device().Destroy();
+        EXPECT_EQ(close(descriptor), &row - rows == 1 ? 0 : -1) << "what is not ours stays open";
         fs::remove(away);
     }
     EXPECT_EQ(nxReadFile(orders), "order");

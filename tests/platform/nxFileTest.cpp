@@ -113,34 +113,6 @@ TEST_F(nxFileTest, ReadsRegularFilesThatFit)
     EXPECT_EQ(size, 99U);
 }
 
-TEST_F(nxFileTest, LeavesAloneWhatOthersHavePutInItsPlace)
-{
-    nxDirectory directory;
-    ASSERT_EQ(directory.Open(Path("")), 0);
-    std::uint64_t size = 0;
-    std::size_t written = 9;
-    for (const bool reused : {false, true})
-    {
-        const int number = dup(STDERR_FILENO);  // which the file gets, as the lowest one that is free
-        close(number);
-        nxFile file;
-        ASSERT_EQ(file.CreateNew(directory, Path(reused ? "a" : "b")), 0);
-        ASSERT_EQ(close(number), 0);
-        if (reused)
-        {
-            ASSERT_EQ(open(Path("orders").c_str(), O_RDWR | O_CREAT, 0600), number);
-            ASSERT_EQ(write(number, "order", 5), 5);
-        }
-        EXPECT_EQ(file.Write("log", 3, written), EBADF);
-        EXPECT_EQ(written, 0U);
-        EXPECT_EQ(file.CutBack(1), EBADF);
-        EXPECT_EQ(file.Look(size), nxFile::Fate::Closed);
-        file.Close();
-        EXPECT_EQ(fcntl(number, F_GETFD) != -1, reused);
-    }
-    EXPECT_EQ(nxReadFile(Path("orders")), "order");
-}
-
 TEST_F(nxFileTest, OpensDirectoriesStepByStepWhereOthersMayHaveBeen)
 {
     nxDirectory directory;
