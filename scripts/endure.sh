@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Proves that the library never crashes, hangs, lies or loses, for as many minutes as it is told.
 #
-#     scripts/endure.sh [--minutes N] [--only ROW]...
+#     scripts/endure.sh [--minutes N] [--only ROW]...      N from 1
 #
 # The rows stand in scripts/endure/*.sh; the short form of each is a part of scripts/test.sh. What the fuzz targets find
 # interesting is kept in build/endure/corpus, so that the next run goes on from there. One table of figures closes it;
@@ -12,14 +12,20 @@ cd "$(dirname "$0")/.."
 
 minutes=10
 only=()
+usage() { sed -n '2,8s/^# \{0,1\}//p' "$0"; exit 2; }
 while [ $# -gt 0 ]; do
+    [ $# -ge 2 ] || usage
     case $1 in
     --minutes) minutes=$2; shift 2 ;;
     --only) only+=("$2"); shift 2 ;;
-    *) sed -n '2,8s/^# \{0,1\}//p' "$0"; exit 2 ;;
+    *) usage ;;
     esac
 done
+# No time at all would be no limit to those who are told so.
+[[ $minutes =~ ^[1-9][0-9]{0,5}$ ]] || usage
 
+# The rows take as long as they are told, and end their tests themselves.
+export NX_TEST_SECONDS=0
 mkdir -p build/endure
 rows=()     # name:share of the time
 results=()

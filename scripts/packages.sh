@@ -22,11 +22,14 @@ need()
 # What every build needs, and what the tests need beside it.
 need_build_tools() { need g++ g++ cmake cmake ninja ninja-build; }
 need_test_tools() { need_build_tools && need /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
-# The second compiler, with its sanitizers, coverage and formatter.
+# The major version of the second compiler, which its tools' names end in.
+clang_version() { clang++ -dumpversion | cut -d. -f1; }
+# The second compiler, with its sanitizers, coverage and formatter, in the version that the machine has.
 need_clang_tools()
 {
-    need clang++-14 clang-14 clang++ clang /usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-x86_64.a libclang-rt-14-dev \
-        llvm-cov-14 llvm-14 clang-format clang-format
+    need clang++ clang clang-format clang-format || return 1
+    need "$(clang++ -print-resource-dir)/lib/linux/libclang_rt.fuzzer-$(uname -m).a" "libclang-rt-$(clang_version)-dev" \
+        "llvm-cov-$(clang_version)" "llvm-$(clang_version)"
 }
 # The benchmarks' library and peers.
 need_benchmark_tools()

@@ -44,7 +44,17 @@ tests()
     return $result
 }
 
-format() { git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror; }
+# Versions of the formatter differ in what they make of the same settings; one of them counts.
+format()
+{
+    local version
+    version=$(clang-format --version | sed 's/.*version \([0-9]*\).*/\1/')
+    if [ "$version" != 14 ]; then
+        note="not looked at: clang-format 14 counts, this is $version"
+        return 0
+    fi
+    git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
+}
 
 # One fuzz target over its kept corpus and a bounded number of new inputs.
 fuzz_one()
@@ -67,8 +77,8 @@ fuzz()
 
 coverage()
 {
-    llvm-profdata-14 merge -sparse build/clang-sanitize/coverage/*.profraw -o build/clang-sanitize/coverage.profdata &&
-        llvm-cov-14 report build/clang-sanitize/core/libnxcore.so -instr-profile=build/clang-sanitize/coverage.profdata \
+    "llvm-profdata-$(clang_version)" merge -sparse build/clang-sanitize/coverage/*.profraw -o build/clang-sanitize/coverage.profdata &&
+        "llvm-cov-$(clang_version)" report build/clang-sanitize/core/libnxcore.so -instr-profile=build/clang-sanitize/coverage.profdata \
             -ignore-filename-regex='/usr/|generated' >build/clang-sanitize/coverage.txt || return 1
     awk '$1 == "TOTAL" {print "lines of core/ reached: " $10}' build/clang-sanitize/coverage.txt
     note=$(awk '$1 == "TOTAL" {print $10 " of lines"}' build/clang-sanitize/coverage.txt)

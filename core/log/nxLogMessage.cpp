@@ -40,7 +40,7 @@ void nxLogMessage::_Start(const char* file) noexcept
     _values = _cursor = _own + 1;
     _end = _own + sizeof _own - 1;
     _isCut = false;
-    const std::size_t size = file == nullptr ? 0 : std::strlen(file);
+    const std::size_t size = file == nullptr ? 0 : std::min(std::strlen(file), MaximumFileSize);
     char* const room = size == 0 ? nullptr : Take(size);
     if (room == nullptr)
         return;
@@ -60,6 +60,9 @@ void nxLogMessage::_AppendValues(const nxLogMessage& other) noexcept
         return _Cut();
     std::memcpy(_cursor, other._values, size);
     _cursor += size;
+    _isCut = other._isCut;
+    if (_isCut)
+        _end = _cursor;
 }
 
 void nxLogMessage::ClearMessage() noexcept
@@ -91,7 +94,8 @@ bool nxLogMessage::_Grow(std::size_t bytes) noexcept
     if (_isCut)
         return false;
     const auto size = static_cast<std::size_t>(_cursor - _file);
-    if (size + bytes <= MaximumSize && _Enlarge(std::min(std::max(2 * size, size + bytes), MaximumSize)))
+    const std::size_t most = static_cast<std::size_t>(_values - _file) + MaximumSize;
+    if (size + bytes <= most && _Enlarge(std::min(std::max(2 * size, size + bytes), most)))
         return true;
     _Cut();
     return false;

@@ -12,7 +12,7 @@
 class NX_CORE_API nxLogMessage
 {
 public:
-    /// @param file is copied; null is as empty.
+    /// @param file is copied, at most MaximumFileSize bytes of it; null is as empty.
     explicit nxLogMessage(const char* file) noexcept;
     /// Lends bytes that live longer than the object and are not changed: values alone, the file stands elsewhere.
     nxLogMessage(const char* file, const char* begin, const char* end) noexcept;
@@ -36,8 +36,9 @@ public:
     /// Keeps the file, and of the values destination user and source application. Lent bytes are let go altogether.
     void ClearMessage() noexcept;
 
-    /// The most bytes that the values of one record may take: more than a message that is cut can use.
+    /// The most bytes that the values of one record may take, beside the file's name: more than a message that is cut can use.
     static constexpr std::size_t MaximumSize = (std::size_t{1} << 21) + 4096;
+    static constexpr std::size_t MaximumFileSize = 16'384;  ///< Of the file's name.
 
 private:
     void _Start(const char* file) noexcept;

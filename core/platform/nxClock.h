@@ -75,10 +75,12 @@ struct nxClockReading;
 ///
 /// Where the processor's counter runs at a constant speed, on all processors alike, and the operating system itself
 /// keeps time by it, the wall clock is read from that counter and compared with the system's clock every millisecond:
-/// a step of the system's clock shows within that time. Elsewhere every call asks the system.
+/// a step of the system's clock shows within that time. Elsewhere every call asks the system, and from the moment on at
+/// which the system turns out to have given up the counter, which Recalibrate() looks for once a minute.
 ///
 /// - Units: wall-clock time as nxClockTime, intervals in nanoseconds, raw readings in ticks of no fixed length.
-/// - Errors: none; the clocks cannot fail.
+/// - Errors: none; the clocks cannot fail. Where reading them takes long, because somebody intercepts it, times are as
+///   inexact as that. A process that forbids its threads the counter (PR_SET_TSC) does so before the first reading.
 /// - Threads: every call may come from any thread, also from static constructors and destructors and after a fork.
 /// @code
 /// const std::uint64_t ticks = nxClock::Ticks();                // on the hot path: one raw reading
@@ -135,7 +137,8 @@ private:
     {
         Undecided,
         Counter,
-        System
+        System,
+        LeftCounter  // the system's clock, in the ticks of the counter that was used before
     };
 
     // What is published for everybody, under a sequence number that is odd while it is being written.
@@ -163,6 +166,7 @@ private:
 #endif
     }
     static Source _Decide();
+    static void _LookAtSource();
     static nxClockTime _NowFromSystem();
     static std::uint64_t _TicksFromSystem();
     static nxClockTime _Update(const nxClockReading& reading);

@@ -1,6 +1,7 @@
 #ifndef CORE_PLATFORM_NXCLOCKDISCIPLINE_H
 #define CORE_PLATFORM_NXCLOCKDISCIPLINE_H
 
+#include <algorithm>
 #include <cstdint>
 
 #include "core/platform/nxClock.h"
@@ -11,6 +12,7 @@ struct nxClockReading
     std::uint64_t ticks;
     std::int64_t wall;
     std::int64_t monotonic;
+    std::int64_t doubt = 0;  ///< By how much they may be apart, in nanoseconds, where that is out of the ordinary.
 };
 
 /// Keeps a counter in step with the wall clock: from readings of both it derives the lines that turn counter values
@@ -52,6 +54,7 @@ public:
 private:
     static constexpr std::int64_t shortestStretch = 100'000;
     static constexpr std::int64_t longestStretch = 1'000'000'000;
+    static constexpr std::int64_t doubtsInAStretch = 100;
     static constexpr std::int64_t smallestStep = 100'000;
     static constexpr std::int64_t readingTolerance = 10'000;
     static constexpr int rateTolerance = 8;  // ticks that differ from their length by more than 1/2^8 are a break
@@ -65,7 +68,9 @@ private:
         const std::int64_t stretch = reading.monotonic - _start.monotonic;
         if (!_started || ticks < 0 || (_followed && _Breaks(reading)))
             return _StartAfresh(reading);
-        if (stretch < _nextStretch || ticks == 0)
+        const std::int64_t doubt = reading.doubt + _start.doubt;
+        const std::int64_t needed = std::max(_nextStretch, std::min(doubtsInAStretch * doubt, longestStretch));
+        if (stretch < needed || ticks == 0)
             return _rate != 0;
         const auto rate = static_cast<std::uint64_t>((static_cast<Wide>(stretch) << 32) / static_cast<Wide>(ticks));
         if (rate == 0)
@@ -84,7 +89,7 @@ private:
     {
         const std::int64_t passed = reading.monotonic - _last.monotonic;
         const std::int64_t expected = nxClockScale(_last.ticks, 0, _rate).ToNanoseconds(reading.ticks);
-        const std::int64_t tolerance = readingTolerance + (passed >> rateTolerance);
+        const std::int64_t tolerance = readingTolerance + (passed >> rateTolerance) + reading.doubt + _last.doubt;
         return passed < 0 || expected < passed - tolerance || expected > passed + tolerance;
     }
 

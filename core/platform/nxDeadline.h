@@ -15,9 +15,9 @@ public:
     /// Splits a count of microseconds.
     static timespec SplitMicroseconds(unsigned long long microseconds);
 
-    /// @return the wall clock, in whole milliseconds, plus @p relative. A sum of exactly 1,000,000,000 nanoseconds is
-    ///         left as it stands, and the system refuses such a deadline: callers of the timed waits are used to that
-    ///         answer in one of a thousand milliseconds.
+    /// @return the wall clock, cut to whole milliseconds, plus @p relative: up to a millisecond early. A sum of exactly
+    ///         1,000,000,000 nanoseconds is left as it stands, and the system refuses such a deadline: for a wait of
+    ///         whole milliseconds but not of whole seconds this is so during one millisecond of every second.
     static timespec After(const timespec& relative);
 };
 

@@ -1,9 +1,24 @@
 #include "core/platform/nxEnvironment.h"
 
+#include <sched.h>
 #include <sys/auxv.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
+
+namespace
+{
+// Held by whoever changes the environment or copies from it.
+constinit std::atomic<bool> isTaken{false};
+
+bool Take() { return !isTaken.exchange(true, std::memory_order_acquire); }
+
+void GiveBack() { isTaken.store(false, std::memory_order_release); }
+}  // namespace
 
 std::string nxEnvironment::Get(const std::string& name)
 try
@@ -18,7 +33,30 @@ catch (const std::exception&)
 
 bool nxEnvironment::Set(const std::string& name, const std::string& value)
 {
-    return ::setenv(name.c_str(), value.c_str(), 1) == 0;
+    // Those who copy are through in no time.
+    while (!Take())
+        sched_yield();
+    const bool isSet = ::setenv(name.c_str(), value.c_str(), 1) == 0;
+    GiveBack();
+    return isSet;
 }
+
+int nxEnvironment::Copy(const char* name, std::span<char> value) noexcept
+{
+    if (!Take())
+        return EBUSY;
+    int result = ENOENT;
+    if (const char* const found = std::getenv(name))
+    {
+        const std::size_t size = std::strlen(found) + 1;
+        result = size <= value.size() ? 0 : EFBIG;
+        if (result == 0)
+            std::copy_n(found, size, value.data());
+    }
+    GiveBack();
+    return result;
+}
+
+void nxEnvironment::AfterForkInChild() noexcept { GiveBack(); }
 
 bool nxEnvironment::IsSecureExecution() { return ::getauxval(AT_SECURE) != 0; }

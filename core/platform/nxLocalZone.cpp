@@ -7,13 +7,13 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <functional>
 #include <new>
 #include <span>
 #include <string_view>
 #include <utility>
 
+#include "core/platform/nxEnvironment.h"
 #include "core/platform/nxTimeZone.h"
 
 namespace
@@ -56,6 +56,40 @@ struct KeptTable
 constinit std::atomic<KeptTable*> keptTables{nullptr};
 constinit std::atomic<std::size_t> lastAttempt{0};  // what the last table was, or failed to be, built for
 constinit std::atomic<bool> isForkedChild{false};
+
+constinit std::atomic<unsigned> asksWithoutTable{0};
+
+// Only one thread at a time looks for a table, so that the table in use, its mark and its attempt belong together: nobody
+// stores what he found out before somebody else did. The others ask the C library meanwhile.
+class Turn
+{
+public:
+    Turn() : _isOurs(!_taken.exchange(true, std::memory_order_acquire)) {}
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+    ~Turn()
+    {
+        if (_isOurs)
+            EndInChild();
+    }
+    bool IsOurs() const { return _isOurs; }
+    static void EndInChild() { _taken.store(false, std::memory_order_release); }
+
+private:
+    static constinit std::atomic<bool> _taken;
+    bool _isOurs;
+};
+constinit std::atomic<bool> Turn::_taken{false};
+
+// What came of the last attempts; null where there is no table. Some zones change their mark with the moments that the
+// C library is asked about, so there are several. Whose turn it is may touch it.
+struct Outcome
+{
+    std::size_t attempt;
+    const nxTimeZone* table;
+};
+constinit std::array<Outcome, 4> outcomes{};
+constinit std::size_t nextOutcome = 0;
 
 // The mark of the zone that the last table was, or failed to be, built for. Two halves of two marks cost a comparison.
 constinit std::atomic<long> tableTimezone{0};
@@ -109,6 +143,21 @@ const nxTimeZone* Keep(Pages<KeptTable>& table)
     return &added->zone;
 }
 
+// The variable TZ, copied.
+class Setting
+{
+public:
+    Setting() : _error(nxEnvironment::Copy("TZ", _text)) {}
+
+    /// Whether it could be read; it may be that there is none.
+    bool IsKnown() const { return _error == 0 || _error == ENOENT; }
+    const char* Get() const { return _error == 0 ? _text : nullptr; }
+
+private:
+    char _text[1'024];
+    int _error;
+};
+
 // Never 0.
 std::size_t AttemptFor(const char* setting, const nxLocalZoneMark& mark)
 {
@@ -139,32 +188,76 @@ bool nxLocalZone::_FindWithLibrary(std::int64_t second, nxLocalMinute& minute)
         return false;
     const nxTimeZone* table = _table.load(std::memory_order_acquire);
     const bool isWrong = table != nullptr && !_AgreesAbout(*table, second);
-    if (table == nullptr || isWrong || TableMark() != nxLocalZoneMark::Now())
-        table = _Rebuild(isWrong);
+    if (isWrong || _IsOutOfDate(table))
+        table = _Replace(table, second, isWrong);
     const bool useTable = _Covers(table, second) && _Agrees(*table, second, fields);
     minute = useTable ? _FromTable(*table, second) : FromFields(fields, second);
     return true;
 }
 
-// Builds the table of the zone that is set now, or does without one. Unless forced, tries once for a setting.
-const nxTimeZone* nxLocalZone::_Rebuild(bool force)
+// Whether the table may be another zone's, or whether it is time to look for one where there is none.
+bool nxLocalZone::_IsOutOfDate(const nxTimeZone* table)
 {
-    if (lastAttempt.load(std::memory_order_relaxed) == 0)
-        pthread_atfork(nullptr, nullptr, [] { isForkedChild.store(true, std::memory_order_relaxed); });
+    constexpr unsigned asksBetweenLooks = 256;
     const nxLocalZoneMark mark = nxLocalZoneMark::Now();
-    const char* const setting = std::getenv("TZ");
-    const std::size_t attempt = AttemptFor(setting, mark);
-    if (!force && lastAttempt.load(std::memory_order_relaxed) == attempt)
-        return _table.load(std::memory_order_acquire);
-    Pages<KeptTable> built;
-    Pages<std::array<char, 16'384>> file;
-    const bool isUsable = built && file && built->zone.Load(setting, *file) && _AgreesThroughout(built->zone);
-    const nxTimeZone* const table = isUsable ? Keep(built) : nullptr;
-    _table.store(table, std::memory_order_release);
+    if (TableMark() != mark)
+        return true;
+    if (table == nullptr)
+        return asksWithoutTable.fetch_add(1, std::memory_order_relaxed) % asksBetweenLooks == 0;
+    // Two zones may have one mark and agree about this second.
+    const Setting setting;
+    return setting.IsKnown() && lastAttempt.load(std::memory_order_relaxed) != AttemptFor(setting.Get(), mark);
+}
+
+// Finds the table of the zone that is set now, or does without one. The caller has just asked the C library about
+// @p second. @param isWrong whether @p old disagrees with it.
+const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t second, bool isWrong)
+{
+    // From here on nobody uses it, whoever finds the new one.
+    _table.compare_exchange_strong(old, nullptr, std::memory_order_relaxed);
+    const Turn turn;
+    if (!turn.IsOurs())
+        return nullptr;
+    if (lastAttempt.load(std::memory_order_relaxed) == 0)
+        pthread_atfork(nullptr, nullptr,
+                       []
+                       {
+                           isForkedChild.store(true, std::memory_order_relaxed);
+                           Turn::EndInChild();
+                           nxEnvironment::AfterForkInChild();
+                       });
+    const Setting setting;
+    if (!setting.IsKnown())
+        return nullptr;
+    const nxLocalZoneMark mark = nxLocalZoneMark::Now();
+    const std::size_t attempt = AttemptFor(setting.Get(), mark);
+    const auto known = std::find_if(outcomes.begin(), outcomes.end(),
+                                    [&](const Outcome& outcome) { return outcome.attempt == attempt; });
+    // What was in the way of a file, such as a limit on open files, may have gone.
+    constexpr unsigned asksBetweenAttempts = 4'096;
+    const bool tryAgain = asksWithoutTable.load(std::memory_order_relaxed) % asksBetweenAttempts == 1;
+    Outcome& outcome = known != outcomes.end() ? *known : outcomes[nextOutcome++ % outcomes.size()];
+    if (known == outcomes.end() || isWrong || (tryAgain && outcome.table == nullptr))
+        outcome = {attempt, _Build(setting.Get(), second)};
+    _table.store(outcome.table, std::memory_order_release);
     tableTimezone.store(mark.timezone, std::memory_order_relaxed);
     tableDaylight.store(mark.daylight, std::memory_order_relaxed);
     lastAttempt.store(attempt, std::memory_order_relaxed);
-    return table;
+    return outcome.table;
+}
+
+// @return null when there is no table that says the same as the C library.
+const nxTimeZone* nxLocalZone::_Build(const char* setting, std::int64_t second)
+{
+    Pages<KeptTable> built;
+    Pages<std::array<char, 16'384>> file;
+    if (!built || !file)
+        return nullptr;
+    // A setting that nobody can read, or a machine without zones, is UTC where the C library shows that it took it so.
+    const bool isKnown = built->zone.Load(setting, *file) ||
+                         (nxLocalZoneMark::Now() == nxLocalZoneMark() && built->zone.ReadRule("UTC0"));
+    // The last second to be compared is the caller's, which leaves the zone's mark as the caller saw it.
+    return isKnown && _AgreesThroughout(built->zone) && _AgreesAbout(built->zone, second) ? Keep(built) : nullptr;
 }
 
 bool nxLocalZone::_Agrees(const nxTimeZone& zone, std::int64_t second, const std::tm& fields)
@@ -184,7 +277,8 @@ bool nxLocalZone::_AgreesAbout(const nxTimeZone& zone, std::int64_t second)
     return AskLibrary(compared, fields) && _Agrees(zone, compared, fields);
 }
 
-// Compares the table with the C library on both sides of every change of the offset.
+// Compares the table with the C library on both sides of every change of the offset, and in every month: a table that
+// lacks summer time has no change to look at.
 bool nxLocalZone::_AgreesThroughout(const nxTimeZone& zone)
 {
     for (std::size_t i = 0; i < zone.GetSpanCount(); ++i)
@@ -193,5 +287,9 @@ bool nxLocalZone::_AgreesThroughout(const nxTimeZone& zone)
         if (!_AgreesAbout(zone, span.begin) || !_AgreesAbout(zone, span.end - 1))
             return false;
     }
+    constexpr std::int64_t lessThanAMonth = 28 * 86'400;
+    for (std::int64_t each = nxTimeZone::FirstSecond; each < nxTimeZone::EndSecond; each += lessThanAMonth)
+        if (!_AgreesAbout(zone, each))
+            return false;
     return true;
 }

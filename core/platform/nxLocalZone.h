@@ -39,8 +39,10 @@ struct nxLocalZoneMark
 /// The local time of the process: what localtime_r says, from a table where that says the same.
 ///
 /// The C library changes the process's zone when some thread calls tzset(), localtime() or a function that does, after
-/// the variable TZ was changed. The table is compared with localtime_r when the caller asks for it, once in a while;
-/// where no table can be built, localtime_r answers each time.
+/// the variable TZ was changed. A table is used only when it says the same as localtime_r on both sides of every change
+/// of the clock and in every month of its two hundred years. It is compared again when the caller asks for it, once in
+/// a while: about the second in question, and throughout when TZ has another text than the table was built for. Where
+/// there is no such table, localtime_r answers each time; a table is tried again after some thousand answers.
 class nxLocalZone
 {
 public:
@@ -67,7 +69,9 @@ public:
 
 private:
     static bool _FindWithLibrary(std::int64_t second, nxLocalMinute& minute);
-    static const nxTimeZone* _Rebuild(bool force);
+    static bool _IsOutOfDate(const nxTimeZone* table);
+    static const nxTimeZone* _Replace(const nxTimeZone* old, std::int64_t second, bool isWrong);
+    static const nxTimeZone* _Build(const char* setting, std::int64_t second);
     static bool _AgreesAbout(const nxTimeZone& zone, std::int64_t second);
     static bool _Agrees(const nxTimeZone& zone, std::int64_t second, const std::tm& fields);
     static bool _AgreesThroughout(const nxTimeZone& zone);

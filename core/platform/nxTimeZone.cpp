@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <cstring>
 
+#include "core/platform/nxEnvironment.h"
 #include "core/platform/nxFile.h"
 
 namespace
@@ -422,20 +421,23 @@ bool nxTimeZone::Load(const char* setting, std::span<char> scratch)
         name.remove_prefix(1);
     if (name.empty())
         return ReadRule("UTC0");
-    const char* directory = "";
-    if (name.front() != '/')
-    {
-        const char* const chosen = std::getenv("TZDIR");
-        directory = chosen != nullptr && *chosen != '\0' ? chosen : database;
-    }
-    char path[longestPath];
-    if (std::strlen(directory) + name.size() + 2 > sizeof path)
+    const bool isSecure = nxEnvironment::IsSecureExecution();
+    // What the C library refuses to open for a caller with fewer rights than the program, we do not open either.
+    if (isSecure && setting != nullptr && (name.front() == '/' || name.find("..") != std::string_view::npos))
         return false;
-    char* end = std::copy_n(directory, std::strlen(directory), path);
+    char path[longestPath];
+    std::string_view directory;
+    if (name.front() != '/')
+        directory = !isSecure && nxEnvironment::Copy("TZDIR", path) == 0 && path[0] != '\0' ? path : database;
+    if (directory.size() + name.size() + 2 > sizeof path)
+        return false;
+    char* end = path + directory.size();
+    if (directory.data() != path)
+        std::copy(directory.begin(), directory.end(), path);
     *end++ = '/';
     *std::copy(name.begin(), name.end(), end) = '\0';
     std::size_t size = 0;
     if (nxFile::ReadAll(path, scratch, size) == 0)
         return ReadFile({scratch.data(), size});
-    return ReadRule(name) || ReadRule("UTC0");
+    return ReadRule(name);
 }

@@ -35,7 +35,10 @@ public:
     /// Reads the zone that the C library would use for a value of the variable TZ.
     /// @param setting the value, or null when the variable is not set, for the machine's own zone.
     /// @param scratch room for the file of the zone; such files have less than 16 KiB.
-    /// @return false when the zone cannot be put into a table: it counts leap seconds, or its file is damaged.
+    /// In secure execution the variable TZDIR counts for nothing, and a setting that begins with '/' or holds ".." is
+    /// not looked for.
+    /// @return false when the zone cannot be put into a table: there is no such file and it is no rule, it counts leap
+    ///         seconds, or its file is damaged.
     bool Load(const char* setting, std::span<char> scratch);
 
     /// Reads the bytes of a zone file. @return false when they are no such file, or one that counts leap seconds.

@@ -6,6 +6,7 @@
 #include <concepts>
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <ostream>
 #include <string>
@@ -19,12 +20,15 @@
 /// What a log record said, kept by nxCapturingLogDevice.
 struct nxCapturedRecord
 {
-    nxLogLevelEnum level;    ///< How grave it was.
-    std::string text;        ///< The message.
-    std::string sourceFile;  ///< Where it was reported,
-    unsigned line;           ///< and in which line.
-    unsigned threadIndex;    ///< The thread that built it.
-    nxTimeStamp timeStamp;   ///< When it was built.
+    nxLogLevelEnum level;                          ///< How grave it was.
+    std::string text;                              ///< The message.
+    std::string sourceFile;                        ///< Where it was reported,
+    unsigned line;                                 ///< and in which line.
+    unsigned threadIndex;                          ///< The thread that built it.
+    nxTimeStamp timeStamp;                         ///< When it was built,
+    unsigned threadCPU = 0;                        ///< and on which processor.
+    nxValueWrapper<unsigned> destinationUserID{};  ///< Whom it is for; null when nobody in particular.
+    std::string sourceApplication{};               ///< The application that it came from, or empty.
 };
 
 /// Writes level, text and place, "WRN connected [session.cpp:88]", for the messages of failed expectations.
@@ -76,7 +80,8 @@ private:
 /// It registers itself when it is constructed and unregisters when it is destroyed. The log is asynchronous: wait for a
 /// record with WaitFor() rather than looking at once.
 ///
-/// - Errors: none. - Threads: every operation may come from any thread. - Ownership: it owns copies of what it keeps.
+/// - Errors: none. - Threads: every operation may come from any thread, also from a matcher: matchers are asked without
+///   the device's lock. - Ownership: it owns copies of what it keeps.
 /// @code
 /// using Log = nxCapturingLogDevice;
 /// Log log;
@@ -123,27 +128,39 @@ public:
 
     /// Waits until a record that matches has arrived, also one that arrived before the call.
     /// @param matcher says which records count.
-    /// @param timeout how long to wait at most.
+    /// @param timeout how long to wait at most; less than nothing does not wait.
     /// @return whether one arrived.
     bool WaitFor(const nxLogMatcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
     {
+        return WaitForCount(matcher, 1, timeout);
+    }
+    /// The same for @p count records that match.
+    bool WaitForCount(const nxLogMatcher& matcher, std::size_t count,
+                      std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
+    {
         // A deadline that the clock cannot hold would have passed already.
         constexpr std::chrono::milliseconds century = std::chrono::hours(876'000);
-        std::unique_lock<std::mutex> lock(_mutex);
-        return _arrived.wait_for(lock, std::min(timeout, century),
-                                 [&] { return std::any_of(_records.begin(), _records.end(), matcher); });
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::clamp(timeout, std::chrono::milliseconds(0), century);
+        for (;;)
+        {
+            const auto [records, changes] = _GetKept();
+            if (_CountIn(records, matcher) >= count)
+                return true;
+            std::unique_lock<std::mutex> lock(_mutex);
+            if (!_arrived.wait_until(lock, deadline, [&, seen = changes] { return _changes != seen; }))
+                return false;
+        }
     }
     /// @return how many records that match have arrived.
-    std::size_t Count(const nxLogMatcher& matcher) const
-    {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        return static_cast<std::size_t>(std::count_if(_records.begin(), _records.end(), matcher));
-    }
+    std::size_t Count(const nxLogMatcher& matcher) const { return _CountIn(_GetKept().first, matcher); }
     /// @return a copy of everything kept, in the order of arrival.
     std::vector<nxCapturedRecord> GetRecords() const
     {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        return _records;
+        std::vector<nxCapturedRecord> copies;
+        for (const Kept& record : _GetKept().first)
+            copies.push_back(*record);
+        return copies;
     }
     /// Writes everything kept, a line each.
     friend std::ostream& operator<<(std::ostream& stream, const nxCapturingLogDevice& log)
@@ -157,15 +174,20 @@ public:
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         _records.clear();
+        ++_changes;
     }
 
     /// Keeps @p record; called by the log.
     void Write(const nxLog& record) override
     {
+        auto kept = std::make_shared<const nxCapturedRecord>(
+            nxCapturedRecord{record.GetLogLevel(), record.GetText(), record.GetSourceFile(), record.GetLineNumber(),
+                             record.GetThreadIndex(), record.GetTimeStamp(), record.GetThreadCPU(),
+                             record.GetDestinationUserID(), record.GetSourceApplication()});
         {
             const std::lock_guard<std::mutex> lock(_mutex);
-            _records.push_back({record.GetLogLevel(), record.GetText(), record.GetSourceFile(), record.GetLineNumber(),
-                                record.GetThreadIndex(), record.GetTimeStamp()});
+            _records.push_back(std::move(kept));
+            ++_changes;
         }
         _arrived.notify_all();
     }
@@ -173,9 +195,24 @@ public:
     void Destroy() override {}  ///< Nothing to end.
 
 private:
+    using Kept = std::shared_ptr<const nxCapturedRecord>;
+
+    // What is kept now, for looking at without the lock, and how often that has changed.
+    std::pair<std::vector<Kept>, std::size_t> _GetKept() const
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        return {_records, _changes};
+    }
+    static std::size_t _CountIn(const std::vector<Kept>& records, const nxLogMatcher& matcher)
+    {
+        return static_cast<std::size_t>(
+            std::count_if(records.begin(), records.end(), [&](const Kept& record) { return matcher(*record); }));
+    }
+
     mutable std::mutex _mutex;
     mutable std::condition_variable _arrived;
-    std::vector<nxCapturedRecord> _records;
+    std::vector<Kept> _records;
+    std::size_t _changes = 0;
 };
 
 #endif

@@ -33,8 +33,9 @@ public:
 
     /// Waits for a signal, at most @p seconds. Nothing, less than nothing and NaN time out at once; more than 136 years
     /// is 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time. When the fraction of the deadline is exactly one
-    ///         second, which happens in one millisecond of a thousand, NX_ERR_UNSPECIFIED at once.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time, or up to a millisecond earlier, because the clock is cut
+    ///         to milliseconds. When the fraction of the deadline is exactly one second, NX_ERR_UNSPECIFIED at once: for
+    ///         waits of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
     nxErrorEnum TimedWait(double seconds);
 
     /// @copydoc TimedWait(double)

@@ -40,8 +40,10 @@ public:
 
     /// The same, at most for @p seconds. Nothing, less than nothing and NaN time out at once; more than 136 years is
     /// 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time. When the fraction of the deadline is exactly one
-    ///         second, which happens in one millisecond of a thousand, NX_ERR_UNSPECIFIED at once. The mutex is held.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time, or up to a millisecond earlier, because the clock is cut
+    ///         to milliseconds. When the fraction of the deadline is exactly one second, NX_ERR_UNSPECIFIED at once: for
+    ///         waits of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
+    ///         The mutex is held in any case.
     nxErrorEnum TimedWait(nxMutex& mutex, double seconds) NX_REQUIRES(mutex);
 
     /// @copydoc TimedWait(nxMutex&, double)

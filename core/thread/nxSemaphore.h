@@ -59,9 +59,10 @@ public:
 
     /// Waits until the count is above zero, at most @p seconds, and takes one. Nothing, less than nothing and NaN do
     /// not wait; more than 136 years is 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero, and for any failure not named here;
-    ///         NX_ERR_THR_INTERRUPTED, NX_ERR_THR_DEADLOCK. When the fraction of the deadline is exactly one second,
-    ///         which happens in one millisecond of a thousand, NX_ERR_INVALID_PARAMETER at once, counts or not.
+    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero, up to a millisecond early, because the clock is cut to
+    ///         milliseconds, and for any failure not named here; NX_ERR_THR_INTERRUPTED, NX_ERR_THR_DEADLOCK. When the
+    ///         fraction of the deadline is exactly one second, NX_ERR_INVALID_PARAMETER at once, counts or not: for waits
+    ///         of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
     nxErrorEnum TimedWait(double seconds);
 
     /// @copydoc TimedWait(double)

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "core/platform/nxNamedObjectTable.h"
 #include "core/platform/nxRobustMutex.h"
+#include "core/thread/internal/nxNamedHandle.h"
 
 namespace
 {
@@ -29,8 +29,8 @@ bool Initialise(pthread_mutex_t& mutex)
 
 nxWindowsMutex::nxWindowsMutex(const std::string& name) : _mutex(nullptr)
 {
-    nxNamedObject* const object = nxNamedObjectTable::GetInstance().Open(
-        name, nxNamedObjectKind::Mutex, [](nxNamedObject& made) { return Initialise(made.mutex); });
+    nxNamedObject* const object =
+        nxNamedHandle::Open(name, nxNamedObjectKind::Mutex, [](nxNamedObject& made) { return Initialise(made.mutex); });
     if (object != nullptr)
         _mutex = &object->mutex;
 }

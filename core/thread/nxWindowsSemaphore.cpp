@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "core/platform/nxNamedObjectTable.h"
+#include "core/thread/internal/nxNamedHandle.h"
 
 namespace
 {
@@ -29,8 +29,7 @@ nxWindowsSemaphore::nxWindowsSemaphore(const std::string& name, unsigned initial
         made.semaphore.Initialise(initialCount, maximumCount);
         return true;
     };
-    nxNamedObject* const object =
-        nxNamedObjectTable::GetInstance().Open(name, nxNamedObjectKind::Semaphore, initialise);
+    nxNamedObject* const object = nxNamedHandle::Open(name, nxNamedObjectKind::Semaphore, initialise);
     if (object != nullptr)
         _semaphore = &object->semaphore;
 }

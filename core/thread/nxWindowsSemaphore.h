@@ -10,8 +10,9 @@
 
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///
-/// - Name and life: as nxWindowsMutex. While the name lives, a count that a killed process has taken stays taken.
-/// - Errors: none are returned, thrown or logged but the time-out. When the name is too long or stands for a mutex,
+/// - Name, life, user and place: as nxWindowsMutex. While the name lives, a count that a killed process has taken stays
+///   taken.
+/// - Errors: none are returned or thrown but the time-out; records as nxWindowsMutex. When the name is too long or stands for a mutex,
 ///   when it is new and the maximum is 0, above 2,147,483,647 or below the initial count, or when the system refuses,
 ///   IsNull() is true and all calls return success at once; errno tells the reason after the constructor.
 /// - Fork: the child has the object open too.

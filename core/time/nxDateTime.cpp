@@ -1,6 +1,7 @@
 #include "core/time/nxDateTime.h"
 
 #include <cstddef>
+#include <functional>
 #include <ostream>
 
 #include "core/platform/nxLocalZone.h"
@@ -67,6 +68,10 @@ void nxDateTime::_AppendField(std::string& out, char directive) const
 
 void nxDateTime::AppendAsString(std::string& out, std::string_view pattern) const
 {
+    // A pattern that is a part of the text would move with it.
+    const std::less<const char*> isBefore;
+    if (!isBefore(pattern.data(), out.data()) && isBefore(pattern.data(), out.data() + out.size()))
+        return AppendAsString(out, std::string(pattern));
     constexpr std::string_view dateFields = "dmbyY";
     constexpr std::string_view timeFields = "HMS";
     for (std::size_t i = 0; i < pattern.size(); ++i)

@@ -61,7 +61,7 @@ public:
     /// digits, %Y with four, %H, %M and %S hours, minutes and seconds with two digits, %% a percent sign. Everything
     /// else stands for itself. Months are English whatever the locale. A field that is null gives nothing.
     std::string GetAsString(std::string_view pattern) const;
-    /// Appends what GetAsString(pattern) returns.
+    /// Appends what GetAsString(pattern) returns. @p pattern may be a part of @p out.
     void AppendAsString(std::string& out, std::string_view pattern) const;
     /// @return what GetAsString() returns, or "NULL".
     std::string GetAsLogString() const;

@@ -51,8 +51,9 @@ public:
         _seconds = now.seconds;
         _nanoseconds = now.nanoseconds / 1'000'000 * 1'000'000;
     }
-    /// From parts, kept as they are. Only @p nanoseconds below 1,000,000,000 make a proper stamp; what is above is
-    /// left out of the texts.
+    /// From parts, kept as they are. Only @p nanoseconds below 1,000,000,000 make a proper stamp. GetAsString() and
+    /// GetAsStringFast() leave out what is above, while GetAsDateTime() carries it over into the seconds: two texts of
+    /// such a stamp name different seconds.
     nxTimeStamp(const long long& seconds, const unsigned int& nanoseconds)
         : _seconds(seconds), _nanoseconds(nanoseconds)
     {

@@ -6,21 +6,33 @@ row_fuzz()
     build fuzz || { report fuzz "does not build" 1; return; }
     local targets=() target name each runs total=0 least= found=0
     for target in build/fuzz/fuzz/fuzz_*; do [ -f "$target" ] && [ -x "$target" ] && targets+=("$target"); done
+    [ ${#targets[@]} -gt 0 ] || { report fuzz "no targets" 1; return; }
     each=$((seconds * $(nproc) / ${#targets[@]}))
+    [ "$each" -gt 0 ] || each=1     # 0 would be for ever
+    rm -f build/endure/fuzz_*.log build/endure/fuzz-failed
     printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c '
         name=$(basename {}); name=${name#fuzz_}
         mkdir -p build/endure/corpus/$name build/endure/artifacts fuzz/corpus/$name
         {} -max_total_time='"$each"' -runs="${NX_FUZZ_RUNS:-1000000000}" -timeout=10 -rss_limit_mb=4096 -print_final_stats=1 -verbosity=0 \
-            -artifact_prefix=build/endure/artifacts/$name- build/endure/corpus/$name fuzz/corpus/$name >build/endure/fuzz_$name.log 2>&1'
+            -artifact_prefix=build/endure/artifacts/$name- build/endure/corpus/$name fuzz/corpus/$name >build/endure/fuzz_$name.log 2>&1 ||
+            echo "$name" >>build/endure/fuzz-failed'
     for target in "${targets[@]}"; do
         name=${target##*/fuzz_}
-        runs=$(sed -n 's/stat::number_of_executed_units: *//p' "build/endure/fuzz_$name.log")
+        runs=$(sed -n 's/stat::number_of_executed_units: *//p' "build/endure/fuzz_$name.log" 2>/dev/null)
+        [ "${runs:-0}" -gt 0 ] || echo "$name" >>build/endure/fuzz-failed
         runs=${runs:-0}
         total=$((total + runs))
         if [ -z "$least" ] || [ "$runs" -lt "$least" ]; then least=$runs; fi
         printf '   %-16s %12d runs\n' "$name" "$runs"
     done
-    found=$(find build/endure/artifacts -type f 2>/dev/null | wc -l)
+    # What failed in this run; artifacts of earlier ones are kept and not counted.
+    if [ -s build/endure/fuzz-failed ]; then
+        for name in $(sort -u build/endure/fuzz-failed); do
+            found=$((found + 1))
+            printf '   FAILED: %s\n' "$name"
+            tail -n 20 "build/endure/fuzz_$name.log"
+        done
+    fi
     report fuzz "${#targets[@]} targets, $total runs in all, at least $least each" "$found"
 }
 add_row fuzz 10

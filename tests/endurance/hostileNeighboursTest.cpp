@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "core/nxCore.h"
+#include "core/platform/nxTimeZone.h"
 #include "tests/support/nxPrivateMemory.h"
 #include "tests/support/nxScratchDirectory.h"
 
@@ -162,6 +163,9 @@ TEST(hostileNeighbours, AProgramWithRightsOfItsOwnHeedsNoSettingOfItsCallers)
     {
         if (getauxval(AT_SECURE) == 0)
             return;
+        char scratch[16'384];
+        EXPECT_FALSE(nxTimeZone().Load(std::getenv("TZ"), scratch)) << "the C library opens no such file either";
+        EXPECT_FALSE(nxWindowsMutex("name").IsNull());
         ASSERT_TRUE(nxLogSetUp());
         const std::string name = nxFileLogDevice::GetInstance().GetFileName();
         EXPECT_TRUE(name.starts_with(nxFileLogDevice::DefaultDirectory)) << name;
@@ -183,6 +187,8 @@ TEST(hostileNeighbours, AProgramWithRightsOfItsOwnHeedsNoSettingOfItsCallers)
             ASSERT_EQ(chdir(place.GetPath().c_str()), 0);
             setenv("QRX_LOG_DIRECTORY", (place.GetPath() / "planted").c_str(), 1);
             setenv("QRX_LOG_LEVEL", "DBG", 1);
+            setenv("NX_SHARED_DIRECTORY", place.GetPath().c_str(), 1);
+            setenv("TZ", "/usr/share/zoneinfo/UTC", 1);
             EXPECT_FALSE(nxInNewProcess(program.c_str()));
         }));
     EXPECT_FALSE(fs::exists(place.GetPath() / "planted"));

@@ -657,9 +657,13 @@ TEST_F(nxFileLogDeviceTest, ServesManyThreadsWhileFilesChange)
     const std::uint64_t lostBefore = Device().GetLostLines();
     constexpr int writers = 4, each = 500;
     {
+        constexpr int mostFiles = 2'000;
+        std::atomic<int> files{0};
         const nxBusyThread changing(
-            []
+            [&files]
             {
+                if (files.fetch_add(1) >= mostFiles)
+                    return std::this_thread::yield();
                 Device().CloseAndReopenLogFile();
                 Device().Flush();
                 Device().GenerateFileName();

@@ -404,8 +404,7 @@ TEST(nxLogManager, UnregisteringWaitsForARoundAndForWhoeverIsInside)
         slow.delay = std::chrono::milliseconds(100);
         for (int count = 0; count < 256; ++count)
             NX_LOG(NX_LOG_LEVEL_INFO) << count;
-        while (!Manager().GetLogEntriesQueue().empty())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_TRUE(nxEventually([] { return Manager().GetLogEntriesQueue().empty(); }));
         Manager().UnregisterLogDevice(&quick);
         EXPECT_EQ(std::count(quick.text.begin(), quick.text.end(), '\n'), 256) << "queued before the call";
     }
@@ -451,8 +450,7 @@ TEST(nxLogManager, AStuckDeviceDoesNotLetThreadsThatComeAndGoTakeAllMemory)
     gate.Open();
     WaitUntilWritten();
     EXPECT_EQ(seen + statistics.dropped - dropped, 8'000U);
-    while (!isTold)  // not in the middle of another test
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(nxEventually([&] { return isTold.load(); })) << "not in the middle of another test";
 }
 
 TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)

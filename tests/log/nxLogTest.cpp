@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -203,6 +204,11 @@ TEST(nxLog, CutsAMessageAfterAMebibyteAndSaysSo)
         const nxLog copy = *each;
         EXPECT_EQ(nxLog(copy).GetText(), full + mark);
     }
+    // The name of a file takes nothing from the message.
+    nxLog named(NX_LOG_LEVEL_INFO, std::string(3 * most, 'f').c_str(), 1, nxTimeStamp(0, 0));
+    named << full << "b";
+    EXPECT_EQ(named.GetText(), full + mark);
+    EXPECT_LT(std::strlen(named.GetSourceFile()), most);
 }
 
 TEST(nxLogLine, HasTheFieldsOfItsStyleAndNoControlBytes)

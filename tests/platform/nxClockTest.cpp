@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include "core/platform/nxClockDiscipline.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxScratchDirectory.h"
+#include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
@@ -215,6 +217,68 @@ TEST(nxClock, DoesWithoutACounter)
     if (WIFEXITED(status) && WEXITSTATUS(status) == notPermitted)
         GTEST_SKIP() << "may not put another file in the place of the kernel's";
     EXPECT_EQ(status, 0);
+}
+
+TEST(nxClock, LeavesTheCounterWhenTheKernelDoesAndKeepsItsTicks)
+{
+    if (!nxInNewProcess())
+        return;
+    const nxScratchDirectory scratch;
+    const std::filesystem::path source = scratch.GetPath() / "current_clocksource";
+    nxWriteFile(source, "tsc\n");
+    if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount(source.c_str(), clockSource, nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "may not put another file in the place of the kernel's";
+    if (!nxClock::UsesCounter())
+        GTEST_SKIP() << "no counter to leave";
+    EXPECT_TRUE(AgreesWithTheSystem());
+    const std::int64_t before = SystemNow();
+    const std::uint64_t ticks = nxClock::Ticks();
+    nxWriteFile(source, "hpet\n");
+    nxClock::Recalibrate();
+    EXPECT_TRUE(nxClock::UsesCounter()) << "it is not looked at all the time";
+    {
+        const nxHurriedClock aMinuteLater(61 * second);
+        nxClock::Recalibrate();
+    }
+    EXPECT_FALSE(nxClock::UsesCounter());
+    EXPECT_TRUE(AgreesWithTheSystem(true));
+    EXPECT_NEAR(static_cast<double>(nxClock::GetScale().ToNanoseconds(ticks) - before), 0.0, millisecond);
+    EXPECT_LE(ticks, nxClock::Ticks());
+    EXPECT_TRUE(nxInChild([] { EXPECT_TRUE(AgreesWithTheSystem()); }));
+}
+
+TEST(nxClock, MakesDoWithReadingsThatTakeLong)
+{
+    if (!nxInNewProcess())
+        return;
+    const nxHurriedClock slow(8'000, true);
+    EXPECT_TRUE(nxInChild(
+        []
+        {
+            alarm(10);
+            EXPECT_TRUE(AgreesWithTheSystem());
+            EXPECT_TRUE(AgreesWithTheSystem(true));
+        }));
+}
+
+TEST(nxClock, DoesWithoutACounterThatIsForbidden)
+{
+#ifdef PR_TSC_SIGSEGV
+    if (!nxInNewProcess())
+        return;
+    EXPECT_TRUE(nxInChild(
+        []
+        {
+            prctl(PR_SET_TSC, PR_TSC_SIGSEGV, 0, 0, 0);
+            const bool usesCounter = nxClock::UsesCounter();
+            const std::uint64_t ticks = nxClock::Ticks();
+            const std::int64_t scaled = nxClock::GetScale().ToNanoseconds(ticks);
+            const bool isFirst = scaled <= nxClock::Now().seconds * second + second;
+            const bool isAllowed = prctl(PR_SET_TSC, PR_TSC_ENABLE, 0, 0, 0) == 0;
+            EXPECT_TRUE(!isAllowed || (!usesCounter && isFirst));
+        }));
+#endif
 }
 
 TEST(nxClock, AgreesWithTheSystemsClockInManyThreads)

@@ -126,7 +126,7 @@ TEST(nxTimeZone, ReadsRulesAsTheCLibraryDoes)
              "<+0330>-3:30<+0430>,J79/24,J263/24",  // days without 29 February
              "ABC-2DEF,59/0,300/5",                 // days with it
              "ABC3DEF,0/0,J365/25",                 // summer time all year
-             "AAA+4BBB+3,M10.4.6/0,M2.3.6/24", "no such zone",
+             "AAA+4BBB+3,M10.4.6/0,M2.3.6/24",
              static_cast<const char*>(nullptr),  // the machine's
          })
     {
@@ -137,9 +137,11 @@ TEST(nxTimeZone, ReadsRulesAsTheCLibraryDoes)
     }
 }
 
-TEST(nxTimeZone, RefusesRulesThatAreNone)
+TEST(nxTimeZone, RefusesWhatCannotBeReadAndRulesThatAreNone)
 {
     nxTimeZone zone;
+    char scratch[scratchSize];
+    EXPECT_FALSE(zone.Load("no such zone", scratch));
     for (const char* const text :
          {"", "5", "ES5", "EST", "EST25", "EST5:60", "EST5EDT", "EST99999999999", "<+03", "<>5"})
         EXPECT_FALSE(zone.ReadRule(text)) << text;

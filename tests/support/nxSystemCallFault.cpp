@@ -67,6 +67,9 @@ constinit thread_local Fault ofThisThread[FunctionCount];
 
 constinit thread_local bool clockStands = false;
 constinit thread_local timespec standingClock{};
+constinit thread_local long long hurry = 0;  // nanoseconds a reading, and in all
+constinit thread_local long long hurried = 0;
+constinit thread_local bool hurryWaits = false;
 
 Fault& FaultOf(unsigned function, bool anyThread) { return anyThread ? ofAnyThread[function] : ofThisThread[function]; }
 
@@ -198,7 +201,22 @@ extern "C"
             *time = standingClock;
             return 0;
         }
-        return NX_NEXT(clock_gettime)(clock, time);
+        constexpr long long second = 1'000'000'000;
+        timespec begin{};
+        timespec now{};
+        if (hurryWaits)
+            NX_NEXT(clock_gettime)(CLOCK_MONOTONIC, &begin);
+        while (hurryWaits && (now.tv_sec - begin.tv_sec) * second + now.tv_nsec - begin.tv_nsec < hurry)
+            NX_NEXT(clock_gettime)(CLOCK_MONOTONIC, &now);
+        const int result = NX_NEXT(clock_gettime)(clock, time);
+        if (clock == CLOCK_MONOTONIC && hurry != 0 && !hurryWaits)
+        {
+            hurried += hurry;
+            const long long nanoseconds = time->tv_nsec + hurried;
+            time->tv_sec += nanoseconds / second;
+            time->tv_nsec = nanoseconds % second;
+        }
+        return result;
     }
 }  // extern "C"
 
@@ -235,3 +253,16 @@ nxFixedWallClock::nxFixedWallClock(long long seconds, long nanoseconds)
 }
 
 nxFixedWallClock::~nxFixedWallClock() { clockStands = false; }
+
+nxHurriedClock::nxHurriedClock(long long nanosecondsAReading, bool waits)
+{
+    hurried = 0;
+    hurry = nanosecondsAReading;
+    hurryWaits = waits;
+}
+
+nxHurriedClock::~nxHurriedClock()
+{
+    hurry = 0;
+    hurryWaits = false;
+}

@@ -54,4 +54,16 @@ public:
     nxFixedWallClock& operator=(const nxFixedWallClock&) = delete;
 };
 
+/// Gives the calling thread a clock (CLOCK_MONOTONIC) on which every reading takes some time, for as long as the object
+/// lives; without making anybody wait, or so that every clock makes everybody wait.
+class nxHurriedClock
+{
+public:
+    explicit nxHurriedClock(long long nanosecondsAReading, bool waits = false);
+    ~nxHurriedClock();
+
+    nxHurriedClock(const nxHurriedClock&) = delete;
+    nxHurriedClock& operator=(const nxHurriedClock&) = delete;
+};
+
 #endif

@@ -27,6 +27,20 @@ TEST(nxCapturingLogDevice, KeepsRecordsFromItsConstructionToItsDestruction)
     NX_LOG(NX_LOG_LEVEL_INFO) << "after";  // must not reach the destroyed device
 }
 
+TEST(nxCapturingLogDevice, MatchersMayAskTheDeviceAndSeeAllOfARecord)
+{
+    using Log = nxCapturingLogDevice;
+    Log log;
+    NX_LOG(NX_LOG_LEVEL_INFO) << nxLog::nxLogSourceApplicationDestUserID("gateway", 7U) << "a";
+    NX_LOG(NX_LOG_LEVEL_INFO) << "another";
+    EXPECT_TRUE(log.WaitFor([&](const nxCapturedRecord&) { return log.Count(Log::Contains("a")) == 2; })) << log;
+    EXPECT_TRUE(log.WaitForCount(Log::Contains("a"), 2)) << log;
+    EXPECT_FALSE(log.WaitForCount(Log::Contains("a"), 3, std::chrono::milliseconds::min())) << log;
+    const nxCapturedRecord first = log.GetRecords().front();
+    EXPECT_EQ(first.destinationUserID, 7U);
+    EXPECT_EQ(first.sourceApplication, "gateway");
+}
+
 TEST(nxCapturingLogDevice, MatchersCombineAndRecordsPrintThemselves)
 {
     using Log = nxCapturingLogDevice;

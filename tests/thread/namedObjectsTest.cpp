@@ -1,18 +1,12 @@
-// nxWindowsMutex and nxWindowsSemaphore: names, life, owners, and everything that may be in the way.
-
-#include <gtest/gtest.h>
+// nxWindowsMutex and nxWindowsSemaphore: names, life and owners.
 
 #include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cerrno>
 #include <deque>
-#include <filesystem>
-#include <functional>
 #include <limits>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -20,55 +14,18 @@
 #include "core/thread/nxWindowsMutex.h"
 #include "core/thread/nxWindowsSemaphore.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTestThreads.h"
+#include "tests/thread/nxNamedObjects.h"
 
 namespace
 {
-namespace fs = std::filesystem;
-
 // A name that no other test, run or process uses.
 std::string Unique(const std::string& text) { return text + '/' + std::to_string(getpid()); }
-
-// Takes what can be had without waiting.
-unsigned Drain(nxWindowsSemaphore& semaphore)
-{
-    unsigned count = 0;
-    while (!semaphore.IsNull() && semaphore.TimedWait(0).IsOK())
-        ++count;
-    return count;
-}
-
-// What a process that opens or makes the semaphore finds free.
-unsigned CountIn(const std::string& name, unsigned initial)
-{
-    nxWindowsSemaphore semaphore(name, initial, 5);
-    return Drain(semaphore);
-}
 
 // The counts that a process which comes now finds.
 void ExpectInNewProcess(const std::string& name, unsigned initial, unsigned count)
 {
     EXPECT_TRUE(nxInChild([&] { EXPECT_EQ(CountIn(name, initial), count); }));
-}
-
-std::size_t EntriesOf(const char* path)
-{
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(path), {}));
-}
-
-// Everything in /dev/shm, with type, mode and size.
-std::map<std::string, std::string> SharedFiles()
-{
-    std::map<std::string, std::string> found;
-    for (const auto& entry : fs::recursive_directory_iterator("/dev/shm"))
-    {
-        struct stat status = {};
-        lstat(entry.path().c_str(), &status);
-        found[entry.path()] = std::to_string(status.st_mode) + ' ' + std::to_string(status.st_size);
-    }
-    return found;
 }
 }  // namespace
 
@@ -307,138 +264,4 @@ TEST(namedObjects, AProcessThatClosesAllDescriptorsClaimsItsNamesAgain)
         });
     stage.WaitFor(1);
     EXPECT_EQ(CountIn(name, 1), 0U) << "still open in the other process";
-}
-
-TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
-{
-    if (!nxPrivateMemory::InNewProcess())
-        return;
-    // In the order of their use: what has succeeded once is not asked for again.
-    for (const char* const function : {"mkdir", "open", "openat", "fstat", "fcntl", "posix_fallocate", "mmap"})
-    {
-        SCOPED_TRACE(function);
-        const nxSystemCallFault fault(function, ENOSPC, {.times = 2});
-        EXPECT_TRUE(nxWindowsMutex(function).IsNull());
-        EXPECT_GE(fault.GetHits(), 1U);
-    }
-    for (const char* const function :
-         {"pthread_mutexattr_init", "pthread_mutexattr_settype", "pthread_mutexattr_setpshared",
-          "pthread_mutexattr_setrobust", "pthread_mutex_init"})
-    {
-        SCOPED_TRACE(function);
-        const nxSystemCallFault fault(function, ENOMEM);
-        EXPECT_TRUE(nxWindowsMutex("primitive").IsNull());
-        EXPECT_EQ(fault.GetHits(), 1U);
-    }
-    for (unsigned skip = 0; skip < 3; ++skip)
-    {
-        const nxSystemCallFault fault("fcntl", ENOLCK, {.skip = skip});
-        EXPECT_TRUE(nxWindowsMutex("lock").IsNull() || skip == 2) << "the last call is the unlocking";
-        EXPECT_EQ(fault.GetHits(), 1U);
-    }
-    std::size_t made = 0;
-    const nxSystemCallFault full("posix_fallocate", ENOSPC, {.times = 1000});
-    while (made < 1000 && !nxWindowsSemaphore(std::to_string(made), 1, 1).IsNull())
-        ++made;
-    EXPECT_GE(made, 100U);
-    EXPECT_LT(made, 1000U);
-    EXPECT_FALSE(nxWindowsSemaphore("0", 1, 1).IsNull()) << "what is there stays usable";
-}
-
-TEST(namedObjects, WhatANeighbourHasPlantedIsNotTouched)
-{
-    if (!nxPrivateMemory::InNewProcess())
-        return;
-    ASSERT_TRUE(nxInChild([] { EXPECT_FALSE(nxWindowsMutex("first").IsNull()); }));
-    const fs::path directory = fs::directory_iterator("/dev/shm")->path();
-    const fs::path file = fs::directory_iterator(directory)->path();
-    const fs::path target = "/dev/shm/target";
-    const auto write = [](const fs::path& path, const char* contents, mode_t mode)
-    {
-        nxWriteFile(path, contents);
-        chmod(path.c_str(), mode);
-    };
-    const auto makeDirectory = [](const fs::path& path, mode_t mode)
-    {
-        mkdir(path.c_str(), mode);
-        chmod(path.c_str(), mode);
-    };
-    using Plants = std::vector<std::pair<const char*, std::function<void()>>>;
-    const Plants forTheDirectory{
-        {"a directory that others can enter", [&] { makeDirectory(directory, 0755); }},
-        {"another user's directory",
-         [&]
-         {
-             makeDirectory(directory, 0700);
-             if (chown(directory.c_str(), 12345, 12345) != 0)
-                 chmod(directory.c_str(), 0777);
-         }},
-        {"a file", [&] { write(directory, "not yours", 0600); }},
-        {"a pipe", [&] { mkfifo(directory.c_str(), 0600); }},
-        {"a link to a directory of ours",
-         [&]
-         {
-             makeDirectory("/dev/shm/ours", 0700);
-             fs::create_symlink("/dev/shm/ours", directory);
-         }},
-        {"a link to nowhere", [&] { fs::create_symlink("/dev/shm/nowhere", directory); }},
-    };
-    const Plants forTheFile{
-        {"a link", [&] { fs::create_symlink(target, file); }},
-        {"a second name of another file", [&] { fs::create_hard_link(target, file); }},
-        {"a file that others can write", [&] { write(file, "", 0666); }},
-        {"a directory", [&] { makeDirectory(file, 0700); }},
-        {"a pipe", [&] { mkfifo(file.c_str(), 0600); }},
-        {"a file that is far too large",
-         [&]
-         {
-             write(file, "", 0600);
-             EXPECT_EQ(truncate(file.c_str(), 1LL << 40), 0);
-         }},
-    };
-    const auto isLeftAlone = [&](const char* what, const std::function<void()>& plant)
-    {
-        SCOPED_TRACE(what);
-        write(target, "not yours", 0600);
-        plant();
-        const auto before = SharedFiles();
-        EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
-        EXPECT_EQ(SharedFiles(), before);
-        EXPECT_EQ(nxReadFile(target), "not yours");
-        ASSERT_TRUE(nxPrivateMemory::Mount());
-    };
-    ASSERT_TRUE(nxPrivateMemory::Mount());
-    for (const auto& [what, plant] : forTheDirectory)
-        isLeftAlone(what, plant);
-    for (const auto& [what, plant] : forTheFile)
-    {
-        makeDirectory(directory, 0700);
-        isLeftAlone(what, plant);
-    }
-    makeDirectory(directory, 0700);
-    write(file, "not yours", 0600);  // a file of ours that holds something else
-    EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
-    EXPECT_EQ(nxReadFile(file).substr(0, 9), "not yours");
-    fs::remove(file);
-    EXPECT_FALSE(nxWindowsMutex("mine").IsNull()) << "and once all that has gone";
-}
-
-TEST(namedObjects, WithoutRoomOrSharedMemory)
-{
-    if (!nxPrivateMemory::InNewProcess("size=16k"))
-        return;
-    EXPECT_TRUE(nxWindowsMutex("full").IsNull()) << "refused, instead of a bus error on first use";
-
-    ASSERT_TRUE(nxPrivateMemory::Mount());
-    struct rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const struct rlimit limit = {4096, before.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    EXPECT_TRUE(nxWindowsMutex("limit").IsNull()) << "refused, instead of a signal";
-    setrlimit(RLIMIT_FSIZE, &before);
-
-    ASSERT_EQ(mount("none", "/tmp", "tmpfs", 0, ""), 0);
-    ASSERT_EQ(mount("none", "/dev/shm", "tmpfs", MS_RDONLY, ""), 0);
-    EXPECT_FALSE(nxWindowsMutex("elsewhere").IsNull());
-    EXPECT_EQ(EntriesOf("/tmp"), 1U);
 }

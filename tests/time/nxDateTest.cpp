@@ -200,6 +200,9 @@ TEST(nxDateTime, FormatsByAPatternInEnglish)
         EXPECT_EQ(moment.GetAsString(row[0]), row[1]);
         EXPECT_EQ(time.GetAsString(row[0]), row[2]);
     }
+    std::string withItsPattern = "%%%%%%%%%%%%%%d";  // all that fits into a string without an allocation
+    nxDateTime(nxDate(2024, 12, 5), nxTime(9, 7, 3)).AppendAsString(withItsPattern, withItsPattern);
+    EXPECT_STREQ(withItsPattern.c_str(), "%%%%%%%%%%%%%%d%%%%%%%d");
     std::string months;
     for (unsigned month = 1; month <= 12; ++month)
         months += nxDateTime(nxDate(2024, month, 1), nxTime(0, 0, 0)).GetAsString("%b");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
@@ -156,6 +157,40 @@ TEST(nxTimeStamp, FollowsAChangeOfTheProcessesZone)
     EXPECT_EQ(Both(stamp), mexicoCity);
     // Another thread has printed nothing in the old zone.
     nxInThreads(1, [&] { EXPECT_EQ(Both(stamp), mexicoCity); });
+}
+
+TEST(nxTimeStamp, PrintsWhatTheCLibraryKnowsThoughTheZonesFileCannotBeRead)
+{
+    const auto expectTheLibrarys = [](int texts)
+    {
+        constexpr long long summer = 1'720'616'400;  // 10 July 2024, 13:00 UTC
+        for (long long second = summer; second < summer + 61 * texts; second += 61)
+            ASSERT_EQ(Both(nxTimeStamp(second, 0)), Expected(second, 0)) << second;
+    };
+    // The C library has read the zone; then no file can be opened any more, and later it can again.
+    const nxZoneOfProcess zone("Europe/London");
+    struct rlimit files = {};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const struct rlimit none = {0, files.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    expectTheLibrarys(600);
+    setrlimit(RLIMIT_NOFILE, &files);
+    expectTheLibrarys(10'000);
+    // Summer time without its rule: the C library has one of its own.
+    nxZoneOfProcess::Set("GMT0BST");
+    expectTheLibrarys(600);
+}
+
+TEST(nxTimeStamp, FollowsAChangeToAZoneThatDiffersOnlyLongAgo)
+{
+    const long long now = 1'720'616'400, past = 1'000'000'000;
+    const nxZoneOfProcess zone("Pacific/Guadalcanal");
+    Fast(nxTimeStamp(now, 0));
+    nxZoneOfProcess::Set("Pacific/Bougainville");
+    for (int i = 0; i < 256; ++i)
+        Fast(nxTimeStamp(now + 61 * i, 0));
+    for (long long second = past; second < past + 3 * 61; second += 61)
+        EXPECT_EQ(Expected(second, 0).substr(0, 24), Fast(nxTimeStamp(second, 0)));
 }
 
 TEST(nxTimeStamp, PrintsInAForkedChild)

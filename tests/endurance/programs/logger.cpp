@@ -41,10 +41,13 @@ void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
 
 void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0); }
 
+// More than anybody waits for, and some hundred megabytes of lines.
+constexpr int mostLines = 2'000'000;
+
 // Logs until the process ends; says on standard output which number is surely in the file.
-[[noreturn]] int Acknowledge()
+int Acknowledge()
 {
-    for (int number = 0;; ++number)
+    for (int number = 0; number < mostLines; ++number)
     {
         LogLine(0, number, number % 7 == 0 ? NX_LOG_LEVEL_WARNING : NX_LOG_LEVEL_INFO);
         if (number % 50 != 49)
@@ -53,11 +56,12 @@ void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueTo
         nxLogManager::GetInstance().FlushDevices();
         static_cast<void>(!::write(STDOUT_FILENO, &number, sizeof number));
     }
+    return 4;
 }
 
 void LogUntilStopped(int thread)
 {
-    for (int number = 0; !stop.load(std::memory_order_relaxed); ++number)
+    for (int number = 0; number < mostLines && !stop.load(std::memory_order_relaxed); ++number)
     {
         LogLine(thread, number);
         if (number == 0)
@@ -466,6 +470,7 @@ int Levels()
 
 int main(int argc, char** argv)
 {
+    ::alarm(600);  // whatever it waits for, and whoever has forgotten it
     const std::string mode = argc > 1 ? argv[1] : "";
     const std::string argument = argc > 2 ? argv[2] : "";
     const int count = std::atoi(argument.c_str());

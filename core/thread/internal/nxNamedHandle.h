@@ -1,0 +1,20 @@
+#ifndef CORE_THREAD_INTERNAL_NXNAMEDHANDLE_H
+#define CORE_THREAD_INTERNAL_NXNAMEDHANDLE_H
+
+#include <string>
+
+#include "core/platform/nxNamedObjectFile.h"
+
+/// Opens named objects for the classes that hold them, and tells the log when there are none to be had or what is open
+/// has been cut off: once, until it works again.
+class nxNamedHandle
+{
+public:
+    nxNamedHandle() = delete;
+
+    /// @return null, with errno, as nxNamedObjectTable::Open() does. Throws nothing.
+    static nxNamedObject* Open(const std::string& name, nxNamedObjectKind kind,
+                               const nxNamedObjectFile::Initialiser& initialise) noexcept;
+};
+
+#endif
