@@ -292,7 +292,9 @@ void nxLogQueue::Reserve(std::size_t records) noexcept
 // Whether there is much more than the bound, and nothing has moved for a while.
 bool nxLogQueue::_IsOverfull() noexcept
 {
-    if (_bytes.load(std::memory_order_relaxed) <= GetMaximumBytes() + mostBeyond)
+    const std::size_t bytes = _bytes.load(std::memory_order_relaxed);
+    const std::size_t most = GetMaximumBytes() + mostBeyond;
+    if (bytes <= most)
         return false;
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     const nxMutexGuard guard(_mutex);
@@ -301,7 +303,8 @@ bool nxLogQueue::_IsOverfull() noexcept
         _overfullAt = progress;
         _overfullSince = now;
     }
-    return now - _overfullSince >= overfullTime;
+    // Threads can come so fast that the time alone would bound nothing.
+    return now - _overfullSince >= (bytes <= most + mostBeyond ? overfullTime : overfullTime / 10);
 }
 
 // The first ring of a thread. Most threads say little, so it is small: a large one comes when it overflows.
