@@ -5,18 +5,19 @@ include(CMakePackageConfigHelpers)
 set(NXCORE_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/nxcore")
 
 install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
-    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
 # The public headers. What stands in internal/ and platform/ is the library's own affair, what public classes use inline
 # excepted: the clock of time stamps and log records, the word of a named semaphore, and the taking of a robust mutex. A
 # test holds that no installed header includes what is not installed, nor the reverse.
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE)
 install(FILES "${PROJECT_SOURCE_DIR}/core/platform/nxClock.h" "${PROJECT_SOURCE_DIR}/core/platform/nxNamedSemaphore.h"
-    "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
+    "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
-    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/core" COMPONENT development)
+    DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core" COMPONENT development)
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/nxcoreConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/nxcoreConfig.cmake" INSTALL_DESTINATION "${NXCORE_CMAKE_DIR}")
@@ -38,7 +39,8 @@ install(CODE "
 " COMPONENT development)
 
 # Laid out as in the source, so that the documents' links lead somewhere.
-install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
+    "${PROJECT_SOURCE_DIR}/LICENSE"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation

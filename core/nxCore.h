@@ -4,6 +4,8 @@
 /// @file
 /// Every public header of the library.
 
+#include "core/nxExport.h"  // says first what is not supported
+
 #include "core/app/nxApplicationData.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
@@ -88,7 +90,6 @@
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
-#include "core/nxExport.h"
 #include "core/nxVersion.h"
 #include "core/price/nxCatalogueTickTables.h"
 #include "core/price/nxCustomVariableTickTable.h"

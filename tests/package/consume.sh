@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and runs the consumer against the library in one of the three ways.
+# Builds and runs the consumer against the library in one of the three ways; as a part of its build the library is static.
 #
 #     consume.sh find_package|pkg-config PREFIX SOURCE SCRATCH LIBDIR CXX     against an installation
 #     consume.sh add_subdirectory - SOURCE SCRATCH - CXX                     as a part of the consumer's own build
@@ -23,12 +23,16 @@ pkg-config)
     program=$scratch/consumer
     ;;
 add_subdirectory)
-    cmake -S "$source/tests/consumer" -B "$scratch/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DNXCORE_UNITY=ON -DCMAKE_CXX_COMPILER="$cxx" -DNXCORE_SOURCE="$source" >"$scratch/configure.log"
+    cmake -S "$source/tests/consumer" -B "$scratch/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DNXCORE_UNITY=ON -DBUILD_SHARED_LIBS=OFF -DCMAKE_CXX_COMPILER="$cxx" -DNXCORE_SOURCE="$source" >"$scratch/configure.log"
     if grep -qE 'NXCORE_BUILD_(TESTS|TOOLS|EXAMPLES|BENCHMARKS):BOOL=ON' "$scratch/build/CMakeCache.txt"; then
         echo "a part of another project must build the library alone"; exit 1
     fi
     build "$scratch/build"
     program=$scratch/build/consumer
+    cmake --install "$scratch/build" --prefix "$scratch/installed" >"$scratch/install.log"
+    if [ -e "$scratch/installed" ]; then
+        echo "a part of another project must not be installed with it"; exit 1
+    fi
     ;;
 esac
 

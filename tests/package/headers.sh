@@ -5,4 +5,4 @@ build=$1 source=$2 scratch=$3 includedir=$4
 
 rm -rf "$scratch"
 cmake --install "$build" --component development --prefix "$scratch" >/dev/null
-python3 "$(dirname "$0")/includes.py" "$source" "$scratch/$includedir"
+python3 "$(dirname "$0")/includes.py" "$source" "$scratch/$includedir/nxcore"

@@ -15,12 +15,12 @@ import sys
 import tempfile
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
-WEAK = "VWu"  # what the compiler emits where it likes: inline functions, templates, type information
+WEAK = "VWuA"  # what the compiler emits where it likes: inline functions, templates, type information
 
 
 def symbols(library):
     """The library's own exported functions and data, without what inline code brings along."""
-    output = subprocess.run(["nm", "-DC", "--defined-only", library], capture_output=True, text=True, check=True).stdout
+    output = subprocess.run(["nm", "-DC", "--without-symbol-versions", "--defined-only", library], capture_output=True, text=True, check=True).stdout
     rows = (line.split(" ", 2) for line in output.splitlines())
     return sorted({name for _, kind, name in rows if kind not in WEAK})
 

@@ -1,0 +1,31 @@
+# What a Debian package holds beside the files that are installed: copyright, changelog, the trigger of the linker's cache,
+# and the lists by which other packages depend on the library.
+
+set(debian "${PROJECT_SOURCE_DIR}/cmake/debian")
+set(library "libnxcore${PROJECT_VERSION_MAJOR}")
+
+# The packages' changelog, compressed as Debian wants it and without the time at which that was done.
+find_program(NXCORE_GZIP gzip REQUIRED)
+set(changelog "${PROJECT_BINARY_DIR}/debian/changelog.gz")
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)  # or what SOURCE_DATE_EPOCH says
+file(WRITE "${PROJECT_BINARY_DIR}/debian/changelog" "nxcore (${PROJECT_VERSION}) unstable; urgency=medium
+
+  * See CHANGELOG.md in the package nxcore-doc for the changes of each version.
+
+ -- ${CPACK_PACKAGE_CONTACT}  ${date}
+")
+execute_process(COMMAND "${NXCORE_GZIP}" -9nc "${PROJECT_BINARY_DIR}/debian/changelog" OUTPUT_FILE "${changelog}"
+    COMMAND_ERROR_IS_FATAL ANY)
+foreach(component runtime development tools documentation)
+    string(TOUPPER ${component} name)
+    install(FILES "${changelog}" "${debian}/copyright"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component})
+endforeach()
+
+# Whoever links the library needs this version or a later one.
+set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
+file(WRITE "${shlibs}" "libnxcore ${PROJECT_VERSION_MAJOR} ${library} (>= ${PROJECT_VERSION})\n")
+# One row for all symbols: they came with one version of the interface.
+set(symbols "${PROJECT_BINARY_DIR}/debian/symbols")
+file(WRITE "${symbols}" "libnxcore.so.${PROJECT_VERSION_MAJOR} ${library} #MINVER#\n (symver)NXCORE_1 1.0.0\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian}/triggers;${shlibs};${symbols}")
