@@ -16,7 +16,7 @@ struct Refusal
 // Constant-initialised and never released: rows are refused before and after any initialiser of the library.
 constinit std::atomic<Refusal*> latest = nullptr;
 
-std::string InQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string InQuotes(std::string_view text) { return std::string(1, '\'').append(text).append(1, '\''); }
 
 void Tell(const std::string& subject, std::string_view shortDescription, const std::string& reason)
 {

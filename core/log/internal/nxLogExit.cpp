@@ -1,6 +1,5 @@
 #include "core/log/internal/nxLogExit.h"
 
-#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
@@ -10,7 +9,7 @@
 #include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogWriter.h"
-#include "core/platform/nxFile.h"
+#include "core/platform/nxStandardStream.h"
 #include "core/platform/nxProcess.h"
 #include "core/platform/nxServiceThread.h"
 #include "core/platform/nxThreadHooks.h"
@@ -79,6 +78,5 @@ void nxLogExit::EndProcessIfLast() noexcept
 
 void nxLogExit::Complain(std::string_view text) noexcept
 {
-    std::size_t written = 0;
-    static_cast<void>(nxFile::WriteTo(STDERR_FILENO, text.data(), text.size(), written));
+    static_cast<void>(nxStandardStream::GetErrors().Write(text));
 }
