@@ -24,7 +24,6 @@ nxLogManager& Manager() { return nxLogManager::GetInstance(); }
 class Device final : public nxLogDevice
 {
 public:
-    Device() { Manager().RegisterLogDevice(this); }
     ~Device() override { Manager().UnregisterLogDevice(this); }
 
     void Write(const nxLog& record) override
@@ -37,6 +36,7 @@ public:
         _Come([] {});
     }
 
+    void Register() { Manager().RegisterLogDevice(this); }
     // From here on nobody may be inside, or come.
     void Leave()
     {
@@ -82,6 +82,8 @@ TEST(nxLogDevicesLeaving, WhoIsAtAllDevicesLeavesThoseAloneThatTheirOwnersHaveTa
             if (isToBeHeld)
                 gate.Pass();
         };
+        slow.Register();
+        leaving.Register();
         std::jthread at(
             [destroys]
             {
@@ -105,6 +107,7 @@ TEST(nxLogDevicesLeaving, EverybodyWhoUnregistersADeviceWaitsForItAsLongAsItTake
     nxGate gate;
     Device device;
     device.onWrite = [&gate](const nxLog&) { gate.Pass(); };
+    device.Register();
     NX_LOG(NX_LOG_LEVEL_INFO) << "by the log's thread, which both wait for first";
     gate.WaitForSomebody();
     std::atomic<int> returned{0};
@@ -135,6 +138,7 @@ TEST(nxLogDevicesLeaving, ADeviceThatIsRegisteredAgainIsEnteredOnlyWhenTheLastCa
         Manager().RegisterLogDevice(&device);
         gate.Pass();
     };
+    device.Register();
     NX_LOG(NX_LOG_LEVEL_INFO) << "again";
     gate.WaitForSomebody();
     std::jthread other([] { Manager().ImmediateWrite(record); });
@@ -158,6 +162,7 @@ TEST(nxLogDevicesLeaving, WhatNoDeviceWasGivenDoesNotCountAsWritten)
         if (written.GetText() == "leave")
             Manager().UnregisterLogDevice(&device);
     };
+    device.Register();
     Manager().WaitForWriteThreadToWriteQueueToDisk(60.0);
     const nxLogStatistics before = Manager().GetStatistics();
     NX_LOG(NX_LOG_LEVEL_INFO) << "hold";
