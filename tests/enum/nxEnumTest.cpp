@@ -256,12 +256,13 @@ TEST(nxEnum, RefusedRowsAreToldOnce)
     EXPECT_EQ(nxErrorEnum(1500000).GetAsString(), "NOT_REGISTERED");
     std::vector<std::string> told = nxRefusedTexts::Get();
     std::erase_if(told, [](const std::string& sentence) { return sentence.find("BitMask") != sentence.npos; });
-    const std::string tooLong = "3000203 '" + std::string(65, 'R');
-    EXPECT_THAT(told, testing::ElementsAre(
-                          "3000201 'SESSION_DAY' is not registered: 3000001 has that identifier",
-                          "3000202 'OTHER' is not registered: the value has the identifier 'RIVAL'",
-                          "1500000 'NX_ERR_RIVAL' is not registered: it lies outside the interval of its class",
-                          tooLong + "' is not registered: the identifier is longer than 64 characters"));
+    std::string tooLong = "3000203 '";
+    tooLong.append(65, 'R').append("' is not registered: the identifier is longer than 64 characters");
+    EXPECT_THAT(told,
+                testing::ElementsAre(
+                    "3000201 'SESSION_DAY' is not registered: 3000001 has that identifier",
+                    "3000202 'OTHER' is not registered: the value has the identifier 'RIVAL'",
+                    "1500000 'NX_ERR_RIVAL' is not registered: it lies outside the interval of its class", tooLong));
 }
 
 // A thousand names that differ in one place, wherever it is: no slot of the table is the first choice of many.
