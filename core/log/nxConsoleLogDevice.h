@@ -64,10 +64,10 @@ private:
 
     void _Write(std::string_view lines);
 
-    nxMutex _mutex;                 // around a write, so that lines do not mix
-    bool _isLockedForFork = false;  // by the thread that forks
-    std::string _rest;              // of a line that standard output took the beginning of
+    nxMutex _mutex;     // around a write, so that lines do not mix
+    std::string _rest;  // of a line that standard output took the beginning of
     std::atomic<ShortForm> _shortForm{ShortForm::Level};
+    bool _isLockedForFork = false;  // by the thread that forks
     std::atomic<std::uint64_t> _lostLines{0};
 };
 

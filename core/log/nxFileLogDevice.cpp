@@ -1,7 +1,6 @@
 #include "core/log/nxFileLogDevice.h"
 
 #include <atomic>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -26,7 +25,7 @@ void WithoutThrowing(const Action& action)
     {
         action();
     }
-    catch (const std::bad_alloc&)
+    catch (...)
     {
     }
 }
@@ -130,11 +129,15 @@ void nxFileLogDevice::Destroy()
 void nxFileLogDevice::_EndProcess() noexcept
 {
     constexpr std::int64_t patience = 100'000'000;
-    nxFileLogDevice& device = GetInstance();
-    if (!nxLogForkLock::TakeUntil(device._mutex, nxClock::MonotonicNanoseconds() + patience))
-        return;
-    WithoutThrowing([&device] { device._parts->file->End(); });
-    device._mutex.Unlock();
+    WithoutThrowing(
+        []
+        {
+            nxFileLogDevice& device = GetInstance();
+            if (!nxLogForkLock::TakeUntil(device._mutex, nxClock::MonotonicNanoseconds() + patience))
+                return;
+            WithoutThrowing([&device] { device._parts->file->End(); });
+            device._mutex.Unlock();
+        });
 }
 
 void nxFileLogDevice::CloseAndReopenLogFile()

@@ -104,6 +104,8 @@ public:
 
     /// Has the calling thread's record, of @p level, written at once.
     static void Urge(nxEnumValue level) noexcept;
+    /// The same for a warning; programs that were built against version 1.0 call it.
+    static void WakeWriter() noexcept;
 
     /// What a record may count on when it is begun; what needs more may have to move.
     static constexpr std::size_t MinimumRoom = 256;

@@ -70,6 +70,7 @@ nxLogManager::nxLogManager() noexcept
     try
     {
         Apply(nxLogSettings::Read());
+        Apply(nxLogThreadSettings::Read());
     }
     catch (...)
     {
@@ -84,10 +85,14 @@ void nxLogManager::Apply(const nxLogSettings& settings) noexcept
     SetLogLevel(settings.level);
     SetLogThreadIndex(settings.threadIndex);
     SetTimeBetweenFlushes(settings.forceFlush ? 0 : static_cast<double>(settings.secondsBetweenFlushes));
-    if (!settings.threadProcessors.empty() || settings.threadPriority != 0)
-        SetWriteThread(settings.threadProcessors, static_cast<unsigned>(settings.threadPriority));
     if (settings.reservedEntries != 0)
         SetRecommendedBufferCapacity(static_cast<unsigned>(settings.reservedEntries));
+}
+
+void nxLogManager::Apply(const nxLogThreadSettings& settings) noexcept
+{
+    if (!settings.processors.empty() || settings.priority != 0)
+        SetWriteThread(settings.processors, settings.priority);
 }
 
 void nxLogManager::SetLogLevel(const nxLogLevelEnum& level) noexcept

@@ -13,6 +13,7 @@
 class nxLog;
 class nxLogDevice;
 struct nxLogSettings;
+struct nxLogThreadSettings;
 
 /// What the log has done since the process started; a forked child starts again at 0.
 struct nxLogStatistics
@@ -140,6 +141,8 @@ public:
     /// Takes over level, thread index, flush interval and reserved records, as the log does by itself with the
     /// environment that it finds when it is loaded.
     void Apply(const nxLogSettings& settings) noexcept;
+    /// Does what SetWriteThread() does, where something is set.
+    void Apply(const nxLogThreadSettings& settings) noexcept;
 
     /// Counters of what was written, lost and waited for.
     nxLogStatistics GetStatistics() const noexcept;

@@ -37,6 +37,7 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
 {
     const nxLogSettings settings = nxLogSettings::Read();
     nxLogManager::GetInstance().Apply(settings);
+    nxLogManager::GetInstance().Apply(nxLogThreadSettings::Read());
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
     file.Create(maximumFileSize, SetUpConsole(settings.console));
     TellRefusedTexts();

@@ -57,6 +57,7 @@ nxLogSettings::Console GetConsole()
         return nxLogSettings::Console::TimeAndText;
     return nxLogSettings::Console::Off;
 }
+
 // "0,2-5". A text that is anything else gives none at all.
 std::vector<unsigned> GetProcessors()
 {
@@ -68,7 +69,7 @@ std::vector<unsigned> GetProcessors()
     {
         const auto [stop, error] = std::from_chars(at, end, number);
         at = stop;
-        return error == std::errc() && number <= nxLogSettings::LargestProcessor;
+        return error == std::errc() && number <= nxLogThreadSettings::LargestProcessor;
     };
     while (at != end)
     {
@@ -102,7 +103,10 @@ nxLogSettings nxLogSettings::Read()
         GetNumber(QRX_LOG_BUFF_RESERVE_ENTRIES, settings.reservedEntries, 0, LargestReservedEntries);
     settings.threadIndex = GetBool(QRX_LOG_THREAD_INDEX, settings.threadIndex);
     settings.recreateOnChangeOfDate = GetBool(QRX_LOG_RECREATE_ON_CHANGE_OF_DATE, settings.recreateOnChangeOfDate);
-    settings.threadProcessors = GetProcessors();
-    settings.threadPriority = GetNumber("NX_LOG_THREAD_PRIORITY", 0, 0, LargestThreadPriority);
     return settings;
+}
+
+nxLogThreadSettings nxLogThreadSettings::Read()
+{
+    return {GetProcessors(), static_cast<unsigned>(GetNumber("NX_LOG_THREAD_PRIORITY", 0, 0, LargestPriority))};
 }

@@ -8,7 +8,7 @@
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/nxExport.h"
 
-/// What the environment asks of the log: the nine QRX_LOG_ settings and two more, read once and kept as plain values.
+/// What the environment asks of the log: the nine QRX_LOG_ settings, read once and kept as plain values.
 ///
 /// - Errors: none. A value that cannot be understood, the empty text included, leaves the default named below; a number
 ///   that is too large or too small is taken as the largest or smallest that is accepted.
@@ -35,8 +35,6 @@ struct NX_CORE_API nxLogSettings
     static constexpr std::uint64_t LargestTimeBetweenFlushes = 3'600;     ///< Seconds.
     static constexpr std::uint64_t LargestFileBufferMegabytes = 1'024;    ///< Mebibytes.
     static constexpr std::uint64_t LargestReservedEntries = 100'000'000;  ///< Records.
-    static constexpr std::uint64_t LargestThreadPriority = 99;            ///< As the system counts them.
-    static constexpr unsigned LargestProcessor = 1'023;                   ///< The number of a processor.
 
     /// QRX_LOG_LEVEL: the level from which on records are written, by its short description, "DBG" to "FTL", exactly as
     /// it stands. Undefined by default, which leaves the threshold alone: NX_LOG_LEVEL_INFO unless a program set it.
@@ -73,16 +71,26 @@ struct NX_CORE_API nxLogSettings
     /// default.
     bool recreateOnChangeOfDate = false;
 
-    /// NX_LOG_THREAD_PROCESSORS: the processors on which the deferred-write thread may run, such as "0,2-5". None by
-    /// default, which means those that the process had when the library was loaded.
-    std::vector<unsigned> threadProcessors;
-
-    /// NX_LOG_THREAD_PRIORITY: the real-time priority of the deferred-write thread, 1 to LargestThreadPriority. 0 by
-    /// default, which means ordinary scheduling.
-    std::uint64_t threadPriority = 0;
-
     /// Reads the settings through nxCmdLineArgs.
     static nxLogSettings Read();
+};
+
+/// What the environment asks of the log's thread. Errors, rights and threads are as for nxLogSettings.
+struct NX_CORE_API nxLogThreadSettings
+{
+    static constexpr std::uint64_t LargestPriority = 99;  ///< As the system counts them.
+    static constexpr unsigned LargestProcessor = 1'023;   ///< The number of a processor.
+
+    /// NX_LOG_THREAD_PROCESSORS: the processors on which the deferred-write thread may run, such as "0,2-5". None by
+    /// default, which means those that the process had when the library was loaded.
+    std::vector<unsigned> processors;
+
+    /// NX_LOG_THREAD_PRIORITY: the real-time priority of the deferred-write thread, 1 to LargestPriority. 0 by default,
+    /// which means ordinary scheduling.
+    unsigned priority = 0;
+
+    /// Reads the settings through nxCmdLineArgs.
+    static nxLogThreadSettings Read();
 };
 
 #endif

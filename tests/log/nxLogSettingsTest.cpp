@@ -18,13 +18,14 @@
 namespace
 {
 // The settings of an environment in which only `values` are set.
-nxLogSettings With(const std::vector<std::pair<const char*, const char*>>& values)
+template <class Settings = nxLogSettings>
+Settings With(const std::vector<std::pair<const char*, const char*>>& values)
 {
     for (const char* const key : {"QRX_LOG_LEVEL", "QRX_LOG_DIRECTORY", "QRX_LOG_TO_CONSOLE", "QRX_LOG_THREAD_INDEX"})
         unsetenv(key);
     for (const auto& [key, value] : values)
         setenv(key, value, 1);
-    nxLogSettings settings = nxLogSettings::Read();
+    Settings settings = Settings::Read();
     for (const auto& [key, value] : values)
         unsetenv(key);
     return settings;
@@ -132,7 +133,7 @@ TEST(nxLogSettings, TakeWhereTheThreadRuns)
                                                        {"1-", {}},   {"-1", {}},        {"a", {}},
                                                        {"1-2-3", {}}};
     for (const auto& [text, processors] : rows)
-        EXPECT_EQ(With({{"NX_LOG_THREAD_PROCESSORS", text}}).threadProcessors, processors) << text;
-    EXPECT_EQ(With({{"NX_LOG_THREAD_PRIORITY", "100"}}).threadPriority, 99u);
-    EXPECT_EQ(With({}).threadPriority, 0u);
+        EXPECT_EQ(With<nxLogThreadSettings>({{"NX_LOG_THREAD_PROCESSORS", text}}).processors, processors) << text;
+    EXPECT_EQ(With<nxLogThreadSettings>({{"NX_LOG_THREAD_PRIORITY", "100"}}).priority, 99u);
+    EXPECT_EQ(With<nxLogThreadSettings>({}).priority, 0u);
 }

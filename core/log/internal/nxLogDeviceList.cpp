@@ -113,7 +113,18 @@ void nxLogDeviceEntry::AfterForkInChild() noexcept
         _lineSink->AfterForkInChild();
 }
 
-nxLogDeviceList::nxLogDeviceList() noexcept : _entries(std::make_shared<const Entries>()) {}
+namespace
+{
+// The list before the first registration, which may have to do without memory. It owns nothing and is not destroyed.
+std::shared_ptr<const nxLogDeviceList::Entries> NoEntries() noexcept
+{
+    using Entries = const nxLogDeviceList::Entries;
+    alignas(Entries) static unsigned char storage[sizeof(Entries)];
+    return {std::shared_ptr<void>(), ::new (storage) Entries};
+}
+}  // namespace
+
+nxLogDeviceList::nxLogDeviceList() noexcept : _entries(NoEntries()) {}
 
 nxLogDeviceList& nxLogDeviceList::GetInstance() noexcept
 {

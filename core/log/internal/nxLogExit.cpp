@@ -1,6 +1,5 @@
 #include "core/log/internal/nxLogExit.h"
 
-
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -9,9 +8,9 @@
 #include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogWriter.h"
-#include "core/platform/nxStandardStream.h"
 #include "core/platform/nxProcess.h"
 #include "core/platform/nxServiceThread.h"
+#include "core/platform/nxStandardStream.h"
 #include "core/platform/nxThreadHooks.h"
 
 namespace

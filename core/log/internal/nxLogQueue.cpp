@@ -145,6 +145,8 @@ void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill*
 
 void nxLogChannel::Urge(nxEnumValue level) noexcept { nxLogWriter::GetInstance().Urge(level); }
 
+void nxLogChannel::WakeWriter() noexcept { Urge(NX_LOG_LEVEL_WARNING); }
+
 // Memory.
 
 bool nxLogQueue::_ClaimBytes(std::size_t bytes) noexcept

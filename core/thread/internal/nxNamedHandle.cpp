@@ -1,7 +1,6 @@
 #include "core/thread/internal/nxNamedHandle.h"
 
 #include <cerrno>
-#include <new>
 #include <system_error>
 
 #include "core/log/nxLogMacros.h"
@@ -35,7 +34,7 @@ nxNamedObject* nxNamedHandle::Open(const std::string& name, nxNamedObjectKind ki
     {
         Tell(notice, name, error);
     }
-    catch (const std::bad_alloc&)
+    catch (...)
     {
         // No memory to tell it with; the handle is null all the same.
     }
