@@ -23,7 +23,7 @@
 template <nxPrintable Value>
 struct fmt::formatter<Value, char> : fmt::formatter<std::string_view, char>
 {
-    /// Reads the specification.
+    /// Reads the format.
     template <class Context>
     constexpr auto parse(Context& context)
     {

@@ -22,7 +22,7 @@
 template <nxPrintable Value>
 struct std::formatter<Value, char> : std::formatter<std::string_view, char>
 {
-    /// Reads the specification.
+    /// Reads the format.
     template <class Context>
     constexpr auto parse(Context& context)
     {

@@ -94,13 +94,12 @@ template <class Value>
 concept nxCuttable = std::derived_from<Value, nxEnum> || std::derived_from<Value, nxBitMask> ||
     std::derived_from<Value, nxBitMask64> || std::same_as<Value, nxStringValue>;
 
-/// @return whether a format specification for texts asks for a precision: a point that is no fill character, which an
+/// @return whether a format for texts asks for a precision: a point that is no fill character, which an
 ///         alignment would follow.
-constexpr bool nxHasPrecision(std::string_view specification)
+constexpr bool nxHasPrecision(std::string_view format)
 {
-    for (std::size_t at = 0; at < specification.size(); ++at)
-        if (specification[at] == '.' &&
-            std::string_view("<>^").find(specification.substr(at + 1, 1)) == std::string_view::npos)
+    for (std::size_t at = 0; at < format.size(); ++at)
+        if (format[at] == '.' && std::string_view("<>^").find(format.substr(at + 1, 1)) == std::string_view::npos)
             return true;
     return false;
 }
