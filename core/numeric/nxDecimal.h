@@ -12,12 +12,14 @@
 #include <type_traits>
 
 #include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxPlainInteger.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
 #include "core/text/nxDigits.h"
 #include "core/text/nxInitalizers.h"
+#include "core/text/nxTextTraits.h"
 
 class nxPriceManipulator;
 class nxSimpleAsciiStringWriter;
@@ -55,10 +57,8 @@ class NX_CORE_API nxDecimal
 {
     // Integers that 64 bits hold. A character is one in name only, and so is a truth value.
     template <class Number>
-    static constexpr bool _isWhole = std::integral<Number> && sizeof(Number) <= sizeof(long long) &&
-                                     !std::same_as<Number, bool> && !std::same_as<Number, char> &&
-                                     !std::same_as<Number, wchar_t> && !std::same_as<Number, char8_t> &&
-                                     !std::same_as<Number, char16_t> && !std::same_as<Number, char32_t>;
+    static constexpr bool _isWhole = nxPlainInteger<Number> && sizeof(Number) <= sizeof(long long) &&
+                                     !std::same_as<Number, char> && !nxWideCharacter<Number>;
     // What converts to an integer and loses its fraction, its high bits or its state; constants of an enumeration do not.
     template <class Number>
     static constexpr bool _isCut =
