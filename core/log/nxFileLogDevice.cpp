@@ -126,18 +126,14 @@ void nxFileLogDevice::Destroy()
 }
 
 // What did not get into the file is told.
-void nxFileLogDevice::_EndProcess() noexcept
+void nxFileLogDevice::_EndProcess()
 {
     constexpr std::int64_t patience = 100'000'000;
-    WithoutThrowing(
-        []
-        {
-            nxFileLogDevice& device = GetInstance();
-            if (!nxLogForkLock::TakeUntil(device._mutex, nxClock::MonotonicNanoseconds() + patience))
-                return;
-            WithoutThrowing([&device] { device._parts->file->End(); });
-            device._mutex.Unlock();
-        });
+    nxFileLogDevice& device = GetInstance();
+    if (!nxLogForkLock::TakeUntil(device._mutex, nxClock::MonotonicNanoseconds() + patience))
+        return;
+    WithoutThrowing([&device] { device._parts->file->End(); });
+    device._mutex.Unlock();
 }
 
 void nxFileLogDevice::CloseAndReopenLogFile()

@@ -96,7 +96,7 @@ private:
     nxFileLogDevice();
     ~nxFileLogDevice() override;
 
-    static void _EndProcess() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+    static void _EndProcess() NX_NO_THREAD_SAFETY_ANALYSIS;
 
     nxLogLineStyle GetLineStyle() const override;
     void WriteLines(const nxLogLineBatch& batch) override;
