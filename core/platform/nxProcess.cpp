@@ -1,7 +1,6 @@
 #include "core/platform/nxProcess.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <ifaddrs.h>
 #include <net/if.h>
 #include <netinet/in.h>
@@ -12,6 +11,9 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
+#include <span>
+
+#include "core/platform/nxFile.h"
 
 namespace
 {
@@ -30,11 +32,9 @@ class StatusOfProcess
 public:
     StatusOfProcess()
     {
-        const int file = ::open("/proc/self/stat", O_RDONLY | O_CLOEXEC);
-        const ssize_t size = file < 0 ? 0 : ::read(file, _text, sizeof(_text) - 1);
-        if (file >= 0)
-            ::close(file);
-        _text[size > 0 ? size : 0] = '\0';
+        std::size_t size = 0;
+        const int error = nxFile::ReadAll("/proc/self/stat", std::span(_text).first(sizeof _text - 1), size);
+        _text[error == 0 ? size : 0] = '\0';
     }
 
     // The text of a field from the third on, null when there is none. The second is the program's name in parentheses

@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -411,7 +412,10 @@ TEST_F(nxFileLogDeviceTest, BeginsANewFileWhereOthersHaveTakenTheOldOneAway)
         told += std::string("Log file was ") + row.told + ". Filename: " + file + "\n";
         EXPECT_EQ(GetErrors(), told);
         Device().Destroy();
-        EXPECT_EQ(close(descriptor), &row - rows == 1 ? 0 : -1) << "what is not ours stays open";
+        struct stat status = {}, other = {};
+        const bool isOrders = stat(orders.c_str(), &other) == 0 && fstat(descriptor, &status) == 0 &&
+                              status.st_ino == other.st_ino && close(descriptor) == 0;
+        EXPECT_EQ(isOrders, &row - rows == 1) << "what is not ours stays open";
         fs::remove(away);
     }
     EXPECT_EQ(nxReadFile(orders), "order");
