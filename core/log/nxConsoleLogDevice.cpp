@@ -11,6 +11,7 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
+#include "core/platform/nxOneInstance.h"
 #include "core/platform/nxStandardStream.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -20,8 +21,8 @@ nxConsoleLogDevice::~nxConsoleLogDevice() { nxLogManager::GetInstance().Unregist
 
 nxConsoleLogDevice& nxConsoleLogDevice::GetInstance()
 {
-    static nxConsoleLogDevice& device = *new nxConsoleLogDevice;
-    return device;
+    static constinit nxOneInstance<nxConsoleLogDevice> device;
+    return device.Get();
 }
 
 nxLogLineStyle nxConsoleLogDevice::GetLineStyle() const

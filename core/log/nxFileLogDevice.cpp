@@ -9,6 +9,7 @@
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogManager.h"
 #include "core/platform/nxClock.h"
+#include "core/platform/nxOneInstance.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -52,8 +53,8 @@ struct nxFileLogDevice::Parts
 
 nxFileLogDevice& nxFileLogDevice::GetInstance()
 {
-    static nxFileLogDevice& device = *new nxFileLogDevice;
-    return device;
+    static constinit nxOneInstance<nxFileLogDevice> device;
+    return device.Get();
 }
 
 nxFileLogDevice::nxFileLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this)), _parts(std::make_unique<Parts>())

@@ -11,6 +11,9 @@
 #include "core/text/nxValueWrapper.h"
 #include "core/thread/nxMutex.h"
 
+template <class Object>
+class nxOneInstance;
+
 /// The log file of the process.
 ///
 /// Each record is one line, "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]" and CR LF; the thread's
@@ -91,6 +94,7 @@ public:
     std::uint64_t GetLostLines() const;
 
 private:
+    friend class nxOneInstance<nxFileLogDevice>;
     struct Parts;
 
     nxFileLogDevice();

@@ -109,6 +109,11 @@ unsigned nxProcess::GetID() { return static_cast<unsigned>(::getpid()); }
 
 bool nxProcess::IsOnlyThreadLeft()
 {
+    // The link of a main thread that has ended cannot be read. While it runs no file is opened: other code of the
+    // process may count on the number that a descriptor of its own gets next.
+    char link = 0;
+    if (::readlink("/proc/self/cwd", &link, sizeof link) >= 0)
+        return false;
     const StatusOfProcess status;
     // The state is that of the main thread, which counts as one of the threads until the process ends.
     const char* const state = status.GetField(3);

@@ -412,13 +412,14 @@ TEST_F(nxFileLogDeviceTest, BeginsANewFileWhereOthersHaveTakenTheOldOneAway)
         told += std::string("Log file was ") + row.told + ". Filename: " + file + "\n";
         EXPECT_EQ(GetErrors(), told);
         Device().Destroy();
-        struct stat status = {}, other = {};
-        const bool isOrders = stat(orders.c_str(), &other) == 0 && fstat(descriptor, &status) == 0 &&
-                              status.st_ino == other.st_ino && close(descriptor) == 0;
-        EXPECT_EQ(isOrders, &row - rows == 1) << "what is not ours stays open";
+        if (&row - rows == 1)
+        {
+            EXPECT_EQ(write(descriptor, "more", 4), 4) << "what is not ours stays open";
+            close(descriptor);
+        }
         fs::remove(away);
     }
-    EXPECT_EQ(nxReadFile(orders), "order");
+    EXPECT_EQ(nxReadFile(orders), "ordermore");
 }
 
 TEST_F(nxFileLogDeviceTest, TakesOnWithTheOldFileWhereNoNewOneCanBeOpened)
