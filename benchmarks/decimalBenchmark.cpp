@@ -12,7 +12,7 @@
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/nxDecimal.h"
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 
 #ifdef NX_BENCHMARK_HAS_BID
     #define DECIMAL_CALL_BY_REFERENCE 0

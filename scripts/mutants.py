@@ -37,13 +37,13 @@ CLASSES = {
          "core/numeric/nxDoubleHelper.h"],
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
-        ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/text/nxDigits.h",
+        ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/text/inline/nxDigits.h",
          "core/text/internal/nxPriceText.h"],
         ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (
-        ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/nxTickGrid.h",
-         "core/price/nxTickGrid.cpp", "core/price/nxTickZone.h", "core/price/nxTickTableCursor.h",
+        ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/inline/nxTickGrid.h",
+         "core/price/inline/nxTickGrid.cpp", "core/price/inline/nxTickZone.h", "core/price/nxTickTableCursor.h",
          "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h", "core/price/internal/nxTickRun.cpp"],
         ["tests/price/nxVariableTickTableTest.cpp"]),
 }

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXACCOUNTNODEDEFINITIONFIELDSBITMASK_H
 #define CORE_ENUM_NXACCOUNTNODEDEFINITIONFIELDSBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// The fields of an account's definition that a request carries.
 class NX_CORE_API nxAccountNodeDefinitionFieldsBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXACCOUNTNODEFLAGBITMASK_H
 #define CORE_ENUM_NXACCOUNTNODEFLAGBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How positions are kept for an account.
 class NX_CORE_API nxAccountNodeFlagBitMask final : public nxTypedBitMask<nxAccountNodeFlagBitMask, nxBitMask64>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXATTRIBUTECHANGEBITMASK_H
 #define CORE_ENUM_NXATTRIBUTECHANGEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// What has changed in a displayed attribute, and how the change is shown.
 class NX_CORE_API nxAttributeChangeBitMask final : public nxTypedBitMask<nxAttributeChangeBitMask, nxBitMask>

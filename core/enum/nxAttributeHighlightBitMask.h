@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXATTRIBUTEHIGHLIGHTBITMASK_H
 #define CORE_ENUM_NXATTRIBUTEHIGHLIGHTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Why a displayed attribute is highlighted.
 class NX_CORE_API nxAttributeHighlightBitMask final : public nxTypedBitMask<nxAttributeHighlightBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXATTRIBUTETREEDRILLDOWNBITMASK_H
 #define CORE_ENUM_NXATTRIBUTETREEDRILLDOWNBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How a row of a tree on a screen can be expanded.
 class NX_CORE_API nxAttributeTreeDrilldownBitMask final

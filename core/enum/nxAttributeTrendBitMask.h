@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXATTRIBUTETRENDBITMASK_H
 #define CORE_ENUM_NXATTRIBUTETRENDBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which way a displayed price moved last.
 class NX_CORE_API nxAttributeTrendBitMask final : public nxTypedBitMask<nxAttributeTrendBitMask, nxBitMask>

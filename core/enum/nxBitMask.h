@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/enum/nxPlainInteger.h"
+#include "core/enum/inline/nxPlainInteger.h"
 #include "core/nxExport.h"
 
 /// The base of every 32-bit set of named flags. Derive a mask of your own from nxTypedBitMask.

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/enum/nxPlainInteger.h"
+#include "core/enum/inline/nxPlainInteger.h"
 #include "core/nxExport.h"
 
 /// The base of every 64-bit set of named flags: nxBitMask with room for 62 of them. Derive a mask of your own from

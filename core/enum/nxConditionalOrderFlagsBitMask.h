@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXCONDITIONALORDERFLAGSBITMASK_H
 #define CORE_ENUM_NXCONDITIONALORDERFLAGSBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How the entry of a stop bracket is executed.
 class NX_CORE_API nxConditionalOrderFlagsBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXDATAINTERESTBITMASK_H
 #define CORE_ENUM_NXDATAINTERESTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which bars of a product's history somebody subscribes to: by time, by number of trades, by volume.
 class NX_CORE_API nxDataInterestBitMask final : public nxTypedBitMask<nxDataInterestBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXDATAOBJECTCACHEOBSERVERBITMASK_H
 #define CORE_ENUM_NXDATAOBJECTCACHEOBSERVERBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How an observer of the data object cache is notified.
 class NX_CORE_API nxDataObjectCacheObserverBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXDATABASEMODEBITMASK_H
 #define CORE_ENUM_NXDATABASEMODEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How a database is opened.
 class NX_CORE_API nxDatabaseModeBitMask final : public nxTypedBitMask<nxDatabaseModeBitMask, nxBitMask>

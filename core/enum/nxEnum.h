@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "core/enum/nxEnumTable.h"
+#include "core/enum/inline/nxEnumTable.h"
+#include "core/enum/inline/nxPlainInteger.h"
 #include "core/enum/nxEnumValue.h"
-#include "core/enum/nxPlainInteger.h"
 #include "core/nxExport.h"
 
 /// The base of every named enumeration: one value of the process-wide numbering, with texts kept in a registry.

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "core/enum/nxEnumTable.h"
+#include "core/enum/inline/nxEnumTable.h"
 #include "core/enum/nxEnumValue.h"
 
 /// The registered values of an interval, ascending, to loop over without a container; what

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXEXCHANGEPRICEFILTERBITMASK_H
 #define CORE_ENUM_NXEXCHANGEPRICEFILTERBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which of an exchange's price messages are passed on.
 class NX_CORE_API nxExchangePriceFilterBitMask final : public nxTypedBitMask<nxExchangePriceFilterBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXEXTENDEDATTRIBUTEHIGHLIGHTBITMASK_H
 #define CORE_ENUM_NXEXTENDEDATTRIBUTEHIGHLIGHTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Further reasons why a displayed attribute is highlighted; see nxAttributeHighlightBitMask.
 class NX_CORE_API nxExtendedAttributeHighlightBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXGENERICDATAACCESSLEVELBASEBITMASK_H
 #define CORE_ENUM_NXGENERICDATAACCESSLEVELBASEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How far somebody may reach a data object.
 ///

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXHIDEVENTTARGETFILTERBITMASK_H
 #define CORE_ENUM_NXHIDEVENTTARGETFILTERBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which window receives the events of an input device such as a trader's keypad.
 class NX_CORE_API nxHIDEventTargetFilterBitMask final : public nxTypedBitMask<nxHIDEventTargetFilterBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXINTRADAYPRODUCTDEFINITIONUPDATEBITMASK_H
 #define CORE_ENUM_NXINTRADAYPRODUCTDEFINITIONUPDATEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// What has changed in a product's definition during the day.
 class NX_CORE_API nxIntraDayProductDefinitionUpdateBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXKEYBOARDMODIFIERBITMASK_H
 #define CORE_ENUM_NXKEYBOARDMODIFIERBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// The keys held down while another key or a mouse button is pressed.
 class NX_CORE_API nxKeyboardModifierBitMask final : public nxTypedBitMask<nxKeyboardModifierBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXORDERBOOKINTERESTBITMASK_H
 #define CORE_ENUM_NXORDERBOOKINTERESTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which events of an order book somebody subscribes to. "Early" events come before the exchange confirms them.
 class NX_CORE_API nxOrderBookInterestBitMask final : public nxTypedBitMask<nxOrderBookInterestBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXORDERTRANSACTIONBROADCASTBITMASK_H
 #define CORE_ENUM_NXORDERTRANSACTIONBROADCASTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How a transaction on an order is broadcast to other servers.
 class NX_CORE_API nxOrderTransactionBroadcastBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXPRICEINTERESTBITMASK_H
 #define CORE_ENUM_NXPRICEINTERESTBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Which prices of a product somebody subscribes to.
 class NX_CORE_API nxPriceInterestBitMask final : public nxTypedBitMask<nxPriceInterestBitMask, nxBitMask>

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXPRODUCTTREESELECTABLENODEBASEBITMASK_H
 #define CORE_ENUM_NXPRODUCTTREESELECTABLENODEBASEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// The levels of the product tree at which a user may select a node.
 class NX_CORE_API nxProductTreeSelectableNodeBaseBitMask final

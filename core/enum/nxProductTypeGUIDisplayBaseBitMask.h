@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXPRODUCTTYPEGUIDISPLAYBASEBITMASK_H
 #define CORE_ENUM_NXPRODUCTTYPEGUIDISPLAYBASEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// The types of product that a screen shows.
 class NX_CORE_API nxProductTypeGUIDisplayBaseBitMask final

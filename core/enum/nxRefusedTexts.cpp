@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include "core/enum/nxEnumTable.h"
+#include "core/enum/inline/nxEnumTable.h"
 
 namespace
 {

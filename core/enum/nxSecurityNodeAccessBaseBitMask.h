@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXSECURITYNODEACCESSBASEBITMASK_H
 #define CORE_ENUM_NXSECURITYNODEACCESSBASEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How far somebody may reach a node of the tree of users and accounts.
 class NX_CORE_API nxSecurityNodeAccessBaseBitMask final

@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXSECURITYNODECHANGEBITMASK_H
 #define CORE_ENUM_NXSECURITYNODECHANGEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// What has changed in a node of the tree of users and accounts.
 class NX_CORE_API nxSecurityNodeChangeBitMask final : public nxTypedBitMask<nxSecurityNodeChangeBitMask, nxBitMask>

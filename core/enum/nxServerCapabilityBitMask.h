@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXSERVERCAPABILITYBITMASK_H
 #define CORE_ENUM_NXSERVERCAPABILITYBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// What a server can do for its clients.
 class NX_CORE_API nxServerCapabilityBitMask final : public nxTypedBitMask<nxServerCapabilityBitMask, nxBitMask64>

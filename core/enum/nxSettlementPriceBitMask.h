@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXSETTLEMENTPRICEBITMASK_H
 #define CORE_ENUM_NXSETTLEMENTPRICEBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// What kind of settlement price is published.
 class NX_CORE_API nxSettlementPriceBitMask final : public nxTypedBitMask<nxSettlementPriceBitMask, nxBitMask>

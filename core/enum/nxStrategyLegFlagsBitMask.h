@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXSTRATEGYLEGFLAGSBITMASK_H
 #define CORE_ENUM_NXSTRATEGYLEGFLAGSBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// How the price of a strategy's leg follows its secondary product.
 class NX_CORE_API nxStrategyLegFlagsBitMask final : public nxTypedBitMask<nxStrategyLegFlagsBitMask, nxBitMask>

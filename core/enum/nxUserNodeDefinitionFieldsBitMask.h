@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXUSERNODEDEFINITIONFIELDSBITMASK_H
 #define CORE_ENUM_NXUSERNODEDEFINITIONFIELDSBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// The fields of a user's definition that a request carries.
 class NX_CORE_API nxUserNodeDefinitionFieldsBitMask final

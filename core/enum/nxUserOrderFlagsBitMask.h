@@ -1,7 +1,7 @@
 #ifndef CORE_ENUM_NXUSERORDERFLAGSBITMASK_H
 #define CORE_ENUM_NXUSERORDERFLAGSBITMASK_H
 
-#include "core/enum/nxListedBitMask.h"
+#include "core/enum/inline/nxListedBitMask.h"
 
 /// Thirty flags on an order whose meaning its users decide.
 ///

@@ -6,9 +6,9 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxLogLevelEnum.h"
+#include "core/log/inline/nxLogMessage.h"
+#include "core/log/inline/nxLogStream.h"
 #include "core/log/nxLogMarkers.h"
-#include "core/log/nxLogMessage.h"
-#include "core/log/nxLogStream.h"
 #include "core/nxExport.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/time/nxTimeStamp.h"

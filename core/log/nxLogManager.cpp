@@ -10,14 +10,14 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogSettings.h"
+#include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxServiceThread.h"
 #include "core/platform/nxThreadHooks.h"
 
 namespace
 {
-constexpr std::int64_t second = 1'000'000'000;
 constexpr double longestWait = 86'400;
-constexpr std::int64_t longestWriteOut = 10 * second;
+constexpr std::int64_t longestWriteOut = 10 * nxNanoseconds::PerSecond;
 
 // Passes what is queued to the devices, if there is anything.
 void WriteOut(std::int64_t limit, std::int64_t stallLimit)
@@ -135,7 +135,7 @@ void nxLogManager::RegisterLogDevices(std::span<nxLogDevice* const> devices) noe
     if (std::none_of(devices.begin(), devices.end(), isNew))
         return;
     // What has been reported by now is for the devices that are there. The first ones get all that there was.
-    WriteOut(second, second / 10);
+    WriteOut(nxNanoseconds::PerSecond, nxNanoseconds::PerSecond / 10);
     list.Add(devices);
     nxLogWriter& writer = nxLogWriter::GetInstance();
     // Not only when somebody reports: that may be a thread with no time to start another one.
@@ -147,13 +147,13 @@ void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
 {
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
     if (devices.Contains(device))
-        WriteOut(longestWriteOut, second);
+        WriteOut(longestWriteOut, nxNanoseconds::PerSecond);
     devices.Remove(device);
 }
 
 void nxLogManager::UnregisterAllLogDevices() noexcept
 {
-    WriteOut(longestWriteOut, second);
+    WriteOut(longestWriteOut, nxNanoseconds::PerSecond);
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
     const std::shared_ptr<const nxLogDeviceList::Entries> taken = devices.TakeAll();
     for (const auto& entry : *taken)
@@ -173,7 +173,8 @@ void nxLogManager::WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapp
     // NaN fails the comparison, too.
     if (!seconds.IsValid() || !(wanted > 0))
         return;
-    const auto limit = static_cast<std::int64_t>(std::min(wanted, longestWait) * static_cast<double>(second));
+    const auto limit =
+        static_cast<std::int64_t>(std::min(wanted, longestWait) * static_cast<double>(nxNanoseconds::PerSecond));
     nxLogWriter::GetInstance().WaitUntilWritten(limit, limit);
 }
 
@@ -219,8 +220,8 @@ nxLogStatistics nxLogManager::GetStatistics() const noexcept
 void nxLogManager::Destroy() noexcept
 {
     nxLogWriter& writer = nxLogWriter::GetInstance();
-    writer.WriteOut(longestWriteOut, 2 * second);
-    const bool stopped = writer.Stop(2 * second);
+    writer.WriteOut(longestWriteOut, 2 * nxNanoseconds::PerSecond);
+    const bool stopped = writer.Stop(2 * nxNanoseconds::PerSecond);
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
     // With the deferred-write thread stuck inside a device, there is no waiting for that.
     for (const auto& entry : *devices)

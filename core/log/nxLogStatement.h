@@ -4,11 +4,11 @@
 #include <concepts>
 
 #include "core/enum/nxLogLevelEnum.h"
+#include "core/log/inline/nxLogChannel.h"
+#include "core/log/inline/nxLogSource.h"
+#include "core/log/inline/nxLogStream.h"
 #include "core/log/nxLog.h"
-#include "core/log/nxLogChannel.h"
 #include "core/log/nxLogManager.h"
-#include "core/log/nxLogSource.h"
-#include "core/log/nxLogStream.h"
 
 /// One statement of NX_LOG: begins a record, takes what is streamed straight into the calling thread's ring and hands
 /// it over when the statement ends, also when an argument throws. Use the macros of nxLogMacros.h.

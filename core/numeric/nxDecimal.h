@@ -11,15 +11,15 @@
 #include <string_view>
 #include <type_traits>
 
+#include "core/enum/inline/nxPlainInteger.h"
 #include "core/enum/nxErrorEnum.h"
-#include "core/enum/nxPlainInteger.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
+#include "core/text/inline/nxTextTraits.h"
 #include "core/text/nxInitalizers.h"
-#include "core/text/nxTextTraits.h"
 
 class nxPriceManipulator;
 class nxSimpleAsciiStringWriter;

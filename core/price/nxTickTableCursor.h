@@ -7,7 +7,7 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
-#include "core/price/nxTickZone.h"
+#include "core/price/inline/nxTickZone.h"
 #include "core/price/nxVariableTickTable.h"
 
 /// One thread's own place in a tick table: every answer is that of a table that keeps the constraints, to the last place, without

@@ -9,8 +9,8 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
-#include "core/price/nxTickGrid.h"
-#include "core/price/nxTickZone.h"
+#include "core/price/inline/nxTickGrid.h"
+#include "core/price/inline/nxTickZone.h"
 #include "core/thread/nxMutex.h"
 #include "core/thread/nxMutexGuard.h"
 

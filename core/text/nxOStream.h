@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "core/text/nxDigits.h"
-#include "core/text/nxTextTraits.h"
+#include "core/text/inline/nxDigits.h"
+#include "core/text/inline/nxTextTraits.h"
 
 /// A text stream without locale, formatting flags or virtual calls: it hands the bytes of each piece to its writer.
 ///

@@ -9,8 +9,8 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
-#include "core/text/nxDigits.h"
-#include "core/text/nxTextTraits.h"
+#include "core/text/inline/nxDigits.h"
+#include "core/text/inline/nxTextTraits.h"
 
 class nxCaseSensitivityEnum;
 class nxDate;

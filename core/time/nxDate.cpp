@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <ostream>
 
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 #include "core/text/nxStringHelper.h"
 
 nxDate nxDate::GetFromDayNumber(long long dayNumber)

@@ -5,7 +5,7 @@
 #include <ostream>
 
 #include "core/platform/nxLocalZone.h"
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 #include "core/text/nxStringHelper.h"
 
 namespace

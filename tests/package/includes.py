@@ -57,7 +57,7 @@ def circle(graph):
 
 def is_public(path):
     """Whether a user may name the header: everything but what the library keeps to itself."""
-    return path.endswith(".h") and "/internal/" not in path and layer(path) is not None
+    return path.endswith(".h") and "/internal/" not in path and "/inline/" not in path and layer(path) is not None
 
 
 def faults_of_source(graph):

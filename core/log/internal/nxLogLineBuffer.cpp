@@ -6,7 +6,7 @@
 
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/log/internal/nxLogValueReader.h"
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 #include "core/text/nxPrintableText.h"
 #include "core/text/nxStringHelper.h"
 

@@ -6,11 +6,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/log/inline/nxLogSource.h"
 #include "core/log/internal/nxLogPlainMessage.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLogLineSink.h"
-#include "core/log/nxLogSource.h"
 
 /// What full lines tell about the reporting thread: "[7]", or "[7/1]" with the processor. Nothing without the index.
 struct nxLogLineThread

@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "core/enum/nxEnumTable.h"
-#include "core/log/nxLogStream.h"
-#include "core/text/nxDigits.h"
+#include "core/enum/inline/nxEnumTable.h"
+#include "core/log/inline/nxLogStream.h"
+#include "core/text/inline/nxDigits.h"
 #include "core/text/nxPrintableText.h"
 
 /// The text of nearly every message: of short records that hold nothing to be

@@ -7,10 +7,10 @@
 #include <new>
 #include <utility>
 
+#include "core/log/inline/nxLogSource.h"
 #include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
-#include "core/log/nxLogSource.h"
 #include "core/platform/nxFutex.h"
 #include "core/platform/nxThreadHooks.h"
 #include "core/thread/internal/nxMutexInChild.h"

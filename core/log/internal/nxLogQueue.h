@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/log/inline/nxLogChannel.h"
 #include "core/log/internal/nxLogRecord.h"
-#include "core/log/nxLogChannel.h"
 #include "core/platform/nxClock.h"
 #include "core/thread/nxMutex.h"
 

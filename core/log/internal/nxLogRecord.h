@@ -1,7 +1,7 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGRECORD_H
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 
-#include "core/log/nxLogSource.h"
+#include "core/log/inline/nxLogSource.h"
 #include "core/platform/nxClock.h"
 
 /// What devices and lines are made of: one record, wherever its bytes are. Owns nothing.

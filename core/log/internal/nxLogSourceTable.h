@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/log/nxLogSource.h"
+#include "core/log/inline/nxLogSource.h"
 #include "core/thread/nxMutex.h"
 
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "core/log/nxLogStream.h"
+#include "core/log/inline/nxLogStream.h"
 
 /// Reads the tagged values of a record one by one.
 class nxLogValueReader

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "core/numeric/nxDecimal.h"
-#include "core/price/nxTickZone.h"
+#include "core/price/inline/nxTickZone.h"
 #include "core/price/nxVariableTickTable.h"
 
 /// Cuts short a long run of steps that go by the decimal rules: it learns stretches of prices from which every step adds

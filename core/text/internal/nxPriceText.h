@@ -10,7 +10,7 @@
 #endif
 
 #include "core/numeric/nxPowersOfTen.h"
-#include "core/text/nxDigits.h"
+#include "core/text/inline/nxDigits.h"
 
 /// Numbers as prices are written, up to seven digits, a separator and one to eight digits, read as two words: the quick
 /// path of decimals and doubles alike, which have rules of their own for every other text.

@@ -1,5 +1,5 @@
-#ifndef CORE_ENUM_NXPLAININTEGER_H
-#define CORE_ENUM_NXPLAININTEGER_H
+#ifndef CORE_ENUM_INLINE_NXPLAININTEGER_H
+#define CORE_ENUM_INLINE_NXPLAININTEGER_H
 
 #include <concepts>
 #include <type_traits>

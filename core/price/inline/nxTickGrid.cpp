@@ -1,4 +1,4 @@
-#include "core/price/nxTickGrid.h"
+#include "core/price/inline/nxTickGrid.h"
 
 #include <algorithm>
 #include <array>

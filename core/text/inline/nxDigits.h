@@ -1,5 +1,5 @@
-#ifndef CORE_TEXT_NXDIGITS_H
-#define CORE_TEXT_NXDIGITS_H
+#ifndef CORE_TEXT_INLINE_NXDIGITS_H
+#define CORE_TEXT_INLINE_NXDIGITS_H
 
 #include <bit>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "core/log/nxLogTexts.h"
+#include "core/log/inline/nxLogTexts.h"
 
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"

@@ -1,7 +1,7 @@
-#ifndef CORE_ENUM_NXLISTEDBITMASK_H
-#define CORE_ENUM_NXLISTEDBITMASK_H
+#ifndef CORE_ENUM_INLINE_NXLISTEDBITMASK_H
+#define CORE_ENUM_INLINE_NXLISTEDBITMASK_H
 
-#include "core/enum/nxBitMaskFlags.h"
+#include "core/enum/inline/nxBitMaskFlags.h"
 #include "core/enum/nxTypedBitMask.h"
 
 /// The inside of a bit mask class whose flags are the list NX_FLAGS_<class>: its constants as the enumeration `Flag`, its

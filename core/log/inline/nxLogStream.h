@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_NXLOGSTREAM_H
-#define CORE_LOG_NXLOGSTREAM_H
+#ifndef CORE_LOG_INLINE_NXLOGSTREAM_H
+#define CORE_LOG_INLINE_NXLOGSTREAM_H
 
 #include <algorithm>
 #include <cstddef>
@@ -10,13 +10,13 @@
 #include <type_traits>
 
 #include "core/enum/nxEnum.h"
+#include "core/log/inline/nxLogTexts.h"
 #include "core/log/nxLogCharLenPair.h"
 #include "core/log/nxLogMarkers.h"
-#include "core/log/nxLogTexts.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
+#include "core/text/inline/nxTextTraits.h"
 #include "core/text/nxDoubleValueWrapper.h"
-#include "core/text/nxTextTraits.h"
 #include "core/text/nxValueWrapper.h"
 
 /// How values stand in a record: a tag, then the value's bytes as they are in memory. Internal to the log.

@@ -1,5 +1,5 @@
-#ifndef CORE_TEXT_NXTEXTTRAITS_H
-#define CORE_TEXT_NXTEXTTRAITS_H
+#ifndef CORE_TEXT_INLINE_NXTEXTTRAITS_H
+#define CORE_TEXT_INLINE_NXTEXTTRAITS_H
 
 #include <concepts>
 #include <type_traits>

@@ -1,4 +1,4 @@
-#include "core/enum/nxEnumTable.h"
+#include "core/enum/inline/nxEnumTable.h"
 
 #include <bit>
 #include <cstdlib>

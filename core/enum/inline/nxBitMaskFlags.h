@@ -1,5 +1,5 @@
-#ifndef CORE_ENUM_NXBITMASKFLAGS_H
-#define CORE_ENUM_NXBITMASKFLAGS_H
+#ifndef CORE_ENUM_INLINE_NXBITMASKFLAGS_H
+#define CORE_ENUM_INLINE_NXBITMASKFLAGS_H
 
 // The flags of every bit mask, once: constant, word, short description, long description; in bit order. A mask takes its
 // constants and its registrations from the list that bears its name, by NX_BIT_MASK and NX_BIT_MASK_SOURCE.

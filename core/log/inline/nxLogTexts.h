@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_NXLOGTEXTS_H
-#define CORE_LOG_NXLOGTEXTS_H
+#ifndef CORE_LOG_INLINE_NXLOGTEXTS_H
+#define CORE_LOG_INLINE_NXLOGTEXTS_H
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#ifndef CORE_PRICE_NXTICKGRID_H
-#define CORE_PRICE_NXTICKGRID_H
+#ifndef CORE_PRICE_INLINE_NXTICKGRID_H
+#define CORE_PRICE_INLINE_NXTICKGRID_H
 
 #include <cstddef>
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/numeric/nxDecimal.h"
-#include "core/price/nxTickZone.h"
+#include "core/price/inline/nxTickZone.h"
 
 /// The bands of one tick table as plain integers at one common scale, so that a search compares integers. Not for
 /// applications; a table keeps one beside its bands.

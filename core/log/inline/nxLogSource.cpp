@@ -1,4 +1,4 @@
-#include "core/log/nxLogSource.h"
+#include "core/log/inline/nxLogSource.h"
 
 #include <algorithm>
 #include <cstring>

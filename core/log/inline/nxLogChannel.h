@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_NXLOGCHANNEL_H
-#define CORE_LOG_NXLOGCHANNEL_H
+#ifndef CORE_LOG_INLINE_NXLOGCHANNEL_H
+#define CORE_LOG_INLINE_NXLOGCHANNEL_H
 
 #include <atomic>
 #include <cstddef>

@@ -1,5 +1,5 @@
-#ifndef CORE_PRICE_NXTICKZONE_H
-#define CORE_PRICE_NXTICKZONE_H
+#ifndef CORE_PRICE_INLINE_NXTICKZONE_H
+#define CORE_PRICE_INLINE_NXTICKZONE_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_NXLOGSOURCE_H
-#define CORE_LOG_NXLOGSOURCE_H
+#ifndef CORE_LOG_INLINE_NXLOGSOURCE_H
+#define CORE_LOG_INLINE_NXLOGSOURCE_H
 
 #include <atomic>
 #include <cstddef>

@@ -1,5 +1,5 @@
-#ifndef CORE_ENUM_NXENUMTABLE_H
-#define CORE_ENUM_NXENUMTABLE_H
+#ifndef CORE_ENUM_INLINE_NXENUMTABLE_H
+#define CORE_ENUM_INLINE_NXENUMTABLE_H
 
 #include <atomic>
 #include <bit>

@@ -1,4 +1,4 @@
-#include "core/log/nxLogMessage.h"
+#include "core/log/inline/nxLogMessage.h"
 
 #include <algorithm>
 #include <cstdint>
