@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogSourceTable.h"
@@ -44,6 +46,8 @@ void AfterForkInParent()
 
 void AfterForkInChild()
 {
+    nxLogCounters::AfterForkInChild();
+    nxLogBell::AfterForkInChild();
     nxLogSourceTable::GetInstance().AfterForkInChild();
     nxLogQueue::GetInstance().AfterForkInChild();
     nxLogWriter::GetInstance().AfterForkInChild();
@@ -137,10 +141,9 @@ void nxLogManager::RegisterLogDevices(std::span<nxLogDevice* const> devices) noe
     // What has been reported by now is for the devices that are there. The first ones get all that there was.
     WriteOut(nxNanoseconds::PerSecond, nxNanoseconds::PerSecond / 10);
     list.Add(devices);
-    nxLogWriter& writer = nxLogWriter::GetInstance();
     // Not only when somebody reports: that may be a thread with no time to start another one.
-    writer.EnsureRunning();
-    writer.Wake();
+    nxLogBell::EnsureRunning();
+    nxLogBell::Ring();
 }
 
 void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
@@ -212,9 +215,8 @@ void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned
 
 nxLogStatistics nxLogManager::GetStatistics() const noexcept
 {
-    const nxLogQueue& queue = nxLogQueue::GetInstance();
-    const nxLogWriter& writer = nxLogWriter::GetInstance();
-    return {writer.GetWritten(), queue.GetDropped(), writer.GetUnheard(), queue.GetWaits(), queue.GetBytes()};
+    return {nxLogCounters::GetWritten(), nxLogCounters::GetDropped(), nxLogCounters::GetUndelivered(),
+            nxLogCounters::GetWaits(), nxLogQueue::GetInstance().GetBytes()};
 }
 
 void nxLogManager::Destroy() noexcept

@@ -4,7 +4,8 @@
 #include <new>
 #include <utility>
 
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogCounters.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/nxClock.h"
@@ -30,8 +31,10 @@ nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMu
 nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry, std::int64_t patience) noexcept
     : _entry(entry), _outer(_innermost), _inside(!entry._IsThreadInside() && entry._LockInTime(patience))
 {
-    if (_inside)
-        _innermost = this;
+    if (!_inside)
+        return;
+    _innermost = this;
+    nxLogBell::SetCallerInsideDevice(true);
 }
 
 nxLogDeviceEntry::Visit::~Visit()
@@ -39,6 +42,7 @@ nxLogDeviceEntry::Visit::~Visit()
     if (!_inside)
         return;
     _innermost = _outer;
+    nxLogBell::SetCallerInsideDevice(_outer != nullptr);
     _entry._mutex->Unlock();
 }
 
@@ -50,15 +54,16 @@ bool nxLogDeviceEntry::_IsThreadInside() const noexcept
     return false;
 }
 
-bool nxLogDeviceEntry::IsThreadInsideAny() noexcept { return _innermost != nullptr; }
-
-std::int64_t nxLogDeviceEntry::GetPatience() noexcept { return IsThreadInsideAny() ? patienceInside : Forever; }
+std::int64_t nxLogDeviceEntry::GetPatience() noexcept
+{
+    return nxLogBell::IsCallerInsideDevice() ? patienceInside : Forever;
+}
 
 // What a device reports at once is not for itself; all else that could not be handed over is missed.
 void nxLogDeviceEntry::_CountMissed() const noexcept
 {
     if (!_IsThreadInside())
-        nxLogQueue::GetInstance().CountDrop();
+        nxLogCounters::CountDropped();
 }
 
 bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept

@@ -70,9 +70,6 @@ public:
     static std::int64_t GetPatience() noexcept;
     static constexpr std::int64_t Forever = std::numeric_limits<std::int64_t>::max();
 
-    /// Whether the calling thread is inside a device.
-    static bool IsThreadInsideAny() noexcept;
-
     /// The lock, to be shared by another registration of the same device.
     const std::shared_ptr<nxMutex>& GetMutex() const { return _mutex; }
 

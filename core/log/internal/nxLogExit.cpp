@@ -4,8 +4,9 @@
 #include <charconv>
 #include <cstdlib>
 
+#include "core/log/internal/nxLogAwakeTime.h"
+#include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
-#include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/platform/nxProcess.h"
@@ -23,15 +24,14 @@ bool WriteOutOnce()
 {
     constexpr std::int64_t longest = 10 * secondAtExit;
     constexpr std::int64_t longestStall = 2 * secondAtExit;
-    static nxLogPatience waited;
+    static nxLogAwakeTime waited;
     static bool stalled = false;
     static std::uint32_t progressAtStall = 0;
     nxLogDeviceList::GetInstance().BeginEnd();
-    const nxLogQueue& queue = nxLogQueue::GetInstance();
-    if (waited.Look() >= longest || (stalled && queue.GetProgress() == progressAtStall))
+    if (waited.Look() >= longest || (stalled && nxLogCounters::GetProgress() == progressAtStall))
         return false;
     stalled = !nxLogWriter::GetInstance().WriteOut(longest, longestStall, waited);
-    progressAtStall = queue.GetProgress();
+    progressAtStall = nxLogCounters::GetProgress();
     return !stalled;
 }
 
@@ -43,7 +43,7 @@ void WriteOutAtExit() { static_cast<void>(WriteOutOnce()); }
     // Now the process ends in the midst of whatever its threads do. Let that not be a line of the log's.
     nxLogWriter& writer = nxLogWriter::GetInstance();
     if (WriteOutOnce())
-        return writer.KeepStill(secondAtExit);
+        return writer.BlockRoundsForGood(secondAtExit);
     // A device is stuck, or there is no memory to write with.
     constexpr std::string_view begin = "Log records that were not written when the process ended: ";
     char text[128];

@@ -8,10 +8,11 @@
 #include <utility>
 
 #include "core/log/inline/nxLogSource.h"
-#include "core/log/internal/nxLogPatience.h"
-#include "core/log/internal/nxLogWriter.h"
+#include "core/log/internal/nxLogAwakeTime.h"
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogWait.h"
 #include "core/log/nxLog.h"
-#include "core/platform/nxFutex.h"
 #include "core/platform/nxThreadHooks.h"
 #include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
@@ -143,7 +144,7 @@ void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill*
     nxLogQueue::GetInstance().Close({channel, cursor, cursor, spill}, level);
 }
 
-void nxLogChannel::Urge(nxEnumValue level) noexcept { nxLogWriter::GetInstance().Urge(level); }
+void nxLogChannel::Urge(nxEnumValue level) noexcept { nxLogBell::Urge(level); }
 
 void nxLogChannel::WakeWriter() noexcept { Urge(NX_LOG_LEVEL_WARNING); }
 
@@ -300,7 +301,7 @@ bool nxLogQueue::_IsOverfull() noexcept
         return false;
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     const nxMutexGuard guard(_mutex);
-    if (const std::uint32_t progress = GetProgress(); progress != _overfullAt)
+    if (const std::uint32_t progress = nxLogCounters::GetProgress(); progress != _overfullAt)
     {
         _overfullAt = progress;
         _overfullSince = now;
@@ -424,7 +425,7 @@ bool nxLogQueue::_LookForRoom(nxLogChannel& channel, std::size_t bytes, Effort e
     const bool mayOverflow =
         segment.capacity < _ringSize && _bytes.load(std::memory_order_relaxed) + _ringSize <= GetMaximumBytes();
     if (used >= quarter && !mayOverflow)
-        nxLogWriter::GetInstance().Wake();
+        nxLogBell::Ring();
     // The limit stops at every quarter, so that the writer is woken in time.
     const std::size_t room = std::min(Distance(head, limit), mayOverflow ? segment.capacity : std::max(bytes, quarter));
     channel._limit = head + room;
@@ -448,47 +449,27 @@ bool nxLogQueue::_AppendSegment(nxLogChannel& channel) noexcept
 template <class Attempt>
 bool nxLogQueue::_WaitUntil(const Attempt& attempt) noexcept
 {
-    nxLogWriter& writer = nxLogWriter::GetInstance();
-    std::uint32_t seen = GetProgress();
-    if (_stalledAt.load(std::memory_order_relaxed) == seen || !writer.MayWait())
+    nxLogAwakeTime time;
+    nxLogWait wait(nxLogWait::NoLimit, stallTime, time);
+    if (_stalledAt.load(std::memory_order_relaxed) == wait.GetProgress() || !nxLogBell::CallerMayWait())
         return false;
-    _waits.fetch_add(1, std::memory_order_relaxed);
-    _waiting.fetch_add(1, std::memory_order_seq_cst);
-    nxLogPatience patience;
-    std::int64_t lastSign = 0;
-    bool found = false;
+    nxLogCounters::CountWait();
+    const nxLogCounters::Watcher watcher;
     for (;;)
     {
-        if (!writer.EnsureRunning())
-            writer.DrainHere();
-        writer.Wake();
-        found = attempt();
-        if (found)
-            break;
-        nxFutex::Wait(_progress, seen, waitSlice);
-        const std::uint32_t progress = GetProgress();
-        const std::int64_t waited = patience.Look();
-        if (progress != seen)
+        if (!nxLogBell::EnsureRunning())
+            nxLogBell::RunRoundHere();
+        nxLogBell::Ring();
+        if (attempt())
+            return true;
+        watcher.WaitForProgress(wait.GetProgress(), waitSlice);
+        if (wait.Step() <= 0)
         {
-            seen = progress;
-            lastSign = waited;
-        }
-        else if (waited - lastSign >= stallTime)
-        {
-            // Everybody else need not wait as long again.
-            _stalledAt.store(seen, std::memory_order_relaxed);
-            break;
+            // Other threads need not wait as long again.
+            _stalledAt.store(wait.GetProgress(), std::memory_order_relaxed);
+            return false;
         }
     }
-    _waiting.fetch_sub(1, std::memory_order_relaxed);
-    return found;
-}
-
-void nxLogQueue::CountProgress() noexcept
-{
-    _progress.fetch_add(1, std::memory_order_seq_cst);
-    if (_waiting.load(std::memory_order_seq_cst) != 0)
-        nxFutex::WakeAll(_progress);
 }
 
 bool nxLogQueue::_FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept
@@ -516,7 +497,7 @@ bool nxLogQueue::_FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effo
 // While nobody empties the rings, the next statement shall come by Open() and try again to start who does.
 void nxLogQueue::_HoldBack(nxLogChannel& channel) noexcept
 {
-    if (!nxLogWriter::GetInstance().IsRunning())
+    if (!nxLogBell::IsRunning())
         channel._limit = channel._head.load(std::memory_order_relaxed);
 }
 
@@ -532,7 +513,7 @@ nxLogRoom nxLogQueue::_OpenSpill(nxLogChannel* channel, const nxLogSource* sourc
 
 nxLogRoom nxLogQueue::Open(nxLogChannel* channel, const nxLogSource* source) noexcept
 {
-    nxLogWriter::GetInstance().EnsureRunning();
+    nxLogBell::EnsureRunning();
     if (channel == nullptr)
     {
         channel = _Attach();
@@ -642,7 +623,7 @@ bool nxLogQueue::_AppendElsewhere(nxLogChannel& channel, char* block, std::size_
 void nxLogQueue::Close(const nxLogRoom& room, nxEnumValue level) noexcept
 {
     if (room.channel == nullptr || room.spill == nullptr)
-        CountDrop();
+        nxLogCounters::CountDropped();
     else
     {
         nxLogRecordHeader header = ReadHeader(room.spill->begin);
@@ -652,13 +633,13 @@ void nxLogQueue::Close(const nxLogRoom& room, nxEnumValue level) noexcept
         header.kind = nxLogRecordHeader::Statement;
         std::memcpy(room.spill->begin, &header, sizeof header);
         if (!_Append(*room.channel, header.size, [&](char* out) { std::memcpy(out, room.spill->begin, header.size); }))
-            CountDrop();
+            nxLogCounters::CountDropped();
         std::free(room.spill);
     }
     if (room.channel != nullptr)
         nxLogChannel::_current = room.channel;
     if (level >= NX_LOG_LEVEL_WARNING)
-        nxLogWriter::GetInstance().Urge(level);
+        nxLogBell::Urge(level);
 }
 
 void nxLogQueue::_WriteObject(char* out, const nxLog& record, std::size_t size) noexcept
@@ -685,13 +666,13 @@ void nxLogQueue::_WriteObject(char* out, const nxLog& record, std::size_t size) 
 
 void nxLogQueue::Write(const nxLog& record) noexcept
 {
-    nxLogWriter::GetInstance().EnsureRunning();
+    nxLogBell::EnsureRunning();
     nxLogChannel* channel = nxLogChannel::_current;
     if (channel == nullptr)
         channel = _Attach();
     if (channel == nullptr)
     {
-        CountDrop();
+        nxLogCounters::CountDropped();
         return;
     }
     nxLogChannel::_current = channel->_nested;
@@ -699,10 +680,10 @@ void nxLogQueue::Write(const nxLog& record) noexcept
                              std::strlen(record._message.GetFile()) + 1 +
                              Distance(record._message.GetValues(), record._message.GetEnd());
     if (!_Append(*channel, size, [&](char* out) { _WriteObject(out, record, size); }))
-        CountDrop();
+        nxLogCounters::CountDropped();
     nxLogChannel::_current = channel;
     if (record._level.GetValue() >= NX_LOG_LEVEL_WARNING)
-        nxLogWriter::GetInstance().Urge(static_cast<nxEnumValue>(record._level.GetValue()));
+        nxLogBell::Urge(static_cast<nxEnumValue>(record._level.GetValue()));
 }
 
 // The emptying side.
@@ -877,7 +858,7 @@ void nxLogQueue::Release() noexcept
             hasMoved |= channel->_tail.exchange(channel->_read, std::memory_order_release) != channel->_read;
     }
     if (hasMoved)
-        CountProgress();
+        nxLogCounters::CountProgress();
 }
 
 // Takes the channels of threads that are gone out of the list, once they are empty.
@@ -958,7 +939,7 @@ std::uint64_t nxLogQueue::DropWaiting(unsigned inHand) noexcept
     const nxMutexGuard guard(_mutex);
     _ForEachWaiting([&waiting](const nxLogChannel&, const char*) { ++waiting; });
     waiting -= std::min<std::uint64_t>(waiting, inHand);
-    _dropped.fetch_add(waiting, std::memory_order_relaxed);
+    nxLogCounters::CountDropped(waiting);
     return waiting;
 }
 
@@ -992,9 +973,6 @@ void nxLogQueue::AfterForkInChild() noexcept
     }
     _bytes.store(bytes, std::memory_order_relaxed);
     _blocks.store(0, std::memory_order_relaxed);
-    _dropped.store(0, std::memory_order_relaxed);
-    _waits.store(0, std::memory_order_relaxed);
-    _waiting.store(0, std::memory_order_relaxed);
     _stalledAt.store(~std::uint64_t{0}, std::memory_order_relaxed);
     _round = _current = nullptr;
     _block = nullptr;

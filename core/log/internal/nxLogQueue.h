@@ -75,14 +75,8 @@ public:
     /// Counts all records that wait, but those that the writer has in hand, as dropped: at the end of the process
     /// nobody will write them. @return how many these are.
     std::uint64_t DropWaiting(unsigned inHand) noexcept;
-    void CountDrop() noexcept { _dropped.fetch_add(1, std::memory_order_relaxed); }
-    /// Whenever a device has returned: the sign of life that waiting callers watch.
-    void CountProgress() noexcept;
 
-    std::uint64_t GetDropped() const noexcept { return _dropped.load(std::memory_order_relaxed); }
-    std::uint64_t GetWaits() const noexcept { return _waits.load(std::memory_order_relaxed); }
     std::size_t GetBytes() const noexcept { return _bytes.load(std::memory_order_relaxed); }
-    std::uint32_t GetProgress() const noexcept { return _progress.load(std::memory_order_acquire); }
 
     void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
     void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
@@ -155,10 +149,6 @@ private:
     std::atomic<std::size_t> _bytes{0};
     std::atomic<std::size_t> _blocks{0};  // of records that stand in one of their own
     std::atomic<std::size_t> _maximumBytes{std::size_t{64} << 20};
-    std::atomic<std::uint64_t> _dropped{0};
-    std::atomic<std::uint64_t> _waits{0};
-    std::atomic<std::uint32_t> _progress{0};
-    std::atomic<std::uint32_t> _waiting{0};
     std::atomic<std::uint64_t> _stalledAt{~std::uint64_t{0}};  // the progress at which a caller gave up waiting
 
     // The round, touched by the emptying thread only.

@@ -8,9 +8,12 @@
 #include <stdexcept>
 #include <utility>
 
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogExit.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogWait.h"
 #include "core/log/nxLogDeferredWriteThread.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogMacros.h"
@@ -42,12 +45,7 @@ constexpr unsigned recordsPerRelease = 256;
 constexpr std::size_t maximumEarlyBytes = std::size_t{1} << 20;
 constexpr std::size_t dateSize = 7;
 
-// States of the word that the thread sleeps on.
-constexpr std::uint32_t awake = 0;
-constexpr std::uint32_t called = 1;
-constexpr std::uint32_t asleep = 2;
-
-constinit thread_local bool isWriter = false;
+using State = nxLogBell::State;
 
 bool HasReached(std::uint32_t reached, std::uint32_t ticket)
 {
@@ -63,20 +61,25 @@ nxLogWriter& nxLogWriter::GetInstance() noexcept
     return writer;
 }
 
+// What the bell is rung for.
+
+bool nxLogBell::Start() noexcept { return nxLogWriter::GetInstance().Start(); }
+
+void nxLogBell::RunRoundHere(std::int64_t limit) noexcept { nxLogWriter::GetInstance().RunRoundHere(limit); }
+
+void nxLogBell::Urge(nxEnumValue level) noexcept { nxLogWriter::GetInstance().Urge(level); }
+
 // The thread.
 
-bool nxLogWriter::EnsureRunning() noexcept
+bool nxLogWriter::Start() noexcept
 {
-    if (IsRunning()) [[likely]]
-        return true;
     // Whoever finds another thread at it leaves it to that one.
     if (!_startMutex.TryLock().IsOK())
         return false;
     _startMutex.AssertHeld();
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     // A thread that Stop() has given up waiting for goes on, unless it has ended meanwhile.
-    State state = State::Stopping;
-    bool running = _state.compare_exchange_strong(state, State::Running) || state == State::Running;
+    bool running = nxLogBell::ChangeState(State::Stopping, State::Running) != State::Stopped;
     if (!running && now >= _nextStart)
     {
         nxLogExit::Register();
@@ -84,11 +87,11 @@ bool nxLogWriter::EnsureRunning() noexcept
             _thread->Wait();  // it has ended: that is what the state says
         else
             _thread = new (std::nothrow) nxLogDeferredWriteThread;
-        _state.store(State::Running, std::memory_order_release);
+        nxLogBell::SetState(State::Running);
         running = _thread != nullptr && _thread->_Start(_service).IsOK();
         if (!running)
         {
-            _state.store(State::Stopped, std::memory_order_release);
+            nxLogBell::SetState(State::Stopped);
             _nextStart = now + second;
         }
         _couldNotStart.store(!running, std::memory_order_relaxed);
@@ -105,15 +108,14 @@ bool nxLogWriter::EnsureRunning() noexcept
 
 bool nxLogWriter::Stop(std::int64_t limit) noexcept
 {
-    if (!MayWait())
+    if (!nxLogBell::CallerMayWait())
         return false;
     const nxMutexGuard guard(_startMutex);
     const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
-    State running = State::Running;
-    _state.compare_exchange_strong(running, State::Stopping);
-    while (_state.load(std::memory_order_acquire) != State::Stopped)
+    nxLogBell::ChangeState(State::Running, State::Stopping);
+    while (nxLogBell::GetState() != State::Stopped)
     {
-        Wake();
+        nxLogBell::Ring();
         const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
         if (left <= 0)
             return false;  // it will end when the device lets it, unless it is wanted again before
@@ -124,20 +126,14 @@ bool nxLogWriter::Stop(std::int64_t limit) noexcept
     return true;
 }
 
-void nxLogWriter::Wake() noexcept
-{
-    if (_wake.exchange(called, std::memory_order_acq_rel) == asleep)
-        nxFutex::WakeAll(_wake);
-}
-
 void nxLogWriter::Urge(nxEnumValue level) noexcept
 {
-    const bool running = EnsureRunning();
-    Wake();
+    const bool running = nxLogBell::EnsureRunning();
+    nxLogBell::Ring();
     if (level >= NX_LOG_LEVEL_FATAL)
         WaitUntilWritten(longestUrge, longestUrge);
     else if (!running && _couldNotStart.load(std::memory_order_relaxed))
-        DrainHere(longestUrge);
+        RunRoundHere(longestUrge);
 }
 
 void nxLogWriter::SetThread(std::span<const unsigned> processors, unsigned priority) noexcept
@@ -149,25 +145,13 @@ void nxLogWriter::SetThread(std::span<const unsigned> processors, unsigned prior
         _thread->_Apply(_service);
 }
 
-bool nxLogWriter::MayWait() const noexcept { return !isWriter && !nxLogDeviceEntry::IsThreadInsideAny(); }
-
-void nxLogWriter::_Sleep(bool busy) noexcept
-{
-    std::uint32_t expected = awake;
-    if (_wake.compare_exchange_strong(expected, asleep, std::memory_order_acq_rel))
-        nxFutex::Wait(_wake, asleep, busy ? busySleep : idleSleep);
-    // Not a plain store, which could reach memory after the exchange of a caller and so overwrite a call.
-    _wake.exchange(awake, std::memory_order_acq_rel);
-}
-
 void nxLogWriter::_Run() noexcept
 {
     nxServiceThread::Become("nxlog");
-    isWriter = true;
+    nxLogBell::SetCallerWriter(true);
     unsigned inVain = 0;
     std::int64_t nextLookAround = nxClock::MonotonicNanoseconds() + second;
-    for (State stopping = State::Stopping; !_state.compare_exchange_strong(stopping, State::Stopped);
-         stopping = State::Stopping)
+    while (nxLogBell::ChangeState(State::Stopping, State::Stopped) != State::Stopping)
     {
         _roundMutex.Lock();
         const bool found = _WriteQueued(false);
@@ -182,34 +166,34 @@ void nxLogWriter::_Run() noexcept
             nextLookAround = now + second;
             nxLogExit::EndProcessIfLast();
         }
-        _Sleep(busy);
+        nxLogBell::Sleep(busy ? busySleep : idleSleep);
     }
-    isWriter = false;
+    nxLogBell::SetCallerWriter(false);
 }
 
 void nxLogWriter::Leave() noexcept
 {
-    isWriter = false;
+    nxLogBell::SetCallerWriter(false);
     {
         // Whoever reports from now on starts another thread.
         const nxMutexGuard guard(_startMutex);
         _thread = nullptr;
-        _state.store(State::Stopped, std::memory_order_release);
+        nxLogBell::SetState(State::Stopped);
     }
-    DrainHere();
+    RunRoundHere(0);
     _FlushDevices(true);
 }
 
 // Under the mutex of the rounds everything that has been queued by now is taken: one round only is not enough for a
 // caller whose record came while it was going on.
-void nxLogWriter::DrainHere(std::int64_t patience) noexcept
+void nxLogWriter::RunRoundHere(std::int64_t limit) noexcept
 {
-    if (!MayWait() || !_LockRound(patience))
+    if (!nxLogBell::CallerMayWait() || !_LockRound(limit))
         return;
     _roundMutex.AssertHeld();
-    isWriter = true;
+    nxLogBell::SetCallerWriter(true);
     _WriteQueued(true);
-    isWriter = false;
+    nxLogBell::SetCallerWriter(false);
     _roundMutex.Unlock();
 }
 
@@ -227,32 +211,24 @@ bool nxLogWriter::_LockRound(std::int64_t patience) noexcept
 
 bool nxLogWriter::WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept
 {
-    nxLogPatience patience;
-    return MayWait() && _WaitUntilWritten(limit, stallLimit, patience, true);
+    nxLogAwakeTime time;
+    return nxLogBell::CallerMayWait() && _WaitUntilWritten(limit, stallLimit, time, true);
 }
 
-bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience,
+bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time,
                                     bool mayStart) noexcept
 {
-    const nxLogQueue& queue = nxLogQueue::GetInstance();
     const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
-    std::int64_t lastSign = patience.Look();
-    std::uint32_t progress = queue.GetProgress();
+    nxLogWait wait(limit, stallLimit, time);
     for (;;)
     {
-        if (!(mayStart ? EnsureRunning() : _state.load(std::memory_order_acquire) != State::Stopped))
-            DrainHere();
-        Wake();
+        if (!(mayStart ? nxLogBell::EnsureRunning() : nxLogBell::GetState() != State::Stopped))
+            RunRoundHere(0);
+        nxLogBell::Ring();
         const std::uint32_t reached = _reached.load(std::memory_order_acquire);
         if (HasReached(reached, ticket))
             return true;
-        const std::int64_t waited = patience.Look();
-        if (queue.GetProgress() != progress)
-        {
-            progress = queue.GetProgress();
-            lastSign = waited;
-        }
-        const std::int64_t left = std::min(limit - waited, stallLimit - (waited - lastSign));
+        const std::int64_t left = wait.Step();
         if (left <= 0)
             return false;
         nxFutex::Wait(_reached, reached, std::min(left, 10 * millisecond));
@@ -261,33 +237,32 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
 
 bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
 {
-    nxLogPatience patience;
-    return WriteOut(limit, stallLimit, patience);
+    nxLogAwakeTime time;
+    return WriteOut(limit, stallLimit, time);
 }
 
-bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept
+bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time) noexcept
 {
     // A thread that ends the process from inside a device cannot wait for itself.
-    const bool nothingEver =
-        _state.load(std::memory_order_acquire) == State::Stopped && nxLogQueue::GetInstance().IsEmpty();
-    return nothingEver || (MayWait() && _WaitUntilWritten(limit, stallLimit, patience, false));
+    const bool nothingEver = nxLogBell::GetState() == State::Stopped && nxLogQueue::GetInstance().IsEmpty();
+    return nothingEver || (nxLogBell::CallerMayWait() && _WaitUntilWritten(limit, stallLimit, time, false));
 }
 
 void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
 {
     nxLogQueue& queue = nxLogQueue::GetInstance();
     // Only before the first device do records wait here, and then no device can make a round long.
-    if (_hadDevices.load(std::memory_order_relaxed) || !MayWait())
+    if (_hadDevices.load(std::memory_order_relaxed) || !nxLogBell::CallerMayWait())
         return queue.CopyRecords(records);
     const nxMutexGuard guard(_roundMutex);
     records.insert(records.end(), _early.begin(), _early.end());
     queue.CopyRecords(records);
 }
 
-void nxLogWriter::KeepStill(std::int64_t limit) noexcept
+void nxLogWriter::BlockRoundsForGood(std::int64_t limit) noexcept
 {
     // A round has the mutex from its beginning to its end.
-    static_cast<void>(MayWait() && _LockRound(limit));
+    static_cast<void>(nxLogBell::CallerMayWait() && _LockRound(limit));
 }
 
 void nxLogWriter::SetFlushInterval(double seconds) noexcept
@@ -437,7 +412,7 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
         sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values) + std::strlen(record.GetFile());
     if (_hadDevices.load(std::memory_order_relaxed) || _earlyBytes + cost > maximumEarlyBytes)
     {
-        _unheard.fetch_add(1, std::memory_order_relaxed);
+        nxLogCounters::CountUndelivered(1);
         return;
     }
     try
@@ -448,7 +423,7 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
     }
     catch (...)
     {
-        _unheard.fetch_add(1, std::memory_order_relaxed);
+        nxLogCounters::CountUndelivered(1);
     }
 }
 
@@ -458,7 +433,7 @@ void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
     _SendBatches();
     if (batch.lines.AppendLine(record, _round->time))
         return true;
-    nxLogQueue::GetInstance().CountDrop();
+    nxLogCounters::CountDropped();
     return false;
 }
 
@@ -518,8 +493,10 @@ void nxLogWriter::_PassToAll(const nxLogRecord& record) noexcept
 void nxLogWriter::_Count(unsigned records, bool isTaken) noexcept
 {
     _unflushed = _unflushed || (isTaken && records != 0);
-    std::atomic<std::uint64_t>& counter = isTaken ? _written : _unheard;
-    counter.store(counter.load(std::memory_order_relaxed) + records, std::memory_order_relaxed);
+    if (isTaken)
+        nxLogCounters::CountWritten(records);
+    else
+        nxLogCounters::CountUndelivered(records);
 }
 
 // To the devices that take records instead of lines. @return whether one was given it.
@@ -533,7 +510,7 @@ bool nxLogWriter::_PassRecord(const nxLogRecord& record) noexcept
             continue;
         const nxLog borrowed(record);
         isTaken |= (*round.devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
-        nxLogQueue::GetInstance().CountProgress();
+        nxLogCounters::CountProgress();
     }
     return isTaken;
 }
@@ -551,7 +528,7 @@ void nxLogWriter::_SendBatches() noexcept
         const nxLogLineBatch lines{batch->lines.GetText(), batch->lines.GetSize(), batch->count, batch->worstLevel,
                                    batch->seconds};
         isTaken |= entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
-        nxLogQueue::GetInstance().CountProgress();
+        nxLogCounters::CountProgress();
     }
     _Count(round.onlyBatch != nullptr ? round.onlyBatch->count : std::exchange(round.inLinesAlone, 0), isTaken);
     for (const auto& batch : round.batches)
@@ -572,7 +549,7 @@ void nxLogWriter::_FlushDevices(bool linesToo) noexcept
         if (linesToo || entry->GetLineSink() == nullptr)
         {
             entry->Call([](nxLogDevice& device) { device.Flush(); });
-            nxLogQueue::GetInstance().CountProgress();
+            nxLogCounters::CountProgress();
         }
 }
 
@@ -609,9 +586,8 @@ void nxLogWriter::_MaintainWhereDue() noexcept
 // Tells in the log what the log has lost, and who had to wait; once for what has come together in a second.
 void nxLogWriter::_ReportLosses() noexcept
 {
-    const nxLogQueue& queue = nxLogQueue::GetInstance();
-    const std::uint64_t drops = queue.GetDropped() - _reportedDrops;
-    const std::uint64_t waits = queue.GetWaits() - _reportedWaits;
+    const std::uint64_t drops = nxLogCounters::GetDropped() - _reportedDrops;
+    const std::uint64_t waits = nxLogCounters::GetWaits() - _reportedWaits;
     if (drops == 0 && waits == 0)
         return;
     const std::int64_t now = nxClock::MonotonicNanoseconds();
@@ -642,17 +618,13 @@ void nxLogWriter::AfterForkInChild() noexcept
     ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
     _earlyBytes = 0;
     _thread = nullptr;
-    _state.store(State::Stopped, std::memory_order_relaxed);
     _isInRound.store(false, std::memory_order_relaxed);
     _inHand.store(0, std::memory_order_relaxed);
     _nextStart = 0;
     _couldNotStart.store(false, std::memory_order_relaxed);
-    _wake.store(awake, std::memory_order_relaxed);
     _wanted.store(0, std::memory_order_relaxed);
     _reached.store(0, std::memory_order_relaxed);
     _unflushed = false;
     _reportedDrops = _reportedWaits = 0;
     _lastReport = 0;
-    _written.store(0, std::memory_order_relaxed);
-    _unheard.store(0, std::memory_order_relaxed);
 }

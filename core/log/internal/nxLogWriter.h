@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "core/log/internal/nxLogAwakeTime.h"
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLineBuffer.h"
-#include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLog.h"
 #include "core/platform/nxServiceThread.h"
@@ -29,25 +29,15 @@ class nxLogWriter
 public:
     static nxLogWriter& GetInstance() noexcept;
 
-    /// Starts the deferred-write thread unless it runs. Never waits for it.
-    /// @return whether it runs.
-    bool EnsureRunning() noexcept;
-    bool IsRunning() const noexcept { return _state.load(std::memory_order_acquire) == State::Running; }
+    /// What nxLogBell asks for.
+    bool Start() noexcept;
+    void RunRoundHere(std::int64_t limit) noexcept;
+    void Urge(nxEnumValue level) noexcept;
+
     /// Whether records that have been taken from the queue may not have reached all devices yet.
     bool IsInRound() const noexcept { return _isInRound.load(std::memory_order_acquire); }
     /// Ends the deferred-write thread. @return whether it ended within @p patience nanoseconds.
     bool Stop(std::int64_t patience) noexcept;
-
-    /// Makes the deferred-write thread look at once.
-    void Wake() noexcept;
-    /// Has what the calling thread has just queued, a record of @p level, on its way to the operating system at once:
-    /// by the deferred-write thread, or while that cannot be started by the calling thread itself. Waits for a fatal
-    /// record, a tenth of a second at most, until it is there: the process may not live to see another round.
-    void Urge(nxEnumValue level) noexcept;
-    /// Whether the calling thread may wait for the writer: it is not the writer itself, nor inside a device.
-    bool MayWait() const noexcept;
-    /// Does one round in the calling thread, unless somebody else is at one for longer than @p patience nanoseconds.
-    void DrainHere(std::int64_t patience = 0) noexcept;
 
     /// How the deferred-write thread runs, from now on.
     void SetThread(std::span<const unsigned> processors, unsigned priority) noexcept;
@@ -61,14 +51,14 @@ public:
     /// The same at the end of the process: starts no thread, and does nothing where nothing was ever written.
     /// @return whether all has been written, be it nothing.
     bool WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept;
-    /// @param patience with what has been waited before, which counts towards @p limit.
-    bool WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience) noexcept;
+    /// @param time what has been waited before; it counts towards @p limit.
+    bool WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time) noexcept;
 
     /// At the end of the deferred-write thread that is the last one: writes out, and is a thread like others then.
     void Leave() noexcept;
     /// Lets no thread begin a round any more, for good: at the very end of the process. Waits at most @p limit
     /// nanoseconds for the round that is going on.
-    void KeepStill(std::int64_t limit) noexcept;
+    void BlockRoundsForGood(std::int64_t limit) noexcept;
 
     /// Seconds between two flushes of devices that have been written to; 0 or less means after every round.
     void SetFlushInterval(double seconds) noexcept;
@@ -77,10 +67,8 @@ public:
     /// different threads are not.
     void CopyRecords(std::vector<nxLog>& records);
 
-    std::uint64_t GetWritten() const noexcept { return _written.load(std::memory_order_relaxed); }
     /// How many records of the round that is going on are still in the queue although devices were given them.
     unsigned GetInHand() const noexcept { return _inHand.load(std::memory_order_relaxed); }
-    std::uint64_t GetUnheard() const noexcept { return _unheard.load(std::memory_order_relaxed); }
 
     void AfterForkInChild() noexcept;
 
@@ -119,11 +107,9 @@ private:
 
     void _Run() noexcept;
     bool _WriteQueued(bool everything) noexcept;
-    void _Sleep(bool busy) noexcept;
     bool _LockRound(std::int64_t patience) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 
-    bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogPatience& patience,
-                           bool mayStart) noexcept;
+    bool _WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time, bool mayStart) noexcept;
     bool _DoRound(bool everything, bool& found) noexcept;
     void _BeginRound();
     Batch& _GetBatch(const nxLogLineStyle& style);
@@ -142,22 +128,12 @@ private:
     void _ReportLosses() noexcept;
 
     nxMutex _startMutex;
-    /// Of the deferred-write thread.
-    enum class State : std::uint32_t
-    {
-        Stopped,
-        Running,
-        Stopping  // Stop() wants it to end
-    };
-
-    std::atomic<State> _state{State::Stopped};
     std::atomic<bool> _isInRound{false};
     std::int64_t _nextStart = 0;
     std::atomic<bool> _couldNotStart{false};  // at the last attempt
     nxLogDeferredWriteThread* _thread = nullptr;
     nxServiceThread _service;
 
-    std::atomic<std::uint32_t> _wake{0};
     std::atomic<std::uint32_t> _wanted{0};   // the number of the last wait
     std::atomic<std::uint32_t> _reached{0};  // the number of the wait that has been satisfied last
 
@@ -172,8 +148,6 @@ private:
     std::atomic<std::int64_t> _flushInterval{1'000'000'000};
 
     std::atomic<unsigned> _inHand{0};
-    std::atomic<std::uint64_t> _written{0};
-    std::atomic<std::uint64_t> _unheard{0};
     std::uint64_t _reportedDrops = 0;
     std::uint64_t _reportedWaits = 0;
     std::int64_t _lastReport = 0;

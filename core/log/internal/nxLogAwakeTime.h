@@ -1,20 +1,20 @@
-#ifndef CORE_LOG_INTERNAL_NXLOGPATIENCE_H
-#define CORE_LOG_INTERNAL_NXLOGPATIENCE_H
+#ifndef CORE_LOG_INTERNAL_NXLOGAWAKETIME_H
+#define CORE_LOG_INTERNAL_NXLOGAWAKETIME_H
 
 #include <algorithm>
 #include <cstdint>
 
 #include "core/platform/nxClock.h"
 
-/// How long somebody has waited, as far as he was there to look. A process that is stopped, or kept from its processor
-/// for seconds, finds all that time gone at its next look: that says nothing about the device that it waits for, which
-/// stood still as well. So what lies between two looks counts for little more than looks are apart.
+/// How long a thread has waited, not counting time in which the process itself did not run. A process that is stopped, or
+/// kept from its processor for seconds, finds all that time gone at its next look. That says nothing about the device
+/// that it waits for, which did not run either. So the time between two looks counts for at most LongestLook.
 ///
 /// Threads: none.
-class nxLogPatience
+class nxLogAwakeTime
 {
 public:
-    /// Waiters look more often than this, in nanoseconds.
+    /// Waiting threads look more often than this, in nanoseconds.
     static constexpr std::int64_t LongestLook = 20'000'000;
 
     /// Looks at the clock. @return nanoseconds since the construction.
