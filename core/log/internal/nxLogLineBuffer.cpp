@@ -31,7 +31,7 @@ std::uint64_t LoadWord(const char* text)
 // Characters beyond ASCII need a closer look: some of them are control characters, and their bytes may be out of place.
 bool NeedsCare(std::uint64_t word)
 {
-    return ((nxLogPlainMessage::FindControl(word) | word) & nxLogPlainMessage::ControlBits) != 0;
+    return ((nxLogQuickText::FindControl(word) | word) & nxLogQuickText::ControlBits) != 0;
 }
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
@@ -122,7 +122,7 @@ bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
         if (end - at < 8)
         {
             const auto rest = static_cast<std::size_t>(end - at);
-            const std::uint64_t word = nxLogPlainMessage::LoadShort(at, rest);
+            const std::uint64_t word = nxLogQuickText::LoadShort(at, rest);
             if (!NeedsCare(word)) [[likely]]
             {
                 std::memcpy(_cursor, &word, sizeof word);
@@ -164,8 +164,8 @@ bool nxLogLineBuffer::_AppendDouble(double value) noexcept
 bool nxLogLineBuffer::AppendMessage(const char* values, const char* end, bool escape) noexcept
 {
     const auto size = static_cast<std::size_t>(end - values);
-    if (size <= nxLogPlainMessage::LargestRecord && _Ensure(nxLogPlainMessage::GetRoom(size) + longestValue)) [[likely]]
-        if (char* const out = nxLogPlainMessage::Write(_cursor, values, end, escape))
+    if (size <= nxLogQuickText::LargestRecord && _Ensure(nxLogQuickText::GetRoom(size) + longestValue)) [[likely]]
+        if (char* const out = nxLogQuickText::Write(_cursor, values, end, escape))
         {
             _cursor = out;
             return true;
@@ -224,7 +224,7 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
             default:
             {
                 const char* bytes = value.GetBytes();
-                nxLogPlainMessage::WriteValue(_cursor, value.GetTag(), bytes);
+                nxLogQuickText::WriteValue(_cursor, value.GetTag(), bytes);
             }
         }
         written += GetSize() - before;

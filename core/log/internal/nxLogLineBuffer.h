@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "core/log/inline/nxLogSource.h"
-#include "core/log/internal/nxLogPlainMessage.h"
+#include "core/log/internal/nxLogQuickText.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLogLineSink.h"
@@ -20,7 +20,7 @@ struct nxLogLineThread
 };
 
 /// A growing piece of memory in which records become text: the one place that knows how each line looks. What each
-/// short value looks like nxLogPlainMessage knows.
+/// short value looks like nxLogQuickText knows.
 ///
 /// Errors: what there is no memory for is refused, and an incomplete line taken back. Threads: none.
 class nxLogLineBuffer
@@ -55,12 +55,12 @@ public:
     {
         const auto size = static_cast<std::size_t>(record.end - record.values);
         // Nearly every line: one look at the room for all of it, and one place in it that stays in a register.
-        if (size <= nxLogPlainMessage::LargestRecord && record.source != nullptr &&
+        if (size <= nxLogQuickText::LargestRecord && record.source != nullptr &&
             record.source->suffixSize <= nxLogSource::SuffixRoom && !time.IsEmpty() &&
-            _Ensure(nxLogPlainMessage::GetRoom(size) + _longestFrame)) [[likely]]
+            _Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
         {
             char* const begin = _PutPrefix(_cursor, record, time);
-            if (char* const end = nxLogPlainMessage::Write(begin, record.values, record.end, true)) [[likely]]
+            if (char* const end = nxLogQuickText::Write(begin, record.values, record.end, true)) [[likely]]
             {
                 _cursor = _PutEnd(end, *record.source);
                 return true;

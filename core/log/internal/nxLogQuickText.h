@@ -1,5 +1,5 @@
-#ifndef CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
-#define CORE_LOG_INTERNAL_NXLOGPLAINMESSAGE_H
+#ifndef CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
+#define CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
 
 #include <algorithm>
 #include <bit>
@@ -19,10 +19,10 @@
 /// and checks neither room nor length; whatever needs more care is refused and left to nxLogLineBuffer.
 ///
 /// Threads: no state.
-class nxLogPlainMessage
+class nxLogQuickText
 {
 public:
-    nxLogPlainMessage() = delete;
+    nxLogQuickText() = delete;
 
     /// Records with more bytes of values are refused.
     static constexpr std::size_t LargestRecord = 4096;
