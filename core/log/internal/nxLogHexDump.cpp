@@ -21,7 +21,7 @@ std::string_view nxLogHexDump::MakeLine(const char* bytes, std::size_t size, std
         _Put(' ');
         _Put(' ');
     }
-    // The last line is padded, so that the characters stand below each other.
+    // The last line is padded, so that its characters begin in the same column.
     for (unsigned index = 0; index < _bytesPerLine; ++index)
     {
         // Lines of eight and more have a gap in the middle.

@@ -6,6 +6,10 @@
 #include <string_view>
 
 /// The lines of nxLog::LogBufferAsHex(), made one after the other in the same place.
+///
+/// Invariant: the longest line fits into the place, whatever the bytes.
+///
+/// Errors: none, it allocates nothing. Threads: none.
 class nxLogHexDump
 {
 public:
@@ -16,7 +20,7 @@ public:
     }
 
     /// @return the line for the @p size bytes at @p bytes, at most bytesPerLine; valid until the next one is made.
-    /// @param offset where they stand in the buffer.
+    /// @param offset of the bytes in the buffer.
     std::string_view MakeLine(const char* bytes, std::size_t size, std::size_t offset);
 
     static constexpr std::size_t LargestLine = 256;

@@ -5,38 +5,25 @@
 #include <string>
 
 #include "core/enum/nxLogLevelEnum.h"
+#include "core/log/internal/nxLogEscape.h"
+#include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogValueReader.h"
 #include "core/text/inline/nxDigits.h"
-#include "core/text/nxPrintableText.h"
 #include "core/text/nxStringHelper.h"
 
 namespace
 {
-constexpr std::size_t maximumMessage = std::size_t{1} << 20;
+constexpr std::size_t maximumMessage = nxLogLimits::LongestMessage;
 constexpr std::size_t firstCapacity = 1024;
-// Room enough for any value that is not itself a text, and for everything in a line beside its texts.
+// Room for any value that is not itself a text, and for everything in a line beside its texts.
 constexpr std::size_t longestValue = 256;
 // More of a level's name is not shown.
 constexpr std::size_t longestLevel = 16;
 constexpr std::string_view cutMark = "... [cut]";
-constexpr char hexDigitsOfBytes[] = "0123456789ABCDEF";
-
-std::uint64_t LoadWord(const char* text)
-{
-    std::uint64_t word;
-    std::memcpy(&word, text, sizeof word);
-    return word;
-}
-
-// Characters beyond ASCII need a closer look: some of them are control characters, and their bytes may be out of place.
-bool NeedsCare(std::uint64_t word)
-{
-    return ((nxLogQuickText::FindControl(word) | word) & nxLogQuickText::ControlBits) != 0;
-}
 
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
-// Whether leaving the value out would leave anything out.
+// Whether the value adds anything to the message.
 bool HasText(const nxLogValueReader& value)
 {
     switch (value.GetTag())
@@ -51,7 +38,7 @@ bool HasText(const nxLogValueReader& value)
     }
 }
 
-// The largest size up to `limit` that tears no UTF-8 character of `text`, which is longer than `limit`.
+// The largest size up to `limit` that cuts no UTF-8 character of `text`, which is longer than `limit`.
 std::size_t CutPosition(std::string_view text, std::size_t limit)
 {
     std::size_t position = limit;
@@ -85,58 +72,15 @@ void nxLogLineBuffer::ShrinkTo(std::size_t bytes) noexcept
     _Grow(bytes);
 }
 
-// Puts the character or byte at the start of the text, which is not empty. @return its bytes.
-std::size_t nxLogLineBuffer::_PutCharacter(std::string_view text) noexcept
-{
-    const std::size_t hidden = text[0] == '\t' ? 0 : nxPrintableText::GetHiddenSize(text);
-    for (const char c : text.substr(0, hidden))
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        const char escaped[] = {'\\', 'x', hexDigitsOfBytes[byte >> 4], hexDigitsOfBytes[byte & 15]};
-        _Put({escaped, sizeof escaped});
-    }
-    if (hidden != 0)
-        return hidden;
-    const std::size_t size = std::max<std::size_t>(1, nxPrintableText::GetCharacterSize(text));
-    _Put(text.substr(0, size));
-    return size;
-}
-
 bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
 {
-    if (!_Ensure(text.size() + longestValue))
-        return false;
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    while (at != end)
+    do
     {
-        // Eight bytes at a time while none needs care; a piece of a careful eight becomes at most 44.
-        for (; end - at >= 8; at += 8)
-        {
-            const std::uint64_t word = LoadWord(at);
-            if (NeedsCare(word)) [[unlikely]]
-                break;
-            std::memcpy(_cursor, &word, sizeof word);
-            _cursor += sizeof word;
-        }
-        if (end - at < 8)
-        {
-            const auto rest = static_cast<std::size_t>(end - at);
-            const std::uint64_t word = nxLogQuickText::LoadShort(at, rest);
-            if (!NeedsCare(word)) [[likely]]
-            {
-                std::memcpy(_cursor, &word, sizeof word);
-                _cursor += rest;
-                return true;
-            }
-        }
-        const char* const pieceEnd = end - at < 8 ? end : at + 8;
-        while (at < pieceEnd)
-            at += _PutCharacter({at, static_cast<std::size_t>(end - at)});
-        if (!_Ensure(static_cast<std::size_t>(end - at) + longestValue))
+        if (!_Ensure(text.size() + nxLogEscape::LongestPiece))
             return false;
-    }
-    return true;
+        nxLogEscape::PutPiece(_cursor, text);
+    } while (!text.empty());
+    return _Ensure(longestValue);
 }
 
 bool nxLogLineBuffer::_AppendText(std::string_view text, bool escape) noexcept
@@ -177,9 +121,9 @@ bool nxLogLineBuffer::_AppendCarefully(const char* values, const char* end, bool
 {
     if (!_Ensure(longestValue))
         return false;
-    // How much of the message has been written, a control byte counted once.
+    // How much of the message has been written, an escaped byte counted once.
     std::size_t written = 0;
-    // Every round finds room for one value that is not a text, and leaves as much.
+    // Every turn finds room for one value that is not a text, and leaves as much.
     for (nxLogValueReader value(values, end); value.Next();)
     {
         if (written > maximumMessage) [[unlikely]]
@@ -240,20 +184,15 @@ void nxLogLineBuffer::_PutLevel(unsigned level) noexcept
     _Put(std::string_view(text).substr(0, longestLevel));
 }
 
-bool nxLogLineBuffer::AppendSuffix(const char* file, unsigned line) noexcept
+bool nxLogLineBuffer::_AppendSuffix(std::string_view file, unsigned line) noexcept
 {
-    if (!_Ensure(longestValue))
+    if (!_Ensure(nxLogEscape::GetSuffixRoom(file.size())))
         return false;
-    _Put(" [");
-    if (!_AppendEscaped(file))
-        return false;
-    *_cursor++ = ':';
-    _cursor = nxDigits::Write(_cursor, line);
-    *_cursor++ = ']';
+    _cursor = nxLogEscape::PutSuffix(_cursor, file, line);
     return true;
 }
 
-// The time is left out; @p timeAt is where it goes, null for a line without one.
+// Leaves the time out. `timeAt` is where it goes, null for a line without one.
 void nxLogLineBuffer::_PutPrefixSlowly(const nxLogRecord& record, const nxLogTimeText& time, char*& timeAt) noexcept
 {
     timeAt = nullptr;
@@ -307,7 +246,7 @@ bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeTex
     if (_style.form != nxLogLineStyle::Full)
         return true;
     if (record.source == nullptr)
-        return AppendSuffix(record.ownFile, record.ownLine);
+        return _AppendSuffix(record.ownFile, record.ownLine);
     return _AppendText({record.source->suffix, record.source->suffixSize}, false);
 }
 

@@ -19,10 +19,12 @@ struct nxLogLineThread
     bool processor;
 };
 
-/// A growing piece of memory in which records become text: the one place that knows how each line looks. What each
-/// short value looks like nxLogQuickText knows.
+/// A growing piece of memory in which records become text: the one place that knows how each line looks. nxLogQuickText
+/// knows how each short value looks.
 ///
-/// Errors: what there is no memory for is refused, and an incomplete line taken back. Threads: none.
+/// Invariant: the text is whole lines, one a record, and none holds a control character but the tab.
+///
+/// Errors: without memory a line is refused, and an incomplete one is taken back. Threads: none.
 class nxLogLineBuffer
 {
 public:
@@ -36,12 +38,12 @@ public:
 
     /// Keeps the memory.
     void Clear() { _cursor = _begin; }
-    /// Makes room for @p bytes, so that appending so many takes no further memory.
+    /// Makes room for @p bytes, so that appending them takes no further memory.
     bool Reserve(std::size_t bytes) noexcept { return _Ensure(bytes); }
-    /// Gives memory back that a giant line has left behind.
+    /// Gives back the memory beyond @p bytes that a giant line has taken.
     void ShrinkTo(std::size_t bytes) noexcept;
 
-    /// Sets what the lines that follow look like.
+    /// Sets how the lines that follow look.
     void SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept
     {
         _style = style;
@@ -54,7 +56,7 @@ public:
     [[gnu::always_inline]] bool AppendLine(const nxLogRecord& record, const nxLogTimeText& time) noexcept
     {
         const auto size = static_cast<std::size_t>(record.end - record.values);
-        // Nearly every line: one look at the room for all of it, and one place in it that stays in a register.
+        // Nearly every line: the room for all of it is tested once, and the place in it stays in a register.
         if (size <= nxLogQuickText::LargestRecord && record.source != nullptr &&
             record.source->suffixSize <= nxLogSource::SuffixRoom && !time.IsEmpty() &&
             _Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
@@ -69,14 +71,11 @@ public:
         return _AppendLineSlowly(record, time);
     }
 
-    /// Appends the message of a record alone. @param escape whether what nxPrintableText hides, but tabs, becomes \xNN.
+    /// Appends the message of a record alone. @param escape whether it is written as nxLogEscape says.
     bool AppendMessage(const char* values, const char* end, bool escape) noexcept;
 
-    /// Appends how a full line ends: " [file:line]".
-    bool AppendSuffix(const char* file, unsigned line) noexcept;
-
 private:
-    // How the last line began. Lines of the same thread and level differ only in the time.
+    // How the last line began. Lines of one thread and level begin alike but for the time.
     struct Prefix
     {
         static constexpr std::uint64_t None = ~std::uint64_t{0};
@@ -84,11 +83,11 @@ private:
 
         std::uint64_t key = None;
         std::size_t size = 0;
-        std::size_t timeAt = 0;  // where the time goes; behind the prefix when it has none
+        std::size_t timeAt = 0;  // where the time goes; after the prefix when it has none
         char text[Longest] = {};
     };
 
-    // At least so many bytes behind the cursor.
+    // Makes room for at least `bytes` bytes after the cursor.
     bool _Ensure(std::size_t bytes) noexcept
     {
         return static_cast<std::size_t>(_end - _cursor) >= bytes || _Grow(bytes);
@@ -97,7 +96,7 @@ private:
 
     bool _AppendText(std::string_view text, bool escape) noexcept;
     bool _AppendEscaped(std::string_view text) noexcept;
-    std::size_t _PutCharacter(std::string_view text) noexcept;
+    bool _AppendSuffix(std::string_view file, unsigned line) noexcept;
     bool _AppendCarefully(const char* values, const char* end, bool escape) noexcept;
     bool _AppendDouble(double value) noexcept;
     bool _AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept;

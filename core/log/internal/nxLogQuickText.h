@@ -1,7 +1,6 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
 #define CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
 
-#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -11,12 +10,72 @@
 
 #include "core/enum/inline/nxEnumTable.h"
 #include "core/log/inline/nxLogStream.h"
+#include "core/log/internal/nxLogEscape.h"
 #include "core/text/inline/nxDigits.h"
-#include "core/text/nxPrintableText.h"
 
-/// The text of nearly every message: of short records that hold nothing to be
-/// escaped. One pass that holds its place in a register
-/// and checks neither room nor length; whatever needs more care is refused and left to nxLogLineBuffer.
+/// How much room the text of a value takes, for each byte that the value takes in a record.
+///
+/// Invariant: PerByte suffices for every tag, with the bytes that are overwritten after the text. A tag that is added does
+/// not compile before it is considered here.
+struct nxLogTextRoom
+{
+    static constexpr std::size_t PerByte = 8;
+
+    /// @param touched the bytes of the longest text, with those that are overwritten after it.
+    template <class Value>
+    static constexpr bool Suffices(std::size_t touched)
+    {
+        return touched <= PerByte * (sizeof(nxLogTag) + sizeof(Value));
+    }
+
+    static constexpr bool SufficesFor(nxLogTag tag)
+    {
+        switch (tag)
+        {
+            case nxLogTag::True:
+            case nxLogTag::False:
+                return sizeof "FALSE" <= PerByte * sizeof(nxLogTag);
+            case nxLogTag::Signed32:
+                return Suffices<std::int32_t>(1 + nxDigits::MaxDigits);
+            case nxLogTag::Unsigned32:
+                return Suffices<std::uint32_t>(nxDigits::MaxDigits);
+            case nxLogTag::Signed64:
+                return Suffices<std::int64_t>(1 + nxDigits::MaxDigits);
+            case nxLogTag::Unsigned64:
+                return Suffices<std::uint64_t>(nxDigits::MaxDigits);
+            case nxLogTag::Address:
+                return Suffices<std::uint64_t>(sizeof "0x0123456789abcdef");
+            case nxLogTag::Decimal:
+                return Suffices<nxDecimal>(nxDecimal::MaxTextSize);
+            case nxLogTag::KeptText:
+                return Suffices<const std::string*>(nxEnumTable::MaximumTextSize + sizeof(std::uint64_t));
+            case nxLogTag::Text:
+                // The length takes care of what is overwritten; a character takes a byte for a byte.
+                return Suffices<std::uint32_t>(sizeof(std::uint64_t));
+            case nxLogTag::DestinationUser:
+            case nxLogTag::SourceApplication:
+            case nxLogTag::End:
+                return true;  // no text
+            case nxLogTag::Double:
+            case nxLogTag::Cut:
+                return true;  // refused
+        }
+        return false;
+    }
+
+    static constexpr bool SufficesForAll()
+    {
+        for (unsigned tag = 0; tag <= static_cast<unsigned>(nxLogTag::SourceApplication); ++tag)
+            if (!SufficesFor(static_cast<nxLogTag>(tag)))
+                return false;
+        return true;
+    }
+};
+
+/// The text of nearly every message: of short records that hold nothing to be escaped. One pass that keeps its place in a
+/// register and checks neither room nor length. What needs more care is refused and left to nxLogLineBuffer.
+///
+/// Invariant: what is not refused has the text that nxLogLineBuffer's careful way would write.
 ///
 /// Threads: no state.
 class nxLogQuickText
@@ -27,34 +86,10 @@ public:
     /// Records with more bytes of values are refused.
     static constexpr std::size_t LargestRecord = 4096;
 
-    /// The room that the text of so many bytes of values may take, bytes behind it that are overwritten included.
-    static constexpr std::size_t GetRoom(std::size_t bytes) { return 8 * bytes + 16; }
+    /// The room that the text of @p bytes bytes of values takes at most, with the bytes after it that are overwritten.
+    static constexpr std::size_t GetRoom(std::size_t bytes) { return nxLogTextRoom::PerByte * bytes + 16; }
 
-    /// Whether any of the eight bytes of @p word may be a control byte. Errs on the side of yes, for tabs. Told by the
-    /// bits of ControlBits.
-    static constexpr std::uint64_t FindControl(std::uint64_t word)
-    {
-        constexpr std::uint64_t ones = 0x0101010101010101;
-        const std::uint64_t below = (word - ones * 0x20) & ~word;
-        const std::uint64_t deletes = word ^ (ones * 0x7F);
-        return below | ((deletes - ones) & ~deletes);
-    }
-    static constexpr std::uint64_t ControlBits = 0x8080808080808080;
-
-    /// Up to seven characters in a word, blanks behind them.
-    static std::uint64_t LoadShort(const char* text, std::size_t size)
-    {
-        // Two loads that overlap; what is read twice is or-ed with itself.
-        if (size >= 4)
-            return _Load<std::uint32_t>(text) | _Load<std::uint32_t>(text + size - 4) << (8 * (size - 4)) |
-                   _blanks << (8 * size);
-        if (size >= 2)
-            return _Load<std::uint16_t>(text) | _Load<std::uint16_t>(text + size - 2) << (8 * (size - 2)) |
-                   _blanks << (8 * size);
-        return size == 0 ? _blanks : _Load<std::uint8_t>(text) | _blanks << 8;
-    }
-
-    /// Writes the text of a value that is short whatever it is, and sets @p at behind its bytes, @p out behind its text.
+    /// Writes the text of a value that is short whatever it is, and moves @p at past its bytes, @p out past its text.
     /// @param out has room for 64 bytes. @return false, with nothing done, for the tags of other values.
     [[gnu::always_inline]] static bool WriteValue(char*& out, nxLogTag tag, const char*& at) noexcept
     {
@@ -88,7 +123,7 @@ public:
                 at += sizeof(std::uint32_t);
                 return true;
             case nxLogTag::SourceApplication:
-                at += sizeof(std::uint32_t) + _Load<std::uint32_t>(at);
+                at += sizeof(std::uint32_t) + nxLogEscape::Load<std::uint32_t>(at);
                 return true;
             default:
                 return false;
@@ -106,7 +141,7 @@ public:
             const auto tag = static_cast<nxLogTag>(*at++);
             if (tag == nxLogTag::Text)
             {
-                const std::size_t size = _Load<std::uint32_t>(at);
+                const std::size_t size = nxLogEscape::Load<std::uint32_t>(at);
                 at += sizeof(std::uint32_t);
                 suspicion |= _CopyOfRecord(out, at, size);
                 out += size;
@@ -117,7 +152,7 @@ public:
             else if (tag == nxLogTag::KeptText)
             {
                 const auto& text = *_Take<const std::string*>(at);
-                // For more its nine bytes have not been given room.
+                // GetRoom() counts nine bytes for it, which is enough for texts up to here.
                 if (text.size() > nxEnumTable::MaximumTextSize)
                     return nullptr;
                 suspicion |= _Copy(out, text.data(), text.size());
@@ -128,15 +163,13 @@ public:
             else
                 return nullptr;
         }
-        if (escape && (suspicion & ControlBits) != 0 && _HoldsControl(begin, out)) [[unlikely]]
+        if (escape && (suspicion & nxLogEscape::AnswerBits) != 0 && nxLogEscape::NeedsEscape({begin, out})) [[unlikely]]
             return nullptr;
         return out;
     }
 
 private:
-    static_assert(nxEnumTable::MaximumTextSize + 8 <= 8 * (1 + sizeof(const std::string*)), "see GetRoom()");
-    static_assert(std::endian::native == std::endian::little, "texts are shifted in words, first character lowest");
-    static constexpr std::uint64_t _blanks = 0x2020202020202020;
+    static_assert(nxLogTextRoom::SufficesForAll());
 
     template <class Value>
     static Value _Take(const char*& at)
@@ -162,56 +195,10 @@ private:
         return out;
     }
 
-    template <class Integer>
-    static std::uint64_t _Load(const char* bytes)
-    {
-        Integer value;
-        std::memcpy(&value, bytes, sizeof value);
-        return value;
-    }
-
-    // Whether a word may hold a control byte, told by ControlBits and in fewer steps than by FindControl(): also yes for
-    // characters beyond ASCII.
-    static std::uint64_t _Suspect(std::uint64_t word)
-    {
-        return (word - 0x2020202020202020) | (word + 0x0101010101010101);
-    }
-
-    // Whether anything in the text must not be shown, or may be a tab.
-    [[gnu::noinline]] static bool _HoldsControl(const char* text, const char* end)
-    {
-        std::uint64_t controls = 0, characters = 0;
-        const auto look = [&](std::uint64_t word)
-        {
-            controls |= FindControl(word);
-            characters |= word;
-        };
-        const char* at = text;
-        for (; end - at >= 8; at += 8)
-            look(_Load<std::uint64_t>(at));
-        look(LoadShort(at, static_cast<std::size_t>(end - at)));
-        return (controls & ControlBits) != 0 || ((characters & ControlBits) != 0 && _HoldsHidden({text, end}));
-    }
-
-    // The same among characters beyond ASCII.
-    static bool _HoldsHidden(std::string_view text)
-    {
-        for (std::size_t size = 1; !text.empty(); text.remove_prefix(size))
-        {
-            size = 1;
-            if (static_cast<unsigned char>(text[0]) < 0x80)
-                continue;
-            if (nxPrintableText::GetHiddenSize(text) != 0)
-                return true;
-            size = std::max(size, nxPrintableText::GetCharacterSize(text));
-        }
-        return false;
-    }
-
     static std::uint64_t _CopyWord(char* out, std::uint64_t word)
     {
         std::memcpy(out, &word, sizeof word);
-        return _Suspect(word);
+        return nxLogEscape::Suspect(word);
     }
 
     // At least eight bytes.
@@ -220,28 +207,29 @@ private:
         constexpr std::size_t word = sizeof(std::uint64_t);
         std::uint64_t found = 0;
         for (std::size_t at = 0; at + word < size; at += word)
-            found |= _CopyWord(out + at, _Load<std::uint64_t>(text + at));
+            found |= _CopyWord(out + at, nxLogEscape::Load<std::uint64_t>(text + at));
         // The last one ends with the text.
-        return found | _CopyWord(out + size - word, _Load<std::uint64_t>(text + size - word));
+        return found | _CopyWord(out + size - word, nxLogEscape::Load<std::uint64_t>(text + size - word));
     }
 
-    // Copies a text from anywhere; up to eight bytes behind it are overwritten. @return what _Suspect() finds.
+    // Copies a text from anywhere; up to eight bytes after it are overwritten. @return what nxLogEscape::Suspect() finds.
     static std::uint64_t _Copy(char* out, const char* text, std::size_t size)
     {
-        return size < 8 ? _CopyWord(out, LoadShort(text, size)) : _CopyWords(out, text, size);
+        return size < 8 ? _CopyWord(out, nxLogEscape::LoadShort(text, size)) : _CopyWords(out, text, size);
     }
 
-    // The same for a text behind tag and length. Without a branch on what nobody can predict: a word that ends with the
-    // text may begin in these, and is shifted until it begins with the text.
+    // The same for a text that follows its tag and length. There is no branch on the size, which is unpredictable: a word
+    // that ends with the text may begin in tag and length, and is shifted until it begins with the text.
     static std::uint64_t _CopyOfRecord(char* out, const char* text, std::size_t size)
     {
         if (size - 3 >= 6) [[unlikely]]
             return _Copy(out, text, size);
+        static_assert(sizeof(nxLogTag) + sizeof(std::uint32_t) == 8 - 3, "the word reads so far before the text");
         const std::size_t others = 64 - 8 * size;
-        const std::uint64_t word = _Load<std::uint64_t>(text + size - 8) >> others;
+        const std::uint64_t word = nxLogEscape::Load<std::uint64_t>(text + size - 8) >> others;
         std::memcpy(out, &word, sizeof word);
-        // Zeros have come in behind the text. What is suspected of them is shifted out.
-        return _Suspect(word) << others;
+        // The zeros after the text would be suspected; they are shifted out.
+        return nxLogEscape::Suspect(word) << others;
     }
 };
 

@@ -9,12 +9,16 @@
 #include "core/thread/nxMutex.h"
 
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
+///
+/// Invariant: a place that was kept is never changed and never freed, so that queued records may point to it.
+///
+/// Threads: any.
 class nxLogSourceTable
 {
 public:
     static nxLogSourceTable& GetInstance() noexcept;
 
-    /// @return the place, the same object for equal arguments. Throws without memory.
+    /// @return the place, the same object for equal arguments. Throws std::bad_alloc.
     const nxLogSource* Keep(const char* file, unsigned line);
 
     void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
@@ -28,7 +32,7 @@ private:
     ~nxLogSourceTable() = delete;
 
     nxMutex _mutex;
-    std::map<Key, nxLogSource> _sources;
+    std::map<Key, nxLogSource> _sources NX_GUARDED_BY(_mutex);
 };
 
 #endif

@@ -9,9 +9,11 @@
 #include "core/time/nxTimeStamp.h"
 
 /// The times of records as lines show them, one after the other. While the second stays the same, only its fraction is
-/// renewed.
+/// written.
 ///
-/// Errors: no text for a moment that nxTimeStamp has none for. Threads: none.
+/// Invariant: the text is that of the time that was set last, or empty.
+///
+/// Errors: the text is empty where nxTimeStamp has none. Threads: none.
 class nxLogTimeText
 {
 public:
@@ -22,22 +24,22 @@ public:
     {
         if (time.seconds != _second || !_isText || time.nanoseconds >= 1'000'000'000) [[unlikely]]
         {
-            _SetAnew(time);
+            _SetWhole(time);
             return true;
         }
         nxFractionText::Write(_text + Size - nxFractionText::Size, time.nanoseconds);
         return false;
     }
 
-    /// The zone of the process may have changed: asks for it again.
+    /// The local zone may have changed: the next Set() asks for it.
     void Forget() noexcept { _isText = false; }
 
-    /// Size bytes, be they a text or not.
+    /// Size bytes: the text, or zeros where it is empty.
     const char* GetBytes() const { return _text; }
     bool IsEmpty() const { return !_isText; }
 
 private:
-    void _SetAnew(const nxClockTime& time) noexcept
+    void _SetWhole(const nxClockTime& time) noexcept
     {
         const unsigned written = nxTimeStamp(time.seconds, time.nanoseconds).GetAsStringFast(_text, sizeof _text);
         _isText = written != 0;
