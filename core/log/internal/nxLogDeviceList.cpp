@@ -1,126 +1,19 @@
 #include "core/log/internal/nxLogDeviceList.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <utility>
 
-#include "core/log/internal/nxLogBell.h"
-#include "core/log/internal/nxLogCounters.h"
-#include "core/log/nxLogDevice.h"
-#include "core/log/nxLogLineSink.h"
+#include "core/log/internal/nxLogLimits.h"
+#include "core/log/internal/nxLogTimedLock.h"
 #include "core/platform/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
 #include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
 {
-// For one device, of a thread that is inside another one.
-constexpr std::int64_t patienceInside = 100'000'000;
-// For one device that is unregistered while the process ends.
-constexpr std::int64_t patienceAtEnd = 2'000'000'000;
-}  // namespace
-
-constinit thread_local const nxLogDeviceEntry::Visit* nxLogDeviceEntry::_innermost = nullptr;
-
-nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex) noexcept
-    : _device(registered), _lineSink(registered->GetLineSink()), _mutex(std::move(mutex))
-{
-}
-
-nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry, std::int64_t patience) noexcept
-    : _entry(entry), _outer(_innermost), _inside(!entry._IsThreadInside() && entry._LockInTime(patience))
-{
-    if (!_inside)
-        return;
-    _innermost = this;
-    nxLogBell::SetCallerInsideDevice(true);
-}
-
-nxLogDeviceEntry::Visit::~Visit()
-{
-    if (!_inside)
-        return;
-    _innermost = _outer;
-    nxLogBell::SetCallerInsideDevice(_outer != nullptr);
-    _entry._mutex->Unlock();
-}
-
-bool nxLogDeviceEntry::_IsThreadInside() const noexcept
-{
-    for (const Visit* visit = _innermost; visit != nullptr; visit = visit->GetOuter())
-        if (visit->GetMutex() == _mutex.get())
-            return true;
-    return false;
-}
-
-std::int64_t nxLogDeviceEntry::GetPatience() noexcept
-{
-    return nxLogBell::IsCallerInsideDevice() ? patienceInside : Forever;
-}
-
-// What a device reports at once is not for itself; all else that could not be handed over is missed.
-void nxLogDeviceEntry::_CountMissed() const noexcept
-{
-    if (!_IsThreadInside())
-        nxLogCounters::CountDropped();
-}
-
-bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept
-{
-    if (patience == Forever)
-        return _mutex->Lock().IsOK();
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
-    while (!_mutex->TryLock().IsOK())
-    {
-        if (nxClock::MonotonicNanoseconds() > deadline)
-            return false;
-        nxPlatformThread::SleepMilliseconds(1);
-    }
-    return true;
-}
-
-void nxLogDeviceEntry::End(bool wait) noexcept
-{
-    const Visit visit(*this, wait ? GetPatience() : 0);
-    if (!visit.IsInside() || _ended.exchange(true, std::memory_order_relaxed))
-        return;
-    _Do([this] { _device->Flush(); });
-    // The device may end itself there, which does not end this entry.
-    _Do([this] { _device->Destroy(); });
-}
-
-void nxLogDeviceEntry::BeforeFork(std::int64_t deadline) noexcept
-{
-    _lockedForFork = false;
-    if (_IsThreadInside())
-        return;
-    if (!_LockInTime(deadline - nxClock::MonotonicNanoseconds()))
-        return;
-    _lockedForFork = true;
-    if (_lineSink != nullptr && !IsRemoved())
-        _lineSink->BeforeFork();
-}
-
-void nxLogDeviceEntry::AfterForkInParent() noexcept
-{
-    if (!_lockedForFork)
-        return;
-    if (_lineSink != nullptr && !IsRemoved())
-        _lineSink->AfterForkInParent();
-    _mutex->Unlock();
-}
-
-void nxLogDeviceEntry::AfterForkInChild() noexcept
-{
-    ::new (_mutex.get()) nxMutex;
-    if (_lineSink != nullptr && !IsRemoved())
-        _lineSink->AfterForkInChild();
-}
-
-namespace
-{
-// The list before the first registration, which may have to do without memory. It owns nothing and is not destroyed.
+// The list before the first registration, made without memory. It owns nothing and is not destroyed.
 std::shared_ptr<const nxLogDeviceList::Entries> NoEntries() noexcept
 {
     using Entries = const nxLogDeviceList::Entries;
@@ -151,8 +44,8 @@ bool nxLogDeviceList::Contains(const nxLogDevice* device) noexcept
                        [device](const auto& entry) { return entry->GetDevice() == device && !entry->IsRemoved(); });
 }
 
-// The entries that are not removed, in a list of its own. Those that are removed are remembered as leaving before the
-// list without them can be published, or nothing is changed: bad_alloc.
+// @return a new list of the entries that are not removed. Makes room to remember the others, so that _Publish() of a list
+// without them cannot fail. Throws std::bad_alloc, and has changed nothing then.
 std::shared_ptr<nxLogDeviceList::Entries> nxLogDeviceList::_CopyLive()
 {
     std::erase_if(_leaving, [](const auto& each) { return each.expired(); });
@@ -169,11 +62,11 @@ void nxLogDeviceList::_Publish(std::shared_ptr<const Entries> entries) noexcept
 {
     for (const auto& entry : *_entries)
         if (entry->IsRemoved())
-            _leaving.push_back(entry);  // has its room
+            _leaving.push_back(entry);  // _CopyLive() has made room
     _entries = std::move(entries);
 }
 
-// Of one device.
+// Calls `action` for each entry of the device that is removed and still referred to.
 template <class Action>
 void nxLogDeviceList::_ForEachRemoved(const nxLogDevice* device, const Action& action) noexcept
 {
@@ -207,7 +100,7 @@ void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
     }
     catch (...)
     {
-        // Without memory there is no list with them.
+        // No memory for a list with them.
     }
 }
 
@@ -228,12 +121,12 @@ void nxLogDeviceList::Remove(const nxLogDevice* device) noexcept
     }
     catch (...)
     {
-        // It stays in the list, marked, and is never called again.
+        // No memory for a list without it: it stays, and its mark keeps every thread out.
     }
     WaitUntilLeft(device);
 }
 
-// Not under the list's lock while it waits: the device may be at work, and may itself be registering another one.
+// It does not hold the list's lock while it waits, because the device may be registering another one at the moment.
 void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
 {
     std::shared_ptr<nxLogDeviceEntry> any;
@@ -244,9 +137,9 @@ void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
     if (any == nullptr)
         return;
     const bool isEnding = _isEnding.load(std::memory_order_relaxed);
-    const std::int64_t patience = isEnding ? patienceAtEnd : nxLogDeviceEntry::Forever;
-    // Under the device's lock: who ends a device looks at the mark under it.
-    any->WhenLeft(std::min(nxLogDeviceEntry::GetPatience(), patience),
+    const std::int64_t limit = isEnding ? nxLogLimits::DeviceAtEnd : nxLogTimedLock::Forever;
+    // The mark is set under the device's lock, under which End() looks at it.
+    any->WhenLeft(std::min(nxLogDeviceEntry::GetLongestWait(), limit),
                   [&]
                   {
                       const nxMutexGuard guard(_mutex);
@@ -266,7 +159,7 @@ std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::TakeAll() noexc
     }
     catch (...)
     {
-        // The entries stay in the list, where their mark keeps everybody out.
+        // No memory for an empty list: the entries stay, and their marks keep every thread out.
     }
     return taken;
 }
@@ -274,9 +167,8 @@ std::shared_ptr<const nxLogDeviceList::Entries> nxLogDeviceList::TakeAll() noexc
 void nxLogDeviceList::BeforeFork() noexcept
 {
     // A device that does not return must not keep the process from forking.
-    constexpr std::int64_t patience = 1'000'000'000;
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
-    // The devices before the list, as a device may be changing the list; so the list may have changed at the end.
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + nxLogLimits::DevicesAtFork;
+    // The devices before the list, because a device may be changing the list. So the list may have changed meanwhile.
     for (;;)
     {
         _forking = Get();
@@ -304,7 +196,7 @@ void nxLogDeviceList::AfterForkInChild() noexcept
     nxMutexInChild::Renew(_mutex);
     for (const auto& entry : *_entries)
         entry->AfterForkInChild();
-    // Whoever was inside of those is gone, and their locks stay with him.
+    // The threads inside of those do not exist in the child, and their locks are held for good.
     _leaving.clear();
     _forking.reset();
 }
