@@ -55,7 +55,8 @@ catch (const std::bad_alloc&)
     _lostLines.fetch_add(1, std::memory_order_relaxed);
 }
 
-// A line that is begun is ended first, next time; the other lines that are not taken are lost.
+// When standard output takes only the beginning of a line, the next call writes the rest of it first. The other lines that
+// it does not take are lost.
 void nxConsoleLogDevice::_Write(std::string_view lines)
 {
     const nxMutexGuard guard(_mutex);
@@ -77,8 +78,7 @@ void nxConsoleLogDevice::Flush() {}
 
 void nxConsoleLogDevice::Destroy()
 {
-    constexpr std::int64_t second = 1'000'000'000;
-    nxLogWriter::GetInstance().WriteOut(10 * second, 2 * second);
+    nxLogWriter::GetInstance().WriteOutAtEnd();
     nxLogManager::GetInstance().UnregisterLogDevice(this);
 }
 
@@ -96,5 +96,5 @@ void nxConsoleLogDevice::AfterForkInChild()
     if (isWhole)
         _rest.clear();
     else
-        new (&_rest) std::string;  // another thread was at it in the parent
+        new (&_rest) std::string;  // another thread of the parent was changing it
 }

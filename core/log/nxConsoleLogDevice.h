@@ -18,11 +18,11 @@
 /// "[05Mar24 09:07:03.123.456] text". Lines go to the operating system at once, past the buffer of the C library.
 ///
 /// - Errors: nothing fails. Lines that standard output does not take are lost and counted; the process goes on. It does
-///   not take them when it is closed, a pipe without a reader, when it has taken nothing for 100 ms (a terminal that is
-///   stopped, a pipe that nobody reads), or not all of a mebibyte in half a second; while it stays so, it is not waited
-///   for again. Nor is it written to when the program has closed it and uses its number for a file or a connection.
+///   not take them when it is closed or a pipe without a reader, when it has taken nothing for 100 ms (a stopped terminal,
+///   a pipe that is not read), or not all of a mebibyte in half a second; the device does not wait for it again while this
+///   lasts. It is not written to either when the program has closed it and uses its number for a file or a connection.
 /// - Threads: every operation may be called at any time from any thread.
-/// - Ownership: as of every device. GetInstance() is there for programs that need just one.
+/// - Ownership: as of every device. GetInstance() serves programs that need just one.
 /// @code
 /// nxConsoleLogDevice& console = nxConsoleLogDevice::GetInstance();
 /// console.SetVerboseOutput(false);
@@ -31,7 +31,7 @@
 class NX_CORE_API nxConsoleLogDevice : public nxLogDevice, private nxLogLineSink
 {
 public:
-    /// What stands before the text when the device is not verbose.
+    /// What precedes the text when the device is not verbose.
     enum class ShortForm
     {
         Level,  ///< "[INF] text"
@@ -60,12 +60,12 @@ private:
     void WriteLines(const nxLogLineBatch& batch) override;
     void BeforeFork() override NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInParent() override NX_NO_THREAD_SAFETY_ANALYSIS;
-    void AfterForkInChild() override;
+    void AfterForkInChild() override NX_NO_THREAD_SAFETY_ANALYSIS;
 
     void _Write(std::string_view lines);
 
-    nxMutex _mutex;     // around a write, so that lines do not mix
-    std::string _rest;  // of a line that standard output took the beginning of
+    nxMutex _mutex;                           // held during a write, so that lines do not mix
+    std::string _rest NX_GUARDED_BY(_mutex);  // of a line of which standard output took the beginning
     std::atomic<ShortForm> _shortForm{ShortForm::Level};
     bool _isLockedForFork = false;  // by the thread that forks
     std::atomic<std::uint64_t> _lostLines{0};

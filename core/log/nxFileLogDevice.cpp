@@ -6,6 +6,8 @@
 
 #include "core/log/internal/nxLogFile.h"
 #include "core/log/internal/nxLogForkLock.h"
+#include "core/log/internal/nxLogLimits.h"
+#include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogManager.h"
 #include "core/platform/nxClock.h"
@@ -14,11 +16,7 @@
 
 namespace
 {
-// How long the end of the device waits for queued records, as the end of the process does.
-constexpr std::int64_t longestDrain = 10'000'000'000;
-constexpr std::int64_t longestStall = 2'000'000'000;
-
-// Devices may not throw; where there is no memory for a line or a file name, that line or file is not written.
+// Devices may not throw; a line or file for whose text or name there is no memory is not written.
 template <class Action>
 void WithoutThrowing(const Action& action)
 {
@@ -43,12 +41,15 @@ constinit std::atomic<void (*)()> endOfDevice{nullptr};
 
 struct nxFileLogDevice::Parts
 {
-    // A child that is forked at any moment finds a plan that is whole.
+    /// @param mutex the device's, which guards the file; not in a child that was just forked.
+    nxLogFile& GetFile([[maybe_unused]] const nxMutex& mutex) const NX_REQUIRES(mutex) { return *file; }
+
+    /// A child that is forked at any moment finds a plan that is whole.
     void Publish(std::unique_ptr<const nxLogFile::Plan> next) { delete plan.exchange(next.release()); }
 
     std::unique_ptr<nxLogFile> file = std::make_unique<nxLogFile>();
     std::atomic<const nxLogFile::Plan*> plan{nullptr};
-    bool isLockedForFork = false;
+    bool isLockedForFork = false;  // by the thread that forks
 };
 
 nxFileLogDevice& nxFileLogDevice::GetInstance()
@@ -75,16 +76,17 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
     WithoutThrowing(
         [&]
         {
-            // Read before the device's lock is taken, so that it is held for no longer than it must be.
+            // Read before the device's lock is taken, so that the device is not locked while the environment is read.
             auto plan = std::make_unique<const nxLogFile::Plan>(nxLogFile::Plan::Read(
-                maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0));
+                DefaultDirectory, maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0));
             const nxMutexGuard guard(_mutex);
-            if (_parts->file->IsOpen())
+            nxLogFile& file = _parts->GetFile(_mutex);
+            if (file.IsOpen())
                 return;
             _parts->Publish(std::move(plan));
-            created = _parts->file->Create(*_parts->plan.load());
+            created = file.Create(*_parts->plan.load());
         });
-    // The file first, so that it gets each batch first.
+    // The file comes first, so that it gets each batch first.
     nxLogDevice* const devices[] = {this, other};
     nxLogManager::GetInstance().RegisterLogDevices(devices);
     return created;
@@ -93,45 +95,49 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
 void nxFileLogDevice::Write(const nxLog& record)
 {
     const nxMutexGuard guard(_mutex);
-    WithoutThrowing([&] { _parts->file->WriteRecord(record); });
+    nxLogFile& file = _parts->GetFile(_mutex);
+    WithoutThrowing([&] { file.WriteRecord(record); });
 }
 
 void nxFileLogDevice::WriteLines(const nxLogLineBatch& batch)
 {
     const nxMutexGuard guard(_mutex);
+    nxLogFile& file = _parts->GetFile(_mutex);
     const bool atOnce = batch.worstLevel >= NX_LOG_LEVEL_WARNING;
-    WithoutThrowing([&] { _parts->file->Write({batch.text, batch.size}, atOnce, batch.seconds); });
+    WithoutThrowing([&] { file.Write({batch.text, batch.size}, atOnce, batch.seconds); });
 }
 
 void nxFileLogDevice::Maintain()
 {
     const nxMutexGuard guard(_mutex);
-    WithoutThrowing([&] { _parts->file->Maintain(nxClock::MonotonicNanoseconds()); });
+    nxLogFile& file = _parts->GetFile(_mutex);
+    WithoutThrowing([&] { file.Maintain(nxClock::MonotonicNanoseconds()); });
 }
 
 void nxFileLogDevice::Flush()
 {
     const nxMutexGuard guard(_mutex);
-    WithoutThrowing([&] { _parts->file->Flush(); });
+    nxLogFile& file = _parts->GetFile(_mutex);
+    WithoutThrowing([&] { file.Flush(); });
 }
 
 void nxFileLogDevice::Destroy()
 {
-    nxLogWriter::GetInstance().WriteOut(longestDrain, longestStall);
-    // Then, and without the mutex, which the log's thread may be waiting for inside this device.
+    nxLogWriter::GetInstance().WriteOutAtEnd();
+    // Without the mutex, because the deferred-write thread may be waiting for it inside this device.
     nxLogManager::GetInstance().UnregisterLogDevice(this);
     const nxMutexGuard guard(_mutex);
-    WithoutThrowing([&] { _parts->file->End(); });
-    _parts->file->Destroy();
+    nxLogFile& file = _parts->GetFile(_mutex);
+    WithoutThrowing([&] { file.End(); });
+    file.Destroy();
     _parts->Publish(nullptr);
 }
 
-// What did not get into the file is told.
+// Tells what did not get into the file.
 void nxFileLogDevice::_EndProcess()
 {
-    constexpr std::int64_t patience = 100'000'000;
     nxFileLogDevice& device = GetInstance();
-    if (!nxLogForkLock::TakeUntil(device._mutex, nxClock::MonotonicNanoseconds() + patience))
+    if (!nxLogTimedLock::Take(device._mutex, nxLogLimits::FileAtEnd))
         return;
     WithoutThrowing([&device] { device._parts->file->End(); });
     device._mutex.Unlock();
@@ -140,35 +146,38 @@ void nxFileLogDevice::_EndProcess()
 void nxFileLogDevice::CloseAndReopenLogFile()
 {
     const nxMutexGuard guard(_mutex);
-    WithoutThrowing([&] { _parts->file->Reopen(); });
+    nxLogFile& file = _parts->GetFile(_mutex);
+    WithoutThrowing([&] { file.Reopen(); });
 }
 
 std::string nxFileLogDevice::GenerateLogDirectoryFilenamePrefix() const
 {
-    const nxLogFile::Plan plan = nxLogFile::Plan::Read();
+    const nxLogFile::Plan plan = nxLogFile::Plan::Read(DefaultDirectory);
     const nxMutexGuard guard(_mutex);
-    _parts->file->Prepare(plan);
-    return _parts->file->GetPrefix();
+    nxLogFile& file = _parts->GetFile(_mutex);
+    file.RefreshNameParts(plan);
+    return file.GetPrefix();
 }
 
 std::string nxFileLogDevice::GenerateFileName() const
 {
-    const nxLogFile::Plan plan = nxLogFile::Plan::Read();
+    const nxLogFile::Plan plan = nxLogFile::Plan::Read(DefaultDirectory);
     const nxMutexGuard guard(_mutex);
-    _parts->file->Prepare(plan);
-    return _parts->file->GetNextFileName();
+    nxLogFile& file = _parts->GetFile(_mutex);
+    file.RefreshNameParts(plan);
+    return file.GetNextFileName();
 }
 
 std::string nxFileLogDevice::GetFileName() const
 {
     const nxMutexGuard guard(_mutex);
-    return _parts->file->GetFileName();
+    return _parts->GetFile(_mutex).GetFileName();
 }
 
 std::uint64_t nxFileLogDevice::GetLostLines() const
 {
     const nxMutexGuard guard(_mutex);
-    return _parts->file->GetLostLines();
+    return _parts->GetFile(_mutex).GetLostLines();
 }
 
 nxLogLineStyle nxFileLogDevice::GetLineStyle() const { return nxLogFile::Style; }
@@ -186,11 +195,11 @@ void nxFileLogDevice::AfterForkInChild()
     nxLogForkLock::RenewInChild(_mutex, isWhole);
     if (isWhole)
         return _parts->file->ForgetInChild();
-    // Another thread was at it in the parent. Its descriptor stays open in this process.
+    // Another thread of the parent was inside the file. Its descriptor stays open in this process.
     WithoutThrowing(
         [&]
         {
-            [[gnu::used]] static nxLogFile* torn;  // for leak checkers to find
+            [[gnu::used]] static nxLogFile* torn;  // leak checkers find it here
             auto fresh = std::make_unique<nxLogFile>();
             if (const nxLogFile::Plan* const plan = _parts->plan.load(); plan != nullptr)
                 fresh->CreateInChild(*plan);

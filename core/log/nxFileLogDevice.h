@@ -24,21 +24,21 @@ class nxOneInstance;
 ///
 /// - A new file is begun when one has grown beyond the maximum size, by CloseAndReopenLogFile(), and if
 ///   QRX_LOG_RECREATE_ON_CHANGE_OF_DATE asks for it with the first record of a new local day. Also, within a second, when
-///   somebody has removed, renamed or exchanged the file, so that it may be rotated from outside; and when other code of
-///   the process has closed it, be it that its descriptor stands for another file by then: that one is left alone. The old
-///   file is closed when the new one is open, and taken on with where none can be opened.
-/// - The configured directory may be a link or whatever else it pleases. What lies below it, and all of the directory
-///   that serves without a setting, must be no link, belong to this user or to root, and not be for everybody to write
-///   without the sticky bit; else it is refused as one that cannot be created. Where others may exchange files
-///   nevertheless, the group or the owner of the configured directory, a warning in the log says so.
-/// - In a program with more rights than whoever started it, files and directories are for the owner alone.
+///   the file was removed, renamed or exchanged, so that it may be rotated from outside; and when other code of the process
+///   has closed it. If its descriptor belongs to another file by then, that file is left alone. The old file is closed when
+///   the new one is open, and stays in use if none can be opened.
+/// - The configured directory may be a link. The directories below it, and all of the default directory, must not be
+///   links, must belong to this user or to root, and must not be writable for everyone without the sticky bit; otherwise
+///   they are refused like a directory that cannot be created. If the group or the owner of the configured directory may
+///   exchange files nevertheless, a warning in the log says so.
+/// - In a program with more rights than the user who started it, files and directories are for the owner alone.
 /// - Lines wait in a buffer (QRX_LOG_FILE_BUFF_SIZE_MB) until it is full or Flush() is called; warnings and worse, and
 ///   records that are written immediately, do not wait. A line is in the file completely or not at all.
-/// - Errors: nothing fails for those who log. What goes wrong is told on the error stream, once until it is right
-///   again: a directory or file that cannot be created, a file that cannot be written (a full disk), was removed,
-///   renamed or closed. Meanwhile lines wait in the buffer; those that find no room are lost, counted, and told in the log
-///   afterwards. Every second the device tries again, whether records come or not. What is lost at the end, of the device
-///   or of the process, is told on the error stream.
+/// - Errors: nothing fails for threads that log. A failure is told on the error stream, once until it has ended: a
+///   directory or file that cannot be created, a file that cannot be written (a full disk), was removed, renamed or closed.
+///   Meanwhile lines wait in the buffer; those that find no room are lost and counted, and the log tells their number
+///   afterwards. Every second the device tries again, whether records come or not. What is lost at the end of the device or
+///   of the process is told on the error stream.
 /// - Threads: every operation may be called at any time from any thread.
 /// - Ownership: one object per process, never destroyed.
 /// @code
@@ -49,8 +49,8 @@ class nxOneInstance;
 class NX_CORE_API nxFileLogDevice final : public nxLogDevice, private nxLogLineSink
 {
 public:
-    /// The directory for log files when QRX_LOG_DIRECTORY is not set. The same text on every platform: where it is not
-    /// that of a drive, it is the name of a directory in the current one.
+    /// The directory for log files when QRX_LOG_DIRECTORY is not set. It is the same text on every platform; on a platform
+    /// without drives it names a directory in the current one.
     static constexpr const char* DefaultDirectory = "c:\\corvane\\log";
 
     /// The process's one file device, made on first use.
@@ -59,7 +59,7 @@ public:
     /// Reads the settings, opens a log file and registers the device with the log manager.
     /// @param maximumFileSize bytes beyond which a new file is begun; null, no change and 0 mean no limit.
     /// @return false when a log file is open already, then nothing else changes; and when none could be opened, then the
-    ///         device is at work nevertheless and goes on trying.
+    ///         device works nevertheless and goes on trying.
     bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize);
 
     /// The same, and registers @p other in the same step, so that what was reported before reaches both; null for none.
@@ -76,15 +76,15 @@ public:
     void Destroy() override;
 
     /// Closes the file and opens the next one. At the info level, the last line of the old file names it and the first
-    /// line of the new file names both; these two count for no file's size. Does nothing before Create().
+    /// line of the new file names both; these two do not count for the size of a file. Does nothing before Create().
     void CloseAndReopenLogFile();
 
     /// The beginning of a file name: directory, local date and the application's name (that of the program when
     /// nxApplicationData has none), e.g. "/var/log/05Mar2024/application".
     std::string GenerateLogDirectoryFilenamePrefix() const;
 
-    /// The name that the next file will have unless there is such a file: the prefix, start time, process number and
-    /// the sequence number, e.g. "/var/log/05Mar2024/application_090703_4711_1.log".
+    /// The name of the next file, if no such file exists: the prefix, start time, process number and sequence number, e.g.
+    /// "/var/log/05Mar2024/application_090703_4711_1.log".
     std::string GenerateFileName() const;
 
     /// The name of the open file; empty when there is none.
@@ -109,7 +109,7 @@ private:
     void AfterForkInParent() override NX_NO_THREAD_SAFETY_ANALYSIS;
     void AfterForkInChild() override;
 
-    mutable nxMutex _mutex;  // guards the file among the parts, except in a child that was just forked
+    mutable nxMutex _mutex;  // guards the file among the parts: see Parts::GetFile()
     std::unique_ptr<Parts> _parts;
 };
 

@@ -5,9 +5,10 @@
 
 #include "core/log/internal/nxLogHexDump.h"
 #include "core/log/internal/nxLogLineBuffer.h"
+#include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogValueReader.h"
-#include "core/log/nxLogManager.h"
 #include "core/platform/nxThreadHooks.h"
 #include "core/thread/nxThreadIndex.h"
 
@@ -24,7 +25,7 @@ public:
     {
         nxLog record(_level, _file, _line, nxTimeStamp::Now());
         (record << ... << values);
-        nxLogManager::GetInstance().Write(record);
+        nxLogQueue::GetInstance().Write(record);
     }
 
 private:
@@ -114,11 +115,11 @@ nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const uns
                                   : nullptr;
     if (fault != nullptr)
     {
-        if (nxLogManager::ShouldLog(NX_LOG_LEVEL_ERROR))
+        if (nxLogSwitches::ShouldLog(NX_LOG_LEVEL_ERROR))
             Dump(NX_LOG_LEVEL_ERROR, sourceFile, line).Log(fault);
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     }
-    if (!nxLogManager::ShouldLog(level))
+    if (!nxLogSwitches::ShouldLog(level))
         return nxErrorEnum();
 
     const Dump dump(level, sourceFile, line);

@@ -17,14 +17,14 @@ struct nxLogRecord;
 
 /// One log record: a message with a level, the place that reported it, the time and the thread.
 ///
-/// Build one, stream values into it and hand it to nxLogManager::Write(); the macros of nxLogMacros.h do all of that in
-/// one statement, test the level first and are faster. A record of one's own is for what they do not serve: a source
-/// file known only at run time, a message that grows over several statements, a record that is written at once.
+/// Build one, stream values into it and hand it to nxLogManager::Write(). The macros of nxLogMacros.h do all of that in
+/// one statement, test the level first and are faster. Use this class where they do not serve: a source file known only at
+/// run time, a message that grows over several statements, a record that is written at once.
 ///
-/// - Errors: none, nothing throws. A message is cut, and says so, beyond a mebibyte; it ends early without memory.
+/// - Errors: none, nothing throws. A message of more than a mebibyte is cut and says so; without memory it ends early.
 /// - Threads: like a string.
-/// - Ownership: the record owns copies of all that was streamed and of the file's name. The record that a device is
-///   given borrows them from the queue; a copy of it owns its own.
+/// - Ownership: the record owns copies of all that was streamed and of the file's name. The record that a device is given
+///   borrows them from the queue; a copy of that record owns them.
 /// @code
 /// nxLog record(NX_LOG_LEVEL_WARNING, "feed/session", 88, nxTimeStamp::Now());
 /// record << "gap of " << count << " messages";
@@ -62,7 +62,7 @@ public:
     /// `00000010  48 65 6C 6C 6F 20 77 6F  72 6C 64 0A 00 01 02 03  |Hello world.....|`:
     /// the offset, the bytes in two halves, and their characters where they are printable.
     /// @param buffer the bytes; null is reported in the log, as an error.
-    /// @param length how many there are. At most MaximumDump are dumped; the opening record says how many.
+    /// @param length their number. At most MaximumDump bytes are dumped; the opening record says how many.
     /// @param bytesPerLine 1 to MaximumBytesPerLine; anything else is reported in the log, as an error.
     /// @param level the level of the dump. Below the threshold nothing is written and the result is success.
     /// @param sourceFile, line the place that the records name.
@@ -81,8 +81,7 @@ private:
     friend class nxLogStream<nxLog>;
     friend class nxLogStatement;
     friend class nxLogQueue;
-    friend class nxLogWriter;
-    friend class nxLogLine;
+    friend class nxLogConversion;
     friend class nxLogManager;
 
     explicit nxLog(const nxLogRecord& record) noexcept;

@@ -5,10 +5,10 @@
 
 /// The one thread that the library starts: it takes queued records and writes them to the devices.
 ///
-/// It starts with the first device, and is nobody's to control: see nxLogManager. While records come it looks every
-/// one or two milliseconds, otherwise ten times a second; a warning, a large ring that is a quarter full, or somebody
-/// who waits makes it look at once. It keeps all signals away from itself, but those of faults and profilers. Its
-/// stack, on which it calls the devices, has 256 KiB.
+/// It starts with the first device or record. Applications do not control it; see nxLogManager. While records come it
+/// looks every one or two milliseconds, otherwise ten times a second; a warning, a large ring that is a quarter full, or a
+/// thread that waits makes it look at once. It blocks all signals but those of faults and profilers. Its stack, on which
+/// it calls the devices, has 256 KiB.
 class nxLogDeferredWriteThread final : public nxThread
 {
 public:
@@ -16,11 +16,11 @@ public:
     nxErrorEnum Run() override;
 
 private:
-    friend class nxLogWriter;
+    friend class nxLogWriterThread;
 
-    // Instead of Create(): as `service` says, or like any thread where the system refuses that.
+    // Used instead of Create(). The thread runs as `service` says, or like any thread where the system refuses that.
     nxErrorEnum _Start(const nxServiceThread& service);
-    // Applies it to the thread that runs.
+    // Applies `service` to the thread if it runs.
     void _Apply(const nxServiceThread& service) noexcept;
 };
 

@@ -11,18 +11,17 @@ class nxLogLineSink;
 /// Where log records end up: a file, the console, a test's memory. Derive from it, register with
 /// nxLogManager::RegisterLogDevice().
 ///
-/// - The manager calls a device by one thread at a time: the deferred-write thread, or a thread that writes
-///   immediately, flushes or registers. So a device needs no lock of its own against the manager.
+/// - The manager lets one thread at a time into a device: the deferred-write thread, or a thread that writes immediately,
+///   flushes or registers. So a device needs no lock of its own against the manager.
 /// - The deferred-write thread has a stack of 256 KiB, so a device keeps large buffers elsewhere.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
 ///   meanwhile go to the other devices only. It does not fork meanwhile.
-/// - A device that does not return holds up the queue; after a second of that the manager drops records, and counts
-///   what it drops.
+/// - A device that does not return holds up the queue; after a second of that the manager drops records and counts them.
 /// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager
 ///   has left it.
 ///
-/// A device that takes finished lines instead of records gives the manager an nxLogLineSink: the library's own devices
-/// do, because one call for a mebibyte of lines costs far less than a call for every record.
+/// A device that takes finished lines instead of records gives the manager an nxLogLineSink. The library's own devices do
+/// so, because one call for a mebibyte of lines costs far less than a call for every record.
 /// @code
 /// class Counter : public nxLogDevice
 /// {
@@ -41,8 +40,8 @@ public:
     virtual void Write(const nxLog& record) = 0;
     /// Hands everything written so far to the operating system.
     virtual void Flush() = 0;
-    /// Ends the device's work: the manager calls it from its own Destroy(), after unregistering and flushing the
-    /// device, unless its owner has unregistered it before. The device may be deleted here.
+    /// Ends the device's work. The manager's Destroy() calls it for every device that is still registered, after it has
+    /// unregistered and flushed the device. The device may be deleted here.
     virtual void Destroy() = 0;
 
     /// Whether lines carry everything they can (the default) or a short form. May be changed at any time.

@@ -1,17 +1,16 @@
 #include "core/log/nxLogLine.h"
 
+#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogLineBuffer.h"
-#include "core/log/nxLog.h"
-#include "core/log/nxLogManager.h"
+#include "core/log/internal/nxLogSwitches.h"
 
 void nxLogLine::Append(std::string& lines, const nxLog& record, const nxLogLineStyle& style)
 {
-    const nxLogRecord parts = record._GetRecord();
+    const nxLogRecord parts = nxLogConversion::View(record);
     nxLogTimeText time;
     time.Set(parts.time);
     nxLogLineBuffer line;
-    const nxLogManager& manager = nxLogManager::GetInstance();
-    line.SetStyle(style, {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()});
+    line.SetStyle(style, {nxLogSwitches::IsThreadIndexLogged(), nxLogSwitches::IsProcessorLogged()});
     if (line.AppendLine(parts, time))
         lines.append(line.GetText(), line.GetSize());
 }

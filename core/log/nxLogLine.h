@@ -8,7 +8,7 @@
 
 class nxLog;
 
-/// The one place where records become lines; the devices' own Write() use it too.
+/// Makes the lines of records, for the Write() of devices. They are the lines that nxLogLineSink is given.
 class NX_CORE_API nxLogLine
 {
 public:

@@ -24,15 +24,15 @@ struct nxLogLineStyle
     friend bool operator==(const nxLogLineStyle&, const nxLogLineStyle&) = default;
 };
 
-/// Finished lines on their way to one device. All of them ended, none with a control character inside but
-/// tabs: see nxPrintableText.
+/// Finished lines on their way to one device. Each is ended, and none holds a control character but the tab: see
+/// nxPrintableText.
 struct nxLogLineBatch
 {
     const char* text;  ///< The lines, one after the other; not terminated.
     std::size_t size;  ///< Their bytes, at most a mebibyte and one line.
-    unsigned lines;    ///< How many there are, at least one.
-    nxEnumValue
-        worstLevel;     ///< The gravest level among them. From NX_LOG_LEVEL_WARNING on they must not wait in a buffer.
+    unsigned lines;    ///< Their number, at least one.
+    /// The gravest level among them. From NX_LOG_LEVEL_WARNING on they must not wait in a buffer.
+    nxEnumValue worstLevel;
     long long seconds;  ///< The time of the first line, as nxTimeStamp::GetSeconds(). All lines are of one local day.
 };
 
@@ -42,21 +42,21 @@ struct nxLogLineBatch
 class NX_CORE_API nxLogLineSink
 {
 public:
-    /// The lines that this sink wants. Asked before every batch, so it may change.
+    /// The lines that this sink wants. It is asked before every batch, so the answer may change.
     virtual nxLogLineStyle GetLineStyle() const = 0;
 
-    /// Writes the lines of @p batch. They are lost when the sink cannot write them; it counts them then.
+    /// Writes the lines of @p batch. A sink that cannot write them loses them, and counts them.
     virtual void WriteLines(const nxLogLineBatch& batch) = 0;
 
-    /// Comes about once a second, whether there are lines or not: a sink that could not write may try again.
+    /// Called about once a second, whether there are lines or not: a sink that could not write may try again.
     virtual void Maintain() {}
 
-    /// Just before the process forks: takes what must not be held by another thread in the child. Keep it short.
+    /// Called just before the process forks: takes the locks that no other thread may hold in the child. Keep it short.
     virtual void BeforeFork() {}
-    /// In the parent, after the fork: gives it back.
+    /// Called in the parent after the fork: gives the locks back.
     virtual void AfterForkInParent() {}
-    /// In the child, whose only thread this is: forgets, without writing, what the parent had buffered; its mutexes are
-    /// constructed anew in place.
+    /// Called in the child, by its only thread: forgets, without writing, what the parent had buffered, and constructs the
+    /// locks again in place.
     virtual void AfterForkInChild() {}
 
 protected:

@@ -7,13 +7,14 @@
 /// NX_LOG(NX_LOG_LEVEL_INFO) << "order " << id << " at " << price;
 /// @endcode
 
+#include "core/log/nxLogManager.h"
 #include "core/log/nxLogStatement.h"
 
 /// A log record of level @p level (an nxLogLevelEnum or an nxEnumValue, without side effects) to stream values into. It
 /// carries the name of this source file, without its folders, and the line, and is handed over at the end of the
-/// statement. Below the threshold nothing that is streamed is evaluated. No co_await inside the statement. A constant
-/// that is no level does not compile; a value of that kind which is met at run time is below every threshold.
-/// The compiler warns of a `char`, which is logged as its number: stream `" "`, not `' '`.
+/// statement. Below the threshold nothing that is streamed is evaluated. The statement must hold no co_await. A constant
+/// that is no level does not compile; a value that is none, met at run time, is below every threshold. The compiler warns
+/// of a `char`, which is logged as its number: stream `" "`, not `' '`.
 #define NX_LOG(level) NX_LOG_AT(level, __FILE_NAME__, __LINE__)
 
 /// The same with a source file name (a literal) and a line of the caller's choice.

@@ -6,52 +6,26 @@
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogFork.h"
+#include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogQueue.h"
-#include "core/log/internal/nxLogSourceTable.h"
+#include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogWriter.h"
+#include "core/log/internal/nxLogWriterThread.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogSettings.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxServiceThread.h"
-#include "core/platform/nxThreadHooks.h"
 
 namespace
 {
-constexpr double longestWait = 86'400;
-constexpr std::int64_t longestWriteOut = 10 * nxNanoseconds::PerSecond;
-
-// Passes what is queued to the devices, if there is anything.
-void WriteOut(std::int64_t limit, std::int64_t stallLimit)
+// Waits until the devices have what is queued, if there is anything.
+void WriteOutQueued(const nxLogLimits::Wait& limit)
 {
     nxLogWriter& writer = nxLogWriter::GetInstance();
     if (!nxLogQueue::GetInstance().IsEmpty() || writer.IsInRound())
-        writer.WaitUntilWritten(limit, stallLimit);
-}
-
-// Nothing of the log's is in the middle of a change while the process is copied.
-void BeforeFork()
-{
-    nxLogDeviceList::GetInstance().BeforeFork();
-    nxLogQueue::GetInstance().BeforeFork();
-    nxLogSourceTable::GetInstance().BeforeFork();
-}
-
-void AfterForkInParent()
-{
-    nxLogSourceTable::GetInstance().AfterForkInParent();
-    nxLogQueue::GetInstance().AfterForkInParent();
-    nxLogDeviceList::GetInstance().AfterForkInParent();
-}
-
-void AfterForkInChild()
-{
-    nxLogCounters::AfterForkInChild();
-    nxLogBell::AfterForkInChild();
-    nxLogSourceTable::GetInstance().AfterForkInChild();
-    nxLogQueue::GetInstance().AfterForkInChild();
-    nxLogWriter::GetInstance().AfterForkInChild();
-    nxLogDeviceList::GetInstance().AfterForkInChild();
+        writer.WaitUntilWritten(limit);
 }
 
 // Made while the library is loaded, so that the threshold is right from the first statement on.
@@ -80,9 +54,19 @@ nxLogManager::nxLogManager() noexcept
     {
         // The defaults serve.
     }
-    // Behind the environment, which has been read now: a fork takes its lock after those of the log.
-    nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
+    // After the environment has been read, so that a fork takes its lock after those of the log.
+    nxLogFork::Register();
 }
+
+bool nxLogSwitches::ShouldLog(const nxLogLevelEnum& level) noexcept { return nxLogManager::ShouldLog(level); }
+
+bool nxLogSwitches::IsThreadIndexLogged() noexcept { return nxLogManager::GetInstance().GetLogThreadIndex(); }
+
+bool nxLogSwitches::IsProcessorLogged() noexcept { return nxLogManager::GetInstance().GetLogThreadCPU(); }
+
+// A safety net: the derived class is gone by now, but the log keeps no pointer to the device. It is defined here because
+// devices do not know the manager.
+nxLogDevice::~nxLogDevice() { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 
 void nxLogManager::Apply(const nxLogSettings& settings) noexcept
 {
@@ -138,10 +122,10 @@ void nxLogManager::RegisterLogDevices(std::span<nxLogDevice* const> devices) noe
     const auto isNew = [&list](const nxLogDevice* device) { return device != nullptr && !list.Contains(device); };
     if (std::none_of(devices.begin(), devices.end(), isNew))
         return;
-    // What has been reported by now is for the devices that are there. The first ones get all that there was.
-    WriteOut(nxNanoseconds::PerSecond, nxNanoseconds::PerSecond / 10);
+    // What was reported before goes to the devices that are registered already. The first ones get all that was kept.
+    WriteOutQueued(nxLogLimits::Registering);
     list.Add(devices);
-    // Not only when somebody reports: that may be a thread with no time to start another one.
+    // Started here, because the first thread that reports may have no time to start another thread.
     nxLogBell::EnsureRunning();
     nxLogBell::Ring();
 }
@@ -150,13 +134,13 @@ void nxLogManager::UnregisterLogDevice(nxLogDevice* device) noexcept
 {
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
     if (devices.Contains(device))
-        WriteOut(longestWriteOut, nxNanoseconds::PerSecond);
+        WriteOutQueued(nxLogLimits::Unregistering);
     devices.Remove(device);
 }
 
 void nxLogManager::UnregisterAllLogDevices() noexcept
 {
-    WriteOut(longestWriteOut, nxNanoseconds::PerSecond);
+    WriteOutQueued(nxLogLimits::Unregistering);
     nxLogDeviceList& devices = nxLogDeviceList::GetInstance();
     const std::shared_ptr<const nxLogDeviceList::Entries> taken = devices.TakeAll();
     for (const auto& entry : *taken)
@@ -173,12 +157,12 @@ void nxLogManager::FlushDevices() noexcept
 void nxLogManager::WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept
 {
     const double wanted = seconds;
-    // NaN fails the comparison, too.
+    // NaN fails the comparison as well.
     if (!seconds.IsValid() || !(wanted > 0))
         return;
-    const auto limit =
-        static_cast<std::int64_t>(std::min(wanted, longestWait) * static_cast<double>(nxNanoseconds::PerSecond));
-    nxLogWriter::GetInstance().WaitUntilWritten(limit, limit);
+    const auto limit = static_cast<std::int64_t>(std::min(wanted, nxLogLimits::LongestWaitSeconds) *
+                                                 static_cast<double>(nxNanoseconds::PerSecond));
+    nxLogWriter::GetInstance().WaitUntilWritten({limit, limit});
 }
 
 std::vector<nxLog> nxLogManager::GetLogEntriesQueue() const
@@ -210,7 +194,7 @@ void nxLogManager::SetTimeBetweenFlushes(double seconds) noexcept
 
 void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned realTimePriority) noexcept
 {
-    nxLogWriter::GetInstance().SetThread(processors, realTimePriority);
+    nxLogWriterThread::GetInstance().SetThread(processors, realTimePriority);
 }
 
 nxLogStatistics nxLogManager::GetStatistics() const noexcept
@@ -221,11 +205,10 @@ nxLogStatistics nxLogManager::GetStatistics() const noexcept
 
 void nxLogManager::Destroy() noexcept
 {
-    nxLogWriter& writer = nxLogWriter::GetInstance();
-    writer.WriteOut(longestWriteOut, 2 * nxNanoseconds::PerSecond);
-    const bool stopped = writer.Stop(2 * nxNanoseconds::PerSecond);
+    nxLogWriter::GetInstance().WriteOutAtEnd();
+    const bool stopped = nxLogWriterThread::GetInstance().Stop(nxLogLimits::ThreadAtEnd);
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().TakeAll();
-    // With the deferred-write thread stuck inside a device, there is no waiting for that.
+    // If the deferred-write thread has not ended, it may be inside a device for ever.
     for (const auto& entry : *devices)
         entry->End(stopped);
 }

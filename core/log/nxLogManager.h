@@ -21,8 +21,7 @@ struct nxLogStatistics
     /// Records that at least one device was given, those written immediately not counted.
     std::uint64_t written;
     std::uint64_t dropped;  ///< Records lost because the queue was full and a device had stalled, or without memory.
-    /// Records that found no device, because none was registered any more, and that could not be kept for the first
-    /// one.
+    /// Records that found no device: none was registered any more, or there was no room to keep them for the first one.
     std::uint64_t unheard;
     std::uint64_t waits;  ///< How often a caller had to wait because the queue was full.
     std::uint64_t bytes;  ///< The memory that the queue takes at the moment.
@@ -31,8 +30,8 @@ struct nxLogStatistics
 /// The one log of the process: takes records from any thread and passes them to the registered devices, by the
 /// deferred-write thread or at once. Applications report with the macros of nxLogMacros.h.
 ///
-/// - Order: records of one thread stay in their order. Those of several threads are put in the order of time as far as
-///   they meet in one look of the deferred-write thread.
+/// - Order: records of one thread stay in their order. Those of several threads are put in the order of time if the
+///   deferred-write thread finds them in one look.
 /// - Queue: bounded in bytes. When it is full, a caller waits as long as the devices make progress; a device that has
 ///   stalled for a second makes it drop records instead, and one record tells how many when the device is back. One
 ///   large record at a time, and small rings for threads that come when it is full, go beyond the bound. A thread
@@ -68,12 +67,12 @@ public:
     {
         return level.GetEnumValue() >= _threshold.load(std::memory_order_relaxed);
     }
-    /// The same for a constant; false for one that is no level.
+    /// The same for a constant; false if it is no level.
     static bool ShouldLog(nxEnumValue level)
     {
         return level >= _threshold.load(std::memory_order_relaxed) && level < nxLogLevelEnum::MaximumValue;
     }
-    /// Changes the threshold. A level that is none changes nothing.
+    /// Changes the threshold. An undefined level changes nothing.
     static void SetLogLevel(const nxLogLevelEnum& level) noexcept;
     /// The threshold.
     static nxLogLevelEnum GetLogLevel() noexcept;
@@ -92,11 +91,12 @@ public:
     /// the process all of them get what there was before. Null ones, and those that are registered already, are left
     /// out.
     void RegisterLogDevices(std::span<nxLogDevice* const> devices) noexcept;
-    /// Takes a device away. What was queued before the call is written first, for ten seconds at most and unless a
-    /// device has stalled for a second; what is left then goes to the other devices, and counts as unheard where there
-    /// are none. Then it waits until no thread is inside the device any more, whoever has unregistered it: afterwards
-    /// nobody calls the device. A device that unregisters itself while it is written to waits for neither. From inside
-    /// another device, and while the process ends, it does not wait long: a thread may still be in the device then.
+    /// Takes a device away. First it waits until what was queued before the call is written, for ten seconds at most and
+    /// no longer than a second without progress; what is left then goes to the other devices, and counts as unheard where
+    /// there are none. Then it waits until no thread is inside the device, also if another thread has unregistered it:
+    /// after that no thread calls the device. A device that unregisters itself while it is written to waits for neither.
+    /// From inside another device, and while the process ends, the wait is short: a thread may still be inside the device
+    /// after it.
     void UnregisterLogDevice(nxLogDevice* device) noexcept;
     /// The same for all devices.
     void UnregisterAllLogDevices() noexcept;
@@ -105,28 +105,29 @@ public:
     void FlushDevices() noexcept;
 
     /// Waits until everything that was queued before the call has been written to the devices and flushed by them.
-    /// @param seconds how long at most; capped at a day. Null, no change, NaN and what is not above 0 do not wait. Nor
-    ///        does a thread inside a device.
+    /// @param seconds how long at most; capped at a day. Null, no change, NaN and 0 or less do not wait. A thread inside a
+    ///        device does not wait either.
     void WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept;
 
     /// @return copies of the records that wait, or are being written at the moment; in order within each thread. Before
     ///         there is a first device, those that are kept for it.
     std::vector<nxLog> GetLogEntriesQueue() const;
 
-    /// Reserves memory for about so many waiting records, so that a burst need not allocate.
+    /// Reserves memory for about @p records waiting records, so that a burst need not allocate.
     void SetRecommendedBufferCapacity(unsigned records) noexcept;
-    /// Bounds the memory of the queue, 64 MiB at first; less than a mebibyte is taken as that.
+    /// Bounds the memory of the queue, 64 MiB at first; the least bound is a mebibyte.
     void SetMaximumQueueBytes(std::uint64_t bytes) noexcept;
     /// The bound.
     std::uint64_t GetMaximumQueueBytes() const noexcept;
-    /// After how many seconds at the latest devices are flushed, 1 at first; 0 flushes whenever something was written.
+    /// Sets after how many seconds at the latest devices are flushed, 1 at first; 0 flushes whenever something was
+    /// written.
     void SetTimeBetweenFlushes(double seconds) noexcept;
 
-    /// Sets where and how the deferred-write thread runs, from now on; at first on the processors that the process had
-    /// when the library was loaded, with ordinary scheduling, whatever the thread has that first reports.
+    /// Sets where and how the deferred-write thread runs, from now on. At first it runs on the processors that the process
+    /// had when the library was loaded, with ordinary scheduling, however the thread runs that first reports. What the
+    /// system does not allow is left out.
     /// @param processors the numbers of those it may run on; none means those that the process had.
     /// @param realTimePriority 1 to 99 for first-in-first-out scheduling, 0 for ordinary scheduling.
-    /// What the system does not allow is left out.
     void SetWriteThread(std::span<const unsigned> processors, unsigned realTimePriority = 0) noexcept;
 
     /// Whether lines carry the index of the thread, as they do at first.
@@ -138,18 +139,18 @@ public:
     /// Sets whether lines carry the processor.
     void SetLogThreadCPU(bool on) { _logThreadCPU.store(on, std::memory_order_relaxed); }
 
-    /// Takes over level, thread index, flush interval and reserved records, as the log does by itself with the
-    /// environment that it finds when it is loaded.
+    /// Sets level, thread index, flush interval and reserved records. The log does so by itself with the environment that
+    /// it finds when it is loaded.
     void Apply(const nxLogSettings& settings) noexcept;
-    /// Does what SetWriteThread() does, where something is set.
+    /// Does what SetWriteThread() does, if @p settings sets anything.
     void Apply(const nxLogThreadSettings& settings) noexcept;
 
     /// Counters of what was written, lost and waited for.
     nxLogStatistics GetStatistics() const noexcept;
 
     /// Writes out what is queued, within the limits named above for the end of the process, stops the deferred-write
-    /// thread, and unregisters, flushes and destroys all devices. Calling it again does no harm. A record that comes
-    /// later starts the log anew.
+    /// thread, and unregisters, flushes and destroys all devices. Calling it again does no harm. A later record starts the
+    /// log again.
     void Destroy() noexcept;
 
 private:

@@ -11,7 +11,7 @@
 
 namespace
 {
-// Enumerations and masks register without a word, before there is a log: what was refused is told here, once.
+// Enumerations and masks register silently, because there is no log yet. What was refused is told here, once.
 void TellRefusedTexts()
 {
     static std::atomic<std::size_t> told = 0;
@@ -20,7 +20,7 @@ void TellRefusedTexts()
         NX_LOG(NX_LOG_LEVEL_ERROR) << sentences[i];
 }
 
-// @return the console's device, null when the environment wants none.
+// @return the console's device; null when the environment wants none.
 nxLogDevice* SetUpConsole(nxLogSettings::Console form)
 {
     if (form == nxLogSettings::Console::Off)

@@ -12,7 +12,7 @@
 ///
 /// - Errors: none. A value that cannot be understood, the empty text included, leaves the default named below; a number
 ///   that is too large or too small is taken as the largest or smallest that is accepted.
-/// - A program that has more rights than whoever started it (set-user-ID, set-group-ID, file capabilities) does not heed
+/// - A program that has more rights than the user who started it (set-user-ID, set-group-ID, file capabilities) ignores
 ///   them: all are as if not set, whatever the program itself has set.
 /// - Truth values are TRUE and YES, FALSE and NO, in any case; numbers are plain digits.
 /// - Threads: Read() may be called at any time; the values are like any struct.
@@ -36,8 +36,8 @@ struct NX_CORE_API nxLogSettings
     static constexpr std::uint64_t LargestFileBufferMegabytes = 1'024;    ///< Mebibytes.
     static constexpr std::uint64_t LargestReservedEntries = 100'000'000;  ///< Records.
 
-    /// QRX_LOG_LEVEL: the level from which on records are written, by its short description, "DBG" to "FTL", exactly as
-    /// it stands. Undefined by default, which leaves the threshold alone: NX_LOG_LEVEL_INFO unless a program set it.
+    /// QRX_LOG_LEVEL: the level from which on records are written, by its exact short description, "DBG" to "FTL".
+    /// Undefined by default, which leaves the threshold alone: NX_LOG_LEVEL_INFO, or what the program has set.
     nxLogLevelEnum level;
 
     /// QRX_LOG_DIRECTORY: where log files go, each in a subdirectory of its date. Empty when it is not set: the device

@@ -8,12 +8,11 @@
 #include "core/log/inline/nxLogSource.h"
 #include "core/log/inline/nxLogStream.h"
 #include "core/log/nxLog.h"
-#include "core/log/nxLogManager.h"
 
 /// One statement of NX_LOG: begins a record, takes what is streamed straight into the calling thread's ring and hands
 /// it over when the statement ends, also when an argument throws. Use the macros of nxLogMacros.h.
 ///
-/// Never an object that outlives its statement, and never a co_await inside the statement: the ring belongs to the
+/// The object must not outlive its statement, and the statement must hold no co_await, because the ring belongs to the
 /// thread.
 class nxLogStatement : public nxLogStream<nxLogStatement>
 {
@@ -41,7 +40,7 @@ public:
         return *this << static_cast<int>(value);
     }
 
-    /// Itself, as something that an operator can be applied to.
+    /// The statement as an lvalue, so that << can be applied to a temporary.
     nxLogStatement& Stream() { return *this; }
 
     /// Appends the values of @p record; its other properties do not count.
@@ -66,7 +65,7 @@ public:
 private:
     friend class nxLogStream<nxLogStatement>;
 
-    // Room for so many bytes of the record; null when there is no memory.
+    // Room for `bytes` bytes of the record; null when there is no memory.
     [[gnu::always_inline]] char* _Take(std::size_t bytes)
     {
         if (static_cast<std::size_t>(_room.end - _room.cursor) < bytes) [[unlikely]]
@@ -76,7 +75,7 @@ private:
                 return nullptr;
         }
         char* const at = _room.cursor;
-        // Where there is room there is a place: spares the callers' test for one.
+        // A room that is large enough has a place: this spares the callers' test for null.
         if (at == nullptr)
             __builtin_unreachable();
         _room.cursor += bytes;

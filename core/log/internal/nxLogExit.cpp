@@ -2,58 +2,57 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
+#include <cstdint>
+#include <string_view>
 
 #include "core/log/internal/nxLogAwakeTime.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogWriter.h"
-#include "core/platform/nxProcess.h"
-#include "core/platform/nxServiceThread.h"
 #include "core/platform/nxStandardStream.h"
 #include "core/platform/nxThreadHooks.h"
 
 namespace
 {
-constexpr std::int64_t secondAtExit = 1'000'000'000;
-
-// At the end of the process the queue is written out, unless a device keeps it up too long. The end comes in several
-// steps, by one thread; the limits hold for all of them together. Returns whether all has been written.
-bool WriteOutOnce()
+// Does nothing when the limit is used up, or when a device has stalled in an earlier step and not moved since.
+// @return whether all has been written.
+bool WriteOutInStep()
 {
-    constexpr std::int64_t longest = 10 * secondAtExit;
-    constexpr std::int64_t longestStall = 2 * secondAtExit;
     static nxLogAwakeTime waited;
     static bool stalled = false;
     static std::uint32_t progressAtStall = 0;
     nxLogDeviceList::GetInstance().BeginEnd();
-    if (waited.Look() >= longest || (stalled && nxLogCounters::GetProgress() == progressAtStall))
+    if (waited.Look() >= nxLogLimits::End.inAll || (stalled && nxLogCounters::GetProgress() == progressAtStall))
         return false;
-    stalled = !nxLogWriter::GetInstance().WriteOut(longest, longestStall, waited);
+    stalled = !nxLogWriter::GetInstance().WriteOutAtEnd(waited);
     progressAtStall = nxLogCounters::GetProgress();
     return !stalled;
 }
 
-void WriteOutAtExit() { static_cast<void>(WriteOutOnce()); }
+void WriteOutAtExit() { static_cast<void>(WriteOutInStep()); }
+
+void TellLostRecords(std::uint64_t lost)
+{
+    constexpr std::string_view begin = "Log records that were not written when the process ended: ";
+    char text[128];
+    char* end = std::copy(begin.begin(), begin.end(), text);
+    end = std::to_chars(end, text + sizeof text - 1, lost).ptr;
+    *end++ = '\n';
+    static_cast<void>(nxStandardStream::GetErrors().Write({text, static_cast<std::size_t>(end - text)}));
+}
 
 // Once more when the library itself ends: static destructors that ran meanwhile may have reported.
 [[gnu::destructor]] void WriteOutAtUnload()
 {
-    // Now the process ends in the midst of whatever its threads do. Let that not be a line of the log's.
     nxLogWriter& writer = nxLogWriter::GetInstance();
-    if (WriteOutOnce())
-        return writer.BlockRoundsForGood(secondAtExit);
-    // A device is stuck, or there is no memory to write with.
-    constexpr std::string_view begin = "Log records that were not written when the process ended: ";
-    char text[128];
-    char* end = std::copy(begin.begin(), begin.end(), text);
-    if (const std::size_t lost = nxLogQueue::GetInstance().DropWaiting(writer.GetInHand()); lost != 0)
-    {
-        end = std::to_chars(end, text + sizeof text - 1, lost).ptr;
-        *end++ = '\n';
-        nxLogExit::Complain({text, static_cast<std::size_t>(end - text)});
-    }
+    // From here the process may end at any instruction of its threads. Make sure that none of them is writing a line.
+    if (WriteOutInStep())
+        return writer.BlockRoundsForGood();
+    // A device has stalled, or there is no memory to write with.
+    if (const std::uint64_t lost = nxLogQueue::GetInstance().DropWaiting(writer.GetInHand()); lost != 0)
+        TellLostRecords(lost);
 }
 }  // namespace
 
@@ -62,20 +61,4 @@ void nxLogExit::Register() noexcept
     // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever.
     static constinit bool isRegistered = false;
     isRegistered = isRegistered || nxThreadHooks::AtExit(&WriteOutAtExit);
-}
-
-void nxLogExit::EndProcessIfLast() noexcept
-{
-    // Nobody is left who could start another thread meanwhile.
-    if (!nxProcess::IsOnlyThreadLeft())
-        return;
-    nxLogWriter::GetInstance().Leave();
-    // A signal that nobody could take meanwhile has its effect now, and so have those that come while the process ends.
-    nxServiceThread::AcceptSignals();
-    std::exit(0);
-}
-
-void nxLogExit::Complain(std::string_view text) noexcept
-{
-    static_cast<void>(nxStandardStream::GetErrors().Write(text));
 }

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "core/app/nxConfigurationKeys.h"
-#include "core/log/nxFileLogDevice.h"
+#include "core/log/internal/nxLogLimits.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
@@ -19,8 +19,8 @@ namespace
 {
 constexpr const char* fileDeviceSource = "core/trunk/nxFileLogDevice";
 
-// One line. Names of files may be anybody's.
-void Complain(const std::string& line)
+// Tells one line. It may hold file names of any origin.
+void TellOnErrorStream(const std::string& line)
 {
     nxStandardStream::GetErrors().Write(nxPrintableText::GetEscaped(line) + '\n');
 }
@@ -31,19 +31,19 @@ std::string LostLinesText(std::uint64_t lost)
 }
 }  // namespace
 
-nxLogFile::Plan nxLogFile::Plan::Read(std::uint64_t limit)
+nxLogFile::Plan nxLogFile::Plan::Read(const char* defaultDirectory, std::uint64_t limit)
 {
-    return {nxLogSettings::Read(), nxLogFileNames::ReadApplication(), limit};
+    return {nxLogSettings::Read(), nxLogFileNames::ReadApplication(), defaultDirectory, limit};
 }
 
 void nxLogFile::_SetPlan(const Plan& plan)
 {
     _settings = plan.settings;
     _limit = plan.limit;
-    _names.Set(_settings.directory, plan.application);
+    _names.Set(_settings.directory, plan.defaultDirectory, plan.application);
     _names.ReadProcess();
     if (!_file.SetBufferSize(static_cast<std::size_t>(_settings.fileBufferMegabytes) << 20))
-        Complain("Failed to set a buffer for the log file, performance may be degraded.");
+        TellOnErrorStream("Failed to set a buffer for the log file, performance may be degraded.");
     _isCreated = true;
     _openingFailureIsTold = false;
     _openDirectoryIsTold = false;
@@ -53,22 +53,22 @@ bool nxLogFile::Create(const Plan& plan)
 {
     _SetPlan(plan);
     if (_settings.directory.empty())
-        Complain(std::string("No Log Directory defined - use the ") + QRX_LOG_DIRECTORY +
-                 " environment variable. Logging to " + nxFileLogDevice::DefaultDirectory);
+        TellOnErrorStream(std::string("No Log Directory defined - use the ") + QRX_LOG_DIRECTORY +
+                          " environment variable. Logging to " + plan.defaultDirectory);
     _MustHandOver(true, nxClock::MonotonicNanoseconds());
-    return _OpenNext();
+    return _StartNextFile();
 }
 
 void nxLogFile::CreateInChild(const Plan& plan) { _SetPlan(plan); }
 
-void nxLogFile::Prepare(const Plan& plan)
+void nxLogFile::RefreshNameParts(const Plan& plan)
 {
     if (!_isCreated)
-        _names.Set(plan.settings.directory, plan.application);
+        _names.Set(plan.settings.directory, plan.defaultDirectory, plan.application);
     _names.ReadProcess();
 }
 
-// Step by step from the directory that was configured: what lies below it, somebody else may have put there.
+// Enters one directory after the other from the configured one on: those below it may have been made by another user.
 int nxLogFile::_OpenDirectory(nxDirectory& directory, const std::string& date) const
 {
     int error = directory.Open(_names.GetRoot());
@@ -78,8 +78,8 @@ int nxLogFile::_OpenDirectory(nxDirectory& directory, const std::string& date) c
     return error;
 }
 
-// Creates a file and goes on to the next number. @return the system's error number.
-int nxLogFile::_CreateNext(const nxDirectory& directory, const std::string& date, nxFile& file, std::string& name)
+// Creates a file under the first free name and moves on to the next number. @return the system's error number.
+int nxLogFile::_TryNextNames(const nxDirectory& directory, const std::string& date, nxFile& file, std::string& name)
 {
     constexpr unsigned attempts = 10'000;
     int error = EEXIST;
@@ -93,28 +93,30 @@ int nxLogFile::_CreateNext(const nxDirectory& directory, const std::string& date
     return error;
 }
 
-// The file that is open stays so when this fails.
-bool nxLogFile::_OpenNext()
+// Opens the next file. The file that is open stays open when this fails. @return whether it did not.
+bool nxLogFile::_StartNextFile()
 {
-    _nextCheck = nxClock::MonotonicNanoseconds() + nxNanoseconds::PerSecond;
+    _nextCheck = nxClock::MonotonicNanoseconds() + nxLogLimits::MaintenanceInterval;
     _mayOpen = false;
     _names.ReadProcess();
-    // Read once: a file lies in the directory of the date that it is said to have.
+    // Read once, because the file's name and its directory show the same date.
     const std::string date = nxLogFileNames::GetToday();
     std::string name = _names.GetNext(date);
     nxDirectory directory;
     nxFile file;
     int error = _OpenDirectory(directory, date);
     if (error != 0 && !_openingFailureIsTold)
-        Complain("Failed to create directory " + _names.GetDirectory(date) + ", errno: " + std::to_string(error));
+        TellOnErrorStream("Failed to create directory " + _names.GetDirectory(date) +
+                          ", errno: " + std::to_string(error));
     if ((error == EPERM || error == ELOOP) && !_openingFailureIsTold)
-        Complain("Directories for log files must be this user's or root's, no links, and not for everybody to write.");
+        TellOnErrorStream(
+            "Directories for log files must be this user's or root's, no links, and not for everybody to write.");
     if (error == 0)
-        error = _CreateNext(directory, date, file, name);
+        error = _TryNextNames(directory, date, file, name);
     if (error != 0)
     {
         if (!_openingFailureIsTold)
-            Complain("Failed to create log file. Filename: " + name);
+            TellOnErrorStream("Failed to create log file. Filename: " + name);
         _openingFailureIsTold = true;
         return false;
     }
@@ -151,7 +153,7 @@ void nxLogFile::Reopen()
 {
     if (!_isCreated)
         return;
-    _OpenNext();
+    _StartNextFile();
     _TellFailures();
 }
 
@@ -169,12 +171,12 @@ void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::s
     _ownBytes += _file.GetSize() - before;
 }
 
-// Sees once a second to what can go wrong between two lines.
+// Once a second: has the file been removed, can it be written again?
 void nxLogFile::Maintain(std::int64_t now)
 {
     if (!_isCreated || now < _nextCheck)
         return;
-    _nextCheck = now + nxNanoseconds::PerSecond;
+    _nextCheck = now + nxLogLimits::MaintenanceInterval;
     _mayOpen = true;
     nxStandardStream::GetErrors().Look();
     _Look();
@@ -183,7 +185,7 @@ void nxLogFile::Maintain(std::int64_t now)
     _TellFailures();
 }
 
-// Sees to it that the file is there, under its name and not too large.
+// Starts the next file if this one is no longer there under its name, or too large.
 void nxLogFile::_Look()
 {
     if (_file.IsOpen())
@@ -191,7 +193,7 @@ void nxLogFile::_Look()
         const std::uint64_t before = _file.GetSize();
         const nxFile::Fate fate = _file.Look();
         if (_file.GetSize() < before)
-            _ownBytes = 0;  // somebody has cut it
+            _ownBytes = 0;  // the file was truncated
         if (fate == nxFile::Fate::Sound && !_IsBeyondLimit())
             return;
         if (fate != nxFile::Fate::Sound)
@@ -199,7 +201,7 @@ void nxLogFile::_Look()
         if (fate == nxFile::Fate::Removed)
             _file.CloseFile();
     }
-    if (_OpenNext())
+    if (_StartNextFile())
         _file.Flush();
 }
 
@@ -210,10 +212,10 @@ void nxLogFile::_TellFate(nxFile::Fate fate)
                                                              : "closed by other code of the process";
     _closingIsUntold = _closingIsUntold || fate == nxFile::Fate::Closed;
     if (!std::exchange(_fateIsTold, true))
-        Complain(std::string("Log file was ") + what + ". Filename: " + _fileName);
+        TellOnErrorStream(std::string("Log file was ") + what + ". Filename: " + _fileName);
 }
 
-// Tells the beginning of a failure on the error stream, and in the log afterwards what was lost.
+// Tells on the error stream that a failure begins, and in the log after its end what was lost.
 void nxLogFile::_TellFailures()
 {
     if (!_file.IsOpen())
@@ -222,7 +224,7 @@ void nxLogFile::_TellFailures()
     if (error != 0)
     {
         if (!_writingFailureIsTold)
-            Complain("Failed to write log file " + _fileName + ", errno: " + std::to_string(error));
+            TellOnErrorStream("Failed to write log file " + _fileName + ", errno: " + std::to_string(error));
         _writingFailureIsTold = true;
         return;
     }
@@ -247,7 +249,7 @@ bool nxLogFile::_IsBeyondLimit() const
     return _limit != 0 && _mayOpen && _file.IsOpen() && _file.GetError() == 0 && _file.GetSize() > _ownBytes + _limit;
 }
 
-// The size of the lines up to the one with which the file grows beyond its limit.
+// The size of the lines up to and including the one with which the file grows beyond its limit.
 std::size_t nxLogFile::_SizeUpToLimit(std::string_view lines) const
 {
     if (_limit == 0 || !_mayOpen || !_file.IsOpen())
@@ -263,7 +265,8 @@ void nxLogFile::Write(std::string_view lines, bool atOnce, long long second)
         return;
     const std::int64_t now = nxClock::MonotonicNanoseconds();
     Maintain(now);
-    // Both, so that neither a late record nor one with a time of the caller's own brings files to and fro.
+    // Requires both dates to differ; a late record, or one with a time chosen by the caller, would otherwise switch files
+    // back and forth.
     if (_settings.recreateOnChangeOfDate && _mayOpen && _file.IsOpen() && nxLogFileNames::GetDate(second) != _date &&
         nxLogFileNames::GetToday() != _date)
         Reopen();
@@ -271,27 +274,27 @@ void nxLogFile::Write(std::string_view lines, bool atOnce, long long second)
     while (!lines.empty())
     {
         const std::size_t size = _SizeUpToLimit(lines);
-        _Put(lines.substr(0, size), handOver);
+        _AppendAndTell(lines.substr(0, size), handOver);
         lines.remove_prefix(size);
         if (_IsBeyondLimit())
             Reopen();
     }
 }
 
-void nxLogFile::_Put(std::string_view lines, bool atOnce)
+void nxLogFile::_AppendAndTell(std::string_view lines, bool atOnce)
 {
     _file.Append(lines, atOnce);
     _MendIfClosed();
     _TellFailures();
 }
 
-// At once: the next look may be a second off, and the end of the process before it.
+// Opens another file at once when this one was closed by other code: the process may end before the next check.
 void nxLogFile::_MendIfClosed()
 {
     if (_file.IsOpen() || _file.GetError() != EBADF || !_mayOpen)
         return;
     _TellFate(nxFile::Fate::Closed);
-    if (_OpenNext())
+    if (_StartNextFile())
         _file.Flush();
 }
 
@@ -315,7 +318,7 @@ void nxLogFile::End()
     if (!_isCreated)
         return;
     _mayOpen = true;
-    // Nothing is made anew for nothing: the directory may have been removed on purpose.
+    // No file is made if no line waits, because the directory may have been removed on purpose.
     if (_file.GetWaitingLines() != 0)
     {
         _Look();
@@ -325,7 +328,7 @@ void nxLogFile::End()
     _TellFailures();
     const std::uint64_t lost = _file.GetLostLines() + _file.GetWaitingLines() - _toldLostLines;
     if (lost != 0)
-        Complain(LostLinesText(lost));
+        TellOnErrorStream(LostLinesText(lost));
     _toldLostLines += lost;
 }
 

@@ -16,6 +16,9 @@ class nxLogLevelEnum;
 
 /// The file of the log: when a new one is begun, and what is told of its troubles.
 ///
+/// Invariant: a line is in a file completely or not at all, and a file is in the directory of the date on which it was
+/// opened.
+///
 /// Threads: none, nxFileLogDevice has the lock. Errors: told on the error stream; std::bad_alloc is thrown.
 class nxLogFile
 {
@@ -25,27 +28,28 @@ public:
     {
         nxLogSettings settings;
         std::string application;
-        std::uint64_t limit = 0;  ///< Bytes; 0 for none.
+        const char* defaultDirectory = nullptr;  ///< Where files go when the settings name no directory.
+        std::uint64_t limit = 0;                 ///< The size of a file in bytes; 0 for none.
 
         /// What the environment and nxApplicationData say, both of which have locks.
-        static Plan Read(std::uint64_t limit = 0);
+        static Plan Read(const char* defaultDirectory, std::uint64_t limit = 0);
     };
     static constexpr nxLogLineStyle Style{nxLogLineStyle::Full, true};
 
     bool IsOpen() const { return _file.IsOpen(); }
-    /// While no file is open. @return whether one is then.
+    /// Called while no file is open. @return whether one is open now.
     bool Create(const Plan& plan);
-    /// In a child of a process that had one: the first record opens the file.
+    /// In a child of a process that had a file: the first record opens the child's own.
     void CreateInChild(const Plan& plan);
-    /// Reads what names are made of, before Create() has.
-    void Prepare(const Plan& plan);
-    /// @param second the time of the first line.
+    /// Reads what names are made of; the plan counts before Create() only.
+    void RefreshNameParts(const Plan& plan);
+    /// @param atOnce whether the lines must not wait in the buffer. @param second the time of the first line.
     void Write(std::string_view lines, bool atOnce, long long second);
     void WriteRecord(const nxLog& record);
     void Flush();
     void Maintain(std::int64_t now);
     void Reopen();
-    /// The last attempt to write what waits. What stays unwritten is told.
+    /// Attempts once more to write what waits, and tells what stays unwritten.
     void End();
     /// Closes the file. Nothing is written before the next Create().
     void Destroy() noexcept;
@@ -58,13 +62,13 @@ public:
 
 private:
     void _SetPlan(const Plan& plan);
-    bool _OpenNext();
+    bool _StartNextFile();
     int _OpenDirectory(nxDirectory& directory, const std::string& date) const;
-    int _CreateNext(const nxDirectory& directory, const std::string& date, nxFile& file, std::string& name);
+    int _TryNextNames(const nxDirectory& directory, const std::string& date, nxFile& file, std::string& name);
     void _BeginFile(nxFile&& file, const std::string& name, const std::string& date);
     void _Look();
     void _TellFate(nxFile::Fate fate);
-    void _Put(std::string_view lines, bool atOnce);
+    void _AppendAndTell(std::string_view lines, bool atOnce);
     void _MendIfClosed();
     void _Report(const nxLogLevelEnum& level, unsigned line, const std::string& text);
     void _TellFailures();
@@ -77,10 +81,10 @@ private:
     nxLogSettings _settings;
     nxLogFileNames _names;
     std::uint64_t _limit = 0;     // bytes; 0 for none
-    std::uint64_t _ownBytes = 0;  // those of the device's own records in the file, which do not count for the limit
+    std::uint64_t _ownBytes = 0;  // of the device's own records in the file, which do not count for the limit
     std::string _fileName;        // the last that was open
     std::string _date;            // on which it was opened, "05Mar2024"
-    std::int64_t _nextCheck = 0;  // when to see again whether all is well, on the monotonic clock
+    std::int64_t _nextCheck = 0;  // of the file's fate, on the monotonic clock
     std::int64_t _nextHandOver = 0;
     bool _mayOpen = true;  // false from a failure to open a file until the next check
     bool _openingFailureIsTold = false;

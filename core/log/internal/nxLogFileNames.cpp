@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "core/app/nxApplicationData.h"
-#include "core/log/nxFileLogDevice.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
@@ -33,11 +32,11 @@ std::string TimeText(long long second)
 }
 }  // namespace
 
-void nxLogFileNames::Set(const std::string& directory, const std::string& application)
+void nxLogFileNames::Set(const std::string& directory, const char* defaultDirectory, const std::string& application)
 {
-    // Nobody has named the device's own directory: a stranger may have put it into the current one.
+    // The default directory is relative, and another user may have made it: it is checked like all below the root.
     _root = directory.empty() ? "." : directory;
-    _folder = directory.empty() ? nxFileLogDevice::DefaultDirectory : "";
+    _folder = directory.empty() ? defaultDirectory : "";
     _application = application;
 }
 

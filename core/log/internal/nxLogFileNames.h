@@ -5,19 +5,21 @@
 
 /// What log files are called: `directory/05Mar2024/application_090703_4711_1.log`.
 ///
+/// Invariant: start time and process number belong to one process, which is this one after ReadProcess().
+///
 /// Threads: none.
 class nxLogFileNames
 {
 public:
-    /// @param directory that of the settings, or empty for the device's own.
-    void Set(const std::string& directory, const std::string& application);
+    /// @param directory that of the settings; empty for @p defaultDirectory.
+    void Set(const std::string& directory, const char* defaultDirectory, const std::string& application);
 
-    /// Reads when the process was started and its number; anew in a forked child, whose files are counted from 1 on.
+    /// Reads when the process was started and its number; again in a forked child, whose files are counted from 1 on.
     void ReadProcess();
 
-    /// The directory that somebody has configured, links and all.
+    /// The configured directory, as it was written.
     const std::string& GetRoot() const { return _root; }
-    /// What lies below it and above the directories of the dates; empty for nothing.
+    /// The directory between it and those of the dates; empty for none.
     const std::string& GetFolder() const { return _folder; }
     /// Both.
     std::string GetDirectory() const;
@@ -26,9 +28,10 @@ public:
     std::string GetPrefix(const std::string& date) const { return GetDirectory(date) + '/' + _application; }
     /// The name of the next file.
     std::string GetNext(const std::string& date) const;
+    /// Moves on to the next sequence number.
     void GoOn() { ++_sequence; }
 
-    /// "05Mar2024", the local date of a moment; empty for one that no calendar reaches.
+    /// "05Mar2024", the local date of a moment; empty where nxTimeStamp has none.
     static std::string GetDate(long long second);
     static std::string GetToday();
 

@@ -4,14 +4,15 @@
 #include <cstdint>
 #include <new>
 
-#include "core/platform/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/log/internal/nxLogLimits.h"
+#include "core/log/internal/nxLogTimedLock.h"
 #include "core/thread/internal/nxMutexInChild.h"
-#include "core/thread/nxMutex.h"
 
 /// What a device does with its own lock around a fork. A thread may be inside the device for as long as a disk or a reader
-/// takes, and must not keep the process from forking: after a second, for all devices together, the fork goes on without
-/// the lock. What it guards is then torn in the child.
+/// takes, and must not keep the process from forking: after nxLogLimits::DevicesAtFork, for all devices together, the fork
+/// goes on without the lock. What the lock guards may then be half changed in the child.
+///
+/// Invariant: GiveBack() and RenewInChild() are told what Take() returned for the same mutex and fork.
 ///
 /// Threads: the one that forks.
 class nxLogForkLock
@@ -20,24 +21,11 @@ public:
     nxLogForkLock() = delete;
 
     /// @return whether the lock was taken, which the other two operations ask for.
-    static bool Take(nxMutex& mutex) noexcept NX_NO_THREAD_SAFETY_ANALYSIS
+    static bool Take(nxMutex& mutex) noexcept
     {
-        constexpr std::int64_t patience = 1'000'000'000;
         if (_deadline == 0)
-            _deadline = nxClock::MonotonicNanoseconds() + patience;
-        return TakeUntil(mutex, _deadline);
-    }
-
-    /// @param deadline on the monotonic clock. @return whether the lock was taken.
-    static bool TakeUntil(nxMutex& mutex, std::int64_t deadline) noexcept NX_NO_THREAD_SAFETY_ANALYSIS
-    {
-        while (!mutex.TryLock().IsOK())
-        {
-            if (nxClock::MonotonicNanoseconds() >= deadline)
-                return false;
-            nxPlatformThread::SleepMilliseconds(1);
-        }
-        return true;
+            _deadline = nxClock::MonotonicNanoseconds() + nxLogLimits::DevicesAtFork;
+        return nxLogTimedLock::TakeUntil(mutex, _deadline);
     }
 
     static void GiveBack(nxMutex& mutex, bool wasTaken) noexcept NX_NO_THREAD_SAFETY_ANALYSIS

@@ -1,57 +1,34 @@
 #include "core/log/internal/nxLogWriter.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <limits>
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
-#include "core/log/internal/nxLogExit.h"
 #include "core/log/internal/nxLogQueue.h"
-#include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWait.h"
-#include "core/log/nxLogDeferredWriteThread.h"
-#include "core/log/nxLogDevice.h"
-#include "core/log/nxLogMacros.h"
-#include "core/log/nxLogManager.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxFutex.h"
-#include "core/platform/nxPlatformThread.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
 {
-constexpr std::int64_t second = 1'000'000'000;
-constexpr std::int64_t millisecond = 1'000'000;
-// How long the thread sleeps between two looks, while records come and while none do.
-constexpr std::int64_t busySleep = 3 * millisecond / 2;
-constexpr std::int64_t idleSleep = 100 * millisecond;
-// After how many looks in vain the sleeps become long.
-constexpr unsigned looksInVain = 64;
-// Lines go out in pieces of this size.
-constexpr std::size_t batchSize = std::size_t{1} << 20;
-constexpr std::size_t batchCapacity = batchSize + (std::size_t{1} << 16);
-// With so much of it at least a round goes on when memory is short, in smaller pieces.
-constexpr std::size_t leastBatchCapacity = std::size_t{1} << 14;
-// How long a fatal record waits, and how long a caller that has to write his record himself waits for his turn.
-constexpr std::int64_t longestUrge = 100 * millisecond;
-// How often in a long round the callers get back what has been taken.
+// How often in a long round the callers get back the room of what has been taken.
 constexpr unsigned recordsPerRelease = 256;
-// What is kept of the records from before the first device, with what each costs beside its values.
-constexpr std::size_t maximumEarlyBytes = std::size_t{1} << 20;
-constexpr std::size_t dateSize = 7;
+// The longest sleep of a waiting thread between two looks.
+constexpr std::int64_t longestWaitSlice = 10 * nxNanoseconds::PerMillisecond;
 
-using State = nxLogBell::State;
-
+// Tickets wrap.
 bool HasReached(std::uint32_t reached, std::uint32_t ticket)
 {
     return static_cast<std::int32_t>(reached - ticket) >= 0;
 }
 }  // namespace
+
+void nxLogBell::RunRoundHere(std::int64_t limit) noexcept { nxLogWriter::GetInstance().RunRoundHere(limit); }
 
 nxLogWriter& nxLogWriter::GetInstance() noexcept
 {
@@ -61,259 +38,88 @@ nxLogWriter& nxLogWriter::GetInstance() noexcept
     return writer;
 }
 
-// What the bell is rung for.
-
-bool nxLogBell::Start() noexcept { return nxLogWriter::GetInstance().Start(); }
-
-void nxLogBell::RunRoundHere(std::int64_t limit) noexcept { nxLogWriter::GetInstance().RunRoundHere(limit); }
-
-void nxLogBell::Urge(nxEnumValue level) noexcept { nxLogWriter::GetInstance().Urge(level); }
-
-// The thread.
-
-bool nxLogWriter::Start() noexcept
+bool nxLogWriter::RunRound() noexcept
 {
-    // Whoever finds another thread at it leaves it to that one.
-    if (!_startMutex.TryLock().IsOK())
-        return false;
-    _startMutex.AssertHeld();
-    const std::int64_t now = nxClock::MonotonicNanoseconds();
-    // A thread that Stop() has given up waiting for goes on, unless it has ended meanwhile.
-    bool running = nxLogBell::ChangeState(State::Stopping, State::Running) != State::Stopped;
-    if (!running && now >= _nextStart)
-    {
-        nxLogExit::Register();
-        if (_thread != nullptr)
-            _thread->Wait();  // it has ended: that is what the state says
-        else
-            _thread = new (std::nothrow) nxLogDeferredWriteThread;
-        nxLogBell::SetState(State::Running);
-        running = _thread != nullptr && _thread->_Start(_service).IsOK();
-        if (!running)
-        {
-            nxLogBell::SetState(State::Stopped);
-            _nextStart = now + second;
-        }
-        _couldNotStart.store(!running, std::memory_order_relaxed);
-    }
-    static constinit bool isTold = false;
-    const bool isToBeTold = _couldNotStart.load(std::memory_order_relaxed) && !std::exchange(isTold, true);
-    _startMutex.Unlock();
-    if (isToBeTold)
-        nxLogExit::Complain(
-            "Failed to start the log's thread: warnings and worse are written by the threads that report them, other "
-            "records wait.\n");
-    return running;
+    const nxMutexGuard guard(_roundMutex);
+    return _RunRoundAndUpkeep(false);
 }
 
-bool nxLogWriter::Stop(std::int64_t limit) noexcept
-{
-    if (!nxLogBell::CallerMayWait())
-        return false;
-    const nxMutexGuard guard(_startMutex);
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
-    nxLogBell::ChangeState(State::Running, State::Stopping);
-    while (nxLogBell::GetState() != State::Stopped)
-    {
-        nxLogBell::Ring();
-        const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
-        if (left <= 0)
-            return false;  // it will end when the device lets it, unless it is wanted again before
-        nxFutex::Wait(_reached, _reached.load(std::memory_order_relaxed), std::min(left, millisecond));
-    }
-    if (_thread != nullptr)
-        _thread->Wait();
-    return true;
-}
-
-void nxLogWriter::Urge(nxEnumValue level) noexcept
-{
-    const bool running = nxLogBell::EnsureRunning();
-    nxLogBell::Ring();
-    if (level >= NX_LOG_LEVEL_FATAL)
-        WaitUntilWritten(longestUrge, longestUrge);
-    else if (!running && _couldNotStart.load(std::memory_order_relaxed))
-        RunRoundHere(longestUrge);
-}
-
-void nxLogWriter::SetThread(std::span<const unsigned> processors, unsigned priority) noexcept
-{
-    const nxMutexGuard guard(_startMutex);
-    _service.SetProcessors(processors);
-    _service.SetPriority(priority);
-    if (_thread != nullptr)
-        _thread->_Apply(_service);
-}
-
-void nxLogWriter::_Run() noexcept
-{
-    nxServiceThread::Become("nxlog");
-    nxLogBell::SetCallerWriter(true);
-    unsigned inVain = 0;
-    std::int64_t nextLookAround = nxClock::MonotonicNanoseconds() + second;
-    while (nxLogBell::ChangeState(State::Stopping, State::Stopped) != State::Stopping)
-    {
-        _roundMutex.Lock();
-        const bool found = _WriteQueued(false);
-        _roundMutex.Unlock();
-        inVain = found ? 0 : inVain + 1;
-        const bool busy = inVain < looksInVain;
-        if (inVain == looksInVain)
-            nxLogQueue::GetInstance().Trim();
-        inVain = std::min(inVain, looksInVain + 1);
-        if (const std::int64_t now = nxClock::MonotonicNanoseconds(); !busy && now >= nextLookAround)
-        {
-            nextLookAround = now + second;
-            nxLogExit::EndProcessIfLast();
-        }
-        nxLogBell::Sleep(busy ? busySleep : idleSleep);
-    }
-    nxLogBell::SetCallerWriter(false);
-}
-
-void nxLogWriter::Leave() noexcept
-{
-    nxLogBell::SetCallerWriter(false);
-    {
-        // Whoever reports from now on starts another thread.
-        const nxMutexGuard guard(_startMutex);
-        _thread = nullptr;
-        nxLogBell::SetState(State::Stopped);
-    }
-    RunRoundHere(0);
-    _FlushDevices(true);
-}
-
-// Under the mutex of the rounds everything that has been queued by now is taken: one round only is not enough for a
-// caller whose record came while it was going on.
+// Takes everything that is in the queue when the mutex is locked. A record that was queued while another thread was in a
+// round is not in that round.
 void nxLogWriter::RunRoundHere(std::int64_t limit) noexcept
 {
-    if (!nxLogBell::CallerMayWait() || !_LockRound(limit))
+    if (!nxLogBell::CallerMayWait() || !nxLogTimedLock::Take(_roundMutex, limit))
         return;
     _roundMutex.AssertHeld();
     nxLogBell::SetCallerWriter(true);
-    _WriteQueued(true);
+    _RunRoundAndUpkeep(true);
     nxLogBell::SetCallerWriter(false);
     _roundMutex.Unlock();
 }
 
-bool nxLogWriter::_LockRound(std::int64_t patience) noexcept
-{
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
-    while (!_roundMutex.TryLock().IsOK())
-    {
-        if (nxClock::MonotonicNanoseconds() >= deadline)
-            return false;
-        nxPlatformThread::SleepMilliseconds(1);
-    }
-    return true;
-}
-
-bool nxLogWriter::WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit) noexcept
-{
-    nxLogAwakeTime time;
-    return nxLogBell::CallerMayWait() && _WaitUntilWritten(limit, stallLimit, time, true);
-}
-
-bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time,
-                                    bool mayStart) noexcept
-{
-    const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
-    nxLogWait wait(limit, stallLimit, time);
-    for (;;)
-    {
-        if (!(mayStart ? nxLogBell::EnsureRunning() : nxLogBell::GetState() != State::Stopped))
-            RunRoundHere(0);
-        nxLogBell::Ring();
-        const std::uint32_t reached = _reached.load(std::memory_order_acquire);
-        if (HasReached(reached, ticket))
-            return true;
-        const std::int64_t left = wait.Step();
-        if (left <= 0)
-            return false;
-        nxFutex::Wait(_reached, reached, std::min(left, 10 * millisecond));
-    }
-}
-
-bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit) noexcept
-{
-    nxLogAwakeTime time;
-    return WriteOut(limit, stallLimit, time);
-}
-
-bool nxLogWriter::WriteOut(std::int64_t limit, std::int64_t stallLimit, nxLogAwakeTime& time) noexcept
-{
-    // A thread that ends the process from inside a device cannot wait for itself.
-    const bool nothingEver = nxLogBell::GetState() == State::Stopped && nxLogQueue::GetInstance().IsEmpty();
-    return nothingEver || (nxLogBell::CallerMayWait() && _WaitUntilWritten(limit, stallLimit, time, false));
-}
-
-void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
-{
-    nxLogQueue& queue = nxLogQueue::GetInstance();
-    // Only before the first device do records wait here, and then no device can make a round long.
-    if (_hadDevices.load(std::memory_order_relaxed) || !nxLogBell::CallerMayWait())
-        return queue.CopyRecords(records);
-    const nxMutexGuard guard(_roundMutex);
-    records.insert(records.end(), _early.begin(), _early.end());
-    queue.CopyRecords(records);
-}
-
-void nxLogWriter::BlockRoundsForGood(std::int64_t limit) noexcept
-{
-    // A round has the mutex from its beginning to its end.
-    static_cast<void>(nxLogBell::CallerMayWait() && _LockRound(limit));
-}
-
-void nxLogWriter::SetFlushInterval(double seconds) noexcept
-{
-    constexpr double most = 3'600;
-    const double clamped = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, most);
-    _flushInterval.store(static_cast<std::int64_t>(clamped * 1e9), std::memory_order_relaxed);
-}
-
-// A round.
-
-// Everything that one look at the queue entails. With the round's mutex.
-bool nxLogWriter::_WriteQueued(bool everything) noexcept
+// @return whether there was a record.
+bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
 {
     const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
     _isInRound.store(true, std::memory_order_seq_cst);
-    bool found = false;
-    const bool hasRun = _DoRound(everything || isAwaited, found);
+    const Outcome outcome = _DoRound(everything || isAwaited);
     _isInRound.store(false, std::memory_order_release);
-    _FlushWhereDue(isAwaited);
-    _MaintainWhereDue();
-    _ReportLosses();
-    // A wait is over when a round that began after it has run to its end; one that could not begin has taken nothing.
-    if (isAwaited && hasRun)
+    _upkeep.AfterRound(_batches != nullptr && _batches->TakeHasWritten(), isAwaited);
+    if (isAwaited && outcome != Outcome::NoMemory)
     {
         _reached.store(wanted, std::memory_order_release);
         nxFutex::WakeAll(_reached);
     }
-    return found;
+    return outcome == Outcome::Some;
 }
 
-// Whether there was memory for a round. With it, every record of the round has been given to a device or counted.
-bool nxLogWriter::_DoRound(bool everything, bool& found) noexcept
+nxLogWriter::Outcome nxLogWriter::_DoRound(bool everything) noexcept
 {
-    nxLogQueue& queue = nxLogQueue::GetInstance();
     nxClock::Recalibrate();
-    // The records before the devices: what is reported after a device was registered finds it in the list.
-    queue.BeginRound(everything);
+    // The round's records are fixed before its devices, so that a record which is reported after a device was registered
+    // finds the device in the list.
+    nxLogQueue::GetInstance().BeginRound(everything);
     try
     {
-        _BeginRound();
+        _PrepareBatches();
     }
     catch (...)
     {
-        // The records stay where they are until there is memory.
-        return false;
+        return Outcome::NoMemory;
     }
-    _WriteEarly();
+    _WriteEarlyRecords();
+    const bool found = _DeliverQueued();
+    if (_batches->GetGravestLevel() >= NX_LOG_LEVEL_WARNING)
+        nxLogUpkeep::FlushDevices(nxLogUpkeep::Devices::TakingRecords);
+    return found ? Outcome::Some : Outcome::Nothing;
+}
+
+void nxLogWriter::_PrepareBatches()
+{
+    if (_batches == nullptr)
+        _batches = std::make_unique<nxLogBatches>();
+    _batches->Prepare();
+    if (_batches->HasDevices())
+        _early.Close();
+}
+
+// The first device gets what was reported before there was one.
+void nxLogWriter::_WriteEarlyRecords() noexcept
+{
+    if (!_batches->HasDevices())
+        return;
+    for (const nxLog& early : _early.Take())
+        static_cast<void>(_batches->Deliver(nxLogConversion::View(early)));
+}
+
+// @return whether there was a record.
+bool nxLogWriter::_DeliverQueued() noexcept
+{
+    nxLogQueue& queue = nxLogQueue::GetInstance();
+    nxLogBatches& batches = *_batches;
     nxLogRecord record;
-    unsigned count = 0;
+    bool found = false;
     unsigned inHand = 0;
     const auto release = [&]
     {
@@ -322,309 +128,92 @@ bool nxLogWriter::_DoRound(bool everything, bool& found) noexcept
     };
     while (queue.Next(record))
     {
-        ++count;
+        found = true;
         _inHand.store(++inHand, std::memory_order_relaxed);
-        _Pass(record);
+        if (!batches.Deliver(record)) [[unlikely]]
+            _KeepEarly(record);
         if (inHand == recordsPerRelease)
             release();
     }
-    _SendBatches();
-    // Also after no record at all: a thread may have gone on to the start of its ring.
+    batches.Send();
+    // Also after no record at all: a thread may have moved on to the start of its ring.
     release();
-    if (_round->worstLevel >= NX_LOG_LEVEL_WARNING)
-        _FlushDevices(false);
-    found = count != 0;
-    return true;
-}
-
-// Looks at which devices there are, and at the lines that they want.
-void nxLogWriter::_BeginRound()
-{
-    if (_round == nullptr)
-        _round = std::make_unique<Round>();
-    Round& round = *_round;
-    round.devices = nxLogDeviceList::GetInstance().Get();
-    const nxLogManager& manager = nxLogManager::GetInstance();
-    round.thread = {manager.GetLogThreadIndex(), manager.GetLogThreadCPU()};
-    round.worstLevel = NX_ENUM_UNDEFINED;
-    round.time.Forget();
-    round.batchOfDevice.assign(round.devices->size(), nullptr);
-    round.hasDevices = round.hasRecordDevices = false;
-    round.onlyBatch = nullptr;
-    for (const auto& batch : round.batches)
-        batch->isWanted = false;
-    for (std::size_t index = 0; index < round.devices->size(); ++index)
-    {
-        nxLogDeviceEntry& entry = *(*round.devices)[index];
-        // It stands in the list because there was no memory for one without it.
-        if (entry.IsRemoved())
-            continue;
-        round.hasDevices = true;
-        if (entry.GetLineSink() == nullptr)
-        {
-            round.hasRecordDevices = true;
-            continue;
-        }
-        nxLogLineStyle style;
-        entry.Call([&](nxLogDevice&) { style = entry.GetLineSink()->GetLineStyle(); });
-        round.batchOfDevice[index] = round.onlyBatch = &_GetBatch(style);
-        round.onlyBatch->lines.SetStyle(style, round.thread);
-    }
-    const auto isOther = [&round](const Batch* batch) { return batch != round.onlyBatch; };
-    if (std::any_of(round.batchOfDevice.begin(), round.batchOfDevice.end(), isOther))
-        round.onlyBatch = nullptr;
-    if (round.hasDevices)
-        _hadDevices.store(true, std::memory_order_relaxed);
-}
-
-// The batch of lines in this style. There are few styles, so a batch once made is kept.
-nxLogWriter::Batch& nxLogWriter::_GetBatch(const nxLogLineStyle& style)
-{
-    for (const auto& batch : _round->batches)
-        if (batch->style == style)
-        {
-            batch->isWanted = true;
-            return *batch;
-        }
-    auto batch = std::make_unique<Batch>();
-    batch->style = style;
-    batch->isWanted = true;
-    if (!batch->lines.Reserve(batchCapacity) && !batch->lines.Reserve(leastBatchCapacity))
-        throw std::bad_alloc();
-    _round->batches.push_back(std::move(batch));
-    return *_round->batches.back();
-}
-
-// The first device gets what was reported before there was one.
-void nxLogWriter::_WriteEarly() noexcept
-{
-    if (_early.empty() || !_round->hasDevices)
-        return;
-    for (const nxLog& early : _early)
-        _Pass(early._GetRecord());
-    _early = std::vector<nxLog>();
-    _earlyBytes = 0;
+    return found;
 }
 
 void nxLogWriter::_KeepEarly(const nxLogRecord& record) noexcept
 {
-    const std::size_t cost =
-        sizeof(nxLog) + static_cast<std::size_t>(record.end - record.values) + std::strlen(record.GetFile());
-    if (_hadDevices.load(std::memory_order_relaxed) || _earlyBytes + cost > maximumEarlyBytes)
-    {
+    if (!_early.Keep(record))
         nxLogCounters::CountUndelivered(1);
-        return;
-    }
-    try
-    {
-        const nxLog borrowed(record);
-        _early.push_back(borrowed);
-        _earlyBytes += cost;
-    }
-    catch (...)
-    {
-        nxLogCounters::CountUndelivered(1);
-    }
 }
 
-// Where memory is short, a batch takes no more than it has room for, and makes room by being sent.
-[[gnu::noinline]] bool nxLogWriter::_AppendToEmptied(Batch& batch, const nxLogRecord& record) noexcept
+bool nxLogWriter::WaitUntilWritten(const nxLogLimits::Wait& limit) noexcept
 {
-    _SendBatches();
-    if (batch.lines.AppendLine(record, _round->time))
-        return true;
-    nxLogCounters::CountDropped();
-    return false;
+    nxLogAwakeTime time;
+    return nxLogBell::CallerMayWait() && _WaitUntilReached(limit, time, true);
 }
 
-[[gnu::always_inline]] inline bool nxLogWriter::_AppendToBatch(Batch& batch, const nxLogRecord& record) noexcept
+bool nxLogWriter::WriteOutAtEnd() noexcept
 {
-    if (!batch.lines.AppendLine(record, _round->time)) [[unlikely]]
-        if (!_AppendToEmptied(batch, record))
+    nxLogAwakeTime time;
+    return WriteOutAtEnd(time);
+}
+
+bool nxLogWriter::WriteOutAtEnd(nxLogAwakeTime& time) noexcept
+{
+    const bool nothingEver = nxLogBell::GetState() == nxLogBell::State::Stopped && nxLogQueue::GetInstance().IsEmpty();
+    // A thread that ends the process from inside a device cannot wait for itself.
+    return nothingEver || (nxLogBell::CallerMayWait() && _WaitUntilReached(nxLogLimits::End, time, false));
+}
+
+bool nxLogWriter::_WaitUntilReached(const nxLogLimits::Wait& limit, nxLogAwakeTime& time, bool mayStart) noexcept
+{
+    const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
+    nxLogWait wait(limit.inAll, limit.withoutProgress, time);
+    for (;;)
+    {
+        if (!(mayStart ? nxLogBell::EnsureRunning() : nxLogBell::GetState() != nxLogBell::State::Stopped))
+            RunRoundHere(0);
+        nxLogBell::Ring();
+        const std::uint32_t reached = _reached.load(std::memory_order_acquire);
+        if (HasReached(reached, ticket))
+            return true;
+        const std::int64_t left = wait.Step();
+        if (left <= 0)
             return false;
-    if (batch.count++ == 0)
-        batch.seconds = record.time.seconds;
-    batch.worstLevel = std::max(batch.worstLevel, static_cast<nxEnumValue>(record.level));
-    if (batch.lines.GetSize() >= batchSize) [[unlikely]]
-        _SendBatches();
-    return true;
-}
-
-[[gnu::always_inline]] inline void nxLogWriter::_Pass(const nxLogRecord& record) noexcept
-{
-    Round& round = *_round;
-    // No batch holds lines of two days.
-    if (round.time.Set(record.time) && std::memcmp(round.date, round.time.GetBytes(), dateSize) != 0)
-    {
-        _SendBatches();
-        std::memcpy(round.date, round.time.GetBytes(), dateSize);
-    }
-    if (round.onlyBatch != nullptr) [[likely]]
-        _AppendToBatch(*round.onlyBatch, record);
-    else
-        _PassToAll(record);
-}
-
-void nxLogWriter::_PassToAll(const nxLogRecord& record) noexcept
-{
-    Round& round = *_round;
-    if (!round.hasDevices)
-    {
-        _KeepEarly(record);
-        return;
-    }
-    bool isForLines = false, isInLines = false;
-    for (const auto& batch : round.batches)
-        if (batch->isWanted)
-        {
-            isForLines = true;
-            isInLines |= _AppendToBatch(*batch, record);
-        }
-    const bool isTaken = round.hasRecordDevices && _PassRecord(record);
-    // What found no room in the lines has been counted as dropped.
-    if (isTaken || !isForLines)
-        _Count(1, isTaken);
-    else if (isInLines)
-        ++round.inLinesAlone;
-    round.worstLevel = std::max(round.worstLevel, static_cast<nxEnumValue>(record.level));
-}
-
-// Every record once, when it is clear whether a device has been given it. One thread at a time is here.
-void nxLogWriter::_Count(unsigned records, bool isTaken) noexcept
-{
-    _unflushed = _unflushed || (isTaken && records != 0);
-    if (isTaken)
-        nxLogCounters::CountWritten(records);
-    else
-        nxLogCounters::CountUndelivered(records);
-}
-
-// To the devices that take records instead of lines. @return whether one was given it.
-bool nxLogWriter::_PassRecord(const nxLogRecord& record) noexcept
-{
-    bool isTaken = false;
-    const Round& round = *_round;
-    for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
-    {
-        if (round.batchOfDevice[index] != nullptr)
-            continue;
-        const nxLog borrowed(record);
-        isTaken |= (*round.devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
-        nxLogCounters::CountProgress();
-    }
-    return isTaken;
-}
-
-void nxLogWriter::_SendBatches() noexcept
-{
-    Round& round = *_round;
-    bool isTaken = false;
-    for (std::size_t index = 0; index < round.batchOfDevice.size(); ++index)
-    {
-        const Batch* const batch = round.batchOfDevice[index];
-        if (batch == nullptr || batch->count == 0)
-            continue;
-        nxLogDeviceEntry& entry = *(*round.devices)[index];
-        const nxLogLineBatch lines{batch->lines.GetText(), batch->lines.GetSize(), batch->count, batch->worstLevel,
-                                   batch->seconds};
-        isTaken |= entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
-        nxLogCounters::CountProgress();
-    }
-    _Count(round.onlyBatch != nullptr ? round.onlyBatch->count : std::exchange(round.inLinesAlone, 0), isTaken);
-    for (const auto& batch : round.batches)
-    {
-        batch->lines.Clear();
-        batch->lines.ShrinkTo(batchCapacity);
-        batch->count = 0;
-        round.worstLevel = std::max(round.worstLevel, batch->worstLevel);
-        batch->worstLevel = NX_ENUM_UNDEFINED;
+        nxFutex::Wait(_reached, reached, std::min(left, longestWaitSlice));
     }
 }
 
-// `linesToo`: also the devices that take lines, which see to warnings themselves.
-void nxLogWriter::_FlushDevices(bool linesToo) noexcept
+void nxLogWriter::BlockRoundsForGood() noexcept
 {
-    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
-    for (const auto& entry : *devices)
-        if (linesToo || entry->GetLineSink() == nullptr)
-        {
-            entry->Call([](nxLogDevice& device) { device.Flush(); });
-            nxLogCounters::CountProgress();
-        }
+    static_cast<void>(nxLogBell::CallerMayWait() && nxLogTimedLock::Take(_roundMutex, nxLogLimits::RoundAtEnd));
 }
 
-void nxLogWriter::_FlushWhereDue(bool now) noexcept
+void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
 {
-    const std::int64_t time = nxClock::MonotonicNanoseconds();
-    if (!_unflushed)
-    {
-        // The interval begins with the first record after a flush.
-        _lastFlush = time;
-        if (!now)
-            return;
-    }
-    if (!now && time - _lastFlush < _flushInterval.load(std::memory_order_relaxed))
-        return;
-    _FlushDevices(true);
-    _unflushed = false;
-    _lastFlush = time;
-}
-
-// Devices that are in trouble get the chance to mend it although nobody reports anything.
-void nxLogWriter::_MaintainWhereDue() noexcept
-{
-    const std::int64_t time = nxClock::MonotonicNanoseconds();
-    if (time < _nextMaintenance)
-        return;
-    _nextMaintenance = time + second;
-    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
-    for (const auto& entry : *devices)
-        if (nxLogLineSink* const sink = entry->GetLineSink())
-            entry->Call([sink](nxLogDevice&) { sink->Maintain(); });
-}
-
-// Tells in the log what the log has lost, and who had to wait; once for what has come together in a second.
-void nxLogWriter::_ReportLosses() noexcept
-{
-    const std::uint64_t drops = nxLogCounters::GetDropped() - _reportedDrops;
-    const std::uint64_t waits = nxLogCounters::GetWaits() - _reportedWaits;
-    if (drops == 0 && waits == 0)
-        return;
-    const std::int64_t now = nxClock::MonotonicNanoseconds();
-    if (_lastReport != 0 && now - _lastReport < second)
-        return;
-    _lastReport = now;
-    _reportedDrops += drops;
-    _reportedWaits += waits;
-    if (drops != 0)
-        NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxLogManager", 211)
-            << "Log records dropped because the queue was full and a device had stalled: " << drops
-            << ", callers that waited: " << waits;
-    else
-        NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxLogManager", 215)
-            << "Callers that waited because the log's queue was full: " << waits;
+    nxLogQueue& queue = nxLogQueue::GetInstance();
+    // Records are kept only before the first device, and then no device can make a round long.
+    if (_early.IsClosed() || !nxLogBell::CallerMayWait())
+        return queue.CopyRecords(records);
+    const nxMutexGuard guard(_roundMutex);
+    records.insert(records.end(), _early.Get().begin(), _early.Get().end());
+    queue.CopyRecords(records);
 }
 
 void nxLogWriter::AfterForkInChild() noexcept
 {
-    // Nobody took these two for the fork: threads that are gone in the child may hold them.
-    ::new (&_startMutex) nxMutex;
+    // The fork does not take this mutex; a thread that does not exist in the child may hold it.
     ::new (&_roundMutex) nxMutex;
-    // Whatever the parent's thread was at is left as it was caught, and not touched again; leak checkers find it here.
-    [[gnu::used]] static Round* caught;
-    caught = _round.release();
+    // What a round of the parent was working with is half changed and not touched again. Leak checkers find it here.
+    [[gnu::used]] static nxLogBatches* caught;
+    caught = _batches.release();
     static_cast<void>(caught);  // clang++ takes a variable that is only written for a mistake
     [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
-    ::new (caughtEarly) std::vector<nxLog>(std::move(_early));
-    _earlyBytes = 0;
-    _thread = nullptr;
+    ::new (caughtEarly) std::vector<nxLog>(_early.Take());
+    _upkeep.AfterForkInChild();
     _isInRound.store(false, std::memory_order_relaxed);
     _inHand.store(0, std::memory_order_relaxed);
-    _nextStart = 0;
-    _couldNotStart.store(false, std::memory_order_relaxed);
     _wanted.store(0, std::memory_order_relaxed);
     _reached.store(0, std::memory_order_relaxed);
-    _unflushed = false;
-    _reportedDrops = _reportedWaits = 0;
-    _lastReport = 0;
 }

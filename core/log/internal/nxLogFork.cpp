@@ -1,0 +1,41 @@
+#include "core/log/internal/nxLogFork.h"
+
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogSourceTable.h"
+#include "core/log/internal/nxLogWriter.h"
+#include "core/log/internal/nxLogWriterThread.h"
+#include "core/platform/nxThreadHooks.h"
+
+namespace
+{
+// No part of the log is in the middle of a change while the process is copied, but for a round: the child drops it.
+void BeforeFork()
+{
+    nxLogDeviceList::GetInstance().BeforeFork();
+    nxLogQueue::GetInstance().BeforeFork();
+    nxLogSourceTable::GetInstance().BeforeFork();
+}
+
+void AfterForkInParent()
+{
+    nxLogSourceTable::GetInstance().AfterForkInParent();
+    nxLogQueue::GetInstance().AfterForkInParent();
+    nxLogDeviceList::GetInstance().AfterForkInParent();
+}
+
+void AfterForkInChild()
+{
+    nxLogCounters::AfterForkInChild();
+    nxLogBell::AfterForkInChild();
+    nxLogSourceTable::GetInstance().AfterForkInChild();
+    nxLogQueue::GetInstance().AfterForkInChild();
+    nxLogWriter::GetInstance().AfterForkInChild();
+    nxLogWriterThread::GetInstance().AfterForkInChild();
+    nxLogDeviceList::GetInstance().AfterForkInChild();
+}
+}  // namespace
+
+void nxLogFork::Register() noexcept { nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild); }

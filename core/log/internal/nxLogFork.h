@@ -1,0 +1,17 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGFORK_H
+#define CORE_LOG_INTERNAL_NXLOGFORK_H
+
+/// What the log does around a fork.
+///
+/// Invariant: a fork takes the locks of the log in the order devices, queue, places; and each part starts again in the
+/// child with what it needs to serve the only thread there.
+class nxLogFork
+{
+public:
+    nxLogFork() = delete;
+
+    /// Called once, while the library is loaded.
+    static void Register() noexcept;
+};
+
+#endif

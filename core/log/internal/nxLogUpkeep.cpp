@@ -1,0 +1,102 @@
+#include "core/log/internal/nxLogUpkeep.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogSwitches.h"
+#include "core/log/nxLog.h"
+#include "core/log/nxLogDevice.h"
+#include "core/log/nxLogLineSink.h"
+#include "core/platform/nxClock.h"
+
+namespace
+{
+template <class... Values>
+void ReportForManager(const nxLogLevelEnum& level, unsigned line, const Values&... values)
+{
+    if (!nxLogSwitches::ShouldLog(level))
+        return;
+    nxLog record(level, "core/trunk/nxLogManager", line, nxTimeStamp::Now());
+    (record << ... << values);
+    nxLogQueue::GetInstance().Write(record);
+}
+}  // namespace
+
+void nxLogUpkeep::SetFlushInterval(double seconds) noexcept
+{
+    const double clamped = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, nxLogLimits::LongestFlushIntervalSeconds);
+    _flushInterval.store(static_cast<std::int64_t>(clamped * 1e9), std::memory_order_relaxed);
+}
+
+void nxLogUpkeep::AfterRound(bool hasWritten, bool flushNow) noexcept
+{
+    _state.isUnflushed = _state.isUnflushed || hasWritten;
+    _FlushWhereDue(flushNow);
+    _MaintainWhereDue();
+    _ReportLosses();
+}
+
+void nxLogUpkeep::FlushDevices(Devices devices) noexcept
+{
+    const std::shared_ptr<const nxLogDeviceList::Entries> entries = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *entries)
+        if (devices == Devices::All || entry->GetLineSink() == nullptr)
+        {
+            entry->Call([](nxLogDevice& device) { device.Flush(); });
+            nxLogCounters::CountProgress();
+        }
+}
+
+void nxLogUpkeep::_FlushWhereDue(bool now) noexcept
+{
+    const std::int64_t time = nxClock::MonotonicNanoseconds();
+    if (!_state.isUnflushed)
+    {
+        // The interval begins with the first record after a flush.
+        _state.lastFlush = time;
+        if (!now)
+            return;
+    }
+    if (!now && time - _state.lastFlush < _flushInterval.load(std::memory_order_relaxed))
+        return;
+    FlushDevices(Devices::All);
+    _state.isUnflushed = false;
+    _state.lastFlush = time;
+}
+
+// Devices in trouble may mend it although no thread reports anything.
+void nxLogUpkeep::_MaintainWhereDue() noexcept
+{
+    const std::int64_t time = nxClock::MonotonicNanoseconds();
+    if (time < _state.nextMaintenance)
+        return;
+    _state.nextMaintenance = time + nxLogLimits::MaintenanceInterval;
+    const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *devices)
+        if (nxLogLineSink* const sink = entry->GetLineSink())
+            entry->Call([sink](nxLogDevice&) { sink->Maintain(); });
+}
+
+// Tells in the log what the log has lost and how many callers had to wait, in one record for LossReportInterval.
+void nxLogUpkeep::_ReportLosses() noexcept
+{
+    const std::uint64_t drops = nxLogCounters::GetDropped() - _state.reportedDrops;
+    const std::uint64_t waits = nxLogCounters::GetWaits() - _state.reportedWaits;
+    if (drops == 0 && waits == 0)
+        return;
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    if (_state.lastReport != 0 && now - _state.lastReport < nxLogLimits::LossReportInterval)
+        return;
+    _state.lastReport = now;
+    _state.reportedDrops += drops;
+    _state.reportedWaits += waits;
+    if (drops != 0)
+        ReportForManager(NX_LOG_LEVEL_WARNING, 211,
+                         "Log records dropped because the queue was full and a device had stalled: ", drops,
+                         ", callers that waited: ", waits);
+    else
+        ReportForManager(NX_LOG_LEVEL_INFO, 215, "Callers that waited because the log's queue was full: ", waits);
+}

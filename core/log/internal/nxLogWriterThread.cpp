@@ -1,0 +1,184 @@
+#include "core/log/internal/nxLogWriterThread.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogExit.h"
+#include "core/log/internal/nxLogLimits.h"
+#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogUpkeep.h"
+#include "core/log/internal/nxLogWriter.h"
+#include "core/log/nxLogDeferredWriteThread.h"
+#include "core/platform/nxClock.h"
+#include "core/platform/nxPlatformThread.h"
+#include "core/platform/nxProcess.h"
+#include "core/platform/nxStandardStream.h"
+#include "core/thread/nxMutexGuard.h"
+
+namespace
+{
+using ThreadState = nxLogBell::State;
+
+// After this many looks that found no record the sleeps become long.
+constexpr unsigned emptyLooksUntilIdle = 64;
+}  // namespace
+
+bool nxLogBell::Start() noexcept { return nxLogWriterThread::GetInstance().Start(); }
+
+void nxLogBell::Urge(nxEnumValue level) noexcept { nxLogWriterThread::GetInstance().Urge(level); }
+
+nxErrorEnum nxLogDeferredWriteThread::Run()
+{
+    nxLogWriterThread::GetInstance().Run();
+    return nxErrorEnum();
+}
+
+nxLogWriterThread& nxLogWriterThread::GetInstance() noexcept
+{
+    alignas(nxLogWriterThread) static unsigned char storage[sizeof(nxLogWriterThread)];
+    static nxLogWriterThread& thread = *::new (storage) nxLogWriterThread;
+    return thread;
+}
+
+bool nxLogWriterThread::Start() noexcept
+{
+    // Another thread is already starting the deferred-write thread, or stopping it: leave it to that one.
+    if (!_startMutex.TryLock().IsOK())
+        return false;
+    _startMutex.AssertHeld();
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
+    // A thread that Stop() no longer waits for runs on, if it has not ended meanwhile.
+    bool running = nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Running) != ThreadState::Stopped;
+    if (!running && now >= _nextStart)
+        running = _StartNow(now);
+    _startMutex.Unlock();
+    if (_couldNotStart.load(std::memory_order_relaxed))
+        _TellFailureOnce();
+    return running;
+}
+
+bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
+{
+    nxLogExit::Register();
+    if (_thread != nullptr)
+        _thread->Wait();  // returns soon, because the state is Stopped
+    else
+        _thread = new (std::nothrow) nxLogDeferredWriteThread;
+    nxLogBell::SetState(ThreadState::Running);
+    const bool running = _thread != nullptr && _thread->_Start(_service).IsOK();
+    if (!running)
+    {
+        nxLogBell::SetState(ThreadState::Stopped);
+        _nextStart = now + nxLogLimits::RestartInterval;
+    }
+    _couldNotStart.store(!running, std::memory_order_relaxed);
+    return running;
+}
+
+void nxLogWriterThread::_TellFailureOnce() const noexcept
+{
+    static constinit std::atomic<bool> isTold{false};
+    if (!isTold.exchange(true, std::memory_order_relaxed))
+        static_cast<void>(nxStandardStream::GetErrors().Write(
+            "Failed to start the log's thread: warnings and worse are written by the threads that report them, other "
+            "records wait.\n"));
+}
+
+bool nxLogWriterThread::Stop(std::int64_t limit) noexcept
+{
+    if (!nxLogBell::CallerMayWait())
+        return false;
+    const nxMutexGuard guard(_startMutex);
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
+    nxLogBell::ChangeState(ThreadState::Running, ThreadState::Stopping);
+    while (nxLogBell::GetState() != ThreadState::Stopped)
+    {
+        nxLogBell::Ring();
+        if (nxClock::MonotonicNanoseconds() >= deadline)
+            return false;  // it ends when the device returns, if Start() does not need it before
+        nxPlatformThread::SleepMilliseconds(1);
+    }
+    if (_thread != nullptr)
+        _thread->Wait();
+    return true;
+}
+
+void nxLogWriterThread::Urge(nxEnumValue level) noexcept
+{
+    const bool running = nxLogBell::EnsureRunning();
+    nxLogBell::Ring();
+    if (level >= NX_LOG_LEVEL_FATAL)
+        nxLogWriter::GetInstance().WaitUntilWritten(nxLogLimits::Urgent);
+    else if (!running && _couldNotStart.load(std::memory_order_relaxed))
+        nxLogBell::RunRoundHere(nxLogLimits::Urgent.inAll);
+}
+
+void nxLogWriterThread::SetThread(std::span<const unsigned> processors, unsigned priority) noexcept
+{
+    const nxMutexGuard guard(_startMutex);
+    _service.SetProcessors(processors);
+    _service.SetPriority(priority);
+    if (_thread != nullptr)
+        _thread->_Apply(_service);
+}
+
+void nxLogWriterThread::Run() noexcept
+{
+    nxServiceThread::Become("nxlog");
+    nxLogBell::SetCallerWriter(true);
+    unsigned emptyLooks = 0;
+    std::int64_t nextLookAround = nxClock::MonotonicNanoseconds() + nxLogLimits::LastThreadInterval;
+    while (nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Stopped) != ThreadState::Stopping)
+    {
+        emptyLooks = nxLogWriter::GetInstance().RunRound() ? 0 : emptyLooks + 1;
+        const bool busy = emptyLooks < emptyLooksUntilIdle;
+        if (emptyLooks == emptyLooksUntilIdle)
+            nxLogQueue::GetInstance().Trim();
+        emptyLooks = std::min(emptyLooks, emptyLooksUntilIdle + 1);
+        if (const std::int64_t now = nxClock::MonotonicNanoseconds(); !busy && now >= nextLookAround)
+        {
+            nextLookAround = now + nxLogLimits::LastThreadInterval;
+            _EndProcessIfLast();
+        }
+        nxLogBell::Sleep(busy ? nxLogLimits::BusySleep : nxLogLimits::IdleSleep);
+    }
+    nxLogBell::SetCallerWriter(false);
+}
+
+// Ends the process if the calling thread, the deferred-write thread, is the only one left: main and all others have ended
+// by pthread_exit(). Without this thread the system would end the process now, with status 0.
+void nxLogWriterThread::_EndProcessIfLast() noexcept
+{
+    // No thread is left that could start another one meanwhile.
+    if (!nxProcess::IsOnlyThreadLeft())
+        return;
+    _Leave();
+    // Signals that no thread could take meanwhile have their effect now, as have those that come while the process ends.
+    nxServiceThread::AcceptSignals();
+    std::exit(0);
+}
+
+// Writes out, as a thread like any other.
+void nxLogWriterThread::_Leave() noexcept
+{
+    nxLogBell::SetCallerWriter(false);
+    {
+        // Threads that report from now on start another one.
+        const nxMutexGuard guard(_startMutex);
+        _thread = nullptr;
+        nxLogBell::SetState(ThreadState::Stopped);
+    }
+    nxLogBell::RunRoundHere();
+    nxLogUpkeep::FlushDevices(nxLogUpkeep::Devices::All);
+}
+
+void nxLogWriterThread::AfterForkInChild() noexcept
+{
+    // The fork does not take this mutex; a thread that does not exist in the child may hold it.
+    ::new (&_startMutex) nxMutex;
+    _thread = nullptr;
+    _nextStart = 0;
+    _couldNotStart.store(false, std::memory_order_relaxed);
+}

@@ -1,0 +1,66 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGWRITERTHREAD_H
+#define CORE_LOG_INTERNAL_NXLOGWRITERTHREAD_H
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+
+#include "core/enum/nxEnumValue.h"
+#include "core/platform/nxServiceThread.h"
+#include "core/thread/nxMutex.h"
+
+class nxLogDeferredWriteThread;
+
+/// Starts and stops the deferred-write thread, and holds the loop that it runs. Never destroyed.
+///
+/// Invariant: at most one deferred-write thread exists, and nxLogBell has its state:
+///
+/// | state    | the thread                  | becomes                                                              |
+/// |----------|-----------------------------|----------------------------------------------------------------------|
+/// | Stopped  | does not exist, or returns  | Running, by Start()                                                  |
+/// | Running  | runs its loop               | Stopping, by Stop(); Stopped, by Start() when the system refuses one |
+/// | Stopping | runs, and is to end         | Stopped, by the thread; Running, by Start() that came before that    |
+///
+/// In a forked child the state is Stopped. Where the deferred-write thread ends the process, it sets Stopped itself.
+///
+/// Errors: a thread that cannot be started is tried again after nxLogLimits::RestartInterval; the error stream is told,
+/// once. Threads: any.
+class nxLogWriterThread
+{
+public:
+    static nxLogWriterThread& GetInstance() noexcept;
+
+    /// See nxLogBell.
+    bool Start() noexcept;
+    /// See nxLogBell.
+    void Urge(nxEnumValue level) noexcept;
+
+    /// Ends the deferred-write thread. @return whether it ended within @p limit nanoseconds.
+    bool Stop(std::int64_t limit) noexcept;
+
+    /// How the deferred-write thread runs, from now on.
+    void SetThread(std::span<const unsigned> processors, unsigned priority) noexcept;
+
+    /// What the deferred-write thread does.
+    void Run() noexcept;
+
+    /// The child has no deferred-write thread.
+    void AfterForkInChild() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
+
+private:
+    nxLogWriterThread() noexcept = default;
+    ~nxLogWriterThread() = delete;
+
+    bool _StartNow(std::int64_t now) noexcept NX_REQUIRES(_startMutex);
+    void _TellFailureOnce() const noexcept;
+    void _EndProcessIfLast() noexcept;
+    void _Leave() noexcept;
+
+    nxMutex _startMutex;
+    std::int64_t _nextStart NX_GUARDED_BY(_startMutex) = 0;  // on the monotonic clock
+    nxLogDeferredWriteThread* _thread NX_GUARDED_BY(_startMutex) = nullptr;
+    nxServiceThread _service NX_GUARDED_BY(_startMutex);
+    std::atomic<bool> _couldNotStart{false};  // at the last attempt
+};
+
+#endif
