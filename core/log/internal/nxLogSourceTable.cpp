@@ -37,3 +37,21 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
 }
 
 void nxLogSourceTable::AfterForkInChild() noexcept { nxMutexInChild::Renew(_mutex); }
+
+// Defined here because a site is the inline part of a statement and does not know the table.
+const nxLogSource* nxLogSite::_Keep() noexcept
+{
+    static constexpr char none[nxLogSource::SuffixRoom] = "";
+    static constexpr nxLogSource unknown{none, 0, none, 0};
+    try
+    {
+        const nxLogSource* const source = nxLogSourceTable::GetInstance().Keep(_file, _line);
+        _source.store(source, std::memory_order_release);
+        return source;
+    }
+    catch (...)
+    {
+        // Without memory this record names no place, and the next one tries again.
+        return &unknown;
+    }
+}
