@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <new>
 
+#include "core/log/internal/nxLogConversion.h"
+#include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogHexDump.h"
 #include "core/log/internal/nxLogLineBuffer.h"
-#include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogValueReader.h"
@@ -25,7 +26,7 @@ public:
     {
         nxLog record(_level, _file, _line, nxTimeStamp::Now());
         (record << ... << values);
-        nxLogQueue::GetInstance().Write(record);
+        nxLogFilling::Write(nxLogConversion::View(record));
     }
 
 private:

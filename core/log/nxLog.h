@@ -80,7 +80,6 @@ public:
 private:
     friend class nxLogStream<nxLog>;
     friend class nxLogStatement;
-    friend class nxLogQueue;
     friend class nxLogConversion;
     friend class nxLogManager;
 

@@ -4,11 +4,14 @@
 #include <new>
 
 #include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogChannelList.h"
+#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogFork.h"
 #include "core/log/internal/nxLogLimits.h"
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/internal/nxLogWriterThread.h"
@@ -24,7 +27,7 @@ namespace
 void WriteOutQueued(const nxLogLimits::Wait& limit)
 {
     nxLogWriter& writer = nxLogWriter::GetInstance();
-    if (!nxLogQueue::GetInstance().IsEmpty() || writer.IsInRound())
+    if (!nxLogChannelList::GetInstance().IsEmpty() || writer.IsInRound())
         writer.WaitUntilWritten(limit);
 }
 
@@ -96,7 +99,7 @@ nxLogLevelEnum nxLogManager::GetLogLevel() noexcept
 
 void nxLogManager::Write(nxLog& record) noexcept
 {
-    nxLogQueue::GetInstance().Write(record);
+    nxLogFilling::Write(nxLogConversion::View(record));
     record._message.ClearMessage();
 }
 
@@ -174,17 +177,17 @@ std::vector<nxLog> nxLogManager::GetLogEntriesQueue() const
 
 void nxLogManager::SetRecommendedBufferCapacity(unsigned records) noexcept
 {
-    nxLogQueue::GetInstance().Reserve(records);
+    nxLogRingMemory::GetInstance().Reserve(records);
 }
 
 void nxLogManager::SetMaximumQueueBytes(std::uint64_t bytes) noexcept
 {
-    nxLogQueue::GetInstance().SetMaximumBytes(bytes);
+    nxLogRingMemory::GetInstance().SetMaximumBytes(bytes);
 }
 
 std::uint64_t nxLogManager::GetMaximumQueueBytes() const noexcept
 {
-    return nxLogQueue::GetInstance().GetMaximumBytes();
+    return nxLogRingMemory::GetInstance().GetMaximumBytes();
 }
 
 void nxLogManager::SetTimeBetweenFlushes(double seconds) noexcept
@@ -200,7 +203,7 @@ void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned
 nxLogStatistics nxLogManager::GetStatistics() const noexcept
 {
     return {nxLogCounters::GetWritten(), nxLogCounters::GetDropped(), nxLogCounters::GetUndelivered(),
-            nxLogCounters::GetWaits(), nxLogQueue::GetInstance().GetBytes()};
+            nxLogCounters::GetWaits(), nxLogRingMemory::GetInstance().GetBytes()};
 }
 
 void nxLogManager::Destroy() noexcept

@@ -7,33 +7,14 @@
 #include <cstring>
 
 #include "core/enum/nxEnumValue.h"
+#include "core/log/inline/nxLogRecordHeader.h"
 #include "core/nxExport.h"
 #include "core/platform/nxClock.h"
 
+class nxLogRing;
 struct nxLogSource;
 struct nxLogSegment;
 struct nxLogSpill;
-
-/// What stands in front of every queued record. The values follow as tagged bytes; sizes are rounded up to 8.
-struct nxLogRecordHeader
-{
-    /// What follows the header.
-    enum Kind : std::uint8_t
-    {
-        Statement,  ///< The values of an NX_LOG statement.
-        Object,     ///< nxLogObjectFields, the source file with a NUL, then the values of an nxLog.
-        Elsewhere,  ///< A pointer to a block with the whole record; for very large ones.
-        Jump        ///< Not a record: a pointer to where the next one stands. Nothing else in the header counts.
-    };
-
-    std::uint32_t size;       ///< Bytes of header and values, not rounded.
-    std::uint16_t processor;  ///< Where the thread ran.
-    std::uint8_t level;       ///< An nxLogLevelEnum; all its values fit.
-    Kind kind;                ///< What follows.
-    std::uint64_t ticks;      ///< nxClock::Ticks() when the record was begun (Statement) or handed over (Object).
-    const void* source;       ///< Statement: its nxLogSource.
-};
-static_assert(sizeof(nxLogRecordHeader) == 24);
 
 /// Where an open statement writes: the free part of its thread's channel, or a block of its own.
 struct nxLogRoom
@@ -44,13 +25,14 @@ struct nxLogRoom
     nxLogSpill* spill;            ///< The block, when the channel's own room did not do.
 };
 
-/// The way of one thread's records to the deferred-write thread: a ring in memory that one thread fills and one
-/// empties, without a lock. Full rings are followed by further ones, up to the bound that all channels share.
+/// The way of one thread's records to the deferred-write thread, as statements see it: a ring in memory that one thread
+/// fills and one empties, without a lock. What need not be inline in every statement is in nxLogRing.
 ///
-/// Internal to the log: the part that has to be inline in every reporting statement.
+/// Invariant: a statement holds one channel, from Open() to Close(). What is logged meanwhile on the same thread, by a
+/// function that an argument calls or by a signal handler, goes to the channel's nested one. Open() never waits; Close()
+/// may.
 ///
-/// A statement takes its thread's channel while it is open. Whatever logs meanwhile on the same thread - a function
-/// called by an argument - finds the channel's nested one.
+/// Errors: without memory a record is counted as dropped. Threads: any; a channel serves one thread.
 class NX_CORE_API nxLogChannel
 {
 public:
@@ -95,8 +77,8 @@ public:
             Urge(level);
     }
 
-    /// @return @p room with at least @p bytes free; the values written so far may have moved. With too little memory
-    ///         there is no room left.
+    /// @return @p room with at least @p bytes free; the values written so far may have moved. Without memory, or beyond
+    ///         the longest record, there is no room left.
     [[gnu::always_inline]] static nxLogRoom Grow(const nxLogRoom& room, std::size_t bytes) noexcept
     {
         return _GrowSlowly(room.channel, room.cursor, room.spill, bytes);
@@ -107,11 +89,10 @@ public:
     /// The same for a warning; programs that were built against version 1.0 call it.
     static void WakeWriter() noexcept;
 
-    /// What a record may count on when it is begun; what needs more may have to move.
+    /// The room in bytes that every record has when it is begun; one that needs more may have to move.
     static constexpr std::size_t MinimumRoom = 256;
 
-private:
-    friend class nxLogQueue;
+protected:
     nxLogChannel() = default;
 
     [[gnu::always_inline]] static void _WriteHeader(char* begin, const nxLogSource* source) noexcept
@@ -123,8 +104,8 @@ private:
         __builtin_prefetch(begin + _prefetchDistance, 1);
         __builtin_prefetch(begin + _prefetchDistance + 64, 1);
     }
-    // These take the parts of a room one by one: a room that is handed over as a whole has to stand in memory, and then
-    // it does so all the way.
+    // These take the parts of a room one by one: a room that is handed over as a whole has to be in memory, and then the
+    // compiler keeps it there from the beginning.
     [[gnu::cold, gnu::noinline]] static nxLogRoom _GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
                                                               std::size_t bytes) noexcept;
     [[gnu::cold, gnu::noinline]] static void _CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
@@ -136,27 +117,27 @@ private:
     static constexpr std::ptrdiff_t _prefetchDistance = 512;
 
     // The channel that a record of the calling thread goes to; null before the first one and while all its channels are
-    // taken. Initial-exec: read without a call, from whatever module the code is inlined into.
+    // taken. Initial-exec: read without a call, from any module that the code is inlined into.
     static constinit thread_local nxLogChannel* _current __attribute__((tls_model("initial-exec")));
 
     // Written by the filling thread only.
-    std::atomic<char*> _head{nullptr};              // where the next record will begin; what stands before is published
+    std::atomic<char*> _head{nullptr};              // where the next record will begin; all before it is published
     char* _limit = nullptr;                         // up to where it may write without looking
-    nxLogChannel* _nested = nullptr;                // who serves the thread while this one is taken
+    nxLogChannel* _nested = nullptr;                // the one that serves the thread while this one is taken
     const volatile unsigned* _processor = nullptr;  // the number of the processor the thread runs on
     nxLogSegment* _segment = nullptr;               // where the head is
-    std::atomic<bool> _ended{false};                // the thread is gone: nothing will follow
+    std::atomic<bool> _ended{false};                // the thread has ended: nothing will follow
 
-    // Written by the emptying thread only, while there are records. What it reads for each of them must stand here: a
-    // look at the lines above would take them from the filling thread every time.
-    alignas(64) std::atomic<char*> _tail{nullptr};  // what stands before is free again
+    // Written by the emptying thread only, while there are records. What it reads for each of them must be here: reading
+    // the cache line above would take it from the filling thread every time.
+    alignas(64) std::atomic<char*> _tail{nullptr};  // all before it is free again
     char* _read = nullptr;                          // the next record to be read
     char* _seen = nullptr;                          // the head as the current round found it
     nxLogSegment* _readSegment = nullptr;           // where _read is
-    unsigned _threadIndex = 0;                      // whose records they are
+    unsigned _threadIndex = 0;                      // of the filling thread
     bool _finished = false;                         // nothing more in this round
-    nxLogChannel* _nextInRound = nullptr;           // in the list of this round's channels
-    nxLogChannel* _next = nullptr;                  // in the list of all channels, under the queue's mutex
+    nxLogRing* _nextInRound = nullptr;              // in the list of this round's rings
+    nxLogRing* _next = nullptr;                     // in the list of all rings, under its mutex
 };
 
 #endif

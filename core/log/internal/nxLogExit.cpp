@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "core/log/internal/nxLogAwakeTime.h"
+#include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLimits.h"
-#include "core/log/internal/nxLogQueue.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/platform/nxStandardStream.h"
 #include "core/platform/nxThreadHooks.h"
@@ -51,7 +51,7 @@ void TellLostRecords(std::uint64_t lost)
     if (WriteOutInStep())
         return writer.BlockRoundsForGood();
     // A device has stalled, or there is no memory to write with.
-    if (const std::uint64_t lost = nxLogQueue::GetInstance().DropWaiting(writer.GetInHand()); lost != 0)
+    if (const std::uint64_t lost = nxLogChannelList::GetInstance().DropWaiting(writer.GetInHand()); lost != 0)
         TellLostRecords(lost);
 }
 }  // namespace

@@ -1,9 +1,12 @@
 #include "core/log/internal/nxLogFork.h"
 
+#include "core/log/internal/nxLogBackpressure.h"
 #include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogMerge.h"
+#include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogSourceTable.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/internal/nxLogWriterThread.h"
@@ -15,14 +18,16 @@ namespace
 void BeforeFork()
 {
     nxLogDeviceList::GetInstance().BeforeFork();
-    nxLogQueue::GetInstance().BeforeFork();
+    nxLogChannelList::GetInstance().BeforeFork();
+    nxLogRingMemory::GetInstance().BeforeFork();
     nxLogSourceTable::GetInstance().BeforeFork();
 }
 
 void AfterForkInParent()
 {
     nxLogSourceTable::GetInstance().AfterForkInParent();
-    nxLogQueue::GetInstance().AfterForkInParent();
+    nxLogRingMemory::GetInstance().AfterForkInParent();
+    nxLogChannelList::GetInstance().AfterForkInParent();
     nxLogDeviceList::GetInstance().AfterForkInParent();
 }
 
@@ -31,7 +36,10 @@ void AfterForkInChild()
     nxLogCounters::AfterForkInChild();
     nxLogBell::AfterForkInChild();
     nxLogSourceTable::GetInstance().AfterForkInChild();
-    nxLogQueue::GetInstance().AfterForkInChild();
+    const std::size_t bytesInUse = nxLogChannelList::GetInstance().AfterForkInChild();
+    nxLogRingMemory::GetInstance().AfterForkInChild(bytesInUse);
+    nxLogBackpressure::AfterForkInChild();
+    nxLogMerge::GetInstance().AfterForkInChild();
     nxLogWriter::GetInstance().AfterForkInChild();
     nxLogWriterThread::GetInstance().AfterForkInChild();
     nxLogDeviceList::GetInstance().AfterForkInChild();

@@ -31,6 +31,9 @@ struct nxLogLimits
     /// nxLogManager::WaitForWriteThreadToWriteQueueToDisk(): a day, in seconds.
     static constexpr double LongestWaitSeconds = 86'400;
 
+    /// nxLogManager: how long a thread waits for room in the queue while no device makes progress.
+    static constexpr std::int64_t RoomWithoutProgress = nxNanoseconds::PerSecond;
+
     /// nxLogManager: a thread inside a device waits no longer for another device.
     static constexpr std::int64_t DeviceInsideDevice = 100 * nxNanoseconds::PerMillisecond;
     /// nxLogManager::UnregisterLogDevice(): how long a thread waits for a device while the process ends.

@@ -4,31 +4,24 @@
 #include "core/log/inline/nxLogSource.h"
 #include "core/platform/nxClock.h"
 
-/// What devices and lines are made of: one record, wherever its bytes are. Owns nothing.
+/// A view of one record, wherever its bytes are: what devices are given and lines are made of.
+///
+/// Invariant: the place is either kept by the log, for the life of the process, or the record's own; file, values and end
+/// point to bytes that somebody else owns.
 struct nxLogRecord
 {
     unsigned level;
     nxClockTime time;
     unsigned threadIndex;
     unsigned processor;
-    const nxLogSource* source;      ///< Null for a record with a place of its own:
-    const char* ownFile = nullptr;  ///< terminated,
+    const nxLogSource* source;      ///< The kept place; null for a record with a place of its own:
+    const char* ownFile = nullptr;  ///< the file, terminated,
     unsigned ownLine = 0;           ///< and the line in it.
     const char* values;
     const char* end;
 
     const char* GetFile() const { return source != nullptr ? source->file : ownFile; }
     unsigned GetLine() const { return source != nullptr ? source->line : ownLine; }
-};
-
-/// What an nxLog has beyond the values of a statement, as it stands in the queue. The file follows with a NUL.
-struct nxLogObjectFields
-{
-    long long seconds;
-    unsigned nanoseconds;
-    unsigned threadIndex;
-    unsigned line;
-    unsigned fileSize;  ///< Without the NUL.
 };
 
 #endif

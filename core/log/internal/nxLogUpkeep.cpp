@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogSwitches.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
@@ -21,7 +22,7 @@ void ReportForManager(const nxLogLevelEnum& level, unsigned line, const Values&.
         return;
     nxLog record(level, "core/trunk/nxLogManager", line, nxTimeStamp::Now());
     (record << ... << values);
-    nxLogQueue::GetInstance().Write(record);
+    nxLogFilling::Write(nxLogConversion::View(record));
 }
 }  // namespace
 

@@ -5,9 +5,10 @@
 #include <utility>
 
 #include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogMerge.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWait.h"
 #include "core/platform/nxClock.h"
@@ -79,7 +80,7 @@ nxLogWriter::Outcome nxLogWriter::_DoRound(bool everything) noexcept
     nxClock::Recalibrate();
     // The round's records are fixed before its devices, so that a record which is reported after a device was registered
     // finds the device in the list.
-    nxLogQueue::GetInstance().BeginRound(everything);
+    nxLogMerge::GetInstance().Begin(everything);
     try
     {
         _PrepareBatches();
@@ -116,17 +117,17 @@ void nxLogWriter::_WriteEarlyRecords() noexcept
 // @return whether there was a record.
 bool nxLogWriter::_DeliverQueued() noexcept
 {
-    nxLogQueue& queue = nxLogQueue::GetInstance();
+    nxLogMerge& merge = nxLogMerge::GetInstance();
     nxLogBatches& batches = *_batches;
     nxLogRecord record;
     bool found = false;
     unsigned inHand = 0;
     const auto release = [&]
     {
-        queue.Release();
+        merge.GiveBackRoom();
         _inHand.store(inHand = 0, std::memory_order_relaxed);
     };
-    while (queue.Next(record))
+    while (merge.Next(record))
     {
         found = true;
         _inHand.store(++inHand, std::memory_order_relaxed);
@@ -161,7 +162,8 @@ bool nxLogWriter::WriteOutAtEnd() noexcept
 
 bool nxLogWriter::WriteOutAtEnd(nxLogAwakeTime& time) noexcept
 {
-    const bool nothingEver = nxLogBell::GetState() == nxLogBell::State::Stopped && nxLogQueue::GetInstance().IsEmpty();
+    const bool nothingEver =
+        nxLogBell::GetState() == nxLogBell::State::Stopped && nxLogChannelList::GetInstance().IsEmpty();
     // A thread that ends the process from inside a device cannot wait for itself.
     return nothingEver || (nxLogBell::CallerMayWait() && _WaitUntilReached(nxLogLimits::End, time, false));
 }
@@ -192,13 +194,14 @@ void nxLogWriter::BlockRoundsForGood() noexcept
 
 void nxLogWriter::CopyRecords(std::vector<nxLog>& records)
 {
-    nxLogQueue& queue = nxLogQueue::GetInstance();
+    nxLogChannelList& list = nxLogChannelList::GetInstance();
+    const auto copy = [&records](const nxLogRecord& record) { records.push_back(nxLogConversion::Borrow(record)); };
     // Records are kept only before the first device, and then no device can make a round long.
     if (_early.IsClosed() || !nxLogBell::CallerMayWait())
-        return queue.CopyRecords(records);
+        return list.VisitWaiting(copy);
     const nxMutexGuard guard(_roundMutex);
     records.insert(records.end(), _early.Get().begin(), _early.Get().end());
-    queue.CopyRecords(records);
+    list.VisitWaiting(copy);
 }
 
 void nxLogWriter::AfterForkInChild() noexcept

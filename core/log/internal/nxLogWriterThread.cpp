@@ -7,7 +7,7 @@
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogExit.h"
 #include "core/log/internal/nxLogLimits.h"
-#include "core/log/internal/nxLogQueue.h"
+#include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogUpkeep.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogDeferredWriteThread.h"
@@ -135,7 +135,7 @@ void nxLogWriterThread::Run() noexcept
         emptyLooks = nxLogWriter::GetInstance().RunRound() ? 0 : emptyLooks + 1;
         const bool busy = emptyLooks < emptyLooksUntilIdle;
         if (emptyLooks == emptyLooksUntilIdle)
-            nxLogQueue::GetInstance().Trim();
+            nxLogRingMemory::GetInstance().Trim();
         emptyLooks = std::min(emptyLooks, emptyLooksUntilIdle + 1);
         if (const std::int64_t now = nxClock::MonotonicNanoseconds(); !busy && now >= nextLookAround)
         {

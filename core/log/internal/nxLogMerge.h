@@ -1,0 +1,73 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGMERGE_H
+#define CORE_LOG_INTERNAL_NXLOGMERGE_H
+
+#include <cstdint>
+#include <limits>
+
+#include "core/log/internal/nxLogChannelList.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/platform/nxClock.h"
+
+/// Takes the records out of all rings, in rounds: Begin(), then Next() until there is none, then GiveBackRoom().
+///
+/// Invariant: within a round the records of each ring come in order, those of different rings in the order of their
+/// ticks, and none that was begun after Begin(). The bytes of a record stay until the next call of Next() or
+/// GiveBackRoom(). Tails move in GiveBackRoom(), and where a block or a segment has been read to its end.
+///
+/// Threads: one at a time, the one that holds the round.
+class nxLogMerge
+{
+public:
+    /// The merge of all rings of the process. Never destroyed.
+    static nxLogMerge& GetInstance() noexcept;
+    /// @param list, memory outlive the merge.
+    nxLogMerge(nxLogChannelList& list, nxLogRingMemory& memory) noexcept : _list(list), _memory(memory) {}
+
+    /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for the
+    /// next round, so that the threads' records go out in the order of time.
+    /// @param everything also those: asks no clock. The order across threads may then suffer.
+    void Begin(bool everything) noexcept;
+    /// @return whether there is another record: the oldest of those left.
+    bool Next(nxLogRecord& record) noexcept;
+    /// Gives the room of all that has been read back to the filling threads, and wakes those that wait for it.
+    void GiveBackRoom() noexcept;
+
+    /// The child has no round.
+    void AfterForkInChild() noexcept { _round = Round(); }
+
+private:
+    static constexpr std::uint64_t _noTicks = std::numeric_limits<std::uint64_t>::max();
+
+    // When a record was begun, seen from the round.
+    enum class Age
+    {
+        Due,
+        Later,        // belongs to the next round
+        ClockSetBack  // was stamped before the clock was set back; it does not wait for the clock to catch up
+    };
+
+    struct Round
+    {
+        nxLogRing* rings = nullptr;  // those that had records when it began
+        nxLogRing* current = nullptr;
+        char* block = nullptr;          // where the record is that Next() returned last, if not in the ring
+        std::uint64_t otherOldest = 0;  // up to these ticks `current` goes before another ring's turn
+        std::uint64_t cutOff = 0;       // records begun later belong to the next round
+        nxClockScale scale;
+        long long second = 0;  // of the statement that Next() returned last; most are of the same
+    };
+
+    static Age _GetAge(std::uint64_t ticks, std::uint64_t cutOff) noexcept;
+    const char* _AdvanceToRecord(nxLogRing& ring) noexcept;
+    void _FollowJump(nxLogRing& ring) noexcept;
+    bool _IsCurrentStillOldest() const noexcept;
+    void _ChooseRing() noexcept;
+    void _ChooseOldest() noexcept;
+    void _FreeBlock() noexcept;
+
+    nxLogChannelList& _list;
+    nxLogRingMemory& _memory;
+    Round _round;
+};
+
+#endif

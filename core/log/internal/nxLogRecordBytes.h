@@ -1,0 +1,118 @@
+#ifndef CORE_LOG_INTERNAL_NXLOGRECORDBYTES_H
+#define CORE_LOG_INTERNAL_NXLOGRECORDBYTES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "core/log/inline/nxLogRecordHeader.h"
+#include "core/log/internal/nxLogRecord.h"
+#include "core/platform/nxClock.h"
+
+/// What an nxLog has beyond the values of a statement, as it is queued. The file follows with a NUL.
+struct nxLogObjectFields
+{
+    long long seconds;
+    unsigned nanoseconds;
+    unsigned threadIndex;
+    unsigned line;
+    unsigned fileSize;  ///< Without the NUL.
+};
+
+/// Reads and writes queued records. They begin at any multiple of 8 bytes.
+///
+/// Invariant: the size in a record's header counts header and values; the next record, or a jump to it, is where this
+/// size, rounded up to 8, ends.
+///
+/// Threads: no state.
+class nxLogRecordBytes
+{
+public:
+    nxLogRecordBytes() = delete;
+
+    static constexpr std::size_t JumpSize = 16;                                              ///< Bytes of a jump.
+    static constexpr std::size_t ElsewhereSize = sizeof(nxLogRecordHeader) + sizeof(char*);  ///< Of such a record.
+
+    static constexpr std::size_t RoundUp(std::size_t size) { return (size + 7) & ~std::size_t{7}; }
+    /// The bytes from @p begin to @p end, which is not before it.
+    static std::size_t Count(const char* begin, const char* end) { return static_cast<std::size_t>(end - begin); }
+
+    static nxLogRecordHeader ReadHeader(const char* bytes) { return _Read<nxLogRecordHeader>(bytes); }
+    static void WriteHeader(char* bytes, const nxLogRecordHeader& header)
+    {
+        std::memcpy(bytes, &header, sizeof header);
+    }
+    static std::uint32_t ReadSize(const char* bytes)
+    {
+        return _Read<std::uint32_t>(bytes + offsetof(nxLogRecordHeader, size));
+    }
+    static std::uint64_t ReadTicks(const char* bytes)
+    {
+        return _Read<std::uint64_t>(bytes + offsetof(nxLogRecordHeader, ticks));
+    }
+    static nxLogRecordHeader::Kind ReadKind(const char* bytes)
+    {
+        return static_cast<nxLogRecordHeader::Kind>(bytes[offsetof(nxLogRecordHeader, kind)]);
+    }
+
+    /// Where a jump leads.
+    static char* ReadJump(const char* bytes) { return _Read<char*>(bytes + _jumpTarget); }
+    static void WriteJump(char* at, char* target)
+    {
+        at[offsetof(nxLogRecordHeader, kind)] = nxLogRecordHeader::Jump;
+        std::memcpy(at + _jumpTarget, &target, sizeof target);
+    }
+
+    /// The block of a record that is Elsewhere.
+    static char* ReadBlock(const char* bytes) { return _Read<char*>(bytes + sizeof(nxLogRecordHeader)); }
+    /// Writes the ElsewhereSize bytes that refer to @p block, which holds a record.
+    static void WriteElsewhere(char* out, char* block) noexcept;
+
+    /// The bytes that WriteObject() writes for @p record.
+    static std::size_t GetObjectSize(const nxLogRecord& record) noexcept;
+    /// Writes a record with a place of its own, as handed over now. @param size is GetObjectSize().
+    static void WriteObject(char* out, const nxLogRecord& record, std::size_t size) noexcept;
+
+    /// Sets @p record to what @p bytes hold, a Statement or an Object.
+    /// @param threadIndex of the thread that filled the ring; an Object has its own.
+    /// @param scale turns ticks into times. @param second of the last record that was decoded, or 0; most are of the
+    ///        same. Changed to this one's.
+    [[gnu::always_inline]] static void Decode(nxLogRecord& record, const char* bytes, unsigned threadIndex,
+                                              const nxClockScale& scale, long long& second) noexcept
+    {
+        record.level = static_cast<std::uint8_t>(bytes[offsetof(nxLogRecordHeader, level)]);
+        record.processor = _Read<std::uint16_t>(bytes + offsetof(nxLogRecordHeader, processor));
+        record.values = bytes + sizeof(nxLogRecordHeader);
+        record.end = bytes + ReadSize(bytes);
+        if (ReadKind(bytes) == nxLogRecordHeader::Statement) [[likely]]
+        {
+            record.time = scale.ToTimeNear(ReadTicks(bytes), second);
+            second = record.time.seconds;
+            record.threadIndex = threadIndex;
+            record.source = _Read<const nxLogSource*>(bytes + offsetof(nxLogRecordHeader, source));
+            return;
+        }
+        const auto fields = _Read<nxLogObjectFields>(record.values);
+        record.time = {fields.seconds, fields.nanoseconds};
+        record.threadIndex = fields.threadIndex;
+        record.source = nullptr;
+        record.ownFile = record.values + sizeof fields;
+        record.ownLine = fields.line;
+        record.values = record.ownFile + fields.fileSize + 1;
+    }
+
+private:
+    // After the byte that says that it is a jump.
+    static constexpr std::size_t _jumpTarget = JumpSize - sizeof(char*);
+    static_assert(offsetof(nxLogRecordHeader, kind) < _jumpTarget);
+
+    template <class Value>
+    static Value _Read(const char* bytes)
+    {
+        Value value;
+        std::memcpy(&value, bytes, sizeof value);
+        return value;
+    }
+};
+
+#endif
