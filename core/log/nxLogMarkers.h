@@ -7,14 +7,14 @@
 #include "core/text/nxStringHelper.h"
 #include "core/text/nxValueWrapper.h"
 
-/// What can be streamed into a record without becoming part of its message. Spelled as members of nxLog:
+/// Values that can be streamed into a record without becoming part of its message. They are named as members of nxLog:
 /// `record << nxLog::nxLogDestinationUserID(7)`.
 struct nxLogMarkers
 {
     /// The user that a record is meant for.
     struct nxLogDestinationUserID
     {
-        /// @param userID the user, or null for nobody in particular.
+        /// @param userID the user, or null for no particular user.
         explicit nxLogDestinationUserID(const nxValueWrapper<unsigned>& userID) : destinationUserID(userID) {}
 
         nxValueWrapper<unsigned> destinationUserID;  ///< The user.
@@ -23,7 +23,7 @@ struct nxLogMarkers
     /// The application that a record comes from and the user that it is meant for.
     struct nxLogSourceApplicationDestUserID
     {
-        /// @param application its name. @param userID the user, or null for nobody in particular.
+        /// @param application its name. @param userID the user, or null for no particular user.
         nxLogSourceApplicationDestUserID(std::string application, const nxValueWrapper<unsigned>& userID)
             : sourceApplication(std::move(application)), destinationUserID(userID)
         {

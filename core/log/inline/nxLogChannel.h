@@ -22,15 +22,15 @@ struct nxLogRoom
     class nxLogChannel* channel;  ///< The channel that the statement has taken; null when there was no memory for one.
     char* cursor;                 ///< Where the next value goes.
     char* end;                    ///< The end of the room.
-    nxLogSpill* spill;            ///< The block, when the channel's own room did not do.
+    nxLogSpill* spill;            ///< The block, when the channel's own room did not suffice.
 };
 
 /// The way of one thread's records to the deferred-write thread, as statements see it: a ring in memory that one thread
 /// fills and one empties, without a lock. What need not be inline in every statement is in nxLogRing.
 ///
 /// Invariant: a statement holds one channel, from Open() to Close(). What is logged meanwhile on the same thread, by a
-/// function that an argument calls or by a signal handler, goes to the channel's nested one. Open() never waits; Close()
-/// may.
+/// function that an argument calls or by a signal handler, goes to the channel's nested one. Open() never waits;
+/// Close() may.
 ///
 /// Errors: without memory a record is counted as dropped. Threads: any; a channel serves one thread.
 class NX_CORE_API nxLogChannel
@@ -84,9 +84,9 @@ public:
         return _GrowSlowly(room.channel, room.cursor, room.spill, bytes);
     }
 
-    /// Has the calling thread's record, of @p level, written at once.
+    /// Has the calling thread's last record, of @p level, written at once; waits for a fatal one.
     static void Urge(nxEnumValue level) noexcept;
-    /// The same for a warning; programs that were built against version 1.0 call it.
+    /// The same for a warning. Programs that were built with version 1.0 call it.
     static void WakeWriter() noexcept;
 
     /// The room in bytes that every record has when it is begun; one that needs more may have to move.
@@ -100,12 +100,12 @@ protected:
         const std::uint64_t ticks = nxClock::Ticks();
         std::memcpy(begin + 8, &ticks, sizeof ticks);
         std::memcpy(begin + 16, &source, sizeof source);
-        // The record after next: its lines were last read by the other thread, so fetch them back in good time.
+        // The cache lines of the record after next were last read by the other thread, so fetch them back in good time.
         __builtin_prefetch(begin + _prefetchDistance, 1);
         __builtin_prefetch(begin + _prefetchDistance + 64, 1);
     }
-    // These take the parts of a room one by one: a room that is handed over as a whole has to be in memory, and then the
-    // compiler keeps it there from the beginning.
+    // These take the parts of a room one by one: a room that is handed over as a whole has to be in memory, and then
+    // the compiler keeps it there from the beginning.
     [[gnu::cold, gnu::noinline]] static nxLogRoom _GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
                                                               std::size_t bytes) noexcept;
     [[gnu::cold, gnu::noinline]] static void _CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
@@ -128,8 +128,8 @@ protected:
     nxLogSegment* _segment = nullptr;               // where the head is
     std::atomic<bool> _ended{false};                // the thread has ended: nothing will follow
 
-    // Written by the emptying thread only, while there are records. What it reads for each of them must be here: reading
-    // the cache line above would take it from the filling thread every time.
+    // Written by the emptying thread only, while there are records. What it reads for each of them must be here:
+    // reading the cache line above would take it from the filling thread every time.
     alignas(64) std::atomic<char*> _tail{nullptr};  // all before it is free again
     char* _read = nullptr;                          // the next record to be read
     char* _seen = nullptr;                          // the head as the current round found it

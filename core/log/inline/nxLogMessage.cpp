@@ -55,7 +55,7 @@ void nxLogMessage::_AppendValues(const nxLogMessage& other) noexcept
     const auto size = static_cast<std::size_t>(other._cursor - other._values);
     if (size == 0)
         return;
-    // Past the limit on lengths, which the other one has kept, its mark of a cut included.
+    // No length check: the other message respected the limit, the mark of a cut included.
     if (static_cast<std::size_t>(_end - _cursor) < size && !_Enlarge(static_cast<std::size_t>(_cursor - _file) + size))
         return _Cut();
     std::memcpy(_cursor, other._values, size);
@@ -68,10 +68,10 @@ void nxLogMessage::_AppendValues(const nxLogMessage& other) noexcept
 void nxLogMessage::ClearMessage() noexcept
 {
     char* kept = const_cast<char*>(_values);
-    const bool isLent = _block == nullptr && _file != _own;
-    for (nxLogValueReader value(_values, _cursor); !isLent && value.Next();)
+    const bool isBorrowed = _block == nullptr && _file != _own;
+    for (nxLogValueReader value(_values, _cursor); !isBorrowed && value.Next();)
     {
-        // Both with their tags, one of them with its size in front.
+        // With its tag, and a text with its length as well.
         const char* begin = value.GetBytes() - 1;
         const char* end = value.GetBytes() + sizeof(std::uint32_t);
         if (value.GetTag() == nxLogTag::SourceApplication)
@@ -90,7 +90,7 @@ void nxLogMessage::ClearMessage() noexcept
 
 bool nxLogMessage::_Grow(std::size_t bytes) noexcept
 {
-    // A message that has been cut takes nothing more.
+    // A message that was cut takes no more values.
     if (_isCut)
         return false;
     const auto size = static_cast<std::size_t>(_cursor - _file);
@@ -101,7 +101,7 @@ bool nxLogMessage::_Grow(std::size_t bytes) noexcept
     return false;
 }
 
-// Takes a block for so many bytes and the mark of a cut.
+// Moves the message to a block for `bytes` bytes and the mark of a cut.
 bool nxLogMessage::_Enlarge(std::size_t bytes) noexcept
 {
     const char* const begin = _file;

@@ -5,22 +5,26 @@
 
 #include "core/nxExport.h"
 
-/// The bytes of one log record: the source file's name, then the values. Held in the object itself while they are few,
-/// in a block of its own when they are many, or lent by the log's queue. Internal to the log.
+/// The bytes of one log record: the source file's name, then the values. They are in the object itself while they are
+/// few, in a block of its own when they are many, or lent by the log's queue.
 ///
-/// Errors: without memory the bytes end early. Threads: like a string.
+/// Invariant: the file's name is terminated, and there is always room for the mark of a cut. A message that was cut
+/// takes no more values.
+///
+/// Errors: without memory the values end early. Threads: like a string.
 class NX_CORE_API nxLogMessage
 {
 public:
-    /// @param file is copied, at most MaximumFileSize bytes of it; null is as empty.
+    /// @param file is copied, at most MaximumFileSize bytes of it; null counts as empty.
     explicit nxLogMessage(const char* file) noexcept;
-    /// Lends bytes that live longer than the object and are not changed: values alone, the file stands elsewhere.
+    /// Borrows bytes that live longer than the object and are not changed: @p file, and the values from @p begin to @p
+    /// end.
     nxLogMessage(const char* file, const char* begin, const char* end) noexcept;
-    nxLogMessage(const nxLogMessage& other) noexcept;             ///< Owns a copy of the bytes, lent or not.
-    nxLogMessage& operator=(const nxLogMessage& other) noexcept;  ///< A copy of the bytes, lent or not.
+    nxLogMessage(const nxLogMessage& other) noexcept;             ///< Owns a copy of the bytes, borrowed or not.
+    nxLogMessage& operator=(const nxLogMessage& other) noexcept;  ///< Owns a copy of the bytes, borrowed or not.
     ~nxLogMessage();
 
-    /// Room for @p bytes more; null when there is no memory or the message is as long as one may be.
+    /// @return room for @p bytes more; null without memory, or when the message would become too long.
     [[gnu::always_inline]] char* Take(std::size_t bytes) noexcept
     {
         if (static_cast<std::size_t>(_end - _cursor) < bytes && !_Grow(bytes)) [[unlikely]]
@@ -33,12 +37,12 @@ public:
     const char* GetFile() const { return _file; }      ///< Terminated; moves when the message grows.
     const char* GetValues() const { return _values; }  ///< The first byte of the values.
     const char* GetEnd() const { return _cursor; }     ///< The end of the values.
-    /// Keeps the file, and of the values destination user and source application. Lent bytes are let go altogether.
+    /// Keeps the file, and of the values destination user and source application. Of borrowed values none is kept.
     void ClearMessage() noexcept;
 
-    /// The most bytes that the values of one record may take, beside the file's name: more than a message that is cut can use.
+    /// The most bytes that the values of one record may take: more than a message that is cut for its length can use.
     static constexpr std::size_t MaximumSize = (std::size_t{1} << 21) + 4096;
-    static constexpr std::size_t MaximumFileSize = 16'384;  ///< Of the file's name.
+    static constexpr std::size_t MaximumFileSize = 16'384;  ///< Bytes of the file's name that are kept.
 
 private:
     void _Start(const char* file) noexcept;
@@ -47,7 +51,7 @@ private:
     bool _Enlarge(std::size_t bytes) noexcept;
     void _Cut() noexcept;
 
-    // File, NUL, values, one after the other in _own or in _block; or lent, in two places.
+    // File, NUL and values one after the other in _own or in _block; or borrowed, in two places.
     const char* _file;
     const char* _values;
     char* _cursor;

@@ -6,16 +6,18 @@
 
 #include "core/nxExport.h"
 
-/// The place of a reporting statement as the log keeps it: one object for each file and line, for the life of the
-/// process, so that a queued record can point to it even when the plug-in that reported is gone.
+/// The place of a reporting statement as the log keeps it.
+///
+/// Invariant: there is one object for each file and line, and it is never freed or changed. So a queued record can
+/// point to it even when the plug-in that reported has been unloaded.
 struct nxLogSource
 {
     const char* file;        ///< The library's own copy, terminated.
     unsigned line;           ///< The line in the file.
     const char* suffix;      ///< How full lines end: " [core/trunk/nxMutex:107]", escaped as in a message.
-    std::size_t suffixSize;  ///< The bytes of the suffix. SuffixRoom of them may be read in any case.
+    std::size_t suffixSize;  ///< Bytes of the suffix. At least SuffixRoom bytes may be read.
 
-    static constexpr std::size_t SuffixRoom = 64;  ///< Copying so many costs less than copying the right number.
+    static constexpr std::size_t SuffixRoom = 64;  ///< Copying this many costs less than the right number.
 };
 
 /// The static part of one reporting statement. Use the macros of nxLogMacros.h.
@@ -25,7 +27,7 @@ public:
     /// @param file a literal. @param line its line.
     constexpr nxLogSite(const char* file, unsigned line) noexcept : _file(file), _line(line) {}
 
-    /// The kept place; made by the first statement that runs here.
+    /// @return the kept place; the first statement that runs here has it made.
     const nxLogSource* GetSource() noexcept
     {
         const nxLogSource* const source = _source.load(std::memory_order_acquire);

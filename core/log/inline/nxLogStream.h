@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "core/enum/nxEnum.h"
+#include "core/log/inline/nxLogTag.h"
 #include "core/log/inline/nxLogTexts.h"
 #include "core/log/nxLogCharLenPair.h"
 #include "core/log/nxLogMarkers.h"
@@ -18,26 +19,6 @@
 #include "core/text/inline/nxTextTraits.h"
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxValueWrapper.h"
-
-/// How values stand in a record: a tag, then the value's bytes as they are in memory. Internal to the log.
-enum class nxLogTag : std::uint8_t
-{
-    Cut,                ///< The message was longer than allowed, or memory ran out. Nothing follows.
-    End,                ///< nxLogTerminator. What follows does not count.
-    Text,               ///< A 32-bit length and the bytes.
-    True,               ///< Nothing more.
-    False,              ///< Nothing more.
-    Signed32,           ///< 4 bytes.
-    Unsigned32,         ///< 4 bytes.
-    Signed64,           ///< 8 bytes.
-    Unsigned64,         ///< 8 bytes.
-    Double,             ///< 8 bytes.
-    Address,            ///< 8 bytes.
-    Decimal,            ///< The 16 bytes of an nxDecimal.
-    KeptText,           ///< A pointer to a std::string that lives as long as the process.
-    DestinationUser,    ///< 4 bytes; not part of the message.
-    SourceApplication,  ///< A 32-bit length and the bytes; not part of the message.
-};
 
 /// The values that can be streamed into a log record, for nxLog and for the statements of NX_LOG alike.
 ///
@@ -56,7 +37,7 @@ public:
         return _Self();
     }
 
-    /// A decimal number, as all integers: 'a' is 97. In a statement of NX_LOG the compiler warns of it.
+    /// A decimal number, like all integers: 'a' is 97. In a statement of NX_LOG the compiler warns about it.
     [[gnu::always_inline]] Record& operator<<(char value) { return *this << static_cast<int>(value); }
     /// @copydoc operator<<(char)
     [[gnu::always_inline]] Record& operator<<(signed char value) { return *this << static_cast<int>(value); }
@@ -67,9 +48,9 @@ public:
     /// A decimal number.
     [[gnu::always_inline]] Record& operator<<(unsigned short value) { return *this << static_cast<int>(value); }
     /// A decimal number.
-    [[gnu::always_inline]] Record& operator<<(int value) { return _Put(nxLogTag::Signed32, value); }
+    [[gnu::always_inline]] Record& operator<<(int value) { return _Put<nxLogTag::Signed32>(value); }
     /// A decimal number.
-    [[gnu::always_inline]] Record& operator<<(unsigned int value) { return _Put(nxLogTag::Unsigned32, value); }
+    [[gnu::always_inline]] Record& operator<<(unsigned int value) { return _Put<nxLogTag::Unsigned32>(value); }
     /// A decimal number.
     [[gnu::always_inline]] Record& operator<<(long value) { return *this << static_cast<long long>(value); }
     /// A decimal number.
@@ -78,11 +59,11 @@ public:
         return *this << static_cast<unsigned long long>(value);
     }
     /// A decimal number.
-    [[gnu::always_inline]] Record& operator<<(long long value) { return _Put(nxLogTag::Signed64, value); }
+    [[gnu::always_inline]] Record& operator<<(long long value) { return _Put<nxLogTag::Signed64>(value); }
     /// A decimal number.
-    [[gnu::always_inline]] Record& operator<<(unsigned long long value) { return _Put(nxLogTag::Unsigned64, value); }
+    [[gnu::always_inline]] Record& operator<<(unsigned long long value) { return _Put<nxLogTag::Unsigned64>(value); }
     /// A number as nxStringHelper::GetAsString(double) writes it.
-    [[gnu::always_inline]] Record& operator<<(double value) { return _Put(nxLogTag::Double, value); }
+    [[gnu::always_inline]] Record& operator<<(double value) { return _Put<nxLogTag::Double>(value); }
 
     /// Text as it is, up to its NUL; null is as empty.
     [[gnu::always_inline]] Record& operator<<(const char* text)
@@ -108,20 +89,20 @@ public:
     /// The short description of an enumeration's constant, as its enumeration prints it.
     [[gnu::always_inline]] Record& operator<<(nxEnumValue value)
     {
-        return _Put(nxLogTag::KeptText, &nxEnum::GetShortDescriptionOf(value));
+        return _Put<nxLogTag::KeptText>(&nxEnum::GetShortDescriptionOf(value));
     }
-    /// Would come out as an address, as "TRUE" or as a number although it is a text: convert it to what is meant.
+    /// A text that would be logged as an address, as "TRUE" or as a number: convert it to what is meant.
     template <nxMisprinted Value>
     Record& operator<<(Value value) = delete;
 
     /// An address: "0x" and hexadecimal digits, small letters.
-    [[gnu::always_inline]] Record& operator<<(const void* address) { return _Put(nxLogTag::Address, address); }
+    [[gnu::always_inline]] Record& operator<<(const void* address) { return _Put<nxLogTag::Address>(address); }
 
     /// The log form, with '.' as separator: the number, "NULL" or "NO_CHANGE".
     [[gnu::always_inline]] Record& operator<<(const nxDecimal& value)
     {
         static_assert(std::is_trivially_copyable_v<nxDecimal>);
-        return _Put(nxLogTag::Decimal, value);
+        return _Put<nxLogTag::Decimal>(value);
     }
     /// The number, "NULL" or "NO_CHANGE".
     template <class Integer, Integer NullMark, Integer NoChangeMark>
@@ -151,7 +132,7 @@ public:
     /// The short description of an enumeration or error code.
     [[gnu::always_inline]] Record& operator<<(const nxEnum& value)
     {
-        return _Put(nxLogTag::KeptText, &value.GetShortDescription());
+        return _Put<nxLogTag::KeptText>(&value.GetShortDescription());
     }
     /// The short descriptions of the flags that are set, with a blank between them.
     Record& operator<<(const nxBitMask& mask) { return *this << nxLogTexts::Get(mask); }
@@ -161,15 +142,15 @@ public:
     /// Sets the destination user of the record; adds nothing to the message.
     Record& operator<<(const nxLogMarkers::nxLogDestinationUserID& marker)
     {
-        return _Put(nxLogTag::DestinationUser, static_cast<unsigned>(marker.destinationUserID));
+        return _Put<nxLogTag::DestinationUser>(static_cast<unsigned>(marker.destinationUserID));
     }
     /// Sets source application and destination user of the record; adds nothing to the message.
     Record& operator<<(const nxLogMarkers::nxLogSourceApplicationDestUserID& marker)
     {
         _PutText(nxLogTag::SourceApplication, marker.sourceApplication.data(), marker.sourceApplication.size());
-        return _Put(nxLogTag::DestinationUser, static_cast<unsigned>(marker.destinationUserID));
+        return _Put<nxLogTag::DestinationUser>(static_cast<unsigned>(marker.destinationUserID));
     }
-    /// Ends the record: what is streamed after it is left out.
+    /// Ends the record: values that are streamed after it are left out.
     Record& operator<<(nxLogMarkers::nxLogTerminator)
     {
         if (char* const at = _Self()._Take(1))
@@ -183,10 +164,11 @@ protected:
     nxLogStream(const nxLogStream&) = default;             ///< The values are the record's: nothing to copy here.
     nxLogStream& operator=(const nxLogStream&) = default;  ///< The values are the record's: nothing to copy here.
 
-    /// Puts @p value behind @p tag.
-    template <class Value>
-    [[gnu::always_inline]] Record& _Put(nxLogTag tag, const Value& value)
+    /// Puts a tag and @p value.
+    template <nxLogTag tag, class Value>
+    [[gnu::always_inline]] Record& _Put(const Value& value)
     {
+        static_assert(sizeof value == nxLogSizeOf(tag));
         if (char* const at = _Self()._Take(1 + sizeof value))
         {
             *at = static_cast<char>(tag);
@@ -195,10 +177,10 @@ protected:
         return _Self();
     }
 
-    /// Puts text behind @p tag and its length.
+    /// Puts @p tag, the text's length and the text.
     [[gnu::always_inline]] Record& _PutText(nxLogTag tag, const char* text, std::size_t size)
     {
-        // One byte more than a message may have, so that the writer notices and marks the cut.
+        // One byte more than a message may have, so that the deferred-write thread notices and marks the cut.
         size = std::min(size, MaximumText + 1);
         if (char* const at = _Self()._Take(1 + sizeof(std::uint32_t) + size))
         {
@@ -214,12 +196,13 @@ protected:
     static constexpr std::size_t MaximumText = std::size_t{1} << 20;
 
 private:
-    // memcpy for texts that are mostly short: up to 16 bytes are two pieces that may overlap, without a call.
+    // A memcpy for texts that are mostly short: up to 16 bytes are copied without a call, as two pieces that may
+    // overlap.
     [[gnu::always_inline]] static void _Copy(char* to, const char* from, std::size_t size)
     {
         if (size > 16)
         {
-            // Keeps compilers that do not optimise from warning of this branch, which a short literal never takes.
+            // Without optimisation compilers would warn about this branch, which a short literal never takes.
             __asm__("" : "+r"(from));
             std::memcpy(to, from, size);
         }

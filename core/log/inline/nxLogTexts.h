@@ -14,17 +14,16 @@ class nxStringValue;
 class nxTime;
 class nxTimeStamp;
 
-/// The texts of the values whose text is made by the caller rather than by the deferred-write thread. Internal to the
-/// log.
+/// The texts of the values whose text is made by the reporting thread rather than by the deferred-write thread.
 ///
-/// Errors: empty without memory.
+/// Errors: empty without memory. Threads: no state.
 class NX_CORE_API nxLogTexts
 {
 public:
     nxLogTexts() = delete;
 
-    static std::string Get(const nxBitMask& mask) noexcept;         ///< The short descriptions, with blanks between.
-    static std::string Get(const nxBitMask64& mask) noexcept;       ///< The short descriptions, with blanks between.
+    static std::string Get(const nxBitMask& mask) noexcept;         ///< The short descriptions, separated by blanks.
+    static std::string Get(const nxBitMask64& mask) noexcept;       ///< The short descriptions, separated by blanks.
     static std::string Get(const nxMoney& money) noexcept;          ///< The log form.
     static std::string Get(const nxStringValue& value) noexcept;    ///< The log form.
     static std::string Get(const nxDate& date) noexcept;            ///< The log form.

@@ -6,9 +6,11 @@
 
 #include "core/platform/nxClock.h"
 
-/// How long a thread has waited, not counting time in which the process itself did not run. A process that is stopped, or
-/// kept from its processor for seconds, finds all that time gone at its next look. That says nothing about the device
-/// that it waits for, which did not run either. So the time between two looks counts for at most LongestLook.
+/// How long a thread has waited, not counting time in which the process itself did not run. A process that is stopped,
+/// or kept from its processor for seconds, finds all that time gone at its next look. That says nothing about the
+/// device that it waits for, which did not run either. So the time between two looks counts for at most LongestLook.
+///
+/// Invariant: the time never goes back, and one look adds LongestLook at most.
 ///
 /// Threads: none.
 class nxLogAwakeTime

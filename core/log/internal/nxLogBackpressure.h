@@ -11,7 +11,8 @@
 
 /// Makes threads that report wait while the queue is full.
 ///
-/// Invariant: after one thread has waited nxLogLimits::RoomWithoutProgress without progress, no thread waits until there is some.
+/// Invariant: after one thread has waited nxLogLimits::RoomWithoutProgress without progress, no thread waits until
+/// there is some.
 ///
 /// Threads: any.
 class nxLogBackpressure

@@ -6,8 +6,8 @@
 
 #include "core/enum/nxEnumValue.h"
 
-/// Calls the deferred-write thread, and tells whether it runs. This is all that the parts which fill the queue know of
-/// the parts which empty it.
+/// Wakes the deferred-write thread, and tells whether it runs. The parts that fill the queue know no more than this
+/// about the parts that empty it.
 ///
 /// Invariant: a bell that rings before the deferred-write thread sleeps keeps it awake; a thread that writes records
 /// itself, or that is inside a device, never waits for the deferred-write thread.
@@ -23,7 +23,7 @@ public:
     {
         Stopped,
         Running,
-        Stopping  ///< It is to end, and has not looked yet.
+        Stopping  ///< It runs, and ends at its next look.
     };
 
     static State GetState() noexcept { return _state.load(std::memory_order_acquire); }
@@ -37,12 +37,12 @@ public:
 
     /// Makes the deferred-write thread look at the queue at once.
     static void Ring() noexcept;
-    /// Returns when the bell rings or has rung since the last call, after @p nanoseconds, or for no reason. Called by the
-    /// deferred-write thread.
+    /// Returns when the bell rings or has rung since the last call, after @p nanoseconds, or for no reason. Called by
+    /// the deferred-write thread.
     static void Sleep(std::int64_t nanoseconds) noexcept;
 
-    /// Whether the calling thread may wait for records to be written: it does not write them itself, and is not inside a
-    /// device.
+    /// Whether the calling thread may wait for records to be written: it does not write them itself, and is not inside
+    /// a device.
     static bool CallerMayWait() noexcept { return !IsCallerWriter() && !IsCallerInsideDevice(); }
     static bool IsCallerWriter() noexcept;
     static bool IsCallerInsideDevice() noexcept;
@@ -51,15 +51,15 @@ public:
     /// The calling thread has entered a device, or has left the last one that it was inside.
     static void SetCallerInsideDevice(bool isInside) noexcept;
 
-    // Declared here for those who ring; defined by nxLogWriter, which does the work.
+    // Declared here for the parts that ring, and defined with the writer, which does the work.
 
     /// Starts the deferred-write thread, which did not run a moment ago. Never waits for it. @return whether it runs.
     static bool Start() noexcept;
     /// Does one round in the calling thread, if it may wait and gets its turn within @p limit nanoseconds.
     static void RunRoundHere(std::int64_t limit = 0) noexcept;
-    /// Has what the calling thread has just queued, a record of @p level, on its way to the operating system at once:
-    /// by the deferred-write thread, or while that cannot be started by the calling thread itself. Waits for a fatal
-    /// record, a tenth of a second at most, until it is there: the process may not live to see another round.
+    /// Has a record of @p level, which the calling thread has just queued, written at once: by the deferred-write
+    /// thread, or by the calling thread itself while that cannot be started. Waits until a fatal record is written, a
+    /// tenth of a second at most, because the process may end before the next round.
     static void Urge(nxEnumValue level) noexcept;
 
     /// The child has no deferred-write thread yet.
@@ -67,7 +67,7 @@ public:
 
 private:
     static constinit std::atomic<State> _state;
-    static constinit std::atomic<std::uint32_t> _word;  // what the deferred-write thread sleeps on
+    static constinit std::atomic<std::uint32_t> _word;  // the deferred-write thread sleeps on it
 };
 
 #endif

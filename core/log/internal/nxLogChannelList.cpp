@@ -122,8 +122,8 @@ std::uint64_t nxLogChannelList::DropWaiting(std::uint64_t inHand) noexcept
 std::size_t nxLogChannelList::AfterForkInChild() noexcept
 {
     nxMutexInChild::Renew(_mutex);
-    // Rings of the parent's other threads are abandoned: their contents may be half written. They are kept in a list, for
-    // leak checkers.
+    // Rings of the parent's other threads are abandoned: their contents may be half written. They are kept in a list,
+    // for leak checkers.
     [[gnu::used]] static nxLogRing* abandoned;
     while (_rings != nullptr)
     {

@@ -11,7 +11,8 @@
 /// Invariant: every ring is in the list once, from its making until its thread has ended and it is empty. A thread's
 /// rings are chained from the outermost on, in the order in which nested statements take them.
 ///
-/// Errors: null without memory. Threads: any. Ownership: rings are owned by the list, and are never freed but used again.
+/// Errors: null without memory. Threads: any. Ownership: rings are owned by the list, and are never freed but used
+/// again.
 class nxLogChannelList
 {
 public:
@@ -33,12 +34,12 @@ public:
 
     /// Whether no ring holds a record.
     bool IsEmpty() noexcept;
-    /// Calls @p visit with a view of every record that waits. The order is kept within each thread. What @p visit throws
-    /// comes through.
+    /// Calls @p visit with a view of every record that waits. The order is kept within each thread. What @p visit
+    /// throws comes through.
     template <class Visitor>
     void VisitWaiting(const Visitor& visit);
-    /// Counts as dropped all records that wait, except @p inHand that the writer has given to devices: at the end of the
-    /// process no thread will write them. @return how many these are.
+    /// Counts as dropped all records that wait, except @p inHand that the writer has given to devices: at the end of
+    /// the process no thread will write them. @return how many these are.
     std::uint64_t DropWaiting(std::uint64_t inHand) noexcept;
 
     void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }

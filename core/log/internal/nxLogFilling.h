@@ -8,7 +8,8 @@
 
 /// Queues whole records: those that did not fit where their statements began, and those of nxLog objects.
 ///
-/// Invariant: a record is in its ring completely, or else in a block that the ring refers to, or it is counted as dropped.
+/// Invariant: a record is in its ring completely, or else in a block that the ring refers to, or it is counted as
+/// dropped.
 ///
 /// Threads: any; each fills rings of its own. May wait for room.
 class nxLogFilling

@@ -27,8 +27,8 @@ nxLogMerge& nxLogMerge::GetInstance() noexcept
 void nxLogMerge::Begin(bool everything) noexcept
 {
     _round.scale = nxClock::GetScale();
-    // Before the heads are read: whatever was begun earlier and is published by now is in this round. A round that takes
-    // everything does not ask the clocks, which may differ from processor to processor.
+    // Before the heads are read: whatever was begun earlier and is published by now is in this round. A round that
+    // takes everything does not ask the clocks, which may differ from processor to processor.
     _round.cutOff = everything ? _noTicks : nxClock::Ticks() - counterSkew;
     _round.rings = nullptr;
     _round.current = nullptr;

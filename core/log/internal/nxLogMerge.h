@@ -23,8 +23,8 @@ public:
     /// @param list, memory outlive the merge.
     nxLogMerge(nxLogChannelList& list, nxLogRingMemory& memory) noexcept : _list(list), _memory(memory) {}
 
-    /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for the
-    /// next round, so that the threads' records go out in the order of time.
+    /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for
+    /// the next round, so that the threads' records go out in the order of time.
     /// @param everything also those: asks no clock. The order across threads may then suffer.
     void Begin(bool everything) noexcept;
     /// @return whether there is another record: the oldest of those left.

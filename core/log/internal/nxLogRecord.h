@@ -6,8 +6,8 @@
 
 /// A view of one record, wherever its bytes are: what devices are given and lines are made of.
 ///
-/// Invariant: the place is either kept by the log, for the life of the process, or the record's own; file, values and end
-/// point to bytes that somebody else owns.
+/// Invariant: the place is either kept by the log, for the life of the process, or the record's own; file, values and
+/// end point to bytes that somebody else owns.
 struct nxLogRecord
 {
     unsigned level;

@@ -61,8 +61,8 @@ std::size_t nxLogRing::_GetUsed(const char* head, const char* tail) const noexce
 // Looks how far the emptying thread has come, and moves the limit on; with `mayMove` the head, too.
 bool nxLogRing::_LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, bool mayMove) noexcept
 {
-    // A record that is waited for finds room in an empty ring wherever head and tail are: after the head, or else before
-    // it.
+    // A record that is waited for finds room in an empty ring wherever head and tail are: after the head, or else
+    // before it.
     static_assert(2 * (nxLogRingMemory::SmallRingSize / _recordDivisor) + static_cast<std::size_t>(headToTailGap) +
                       nxLogRecordBytes::JumpSize <=
                   nxLogRingMemory::SmallRingSize);
@@ -74,8 +74,8 @@ bool nxLogRing::_LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, b
 
     const std::size_t capacity = _segment->capacity;
     const std::size_t quarter = capacity / 4;
-    // A small segment that overflows is followed by a large one, which costs the thread less than to wake the writer for
-    // every few kilobytes; without room for that it has to be emptied in time, like a large one.
+    // A small segment that overflows is followed by a large one, which costs the thread less than to wake the writer
+    // for every few kilobytes; without room for that it has to be emptied in time, like a large one.
     const bool mayOverflow = capacity < nxLogRingMemory::RingSize && memory.HasRoomForSegment();
     if (_GetUsed(head, tail) >= quarter && !mayOverflow)
         nxLogBell::Ring();

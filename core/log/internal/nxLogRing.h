@@ -8,12 +8,12 @@
 #include "core/log/internal/nxLogRecordBytes.h"
 #include "core/log/internal/nxLogRingMemory.h"
 
-/// The ring of a channel: one thread fills it at the head, one thread at a time empties it at the tail. All channels are
-/// rings; nxLogChannel is what of them statements see.
+/// The ring of a channel: one thread fills it at the head, one thread at a time empties it at the tail. All channels
+/// are rings; nxLogChannel is the part of a ring that statements see.
 ///
-/// Invariant: from the tail to the head there are whole records and jumps. In ring order tail <= read <= seen <= head <=
-/// limit; where the tail is ahead of the head in one segment, a gap is kept between limit and tail. The filling thread
-/// alone writes head, limit and segment; the emptying one alone writes read, seen and tail.
+/// Invariant: from the tail to the head there are whole records and jumps. In ring order tail <= read <= seen <= head
+/// <= limit; where the tail is ahead of the head in one segment, a gap is kept between limit and tail. The filling
+/// thread alone writes head, limit and segment; the emptying one alone writes read, seen and tail.
 ///
 /// A ring is one segment, used in a circle,
 /// @code
@@ -21,8 +21,8 @@
 ///     |...........|###########|...................|jump|   or   |#######|......[ gap ]|###################|jump|
 ///                 free bytes at the head: head to end                   free bytes at the head: head to gap
 /// @endcode
-/// or a chain of segments, each of which ends with a jump to the next. Then the tail is in an earlier one than the head,
-/// and the rest of the head's segment is free.
+/// or a chain of segments, each of which ends with a jump to the next. Then the tail is in an earlier one than the
+/// head, and the rest of the head's segment is free.
 ///
 /// Errors: false without room or memory; nothing else has happened then. It never waits.
 /// Threads: functions are for the filling thread or for the emptying one, as they are grouped here.

@@ -120,8 +120,8 @@ nxLogSegment* nxLogRingMemory::TakeSmallSegment() noexcept
     {
         if (_FreeIdleSegment())
             continue;
-        // A thread that has not reported yet gets a segment beyond the maximum, too. But a device that makes no progress
-        // while threads come and go must not take all memory.
+        // A thread that has not reported yet gets a segment beyond the maximum, too. But a device that makes no
+        // progress while threads come and go must not take all memory.
         if (_IsOverfull())
             return nullptr;
         _bytes.fetch_add(SmallRingSize, std::memory_order_relaxed);

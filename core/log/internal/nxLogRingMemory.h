@@ -24,9 +24,9 @@ static_assert(sizeof(nxLogSegment) <= nxLogSegment::HeaderSize);
 
 /// The memory for queued records: segments of rings, and claims for records in blocks of their own.
 ///
-/// Invariant: GetBytes() is the sum of the capacities of all segments and the sizes of all claimed blocks. It exceeds the
-/// maximum only by small segments, which threads get that have not reported yet, by one block at a time, and after the
-/// maximum was lowered.
+/// Invariant: GetBytes() is the sum of the capacities of all segments and the sizes of all claimed blocks. It exceeds
+/// the maximum only by small segments, which threads get that have not reported yet, by one block at a time, and after
+/// the maximum was lowered.
 ///
 /// Errors: null or false without memory; nothing is claimed then. Threads: any.
 class nxLogRingMemory
@@ -39,7 +39,8 @@ public:
     static nxLogRingMemory& GetInstance() noexcept;
     nxLogRingMemory() noexcept = default;
 
-    /// @param bytes the maximum; at least a mebibyte counts. Segments that nothing uses are freed where it demands that.
+    /// @param bytes the maximum; at least a mebibyte counts. Segments that nothing uses are freed where it demands
+    /// that.
     void SetMaximumBytes(std::size_t bytes) noexcept;
     std::size_t GetMaximumBytes() const noexcept { return _maximumBytes.load(std::memory_order_relaxed); }
     std::size_t GetBytes() const noexcept { return _bytes.load(std::memory_order_relaxed); }
@@ -57,8 +58,8 @@ public:
     nxLogSegment* TakeSmallSegment() noexcept;
     void GiveSegment(nxLogSegment* segment) noexcept;
 
-    /// Claims @p bytes for a block. One claim at a time may exceed the maximum, so that a large record does not wait for
-    /// rings that are held but empty. @return whether it was claimed.
+    /// Claims @p bytes for a block. One claim at a time may exceed the maximum, so that a large record does not wait
+    /// for rings that are held but empty. @return whether it was claimed.
     bool ClaimBlock(std::size_t bytes) noexcept;
     /// Frees a block, allocated by malloc(), for which @p bytes were claimed.
     void FreeBlock(char* block, std::size_t bytes) noexcept;

@@ -6,9 +6,13 @@
 #include <cstring>
 #include <string_view>
 
-#include "core/log/inline/nxLogStream.h"
+#include "core/log/inline/nxLogTag.h"
 
 /// Reads the tagged values of a record one by one.
+///
+/// Invariant: the next tag, or the end, follows the value that was read last.
+///
+/// Threads: none.
 class nxLogValueReader
 {
 public:
@@ -21,46 +25,20 @@ public:
             return false;
         _tag = static_cast<nxLogTag>(*_at);
         _value = _at + 1;
-        switch (_tag)
+        const std::size_t size = nxLogSizeOf(_tag);
+        if (_tag == nxLogTag::End || size > static_cast<std::size_t>(_end - _value))
         {
-            case nxLogTag::End:
-                _at = _end;
-                return false;
-            case nxLogTag::Cut:
-                _at = _end;
-                return true;
-            case nxLogTag::Text:
-            case nxLogTag::SourceApplication:
-            {
-                std::uint32_t size;
-                std::memcpy(&size, _value, sizeof size);
-                _value += sizeof size;
-                _size = size;
-                _at = _value + size;
-                return true;
-            }
-            case nxLogTag::True:
-            case nxLogTag::False:
-                _at = _value;
-                return true;
-            case nxLogTag::Signed32:
-            case nxLogTag::Unsigned32:
-            case nxLogTag::DestinationUser:
-                _at = _value + 4;
-                return true;
-            case nxLogTag::Signed64:
-            case nxLogTag::Unsigned64:
-            case nxLogTag::Double:
-            case nxLogTag::Address:
-            case nxLogTag::KeptText:
-                _at = _value + 8;
-                return true;
-            case nxLogTag::Decimal:
-                _at = _value + sizeof(nxDecimal);
-                return true;
+            _at = _end;
+            return false;
         }
-        _at = _end;
-        return false;
+        _at = _tag == nxLogTag::Cut ? _end : _value + size;
+        if (_tag == nxLogTag::Text || _tag == nxLogTag::SourceApplication)
+        {
+            _size = Get<std::uint32_t>();
+            _value = _at;
+            _at += _size;
+        }
+        return true;
     }
 
     nxLogTag GetTag() const { return _tag; }
@@ -68,7 +46,7 @@ public:
     /// The text of Text and SourceApplication.
     std::string_view GetText() const { return {_value, _size}; }
 
-    const char* GetBytes() const { return _value; }  ///< Where the bytes of the value stand.
+    const char* GetBytes() const { return _value; }  ///< The first byte of the value.
 
     /// The bytes of any other value.
     template <class Value>

@@ -10,6 +10,8 @@
 
 /// One wait for the devices: bounded as a whole, and by the time without a sign of life from them.
 ///
+/// Invariant: the wait is over when its limit is reached, or when the progress has not changed for its stall limit.
+///
 /// Threads: the one that waits.
 /// @code
 /// nxLogAwakeTime time;
