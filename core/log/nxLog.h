@@ -66,7 +66,7 @@ public:
     /// @param bytesPerLine 1 to MaximumBytesPerLine; anything else is reported in the log, as an error.
     /// @param level the level of the dump. Below the threshold nothing is written and the result is success.
     /// @param sourceFile, line the place that the records name.
-    /// @param placeholder what stands for a byte that is not printable.
+    /// @param placeholder shown for a byte that is not printable.
     /// @param withOffsets whether lines begin with the offset.
     /// @return NX_ERR_INVALID_PARAMETER for a null buffer or a wrong number of bytes per line.
     static nxErrorEnum LogBufferAsHex(const char* buffer, unsigned length, const unsigned& bytesPerLine = 16,

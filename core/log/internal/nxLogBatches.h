@@ -1,11 +1,13 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGBATCHES_H
 #define CORE_LOG_INTERNAL_NXLOGBATCHES_H
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "core/enum/nxEnumValue.h"
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogLineBuffer.h"
@@ -89,7 +91,7 @@ private:
     Batch* _onlyBatch = nullptr;  // when records go into this one and nowhere else
     unsigned _inLinesAlone = 0;   // records in batches that no device has been given yet; unused with _onlyBatch
     nxLogTimeText _time;          // of the record at hand
-    char _date[7] = {};           // of the lines in the batches, as it stands in their times
+    char _date[7] = {};           // of the lines in the batches: how their times begin
     nxLogLineThread _thread{};
     nxEnumValue _gravestLevel = NX_ENUM_UNDEFINED;
     bool _hasWritten = false;

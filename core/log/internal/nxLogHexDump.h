@@ -13,7 +13,7 @@
 class nxLogHexDump
 {
 public:
-    /// @param bytesPerLine 1 to LargestLine. @param placeholder stands for bytes that are not printable.
+    /// @param bytesPerLine 1 to LargestLine. @param placeholder shown for bytes that are not printable.
     nxLogHexDump(unsigned bytesPerLine, char placeholder, bool withOffsets)
         : _bytesPerLine(bytesPerLine), _placeholder(placeholder), _withOffsets(withOffsets)
     {

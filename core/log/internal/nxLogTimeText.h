@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/platform/nxClock.h"
+#include "core/platform/nxNanoseconds.h"
 #include "core/time/internal/nxFractionText.h"
 #include "core/time/nxTimeStamp.h"
 
@@ -22,7 +23,7 @@ public:
     /// Shows @p time. @return whether more than the fraction of the second may have changed.
     bool Set(const nxClockTime& time) noexcept
     {
-        if (time.seconds != _second || !_isText || time.nanoseconds >= 1'000'000'000) [[unlikely]]
+        if (time.seconds != _second || !_isText || time.nanoseconds >= nxNanoseconds::PerSecond) [[unlikely]]
         {
             _SetWhole(time);
             return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
@@ -12,6 +13,7 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/nxClock.h"
+#include "core/platform/nxNanoseconds.h"
 
 namespace
 {
@@ -29,7 +31,8 @@ void ReportForManager(const nxLogLevelEnum& level, unsigned line, const Values&.
 void nxLogUpkeep::SetFlushInterval(double seconds) noexcept
 {
     const double clamped = std::isnan(seconds) ? 0 : std::clamp(seconds, 0.0, nxLogLimits::LongestFlushIntervalSeconds);
-    _flushInterval.store(static_cast<std::int64_t>(clamped * 1e9), std::memory_order_relaxed);
+    _flushInterval.store(static_cast<std::int64_t>(clamped * static_cast<double>(nxNanoseconds::PerSecond)),
+                         std::memory_order_relaxed);
 }
 
 void nxLogUpkeep::AfterRound(bool hasWritten, bool flushNow) noexcept
