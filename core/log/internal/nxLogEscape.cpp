@@ -9,9 +9,6 @@ namespace
 {
 constexpr char upperHexDigits[] = "0123456789ABCDEF";
 
-// Characters beyond ASCII need a closer look: some are control characters, and their bytes may be no UTF-8.
-bool NeedsCare(std::uint64_t word) { return ((nxLogEscape::FindControl(word) | word) & nxLogEscape::AnswerBits) != 0; }
-
 char* PutText(char* out, std::string_view text)
 {
     std::memcpy(out, text.data(), text.size());
@@ -36,40 +33,26 @@ std::size_t nxLogEscape::_PutCharacter(char*& out, std::string_view text) noexce
     return size;
 }
 
-void nxLogEscape::PutPiece(char*& out, std::string_view& text) noexcept
+// Writes at least the text from `at` to `pieceEnd`: to the end of the character there.
+[[gnu::cold, gnu::noinline]] nxLogEscape::Place nxLogEscape::_PutCarefully(char* out, const char* at,
+                                                                           const char* pieceEnd,
+                                                                           const char* end) noexcept
 {
-    constexpr std::size_t pieceSize = sizeof(std::uint64_t);
     // The piece's last character may go three bytes beyond it; four bytes are written for each byte at most.
-    static_assert(4 * (pieceSize + 3) <= LongestPiece);
-
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    const auto left = [&at, end] { return static_cast<std::size_t>(end - at); };
-    for (; left() >= pieceSize; at += pieceSize)
-    {
-        const std::uint64_t word = Load<std::uint64_t>(at);
-        if (NeedsCare(word)) [[unlikely]]
-            break;
-        std::memcpy(out, &word, sizeof word);
-        out += sizeof word;
-    }
-    if (left() < pieceSize)
-        if (const std::uint64_t word = LoadShort(at, left()); !NeedsCare(word)) [[likely]]
-        {
-            std::memcpy(out, &word, sizeof word);
-            out += left();
-            at = end;
-        }
-    for (const char* const pieceEnd = at + std::min(pieceSize, left()); at < pieceEnd;)
-        at += _PutCharacter(out, {at, left()});
-    text = {at, left()};
+    static_assert(4 * (sizeof(std::uint64_t) + 3) <= LongestPiece);
+    while (at < pieceEnd)
+        at += _PutCharacter(out, {at, static_cast<std::size_t>(end - at)});
+    return {out, at};
 }
 
 char* nxLogEscape::PutSuffix(char* out, std::string_view file, unsigned line) noexcept
 {
     out = PutText(out, " [");
-    while (!file.empty())
-        PutPiece(out, file);
+    const char* const end = file.data() + file.size();
+    Place place{out, file.data()};
+    while (place.at != end)
+        place = PutPiece(place.out, place.at, end);
+    out = place.out;
     *out++ = ':';
     out = nxDigits::Write(out, line);
     *out++ = ']';

@@ -23,10 +23,31 @@ public:
     /// The room that the suffix for a file name of @p size bytes takes, at most.
     static constexpr std::size_t GetSuffixRoom(std::size_t size) { return 4 * size + LongestPiece; }
 
-    /// Writes @p text up to and including the first eight bytes in which something is hidden, and removes from @p text
-    /// what was written.
-    /// @param out has room for the size of the text and LongestPiece bytes; it is set to the end of what was written.
-    static void PutPiece(char*& out, std::string_view& text) noexcept;
+    /// How far PutPiece() has come. It is returned in registers.
+    struct Place
+    {
+        char* out;       ///< The end of what was written.
+        const char* at;  ///< The end of what was read.
+    };
+    /// Writes the text from @p at to @p end, up to and including the first eight bytes in which something is hidden.
+    /// @param out has room for the size of the text and LongestPiece bytes.
+    static Place PutPiece(char* out, const char* at, const char* end) noexcept
+    {
+        constexpr std::ptrdiff_t wordSize = sizeof(std::uint64_t);
+        for (; end - at >= wordSize; at += wordSize)
+        {
+            const std::uint64_t word = Load<std::uint64_t>(at);
+            if (_NeedsCare(word)) [[unlikely]]
+                return _PutCarefully(out, at, at + wordSize, end);
+            std::memcpy(out, &word, sizeof word);
+            out += sizeof word;
+        }
+        const std::uint64_t word = LoadShort(at, static_cast<std::size_t>(end - at));
+        if (_NeedsCare(word)) [[unlikely]]
+            return _PutCarefully(out, at, end, end);
+        std::memcpy(out, &word, sizeof word);
+        return {out + (end - at), end};
+    }
 
     /// Writes how a full line ends, " [file:line]".
     /// @param out has room for GetSuffixRoom() bytes. @return the end of what was written.
@@ -80,6 +101,9 @@ private:
     static_assert(std::endian::native == std::endian::little, "texts are shifted in words, first character lowest");
     static constexpr std::uint64_t _blanks = 0x2020202020202020;
 
+    // Characters beyond ASCII need a closer look: some are control characters, and their bytes may be no UTF-8.
+    static bool _NeedsCare(std::uint64_t word) { return ((FindControl(word) | word) & AnswerBits) != 0; }
+    static Place _PutCarefully(char* out, const char* at, const char* pieceEnd, const char* end) noexcept;
     static std::size_t _PutCharacter(char*& out, std::string_view text) noexcept;
     static bool _HidesBeyondASCII(std::string_view text) noexcept;
 };

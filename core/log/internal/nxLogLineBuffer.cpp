@@ -74,13 +74,17 @@ void nxLogLineBuffer::ShrinkTo(std::size_t bytes) noexcept
 
 bool nxLogLineBuffer::_AppendEscaped(std::string_view text) noexcept
 {
+    const char* at = text.data();
+    const char* const end = at + text.size();
     do
     {
-        if (!_Ensure(text.size() + nxLogEscape::LongestPiece))
+        if (!_Ensure(static_cast<std::size_t>(end - at) + nxLogEscape::LongestPiece + longestValue))
             return false;
-        nxLogEscape::PutPiece(_cursor, text);
-    } while (!text.empty());
-    return _Ensure(longestValue);
+        const nxLogEscape::Place place = nxLogEscape::PutPiece(_cursor, at, end);
+        _cursor = place.out;
+        at = place.at;
+    } while (at != end);
+    return true;
 }
 
 bool nxLogLineBuffer::_AppendText(std::string_view text, bool escape) noexcept
