@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogHexDump.h"
 #include "core/log/internal/nxLogLineBuffer.h"
@@ -12,29 +11,6 @@
 #include "core/log/internal/nxLogValueReader.h"
 #include "core/platform/nxThreadHooks.h"
 #include "core/thread/nxThreadIndex.h"
-
-namespace
-{
-// The records of one dump, all from one place.
-class Dump
-{
-public:
-    Dump(const nxLogLevelEnum& level, const char* file, unsigned line) : _level(level), _file(file), _line(line) {}
-
-    template <class... Values>
-    void Log(const Values&... values) const
-    {
-        nxLog record(_level, _file, _line, nxTimeStamp::Now());
-        (record << ... << values);
-        nxLogFilling::Write(nxLogConversion::View(record));
-    }
-
-private:
-    nxLogLevelEnum _level;
-    const char* _file;
-    unsigned _line;
-};
-}  // namespace
 
 nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp) noexcept
     : _level(level),
@@ -110,6 +86,12 @@ nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const uns
                                   const nxLogLevelEnum& level, const char* sourceFile, unsigned line, char placeholder,
                                   bool withOffsets)
 {
+    const auto log = [&](const nxLogLevelEnum& wanted, const auto&... values)
+    {
+        nxLog record(wanted, sourceFile, line, nxTimeStamp::Now());
+        (record << ... << values);
+        nxLogFilling::Write(record._GetRecord());
+    };
     const char* const fault = buffer == nullptr ? "Unable to dump memory as hex and ascii. A null buffer was passed in"
                               : bytesPerLine == 0 || bytesPerLine > MaximumBytesPerLine
                                   ? "Unable to dump memory as hex and ascii. Bytes per line value is not valid"
@@ -117,19 +99,18 @@ nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const uns
     if (fault != nullptr)
     {
         if (nxLogSwitches::ShouldLog(NX_LOG_LEVEL_ERROR))
-            Dump(NX_LOG_LEVEL_ERROR, sourceFile, line).Log(fault);
+            log(NX_LOG_LEVEL_ERROR, fault);
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     }
     if (!nxLogSwitches::ShouldLog(level))
         return nxErrorEnum();
 
-    const Dump dump(level, sourceFile, line);
     const unsigned size = std::min(length, MaximumDump);
-    dump.Log("Dumping memory as hex and ascii. At most ", size, " bytes of data will be dumped");
+    log(level, "Dumping memory as hex and ascii. At most ", size, " bytes of data will be dumped");
     static_assert(MaximumBytesPerLine == nxLogHexDump::LargestLine);
     const unsigned lineSize = bytesPerLine;
     nxLogHexDump lines(lineSize, placeholder, withOffsets);
     for (unsigned offset = 0; offset < size; offset += lineSize)
-        dump.Log(lines.MakeLine(buffer + offset, std::min(lineSize, size - offset), offset));
+        log(level, lines.MakeLine(buffer + offset, std::min(lineSize, size - offset), offset));
     return nxErrorEnum();
 }

@@ -3,8 +3,8 @@
 
 /// What the log does around a fork.
 ///
-/// Invariant: a fork takes the locks of the log in the order devices, queue, places; and each part starts again in the
-/// child with what it needs to serve the only thread there.
+/// Invariant: a fork takes the locks of the log in the order devices, list of devices, list of channels, memory of the
+/// rings, table of places; in the child each part starts again with what it needs to serve the only thread there.
 class nxLogFork
 {
 public:
