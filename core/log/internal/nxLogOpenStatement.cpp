@@ -1,3 +1,6 @@
+// The part of nxLogChannel that statements call. It is not beside its header, because it uses the parts that are built
+// on channels.
+
 #include "core/log/inline/nxLogChannel.h"
 
 #include <algorithm>
@@ -6,7 +9,7 @@
 #include <new>
 
 #include "core/log/inline/nxLogMessage.h"
-#include "core/log/inline/nxLogStream.h"
+#include "core/log/inline/nxLogTag.h"
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
