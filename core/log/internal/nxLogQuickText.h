@@ -9,65 +9,59 @@
 #include <string_view>
 
 #include "core/enum/inline/nxEnumTable.h"
-#include "core/log/inline/nxLogStream.h"
+#include "core/log/inline/nxLogTag.h"
 #include "core/log/internal/nxLogEscape.h"
 #include "core/text/inline/nxDigits.h"
 
-/// How much room the text of a value takes, for each byte that the value takes in a record.
+/// How much room the text of a value takes, for each byte that tag and value take in a record.
 ///
-/// Invariant: PerByte suffices for every tag, with the bytes that are overwritten after the text. A tag that is added does
-/// not compile before it is considered here.
+/// Invariant: PerByte suffices for every tag. A tag that is added does not compile before it is considered here.
 struct nxLogTextRoom
 {
     static constexpr std::size_t PerByte = 8;
 
-    /// @param touched the bytes of the longest text, with those that are overwritten after it.
-    template <class Value>
-    static constexpr bool Suffices(std::size_t touched)
-    {
-        return touched <= PerByte * (sizeof(nxLogTag) + sizeof(Value));
-    }
-
-    static constexpr bool SufficesFor(nxLogTag tag)
+    /// @return the bytes that the longest text of a value touches, with those that are overwritten after it; of a Text
+    ///         without its characters, each of which takes a byte here and there.
+    static constexpr std::size_t GetTouched(nxLogTag tag)
     {
         switch (tag)
         {
             case nxLogTag::True:
             case nxLogTag::False:
-                return sizeof "FALSE" <= PerByte * sizeof(nxLogTag);
+                return sizeof "FALSE";
             case nxLogTag::Signed32:
-                return Suffices<std::int32_t>(1 + nxDigits::MaxDigits);
-            case nxLogTag::Unsigned32:
-                return Suffices<std::uint32_t>(nxDigits::MaxDigits);
             case nxLogTag::Signed64:
-                return Suffices<std::int64_t>(1 + nxDigits::MaxDigits);
+                return 1 + nxDigits::MaxDigits;
+            case nxLogTag::Unsigned32:
             case nxLogTag::Unsigned64:
-                return Suffices<std::uint64_t>(nxDigits::MaxDigits);
+                return nxDigits::MaxDigits;
             case nxLogTag::Address:
-                return Suffices<std::uint64_t>(sizeof "0x0123456789abcdef");
+                return sizeof "0x0123456789abcdef";
             case nxLogTag::Decimal:
-                return Suffices<nxDecimal>(nxDecimal::MaxTextSize);
+                return nxDecimal::MaxTextSize;
             case nxLogTag::KeptText:
-                return Suffices<const std::string*>(nxEnumTable::MaximumTextSize + sizeof(std::uint64_t));
+                return nxEnumTable::MaximumTextSize + sizeof(std::uint64_t);
             case nxLogTag::Text:
-                // The length takes care of what is overwritten; a character takes a byte for a byte.
-                return Suffices<std::uint32_t>(sizeof(std::uint64_t));
+                return sizeof(std::uint64_t);
             case nxLogTag::DestinationUser:
             case nxLogTag::SourceApplication:
             case nxLogTag::End:
-                return true;  // no text
+                return 0;  // no text
             case nxLogTag::Double:
             case nxLogTag::Cut:
-                return true;  // refused
+                return 0;  // refused
         }
-        return false;
+        return 0;
     }
 
     static constexpr bool SufficesForAll()
     {
-        for (unsigned tag = 0; tag <= static_cast<unsigned>(nxLogTag::SourceApplication); ++tag)
-            if (!SufficesFor(static_cast<nxLogTag>(tag)))
+        for (unsigned number = 0; number <= static_cast<unsigned>(nxLogTag::SourceApplication); ++number)
+        {
+            const auto tag = static_cast<nxLogTag>(number);
+            if (GetTouched(tag) > PerByte * (sizeof tag + nxLogSizeOf(tag)))
                 return false;
+        }
         return true;
     }
 };
