@@ -17,6 +17,7 @@
 /// device is verbose, as it is at first; otherwise "[INF] text", or with the other short form
 /// "[05Mar24 09:07:03.123.456] text". Lines go to the operating system at once, past the buffer of the C library.
 ///
+/// - Invariant: a line of which standard output took the beginning is completed before another line is written.
 /// - Errors: nothing fails. Lines that standard output does not take are lost and counted; the process goes on. It does
 ///   not take them when it is closed or a pipe without a reader, when it has taken nothing for 100 ms (a stopped terminal,
 ///   a pipe that is not read), or not all of a mebibyte in half a second; the device does not wait for it again while this

@@ -33,7 +33,9 @@ class nxOneInstance;
 ///   exchange files nevertheless, a warning in the log says so.
 /// - In a program with more rights than the user who started it, files and directories are for the owner alone.
 /// - Lines wait in a buffer (QRX_LOG_FILE_BUFF_SIZE_MB) until it is full or Flush() is called; warnings and worse, and
-///   records that are written immediately, do not wait. A line is in the file completely or not at all.
+///   records that are written immediately, do not wait.
+/// - Invariant: a line is in a file completely or not at all, and a file is in the directory of the date on which it was
+///   opened.
 /// - Errors: nothing fails for threads that log. A failure is told on the error stream, once until it has ended: a
 ///   directory or file that cannot be created, a file that cannot be written (a full disk), was removed, renamed or closed.
 ///   Meanwhile lines wait in the buffer; those that find no room are lost and counted, and the log tells their number

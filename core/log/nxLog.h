@@ -23,8 +23,8 @@ struct nxLogRecord;
 ///
 /// - Errors: none, nothing throws. A message of more than a mebibyte is cut and says so; without memory it ends early.
 /// - Threads: like a string.
-/// - Ownership: the record owns copies of all that was streamed and of the file's name. The record that a device is given
-///   borrows them from the queue; a copy of that record owns them.
+/// - Ownership: the record owns copies of all that was streamed and of the file's name.
+/// - Invariant: a copy owns its bytes; only the record that a device is given borrows them, from the queue.
 /// @code
 /// nxLog record(NX_LOG_LEVEL_WARNING, "feed/session", 88, nxTimeStamp::Now());
 /// record << "gap of " << count << " messages";

@@ -11,7 +11,7 @@ class nxLogLineSink;
 /// Where log records end up: a file, the console, a test's memory. Derive from it, register with
 /// nxLogManager::RegisterLogDevice().
 ///
-/// - The manager lets one thread at a time into a device: the deferred-write thread, or a thread that writes immediately,
+/// - Invariant: one thread at a time is inside a device: the deferred-write thread, or a thread that writes immediately,
 ///   flushes or registers. So a device needs no lock of its own against the manager.
 /// - The deferred-write thread has a stack of 256 KiB, so a device keeps large buffers elsewhere.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately

@@ -157,6 +157,7 @@ private:
     nxLogManager() noexcept;
     ~nxLogManager() = default;
 
+    // Invariant: the manager holds the threshold and the two switches; all else is in the parts that it calls.
     static std::atomic<unsigned> _threshold;
     std::atomic<bool> _logThreadIndex{true};
     std::atomic<bool> _logThreadCPU{false};

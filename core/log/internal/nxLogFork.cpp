@@ -1,5 +1,7 @@
 #include "core/log/internal/nxLogFork.h"
 
+#include <cstddef>
+
 #include "core/log/internal/nxLogBackpressure.h"
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogChannelList.h"
