@@ -26,11 +26,11 @@ struct nxLogRoom
 };
 
 /// The way of one thread's records to the deferred-write thread, as statements see it: a ring in memory that one thread
-/// fills and one empties, without a lock. What need not be inline in every statement is in nxLogRing.
+/// fills and one empties, without a lock. Operations that need not be inline in every statement are in nxLogRing.
 ///
-/// Invariant: a statement holds one channel, from Open() to Close(). What is logged meanwhile on the same thread, by a
-/// function that an argument calls or by a signal handler, goes to the channel's nested one. Open() never waits;
-/// Close() may.
+/// Invariant: a statement holds one channel, from Open() to Close(). Records that are logged meanwhile on the same
+/// thread, by a function that an argument calls or by a signal handler, go to the channel's nested one. Open() never
+/// waits; Close() may.
 ///
 /// Errors: without memory a record is counted as dropped. Threads: any; a channel serves one thread.
 class NX_CORE_API nxLogChannel

@@ -27,8 +27,8 @@ nxLogMerge& nxLogMerge::GetInstance() noexcept
 void nxLogMerge::Begin(bool everything) noexcept
 {
     _round.scale = nxClock::GetScale();
-    // Before the heads are read: whatever was begun earlier and is published by now is in this round. A round that
-    // takes everything does not ask the clocks, which may differ from processor to processor.
+    // Before the heads are read: all records that were begun earlier and are published by now are in this round. A
+    // round that takes everything does not ask the clocks, which may differ from processor to processor.
     _round.cutOff = everything ? _noTicks : nxClock::Ticks() - counterSkew;
     _round.rings = nullptr;
     _round.current = nullptr;
@@ -39,7 +39,7 @@ void nxLogMerge::Begin(bool everything) noexcept
             ring->_nextInRound = std::exchange(_round.rings, ring);
 }
 
-// Goes on where the jump leads. What is in another segment has left nothing to read in the one before.
+// Continues where the jump leads. When that is in another segment, the one before has been read to its end.
 void nxLogMerge::_FollowJump(nxLogRing& ring) noexcept
 {
     char* const target = nxLogRecordBytes::ReadJump(ring._read);

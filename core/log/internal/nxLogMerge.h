@@ -23,11 +23,11 @@ public:
     /// @param list, memory outlive the merge.
     nxLogMerge(nxLogChannelList& list, nxLogRingMemory& memory) noexcept : _list(list), _memory(memory) {}
 
-    /// Fixes what belongs to the round: what has been published by now. Records begun later than this moment wait for
-    /// the next round, so that the threads' records go out in the order of time.
-    /// @param everything also those: asks no clock. The order across threads may then suffer.
+    /// Fixes which records belong to the round: those that have been published by now. Records begun later than this
+    /// moment wait for the next round, so that the threads' records go out in the order of time.
+    /// @param everything takes these, too, and asks no clock; the order across threads may suffer.
     void Begin(bool everything) noexcept;
-    /// @return whether there is another record: the oldest of those left.
+    /// Sets @p record to the oldest one that is left. @return whether there was one.
     bool Next(nxLogRecord& record) noexcept;
     /// Gives the room of all that has been read back to the filling threads, and wakes those that wait for it.
     void GiveBackRoom() noexcept;

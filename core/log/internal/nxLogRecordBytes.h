@@ -9,7 +9,7 @@
 #include "core/log/internal/nxLogRecord.h"
 #include "core/platform/nxClock.h"
 
-/// What an nxLog has beyond the values of a statement, as it is queued. The file follows with a NUL.
+/// The fields of an nxLog that a statement does not have, as they are queued. The file follows with a NUL.
 struct nxLogObjectFields
 {
     long long seconds;
@@ -70,7 +70,7 @@ public:
 
     /// The bytes that WriteObject() writes for @p record.
     static std::size_t GetObjectSize(const nxLogRecord& record) noexcept;
-    /// Writes a record with a place of its own, as handed over now. @param size is GetObjectSize().
+    /// Writes a record with a place of its own, stamped as handed over now. @param size is GetObjectSize().
     static void WriteObject(char* out, const nxLogRecord& record, std::size_t size) noexcept;
 
     /// Sets @p record to what @p bytes hold, a Statement or an Object.

@@ -48,8 +48,8 @@ public:
 
     /// Whether a record of @p size bytes may be in a segment of @p capacity bytes; else it has a block of its own.
     static bool MayHold(std::size_t capacity, std::size_t size) noexcept { return size <= capacity / _recordDivisor; }
-    /// What to ask for when a thread waits for room: more than one record needs, because otherwise every following
-    /// record would wait as well.
+    /// The bytes that a waiting thread asks for: more than one record needs, because otherwise every following record
+    /// would wait as well.
     std::size_t GetRoomWorthWaitingFor() const noexcept { return GetCapacity() / (2 * _recordDivisor); }
 
     /// Moves the limit on without moving the head. @return whether there are @p bytes free at the head.
@@ -66,7 +66,7 @@ public:
     /// While the writer does not run, closes the fast path: the next statement then comes by _OpenSlowly(), which tries
     /// to start it.
     void CloseFastPathIfStopped() noexcept;
-    /// In a forked child: what waits belongs to the parent. The fast path is closed.
+    /// In a forked child: records that wait belong to the parent. The fast path is closed.
     void ForgetWaiting() noexcept;
 
     /// The thread has ended; it will publish nothing more.
@@ -74,14 +74,15 @@ public:
 
     // The emptying thread.
 
-    /// Whether nothing waits. Tails must not move meanwhile: under the mutex of nxLogChannelList, like the next ones.
+    /// Whether no record waits. Called under the mutex of nxLogChannelList, like the next ones, so that tails do not
+    /// move meanwhile.
     bool IsEmpty() const noexcept
     {
         return _head.load(std::memory_order_acquire) == _tail.load(std::memory_order_relaxed);
     }
-    /// Whether the thread has ended, and nothing waits.
+    /// Whether the thread has ended, and no record waits.
     bool IsFinished() const noexcept { return _ended.load(std::memory_order_acquire) && IsEmpty(); }
-    /// Gives all before the read position back to the filling thread. @return whether that is anything new.
+    /// Gives the bytes before the read position back to the filling thread. @return whether there were any.
     bool MoveTail() noexcept { return _tail.exchange(_read, std::memory_order_release) != _read; }
     /// Calls @p action with the bytes of each record that waits.
     template <class Action>
