@@ -9,11 +9,14 @@ install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The public headers. What stands in internal/ and platform/ is the library's own affair, what public classes use inline
-# excepted: the clock of time stamps and log records, the word of a named semaphore, and the taking of a robust mutex. A
-# test holds that no installed header includes what is not installed, nor the reverse.
+# The public headers. What stands in internal/, platform/ and process/ is the library's own affair, what public headers
+# use inline excepted: the clock of time stamps and log records, the word of a named semaphore, the taking of a robust
+# mutex, and the names of the settings. A test holds that no installed header includes what is not installed, nor the
+# reverse.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}" COMPONENT development
-    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE)
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE PATTERN "process" EXCLUDE)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/process/inline"
+    DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/process" COMPONENT development)
 install(FILES "${PROJECT_SOURCE_DIR}/core/platform/nxClock.h" "${PROJECT_SOURCE_DIR}/core/platform/nxNamedSemaphore.h"
     "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
