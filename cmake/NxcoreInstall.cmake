@@ -9,11 +9,14 @@ install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The public headers. What stands in internal/ and platform/ is the library's own affair, what public classes use inline
-# excepted: the clock of time stamps and log records, the word of a named semaphore, and the taking of a robust mutex. A
-# test holds that no installed header includes what is not installed, nor the reverse.
+# The public headers. What stands in internal/, platform/ and process/ is the library's own affair, what public headers
+# use inline excepted: the clock of time stamps and log records, the word of a named semaphore, the taking of a robust
+# mutex, and the names of the settings. A test holds that no installed header includes what is not installed, nor the
+# reverse.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}" COMPONENT development
-    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE)
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE PATTERN "process" EXCLUDE)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/process/inline"
+    DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/process" COMPONENT development)
 install(FILES "${PROJECT_SOURCE_DIR}/core/platform/nxClock.h" "${PROJECT_SOURCE_DIR}/core/platform/nxNamedSemaphore.h"
     "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
@@ -25,11 +28,15 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmak
 install(FILES "${PROJECT_BINARY_DIR}/nxcoreConfig.cmake" "${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmake"
     DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The way back from the folder of nxcore.pc to the prefix, however many levels the library folder has.
+# The whole path, which only the installation knows: pkg-config leaves out the folders that compilers search anyway.
 set(NXCORE_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-file(RELATIVE_PATH NXCORE_PC_PREFIX "/${NXCORE_PC_DIR}" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/nxcore.pc.in" "${PROJECT_BINARY_DIR}/nxcore.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/nxcore.pc" DESTINATION "${NXCORE_PC_DIR}" COMPONENT development)
+install(CODE "
+    file(READ \"${PROJECT_BINARY_DIR}/nxcore.pc\" text)
+    string(REGEX REPLACE \"^prefix=[^\n]*\" \"prefix=\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
+    file(WRITE \"${PROJECT_BINARY_DIR}/installed/nxcore.pc\" \"\${text}\")
+    file(INSTALL \"${PROJECT_BINARY_DIR}/installed/nxcore.pc\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${NXCORE_PC_DIR}\")
+" COMPONENT development)
 
 # gdb looks for printers under the whole path of the library, which only the installation knows.
 install(CODE "

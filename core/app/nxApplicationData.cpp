@@ -1,42 +1,42 @@
 #include "core/app/nxApplicationData.h"
 
-#include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/platform/nxProcess.h"
+#include "core/process/nxApplicationName.h"
 #include "core/text/nxStringHelper.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
 {
 struct Settings
 {
-    nxMutex mutex;  // guards the others
-    std::string applicationName;
-    std::string applicationInstanceName;
-    std::string userName;
-    std::string location;
-    std::string daemonHostName;
-    nxAPIConnectionTypeEnum apiConnectionType;
-    bool mifidEnabled = false;
-    nxServerCapabilityBitMask serverCapabilities;
-    nxDateTime startTime;
-    unsigned startTimeOf = 0;  // the process that startTime belongs to
+    nxMutex mutex;
+    std::string applicationInstanceName NX_GUARDED_BY(mutex);
+    std::string userName NX_GUARDED_BY(mutex);
+    std::string location NX_GUARDED_BY(mutex);
+    std::string daemonHostName NX_GUARDED_BY(mutex);
+    nxAPIConnectionTypeEnum apiConnectionType NX_GUARDED_BY(mutex);
+    bool mifidEnabled NX_GUARDED_BY(mutex) = false;
+    nxServerCapabilityBitMask serverCapabilities NX_GUARDED_BY(mutex);
+    nxDateTime startTime NX_GUARDED_BY(mutex);
+    unsigned startTimeOf NX_GUARDED_BY(mutex) = 0;  // the id of the process that startTime belongs to
 };
 
 Settings& TheSettings();
 nxMutex& TheMutex() { return TheSettings().mutex; }
 
-// Never destroyed: threads and the destructors of other globals may ask while the process ends.
+// Never destroyed, because threads and the destructors of other globals may ask while the process ends.
 Settings& TheSettings()
 {
     static Settings& settings = *new Settings;
-    static const bool survivesForks = nxMutexAcrossFork<&TheMutex>::Register();
+    static const bool survivesForks = nxForkMutex::Register<&TheMutex>();
     static_cast<void>(survivesForks);
     return settings;
 }
 
-// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+// Made while the library is loaded. A child forked during a first use would wait for the guard of the static for ever.
 [[maybe_unused]] const auto& settingsMadeAtLoad = TheSettings();
 
 template <class Value>
@@ -56,8 +56,8 @@ void Set(Value Settings::*setting, const Value& value)
 }
 }  // namespace
 
-std::string nxApplicationData::GetApplicationName() { return Get(&Settings::applicationName); }
-void nxApplicationData::SetApplicationName(const std::string& name) { Set(&Settings::applicationName, name); }
+std::string nxApplicationData::GetApplicationName() { return nxApplicationName::Get(); }
+void nxApplicationData::SetApplicationName(const std::string& name) { nxApplicationName::Set(name); }
 
 std::string nxApplicationData::GetApplicationInstanceName() { return Get(&Settings::applicationInstanceName); }
 void nxApplicationData::SetApplicationInstanceName(const std::string& name)

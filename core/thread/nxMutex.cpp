@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxRobustMutex.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 namespace
 {
@@ -17,7 +17,7 @@ int InitialiseShared(pthread_mutex_t& mutex, pthread_mutexattr_t& attributes, bo
     if (result == 0 && robust)
     {
         result = pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
-        NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxMutex", 107) << "Set Robust attribute. result: " << result;
+        nxThreadReport::RobustAttributeSet(result);
     }
     if (result == 0)
         result = pthread_mutex_init(&mutex, &attributes);
@@ -53,12 +53,11 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     }
     if (result == 0)
         return nxErrorEnum();
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxMutex", 127)
-        << "Mutex could not be created in shared memory. Result : " << result;
+    nxThreadReport::MutexNotShared(result);
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
-// The first attempt has failed. Of a robust mutex it was no more than a try.
+// The first attempt failed. For a robust mutex that was only a try-lock, so the waiting happens here.
 nxErrorEnum nxMutex::_LockSlowly(int result) noexcept
 {
     if (result == EBUSY && _IsRobust())

@@ -3,17 +3,9 @@
 #include <cerrno>
 #include <exception>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/platform/nxServiceThread.h"
-
-namespace
-{
-void ReportException(const char* what)
-{
-    NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxThread", __LINE__) << "A thread ended with an exception: " << what;
-}
-}  // namespace
+#include "core/thread/internal/nxThreadReport.h"
 
 // The attributes are initialised here as well as in Create(), so that the destructor always has something to destroy.
 nxThread::nxThread() : _attributes(), _handle(), _started(false) { pthread_attr_init(&_attributes); }
@@ -22,7 +14,7 @@ nxThread::~nxThread() { pthread_attr_destroy(&_attributes); }
 
 nxErrorEnum nxThread::Create() { return _Create(nullptr); }
 
-// With attributes of its own for the thread of the library's.
+// The library's own thread brings its attributes; null means the system's defaults.
 nxErrorEnum nxThread::_Create(const nxServiceThread* attributes)
 {
     // Set before the thread exists, because Run() may call Wait() at once.
@@ -73,14 +65,14 @@ void* nxThread::_ThreadProc(void* self)
     }
     catch (const std::exception& exception)
     {
-        ReportException(exception.what());
+        nxThreadReport::ExceptionLeftRun(exception.what());
     }
     catch (...)
     {
-        // Not an exception: the thread is being cancelled or has called pthread_exit, which has to go its way.
+        // No exception: the thread is being cancelled or has called pthread_exit, and the unwinding must go on.
         if (std::current_exception() == nullptr)
             throw;
-        ReportException("of unknown type");
+        nxThreadReport::ExceptionLeftRun("of unknown type");
     }
     return nullptr;
 }

@@ -7,7 +7,7 @@
 
 #include "core/log/internal/nxLogCounters.h"
 #include "core/platform/nxThreadHooks.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 
 namespace
 {
@@ -121,7 +121,7 @@ std::uint64_t nxLogChannelList::DropWaiting(std::uint64_t inHand) noexcept
 
 std::size_t nxLogChannelList::AfterForkInChild() noexcept
 {
-    nxMutexInChild::Renew(_mutex);
+    nxForkMutex::Renew(_mutex);
     // Rings of the parent's other threads are abandoned: their contents may be half written. They are kept in a list,
     // for leak checkers.
     [[gnu::used]] static nxLogRing* abandoned;

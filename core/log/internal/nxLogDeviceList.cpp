@@ -8,7 +8,7 @@
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/platform/nxClock.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -193,7 +193,7 @@ void nxLogDeviceList::AfterForkInParent() noexcept
 
 void nxLogDeviceList::AfterForkInChild() noexcept
 {
-    nxMutexInChild::Renew(_mutex);
+    nxForkMutex::Renew(_mutex);
     for (const auto& entry : *_entries)
         entry->AfterForkInChild();
     // The threads inside of those do not exist in the child, and their locks are held for good.

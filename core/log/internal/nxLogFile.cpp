@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/app/nxConfigurationKeys.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
@@ -12,6 +11,7 @@
 #include "core/platform/nxDirectory.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxStandardStream.h"
+#include "core/process/inline/nxConfigurationKeys.h"
 #include "core/text/nxPrintableText.h"
 #include "core/time/nxTimeStamp.h"
 

@@ -6,7 +6,7 @@
 
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 
 /// What a device does with its own lock around a fork. A thread may be inside the device for as long as a disk or a reader
 /// takes, and must not keep the process from forking: after nxLogLimits::DevicesAtFork, for all devices together, the fork
@@ -39,7 +39,7 @@ public:
     {
         _deadline = 0;
         if (wasTaken)
-            nxMutexInChild::Renew(mutex);
+            nxForkMutex::Renew(mutex);
         else
             ::new (&mutex) nxMutex;
     }

@@ -8,7 +8,7 @@
 #include "core/log/internal/nxLogRecordBytes.h"
 #include "core/platform/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -219,7 +219,7 @@ void nxLogRingMemory::Trim() noexcept
 
 void nxLogRingMemory::AfterForkInChild(std::size_t bytesInUse) noexcept
 {
-    nxMutexInChild::Renew(_mutex);
+    nxForkMutex::Renew(_mutex);
     _bytes.store(bytesInUse + _freeSegmentCount * RingSize, std::memory_order_relaxed);
     _blocks.store(0, std::memory_order_relaxed);
 }

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "core/log/internal/nxLogEscape.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept
@@ -36,7 +36,7 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
     return kept;
 }
 
-void nxLogSourceTable::AfterForkInChild() noexcept { nxMutexInChild::Renew(_mutex); }
+void nxLogSourceTable::AfterForkInChild() noexcept { nxForkMutex::Renew(_mutex); }
 
 // Defined here because a site is the inline part of a statement and does not know the table.
 const nxLogSource* nxLogSite::_Keep() noexcept
