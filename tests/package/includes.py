@@ -53,7 +53,7 @@ LOG_PARTS = (
 # Not yet true of the whole tree.
 UNITS_FORM_NO_CIRCLE = False
 FOLDERS_FORM_NO_CIRCLE = False
-LOG_IS_IN_ORDER = False
+LOG_IS_IN_ORDER = True
 SYSTEM_IS_IN_ITS_FOLDER = False
 FORKS_ARE_HANDLED_IN_ONE_FILE = False
 
