@@ -6,7 +6,7 @@
 
 namespace
 {
-using Registry = nxBitMaskRegistry<nxBitMask::Word>;
+using RegistryOf32Bits = nxBitMaskRegistry<nxBitMask::Word>;
 }  // namespace
 
 nxBitMask::~nxBitMask() = default;
@@ -27,18 +27,18 @@ void nxBitMask::SetNoChange() { _word = NoChangeBit; }
 
 std::string nxBitMask::GetShortDescription(const std::string& separator) const
 {
-    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::first);
+    return RegistryOf32Bits::GetInstance().Describe(*this, separator, &RegistryOf32Bits::Texts::first);
 }
 
 std::string nxBitMask::GetLongDescription(const std::string& separator) const
 {
-    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::second);
+    return RegistryOf32Bits::GetInstance().Describe(*this, separator, &RegistryOf32Bits::Texts::second);
 }
 
 bool nxBitMask::_Register(const std::string& className, unsigned bit, const std::string& shortDescription,
                           const std::string& longDescription)
 {
-    return Registry::GetInstance().Register(className, bit, shortDescription, longDescription);
+    return RegistryOf32Bits::GetInstance().Register(className, bit, shortDescription, longDescription);
 }
 
 bool nxBitMask::_Register(unsigned bit, const std::string& shortDescription, const std::string& longDescription)
@@ -46,7 +46,7 @@ bool nxBitMask::_Register(unsigned bit, const std::string& shortDescription, con
     return _Register(GetClassName(), bit, shortDescription, longDescription);
 }
 
-nxBitMask::DescriptionMap& nxBitMask::_GetDescriptionMap() { return Registry::GetInstance().GetMap(); }
+nxBitMask::DescriptionMap& nxBitMask::_GetDescriptionMap() { return RegistryOf32Bits::GetInstance().GetMap(); }
 
 std::ostream& operator<<(std::ostream& stream, const nxBitMask& mask)
 {

@@ -6,7 +6,7 @@
 
 namespace
 {
-using Registry = nxBitMaskRegistry<nxBitMask64::Word>;
+using RegistryOf64Bits = nxBitMaskRegistry<nxBitMask64::Word>;
 }  // namespace
 
 nxBitMask64::~nxBitMask64() = default;
@@ -27,18 +27,18 @@ void nxBitMask64::SetNoChange() { _word = NoChangeBit; }
 
 std::string nxBitMask64::GetShortDescription(const std::string& separator) const
 {
-    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::first);
+    return RegistryOf64Bits::GetInstance().Describe(*this, separator, &RegistryOf64Bits::Texts::first);
 }
 
 std::string nxBitMask64::GetLongDescription(const std::string& separator) const
 {
-    return Registry::GetInstance().Describe(*this, separator, &Registry::Texts::second);
+    return RegistryOf64Bits::GetInstance().Describe(*this, separator, &RegistryOf64Bits::Texts::second);
 }
 
 bool nxBitMask64::_Register(const std::string& className, unsigned long long bit, const std::string& shortDescription,
                             const std::string& longDescription)
 {
-    return Registry::GetInstance().Register(className, bit, shortDescription, longDescription);
+    return RegistryOf64Bits::GetInstance().Register(className, bit, shortDescription, longDescription);
 }
 
 bool nxBitMask64::_Register(unsigned long long bit, const std::string& shortDescription,
@@ -47,7 +47,7 @@ bool nxBitMask64::_Register(unsigned long long bit, const std::string& shortDesc
     return _Register(GetClassName(), bit, shortDescription, longDescription);
 }
 
-nxBitMask64::DescriptionMap& nxBitMask64::_GetDescriptionMap() { return Registry::GetInstance().GetMap(); }
+nxBitMask64::DescriptionMap& nxBitMask64::_GetDescriptionMap() { return RegistryOf64Bits::GetInstance().GetMap(); }
 
 std::ostream& operator<<(std::ostream& stream, const nxBitMask64& mask)
 {

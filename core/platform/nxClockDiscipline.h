@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// One reading of the processor's counter and, at the same moment, of the system's two clocks in nanoseconds.
 struct nxClockReading

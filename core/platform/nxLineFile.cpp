@@ -6,7 +6,7 @@
 #include <new>
 #include <utility>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 namespace
 {

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <limits>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/time/nxTimeStamp.h"
 
 /// For the tests of applications: stops the process's clock and moves it by hand.

@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "core/log/nxLogMacros.h"
-#include "core/platform/nxRobustMutex.h"
+#include "core/platform/linux/inline/nxRobustMutex.h"
 
 namespace
 {

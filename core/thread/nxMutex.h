@@ -5,7 +5,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
-#include "core/platform/nxRobustMutex.h"
+#include "core/platform/linux/inline/nxRobustMutex.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A mutex that reports misuse instead of hanging or corrupting: one POSIX mutex and nothing else.

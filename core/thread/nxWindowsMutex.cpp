@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "core/platform/nxRobustMutex.h"
+#include "core/platform/linux/inline/nxRobustMutex.h"
 #include "core/thread/internal/nxNamedHandle.h"
 
 namespace

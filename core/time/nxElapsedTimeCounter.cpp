@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 namespace
 {

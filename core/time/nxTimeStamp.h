@@ -11,7 +11,7 @@
 
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/nxExport.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 class nxDateTime;
 

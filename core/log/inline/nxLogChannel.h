@@ -8,7 +8,7 @@
 
 #include "core/enum/nxEnumValue.h"
 #include "core/nxExport.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 struct nxLogSource;
 struct nxLogSegment;

@@ -7,7 +7,7 @@
 #include "core/log/internal/nxLogQueue.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutexGuard.h"

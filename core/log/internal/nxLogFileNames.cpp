@@ -6,7 +6,7 @@
 
 #include "core/app/nxApplicationData.h"
 #include "core/log/nxFileLogDevice.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
 #include "core/time/nxCalendar.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <new>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/thread/internal/nxMutexInChild.h"
 #include "core/thread/nxMutex.h"

@@ -19,7 +19,7 @@ constexpr std::size_t longestValue = 256;
 // More of a level's name is not shown.
 constexpr std::size_t longestLevel = 16;
 constexpr std::string_view cutMark = "... [cut]";
-constexpr char hexDigits[] = "0123456789ABCDEF";
+constexpr char hexDigitsOfBytes[] = "0123456789ABCDEF";
 
 std::uint64_t LoadWord(const char* text)
 {
@@ -92,7 +92,7 @@ std::size_t nxLogLineBuffer::_PutCharacter(std::string_view text) noexcept
     for (const char c : text.substr(0, hidden))
     {
         const auto byte = static_cast<unsigned char>(c);
-        const char escaped[] = {'\\', 'x', hexDigits[byte >> 4], hexDigits[byte & 15]};
+        const char escaped[] = {'\\', 'x', hexDigitsOfBytes[byte >> 4], hexDigitsOfBytes[byte & 15]};
         _Put({escaped, sizeof escaped});
     }
     if (hidden != 0)

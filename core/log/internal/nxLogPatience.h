@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// How long somebody has waited, as far as he was there to look. A process that is stopped, or kept from its processor
 /// for seconds, finds all that time gone at its next look: that says nothing about the device that it waits for, which

@@ -8,7 +8,7 @@
 
 #include "core/log/inline/nxLogChannel.h"
 #include "core/log/internal/nxLogRecord.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/thread/nxMutex.h"
 
 class nxLog;

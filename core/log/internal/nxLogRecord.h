@@ -2,7 +2,7 @@
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 
 #include "core/log/inline/nxLogSource.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// What devices and lines are made of: one record, wherever its bytes are. Owns nothing.
 struct nxLogRecord

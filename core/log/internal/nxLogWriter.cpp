@@ -15,7 +15,7 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxFutex.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/thread/nxMutexGuard.h"

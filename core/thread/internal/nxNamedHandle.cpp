@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "core/log/nxLogMacros.h"
-#include "core/platform/nxNamedObjectTable.h"
+#include "core/platform/linux/nxNamedObjectTable.h"
 #include "core/text/nxPrintableText.h"
 
 namespace

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "core/platform/nxNamedObjectFile.h"
+#include "core/platform/linux/nxNamedObjectFile.h"
 
 /// Opens named objects for the classes that hold them, and tells the log when there are none to be had or what is open
 /// has been cut off: once, until it works again.

@@ -1,12 +1,12 @@
-#ifndef CORE_PLATFORM_NXNAMEDOBJECT_H
-#define CORE_PLATFORM_NXNAMEDOBJECT_H
+#ifndef CORE_PLATFORM_LINUX_NXNAMEDOBJECT_H
+#define CORE_PLATFORM_LINUX_NXNAMEDOBJECT_H
 
 #include <pthread.h>
 
 #include <atomic>
 #include <cstdint>
 
-#include "core/platform/nxNamedSemaphore.h"
+#include "core/platform/linux/inline/nxNamedSemaphore.h"
 
 /// What a name stands for. The values are stored in the shared file.
 enum class nxNamedObjectKind : std::uint32_t

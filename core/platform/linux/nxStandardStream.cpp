@@ -11,9 +11,9 @@
 #include <cstdio>
 #include <utility>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/linux/nxUninterrupted.h"
 #include "core/platform/nxFile.h"
-#include "core/platform/nxUninterrupted.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "core/platform/nxNamedObjectTable.h"
+#include "core/platform/linux/nxNamedObjectTable.h"
 
 #include <pthread.h>
 #include <time.h>
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <new>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 nxNamedObjectTable& nxNamedObjectTable::GetInstance()
 {

@@ -1,11 +1,11 @@
-#include "core/platform/nxRecordLock.h"
+#include "core/platform/linux/nxRecordLock.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "core/platform/nxUninterrupted.h"
+#include "core/platform/linux/nxUninterrupted.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "core/platform/nxRobustMutex.h"
+#include "core/platform/linux/inline/nxRobustMutex.h"
 
 #include <cerrno>
 #include <ctime>

@@ -1,4 +1,4 @@
-#include "core/platform/nxNamedSemaphore.h"
+#include "core/platform/linux/inline/nxNamedSemaphore.h"
 
 #include <linux/futex.h>
 #include <sys/syscall.h>

@@ -9,9 +9,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxWriteSignals.h"
 #include "core/platform/nxEnvironment.h"
-#include "core/platform/nxUninterrupted.h"
-#include "core/platform/nxWriteSignals.h"
 
 namespace
 {

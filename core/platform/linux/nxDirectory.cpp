@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/platform/linux/nxUninterrupted.h"
 #include "core/platform/nxEnvironment.h"
-#include "core/platform/nxUninterrupted.h"
 
 namespace
 {

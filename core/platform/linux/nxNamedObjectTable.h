@@ -1,5 +1,5 @@
-#ifndef CORE_PLATFORM_NXNAMEDOBJECTTABLE_H
-#define CORE_PLATFORM_NXNAMEDOBJECTTABLE_H
+#ifndef CORE_PLATFORM_LINUX_NXNAMEDOBJECTTABLE_H
+#define CORE_PLATFORM_LINUX_NXNAMEDOBJECTTABLE_H
 
 #include <sys/types.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/platform/nxNamedObjectFile.h"
+#include "core/platform/linux/nxNamedObjectFile.h"
 
 /// The named objects of this process, in a file for each identity that it has had: a process that drops its privileges
 /// goes on in the table of the user that it has become, and keeps what it had open before.

@@ -1,4 +1,4 @@
-#include "core/platform/nxNamedObjectFile.h"
+#include "core/platform/linux/nxNamedObjectFile.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -12,9 +12,9 @@
 #include <iterator>
 #include <new>
 
-#include "core/platform/nxRecordLock.h"
-#include "core/platform/nxScopedDescriptor.h"
-#include "core/platform/nxUninterrupted.h"
+#include "core/platform/linux/nxRecordLock.h"
+#include "core/platform/linux/nxScopedDescriptor.h"
+#include "core/platform/linux/nxUninterrupted.h"
 
 namespace
 {

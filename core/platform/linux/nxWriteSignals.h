@@ -1,5 +1,5 @@
-#ifndef CORE_PLATFORM_NXWRITESIGNALS_H
-#define CORE_PLATFORM_NXWRITESIGNALS_H
+#ifndef CORE_PLATFORM_LINUX_NXWRITESIGNALS_H
+#define CORE_PLATFORM_LINUX_NXWRITESIGNALS_H
 
 #include <pthread.h>
 #include <signal.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <ctime>
 
-#include "core/platform/nxUninterrupted.h"
+#include "core/platform/linux/nxUninterrupted.h"
 
 /// Keeps from the process the signals with which the system accompanies a failed write. One that was waiting to be
 /// delivered before stays waiting.

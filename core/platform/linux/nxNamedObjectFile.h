@@ -1,5 +1,5 @@
-#ifndef CORE_PLATFORM_NXNAMEDOBJECTFILE_H
-#define CORE_PLATFORM_NXNAMEDOBJECTFILE_H
+#ifndef CORE_PLATFORM_LINUX_NXNAMEDOBJECTFILE_H
+#define CORE_PLATFORM_LINUX_NXNAMEDOBJECTFILE_H
 
 #include <sys/types.h>
 
@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/platform/nxNamedObject.h"
-#include "core/platform/nxNamedObjectPlace.h"
+#include "core/platform/linux/nxNamedObject.h"
+#include "core/platform/linux/nxNamedObjectPlace.h"
 
 /// What came of a request for a named object.
 enum class nxNamedObjectAnswer

@@ -1,5 +1,5 @@
-#ifndef CORE_PLATFORM_NXCLOCK_H
-#define CORE_PLATFORM_NXCLOCK_H
+#ifndef CORE_PLATFORM_INLINE_NXCLOCK_H
+#define CORE_PLATFORM_INLINE_NXCLOCK_H
 
 #include <atomic>
 #include <cstdint>

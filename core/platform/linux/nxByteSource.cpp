@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "core/platform/nxUninterrupted.h"
+#include "core/platform/linux/nxUninterrupted.h"
 
 namespace
 {

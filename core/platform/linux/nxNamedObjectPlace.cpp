@@ -1,4 +1,4 @@
-#include "core/platform/nxNamedObjectPlace.h"
+#include "core/platform/linux/nxNamedObjectPlace.h"
 
 #include <fcntl.h>
 #include <limits.h>
@@ -9,8 +9,8 @@
 #include <cerrno>
 #include <string>
 
+#include "core/platform/linux/nxScopedDescriptor.h"
 #include "core/platform/nxEnvironment.h"
-#include "core/platform/nxScopedDescriptor.h"
 
 namespace
 {
