@@ -9,13 +9,14 @@ install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The public headers, and those that they need inline. What lies in internal/ is the library's own, and so is platform/ but
-# for its inline/ folders. A test checks that no installed header includes one that is not, and that none is superfluous.
+# The public headers, and those that they need inline. What lies in internal/ is the library's own, and so are platform/ and
+# process/ but for their inline/ folders. A test checks that no installed header includes one that is not, and that none is
+# superfluous.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}" COMPONENT development
-    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE)
-foreach(folder inline ${NXCORE_SYSTEM}/inline)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/platform/${folder}/" COMPONENT development
-        DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/platform/${folder}" FILES_MATCHING PATTERN "*.h")
+    FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE PATTERN "process" EXCLUDE)
+foreach(folder platform/inline platform/${NXCORE_SYSTEM}/inline process/inline)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/${folder}/" COMPONENT development
+        DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/${folder}" FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
 endforeach()
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
     DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core" COMPONENT development)

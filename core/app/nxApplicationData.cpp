@@ -1,10 +1,11 @@
 #include "core/app/nxApplicationData.h"
 
-#include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/platform/nxProcess.h"
+#include "core/process/nxApplicationName.h"
 #include "core/text/nxStringHelper.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -12,7 +13,6 @@ namespace
 struct Settings
 {
     nxMutex mutex;  // guards the others
-    std::string applicationName;
     std::string applicationInstanceName;
     std::string userName;
     std::string location;
@@ -31,7 +31,7 @@ nxMutex& TheMutex() { return TheSettings().mutex; }
 Settings& TheSettings()
 {
     static Settings& settings = *new Settings;
-    static const bool survivesForks = nxMutexAcrossFork<&TheMutex>::Register();
+    static const bool survivesForks = nxForkMutex::Register<&TheMutex>();
     static_cast<void>(survivesForks);
     return settings;
 }
@@ -56,8 +56,8 @@ void Set(Value Settings::*setting, const Value& value)
 }
 }  // namespace
 
-std::string nxApplicationData::GetApplicationName() { return Get(&Settings::applicationName); }
-void nxApplicationData::SetApplicationName(const std::string& name) { Set(&Settings::applicationName, name); }
+std::string nxApplicationData::GetApplicationName() { return nxApplicationName::Get(); }
+void nxApplicationData::SetApplicationName(const std::string& name) { nxApplicationName::Set(name); }
 
 std::string nxApplicationData::GetApplicationInstanceName() { return Get(&Settings::applicationInstanceName); }
 void nxApplicationData::SetApplicationInstanceName(const std::string& name)

@@ -7,11 +7,11 @@
 #include <cstring>
 #include <set>
 
-#include "core/app/internal/nxMutexAcrossFork.h"
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
 #include "core/text/nxPrintableText.h"
 #include "core/text/nxStringHelper.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -100,7 +100,7 @@ nxCmdLineArgs& nxCmdLineArgs::GetInstance()
 {
     // Never destroyed: threads and the destructors of other globals may ask while the process ends.
     static nxCmdLineArgs& instance = *new nxCmdLineArgs;
-    static const bool survivesForks = nxMutexAcrossFork<&_GetInstanceMutex>::Register();
+    static const bool survivesForks = nxForkMutex::Register<&_GetInstanceMutex>();
     static_cast<void>(survivesForks);
     return instance;
 }

@@ -13,17 +13,13 @@
 
 #include <cstddef>
 
-/// @cond
-#define NX_CONFIGURATION_KEY(key) inline constexpr char key[] = #key;
-#include "core/app/nxConfigurationKeys.inc"
-#undef NX_CONFIGURATION_KEY
-/// @endcond
+#include "core/process/inline/nxConfigurationKeys.h"
 
 /// All keys in the order of their groups, e.g. to look for the key closest to a mistyped variable.
 inline constexpr const char* nxConfigurationKeys[] = {
 /// @cond
 #define NX_CONFIGURATION_KEY(key) key,
-#include "core/app/nxConfigurationKeys.inc"
+#include "core/process/inline/nxConfigurationKeys.inc"
 #undef NX_CONFIGURATION_KEY
     /// @endcond
 };

@@ -4,21 +4,20 @@
 #include <charconv>
 #include <system_error>
 
-#include "core/app/nxCmdLineArgs.h"
-#include "core/app/nxConfigurationKeys.h"
 #include "core/platform/nxEnvironment.h"
+#include "core/process/inline/nxConfigurationKeys.h"
+#include "core/process/nxEnvironmentCopy.h"
 
 namespace
 {
 std::string Get(const std::string& key)
 {
-    return nxEnvironment::IsSecureExecution() ? std::string() : nxCmdLineArgs::GetInstance().GetEnvValue(key);
+    return nxEnvironment::IsSecureExecution() ? std::string() : nxEnvironmentCopy::GetValue(key);
 }
 
 bool GetBool(const std::string& key, bool defaultValue)
 {
-    return nxEnvironment::IsSecureExecution() ? defaultValue
-                                              : nxCmdLineArgs::GetInstance().GetEnvValueAsBool(key, defaultValue);
+    return nxEnvironment::IsSecureExecution() ? defaultValue : nxEnvironmentCopy::GetBool(key, defaultValue);
 }
 
 std::uint64_t GetNumber(const std::string& key, std::uint64_t defaultValue, std::uint64_t smallest,

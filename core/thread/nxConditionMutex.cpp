@@ -2,16 +2,7 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
-
-namespace
-{
-void ReportDeath()
-{
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxConditionMutex", __LINE__)
-        << "The owner of a robust mutex died while another thread waited";
-}
-}  // namespace
+#include "core/thread/internal/nxThreadReport.h"
 
 nxErrorEnum nxConditionMutex::Wait()
 {
@@ -24,7 +15,7 @@ nxErrorEnum nxConditionMutex::Wait()
         Consistent();
     pthread_mutex_unlock(&_mutex);
     if (ownerDied)
-        ReportDeath();
+        nxThreadReport::OwnerDiedDuringWait();
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
@@ -33,7 +24,7 @@ nxErrorEnum nxConditionMutex::LockAndWait()
     if (Lock() == NX_ERR_THR_OWNER_DEAD)
     {
         Consistent();
-        ReportDeath();
+        nxThreadReport::OwnerDiedDuringWait();
     }
     return Wait();
 }

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxDeadline.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 nxErrorEnum nxConditionRaw::TimedWait(nxMutex& mutex, double seconds)
 {
@@ -28,7 +28,6 @@ nxErrorEnum nxConditionRaw::InitialiseAsShared()
     }
     if (result == 0)
         return nxErrorEnum();
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxConditionRaw", 62)
-        << "Condition could not be created in shared memory. Result : " << result;
+    nxThreadReport::ConditionNotShared(result);
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/linux/inline/nxRobustMutex.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 namespace
 {
@@ -17,7 +17,7 @@ int InitialiseShared(pthread_mutex_t& mutex, pthread_mutexattr_t& attributes, bo
     if (result == 0 && robust)
     {
         result = pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
-        NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxMutex", 107) << "Set Robust attribute. result: " << result;
+        nxThreadReport::RobustAttributeSet(result);
     }
     if (result == 0)
         result = pthread_mutex_init(&mutex, &attributes);
@@ -53,8 +53,7 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     }
     if (result == 0)
         return nxErrorEnum();
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxMutex", 127)
-        << "Mutex could not be created in shared memory. Result : " << result;
+    nxThreadReport::MutexNotShared(result);
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 

@@ -1,6 +1,6 @@
 #include "core/thread/nxMutexGuard.h"
 
-#include "core/log/nxLogMacros.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 bool nxMutexGuard::_IsHeldDespite(const nxErrorEnum& error, nxMutex& mutex)
 {
@@ -9,7 +9,6 @@ bool nxMutexGuard::_IsHeldDespite(const nxErrorEnum& error, nxMutex& mutex)
     // Unlocking a mutex that is not consistent would make it unusable for ever.
     mutex.AssertHeld();
     const nxErrorEnum repaired = mutex.Consistent();
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxMutexGuard", __LINE__)
-        << "The owner of a robust mutex died while it held the mutex. Made consistent: " << repaired.IsOK();
+    nxThreadReport::OwnerDiedBeforeLock(repaired.IsOK());
     return true;
 }

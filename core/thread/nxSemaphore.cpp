@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxDeadline.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 // Zeroed first: should the initialisation fail, the other operations find a defined object.
 nxSemaphore::nxSemaphore(unsigned initialCount) : _semaphore()
@@ -18,8 +18,7 @@ nxErrorEnum nxSemaphore::InitialiseAsShared(unsigned initialCount)
     const int result = sem_init(&_semaphore, 1, initialCount);
     if (result == 0)
         return nxErrorEnum();
-    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxSemaphore", 87)
-        << "Semaphore could not be created in shared memory. Result : " << result;
+    nxThreadReport::SemaphoreNotShared(result);
     return nxErrorEnum(NX_ERR_THR_UNSUPPORTED);
 }
 

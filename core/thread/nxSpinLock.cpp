@@ -2,14 +2,13 @@
 
 #include <cerrno>
 
-#include "core/log/nxLogMacros.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 nxErrorEnum nxSpinLock::InitialiseAsShared()
 {
     if (pthread_spin_init(&_lock, PTHREAD_PROCESS_SHARED) == 0)
         return nxErrorEnum();
-    // The text speaks of a semaphore; those who search logs for it know it so.
-    NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxSpinLock", 43) << "Semaphore error";
+    nxThreadReport::SpinLockNotShared();
     return nxErrorEnum(NX_ERR_INTERNAL);
 }
 

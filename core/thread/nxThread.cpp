@@ -3,17 +3,9 @@
 #include <cerrno>
 #include <exception>
 
-#include "core/log/nxLogMacros.h"
 #include "core/platform/nxPlatformThread.h"
 #include "core/platform/nxServiceThread.h"
-
-namespace
-{
-void ReportException(const char* what)
-{
-    NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxThread", __LINE__) << "A thread ended with an exception: " << what;
-}
-}  // namespace
+#include "core/thread/internal/nxThreadReport.h"
 
 // The attributes are initialised here as well as in Create(), so that the destructor always has something to destroy.
 nxThread::nxThread() : _attributes(), _handle(), _started(false) { pthread_attr_init(&_attributes); }
@@ -73,14 +65,14 @@ void* nxThread::_ThreadProc(void* self)
     }
     catch (const std::exception& exception)
     {
-        ReportException(exception.what());
+        nxThreadReport::ExceptionLeftRun(exception.what());
     }
     catch (...)
     {
         // Not an exception: the thread is being cancelled or has called pthread_exit, which has to go its way.
         if (std::current_exception() == nullptr)
             throw;
-        ReportException("of unknown type");
+        nxThreadReport::ExceptionLeftRun("of unknown type");
     }
     return nullptr;
 }

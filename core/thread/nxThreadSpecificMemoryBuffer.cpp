@@ -2,8 +2,7 @@
 
 #include <cstdlib>
 
-#include "core/log/nxLogMacros.h"
-#include "core/thread/nxThreadIndex.h"
+#include "core/thread/internal/nxThreadReport.h"
 
 nxThreadSpecificMemoryBuffer::nxThreadSpecificMemoryBuffer(const unsigned& size) : _increment(size) { _Initialise(); }
 
@@ -13,16 +12,14 @@ void nxThreadSpecificMemoryBuffer::GrowBuffer()
 {
     const unsigned before = _capacity;
     _Reallocate(_capacity + _increment);
-    NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxThreadSpecificMemoryBuffer", 44)
-        << "Growing thread-specific memory buffer. Size: " << before << " -> " << _capacity;
+    nxThreadReport::BufferGrownByItsIncrement(before, _capacity);
 }
 
 void nxThreadSpecificMemoryBuffer::GrowBufferToSize(const unsigned& size)
 {
     const unsigned before = _capacity;
     _Reallocate(size);
-    NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxThreadSpecificMemoryBuffer", 60)
-        << "Growing thread-specific memory buffer. Size: " << before << " -> " << _capacity;
+    nxThreadReport::BufferGrownToSize(before, _capacity);
 }
 
 void nxThreadSpecificMemoryBuffer::_Initialise()
@@ -30,9 +27,7 @@ void nxThreadSpecificMemoryBuffer::_Initialise()
     _data = static_cast<char*>(std::malloc(_increment));
     _capacity = _increment;
     _used = 0;
-    NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxThreadSpecificMemoryBuffer", 95)
-        << "Allocated thread-specific memory buffer. Thread index: " << nxThreadIndex::GetIndexOfCurrentThread()
-        << ", Size: " << _capacity << ", Address: " << static_cast<const void*>(_data);
+    nxThreadReport::BufferAllocated(_capacity, _data);
 }
 
 void nxThreadSpecificMemoryBuffer::_Reallocate(unsigned capacity)

@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Holds the includes of core/ to docs/architecture.md: headers point sideways or down and form no circle, and the umbrella
-header names exactly the public ones. No header calls the virtual bounds of an enumeration, which g++ -O3 may turn into calls
-of functions that nobody instantiated.
+"""Holds the includes of core/ to docs/architecture.md.
 
-    includes.py SOURCE               the headers of the source tree
+A unit is a header with its source and lists: one path without extension. Includes point sideways or down, units form no
+circle and folders form none, the parts of the log are in the order below, the operating system is named in its folder
+alone, and the umbrella header names exactly the public headers. No header calls the virtual bounds of an enumeration,
+which g++ -O3 may turn into calls of functions that nobody instantiated.
+
+    includes.py SOURCE               the headers and sources of the source tree
     includes.py SOURCE INSTALLED     what was installed from it: the public headers, and all they need and no more
 """
 
@@ -11,77 +14,200 @@ import os
 import re
 import sys
 
-LAYERS = {"enum": 0, "text": 1, "numeric": 1, "time": 1, "thread": 2, "log": 3, "price": 4, "app": 5, "format": 6, "testing": 6}
+# The folders of core/, bottom first. Folders of one line are side by side.
+LAYERS = (
+    ("platform",),
+    ("enum",),
+    ("text", "numeric", "time"),
+    ("thread",),
+    ("process",),
+    ("log",),
+    ("price",),
+    ("app",),
+    ("format", "testing"),
+)
+
+# The parts of the log, bottom first, each with its units. A part includes itself and the parts before it.
+LOG_PARTS = (
+    ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
+    ("record", "internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage inline/nxLogSource "
+               "internal/nxLogSourceTable internal/nxLogEscape"),
+    ("counters, switches, limits", "internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
+    ("bell", "internal/nxLogBell internal/nxLogWait"),
+    ("memory", "internal/nxLogRingMemory"),
+    ("ring", "inline/nxLogRing internal/nxLogRing"),
+    ("channels", "internal/nxLogChannelList"),
+    ("filling", "inline/nxLogChannel internal/nxLogBackpressure"),
+    ("merge", "internal/nxLogMerge"),
+    ("text", "internal/nxLogTimeText internal/nxLogQuickText internal/nxLogLineBuffer nxLogLineSink"),
+    ("record for people", "nxLog nxLogStatement nxLogMacros nxLogLine internal/nxLogHexDump"),
+    ("devices", "nxLogDevice internal/nxLogForkLock internal/nxLogDeviceEntry internal/nxLogDeviceList"),
+    ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogUpkeep"),
+    ("writer", "internal/nxLogWriter internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
+    ("manager", "nxLogManager nxLogSettings"),
+    ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile internal/nxLogFileNames nxLogSetUp"),
+    ("reports from below", "internal/nxThreadReport"),
+)
+
+# Not yet true of the whole tree.
+UNITS_FORM_NO_CIRCLE = False
+FOLDERS_FORM_NO_CIRCLE = False
+LOG_IS_IN_ORDER = False
+SYSTEM_IS_IN_ITS_FOLDER = False
+FORKS_ARE_HANDLED_IN_ONE_FILE = False
+
+# What belongs to the system: its folder, and the header that gives the locks their primitives.
+SYSTEM_FOLDER = "core/platform/linux/"
+NATIVE = "nxNative.h"
+# Headers of the processor, not of the system, and the one of the library that a formatter is for.
+PROCESSOR_HEADERS = {"cpuid.h", "emmintrin.h"}
+FOREIGN_HEADERS = {("core/format/nxFmt.h", "fmt/format.h")}
 
 
-def headers(root):
-    """{header: [project headers that it includes]}, both relative to the root."""
-    found = {}
-    for folder, _, names in os.walk(os.path.join(root, "core")):
-        for name in names:
-            if name.endswith((".h", ".inc")):
-                path = os.path.join(folder, name)
-                with open(path, encoding="utf-8") as file:
-                    found[os.path.relpath(path, root)] = re.findall(r'^\s*#\s*include "(core/[^"]+)"', file.read(), re.M)
-    return found
+class Tree:
+    """The headers, sources and lists of core/ below a folder, as texts by their path from there."""
+
+    def __init__(self, root):
+        self.texts = {}
+        for folder, _, names in os.walk(os.path.join(root, "core")):
+            for name in names:
+                if name.endswith((".h", ".inc", ".cpp")):
+                    path = os.path.join(folder, name)
+                    with open(path, encoding="utf-8") as file:
+                        self.texts[os.path.relpath(path, root)] = file.read()
+
+    def includes(self):
+        """Every (file, project header that it includes)."""
+        return [(path, target) for path, text in sorted(self.texts.items())
+                for target in re.findall(r'^\s*#\s*include "([^"]+)"', text, re.M)]
+
+    def headers(self):
+        """{header or list: [project headers that it includes]}."""
+        graph = {path: [] for path in self.texts if not path.endswith(".cpp")}
+        for path, target in self.includes():
+            if path in graph:
+                graph[path].append(target)
+        return graph
+
+    def code(self):
+        """Every (file, its text without comments)."""
+        return [(path, re.sub(r"//[^\n]*|/\*.*?\*/", "", text, flags=re.S)) for path, text in sorted(self.texts.items())]
+
+
+def folder(path):
+    """The folder of core/ that a path is in; None for the files of core/ itself."""
+    parts = path.split("/")
+    return parts[1] if len(parts) > 2 else None
 
 
 def layer(path):
-    return LAYERS.get(path.split("/")[1])
+    """The number of the layer from the bottom; None for the files of core/ itself and for a folder without one."""
+    return next((number for number, folders in enumerate(LAYERS) if folder(path) in folders), None)
 
 
-def circle(graph):
-    """One circle of includes, or None."""
-    done, path = set(), []
-
-    def visit(node):
-        if node in path:
-            return path[path.index(node):] + [node]
-        if node in done:
-            return None
-        path.append(node)
-        for target in graph.get(node, []):
-            found = visit(target)
-            if found:
-                return found
-        path.pop()
-        done.add(node)
-        return None
-
-    for start in sorted(graph):
-        found = visit(start)
-        if found:
-            return found
-    return None
+def unit(path):
+    return os.path.splitext(path)[0]
 
 
 def is_public(path):
     """Whether a user may name the header: everything but what the library keeps to itself."""
-    return path.endswith(".h") and "/internal/" not in path and "/inline/" not in path and layer(path) is not None
+    return path.endswith(".h") and not re.search("/(internal|inline|platform|process)/", path) and folder(path) is not None
 
 
-def faults_of_source(graph):
-    faults = [f"{header} includes {target}: that is up" for header, targets in sorted(graph.items()) for target in targets
-              if layer(header) is not None and layer(target) is not None and layer(header) < layer(target)]
-    found = circle(graph)
-    if found:
-        faults.append("circle: " + " -> ".join(found))
-    faults += [f"{header} includes {target}, which is internal" for header, targets in sorted(graph.items())
-               for target in targets if is_public(header) and "/internal/" in target]
+def circles(edges):
+    """The sets of nodes that reach each other, each as a sorted list, from a list of (node, node)."""
+    graph = {}
+    for start, end in edges:
+        graph.setdefault(start, set()).add(end)
+        graph.setdefault(end, set())
+
+    def reached(start):
+        found, open_ends = set(), [start]
+        while open_ends:
+            for node in graph[open_ends.pop()] - found:
+                found.add(node)
+                open_ends.append(node)
+        return found
+
+    reach = {node: reached(node) for node in graph}
+    return sorted({tuple(sorted(other for other in reach[node] if node in reach[other])) for node in graph if node in reach[node]})
+
+
+def faults_of_circles(tree, name_of, kind):
+    """Circles among what the files belong to, each with its includes."""
+    includes = [(path, target) for path, target in tree.includes()
+                if name_of(path) and name_of(target) and name_of(path) != name_of(target)]
+    faults = []
+    for members in circles([(name_of(path), name_of(target)) for path, target in includes]):
+        faults.append(f"circle of {len(members)} {kind}: {' '.join(members)}")
+        faults += [f"    {path} includes {target}" for path, target in includes
+                   if name_of(path) in members and name_of(target) in members]
+    return faults
+
+
+def faults_of_layers(tree):
+    faults = [f"{path} is in no layer" for path in sorted(tree.texts) if folder(path) is not None and layer(path) is None]
+    faults += [f'{path} includes "{target}": paths begin with core/' for path, target in tree.includes()
+               if not target.startswith("core/")]
+    faults += [f"{path} includes {target}: that is up" for path, target in tree.includes()
+               if layer(path) is not None and layer(target) is not None and layer(path) < layer(target)]
+    return faults + [f"{path} includes {target}, which is the system's" for path, target in tree.includes()
+                     if target.startswith(SYSTEM_FOLDER) and not path.startswith("core/platform/") and "/inline/" not in target]
+
+
+def faults_of_log(tree):
+    """The log's units are each in one part, and include what is in their own part or in one before it."""
+    parts = {"core/log/" + stem: number for number, (_, stems) in enumerate(LOG_PARTS) for stem in stems.split()}
+    units = {unit(path) for path in tree.texts if folder(path) == "log"}
+    faults = [f"{stem} is in no part of the log" for stem in sorted(units - set(parts))]
+    faults += [f"{stem} is in a part of the log and not in the tree" for stem in sorted(set(parts) - units)]
+    return faults + [f"{path} ({LOG_PARTS[parts[unit(path)]][0]}) includes {target} ({LOG_PARTS[parts[unit(target)]][0]}): that is up"
+                     for path, target in tree.includes()
+                     if unit(path) in parts and unit(target) in parts and parts[unit(path)] < parts[unit(target)]]
+
+
+def faults_of_system(tree):
+    """The standard library's own headers have no extension and no folder."""
+    return [f"{path} includes <{header}>" for path, text in tree.code()
+            for header in re.findall(r"^\s*#\s*include <([^>]*[./][^>]*)>", text, re.M)
+            if not path.startswith(SYSTEM_FOLDER) and os.path.basename(path) != NATIVE
+            and header not in PROCESSOR_HEADERS and (path, header) not in FOREIGN_HEADERS]
+
+
+def faults_of_forks(tree):
+    files = [path for path, text in tree.code() if "pthread_atfork" in text]
+    return [] if len(files) == 1 else ["pthread_atfork is not called in one file: " + (" ".join(files) or "nowhere")]
+
+
+def faults_of_umbrella(graph):
+    faults = [f"{header} includes {target}, which is internal" for header, targets in sorted(graph.items())
+              for target in targets if is_public(header) and "/internal/" in target]
     # Formatters need another library and test support is a target of its own: both are included by name.
-    wanted = {header for header in graph if is_public(header) and header.split("/")[1] not in ("format", "testing")}
+    wanted = {header for header in graph if is_public(header) and folder(header) not in ("format", "testing")}
     wanted |= {"core/nxExport.h", "core/nxVersion.h"}
     named = set(graph["core/nxCore.h"])
     faults += [f"core/nxCore.h lacks {header}" for header in sorted(wanted - named)]
     return faults + [f"core/nxCore.h names {header}, which is not public" for header in sorted(named - wanted)]
 
 
-def faults_of_calls(root):
+def faults_of_calls(tree):
     """Declarations have their result before the name."""
-    faults = []
-    for header in headers(root):
-        with open(os.path.join(root, header), encoding="utf-8") as file:
-            faults += [f"{header} calls {call}" for call in re.findall(r"(?<!unsigned )\b_M(?:in|ax)Value\(\)", file.read())]
+    return [f"{path} calls {call}" for path, text in sorted(tree.texts.items()) if not path.endswith(".cpp")
+            for call in re.findall(r"(?<!unsigned )\b_M(?:in|ax)Value\(\)", text)]
+
+
+def faults_of_source(tree):
+    faults = faults_of_layers(tree) + faults_of_umbrella(tree.headers()) + faults_of_calls(tree)
+    if UNITS_FORM_NO_CIRCLE:
+        faults += faults_of_circles(tree, unit, "units")
+    if FOLDERS_FORM_NO_CIRCLE:
+        faults += faults_of_circles(tree, folder, "folders")
+    if LOG_IS_IN_ORDER:
+        faults += faults_of_log(tree)
+    if SYSTEM_IS_IN_ITS_FOLDER:
+        faults += faults_of_system(tree)
+    if FORKS_ARE_HANDLED_IN_ONE_FILE:
+        faults += faults_of_forks(tree)
     return faults
 
 
@@ -98,9 +224,8 @@ def faults_of_installation(graph, installed):
 
 
 def main():
-    graph = headers(sys.argv[1])
-    faults = faults_of_installation(graph, headers(sys.argv[2])) if len(sys.argv) > 2 else \
-        faults_of_source(graph) + faults_of_calls(sys.argv[1])
+    tree = Tree(sys.argv[1])
+    faults = faults_of_installation(tree.headers(), Tree(sys.argv[2]).headers()) if len(sys.argv) > 2 else faults_of_source(tree)
     print("\n".join(faults))
     return 1 if faults else 0
 

@@ -9,7 +9,7 @@
 
 #include "core/log/internal/nxLogLineBuffer.h"
 #include "core/log/internal/nxLogSourceTable.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept
@@ -37,7 +37,7 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
     return &_sources.emplace(Key(std::string_view(texts, fileSize), line), source).first->second;
 }
 
-void nxLogSourceTable::AfterForkInChild() noexcept { nxMutexInChild::Renew(_mutex); }
+void nxLogSourceTable::AfterForkInChild() noexcept { nxForkMutex::Renew(_mutex); }
 
 const nxLogSource* nxLogSite::_Keep() noexcept
 {

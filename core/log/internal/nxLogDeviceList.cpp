@@ -9,7 +9,7 @@
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -296,7 +296,7 @@ void nxLogDeviceList::AfterForkInParent() noexcept
 
 void nxLogDeviceList::AfterForkInChild() noexcept
 {
-    nxMutexInChild::Renew(_mutex);
+    nxForkMutex::Renew(_mutex);
     for (const auto& entry : *_entries)
         entry->AfterForkInChild();
     // Whoever was inside of those is gone, and their locks stay with him.

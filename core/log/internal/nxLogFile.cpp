@@ -3,21 +3,21 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/app/nxConfigurationKeys.h"
 #include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxDirectory.h"
+#include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxStandardStream.h"
+#include "core/process/inline/nxConfigurationKeys.h"
 #include "core/text/nxPrintableText.h"
 #include "core/time/nxTimeStamp.h"
 
 namespace
 {
-constexpr const char* sourceFile = "core/trunk/nxFileLogDevice";
-constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr const char* fileDeviceSource = "core/trunk/nxFileLogDevice";
 
 // One line. Names of files may be anybody's.
 void Complain(const std::string& line)
@@ -96,7 +96,7 @@ int nxLogFile::_CreateNext(const nxDirectory& directory, const std::string& date
 // The file that is open stays so when this fails.
 bool nxLogFile::_OpenNext()
 {
-    _nextCheck = nxClock::MonotonicNanoseconds() + nanosecondsPerSecond;
+    _nextCheck = nxClock::MonotonicNanoseconds() + nxNanoseconds::PerSecond;
     _mayOpen = false;
     _names.ReadProcess();
     // Read once: a file lies in the directory of the date that it is said to have.
@@ -160,7 +160,7 @@ void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::s
 {
     if (!nxLogManager::ShouldLog(level))
         return;
-    nxLog record(level, sourceFile, line, nxTimeStamp::Now());
+    nxLog record(level, fileDeviceSource, line, nxTimeStamp::Now());
     record << text;
     std::string lines;
     nxLogLine::Append(lines, record, Style);
@@ -174,7 +174,7 @@ void nxLogFile::Maintain(std::int64_t now)
 {
     if (!_isCreated || now < _nextCheck)
         return;
-    _nextCheck = now + nanosecondsPerSecond;
+    _nextCheck = now + nxNanoseconds::PerSecond;
     _mayOpen = true;
     nxStandardStream::GetErrors().Look();
     _Look();
@@ -238,7 +238,7 @@ bool nxLogFile::_MustHandOver(bool atOnce, std::int64_t now)
 {
     const bool must = atOnce || _settings.forceFlush || now >= _nextHandOver;
     if (must)
-        _nextHandOver = now + static_cast<std::int64_t>(_settings.secondsBetweenFlushes) * nanosecondsPerSecond;
+        _nextHandOver = now + static_cast<std::int64_t>(_settings.secondsBetweenFlushes) * nxNanoseconds::PerSecond;
     return must;
 }
 

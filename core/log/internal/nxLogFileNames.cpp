@@ -4,11 +4,11 @@
 
 #include <algorithm>
 
-#include "core/app/nxApplicationData.h"
 #include "core/log/nxFileLogDevice.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
+#include "core/process/nxApplicationName.h"
 #include "core/time/nxCalendar.h"
 
 namespace
@@ -75,7 +75,7 @@ std::string nxLogFileNames::GetToday() { return GetDate(nxClock::Now().seconds);
 std::string nxLogFileNames::ReadApplication()
 {
     constexpr std::size_t longestName = 64;
-    std::string name = nxApplicationData::GetApplicationName();
+    std::string name = nxApplicationName::Get();
     if (name.empty())
         name = program_invocation_short_name;
     name.resize(std::min(name.size(), longestName));

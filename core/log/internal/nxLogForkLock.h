@@ -6,7 +6,7 @@
 
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxPlatformThread.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutex.h"
 
 /// What a device does with its own lock around a fork. A thread may be inside the device for as long as a disk or a reader
@@ -51,7 +51,7 @@ public:
     {
         _deadline = 0;
         if (wasTaken)
-            nxMutexInChild::Renew(mutex);
+            nxForkMutex::Renew(mutex);
         else
             ::new (&mutex) nxMutex;
     }

@@ -13,7 +13,7 @@
 #include "core/log/nxLog.h"
 #include "core/platform/nxFutex.h"
 #include "core/platform/nxThreadHooks.h"
-#include "core/thread/internal/nxMutexInChild.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxThreadIndex.h"
 
@@ -964,7 +964,7 @@ std::uint64_t nxLogQueue::DropWaiting(unsigned inHand) noexcept
 
 void nxLogQueue::AfterForkInChild() noexcept
 {
-    nxMutexInChild::Renew(_mutex);
+    nxForkMutex::Renew(_mutex);
     // The channels of the other threads, which are gone, are left alone: what they hold was caught in the middle of
     // anything. They are kept in a list, for leak checkers. Those of this thread begin again, empty.
     [[gnu::used]] static nxLogChannel* caught;

@@ -14,16 +14,15 @@
 #include <span>
 
 #include "core/platform/nxFile.h"
+#include "core/platform/nxNanoseconds.h"
 
 namespace
 {
-constexpr long long nanosecondsPerSecond = 1'000'000'000;
-
 long long NanosecondsOf(clockid_t clock)
 {
     timespec now{};
     ::syscall(SYS_clock_gettime, clock, &now);  // also where a sandbox keeps the processor's counter from the C library
-    return now.tv_sec * nanosecondsPerSecond + now.tv_nsec;
+    return now.tv_sec * nxNanoseconds::PerSecond + now.tv_nsec;
 }
 
 // What the system says about the process, as the fields of /proc/self/stat. Asks without memory of its own.
@@ -60,8 +59,8 @@ long long StartSinceBoot()
     if (field == nullptr || ticksPerSecond <= 0)
         return -1;
     const long long ticks = std::strtoll(field, nullptr, 10);
-    return ticks / ticksPerSecond * nanosecondsPerSecond +
-           ticks % ticksPerSecond * (nanosecondsPerSecond / ticksPerSecond);
+    return ticks / ticksPerSecond * nxNanoseconds::PerSecond +
+           ticks % ticksPerSecond * (nxNanoseconds::PerSecond / ticksPerSecond);
 }
 
 // How useful an interface's address is to other machines; 0 is no use.
@@ -126,7 +125,7 @@ nxProcess::StartTime nxProcess::GetStartTime()
     long long start = NanosecondsOf(CLOCK_REALTIME);
     if (const long long sinceBoot = StartSinceBoot(); sinceBoot >= 0)
         start -= NanosecondsOf(CLOCK_BOOTTIME) - sinceBoot;
-    return {start / nanosecondsPerSecond, static_cast<unsigned>(start % nanosecondsPerSecond)};
+    return {start / nxNanoseconds::PerSecond, static_cast<unsigned>(start % nxNanoseconds::PerSecond)};
 }
 
 std::string nxProcess::GetHostName()

@@ -1,0 +1,57 @@
+#ifndef CORE_THREAD_INTERNAL_NXFORKMUTEX_H
+#define CORE_THREAD_INTERNAL_NXFORKMUTEX_H
+
+#include <new>
+
+#include "core/platform/nxThreadHooks.h"
+#include "core/thread/nxMutex.h"
+
+/// Mutexes that stay usable in forked children.
+///
+/// If another thread holds a mutex at the moment of a fork, the child waits for it for ever, because that thread does
+/// not exist there. The forking thread therefore takes the mutex before the fork, so that the data under it is whole in
+/// the child, and unlocks it in the parent. The child cannot unlock it, because its thread has another number, and
+/// constructs the mutex again.
+class nxForkMutex
+{
+public:
+    nxForkMutex() = delete;
+
+    /// Guards every fork of the process with a mutex that lives as long as the process. Called once for each mutex.
+    /// @tparam GetMutex returns the mutex, the same one every time.
+    /// @return whether the system accepted; otherwise forks go on without.
+    template <nxMutex& (*GetMutex)()>
+    static bool Register()
+    {
+        return nxThreadHooks::AtFork(&_Before<GetMutex>, &_AfterInParent<GetMutex>, &_AfterInChild<GetMutex>);
+    }
+
+    /// In the child: constructs again, unlocked, a mutex that the forking thread took before the fork. The unlock before
+    /// it fails, but without it the thread sanitizer, which follows locks through forks, believes the mutex held.
+    static void Renew(nxMutex& mutex) noexcept NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        mutex.Unlock();
+        ::new (&mutex) nxMutex;
+    }
+
+private:
+    template <nxMutex& (*GetMutex)()>
+    static void _Before() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        GetMutex().Lock();
+    }
+
+    template <nxMutex& (*GetMutex)()>
+    static void _AfterInParent() NX_NO_THREAD_SAFETY_ANALYSIS
+    {
+        GetMutex().Unlock();
+    }
+
+    template <nxMutex& (*GetMutex)()>
+    static void _AfterInChild()
+    {
+        Renew(GetMutex());
+    }
+};
+
+#endif
