@@ -10,9 +10,9 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogSettings.h"
+#include "core/platform/nxForkHandlers.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxServiceThread.h"
-#include "core/platform/nxThreadHooks.h"
 
 namespace
 {
@@ -76,8 +76,8 @@ nxLogManager::nxLogManager() noexcept
     {
         // The defaults serve.
     }
-    // Behind the environment, which has been read now: a fork takes its lock after those of the log.
-    nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild);
+    static constexpr nxForkHandlers::Functions functions{&BeforeFork, &AfterForkInParent, &AfterForkInChild};
+    nxForkHandlers::Register(nxForkHandlers::Rank::Log, functions);
 }
 
 void nxLogManager::Apply(const nxLogSettings& settings) noexcept

@@ -1,7 +1,6 @@
 #include "core/platform/inline/nxClock.h"
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -18,6 +17,7 @@
 #endif
 
 #include "core/platform/nxClockDiscipline.h"
+#include "core/platform/nxForkHandlers.h"
 
 namespace
 {
@@ -155,14 +155,17 @@ nxClock::Source nxClock::_Decide()
         return expected;
     // A child forked in the middle of an update would find the lines closed for ever.
     if (found == Source::Counter)
-        pthread_atfork(nullptr, nullptr,
-                       []
-                       {
-                           discipline = nxClockDiscipline();
-                           _lines.validity.store(0, std::memory_order_relaxed);
-                           _lines.exactRate.store(0, std::memory_order_relaxed);
-                           _lines.sequence.store(0, std::memory_order_release);
-                       });
+    {
+        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
+                                                             []
+                                                             {
+                                                                 discipline = nxClockDiscipline();
+                                                                 _lines.validity.store(0, std::memory_order_relaxed);
+                                                                 _lines.exactRate.store(0, std::memory_order_relaxed);
+                                                                 _lines.sequence.store(0, std::memory_order_release);
+                                                             }};
+        nxForkHandlers::Register(nxForkHandlers::Rank::Clock, functions);
+    }
     return found;
 }
 

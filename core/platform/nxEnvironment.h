@@ -24,6 +24,10 @@ public:
     /// Called in a forked child, where a thread of the parent that was in Copy() does not exist.
     static void AfterForkInChild() noexcept;
 
+    /// @return the system's array of the variables, each "name=value", with a null pointer at its end. Setting a variable
+    ///         may replace the array.
+    static char** GetArray();
+
     /// Sets a variable for this process and the children it starts later.
     /// @param name not empty, without '=' and NUL; @param value without NUL.
     /// @return whether the system accepted it.

@@ -1,6 +1,5 @@
 #include "core/platform/nxLocalZone.h"
 
-#include <pthread.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include <utility>
 
 #include "core/platform/nxEnvironment.h"
+#include "core/platform/nxForkHandlers.h"
 #include "core/platform/nxTimeZone.h"
 
 namespace
@@ -219,13 +219,16 @@ const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t seco
     if (!turn.IsOurs())
         return nullptr;
     if (lastAttempt.load(std::memory_order_relaxed) == 0)
-        pthread_atfork(nullptr, nullptr,
-                       []
-                       {
-                           isForkedChild.store(true, std::memory_order_relaxed);
-                           Turn::EndInChild();
-                           nxEnvironment::AfterForkInChild();
-                       });
+    {
+        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
+                                                             []
+                                                             {
+                                                                 isForkedChild.store(true, std::memory_order_relaxed);
+                                                                 Turn::EndInChild();
+                                                                 nxEnvironment::AfterForkInChild();
+                                                             }};
+        nxForkHandlers::Register(nxForkHandlers::Rank::LocalZone, functions);
+    }
     const Setting setting;
     if (!setting.IsKnown())
         return nullptr;

@@ -35,6 +35,13 @@ public:
     /// The address by which other machines are most likely to reach this one, from the interfaces that are up: an IPv4
     /// address, else a routable IPv6 address, else a link-local one, else the loopback address "127.0.0.1".
     static std::string GetIPAddress();
+
+    /// The name of the program's file without its folder, as it was started.
+    static std::string GetProgramName();
+
+    /// Has @p function called when the process ends by exit or by returning from main, and by quick_exit.
+    /// @return whether the system accepted.
+    static bool CallAtEnd(void (*function)()) noexcept;
 };
 
 #endif

@@ -8,7 +8,7 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/inline/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -70,7 +70,7 @@ bool nxLogDeviceEntry::_LockInTime(std::int64_t patience) noexcept
     {
         if (nxClock::MonotonicNanoseconds() > deadline)
             return false;
-        nxPlatformThread::SleepMilliseconds(1);
+        nxThisThread::SleepMilliseconds(1);
     }
     return true;
 }

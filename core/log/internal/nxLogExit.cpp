@@ -11,7 +11,6 @@
 #include "core/platform/nxProcess.h"
 #include "core/platform/nxServiceThread.h"
 #include "core/platform/nxStandardStream.h"
-#include "core/platform/nxThreadHooks.h"
 
 namespace
 {
@@ -61,7 +60,7 @@ void nxLogExit::Register() noexcept
 {
     // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever.
     static constinit bool isRegistered = false;
-    isRegistered = isRegistered || nxThreadHooks::AtExit(&WriteOutAtExit);
+    isRegistered = isRegistered || nxProcess::CallAtEnd(&WriteOutAtExit);
 }
 
 void nxLogExit::EndProcessIfLast() noexcept

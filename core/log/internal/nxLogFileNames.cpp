@@ -1,7 +1,5 @@
 #include "core/log/internal/nxLogFileNames.h"
 
-#include <errno.h>
-
 #include <algorithm>
 
 #include "core/log/nxFileLogDevice.h"
@@ -77,7 +75,7 @@ std::string nxLogFileNames::ReadApplication()
     constexpr std::size_t longestName = 64;
     std::string name = nxApplicationName::Get();
     if (name.empty())
-        name = program_invocation_short_name;
+        name = nxProcess::GetProgramName();
     name.resize(std::min(name.size(), longestName));
     for (char& c : name)
     {

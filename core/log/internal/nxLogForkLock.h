@@ -5,7 +5,7 @@
 #include <new>
 
 #include "core/platform/inline/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutex.h"
 
@@ -35,7 +35,7 @@ public:
         {
             if (nxClock::MonotonicNanoseconds() >= deadline)
                 return false;
-            nxPlatformThread::SleepMilliseconds(1);
+            nxThisThread::SleepMilliseconds(1);
         }
         return true;
     }

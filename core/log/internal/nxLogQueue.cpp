@@ -11,8 +11,8 @@
 #include "core/log/internal/nxLogPatience.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
-#include "core/platform/nxFutex.h"
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxThisThread.h"
+#include "core/platform/nxWaitWord.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxThreadIndex.h"
@@ -348,7 +348,7 @@ nxLogChannel* nxLogQueue::_NewChannel() noexcept
     auto* const channel = ::new (memory) nxLogChannel;
     channel->_head.store(segment->begin, std::memory_order_relaxed);
     channel->_limit = segment->begin;
-    channel->_processor = nxThreadHooks::GetProcessorWord();
+    channel->_processor = nxThisThread::GetProcessorWord();
     channel->_segment = segment;
     channel->_threadIndex = nxThreadIndex::GetIndexOfCurrentThread();
     channel->_tail.store(segment->begin, std::memory_order_relaxed);
@@ -368,7 +368,7 @@ nxLogChannel* nxLogQueue::_Attach() noexcept
     if (firstChannel == nullptr)
     {
         firstChannel = channel;
-        nxThreadHooks::AtThreadExit(&nxLogQueue::ThreadEnds, channel);
+        nxThisThread::CallAtEnd(&nxLogQueue::ThreadEnds, channel);
         return channel;
     }
     nxLogChannel* last = firstChannel;
@@ -465,7 +465,7 @@ bool nxLogQueue::_WaitUntil(const Attempt& attempt) noexcept
         found = attempt();
         if (found)
             break;
-        nxFutex::Wait(_progress, seen, waitSlice);
+        nxWaitWord::Wait(_progress, seen, waitSlice);
         const std::uint32_t progress = GetProgress();
         const std::int64_t waited = patience.Look();
         if (progress != seen)
@@ -488,7 +488,7 @@ void nxLogQueue::CountProgress() noexcept
 {
     _progress.fetch_add(1, std::memory_order_seq_cst);
     if (_waiting.load(std::memory_order_seq_cst) != 0)
-        nxFutex::WakeAll(_progress);
+        nxWaitWord::WakeAll(_progress);
 }
 
 bool nxLogQueue::_FindRoom(nxLogChannel& channel, std::size_t bytes, Effort effort) noexcept

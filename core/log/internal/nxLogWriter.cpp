@@ -16,8 +16,8 @@
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/platform/inline/nxClock.h"
-#include "core/platform/nxFutex.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/platform/nxThisThread.h"
+#include "core/platform/nxWaitWord.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -117,7 +117,7 @@ bool nxLogWriter::Stop(std::int64_t limit) noexcept
         const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
         if (left <= 0)
             return false;  // it will end when the device lets it, unless it is wanted again before
-        nxFutex::Wait(_reached, _reached.load(std::memory_order_relaxed), std::min(left, millisecond));
+        nxWaitWord::Wait(_reached, _reached.load(std::memory_order_relaxed), std::min(left, millisecond));
     }
     if (_thread != nullptr)
         _thread->Wait();
@@ -127,7 +127,7 @@ bool nxLogWriter::Stop(std::int64_t limit) noexcept
 void nxLogWriter::Wake() noexcept
 {
     if (_wake.exchange(called, std::memory_order_acq_rel) == asleep)
-        nxFutex::WakeAll(_wake);
+        nxWaitWord::WakeAll(_wake);
 }
 
 void nxLogWriter::Urge(nxEnumValue level) noexcept
@@ -155,7 +155,7 @@ void nxLogWriter::_Sleep(bool busy) noexcept
 {
     std::uint32_t expected = awake;
     if (_wake.compare_exchange_strong(expected, asleep, std::memory_order_acq_rel))
-        nxFutex::Wait(_wake, asleep, busy ? busySleep : idleSleep);
+        nxWaitWord::Wait(_wake, asleep, busy ? busySleep : idleSleep);
     // Not a plain store, which could reach memory after the exchange of a caller and so overwrite a call.
     _wake.exchange(awake, std::memory_order_acq_rel);
 }
@@ -220,7 +220,7 @@ bool nxLogWriter::_LockRound(std::int64_t patience) noexcept
     {
         if (nxClock::MonotonicNanoseconds() >= deadline)
             return false;
-        nxPlatformThread::SleepMilliseconds(1);
+        nxThisThread::SleepMilliseconds(1);
     }
     return true;
 }
@@ -255,7 +255,7 @@ bool nxLogWriter::_WaitUntilWritten(std::int64_t limit, std::int64_t stallLimit,
         const std::int64_t left = std::min(limit - waited, stallLimit - (waited - lastSign));
         if (left <= 0)
             return false;
-        nxFutex::Wait(_reached, reached, std::min(left, 10 * millisecond));
+        nxWaitWord::Wait(_reached, reached, std::min(left, 10 * millisecond));
     }
 }
 
@@ -315,7 +315,7 @@ bool nxLogWriter::_WriteQueued(bool everything) noexcept
     if (isAwaited && hasRun)
     {
         _reached.store(wanted, std::memory_order_release);
-        nxFutex::WakeAll(_reached);
+        nxWaitWord::WakeAll(_reached);
     }
     return found;
 }

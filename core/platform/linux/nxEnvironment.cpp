@@ -2,6 +2,7 @@
 
 #include <sched.h>
 #include <sys/auxv.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -30,6 +31,8 @@ catch (const std::exception&)
 {
     return {};
 }
+
+char** nxEnvironment::GetArray() { return environ; }
 
 bool nxEnvironment::Set(const std::string& name, const std::string& value)
 {

@@ -1,6 +1,5 @@
 #include "core/platform/linux/nxNamedObjectTable.h"
 
-#include <pthread.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 #include <new>
 
 #include "core/platform/inline/nxClock.h"
+#include "core/platform/nxForkHandlers.h"
 
 nxNamedObjectTable& nxNamedObjectTable::GetInstance()
 {
@@ -25,7 +25,11 @@ namespace
 [[maybe_unused]] const nxNamedObjectTable& madeAtLoad = nxNamedObjectTable::GetInstance();
 }  // namespace
 
-nxNamedObjectTable::nxNamedObjectTable() { pthread_atfork(&_BeforeFork, &_AfterForkInParent, &_AfterForkInChild); }
+nxNamedObjectTable::nxNamedObjectTable()
+{
+    static constexpr nxForkHandlers::Functions functions{&_BeforeFork, &_AfterForkInParent, &_AfterForkInChild};
+    nxForkHandlers::Register(nxForkHandlers::Rank::NamedObjects, functions);
+}
 
 nxNamedObject* nxNamedObjectTable::Open(const std::string& name, nxNamedObjectKind kind,
                                         const nxNamedObjectFile::Initialiser& initialise, Notice& notice)

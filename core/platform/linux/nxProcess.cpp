@@ -7,6 +7,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -148,4 +149,11 @@ std::string nxProcess::GetIPAddress()
         if (Usefulness(*each) > (best == nullptr ? 0 : Usefulness(*best)))
             best = each;
     return best == nullptr ? "127.0.0.1" : AddressText(*best->ifa_addr);
+}
+
+std::string nxProcess::GetProgramName() { return program_invocation_short_name; }
+
+bool nxProcess::CallAtEnd(void (*function)()) noexcept
+{
+    return std::atexit(function) == 0 && std::at_quick_exit(function) == 0;
 }

@@ -1,25 +1,41 @@
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxThisThread.h"
 
 #include <cxxabi.h>
 #include <pthread.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstddef>
-#include <cstdlib>
+#include <ctime>
+
+#include "core/platform/nxNanoseconds.h"
 
 #if __has_include(<sys/rseq.h>)
     #include <sys/rseq.h>
 #endif
 
-// The library itself, to the system: what it registers does not outlive it.
+// Stands for this library: what is registered with it ends with it.
 extern "C" void* __dso_handle;
 
-bool nxThreadHooks::AtFork(void (*before)(), void (*afterInParent)(), void (*afterInChild)()) noexcept
+unsigned nxThisThread::GetID() { return static_cast<unsigned>(gettid()); }
+
+void nxThisThread::SleepMilliseconds(unsigned milliseconds)
 {
-    return pthread_atfork(before, afterInParent, afterInChild) == 0;
+    if (milliseconds == 0)
+    {
+        sched_yield();
+        return;
+    }
+    timespec left{static_cast<time_t>(milliseconds / 1000),
+                  static_cast<long>(milliseconds % 1000 * nxNanoseconds::PerMillisecond)};
+    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR)
+    {
+    }
 }
 
-bool nxThreadHooks::AtThreadExit(void (*function)(void*), void* argument) noexcept
+bool nxThisThread::CallAtEnd(void (*function)(void*), void* argument) noexcept
 {
     // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever. The key
     // is kept one higher, 0 for none.
@@ -37,12 +53,7 @@ bool nxThreadHooks::AtThreadExit(void (*function)(void*), void* argument) noexce
     return pthread_setspecific(found - 1, argument) == 0;
 }
 
-bool nxThreadHooks::AtExit(void (*function)()) noexcept
-{
-    return std::atexit(function) == 0 && std::at_quick_exit(function) == 0;
-}
-
-const volatile unsigned* nxThreadHooks::GetProcessorWord() noexcept
+const volatile unsigned* nxThisThread::GetProcessorWord() noexcept
 {
 #ifdef RSEQ_SIG
     if (__rseq_size != 0)
