@@ -12,22 +12,22 @@ namespace
 {
 struct Settings
 {
-    nxMutex mutex;  // guards the others
-    std::string applicationInstanceName;
-    std::string userName;
-    std::string location;
-    std::string daemonHostName;
-    nxAPIConnectionTypeEnum apiConnectionType;
-    bool mifidEnabled = false;
-    nxServerCapabilityBitMask serverCapabilities;
-    nxDateTime startTime;
-    unsigned startTimeOf = 0;  // the process that startTime belongs to
+    nxMutex mutex;
+    std::string applicationInstanceName NX_GUARDED_BY(mutex);
+    std::string userName NX_GUARDED_BY(mutex);
+    std::string location NX_GUARDED_BY(mutex);
+    std::string daemonHostName NX_GUARDED_BY(mutex);
+    nxAPIConnectionTypeEnum apiConnectionType NX_GUARDED_BY(mutex);
+    bool mifidEnabled NX_GUARDED_BY(mutex) = false;
+    nxServerCapabilityBitMask serverCapabilities NX_GUARDED_BY(mutex);
+    nxDateTime startTime NX_GUARDED_BY(mutex);
+    unsigned startTimeOf NX_GUARDED_BY(mutex) = 0;  // the id of the process that startTime belongs to
 };
 
 Settings& TheSettings();
 nxMutex& TheMutex() { return TheSettings().mutex; }
 
-// Never destroyed: threads and the destructors of other globals may ask while the process ends.
+// Never destroyed, because threads and the destructors of other globals may ask while the process ends.
 Settings& TheSettings()
 {
     static Settings& settings = *new Settings;
@@ -36,7 +36,7 @@ Settings& TheSettings()
     return settings;
 }
 
-// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+// Made while the library is loaded. A child forked during a first use would wait for the guard of the static for ever.
 [[maybe_unused]] const auto& settingsMadeAtLoad = TheSettings();
 
 template <class Value>

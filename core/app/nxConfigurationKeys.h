@@ -8,14 +8,14 @@
 /// @code
 /// const nxDecimal rate = nxCmdLineArgs::GetInstance().GetEnvValueAsDecimal(QRX_PRICE_THROTTLER_RATE);
 /// @endcode
-/// The library supplies the names; what a setting means and its default belong to the application that reads it.
-/// The constants need no run-time initialisation: the initialisers of other files' globals may use them.
+/// The library supplies the names. The application that reads a setting defines its meaning and its default.
+/// The constants need no run-time initialisation, so initialisers of other globals may use them.
 
 #include <cstddef>
 
 #include "core/process/inline/nxConfigurationKeys.h"
 
-/// All keys in the order of their groups, e.g. to look for the key closest to a mistyped variable.
+/// All keys in the order of their groups, for example to find the key closest to a mistyped variable.
 inline constexpr const char* nxConfigurationKeys[] = {
 /// @cond
 #define NX_CONFIGURATION_KEY(key) key,
@@ -24,7 +24,7 @@ inline constexpr const char* nxConfigurationKeys[] = {
     /// @endcond
 };
 
-/// How many keys there are.
+/// The number of keys.
 inline constexpr std::size_t nxConfigurationKeyCount = sizeof(nxConfigurationKeys) / sizeof(nxConfigurationKeys[0]);
 
 #endif

@@ -6,8 +6,8 @@
 /// The environment as nxCmdLineArgs::GetInstance() answers for it: the copy that Initialise() was given, and until then
 /// the one that the system has.
 ///
-/// nxCmdLineArgs holds the copy, under its mutex, and is above the log. What the log asks is therefore declared here and
-/// defined in core/app/internal/nxEnvironmentCopy.cpp.
+/// nxCmdLineArgs holds the copy, under its mutex, and is above the log. What the log asks is therefore declared here
+/// and defined in core/app/internal/nxEnvironmentCopy.cpp.
 ///
 /// Threads: any thread at any time, in initialisers of static objects too. The calls take the mutex of nxCmdLineArgs.
 class nxEnvironmentCopy

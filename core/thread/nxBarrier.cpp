@@ -2,7 +2,7 @@
 
 nxBarrier::nxBarrier(unsigned count)
 {
-    // Waiting on a barrier that the system has refused is a division by zero; one thread alone never waits.
+    // Waiting on a barrier that was never initialised divides by zero. A barrier of one never waits.
     if (pthread_barrier_init(&_barrier, nullptr, count) != 0)
         pthread_barrier_init(&_barrier, nullptr, 1);
 }

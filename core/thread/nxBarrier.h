@@ -6,10 +6,15 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 
-/// A point where a number of threads wait for each other, as often as they like: one POSIX barrier.
+/// A point where a number of threads wait for each other, any number of times: one POSIX barrier.
 ///
-/// - Errors: none. For 0 threads, or more than the system allows, Wait() returns at once.
-/// - Nobody waits when it is destroyed; the destructor would hang.
+/// | waiting threads | Wait()                                 | destructor |
+/// |-----------------|----------------------------------------|------------|
+/// | 0               | waits; returns at once when count is 1 | valid      |
+/// | 1 to count - 2  | waits                                  | hangs      |
+/// | count - 1       | returns, and so do the others          | hangs      |
+///
+/// - Errors: none. For 0 threads, or for more than the system allows, Wait() returns at once.
 /// @code
 /// nxBarrier start(4);
 /// start.Wait();  // in each of four threads: none goes on before all have come
@@ -21,7 +26,7 @@ public:
     explicit nxBarrier(unsigned count);
     ~nxBarrier() { pthread_barrier_destroy(&_barrier); }
 
-    /// Waits until the last of the threads has come.
+    /// Waits until all threads of the barrier have called it. Always success.
     nxErrorEnum Wait()
     {
         pthread_barrier_wait(&_barrier);

@@ -10,11 +10,11 @@
 
 /// An event without memory: threads wait, others wake them. It has a mutex of its own, which callers never see.
 ///
-/// A signal that nobody waits for is lost, and a waiter may wake without one. Use it where a wake-up only saves time,
-/// wait with a limit, and look afterwards whether there is work; nxConditionMutex and nxConditionRaw wait for a
-/// condition without a gap.
-/// - Errors: NX_ERR_UNSPECIFIED when the system refuses a step; the call ends there, and the inner mutex is free.
-/// - Threads: any number may wait and signal. Nobody waits when it is destroyed; the destructor would hang.
+/// A signal is lost when no thread waits, and a waiter may wake without one. Use it where a wake-up only saves time:
+/// wait with a limit, then check whether there is work. nxConditionMutex and nxConditionRaw wait for a condition
+/// without a gap.
+/// - Errors: NX_ERR_UNSPECIFIED when the system refuses a step. The call ends there, and the inner mutex is free.
+/// - Threads: any number may wait and signal. The destructor hangs while a thread waits.
 /// @code
 /// while (!_stop)
 /// {
@@ -31,11 +31,12 @@ public:
     /// Waits for a signal.
     nxErrorEnum Wait();
 
-    /// Waits for a signal, at most @p seconds. Nothing, less than nothing and NaN time out at once; more than 136 years
-    /// is 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time, or up to a millisecond earlier, because the clock is cut
-    ///         to milliseconds. When the fraction of the deadline is exactly one second, NX_ERR_UNSPECIFIED at once: for
-    ///         waits of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
+    /// Waits for a signal, at most @p seconds. Zero, negative values and NaN time out at once; more than 136 years is
+    /// 136 years.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; it may come up to a millisecond early, because the
+    ///         clock is cut to milliseconds. NX_ERR_UNSPECIFIED at once when the fraction of the deadline is exactly
+    ///         one second, which happens in one millisecond of every second for waits of whole milliseconds that are
+    ///         not whole seconds.
     nxErrorEnum TimedWait(double seconds);
 
     /// @copydoc TimedWait(double)

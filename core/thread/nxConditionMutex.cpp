@@ -9,7 +9,7 @@ nxErrorEnum nxConditionMutex::Wait()
     const int result = pthread_cond_wait(&_condition, &_mutex);
     if (result == 0)
         return nxErrorEnum();
-    // Unlocking a mutex that is not consistent would make it unusable for ever, as it would be by waiting.
+    // Unlocking an inconsistent mutex makes it unusable for ever.
     const bool ownerDied = result == EOWNERDEAD;
     if (ownerDied)
         Consistent();

@@ -5,9 +5,9 @@
 
 /// A mutex with its own condition, for waiting until something that the mutex guards is true.
 ///
-/// - A wake-up promises nothing: test what you wait for in a loop. A signal that nobody waits for is lost.
+/// - A wake-up promises nothing: test the condition in a loop. A signal is lost when no thread waits.
 /// - Between processes: InitialiseAsShared() makes the mutex shared, not the condition. Never wait across processes.
-/// - Nobody waits when it is destroyed; the destructor would hang.
+/// - The destructor hangs while a thread waits.
 /// @code
 /// nxMutexGuard guard(_ready);          // nxConditionMutex _ready
 /// while (_queue.empty() && _ready.Wait().IsOK())
@@ -20,16 +20,17 @@ public:
     constexpr nxConditionMutex() noexcept = default;
     ~nxConditionMutex() { pthread_cond_destroy(&_condition); }
 
-    /// Gives the mutex back, waits for a signal and takes the mutex again. The caller holds the mutex, once.
-    /// @return NX_ERR_UNSPECIFIED when the wait fails: the mutex is then free. On a robust mutex whose owner died
-    ///         meanwhile that happens too; the mutex has then been made consistent, which the log tells.
+    /// Unlocks the mutex, waits for a signal and locks the mutex again.
+    /// @pre The caller holds the mutex, once.
+    /// @return NX_ERR_UNSPECIFIED when the wait fails; the mutex is then free. The wait also fails when the owner of a
+    ///         robust mutex died meanwhile; the mutex has then been made consistent, which is written to the log.
     nxErrorEnum Wait() NX_REQUIRES(this);
 
-    /// Lock(), whatever it returns, then Wait(). On success the caller holds the mutex. A robust one whose owner had
-    /// died is made consistent in between, which the log tells.
+    /// Lock(), whatever it returns, then Wait(). On success the caller holds the mutex. If the owner of a robust mutex
+    /// had died, the mutex is made consistent in between, which is written to the log.
     nxErrorEnum LockAndWait() NX_ACQUIRE();
 
-    /// Wakes one waiter, if there is one. The caller may hold the mutex or not.
+    /// Wakes one waiter, if there is one. The caller need not hold the mutex.
     /// @return NX_ERR_UNSPECIFIED when the system refuses.
     nxErrorEnum Signal()
     {

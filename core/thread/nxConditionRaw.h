@@ -9,15 +9,14 @@
 #include "core/nxExport.h"
 #include "core/thread/nxMutex.h"
 
-/// A bare condition: threads wait on it with an nxMutex of the caller's, the same for all of them.
+/// A bare condition. Threads wait on it with an nxMutex of the caller, which is the same for all of them.
 ///
-/// - A wake-up promises nothing: test what you wait for in a loop, under the mutex. A signal that nobody waits for is
-///   lost.
-/// - Errors: NX_ERR_UNSPECIFIED when the system refuses. On a robust mutex whose owner died, a wait ends with
-///   NX_ERR_UNSPECIFIED too and the caller holds the mutex: nxMutex::Consistent() then succeeds, and else it does not.
-/// - Between processes: InitialiseAsShared(). Not where a process may be killed while it waits: those that signal later
-///   hang, and nothing frees them. Use an nxSemaphore there.
-/// - Nobody waits when it is destroyed; the destructor would hang.
+/// - A wake-up promises nothing: test the condition in a loop, under the mutex. A signal is lost when no thread waits.
+/// - Errors: NX_ERR_UNSPECIFIED when the system refuses. A wait also ends with NX_ERR_UNSPECIFIED when the owner of a
+///   robust mutex died. The caller then holds the mutex, and only in this case nxMutex::Consistent() succeeds.
+/// - Between processes: InitialiseAsShared(). If a process may be killed while it waits, use an nxSemaphore instead:
+///   after such a kill, processes that signal the condition hang for ever.
+/// - The destructor hangs while a thread waits.
 /// @code
 /// nxMutexGuard guard(_lock);
 /// while (_queue.empty() && _filled.Wait(_lock).IsOK())
@@ -32,18 +31,19 @@ public:
 
     nxConditionRaw(const nxConditionRaw&) = delete;
 
-    /// Gives @p mutex back, waits for a signal and takes @p mutex again. The caller holds it, once.
+    /// Unlocks @p mutex, waits for a signal and locks @p mutex again.
+    /// @pre The caller holds @p mutex, once.
     nxErrorEnum Wait(nxMutex& mutex) NX_REQUIRES(mutex)
     {
         return pthread_cond_wait(&_condition, &mutex._mutex) == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
     }
 
-    /// The same, at most for @p seconds. Nothing, less than nothing and NaN time out at once; more than 136 years is
-    /// 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time, or up to a millisecond earlier, because the clock is cut
-    ///         to milliseconds. When the fraction of the deadline is exactly one second, NX_ERR_UNSPECIFIED at once: for
-    ///         waits of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
-    ///         The mutex is held in any case.
+    /// The same, for at most @p seconds. Zero, negative values and NaN time out at once; more than 136 years is 136
+    /// years.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; it may come up to a millisecond early, because the
+    ///         clock is cut to milliseconds. NX_ERR_UNSPECIFIED at once when the fraction of the deadline is exactly
+    ///         one second, which happens in one millisecond of every second for waits of whole milliseconds that are
+    ///         not whole seconds. The caller holds the mutex in all cases.
     nxErrorEnum TimedWait(nxMutex& mutex, double seconds) NX_REQUIRES(mutex);
 
     /// @copydoc TimedWait(nxMutex&, double)
@@ -53,7 +53,7 @@ public:
         return TimedWait(mutex, std::chrono::duration<double>(time).count());
     }
 
-    /// Wakes one waiter. The caller may hold the mutex or not.
+    /// Wakes one waiter. The caller need not hold the mutex.
     nxErrorEnum Signal()
     {
         return pthread_cond_signal(&_condition) == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
@@ -64,8 +64,8 @@ public:
         return pthread_cond_broadcast(&_condition) == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
     }
 
-    /// Initialises the condition anew for use by several processes, in the shared memory where the object lies. Called
-    /// once, by the process that creates the memory, before anybody uses the condition.
+    /// Initialises the condition again, in the shared memory that holds the object, for use by several processes. The
+    /// process that creates the memory calls it once, before any use of the condition.
     /// @return NX_ERR_UNSPECIFIED when the system refuses; also written to the log.
     [[nodiscard]] nxErrorEnum InitialiseAsShared();
 

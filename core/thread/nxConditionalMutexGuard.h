@@ -3,10 +3,10 @@
 
 #include "core/thread/nxMutexGuard.h"
 
-/// Holds an nxMutex for the length of a scope, or does nothing, as a flag says.
+/// Holds an nxMutex for the length of a scope, or does nothing, depending on a flag.
 ///
-/// For code that is called with and without the lock. Otherwise like nxMutexGuard: it unlocks only what it locked.
-/// The compiler's analysis takes the mutex for held in both cases.
+/// It serves code that is called both with and without the lock. Like nxMutexGuard it unlocks only what it locked. The
+/// compiler's analysis treats the mutex as held in both cases.
 /// @code
 /// void Book::Add(const Order& order, bool alreadyLocked)
 /// {
@@ -17,7 +17,7 @@
 class NX_CORE_API NX_SCOPED_CAPABILITY nxConditionalMutexGuard
 {
 public:
-    /// Locks @p mutex when @p lock.
+    /// Locks @p mutex when @p lock is true. The mutex must outlive the guard.
     nxConditionalMutexGuard(nxMutex& mutex, bool lock) NX_ACQUIRE(mutex)
         : _mutex(&mutex), _locked(lock && nxMutexGuard::_Lock(mutex))
     {

@@ -57,7 +57,7 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
     return nxErrorEnum(NX_ERR_UNSPECIFIED);
 }
 
-// The first attempt has failed. Of a robust mutex it was no more than a try.
+// The first attempt failed. For a robust mutex that was only a try-lock, so the waiting happens here.
 nxErrorEnum nxMutex::_LockSlowly(int result) noexcept
 {
     if (result == EBUSY && _IsRobust())

@@ -11,15 +11,28 @@
 /// A mutex that reports misuse instead of hanging or corrupting: one POSIX mutex and nothing else.
 ///
 /// Lock it with nxMutexGuard wherever a scope will do.
-/// - States: free, or held by one thread. A thread that locks a mutex it holds gets an error, not a hang; a recursive
-///   mutex counts instead and needs as many unlocks. An unlock by a thread that does not hold it is refused.
-/// - Errors: returned, never thrown and never logged by Lock(), TryLock(), Unlock(), Consistent().
+///
+/// | state                          | Lock()            | TryLock()         | Unlock()               | Consistent() |
+/// |--------------------------------|-------------------|-------------------|------------------------|--------------|
+/// | free                           | locks             | locks             | MISMATCH               | UNSPECIFIED  |
+/// | held by this thread            | UNSPECIFIED       | LOCKED            | unlocks                | UNSPECIFIED  |
+/// | held by this thread, recursive | counts up         | counts up         | counts down, 0 unlocks | UNSPECIFIED  |
+/// | held by this thread, robust    | UNSPECIFIED       | UNSPECIFIED       | unlocks                | UNSPECIFIED  |
+/// | held by another thread         | waits             | LOCKED            | MISMATCH               | UNSPECIFIED  |
+/// | robust, its owner died         | locks, OWNER_DEAD | locks, OWNER_DEAD | MISMATCH               | UNSPECIFIED  |
+/// | locked with OWNER_DEAD         | UNSPECIFIED       | UNSPECIFIED       | makes it unusable      | repairs      |
+/// | unusable                       | UNSPECIFIED       | UNSPECIFIED       | MISMATCH               | UNSPECIFIED  |
+///
+/// The cells name errors without their prefix: NX_ERR_THR_ for MISMATCH, LOCKED and OWNER_DEAD, NX_ERR_ for
+/// UNSPECIFIED.
+/// - Errors: returned, never thrown, and never logged by the four operations of the table.
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once; the other
-///   processes use the memory as it is, without constructing. Such a mutex is never unmapped while it is held, and its
-///   users live in one process-id namespace. Make it robust if processes may be killed: a holder's death is then told
-///   to the next one, and no death of a waiter makes the others wait for ever, since Lock() looks again every 50 ms.
-/// - Fork: a mutex held by the forking thread is held by nobody in the child and cannot be unlocked there; construct it
-///   anew in place.
+///   processes use the memory as it is, without a constructor. Do not unmap such a mutex while it is held. Its users
+///   are in one process-id namespace. Make it robust if processes may be killed: the next thread that locks is then
+///   told of a holder's death. The death of a waiter does not block the others either, because Lock() looks again every
+///   50 ms.
+/// - Fork: a mutex held by the forking thread is locked in the child, where no thread can unlock it. Construct it again
+///   in place.
 /// - A mutex constructed with the default constructor is a constant: it can be used before main, in any static
 ///   constructor.
 /// @code
@@ -37,16 +50,16 @@ public:
     constexpr nxMutex() noexcept = default;
     /// Process-private; recursive when @p recursive.
     explicit nxMutex(bool recursive);
-    /// Nobody holds or waits for the mutex.
+    /// @pre No thread holds the mutex or waits for it.
     ~nxMutex() { pthread_mutex_destroy(&_mutex); }
 
     nxMutex(const nxMutex&) = delete;
     nxMutex& operator=(const nxMutex&) = delete;
 
     /// Waits until the mutex is free and takes it.
-    /// @return NX_ERR_THR_OWNER_DEAD when the last holder of a robust mutex died: the mutex is now held, and the caller
-    ///         repairs the data and calls Consistent() before Unlock();
-    ///         NX_ERR_UNSPECIFIED for any other failure, the second lock by the holder among them: not taken.
+    /// @return NX_ERR_THR_OWNER_DEAD when the last holder of a robust mutex died: the caller now holds the mutex,
+    ///         repairs the data and calls Consistent() before Unlock(); NX_ERR_UNSPECIFIED for any other failure,
+    ///         including a second lock by the holder: the call did not lock.
     nxErrorEnum Lock() noexcept NX_ACQUIRE()
     {
         const int result = _IsRobust() ? nxRobustMutex::Try(_mutex) : pthread_mutex_lock(&_mutex);
@@ -57,7 +70,7 @@ public:
 
     /// Takes the mutex if it is free.
     /// @return NX_ERR_THR_LOCKED when it is held; NX_ERR_THR_OWNER_DEAD as Lock(); NX_ERR_UNSPECIFIED for any other
-    ///         failure, a robust mutex held by this thread among them.
+    ///         failure, including a robust mutex held by this thread.
     [[nodiscard]] nxErrorEnum TryLock() noexcept
     {
         const int result = nxRobustMutex::Try(_mutex);
@@ -66,8 +79,8 @@ public:
         return _TryLockError(result);
     }
 
-    /// Gives the mutex back.
-    /// @return NX_ERR_THR_MISMATCH when the calling thread does not hold it (nothing happens); NX_ERR_UNSPECIFIED for
+    /// Unlocks the mutex.
+    /// @return NX_ERR_THR_MISMATCH when the calling thread does not hold it (nothing changes); NX_ERR_UNSPECIFIED for
     ///         any other failure.
     nxErrorEnum Unlock() noexcept NX_RELEASE()
     {
@@ -77,15 +90,15 @@ public:
         return _UnlockError(result);
     }
 
-    /// Marks a robust mutex whose owner died as usable again; called by the thread that got NX_ERR_THR_OWNER_DEAD.
+    /// Marks a robust mutex whose owner died as usable again. The thread that got NX_ERR_THR_OWNER_DEAD calls it.
     /// Unlocking without it makes the mutex unusable for ever: every Lock() and TryLock() then fails.
     /// @return NX_ERR_UNSPECIFIED when the mutex is not in that state.
     nxErrorEnum Consistent() noexcept NX_REQUIRES(this);
 
-    /// Initialises the mutex anew for use by several processes, in the shared memory where the object lies. Called
-    /// once, by the process that creates the memory, before anybody uses the mutex. The mutex is not recursive
+    /// Initialises the mutex again, in the shared memory that holds the object, for use by several processes. The
+    /// process that creates the memory calls it once, before any use of the mutex. The mutex is not recursive
     /// afterwards, whatever it was before.
-    /// @param robust whether the death of a holder is reported to the next one instead of blocking everybody.
+    /// @param robust whether the next thread that locks is told of a holder's death, which otherwise blocks all others.
     /// @return NX_ERR_UNSPECIFIED when the system refuses; also written to the log.
     [[nodiscard]] nxErrorEnum InitialiseAsShared(bool robust);
 

@@ -6,7 +6,7 @@ bool nxMutexGuard::_IsHeldDespite(const nxErrorEnum& error, nxMutex& mutex)
 {
     if (!(error == NX_ERR_THR_OWNER_DEAD))
         return false;
-    // Unlocking a mutex that is not consistent would make it unusable for ever.
+    // Unlocking an inconsistent mutex makes it unusable for ever.
     mutex.AssertHeld();
     const nxErrorEnum repaired = mutex.Consistent();
     nxThreadReport::OwnerDiedBeforeLock(repaired.IsOK());

@@ -5,9 +5,9 @@
 
 /// Holds an nxMutex for the length of a scope.
 ///
-/// Unlocks only what it locked: when Lock() fails, because the thread holds the mutex already, the destructor leaves
-/// the outer holder's lock alone. On a robust mutex whose owner died the guard holds the lock, has called Consistent()
-/// and written an error to the log; who must repair data calls nxMutex::Lock() instead.
+/// It unlocks only what it locked: when Lock() fails because the thread holds the mutex already, the destructor leaves
+/// the outer lock alone. If the owner of a robust mutex died, the guard holds the lock, calls Consistent() and writes
+/// an error to the log; code that must repair the data calls nxMutex::Lock() instead.
 /// @code
 /// {
 ///     nxMutexGuard guard(_lock);
@@ -17,7 +17,7 @@
 class NX_CORE_API NX_SCOPED_CAPABILITY nxMutexGuard
 {
 public:
-    /// Waits for @p mutex, which must outlive the guard. A failure leaves the guard without it.
+    /// Waits for @p mutex, which must outlive the guard. If locking fails, the destructor does not unlock.
     explicit nxMutexGuard(nxMutex& mutex) NX_ACQUIRE(mutex) : _mutex(_Lock(mutex) ? &mutex : nullptr) {}
     ~nxMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {
@@ -33,7 +33,7 @@ private:
 
     nxMutexGuard() : _mutex(nullptr) {}
 
-    // Locks; true when the calling guard holds the mutex and must unlock it.
+    // Locks. Returns whether the guard holds the mutex and must unlock it.
     static bool _Lock(nxMutex& mutex) NX_NO_THREAD_SAFETY_ANALYSIS
     {
         const nxErrorEnum error = mutex.Lock();

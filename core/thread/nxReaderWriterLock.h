@@ -9,10 +9,19 @@
 
 /// A lock that many threads hold for reading or one for writing: one POSIX reader-writer lock, process-private.
 ///
-/// Lock it with nxReaderWriterLockGuard_Read and nxReaderWriterLockGuard_Write and nothing else: the system does not
-/// notice an unlock by a thread that holds nothing, and the lock is damaged afterwards.
-/// - A thread that holds it for reading must not ask for writing: it waits for itself for ever. The reverse is refused.
-/// - Readers come first: writers may wait long while readers keep coming.
+/// Lock it only with nxReaderWriterLockGuard_Read and nxReaderWriterLockGuard_Write.
+///
+/// | state                   | ReadLock()  | WriteLock()    | TryReadLock() | TryWriteLock() | either unlock    |
+/// |-------------------------|-------------|----------------|---------------|----------------|------------------|
+/// | free                    | locks       | locks          | locks         | locks          | damages the lock |
+/// | this thread reads       | locks again | waits for ever | locks again   | refused        | gives back one   |
+/// | only other threads read | locks       | waits          | locks         | refused        | damages the lock |
+/// | this thread writes      | refused     | refused        | refused       | refused        | unlocks          |
+/// | another thread writes   | waits       | waits          | refused       | refused        | damages the lock |
+///
+/// Refused means NX_ERR_THR_LOCKED. An unlock that damages the lock is not detected: it returns success, and the lock
+/// fails afterwards. A thread that locks again for reading unlocks as often.
+/// - Readers come first: a writer may wait long while new readers arrive.
 /// - Errors: returned, never thrown and never logged.
 /// @code
 /// nxReaderWriterLockGuard_Read guard(_lock);
@@ -24,7 +33,7 @@ public:
     constexpr nxReaderWriterLock() noexcept = default;
     ~nxReaderWriterLock() { pthread_rwlock_destroy(&_lock); }
 
-    /// Waits until nobody holds the lock for writing and takes it for reading.
+    /// Waits until no thread holds the lock for writing, and takes it for reading.
     /// @return NX_ERR_THR_LOCKED when this thread holds it for writing; NX_ERR_THR_RESOURCE when there are too many
     ///         readers; NX_ERR_UNSPECIFIED for any other failure.
     nxErrorEnum ReadLock() noexcept NX_ACQUIRE_SHARED()
@@ -35,7 +44,7 @@ public:
         return _ReadLockError(result);
     }
 
-    /// Waits until nobody holds the lock and takes it for writing.
+    /// Waits until no thread holds the lock, and takes it for writing.
     /// @return NX_ERR_THR_LOCKED when this thread holds it for writing; NX_ERR_UNSPECIFIED for any other failure.
     nxErrorEnum WriteLock() noexcept NX_ACQUIRE()
     {
@@ -45,8 +54,8 @@ public:
         return _WriteLockError(result);
     }
 
-    /// Takes the lock for reading unless that would mean waiting.
-    /// @return NX_ERR_THR_LOCKED when it would; NX_ERR_UNSPECIFIED for any other failure.
+    /// Takes the lock for reading if that is possible without waiting.
+    /// @return NX_ERR_THR_LOCKED when it is not; NX_ERR_UNSPECIFIED for any other failure.
     [[nodiscard]] nxErrorEnum TryReadLock() noexcept
     {
         const int result = pthread_rwlock_tryrdlock(&_lock);
@@ -55,7 +64,7 @@ public:
         return _TryLockError(result);
     }
 
-    /// Takes the lock for writing unless that would mean waiting.
+    /// Takes the lock for writing if that is possible without waiting.
     /// @copydetails TryReadLock()
     [[nodiscard]] nxErrorEnum TryWriteLock() noexcept
     {

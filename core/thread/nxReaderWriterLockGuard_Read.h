@@ -3,7 +3,7 @@
 
 #include "core/thread/nxReaderWriterLock.h"
 
-/// Holds an nxReaderWriterLock for reading for the length of a scope. Unlocks only what it locked.
+/// Holds an nxReaderWriterLock for reading for the length of a scope. It unlocks only what it locked.
 /// @code
 /// nxReaderWriterLockGuard_Read guard(_lock);
 /// return _prices.at(product);
@@ -11,7 +11,7 @@
 class NX_SCOPED_CAPABILITY nxReaderWriterLockGuard_Read
 {
 public:
-    /// Waits for @p lock, which must outlive the guard. A failure leaves the guard without it.
+    /// Waits for @p lock, which must outlive the guard. If locking fails, the destructor does not unlock.
     explicit nxReaderWriterLockGuard_Read(nxReaderWriterLock& lock) NX_ACQUIRE_SHARED(lock)
         : _lock(lock.ReadLock().IsOK() ? &lock : nullptr)
     {

@@ -3,7 +3,7 @@
 
 #include "core/thread/nxReaderWriterLock.h"
 
-/// Holds an nxReaderWriterLock for writing for the length of a scope. Unlocks only what it locked.
+/// Holds an nxReaderWriterLock for writing for the length of a scope. It unlocks only what it locked.
 /// @code
 /// nxReaderWriterLockGuard_Write guard(_lock);
 /// _prices[product] = price;
@@ -11,7 +11,7 @@
 class NX_SCOPED_CAPABILITY nxReaderWriterLockGuard_Write
 {
 public:
-    /// Waits for @p lock, which must outlive the guard. A failure leaves the guard without it.
+    /// Waits for @p lock, which must outlive the guard. If locking fails, the destructor does not unlock.
     explicit nxReaderWriterLockGuard_Write(nxReaderWriterLock& lock) NX_ACQUIRE(lock)
         : _lock(lock.WriteLock().IsOK() ? &lock : nullptr)
     {

@@ -5,7 +5,7 @@
 #include "core/platform/nxDeadline.h"
 #include "core/thread/internal/nxThreadReport.h"
 
-// Zeroed first: should the initialisation fail, the other operations find a defined object.
+// Zeroed first, so that the other operations find a defined object when the initialisation fails.
 nxSemaphore::nxSemaphore(unsigned initialCount) : _semaphore()
 {
     if (sem_init(&_semaphore, 0, initialCount) != 0)
@@ -53,7 +53,7 @@ nxErrorEnum nxSemaphore::_TimedWait(timespec& relative)
     }
 }
 
-// Lenient by contract: what is not named is success.
+// Lenient by contract: an error that is not listed is success.
 nxErrorEnum nxSemaphore::_WaitError(int error)
 {
     switch (error)

@@ -11,10 +11,16 @@
 
 /// A counting semaphore: Post() adds one, a wait takes one or waits until there is one. One POSIX semaphore.
 ///
-/// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once. It
-///   survives a kill of any process that waits; a count that a killed process has taken is gone.
+/// | count              | Wait()    | TryWait()         | TimedWait()                     | Post()                   |
+/// |--------------------|-----------|-------------------|---------------------------------|--------------------------|
+/// | 0                  | waits     | NX_ERR_THR_LOCKED | waits, then NX_ERR_THR_TIMEDOUT | adds one, wakes a waiter |
+/// | 1 to 2,147,483,646 | takes one | takes one         | takes one                       | adds one                 |
+/// | 2,147,483,647      | takes one | takes one         | takes one                       | NX_ERR_UNSPECIFIED       |
+///
+/// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once. The
+///   semaphore survives a kill of a process that waits. A count that a killed process had taken is lost.
 /// - Errors: returned, never thrown. A signal handler that interrupts a wait ends it with NX_ERR_THR_INTERRUPTED.
-/// - Nobody waits when it is destroyed.
+/// - No thread may wait when it is destroyed.
 /// @code
 /// nxSemaphore filled(0);
 /// filled.Post();                                  // in the producer
@@ -23,8 +29,8 @@
 class NX_CORE_API nxSemaphore
 {
 public:
-    /// Process-private. A count above 2,147,483,647 is refused, which prints "sem_init err -1, " and the system's error
-    /// number to the standard output; the object can then only be destroyed or be given to InitialiseAsShared().
+    /// Process-private. A count above 2,147,483,647 is refused: "sem_init err -1, " and the system's error number are
+    /// printed to the standard output, and the only valid operations are then InitialiseAsShared() and the destructor.
     explicit nxSemaphore(unsigned initialCount);
     ~nxSemaphore()
     {
@@ -32,15 +38,15 @@ public:
         sem_destroy(&_semaphore);
     }
 
-    /// Initialises the semaphore anew for use by several processes, in the shared memory where the object lies. Called
-    /// once, by the process that creates the memory, before anybody uses the semaphore.
-    /// @return NX_ERR_THR_UNSUPPORTED when the system refuses, a count above 2,147,483,647 for example; also written to
-    ///         the log.
+    /// Initialises the semaphore again, in the shared memory that holds the object, for use by several processes. The
+    /// process that creates the memory calls it once, before any use of the semaphore.
+    /// @return NX_ERR_THR_UNSUPPORTED when the system refuses, for example a count above 2,147,483,647; the failure is
+    ///         also written to the log.
     [[nodiscard]] nxErrorEnum InitialiseAsShared(unsigned initialCount);
 
     /// Waits until the count is above zero and takes one.
-    /// @return NX_ERR_THR_INTERRUPTED, NX_ERR_THR_UNSUPPORTED or NX_ERR_THR_DEADLOCK when the system says so; success
-    ///         for every other failure.
+    /// @return NX_ERR_THR_INTERRUPTED, NX_ERR_THR_UNSUPPORTED or NX_ERR_THR_DEADLOCK when the system reports one of
+    ///         these; success for every other failure.
     nxErrorEnum Wait()
     {
         if (sem_wait(&_semaphore) == 0) [[likely]]
@@ -49,7 +55,7 @@ public:
     }
 
     /// Takes one if the count is above zero.
-    /// @return NX_ERR_THR_LOCKED when it is zero; else as Wait().
+    /// @return NX_ERR_THR_LOCKED when it is zero; otherwise as Wait().
     [[nodiscard]] nxErrorEnum TryWait()
     {
         if (sem_trywait(&_semaphore) == 0) [[likely]]
@@ -57,12 +63,13 @@ public:
         return _TryWaitError(errno);
     }
 
-    /// Waits until the count is above zero, at most @p seconds, and takes one. Nothing, less than nothing and NaN do
-    /// not wait; more than 136 years is 136 years.
-    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero, up to a millisecond early, because the clock is cut to
-    ///         milliseconds, and for any failure not named here; NX_ERR_THR_INTERRUPTED, NX_ERR_THR_DEADLOCK. When the
-    ///         fraction of the deadline is exactly one second, NX_ERR_INVALID_PARAMETER at once, counts or not: for waits
-    ///         of whole milliseconds but not of whole seconds that is so during one millisecond of every second.
+    /// Waits until the count is above zero, at most @p seconds, and takes one. Zero, negative values and NaN do not
+    /// wait; more than 136 years is 136 years.
+    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero; it may come up to a millisecond early, because the clock
+    ///         is cut to milliseconds. The same for any failure that is not listed here. NX_ERR_THR_INTERRUPTED and
+    ///         NX_ERR_THR_DEADLOCK as Wait(). NX_ERR_INVALID_PARAMETER at once, whatever the count, when the fraction
+    ///         of the deadline is exactly one second, which happens in one millisecond of every second for waits of
+    ///         whole milliseconds that are not whole seconds.
     nxErrorEnum TimedWait(double seconds);
 
     /// @copydoc TimedWait(double)

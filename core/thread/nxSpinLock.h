@@ -7,12 +7,12 @@
 #include "core/nxExport.h"
 #include "core/thread/nxThreadAnnotations.h"
 
-/// A lock whose waiters burn their processor instead of sleeping: one POSIX spin lock.
+/// A lock whose waiters keep their processor busy instead of sleeping: one POSIX spin lock.
 ///
-/// For sections of a few instructions between threads that have a processor each. A holder that locks it again, dies or
-/// is put aside by the system keeps all others spinning, for ever in the first two cases. Who unlocks it is not
-/// checked. Lock it with nxSpinLockGuard.
-/// - Between processes: InitialiseAsShared(), if nobody who may hold it can be killed.
+/// It is for sections of a few instructions between threads that have a processor each. Lock it with nxSpinLockGuard.
+/// - All waiters spin while the system suspends the holder. They spin for ever when the holder dies or locks again.
+/// - An unlock by a thread that does not hold the lock is not detected.
+/// - Between processes: InitialiseAsShared(), provided that no process is killed while it holds the lock.
 /// @code
 /// nxSpinLockGuard guard(_lock);
 /// ++_count;
@@ -55,8 +55,8 @@ public:
         return _UnlockError(result);
     }
 
-    /// Initialises the lock anew for use by several processes, in the shared memory where the object lies. Called once,
-    /// by the process that creates the memory, before anybody uses the lock.
+    /// Initialises the lock again, in the shared memory that holds the object, for use by several processes. The
+    /// process that creates the memory calls it once, before any use of the lock.
     /// @return NX_ERR_INTERNAL when the system refuses; also written to the log.
     [[nodiscard]] nxErrorEnum InitialiseAsShared();
 

@@ -3,7 +3,7 @@
 
 #include "core/thread/nxSpinLock.h"
 
-/// Holds an nxSpinLock for the length of a scope. Unlocks only what it locked.
+/// Holds an nxSpinLock for the length of a scope. It unlocks only what it locked.
 /// @code
 /// nxSpinLockGuard guard(_lock);
 /// ++_count;
@@ -11,7 +11,7 @@
 class NX_SCOPED_CAPABILITY nxSpinLockGuard
 {
 public:
-    /// Spins for @p lock, which must outlive the guard. A failure leaves the guard without it.
+    /// Spins for @p lock, which must outlive the guard. If locking fails, the destructor does not unlock.
     explicit nxSpinLockGuard(nxSpinLock& lock) NX_ACQUIRE(lock) : _lock(lock.Lock().IsOK() ? &lock : nullptr) {}
     ~nxSpinLockGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {

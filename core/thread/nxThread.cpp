@@ -14,7 +14,7 @@ nxThread::~nxThread() { pthread_attr_destroy(&_attributes); }
 
 nxErrorEnum nxThread::Create() { return _Create(nullptr); }
 
-// With attributes of its own for the thread of the library's.
+// The library's own thread brings its attributes; null means the system's defaults.
 nxErrorEnum nxThread::_Create(const nxServiceThread* attributes)
 {
     // Set before the thread exists, because Run() may call Wait() at once.
@@ -69,7 +69,7 @@ void* nxThread::_ThreadProc(void* self)
     }
     catch (...)
     {
-        // Not an exception: the thread is being cancelled or has called pthread_exit, which has to go its way.
+        // No exception: the thread is being cancelled or has called pthread_exit, and the unwinding must go on.
         if (std::current_exception() == nullptr)
             throw;
         nxThreadReport::ExceptionLeftRun("of unknown type");

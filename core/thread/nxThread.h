@@ -13,14 +13,19 @@ class nxServiceThread;
 
 /// The base of every worker thread: a subclass supplies Run(), its owner starts it with Create() and joins with Wait().
 ///
-/// - States: not started, then started by Create(), then not started again after Wait(), when Create() may follow anew.
-///   A thread whose Run() has returned stays started until Wait().
+/// | state                       | Create()                   | Wait()                            | destructor |
+/// |-----------------------------|----------------------------|-----------------------------------|------------|
+/// | not started                 | starts a thread            | NX_ERR_THR_NOT_RUNNING            | valid      |
+/// | started, in Run()           | NX_ERR_THR_ALREADY_STARTED | waits for Run(); not started then | invalid    |
+/// | started, Run() has returned | NX_ERR_THR_ALREADY_STARTED | not started then                  | invalid    |
+///
+/// - The object may be started again after Wait().
 /// - Run() decides itself when to end: give the subclass a stop flag and a way to wake it. An exception that leaves
 ///   Run() ends the thread and is written to the log at the fatal level; the process goes on.
-/// - Ownership: the destructor neither stops nor joins. Destroying a started object before Wait() leaves the thread
-///   running on an object that is gone.
-/// - Threads: Create(), Wait() and the destructor belong to the owning thread; the thread itself may find out that it
-///   cannot wait for itself.
+/// - Ownership: the destructor neither stops nor joins. If the object is destroyed before Wait(), the thread uses an
+///   object that no longer exists, and the system never frees the thread's stack.
+/// - Threads: the owning thread calls Create(), Wait() and the destructor. The started thread itself may call Wait(),
+///   which returns NX_ERR_THR_DEADLOCK.
 /// @code
 /// class Poller : public nxThread
 /// {
@@ -41,19 +46,20 @@ public:
 
     /// Starts a thread that executes Run(), with the system's default attributes.
     /// @return NX_ERR_THR_ALREADY_STARTED when it is started; NX_ERR_THR_RESOURCE when the system has no room for a
-    ///         thread; NX_ERR_THR_PERMISSION when it forbids one; NX_ERR_THR_MISMATCH for any other failure. On failure
-    ///         nothing has changed.
+    ///         thread; NX_ERR_THR_PERMISSION when it forbids one; NX_ERR_THR_MISMATCH for any other failure. A failure
+    ///         changes nothing.
     [[nodiscard]] nxErrorEnum Create();
 
     /// Waits until Run() has returned.
-    /// @return NX_ERR_THR_NOT_RUNNING when it is not started; NX_ERR_THR_DEADLOCK when a thread waits for itself;
-    ///         NX_ERR_THR_MISMATCH for any other failure. On failure it stays started.
+    /// @return NX_ERR_THR_NOT_RUNNING when it is not started; NX_ERR_THR_DEADLOCK when the thread waits for itself;
+    ///         NX_ERR_THR_MISMATCH for any other failure. After a failure it is still started.
     virtual nxErrorEnum Wait();
 
     /// The body of the thread. The result is ignored.
     virtual nxErrorEnum Run() = 0;
 
-    /// Sleeps for microseconds / 1000 whole milliseconds, signals or not; less than 1000 only yields the processor.
+    /// Sleeps for microseconds / 1000 whole milliseconds, and a signal does not shorten it. Less than 1000 only yields
+    /// the processor.
     static void Sleep(unsigned microseconds);
 
     /// @return the system's number of the calling thread, in decimal: the one that top and gdb show.

@@ -2,9 +2,9 @@
 #define CORE_THREAD_NXTHREADANNOTATIONS_H
 
 /// @file
-/// Lets clang prove at compile time that guarded data is touched only under its lock (-Wthread-safety).
+/// Marks with which clang proves at compile time that guarded data is used only under its lock (-Wthread-safety).
 ///
-/// The library's locks and guards carry these marks already. Mark your own data and functions with them:
+/// The library's locks and guards have these marks already. Mark your own data and functions:
 /// @code
 /// class Book
 /// {
@@ -12,14 +12,13 @@
 ///     nxMutex _lock;
 ///     std::vector<Order> _orders NX_GUARDED_BY(_lock);
 /// };
-/// @endcode
-/// Every macro is empty for other compilers. A lock taken by TryLock() is not seen by the analysis, which cannot look
-/// into a returned error: call AssertHeld() in the branch where the lock is held.
+/// @endcode Every macro is empty for other compilers. The analysis does not see a lock taken by TryLock(), because it
+/// cannot look into a returned error: call AssertHeld() in the branch that holds the lock.
 
 #if defined(__clang__)
     #define NX_THREAD_ANNOTATION(x) __attribute__((x))
 #else
-    /// The attribute @p x where the compiler knows it, else nothing; made for the macros below.
+    /// The attribute @p x where the compiler knows it, otherwise nothing. For the macros below.
     #define NX_THREAD_ANNOTATION(x)
 #endif
 
@@ -28,9 +27,9 @@
 /// A class that locks in its constructor and unlocks in its destructor.
 #define NX_SCOPED_CAPABILITY NX_THREAD_ANNOTATION(scoped_lockable)
 
-/// Data that is touched only while the lock is held.
+/// Data that is used only while the lock is held.
 #define NX_GUARDED_BY(x) NX_THREAD_ANNOTATION(guarded_by(x))
-/// A pointer to data that is touched only while the lock is held; the pointer itself is free.
+/// A pointer to data that is used only while the lock is held. The pointer itself needs no lock.
 #define NX_PT_GUARDED_BY(x) NX_THREAD_ANNOTATION(pt_guarded_by(x))
 
 /// A lock that is taken before those named, where both are held.
@@ -49,22 +48,22 @@
 #define NX_ACQUIRE(...) NX_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 /// The function takes the locks for reading; without an argument, the object itself.
 #define NX_ACQUIRE_SHARED(...) NX_THREAD_ANNOTATION(acquire_shared_capability(__VA_ARGS__))
-/// The function gives the locks back; without an argument, the object itself.
+/// The function unlocks the locks; without an argument, the object itself.
 #define NX_RELEASE(...) NX_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
-/// The function gives back locks that are held for reading.
+/// The function unlocks locks that are held for reading.
 #define NX_RELEASE_SHARED(...) NX_THREAD_ANNOTATION(release_shared_capability(__VA_ARGS__))
-/// The function gives the locks back, however they are held.
+/// The function unlocks the locks, whether they are held for reading or for writing.
 #define NX_RELEASE_GENERIC(...) NX_THREAD_ANNOTATION(release_generic_capability(__VA_ARGS__))
 /// The function takes the locks when it returns the first argument, a bool.
 #define NX_TRY_ACQUIRE(...) NX_THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
 
-/// After the call the analysis takes the lock for held for writing.
+/// After the call the analysis treats the lock as held for writing.
 #define NX_ASSERT_CAPABILITY(...) NX_THREAD_ANNOTATION(assert_capability(__VA_ARGS__))
-/// After the call the analysis takes the lock for held for reading.
+/// After the call the analysis treats the lock as held for reading.
 #define NX_ASSERT_SHARED_CAPABILITY(...) NX_THREAD_ANNOTATION(assert_shared_capability(__VA_ARGS__))
 /// The function returns a reference to the lock @p x.
 #define NX_RETURN_CAPABILITY(x) NX_THREAD_ANNOTATION(lock_returned(x))
-/// The body is not analysed, because what it does with locks cannot be put into these marks.
+/// The body is not analysed, because these marks cannot express what it does with locks.
 #define NX_NO_THREAD_SAFETY_ANALYSIS NX_THREAD_ANNOTATION(no_thread_safety_analysis)
 
 #endif

@@ -4,8 +4,8 @@
 
 namespace
 {
-// An atomic and not a counter under a mutex: a process that forks while another thread holds the mutex would leave the
-// child unable to number its thread, and with that unable to log.
+// An atomic instead of a counter under a mutex: if another thread held that mutex during a fork, the child could not
+// number its thread and therefore could not log.
 constinit std::atomic<unsigned> nextIndex{0};
 }  // namespace
 

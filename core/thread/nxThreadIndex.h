@@ -5,10 +5,11 @@
 
 /// A small number for every thread that asks: 0, 1, 2 and so on in the order in which threads first ask.
 ///
-/// A thread keeps its number for life; the number is not given out again when the thread ends. Numbers tell threads
-/// apart in log records and serve as an index of per-thread data.
+/// A thread keeps its number as long as it lives, and no later thread gets that number. Numbers distinguish threads in
+/// log records and serve as an index of per-thread data.
 /// - Errors: none. After 2^32 threads the numbers start again at 0.
-/// - Threads: any thread at any time, before main, while thread-locals are destroyed and at exit included. Never logs.
+/// - Threads: any thread at any time, including before main, during the destruction of thread-locals and at exit. Never
+///   logs.
 /// - Fork: the child's thread keeps the number of the thread that forked.
 /// - Cost: one thread-local read after a thread's first call.
 class NX_CORE_API nxThreadIndex
@@ -26,8 +27,8 @@ private:
 
     static unsigned _Assign();
 
-    // 0 means unassigned; wider than an index, so that the last of them is none either. Initial-exec: read without a
-    // call, from whatever module the code is inlined into.
+    // 0 means unassigned. Wider than an index, so that index + 1 never wraps to 0. Initial-exec, so that it is read
+    // without a call from every module into which the code is inlined.
     static constinit thread_local unsigned long long _indexPlusOne __attribute__((tls_model("initial-exec")));
 
     unsigned _index;

@@ -33,7 +33,8 @@ void nxThreadSpecificMemoryBuffer::_Initialise()
 void nxThreadSpecificMemoryBuffer::_Reallocate(unsigned capacity)
 {
     char* const block = static_cast<char*>(std::realloc(_data, capacity));
-    // A failure leaves the old block to us, and users are told that it is lost; a size of 0 has freed it.
+    // On failure realloc keeps the old block. The interface says that it is lost, so it is freed here. A size of 0 has
+    // freed it already.
     if (block == nullptr && capacity != 0)
         std::free(_data);
     _data = block;

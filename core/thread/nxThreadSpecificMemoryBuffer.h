@@ -7,9 +7,9 @@
 ///
 /// Every allocation and every growth is written to the log at the information level.
 /// - Units: bytes. The buffer grows by the size given at construction; a size of 0 never grows.
-/// - Errors: none are reported. When memory runs out, GetData() is null and the old contents are lost, while the
-///   capacity says what was asked for: test the pointer after construction and after each growth. Capacities are 32
-///   bits wide and wrap.
+/// - Errors: none are reported. When memory runs out, GetData() is null, the old contents are lost, and the capacity is
+///   the size that was asked for: test the pointer after construction and after each growth. Capacities are 32 bits
+///   wide and wrap.
 /// - Threads: one thread only; no lock.
 /// - Ownership: owns its block; not copyable.
 /// @code
@@ -25,21 +25,21 @@
 class NX_CORE_API nxThreadSpecificMemoryBuffer
 {
 public:
-    /// Allocates @p size bytes; each GrowBuffer() adds as many.
+    /// Allocates @p size bytes. Each GrowBuffer() adds the same number.
     explicit nxThreadSpecificMemoryBuffer(const unsigned& size);
     ~nxThreadSpecificMemoryBuffer();
 
     nxThreadSpecificMemoryBuffer(const nxThreadSpecificMemoryBuffer&) = delete;
     nxThreadSpecificMemoryBuffer& operator=(const nxThreadSpecificMemoryBuffer&) = delete;
 
-    /// Adds the size given at construction. The contents stay, the address may change.
+    /// Adds the size given at construction. The contents stay; the address may change.
     void GrowBuffer();
 
     /// Makes the capacity @p size, larger or smaller than it was. The contents stay as far as they fit, the address may
-    /// change, and the fill level is not touched. A size of 0 gives the block back.
+    /// change, and the fill level stays as it is. A size of 0 frees the block.
     void GrowBufferToSize(const unsigned& size);
 
-    /// The block, null when it could not be allocated. Valid until the buffer grows.
+    /// The block; null when it could not be allocated. Valid until the buffer grows.
     char* GetData() { return _data; }
     const char* GetData() const { return _data; }  ///< The block, for reading.
 

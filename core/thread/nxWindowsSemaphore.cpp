@@ -6,15 +6,15 @@
 
 namespace
 {
-// One less than the number that means "for ever" to those who count milliseconds in 32 bits: 49 days.
-constexpr double LongestMilliseconds = 4'294'967'294.0;
+// 49 days: one less than the 32-bit number of milliseconds that means no limit.
+constexpr double longestMilliseconds = 4'294'967'294.0;
 
 std::int64_t WholeMilliseconds(double seconds)
 {
     const double milliseconds = seconds * 1000.0;
     if (!(milliseconds > 0))
         return 0;
-    return static_cast<std::int64_t>(milliseconds < LongestMilliseconds ? milliseconds : LongestMilliseconds);
+    return static_cast<std::int64_t>(milliseconds < longestMilliseconds ? milliseconds : longestMilliseconds);
 }
 }  // namespace
 

@@ -10,11 +10,12 @@
 
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///
-/// - Name, life, user and place: as nxWindowsMutex. While the name lives, a count that a killed process has taken stays
-///   taken.
-/// - Errors: none are returned or thrown but the time-out; records as nxWindowsMutex. When the name is too long or stands for a mutex,
-///   when it is new and the maximum is 0, above 2,147,483,647 or below the initial count, or when the system refuses,
-///   IsNull() is true and all calls return success at once; errno tells the reason after the constructor.
+/// - Name, life, user and place: as nxWindowsMutex. A count that a killed process has taken stays taken as long as the
+///   name lives.
+/// - Errors: only the time-out is returned, and nothing is thrown; records as nxWindowsMutex. IsNull() is true when the
+///   name is too long, when it is the name of a mutex, when it is new and the maximum is 0, above 2,147,483,647 or
+///   below the initial count, and when the system refuses. All calls then return success at once; errno has the reason
+///   after the constructor.
 /// - Fork: the child has the object open too.
 /// @code
 /// nxWindowsSemaphore slots("my firm's licences", 3, 3);
@@ -24,8 +25,8 @@
 class NX_CORE_API nxWindowsSemaphore
 {
 public:
-    /// Opens the semaphore of that name, whatever its counts, or makes it with these. Where neither can be done,
-    /// IsNull() and errno say so.
+    /// Opens the semaphore of that name, whatever its counts, or makes it with these. When neither is possible,
+    /// IsNull() is true.
     nxWindowsSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount);
     virtual ~nxWindowsSemaphore();
 
@@ -40,8 +41,8 @@ public:
         return nxErrorEnum();
     }
 
-    /// The same, for at most (seconds * 1000) whole milliseconds. Nothing, less than nothing and NaN do not wait; more
-    /// than 49 days is 49 days.
+    /// The same, for at most (seconds * 1000) whole milliseconds. Zero, negative values and NaN do not wait; more than
+    /// 49 days is 49 days.
     /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero.
     nxErrorEnum TimedWait(double seconds);
 
@@ -52,7 +53,7 @@ public:
         return TimedWait(std::chrono::duration<double>(time).count());
     }
 
-    /// Adds one, unless the maximum is reached. Always success.
+    /// Adds one; nothing changes when the maximum is reached. Always success.
     nxErrorEnum Post()
     {
         if (_semaphore != nullptr)
@@ -60,7 +61,7 @@ public:
         return nxErrorEnum();
     }
 
-    /// Whether the semaphore is not there, so that no call waits.
+    /// Whether there is no semaphore, so that no call waits.
     bool IsNull() const { return _semaphore == nullptr; }
 
 private:

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Builds and runs the consumer against the library in one of the three ways; as a part of its build the library is static.
+# Builds and runs the consumer against the library in one of three ways. As a part of the consumer's build it is static.
 #
 #     consume.sh find_package|pkg-config PREFIX SOURCE SCRATCH LIBDIR CXX     against an installation
 #     consume.sh add_subdirectory - SOURCE SCRATCH - CXX                     as a part of the consumer's own build
 set -eu
 way=$1 prefix=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
 
-# Tells what a build printed only when it fails.
+# Shows the output of a build only when it fails.
 build() { cmake --build "$1" >"$scratch/build.log" || { cat "$scratch/build.log"; exit 1; }; }
 
 rm -rf "$scratch" && mkdir -p "$scratch"

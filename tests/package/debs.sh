@@ -16,7 +16,7 @@ for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/bash-completi
     ls -d "$root/$wanted"* >/dev/null
 done
 LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/nxtick" -version
-# Debian's own judge finds no error.
+# Debian's own checker finds no error.
 if command -v lintian >/dev/null 2>&1; then
     lintian --fail-on error --tag-display-limit 0 --allow-root "$packages"/*.deb
 else

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Absolute folders inside the prefix are installed as the relative ones are, and those outside are refused:
+# Absolute folders inside the prefix are installed like relative ones, and folders outside the prefix are refused:
 # directories.sh SOURCE SCRATCH CXX. Nothing is built.
 set -eu
 source=$1 scratch=$2 cxx=$3
@@ -19,7 +19,7 @@ relative=$(plan lib/many include/our)
 absolute=$(plan "$prefix/lib/many" "$prefix/./include/our")
 diff <(printf '%s\n' "$relative") <(printf '%s\n' "$absolute")
 if plan "$scratch/elsewhere/lib" include/our; then
-    echo "a folder outside the prefix is taken"
+    echo "a folder outside the prefix is accepted"
     exit 1
 fi
 grep -q "CMAKE_INSTALL_LIBDIR is" "$scratch/log"

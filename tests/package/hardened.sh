@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What is installed is linked and compiled so that a fault in it is hard to use: hardened.sh FILE PROCESSOR
+# Installed files are compiled and linked so that a fault in them is hard to exploit: hardened.sh FILE PROCESSOR
 set -u
 file=$1 processor=$2
 faults=0
@@ -17,7 +17,8 @@ expect_not "memory that is written and executed" '(LOAD|GNU_STACK).* RWE ' "$seg
 expect_not "code that is changed when it is loaded" TEXTREL "$dynamic"
 expect "nothing guards the stack" '^__stack_chk_fail' "$imports"
 case $file in *.so*) expect "nothing guards copies" '_chk(@|$)' "$imports" ;; esac
-# The note that turns the processor's check on also depends on the C library's start files, which not every system marks.
+# The note that switches the processor's check on also depends on the C library's start files, which not every system
+# marks.
 if [ "$processor" = x86_64 ] && [ "$(objdump -d "$file" | grep -c endbr64)" -lt 100 ]; then
     echo "$file: targets of jumps are not marked"; faults=1
 fi

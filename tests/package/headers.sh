@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the development files and looks at which headers came: headers.sh BUILD SOURCE SCRATCH INCLUDEDIR
+# Installs the development files and checks which headers they contain: headers.sh BUILD SOURCE SCRATCH INCLUDEDIR
 set -eu
 build=$1 source=$2 scratch=$3 includedir=$4
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the build into a scratch prefix, moves that, and consumes it: installed.sh WAY BUILD SOURCE SCRATCH LIBDIR CXX
+# Installs the build into a scratch prefix, moves it and consumes it: installed.sh WAY BUILD SOURCE SCRATCH LIBDIR CXX
 set -eu
 way=$1 build=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
 

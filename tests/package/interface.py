@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Holds the binary interface to what was agreed: exported symbols, and size and virtual slots of every public class.
+"""Compares the binary interface with the agreed lists: exported symbols, and size and virtual slots of public classes.
 
-    interface.py check LIBRARY CXX SOURCE GENERATED    tells what was added or is missing, and fails then
-    interface.py renew LIBRARY CXX SOURCE GENERATED    writes the agreed lists anew
+    interface.py check LIBRARY CXX SOURCE GENERATED    shows what was added or is missing, and fails then
+    interface.py renew LIBRARY CXX SOURCE GENERATED    writes the agreed lists again
 
-What is missing or different breaks programs that were built before: it takes a new major version. What was added takes
-a new minor one. The lists stand beside this file: symbols.txt and classes.txt. They are those of g++ on x86-64.
+A missing or changed line breaks programs that were built before and needs a new major version. An added line needs a new
+minor version. The lists are beside this file, symbols.txt and classes.txt, and hold for g++ on x86-64.
 """
 
 import os
@@ -15,11 +15,11 @@ import sys
 import tempfile
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
-WEAK = "VWuA"  # what the compiler emits where it likes: inline functions, templates, type information
+WEAK = "VWuA"  # emitted wherever the compiler likes: inline functions, templates, type information
 
 
 def symbols(library):
-    """The library's own exported functions and data, without what inline code brings along."""
+    """The library's own exported functions and data, without those of inline code."""
     output = subprocess.run(["nm", "-DC", "--without-symbol-versions", "--defined-only", library], capture_output=True, text=True, check=True).stdout
     rows = (line.split(" ", 2) for line in output.splitlines())
     return sorted({name for _, kind, name in rows if kind not in WEAK})

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Holds the headers to what must not compile, to what must compile without a word, and to what must be warned of.
+"""Checks which uses of the headers do not compile, which compile without a message, and which bring a warning.
 
     refused.py COMPILER FOLDER INCLUDE_FOLDER...    exit code 77: there is no such compiler
 
-Each FOLDER/TOPIC.cases begins with what its cases share: includes and declarations. Then a line with one of the marks
-begins a case, which goes on to the next mark and is compiled as the body of a function:
+Each FOLDER/TOPIC.cases begins with the includes and declarations that its cases share. A line with one of the marks then
+begins a case, which ends at the next mark and is compiled as the body of a function:
 
     // accepted: TITLE    compiles without a warning
     // warned: TITLE      compiles with a warning
@@ -19,7 +19,7 @@ import sys
 
 MARK = re.compile(r"// (accepted|warned|refused): (.+)")
 LOCATION = re.compile(r"([^\s:][^:]*):(\d+):(?:\d+:)?\s+(.*)")
-# GCC says where a template was asked for before it says what is wrong with it, clang afterwards.
+# GCC names the place that asked for a template before the fault in it, clang after it.
 BEFORE = re.compile(r"required (from|by)|[Ii]n (instantiation|substitution|.constexpr. expansion)")
 AFTER = re.compile(r"note: .*(requested here|in expansion of macro|required from here)")
 FLAGS = ["-std=gnu++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wconversion", "-Wno-unused", "-ftemplate-backtrace-limit=0"]
@@ -35,7 +35,7 @@ class Case:
 
 
 def read(path):
-    """What the cases of a file share, and the cases."""
+    """The text that the cases of a file share, and the cases."""
     shared, cases = "", []
     with open(path, encoding="utf-8") as file:
         for number, line in enumerate(file, 1):
@@ -55,7 +55,7 @@ class Compiler:
         self.command = [command, *FLAGS, limit, *(f"-I{folder}" for folder in folders), "-x", "c++", "-"]
 
     def diagnose(self, path, shared, cases):
-        """{"error": lines of the file, "warning": lines}, and all that the compiler said."""
+        """{"error": lines of the file, "warning": lines}, and the compiler's whole output."""
         name = os.path.basename(path)
         program = f'#line 1 "{name}"\n{shared}'
         for case in cases:
@@ -94,7 +94,7 @@ def check(compiler, path):
         return tell(path, faults), len(cases)
     found, _ = compiler.diagnose(path, shared, cases)
     for case in cases:
-        # A template that several cases ask for is complained of once: whom that leaves out is asked alone.
+        # A template that several cases use is reported once. The cases without a report are compiled alone.
         if case.kind == "refused" and not case.lines & found["error"] \
                 and not compiler.diagnose(path, shared, [case])[0]["error"]:
             faults.append((case, "compiles"))

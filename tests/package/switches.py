@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Builds the gateway of switches/ with every usual switch and both compilers: all must link and say the same.
+"""Builds the gateway of switches/ with every usual switch and both compilers: all must link and print the same.
 
     switches.py LIBRARY INCLUDE_FOLDER...
 
-Also links objects of different switches into one program, in both orders: of an inline function the linker keeps the copy
-that it meets first.
+It also links objects of different switches into one program, in both orders, because the linker keeps the first copy of an
+inline function that it finds.
 """
 
 import concurrent.futures
@@ -53,7 +53,7 @@ def main():
             run([compiler, *option.split(), "-pthread", *objects, "-o", program, library, f"-Wl,-rpath,{os.path.dirname(library)}"])
             return run([program])
 
-        # The largest first, so that no compiler waits at the end.
+        # The largest first, so that no compiler is idle at the end.
         sources = sorted(SOURCES, key=os.path.getsize, reverse=True)
         for done in [pool.submit(make, build, source) for source in sources for build in builds]:
             done.result()
@@ -69,7 +69,7 @@ def main():
     faults = [name for name, text in said.items() if text != expected]
     for name in faults:
         print(name, *difflib.unified_diff(expected.splitlines(), said[name].splitlines(), "expected", "said", n=0, lineterm=""), sep="\n")
-    print(f"{len(said)} programs, {len(faults)} say something else than the first")
+    print(f"{len(said)} programs, {len(faults)} print something else than the first")
     return 1 if faults else 0
 
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# The library exports nothing but its own classes, and never ends the process or writes to std::cout: symbols.sh LIBRARY
-# (It calls exit() at one place: where the log's thread is all that is left of a process that has ended otherwise.)
+# The library exports only its own classes, never ends the process and never writes to std::cout: symbols.sh LIBRARY
+# It calls exit() in one place, where the log's thread is the last thread of a process that has already ended.
 set -u
 library=$1
 faults=0
 
-# Weak instantiations of the standard library's templates may be exported by the compiler; they are nobody's interface.
+# The compiler may export weak instantiations of the standard library's templates. They are no interface.
 foreign=$(nm -DC --without-symbol-versions --defined-only "$library" | awk '$2 != "V" && $2 != "W" && $2 != "u" && $2 != "A" {sub(/^[^ ]* . /, ""); print}' |
     grep -vE '^(non-virtual thunk to |vtable for |typeinfo for |typeinfo name for |guard variable for |VTT for )?nx|^operator<<\(std::ostream&, |^(bool )?operator(==|<)|^std::hash<nx')
 if [ -n "$foreign" ]; then

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the library does not support is said first, in one line: unsupported.sh CXX SOURCE
+# Unsupported switches and compilers are reported first, in one line: unsupported.sh CXX SOURCE
 set -u
 cxx=$1 source=$2
 faults=0

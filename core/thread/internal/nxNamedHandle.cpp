@@ -30,7 +30,7 @@ nxNamedObject* nxNamedHandle::Open(const std::string& name, nxNamedObjectKind ki
     }
     catch (...)
     {
-        // No memory to tell it with; the handle is null all the same.
+        // No memory for the report. The result is the same without it.
     }
     errno = error;
     return object;

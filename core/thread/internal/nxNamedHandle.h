@@ -5,8 +5,8 @@
 
 #include "core/platform/linux/nxNamedObjectFile.h"
 
-/// Opens named objects for the classes that hold them, and tells the log when there are none to be had or what is open
-/// has been cut off: once, until it works again.
+/// Opens named objects for the classes that hold them. It reports to the log that named objects cannot be opened, or
+/// that their file was removed: once, until it works again.
 class nxNamedHandle
 {
 public:
