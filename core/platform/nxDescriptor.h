@@ -1,21 +1,22 @@
 #ifndef CORE_PLATFORM_NXDESCRIPTOR_H
 #define CORE_PLATFORM_NXDESCRIPTOR_H
 
-#include <sys/stat.h>
-#include <sys/types.h>
+#include <cstdint>
 
 #include "core/nxExport.h"
+
+struct stat;
 
 /// Which file a descriptor or a name stands for.
 struct nxFileIdentity
 {
     nxFileIdentity() = default;  ///< Of no file.
-    explicit nxFileIdentity(const struct stat& status) : device(status.st_dev), inode(status.st_ino) {}
+    explicit nxFileIdentity(const struct stat& status);
 
     friend bool operator==(const nxFileIdentity&, const nxFileIdentity&) = default;
 
-    dev_t device = 0;
-    ino_t inode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
 };
 
 /// A file descriptor that the library has opened, told by the file that it was opened for.

@@ -1,10 +1,9 @@
 #ifndef CORE_PLATFORM_NXSERVICETHREAD_H
 #define CORE_PLATFORM_NXSERVICETHREAD_H
 
-#include <pthread.h>
-#include <sched.h>
-
 #include <span>
+
+#include "core/platform/inline/nxNative.h"
 
 /// How a thread of the library's own runs: not as whichever thread happens to start it, which may be pinned to a
 /// processor, of real-time priority, and never leave that processor again.
@@ -23,9 +22,9 @@ public:
     void SetPriority(unsigned priority) noexcept { _priority = 1 <= priority && priority <= 99 ? priority : 0; }
 
     /// Makes attributes with which a thread starts like that, and with a stack of 256 KiB. @return 0 or errno.
-    int Prepare(pthread_attr_t& attributes) const noexcept;
+    int Prepare(nxNative::ThreadAttributes& attributes) const noexcept;
     /// Makes a thread go on like that, as far as the system allows.
-    void Apply(pthread_t thread) const noexcept;
+    void Apply(nxNative::Thread thread) const noexcept;
 
     /// Keeps all signals but those of faults and profilers from the calling thread, and gives it a name, up to 15
     /// characters, for top and debuggers. A fault is raised in the thread that makes it: blocked, it would end the
@@ -35,8 +34,8 @@ public:
     static void AcceptSignals() noexcept;
 
 private:
-    cpu_set_t _processors{};  // none for those of the process
-    unsigned _priority = 0;   // 0 for ordinary scheduling
+    nxNative::ProcessorSet _processors{};  // none for those of the process
+    unsigned _priority = 0;                // 0 for ordinary scheduling
 };
 
 #endif

@@ -1,6 +1,7 @@
 #include "core/platform/nxDescriptor.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,6 +20,8 @@ int MoveAboveStandardStreams(int descriptor)
     return moved;
 }
 }  // namespace
+
+nxFileIdentity::nxFileIdentity(const struct stat& status) : device(status.st_dev), inode(status.st_ino) {}
 
 nxDescriptor::nxDescriptor(int opened) : _number(MoveAboveStandardStreams(opened))
 {

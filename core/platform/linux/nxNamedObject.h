@@ -1,12 +1,10 @@
 #ifndef CORE_PLATFORM_LINUX_NXNAMEDOBJECT_H
 #define CORE_PLATFORM_LINUX_NXNAMEDOBJECT_H
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdint>
 
-#include "core/platform/linux/inline/nxNamedSemaphore.h"
+#include "core/platform/nxNamedLocks.h"
 
 /// What a name stands for. The values are stored in the shared file.
 enum class nxNamedObjectKind : std::uint32_t
@@ -18,7 +16,7 @@ enum class nxNamedObjectKind : std::uint32_t
 /// One entry of the table of named objects, as it lies in the shared file.
 struct nxNamedObject
 {
-    static constexpr std::uint32_t LongestName = 260;  ///< Bytes.
+    static constexpr std::size_t LongestName = nxNamedLocks::LongestName;  ///< Bytes.
 
     /// 0 while the entry belongs to nobody or is being written; the rest counts only when it is not.
     std::atomic<std::uint32_t> used;
@@ -27,7 +25,7 @@ struct nxNamedObject
     char name[LongestName];
     union
     {
-        pthread_mutex_t mutex;
+        nxNamedMutex mutex;
         nxNamedSemaphore semaphore;
     };
 };

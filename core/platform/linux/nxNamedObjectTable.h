@@ -19,13 +19,7 @@
 class nxNamedObjectTable
 {
 public:
-    /// What somebody should be told, once for each time that it comes to pass.
-    enum class Notice
-    {
-        None,
-        Refused,  ///< The system refuses named objects; errno has the reason.
-        Removed   ///< The file has been removed: those who come later share nothing with what is open.
-    };
+    using Notice = nxNamedLocks::Notice;
 
     static nxNamedObjectTable& GetInstance();
 

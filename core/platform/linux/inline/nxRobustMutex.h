@@ -14,6 +14,10 @@
 class nxRobustMutex
 {
 public:
+    /// Whether the system reports the death of the mutex's owner. The C library offers no query for it. The bit is part of
+    /// its binary interface, on which mutexes shared by processes rely already.
+    static bool IsRobust(const pthread_mutex_t& mutex) noexcept { return (mutex.__data.__kind & 16) != 0; }
+
     /// Takes a mutex, of whatever kind, if it is free.
     /// @return 0, EOWNERDEAD (taken as well), or why it cannot be taken.
     static int Try(pthread_mutex_t& mutex)
