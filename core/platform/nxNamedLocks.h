@@ -4,12 +4,13 @@
 #include <string>
 
 #include "core/platform/inline/nxNative.h"
+#include "core/platform/nxNamedLockNotice.h"
 
 /// The mutexes and semaphores that processes of one user share by a name. They are of the classes nxNamedMutex and
 /// nxNamedSemaphore, which each system has for itself.
 ///
 /// - Life: what has been opened stays open until the process ends. A name lives as long as a process has it open.
-/// - Errors: null, with errno: ENAMETOOLONG when the name is longer than LongestName bytes, EEXIST when it stands for the
+/// - Errors: null, with errno: ENAMETOOLONG when the name is longer than 260 bytes, EEXIST when it stands for the
 ///   other kind, EINVAL for counts that no semaphore has, ETIMEDOUT when another process keeps the names locked for five
 ///   seconds, else the reason of the system.
 /// - Threads: any.
@@ -18,22 +19,12 @@ class nxNamedLocks
 public:
     nxNamedLocks() = delete;
 
-    static constexpr std::size_t LongestName = 260;
-
-    /// What the caller reports, once each time that it begins.
-    enum class Notice
-    {
-        None,
-        Refused,  ///< The system refuses named objects; errno has the reason.
-        Removed   ///< Their place was removed: processes that come later share nothing with what is open.
-    };
-
     /// Opens the mutex of this name, or makes a free one.
-    static nxNamedMutex* OpenMutex(const std::string& name, Notice& notice) noexcept;
+    static nxNamedMutex* OpenMutex(const std::string& name, nxNamedLockNotice& notice) noexcept;
 
     /// Opens the semaphore of this name, whatever its counts, or makes one with these.
     static nxNamedSemaphore* OpenSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount,
-                                           Notice& notice) noexcept;
+                                           nxNamedLockNotice& notice) noexcept;
 };
 
 #endif

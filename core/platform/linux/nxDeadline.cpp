@@ -2,11 +2,7 @@
 
 #include <cmath>
 
-namespace
-{
-constexpr long NanosecondsPerMillisecond = 1'000'000;
-constexpr long NanosecondsPerSecond = 1'000'000'000;
-}  // namespace
+#include "core/platform/nxNanoseconds.h"
 
 timespec nxDeadline::Split(double seconds)
 {
@@ -15,7 +11,7 @@ timespec nxDeadline::Split(double seconds)
     if (seconds >= static_cast<double>(MaximumSeconds))
         return {MaximumSeconds, 0};
     const double whole = std::floor(seconds);
-    return {static_cast<time_t>(whole), static_cast<long>((seconds - whole) * 1'000'000'000.0)};
+    return {static_cast<time_t>(whole), static_cast<long>((seconds - whole) * nxNanoseconds::PerSecond)};
 }
 
 timespec nxDeadline::SplitMicroseconds(unsigned long long microseconds)
@@ -31,10 +27,10 @@ timespec nxDeadline::After(const timespec& relative)
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     timespec deadline{now.tv_sec + relative.tv_sec,
-                      relative.tv_nsec + now.tv_nsec / NanosecondsPerMillisecond * NanosecondsPerMillisecond};
-    if (deadline.tv_nsec > NanosecondsPerSecond)
+                      relative.tv_nsec + now.tv_nsec / nxNanoseconds::PerMillisecond * nxNanoseconds::PerMillisecond};
+    if (deadline.tv_nsec > nxNanoseconds::PerSecond)
     {
-        deadline.tv_nsec -= NanosecondsPerSecond;
+        deadline.tv_nsec -= nxNanoseconds::PerSecond;
         ++deadline.tv_sec;
     }
     return deadline;

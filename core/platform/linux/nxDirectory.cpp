@@ -14,13 +14,13 @@ namespace
 {
 mode_t DirectoryMode() { return nxEnvironment::IsSecureExecution() ? 0700 : 0750; }
 
-// Needs no right to read the directory.
+// Works without the right to read the directory.
 nxDescriptor OpenAt(int directory, const char* name, int flags)
 {
     return nxDescriptor(nxUninterrupted::Do([&] { return openat(directory, name, O_PATH | O_CLOEXEC | flags, 0); }));
 }
 
-// The directory and those above it that do not exist.
+// Makes the directory and the missing ones above it. Returns 0 or the error number.
 int Make(const std::string& path)
 {
     int error = ENOENT;

@@ -13,7 +13,7 @@
 
 namespace
 {
-// Held by whoever changes the environment or copies from it.
+// Set while a thread changes the environment or copies from it.
 constinit std::atomic<bool> isTaken{false};
 
 bool Take() { return !isTaken.exchange(true, std::memory_order_acquire); }
@@ -36,7 +36,7 @@ char** nxEnvironment::GetArray() { return environ; }
 
 bool nxEnvironment::Set(const std::string& name, const std::string& value)
 {
-    // Those who copy are through in no time.
+    // Copying takes a few microseconds at most.
     while (!Take())
         sched_yield();
     const bool isSet = ::setenv(name.c_str(), value.c_str(), 1) == 0;

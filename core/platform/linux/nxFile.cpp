@@ -15,7 +15,7 @@
 
 namespace
 {
-// The group of a program with rights of its own may be that of whoever started it.
+// In secure execution the group may be that of the user who started the program.
 mode_t FileMode() { return nxEnvironment::IsSecureExecution() ? 0600 : 0640; }
 
 nxFileIdentity IdentityOf(const char* path)
@@ -48,7 +48,7 @@ int nxFile::CreateNew(const nxDirectory& directory, const std::string& path)
     _descriptor = std::move(created);
     _path = std::move(absolute);
     _root = IdentityOf("/");
-    // There are file systems that number a file anew at each look by name.
+    // Some file systems give a file another number each time that it is looked up by name.
     if (IdentityOf(_path.c_str()) != _descriptor.GetIdentity())
         _path.clear();
     return 0;
@@ -73,7 +73,7 @@ int nxFile::WriteTo(int descriptor, const char* data, std::size_t size, std::siz
         if (taken < 0)
             return errno;
         if (taken == 0)
-            return ENOSPC;  // a device that takes nothing and gives no reason is full
+            return ENOSPC;  // a device that takes nothing without an error counts as full
         written += static_cast<std::size_t>(taken);
     }
     return 0;
@@ -84,7 +84,7 @@ int nxFile::CutBack(std::uint64_t bytes)
     struct stat status = {};
     if (const int error = _descriptor.Check(status); error != 0)
         return error;
-    // Somebody else may have cut the file as well.
+    // Another program may have cut the file as well.
     const auto size = static_cast<std::uint64_t>(status.st_size);
     return ftruncate(_descriptor.Get(), static_cast<off_t>(size - std::min(bytes, size))) == 0 ? 0 : errno;
 }
@@ -96,7 +96,7 @@ bool nxFile::_HasItsName() const
         return true;
     if (lstat(_path.c_str(), &status) == 0)
         return nxFileIdentity(status) == _descriptor.GetIdentity();
-    // A process that has moved its root looks in another tree.
+    // After chroot the path belongs to another tree.
     return (errno != ENOENT && errno != ENOTDIR) || IdentityOf("/") != _root;
 }
 
@@ -104,7 +104,7 @@ nxFile::Fate nxFile::Look(std::uint64_t& size) const
 {
     struct stat status = {};
     const int error = _descriptor.Check(status);
-    // The last is what a file of another machine answers once it is gone there.
+    // ESTALE comes from a network file system whose server has removed the file.
     if (error == EBADF || error == ESTALE)
         return Fate::Closed;
     if (error != 0)
@@ -117,7 +117,7 @@ nxFile::Fate nxFile::Look(std::uint64_t& size) const
 
 int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size)
 {
-    // Not blocking, so that opening a pipe that somebody put there does not hang.
+    // Not blocking: a pipe in the place of the file must not make this wait for a writer.
     const nxDescriptor file(
         nxUninterrupted::Do([&] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0); }));
     if (!file.IsOpen())

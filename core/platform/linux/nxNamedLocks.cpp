@@ -4,7 +4,7 @@
 
 #include "core/platform/linux/nxNamedObjectTable.h"
 
-nxNamedMutex* nxNamedLocks::OpenMutex(const std::string& name, Notice& notice) noexcept
+nxNamedMutex* nxNamedLocks::OpenMutex(const std::string& name, nxNamedLockNotice& notice) noexcept
 {
     nxNamedObject* const object = nxNamedObjectTable::GetInstance().Open(
         name, nxNamedObjectKind::Mutex, [](nxNamedObject& made) { return made.mutex.Initialise(); }, notice);
@@ -12,7 +12,7 @@ nxNamedMutex* nxNamedLocks::OpenMutex(const std::string& name, Notice& notice) n
 }
 
 nxNamedSemaphore* nxNamedLocks::OpenSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount,
-                                              Notice& notice) noexcept
+                                              nxNamedLockNotice& notice) noexcept
 {
     const auto initialise = [&](nxNamedObject& made)
     {

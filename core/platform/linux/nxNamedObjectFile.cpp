@@ -28,8 +28,8 @@ constexpr off_t None = 0;                 // No entry has the header's number.
 
 static_assert(sizeof(nxNamedObject) <= EntryBytes, "the layout of the file");
 
-// The exclusive lock under which entries are searched and written. It is tried and not waited for: whoever has it may be
-// stopped, by a debugger for example, for as long as it pleases somebody.
+// The exclusive lock under which entries are searched and written. It is only tried, because the process that holds it may
+// be stopped, by a debugger for example, for any time.
 class TableLock
 {
 public:
@@ -53,12 +53,7 @@ private:
     bool _locked;
 };
 
-bool IsSameFile(const struct stat& status, dev_t device, ino_t inode)
-{
-    return status.st_dev == device && status.st_ino == inode;
-}
-
-// Growing a file beyond this process's limit raises a signal that ends the process.
+// Growing a file beyond the limit of this process raises a signal that ends it.
 bool IsWithinFileSizeLimit(off_t size)
 {
     struct rlimit limit
@@ -68,7 +63,7 @@ bool IsWithinFileSizeLimit(off_t size)
            static_cast<rlim_t>(size) <= limit.rlim_cur;
 }
 
-// Reserves the memory, so that no later access finds it used up.
+// Reserves the memory now, so that no later access can fail for lack of it.
 bool Reserve(int descriptor, off_t offset, off_t bytes)
 {
     const auto reserve = [&]
@@ -132,10 +127,10 @@ nxNamedObjectAnswer nxNamedObjectFile::_OpenUnderLock(const std::string& name, n
     if (number == None)
         return nxNamedObjectAnswer::Refused;
     nxNamedObject& entry = _Entry(number);
-    // All memory is taken first: an entry that is locked and not remembered would look dead to this process.
+    // All memory is allocated first: an entry that is locked but not remembered would look dead to this process.
     _isOpened.resize(static_cast<std::size_t>(_Count()));
     const auto opened = _opened.insert_or_assign(name, Opened{&entry, number, kind}).first;
-    // Locked before it is written: from its first byte on, the entry is somebody's.
+    // Locked before it is written, so that no other process takes it meanwhile.
     nxNamedObjectAnswer answer = nxNamedObjectAnswer::Refused;
     if (nxRecordLock::TryShared(_descriptor, number))
         answer = alive ? nxNamedObjectAnswer::Opened : _Create(entry, name, kind, initialise);
@@ -179,8 +174,8 @@ off_t nxNamedObjectFile::_Find(const std::string& name) const
     return None;
 }
 
-// A free entry, a dead one, or a new one, in this order: a process that has lost its locks, because it closed all
-// descriptors, keeps its entries to itself as long as possible.
+// A free entry, a dead one or a new one, in this order: a process that has lost its locks, because it closed all
+// descriptors, keeps its entries as long as possible.
 off_t nxNamedObjectFile::_FindFree()
 {
     for (off_t number = 1; number < _Count(); ++number)
@@ -219,7 +214,7 @@ bool nxNamedObjectFile::_MapChunk()
     return true;
 }
 
-// Maps what others have added since, and the header.
+// Maps the header and the part that other processes have added.
 bool nxNamedObjectFile::_MapAll()
 {
     struct stat status
@@ -253,7 +248,7 @@ bool nxNamedObjectFile::_IsFileOurs() const
     {
     };
     return _descriptor >= 0 && _process == getpid() && fstat(_descriptor, &status) == 0 &&
-           IsSameFile(status, _device, _inode) && status.st_nlink != 0;
+           nxFileIdentity(status) == _file && status.st_nlink != 0;
 }
 
 nxNamedObjectAnswer nxNamedObjectFile::_EnsureFile()
@@ -266,14 +261,14 @@ nxNamedObjectAnswer nxNamedObjectFile::_EnsureFile()
     };
     if (opened.Get() < 0 || fstat(opened.Get(), &status) != 0)
         return nxNamedObjectAnswer::Refused;
-    if (IsSameFile(status, _device, _inode))
+    if (nxFileIdentity(status) == _file)
     {
         if (const nxNamedObjectAnswer answer = _LockAgain(opened.Get()); answer != nxNamedObjectAnswer::Opened)
             return answer;
     }
     else
     {
-        // Somebody has removed the file. What is open goes on as it is, on the old descriptor.
+        // The file was removed. Objects that are open stay usable through the old descriptor.
         _wasRemoved = !_opened.empty();
         _chunks.clear();
         _opened.clear();
@@ -281,12 +276,11 @@ nxNamedObjectAnswer nxNamedObjectFile::_EnsureFile()
     }
     _descriptor = opened.Release();
     _process = getpid();
-    _device = status.st_dev;
-    _inode = status.st_ino;
+    _file = nxFileIdentity(status);
     return nxNamedObjectAnswer::Opened;
 }
 
-// While nothing is open, the next attempt starts from scratch: what was in the way may be gone by then.
+// While nothing is open, the next attempt starts from the beginning, because the obstacle may be gone by then.
 void nxNamedObjectFile::_Forget()
 {
     const int error = errno;
@@ -300,23 +294,23 @@ void nxNamedObjectFile::_Forget()
     errno = error;
 }
 
-// Takes the shared locks of all that is open on another descriptor, and gives up the old one if a fork has made it
-// common with the parent: whatever either of the two opens later must not live as long as the other.
+// Takes the shared locks of all open objects on another descriptor. After a fork the old one is closed, because parent and
+// child share it and the objects that one of them opens later must not live as long as the other.
 nxNamedObjectAnswer nxNamedObjectFile::_LockAgain(int descriptor)
 {
     if (_process != getpid())
     {
-        // The parent's locks keep every entry ours until these have been taken.
+        // The parent's locks keep every entry alive until the child has its own.
         _LockEntries(descriptor);
         struct stat status
         {
         };
-        if (fstat(_descriptor, &status) == 0 && IsSameFile(status, _device, _inode))
+        if (fstat(_descriptor, &status) == 0 && nxFileIdentity(status) == _file)
             close(_descriptor);
         return nxNamedObjectAnswer::Opened;
     }
-    // The locks went with the descriptor that somebody has closed, and an entry may be another process's by now, or about
-    // to be: only the table's lock says that none is being written.
+    // The locks ended with the descriptor that other code has closed, and another process may have taken an entry since or
+    // be taking it now. Only the lock of the table excludes that.
     const TableLock lock(descriptor);
     if (!lock.IsLocked())
         return TableLock::WhyNot();
@@ -324,7 +318,7 @@ nxNamedObjectAnswer nxNamedObjectFile::_LockAgain(int descriptor)
     return nxNamedObjectAnswer::Opened;
 }
 
-// Forgets the entries that are no longer what they were.
+// Forgets the entries that are not the same objects any more.
 void nxNamedObjectFile::_LockEntries(int descriptor)
 {
     for (auto opened = _opened.begin(); opened != _opened.end();)
@@ -341,8 +335,8 @@ void nxNamedObjectFile::_LockEntries(int descriptor)
     }
 }
 
-// The parent's locks keep everything alive until this has taken locks for the child; where it cannot, the child lives on
-// its parent's, and the next use tries again.
+// The parent's locks keep the objects alive until the child has taken its own. If it cannot, it depends on those of the
+// parent, and the next use tries again.
 void nxNamedObjectFile::AfterForkInChild()
 {
     const int error = errno;

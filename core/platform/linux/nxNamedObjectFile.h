@@ -11,51 +11,60 @@
 
 #include "core/platform/linux/nxNamedObject.h"
 #include "core/platform/linux/nxNamedObjectPlace.h"
+#include "core/platform/nxDescriptor.h"
 
-/// What came of a request for a named object.
+/// The outcome of a request for a named object.
 enum class nxNamedObjectAnswer
 {
     Opened,
-    WrongRequest,  ///< The name stands for another kind, or nobody could make such an object.
-    Busy,          ///< Another process is in the table at this moment.
+    WrongRequest,  ///< The name refers to another kind, or no object can be made as requested.
+    Busy,          ///< Another process has locked the table.
     Refused        ///< By the system; errno has the reason.
 };
 
 /// The named objects of one identity: a file of entries in memory, mapped by every process that has one of them open.
 ///
 /// - Life of an entry: every process that has it open holds a shared lock of the file on the byte whose offset is the
-///   entry's number; the system takes the lock away when the process ends, however it ends. An entry that nobody has
-///   locked is dead, whatever it contains: the next to ask for its name, or for a free entry, writes it anew.
-/// - Searching and writing entries happens under an exclusive lock on byte 0. A process that is killed meanwhile leaves
-///   an entry that is marked as unused. What an entry says is true only for those who hold that lock, or have held the
-///   entry's own without a break since it was.
-/// - One descriptor serves all names. It is looked at before every use: a process that has closed descriptors that it
-///   did not open, or that has forked, gets a new one, on which its locks are taken again.
-/// - Once something is open nothing is unmapped any more, because threads may be holding and waiting.
+///   entry's number. The system releases the lock when the process ends, in whatever way. An entry without a lock is dead,
+///   whatever it contains, and may be used for any name.
+/// - Validity: entries are searched and written under an exclusive lock on byte 0. The contents of an entry are valid only
+///   for a process that holds that lock, or has held the entry's own lock without a break since it held that one.
+/// - Descriptor: one serves all names. It is checked before every use. A process that has forked, or has closed
+///   descriptors that it did not open, gets a new one and takes its locks again on it.
+/// - Mapping: once an object is open nothing is unmapped any more, because threads may hold it or wait for it.
 /// - Threads: one at a time.
+///
+/// Opening an object takes these steps. A kill after any of them leaves a file that the next process can use:
+/// 1. Lock byte 0. The system releases the lock, and the file is as before.
+/// 2. Map the part by which the file has grown. The file is as before.
+/// 3. Find the entry of the name, a free one or a dead one, or grow the file. It may have more free entries.
+/// 4. Lock the byte of the entry, shared. The system releases the lock, and the entry is as before.
+/// 5. In a new object: mark the entry as free, make the object, write kind and name, mark the entry as used. The entry is
+///    free until the last of these, and dead after it.
+/// 6. Unlock byte 0. The entry is dead unless another process has it open.
 class nxNamedObjectFile
 {
 public:
-    /// Makes a new object in place; false, with errno, when it cannot.
+    /// Makes a new object in place. Returns false, with errno, when it cannot.
     using Initialiser = std::function<bool(nxNamedObject&)>;
 
     explicit nxNamedObjectFile(const nxNamedObjectPlace::Identity& identity) : _identity(identity) {}
 
     const nxNamedObjectPlace::Identity& GetIdentity() const { return _identity; }
 
-    /// Finds the object that some live process has open under @p name, or makes it.
+    /// Finds the object that a live process has open under @p name, or makes it.
     /// @param object is set when the answer is Opened; otherwise errno has the reason.
     nxNamedObjectAnswer Open(const std::string& name, nxNamedObjectKind kind, const Initialiser& initialise,
                              nxNamedObject*& object);
 
-    /// Whether, since the last call, somebody turned out to have removed the file from under objects that are open.
+    /// Whether, since the last call, the file was found to be removed while objects in it are open.
     bool WasRemoved() { return std::exchange(_wasRemoved, false); }
 
-    /// Makes what the parent has open the child's own.
+    /// Gives the child locks of its own on the objects that the parent has open.
     void AfterForkInChild();
 
 private:
-    // What this process has open under a name.
+    // An object that this process has open.
     struct Opened
     {
         nxNamedObject* object;
@@ -85,10 +94,8 @@ private:
 
     nxNamedObjectPlace::Identity _identity;
     int _descriptor = -1;
-    // Whose descriptor it is, and which file it was opened on.
-    pid_t _process = 0;
-    dev_t _device = 0;
-    ino_t _inode = 0;
+    pid_t _process = 0;    // that opened the descriptor
+    nxFileIdentity _file;  // for which it was opened
     bool _wasRemoved = false;
     std::vector<char*> _chunks;                       // the mapped file, piece by piece
     std::unordered_map<std::string, Opened> _opened;  // by name

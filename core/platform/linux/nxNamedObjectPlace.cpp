@@ -14,12 +14,12 @@
 
 namespace
 {
-// Processes of different builds share the file, so a change of its layout changes its name.
+// Processes of different builds share the file, so that a change of its layout needs another name.
 constexpr const char* FileName = "objects-1";
 constexpr mode_t DirectoryRights = 0700;
 constexpr mode_t FileRights = 0600;
 
-// The number in a link such as "pid:[4026531836]"; 0 on a kernel without such namespaces, where all is one.
+// The number in a link such as "pid:[4026531836]"; 0 on a kernel without such namespaces.
 std::optional<std::uint64_t> Namespace(int directory, const char* kind)
 {
     char text[64];
@@ -35,16 +35,16 @@ std::optional<std::uint64_t> Namespace(int directory, const char* kind)
     return number;
 }
 
-// Neither another user nor anybody in our group has had a hand in it.
+// Whether it belongs to the user, and neither the group nor other users have any right to it.
 bool IsPrivate(const struct stat& status, uid_t user) { return status.st_uid == user && (status.st_mode & 077) == 0; }
 
-// A directory, or a file that has no second name elsewhere.
+// A directory, or a file without a second name.
 bool IsDirectoryOrOnlyName(const struct stat& status)
 {
     return S_ISDIR(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink == 1);
 }
 
-// Gives us the rights to a directory or file of ours that was made under a umask that took them.
+// Restores the rights to a directory or file of this user that was made under a umask without them.
 bool GiveRights(int parent, const char* name, mode_t rights, uid_t user)
 {
     const nxScopedDescriptor found(openat(parent, name, O_PATH | O_NOFOLLOW | O_CLOEXEC, 0));
@@ -59,7 +59,7 @@ bool GiveRights(int parent, const char* name, mode_t rights, uid_t user)
     return isGiven;
 }
 
-// Opens what only this user may use. @return -1 with errno, which is EPERM for what others may use as well.
+// Opens a file or directory that only this user may use. @return -1 with errno, EPERM if others may use it as well.
 int OpenPrivate(int parent, const char* name, int flags, mode_t rights, uid_t user)
 {
     const auto open = [&] { return openat(parent, name, flags | O_NOFOLLOW | O_CLOEXEC, rights); };
@@ -82,7 +82,7 @@ int OpenPrivate(int parent, const char* name, int flags, mode_t rights, uid_t us
     return opened.Release();
 }
 
-// The directory below which users have theirs, or the reason why there is none.
+// The directory that holds those of the users, or the reason why there is none.
 struct Root
 {
     std::string path;
@@ -113,10 +113,10 @@ Root FindUsualRoot()
     return errno == ENOENT || errno == ENOTDIR ? Root{"/tmp"} : Root{"", errno};
 }
 
-// Opens the user's directory, and makes it first where there is none.
+// Opens the user's directory, or makes it.
 int OpenDirectory(const nxNamedObjectPlace::Identity& identity)
 {
-    // Read once. Callers take turns, and forks wait for them.
+    // Read once. The caller holds the mutex of the table, which forks wait for.
     static const Root configured = FindRoot();
     const Root root = configured.path.empty() && configured.error == 0 ? FindUsualRoot() : configured;
     errno = root.error;
@@ -151,6 +151,6 @@ int nxNamedObjectPlace::Open(const Identity& identity)
         OpenPrivate(directory.Get(), FileName, O_RDWR | O_CREAT, FileRights, identity.user));
     if (opened.Get() < 0)
         return -1;
-    // A process may have been started without its standard streams; their numbers are not for us.
+    // A process may have been started without standard streams. The file must not get one of their numbers.
     return fcntl(opened.Get(), F_DUPFD_CLOEXEC, 3);
 }

@@ -6,19 +6,19 @@
 #include <cstdint>
 #include <optional>
 
-/// Where the named objects of a user lie: a file in a directory that only the user can enter.
+/// The place of a user's named objects: a file in a directory that only the user can enter.
 ///
-/// There is one place on a machine, so that no two processes can each find another one: below /dev/shm where that is a
-/// directory, else below /tmp, or below what the variable NX_SHARED_DIRECTORY says, an absolute path that is read once
-/// and that counts for nothing in secure execution. Whatever goes wrong there is an error, never a reason to look
-/// elsewhere.
+/// There is one place on a machine, so that all processes find the same: below the directory that the variable
+/// NX_SHARED_DIRECTORY names, else below /dev/shm, or below /tmp where /dev/shm does not exist. The variable holds an
+/// absolute path, is read once and is ignored in secure execution. A failure in this place is an error; no other place is
+/// tried.
 class nxNamedObjectPlace
 {
 public:
     nxNamedObjectPlace() = delete;
 
-    /// Whose objects they are. A mutex knows its owner by a number of the process-id namespace, and the same user id in
-    /// two user namespaces is two users.
+    /// The owner of the objects. A mutex stores its owner as a number of the process-id namespace, and the same user id in
+    /// two user namespaces means two users.
     struct Identity
     {
         uid_t user;  ///< The effective one.
@@ -28,11 +28,12 @@ public:
         friend bool operator==(const Identity&, const Identity&) = default;
     };
 
-    /// Who the process is now. @return nothing, with errno, when the system does not tell, as in a chroot without /proc.
+    /// The present identity of the process. @return nothing, with errno, when the system does not tell, as in a chroot
+    ///         without /proc.
     static std::optional<Identity> FindIdentity();
 
-    /// Opens the file, and makes an empty one where there is none. Nothing that another user has had a hand in is
-    /// followed, changed or trusted; rights of our own that a umask has taken are given back.
+    /// Opens the file, or makes an empty one. Files, directories and links that another user may have made or changed are
+    /// not followed, changed or trusted. Rights of this user that a umask has removed are restored.
     /// @return a descriptor above the standard ones, or -1 with errno; throws std::bad_alloc.
     static int Open(const Identity& identity);
 };

@@ -1,19 +1,20 @@
 #include "core/platform/linux/nxNamedObjectTable.h"
 
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <new>
 
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxForkHandlers.h"
+#include "core/platform/nxNanoseconds.h"
 
 nxNamedObjectTable& nxNamedObjectTable::GetInstance()
 {
-    // Never destroyed, and made without an allocation, because those who ask must not throw.
+    // Never destroyed, and made without an allocation, because the callers must not throw.
     alignas(nxNamedObjectTable) static unsigned char place[sizeof(nxNamedObjectTable)];
     static nxNamedObjectTable& table = *new (place) nxNamedObjectTable;
     return table;
@@ -21,7 +22,7 @@ nxNamedObjectTable& nxNamedObjectTable::GetInstance()
 
 namespace
 {
-// Made while the library is loaded: a fork during a first use would leave the child waiting for it for ever.
+// Made while the library is loaded. A child forked during a first use would wait for the guard of the static for ever.
 [[maybe_unused]] const nxNamedObjectTable& madeAtLoad = nxNamedObjectTable::GetInstance();
 }  // namespace
 
@@ -32,23 +33,24 @@ nxNamedObjectTable::nxNamedObjectTable()
 }
 
 nxNamedObject* nxNamedObjectTable::Open(const std::string& name, nxNamedObjectKind kind,
-                                        const nxNamedObjectFile::Initialiser& initialise, Notice& notice)
+                                        const nxNamedObjectFile::Initialiser& initialise, nxNamedLockNotice& notice)
 {
-    notice = Notice::None;
+    notice = nxNamedLockNotice::None;
     if (name.size() > nxNamedObject::LongestName)
     {
         errno = ENAMETOOLONG;
         return nullptr;
     }
-    constexpr std::int64_t patience = 5'000'000'000;
-    constexpr long longestPause = 10'000'000;
-    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + patience;
-    for (timespec pause{0, 50'000};; pause.tv_nsec = std::min(2 * pause.tv_nsec, longestPause))
+    constexpr std::int64_t longestWait = 5 * nxNanoseconds::PerSecond;
+    constexpr long longestPause = 10 * nxNanoseconds::PerMillisecond;
+    const std::int64_t deadline = nxClock::MonotonicNanoseconds() + longestWait;
+    for (timespec pause{0, nxNanoseconds::PerMillisecond / 20};;
+         pause.tv_nsec = std::min(2 * pause.tv_nsec, longestPause))
     {
         {
-            const std::lock_guard<std::mutex> guard(_mutex);
+            const Guard guard(_mutex);
             nxNamedObject* object = nullptr;
-            const nxNamedObjectAnswer answer = _Try(name, kind, initialise, object, notice);
+            const nxNamedObjectAnswer answer = _Try(guard, name, kind, initialise, object, notice);
             if (answer == nxNamedObjectAnswer::Opened)
                 return object;
             if (answer != nxNamedObjectAnswer::Busy)
@@ -56,7 +58,7 @@ nxNamedObject* nxNamedObjectTable::Open(const std::string& name, nxNamedObjectKi
             if (nxClock::MonotonicNanoseconds() >= deadline)
             {
                 errno = ETIMEDOUT;
-                notice = _Refused();
+                notice = _Refused(guard);
                 return nullptr;
             }
         }
@@ -64,30 +66,30 @@ nxNamedObject* nxNamedObjectTable::Open(const std::string& name, nxNamedObjectKi
     }
 }
 
-nxNamedObjectAnswer nxNamedObjectTable::_Try(const std::string& name, nxNamedObjectKind kind,
+nxNamedObjectAnswer nxNamedObjectTable::_Try(const Guard& guard, const std::string& name, nxNamedObjectKind kind,
                                              const nxNamedObjectFile::Initialiser& initialise, nxNamedObject*& object,
-                                             Notice& notice)
+                                             nxNamedLockNotice& notice)
 {
-    nxNamedObjectFile* const file = _FileOfNow();
+    nxNamedObjectFile* const file = _FileOfNow(guard);
     const nxNamedObjectAnswer answer =
         file != nullptr ? file->Open(name, kind, initialise, object) : nxNamedObjectAnswer::Refused;
     if (file != nullptr && file->WasRemoved())
-        notice = Notice::Removed;
+        notice = nxNamedLockNotice::Removed;
     else if (answer == nxNamedObjectAnswer::Refused)
-        notice = _Refused();
+        notice = _Refused(guard);
     if (answer == nxNamedObjectAnswer::Opened)
         _isRefused = false;
     return answer;
 }
 
 // Null, with errno, when the system does not tell who the process is, or there is no memory.
-nxNamedObjectFile* nxNamedObjectTable::_FileOfNow()
+nxNamedObjectFile* nxNamedObjectTable::_FileOfNow(const Guard&)
 try
 {
     const std::optional<nxNamedObjectPlace::Identity> identity = nxNamedObjectPlace::FindIdentity();
     if (!identity)
     {
-        // Who has been told once is still the same, as long as it is the same process of the same user.
+        // An identity that was found once stays valid for the same process of the same user.
         const bool isKnown = _last != nullptr && _process == getpid() && _last->GetIdentity().user == geteuid();
         return isKnown ? _last : nullptr;
     }
@@ -104,11 +106,11 @@ catch (const std::bad_alloc&)
     return nullptr;
 }
 
-nxNamedObjectTable::Notice nxNamedObjectTable::_Refused()
+nxNamedLockNotice nxNamedObjectTable::_Refused(const Guard&)
 {
     const bool isNews = !_isRefused;
     _isRefused = true;
-    return isNews ? Notice::Refused : Notice::None;
+    return isNews ? nxNamedLockNotice::Refused : nxNamedLockNotice::None;
 }
 
 void nxNamedObjectTable::_BeforeFork() { GetInstance()._mutex.lock(); }

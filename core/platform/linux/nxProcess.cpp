@@ -22,11 +22,11 @@ namespace
 long long NanosecondsOf(clockid_t clock)
 {
     timespec now{};
-    ::syscall(SYS_clock_gettime, clock, &now);  // also where a sandbox keeps the processor's counter from the C library
+    ::syscall(SYS_clock_gettime, clock, &now);  // works in a sandbox that forbids the processor's counter
     return now.tv_sec * nxNanoseconds::PerSecond + now.tv_nsec;
 }
 
-// What the system says about the process, as the fields of /proc/self/stat. Asks without memory of its own.
+// The state of the process, as the fields of /proc/self/stat. Allocates nothing.
 class StatusOfProcess
 {
 public:
@@ -37,8 +37,8 @@ public:
         _text[error == 0 ? size : 0] = '\0';
     }
 
-    // The text of a field from the third on, null when there is none. The second is the program's name in parentheses
-    // and may hold blanks and parentheses of its own.
+    // The text of a field from the third on; null when there is none. The second field is the program's name in
+    // parentheses and may itself hold blanks and parentheses.
     const char* GetField(int number) const
     {
         const char* field = std::strrchr(_text, ')');
@@ -51,7 +51,7 @@ private:
     char _text[1024];
 };
 
-// When the process started, in nanoseconds since the machine did; negative when the system does not tell.
+// The start of the process in nanoseconds since that of the machine; negative when the system does not tell.
 long long StartSinceBoot()
 {
     const StatusOfProcess status;
@@ -64,7 +64,7 @@ long long StartSinceBoot()
            ticks % ticksPerSecond * (nxNanoseconds::PerSecond / ticksPerSecond);
 }
 
-// How useful an interface's address is to other machines; 0 is no use.
+// How likely other machines reach the interface's address: the higher the better, 0 for not at all.
 int Usefulness(const ifaddrs& interface)
 {
     if (interface.ifa_addr == nullptr || (interface.ifa_flags & IFF_UP) == 0 ||
@@ -109,13 +109,13 @@ unsigned nxProcess::GetID() { return static_cast<unsigned>(::getpid()); }
 
 bool nxProcess::IsOnlyThreadLeft()
 {
-    // The link of a main thread that has ended cannot be read. While it runs no file is opened: other code of the
-    // process may count on the number that a descriptor of its own gets next.
+    // The link cannot be read once the main thread has ended. This comes first because it opens no file: other code of
+    // the process may rely on the number that its next descriptor gets.
     char link = 0;
     if (::readlink("/proc/self/cwd", &link, sizeof link) >= 0)
         return false;
     const StatusOfProcess status;
-    // The state is that of the main thread, which counts as one of the threads until the process ends.
+    // The state is that of the main thread, which is counted as a thread until the process ends.
     const char* const state = status.GetField(3);
     const char* const threads = status.GetField(20);
     return state != nullptr && threads != nullptr && *state == 'Z' && std::strtol(threads, nullptr, 10) == 2;

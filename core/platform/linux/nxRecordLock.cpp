@@ -34,7 +34,7 @@ bool nxRecordLock::TryExclusive(int descriptor, off_t byte) noexcept
 {
     const bool isLocked = Set(descriptor, F_WRLCK, byte);
     if (!isLocked && errno == EACCES)
-        errno = EAGAIN;  // the same to POSIX
+        errno = EAGAIN;  // POSIX allows either
     return isLocked;
 }
 

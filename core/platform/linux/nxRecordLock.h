@@ -4,7 +4,7 @@
 #include <sys/types.h>
 
 /// Locks on single bytes of a file. They belong to the open file and not to the process: closing another descriptor of
-/// the file loses none, and the system takes them away when the last descriptor of the open file has gone.
+/// the file releases none of them, and the system releases all of them with the last descriptor of the open file.
 ///
 /// - Errors: false, with errno. - Threads: any; the threads of a process that share a descriptor share its locks.
 class nxRecordLock
@@ -12,13 +12,13 @@ class nxRecordLock
 public:
     nxRecordLock() = delete;
 
-    /// Locks the byte for this open file beside others that do the same.
+    /// Locks the byte for this open file. Others may have the same lock.
     static bool TryShared(int descriptor, off_t byte) noexcept;
-    /// Locks the byte for this open file alone. Does not wait: EAGAIN while another has it.
+    /// Locks the byte for this open file alone. Does not wait: EAGAIN while another open file has it.
     static bool TryExclusive(int descriptor, off_t byte) noexcept;
-    /// Gives the byte back. Leaves errno as it is.
+    /// Unlocks the byte. Leaves errno as it is.
     static void Unlock(int descriptor, off_t byte) noexcept;
-    /// Whether another open file has the byte locked. In doubt it has.
+    /// Whether another open file has locked the byte. True when the system does not tell.
     static bool IsLockedByAnother(int descriptor, off_t byte) noexcept;
 };
 

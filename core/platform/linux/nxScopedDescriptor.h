@@ -6,7 +6,8 @@
 #include <cerrno>
 #include <utility>
 
-/// A file descriptor of the thread that has just opened it, closed at the end of the scope; errno stays. -1 is none.
+/// A file descriptor that is closed at the end of the scope, which leaves errno as it is. -1 is none. For short use by the
+/// thread that has opened it; see nxDescriptor for one that is kept.
 class nxScopedDescriptor
 {
 public:
@@ -22,7 +23,7 @@ public:
     nxScopedDescriptor& operator=(const nxScopedDescriptor&) = delete;
 
     int Get() const { return _descriptor; }
-    /// Leaves the closing to the caller.
+    /// Hands the descriptor to the caller, who closes it.
     int Release() { return std::exchange(_descriptor, -1); }
 
 private:

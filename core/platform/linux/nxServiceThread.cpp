@@ -6,10 +6,10 @@
 
 namespace
 {
-// Enough for lines, and for the devices of applications; far below the 8 MiB that small limits on memory refuse.
+// Enough for lines and for the devices of applications, and far below the usual 8 MiB, which small memory limits refuse.
 constexpr std::size_t stackSize = std::size_t{256} << 10;
 
-// Empty while unknown; a machine with more processors than fit lets the thread run as its creator does.
+// Empty while unknown. On a machine with more processors than fit, the thread keeps the processors of its creator.
 constinit cpu_set_t processorsOfProcess{};
 
 const cpu_set_t& OrOfProcess(const cpu_set_t& processors)

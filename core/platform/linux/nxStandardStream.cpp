@@ -14,13 +14,14 @@
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/linux/nxUninterrupted.h"
 #include "core/platform/nxFile.h"
+#include "core/platform/nxNanoseconds.h"
 
 namespace
 {
 constexpr int millisecondsBetweenLooks = 10;
 constexpr int looksWithoutProgress = 10;
-constexpr std::int64_t longest = 500'000'000;
-// Room that a stream has for sure when it says that it has any.
+constexpr std::int64_t longestWrite = 500 * nxNanoseconds::PerMillisecond;
+// A stream that has room at all has room for this many bytes.
 constexpr std::size_t pieceSize = 256;
 
 bool HasRoom(int descriptor, int milliseconds)
@@ -35,7 +36,7 @@ constinit nxStandardStream nxStandardStream::_errors(STDERR_FILENO);
 
 namespace
 {
-// When the library is loaded, before other code of the process comes to close anything.
+// Runs when the library is loaded, before other code of the process can close the streams.
 [[gnu::constructor(101)]] void Remember()
 {
     nxStandardStream::GetOutput();
@@ -77,7 +78,7 @@ bool nxStandardStream::_IsOurs(struct stat& status) noexcept
     }
     if (!_wasClosed && nxFileIdentity(status) == _original)
         return true;
-    // What takes the place of a stream for good is there for programs that are started as well.
+    // A file that replaces a stream on purpose is inherited by the programs that the process starts.
     if (S_ISSOCK(status.st_mode) || (fcntl(_number, F_GETFD) & FD_CLOEXEC) != 0)
         return false;
     return !(_wasClosed && S_ISREG(status.st_mode));
@@ -89,8 +90,8 @@ bool nxStandardStream::Look() noexcept
     return _IsOurs(status);
 }
 
-// Others share the stream and the mode in which it is open, so that mode is left alone: pipes and terminals are opened once
-// more for the moment.
+// Other programs share the stream and the mode in which it is open, so the mode is not changed. Pipes and terminals are
+// opened a second time for this write instead.
 nxStandardStream::Way nxStandardStream::_FindWay(const struct stat& status, nxDescriptor& own) const
 {
     if (S_ISSOCK(status.st_mode))
@@ -153,9 +154,9 @@ std::size_t nxStandardStream::Write(std::string_view text)
             looks = 0;
         begun = begun != 0 ? begun : nxClock::MonotonicNanoseconds();
         if (error != EAGAIN || _isStuck || looks == looksWithoutProgress ||
-            nxClock::MonotonicNanoseconds() - begun > longest)
+            nxClock::MonotonicNanoseconds() - begun > longestWrite)
             break;
-        // Counted in looks, so that a process that was stopped meanwhile does not take that for the stream's fault.
+        // Looks are counted and not time, because the process itself may have been stopped meanwhile.
         if (!HasRoom(descriptor, millisecondsBetweenLooks))
             ++looks;
     }

@@ -3,10 +3,10 @@
 
 #include <cerrno>
 
-/// Makes system calls again that a signal has interrupted.
+/// Repeats system calls that a signal has interrupted.
 ///
-/// Not for ever: a driver or a file system that answers every call so would hold the caller in a loop, so that after a
-/// thousand interruptions the call has failed, with EINTR.
+/// After a thousand interruptions the call fails with EINTR, because a driver or a file system that answers every call in
+/// this way would otherwise hold the caller in a loop.
 class nxUninterrupted
 {
 public:

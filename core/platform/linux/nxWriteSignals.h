@@ -10,10 +10,10 @@
 
 #include "core/platform/linux/nxUninterrupted.h"
 
-/// Keeps from the process the signals with which the system accompanies a failed write. One that was waiting to be
-/// delivered before stays waiting.
+/// Keeps the signals of a failed write (SIGXFSZ, SIGPIPE) from the process while the object lives. A signal that was
+/// pending before stays pending.
 ///
-/// Threads: for the one that made it.
+/// Threads: for the thread that made it.
 class nxWriteSignals
 {
 public:
@@ -28,7 +28,7 @@ public:
     nxWriteSignals& operator=(const nxWriteSignals&) = delete;
     ~nxWriteSignals() { pthread_sigmask(SIG_SETMASK, &_before, nullptr); }
 
-    /// What @p call, such as write(2), returns, less the signal.
+    /// Makes @p call, such as write(2), and takes the signal of its failure away. @return what the call returned.
     template <class Call>
     ssize_t Do(const Call& call) const
     {

@@ -8,14 +8,14 @@
 namespace
 {
 // Leaves errno as it is.
-void Tell(nxNamedLocks::Notice notice, const std::string& name) noexcept
+void Tell(nxNamedLockNotice notice, const std::string& name) noexcept
 {
     const int error = errno;
     try
     {
-        if (notice == nxNamedLocks::Notice::Refused)
+        if (notice == nxNamedLockNotice::Refused)
             nxThreadReport::NamedObjectsRefused(name, error);
-        if (notice == nxNamedLocks::Notice::Removed)
+        if (notice == nxNamedLockNotice::Removed)
             nxThreadReport::NamedObjectsRemoved();
     }
     catch (...)
@@ -28,7 +28,7 @@ void Tell(nxNamedLocks::Notice notice, const std::string& name) noexcept
 
 nxNamedMutex* nxNamedHandle::OpenMutex(const std::string& name) noexcept
 {
-    nxNamedLocks::Notice notice{};
+    nxNamedLockNotice notice{};
     nxNamedMutex* const mutex = nxNamedLocks::OpenMutex(name, notice);
     Tell(notice, name);
     return mutex;
@@ -37,7 +37,7 @@ nxNamedMutex* nxNamedHandle::OpenMutex(const std::string& name) noexcept
 nxNamedSemaphore* nxNamedHandle::OpenSemaphore(const std::string& name, unsigned initialCount,
                                                unsigned maximumCount) noexcept
 {
-    nxNamedLocks::Notice notice{};
+    nxNamedLockNotice notice{};
     nxNamedSemaphore* const semaphore = nxNamedLocks::OpenSemaphore(name, initialCount, maximumCount, notice);
     Tell(notice, name);
     return semaphore;

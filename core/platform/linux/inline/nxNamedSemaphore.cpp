@@ -9,30 +9,25 @@
 #include <ctime>
 #include <limits>
 
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxSpin.h"
 
 namespace
 {
-constexpr std::int64_t LongestSleep = 50'000'000;
-
-std::int64_t Now()
-{
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec * 1'000'000'000LL + now.tv_nsec;
-}
+constexpr std::int64_t longestSleep = 50 * nxNanoseconds::PerMillisecond;
 
 std::int64_t DeadlineAfter(std::int64_t nanoseconds)
 {
-    const std::int64_t now = Now();
+    const std::int64_t now = nxClock::MonotonicNanoseconds();
     const std::int64_t never = std::numeric_limits<std::int64_t>::max();
     return nanoseconds < 0 || nanoseconds > never - now ? never : now + nanoseconds;
 }
 
-// The word is shared between processes, which rules out the cheaper private form of the call.
+// Processes share the word, so the cheaper private form of the call does not serve.
 void Sleep(std::atomic<std::uint32_t>& word, std::uint32_t whileEqual, std::int64_t nanoseconds)
 {
-    const timespec time{nanoseconds / 1'000'000'000, nanoseconds % 1'000'000'000};
+    const timespec time{nanoseconds / nxNanoseconds::PerSecond, nanoseconds % nxNanoseconds::PerSecond};
     syscall(SYS_futex, &word, FUTEX_WAIT, whileEqual, &time, nullptr, 0);
 }
 }  // namespace
@@ -44,16 +39,16 @@ bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
     const std::int64_t deadline = DeadlineAfter(nanoseconds);
     while (!TryWait())
     {
-        const std::int64_t left = deadline - Now();
+        const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
         if (left <= 0)
             return false;
         if (_Announce())
-            Sleep(_word, SleepersBit, std::min(left, LongestSleep));
+            Sleep(_word, SleepersBit, std::min(left, longestSleep));
     }
     return true;
 }
 
-// Sets the bit; false when there is a count instead.
+// Sets the bit. @return false when there is a count to take.
 bool nxNamedSemaphore::_Announce()
 {
     std::uint32_t word = 0;

@@ -6,10 +6,10 @@
 
 #include "core/nxExport.h"
 
-/// A semaphore that lives in memory shared by processes, any of which may be killed at any moment.
+/// A semaphore in memory shared by processes, any of which may be killed at any moment.
 ///
-/// One word: the count and a bit that says that somebody may be asleep. Nobody sleeps longer than 50 ms without
-/// looking again, so nothing depends on a wake-up that a killed process did not get to make.
+/// One word holds the count and a bit that is set while a thread may be asleep. A sleeper tries again every 50 ms, so that
+/// no thread depends on a wake-up that a killed process has not made.
 class NX_CORE_API nxNamedSemaphore
 {
 public:
@@ -21,7 +21,7 @@ public:
         _word.store(initialCount, std::memory_order_release);
     }
 
-    /// Takes one count if there is one.
+    /// Takes one count if it is not 0.
     bool TryWait()
     {
         std::uint32_t word = _word.load(std::memory_order_relaxed);
@@ -33,15 +33,15 @@ public:
         return false;
     }
 
-    /// Takes one count, waiting for it at most @p nanoseconds, for ever when that is negative.
-    /// @return false when the time is over.
+    /// Takes one count and waits for it at most @p nanoseconds; a negative number means no limit.
+    /// @return false when the time has passed.
     bool Wait(std::int64_t nanoseconds);
 
     /// Adds one count unless the maximum is reached.
     void Post()
     {
-        // The bit goes and all sleepers are woken; those who find nothing set it again. Waking one of them would rely
-        // on that one to live long enough to take the count.
+        // Clears the bit and wakes all sleepers; those that find no count set it again. A single sleeper might be killed
+        // before it takes the count.
         std::uint32_t word = _word.load(std::memory_order_relaxed);
         do
         {

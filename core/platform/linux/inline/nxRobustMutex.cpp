@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <ctime>
 
+#include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxSpin.h"
 
 namespace
@@ -16,26 +17,26 @@ namespace
 #endif
 
 #ifdef NX_THREAD_SANITIZER
-// The sanitizer does not see that a timed lock takes the mutex of a dead owner, so here the mutex is tried instead.
+// The sanitizer does not follow a timed lock that takes the mutex of a dead owner, so the mutex is tried instead.
 int LockForASlice(pthread_mutex_t& mutex)
 {
-    const timespec pause{0, 1'000'000};
+    const timespec pause{0, nxNanoseconds::PerMillisecond};
     clock_nanosleep(CLOCK_MONOTONIC, 0, &pause, nullptr);
     const int result = nxRobustMutex::Try(mutex);
     return result == EBUSY ? ETIMEDOUT : result;
 }
 #else
-constexpr long WaitSliceNanoseconds = 50'000'000;
+constexpr long waitSlice = 50 * nxNanoseconds::PerMillisecond;
 
 int LockForASlice(pthread_mutex_t& mutex)
 {
-    // Not the wall clock, which stretches the slice when it is set back.
+    // Not the wall clock: the slice would last longer if that were set back.
     timespec end{};
     clock_gettime(CLOCK_MONOTONIC, &end);
-    end.tv_nsec += WaitSliceNanoseconds;
-    if (end.tv_nsec >= 1'000'000'000)
+    end.tv_nsec += waitSlice;
+    if (end.tv_nsec >= nxNanoseconds::PerSecond)
     {
-        end.tv_nsec -= 1'000'000'000;
+        end.tv_nsec -= nxNanoseconds::PerSecond;
         ++end.tv_sec;
     }
     return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &end);
