@@ -31,7 +31,7 @@ constexpr std::size_t ringSize = 1024;
 template <class T>
 using Ring = std::array<T, ringSize>;
 
-// ---- Inputs --------------------------------------------------------------------------------------------------------
+// --- Inputs ---
 
 struct Number
 {
@@ -102,8 +102,7 @@ auto Converted(const Ring<Number>& numbers, Convert convert)
     return converted;
 }
 
-// ---- The types compared: each says how it holds a number and does an operation
-// ---------------------------------------
+// --- The types compared: each says how it holds a number and does an operation ---
 
 struct Ours
 {
@@ -316,8 +315,7 @@ struct BoostDecimal
 };
 #endif
 
-// ---- Two operands in, one result out
-// ------------------------------------------------------------------------------------
+// --- Two operands in, one result out ---
 
 template <class Type, class Operation>
 void RunPairs(benchmark::State& state, const Operands& operands, Operation operation)
@@ -357,8 +355,7 @@ void RegisterPairs(const char* column)
     add("decimal_round", PricesAndTicks(), [](const auto& a, const auto& b) { return Type::Round(a, b); });
 }
 
-// ---- Text
-// ---------------------------------------------------------------------------------------------------------------
+// --- Text ---
 
 // Prices of one to seven digits, one in eight of them negative.
 const Ring<Number>& Prices()
@@ -495,8 +492,7 @@ void PrintBoost(benchmark::State& state)
 BENCHMARK(PrintBoost)->Name("decimal_print/peer_cpp_dec_float");
 #endif
 
-// ---- Arrays
-// -------------------------------------------------------------------------------------------------------------
+// --- Arrays ---
 
 template <class Type>
 auto MakeArray(std::int64_t size)

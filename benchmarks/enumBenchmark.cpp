@@ -98,8 +98,8 @@ std::vector<std::string> MakeTextRing()
     return MakeRing<Count, std::string>([](std::size_t index) { return std::string(names[index].text); });
 }
 
-// Takes a result in a register. benchmark::DoNotOptimize is content with the place in memory where the result stands,
-// which leaves the last load of a look-up out.
+// Takes a result in a register. benchmark::DoNotOptimize accepts the result's place in memory instead, which would
+// leave out the last load of a look-up.
 template <class Result>
 void Consume(Result result)
 {
@@ -116,8 +116,7 @@ void Run(benchmark::State& state, const std::vector<Input>& inputs, Look look)
         Consume(look(ring[i++ % RingSize]));
 }
 
-// --- value to text
-// ----------------------------------------------------------------------------------------------------
+// --- Value to text ---
 
 template <std::size_t Count>
 void ToTextOurs(benchmark::State& state)
@@ -192,8 +191,7 @@ void ToTextSwitch(benchmark::State& state)
     Run(state, MakeValueRing<Count>(), [](const BenchmarkEnum& value) { return Switch<Count>(value.GetValue()); });
 }
 
-// --- text to value
-// ----------------------------------------------------------------------------------------------------
+// --- Text to value ---
 
 template <std::size_t Count>
 void ToEnumOurs(benchmark::State& state)
@@ -299,8 +297,7 @@ BENCHMARK(ToEnumHashCompare<4000>)->Name("text_to_enum_4000/limit_hash_compare")
 BENCHMARK(ToEnumMap<4000, std::unordered_map>)->Name("text_to_enum_4000/peer_unordered_map");
 BENCHMARK(ToEnumMap<4000, std::map>)->Name("text_to_enum_4000/peer_std_map");
 
-// --- loading the library, its registries filled
-// -----------------------------------------------------------------------
+// --- Loading the library, its registries filled ---
 
 void Load(benchmark::State& state, const char* library)
 {

@@ -32,8 +32,8 @@
 
 namespace
 {
-// Every subject has its lock in cache lines of its own, and so has what the lock protects, so that no row depends on
-// its neighbours, nor on whether a lock stands in the object or, as a named one does, elsewhere.
+// Each lock has cache lines of its own, and so has the data that it protects. No row then depends on its neighbours, nor
+// on whether a lock is in the object or, as a named one is, elsewhere.
 template <class Subject>
 void TakeAndGive(benchmark::State& state)
 {

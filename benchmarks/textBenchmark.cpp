@@ -58,7 +58,7 @@ const Ring<long long>& AnyDigits()
     return ring;
 }
 
-// Prices and rates: six to eleven digits, two to six of them behind the point.
+// Prices and rates: six to eleven digits, two to six of them after the point.
 const Ring<double>& Prices()
 {
     static const auto ring = Filled<double>(

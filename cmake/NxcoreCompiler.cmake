@@ -47,7 +47,7 @@ function(nxcore_harden target)
     if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
         target_compile_options(${target} PRIVATE -fcf-protection)
     endif()
-    # Needs an optimising compiler, disturbs the sanitizers, and whoever makes a distribution sets a level of his own.
+    # Fortification needs optimisation and disturbs the sanitizers. Distributions set a level of their own.
     if(NOT NXCORE_SANITIZE AND NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
         target_compile_options(${target} PRIVATE
             $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)

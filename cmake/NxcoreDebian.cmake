@@ -22,7 +22,7 @@ foreach(component runtime development tools documentation)
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component})
 endforeach()
 
-# Whoever links the library needs this version or a later one.
+# A package that links the library depends on this version or a later one.
 set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
 file(WRITE "${shlibs}" "libnxcore ${PROJECT_VERSION_MAJOR} ${library} (>= ${PROJECT_VERSION})\n")
 # One row for all symbols: they came with one version of the interface.

@@ -21,7 +21,7 @@ class Args : public nxCmdLineArgs
 {
 };
 
-// Texts end in NUL; those behind the text "ENV" are the environment.
+// Texts end in NUL; those after the text "ENV" are the environment.
 struct Vectors
 {
     std::vector<std::string> texts;

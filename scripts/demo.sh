@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# The main job, for somebody who sees it for the first time: builds nxtick and snaps forty years of oil prices to an
-# exchange's tick table.
+# The main job, for a newcomer: builds nxtick and snaps forty years of oil prices to an exchange's tick table.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Proves that the library never crashes, hangs, lies or loses, for as many minutes as it is told.
+# Looks for crashes, hangs, wrong results and lost data, for as many minutes as it is told.
 #
 #     scripts/endure.sh [--minutes N] [--only ROW]...      N from 1
 #
-# The rows stand in scripts/endure/*.sh; the short form of each is a part of scripts/test.sh. What the fuzz targets find
-# interesting is kept in build/endure/corpus, so that the next run goes on from there. One table of figures closes it;
+# The rows are in scripts/endure/*.sh; scripts/test.sh runs the short form of each. Inputs that the fuzz targets find
+# interesting are kept in build/endure/corpus, and the next run continues from there. A table of figures ends the run;
 # the exit code is 1 when any row found a fault.
 set -u
 cd "$(dirname "$0")/.."
@@ -21,7 +21,7 @@ while [ $# -gt 0 ]; do
     *) usage ;;
     esac
 done
-# No time at all would be no limit to those who are told so.
+# The rows take a time of 0 as no limit.
 [[ $minutes =~ ^[1-9][0-9]{0,5}$ ]] || usage
 
 # The rows take as long as they are told, and end their tests themselves.

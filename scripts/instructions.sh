@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Counts the instructions of single operations under callgrind, which are the same on every run, and compares them with the
-# kept counts in benchmarks/instructions.json: more than five per cent more is reported, and the exit code is 1.
+# Counts the instructions of single operations under callgrind, which are the same on every run, and compares them with
+# benchmarks/instructions.json. An operation that takes over five per cent more is reported, and the exit code is 1.
 #
 #     scripts/instructions.sh            compare
 #     scripts/instructions.sh --renew    keep the counts of this build

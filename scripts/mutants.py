@@ -93,10 +93,10 @@ def all_mutants(files):
 
 
 def read_explained():
-    """The (file, line, changed line) of mutants that make no difference; a changed line "*" stands for every one.
+    """The (file, line, changed line) of mutants that make no difference; a changed line "*" means every one.
 
     A paragraph names a file and then lines, each "- line" with its "+ changed line"s; the rest of it is the reason. A line
-    that stands in several places has the one before it in front."""
+    that occurs several times is given together with the line before it."""
     explained = set()
     with open(EXPLAINED, encoding="utf-8") as handle:
         for paragraph in handle.read().split("\n\n"):
@@ -158,7 +158,7 @@ class Base:
 
 
 def tests_pass(program, folder, operations, sanitized):
-    """With so many random operations; as many as an ordinary run has when None."""
+    """Runs the tests with this many random operations, or with the usual number when None."""
     environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0:detect_odr_violation=0",
                        **({"NX_TEST_OPERATIONS": str(operations)} if operations else {}))
 

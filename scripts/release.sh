@@ -7,14 +7,14 @@ cd "$(dirname "$0")/.."
 need_build_tools
 need dpkg-deb dpkg file file dpkg-shlibdeps dpkg-dev objcopy binutils
 
-# The time of whatever is written is that of the commit.
+# All files get the time of the commit.
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
 export SOURCE_DATE_EPOCH
 umask 022
 
 cmake --preset package
 cmake --build --preset package
-# Only the libraries and tools are kept from before: cpack writes the packages anew.
+# The libraries and tools of an earlier run are kept; cpack writes all packages again.
 rm -rf build/packages
 cpack --config build/package/CPackConfig.cmake -B build/packages
 rm -rf build/packages/_CPack_Packages

@@ -8,7 +8,7 @@
 namespace
 {
 // An operation that can fail returns an nxErrorEnum and writes its result through a reference, which it leaves alone on
-// failure. [[nodiscard]] makes the compiler complain when nobody looks.
+// failure. [[nodiscard]] makes the compiler warn when the error is ignored.
 [[nodiscard]] nxErrorEnum ReadOrder(const std::string& priceText, const std::string& volumeText, nxDecimal& price,
                                     nxValueWrapper<unsigned int>& volume)
 {

@@ -16,7 +16,7 @@ refused "-column needs -table ID or -increment I" -column Price
 refused "-table and -increment exclude each other" $snap -table NFX_1
 refused "option -step does not go with -column" $snap -step 3
 refused "option -tables does not go with -increment" -increment 0.05 -tables missing.csv -price 1
-refused "option -price stands there twice" -increment 0.05 -price -1 -step -1 -price 2
+refused "option -price is given twice" -increment 0.05 -price -1 -step -1 -price 2
 refused "option -price is missing: where to step from" -table NFX_1 -step 3
 refused "-increment '0' is not positive" -increment 0 -column Price
 refused "-increment '-0.05' is not positive" -increment -0.05 -column Price

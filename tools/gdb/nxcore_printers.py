@@ -36,8 +36,8 @@ def read_word(address, size=8):
 def std_string(address):
     """Where the bytes of a std::string are, and how many.
 
-    libstdc++ begins with a pointer and the size; a short text stands behind them. libc++ begins with a byte that holds
-    twice the size of a short text, which follows; of a long one with its odd capacity, the size and a pointer.
+    libstdc++ begins with a pointer and the size, and a short text follows them. libc++ begins with a byte that is twice
+    the size of a short text, which follows; a long text begins with its odd capacity, the size and a pointer.
     """
     first, second = read_word(address), read_word(address + 8)
     if first == address + 16 or (first % 2 == 0 and first < 1 << 56 and second > 15):

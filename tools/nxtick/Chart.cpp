@@ -28,7 +28,7 @@ constexpr char style[] =
     ".line{stroke:#0b57d0;stroke-width:3;stroke-linecap:round}"
     ".rise{stroke:#0b57d0;stroke-width:1;stroke-dasharray:3 4}.bound{fill:#0b57d0}</style>\n";
 
-// A character as it may stand in XML, where some may not; empty stands for bytes that are no character.
+// A character as XML allows it; empty for bytes that are not a character.
 std::string_view Escaped(std::string_view character)
 {
     if (character == "&")
@@ -144,7 +144,7 @@ Axis TickAxis(const nxVariableTickTable& table)
         smallest = std::min(smallest, increment.GetAsDouble());
         largest = std::max(largest, increment.GetAsDouble());
     }
-    // A little air below the lowest step and above the highest, where its label stands.
+    // A little space below the lowest step and above the highest one, which has its label there.
     return {smallest / 2, largest * 2.5, bottom, top};
 }
 

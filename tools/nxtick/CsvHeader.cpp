@@ -27,7 +27,7 @@ bool IsUtf16(std::string_view text)
     return start == "\xFF\xFE" || start == "\xFE\xFF" || text.find('\0') != std::string_view::npos;
 }
 
-// Whether a line goes on behind a CR that stands in no quotes.
+// Whether a line continues after a CR outside quotes.
 bool HasCarriageReturn(std::string_view text)
 {
     bool isQuoted = false;
@@ -83,7 +83,7 @@ std::size_t CsvHeader::Find(const std::string& column) const
     return static_cast<std::size_t>(found - _names.begin());
 }
 
-// What may be amiss with a header that lacks the column, as a question; empty where nothing suggests itself.
+// The likely cause of a missing column, as a question; empty if there is none.
 std::string CsvHeader::_Guess(const std::string& column) const
 {
     if (_names.size() == 1)

@@ -21,9 +21,9 @@ public:
 
     std::size_t GetSize() const { return _names.size(); }
 
-    /// @return where the column stands, from 0.
-    /// @throws FileFailure "LINE: reason" when it is missing, with the columns that there are and a guess at what is
-    ///         amiss, or when several have the name.
+    /// @return the index of the column, from 0.
+    /// @throws FileFailure "LINE: reason" when it is missing, with the columns that exist and a guess at the cause, or
+    ///         when several columns have the name.
     std::size_t Find(const std::string& column) const;
 
     /// The names of columns that are added for @p column: those given, or, when the header has one of them already,

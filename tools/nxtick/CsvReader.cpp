@@ -13,7 +13,7 @@ namespace
 {
 constexpr std::size_t usualBufferSize = std::size_t{1} << 20;
 
-// Takes the quotes off one raw field; text behind the closing quote is kept as it stands.
+// Takes the quotes off one raw field. Text after the closing quote is kept as it is.
 std::string Unquote(std::string_view raw)
 {
     std::string text;
@@ -63,11 +63,10 @@ std::uint64_t CommasOf(const char* bytes)
 
 std::size_t CountBytes(std::uint64_t marks) { return ((marks >> 7) * 0x0101010101010101) >> 56; }
 
-// The commas of a row without quotes, eight bytes at a time: where the field stands that begins behind so many of them,
-// and how many there are.
+// Counts the commas of a row without quotes, eight bytes at a time, and finds one field.
 struct CommaSearch
 {
-    std::size_t before;  // the field
+    std::size_t before;  // this many commas are before the field
     std::size_t count = 0;
     std::size_t begin = 0;
     std::size_t end = std::string_view::npos;
@@ -165,51 +164,50 @@ bool CsvReader::Next(CsvRow& row)
     return true;
 }
 
-// Moves _seen to the end of the current row; false when that end has not been read yet.
+// Moves _seen to the end of the current row. @return false when that end has not been read yet.
 bool CsvReader::_FindLineEnd()
 {
-    const char* const begin = _buffer.data() + _begin;
-    const char* const end = _buffer.data() + _end;
     if (!_rowHasQuotes)
     {
-        const char* const from = begin + _seen;
-        const auto* const found =
-            static_cast<const char*>(std::memchr(from, '\n', static_cast<std::size_t>(end - from)));
-        const char* const lineEnd = found == nullptr ? end : found;
-        if (_NextQuote() >= lineEnd)
+        const char* const begin = _buffer.data() + _begin;
+        const std::string_view rest(begin + _seen, _end - _begin - _seen);
+        const std::size_t size = std::min(rest.find('\n'), rest.size());
+        if (_NextQuote() >= rest.data() + size)
         {
-            _seen = static_cast<std::size_t>(lineEnd - begin);
-            return found != nullptr;
+            _seen += size;
+            return size != rest.size();
         }
         _rowHasQuotes = true;
         _state = State::FieldStart;
         _seen = 0;
     }
-    for (; begin + _seen < end; ++_seen)
+    return _FindLineEndOutsideQuotes();
+}
+
+// Where the row has quotes every byte counts: a line end inside quotes is part of a field.
+bool CsvReader::_FindLineEndOutsideQuotes()
+{
+    for (; _begin + _seen < _end; ++_seen)
     {
-        const char c = begin[_seen];
+        const char c = _buffer[_begin + _seen];
         if (c == '\n' && _state != State::Quoted)
             return true;
-        switch (_state)
-        {
-            case State::FieldStart:
-                _state = c == '"' ? State::Quoted : c == ',' ? State::FieldStart : State::Plain;
-                break;
-            case State::Plain:
-                _state = c == ',' ? State::FieldStart : State::Plain;
-                break;
-            case State::Quoted:
-                _state = c == '"' ? State::QuoteInQuoted : State::Quoted;
-                break;
-            case State::QuoteInQuoted:
-                _state = c == '"' ? State::Quoted : c == ',' ? State::FieldStart : State::Plain;
-                break;
-        }
+        _state = _GetNext(_state, c);
     }
     return false;
 }
 
-// The first quote in what is read and not yet searched, or the end of what is read.
+CsvReader::State CsvReader::_GetNext(State state, char c)
+{
+    const bool isQuote = c == '"';
+    if (state == State::Quoted)
+        return isQuote ? State::QuoteInQuoted : State::Quoted;
+    if (c == ',')
+        return State::FieldStart;
+    return isQuote && state != State::Plain ? State::Quoted : State::Plain;
+}
+
+// The first quote in the bytes that were read and not yet searched, or the end of those bytes.
 const char* CsvReader::_NextQuote()
 {
     const char* const from = _buffer.data() + _begin + _seen;
@@ -222,7 +220,7 @@ const char* CsvReader::_NextQuote()
     return _quote;
 }
 
-// Reads another block behind the part of the current row that is already here; false at the end of the input.
+// Appends another block to what has been read of the current row. @return false at the end of the input.
 bool CsvReader::_Refill()
 {
     if (_atEnd)

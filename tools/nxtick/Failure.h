@@ -8,15 +8,15 @@
 
 namespace nxtick
 {
-/// What ends the run at once with exit status 2: the text is the one line that the user reads.
+/// Ends the run at once with exit status 2. The text is the one line that the user reads.
 class Failure : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A failure at a place of the input file: the text begins with the line's number, and who knows the file's name puts
-/// it in front.
+/// A failure at a place of the input file. The text begins with the line's number; the catcher, which knows the file's
+/// name, puts the name in front.
 class FileFailure : public Failure
 {
 public:

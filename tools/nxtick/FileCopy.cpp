@@ -34,7 +34,7 @@ bool WriteAll(int file, const char* data, std::size_t size)
     return true;
 }
 
-// From where both stand to the end of the first.
+// Copies from the current position of both to the end of the first.
 bool CopyRest(int from, int to)
 {
     std::vector<char> buffer(std::size_t{1} << 18);
@@ -48,7 +48,7 @@ bool CopyRest(int from, int to)
     }
 }
 
-// Takes room for so many bytes where the file system can.
+// Allocates space for this many bytes if the file system can.
 bool Reserve(int file, off_t size)
 {
     struct stat before = {};
@@ -74,7 +74,7 @@ bool CopyAccess(int from, const struct stat& status, int to)
     const ssize_t size = ::fgetxattr(from, accessList, list.data(), list.size());
     if (size >= 0)  // it holds the permissions too
         return ::fsetxattr(to, accessList, list.data(), static_cast<std::size_t>(size), 0) == 0;
-    // One that comes from the directory would lend meaning to the group's bits.
+    // A list inherited from the directory would change the meaning of the group's bits.
     if (!HasNone(errno) || (::fremovexattr(to, accessList) != 0 && !HasNone(errno)))
         return false;
     return ::fchmod(to, status.st_mode & permissions) == 0 ||

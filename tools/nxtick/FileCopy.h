@@ -5,13 +5,13 @@
 
 namespace nxtick
 {
-/// Gives a new file owner, group, permissions and access list of the one that it is to replace. The bits that run a
-/// program as somebody else are not among them.
+/// Gives a new file the owner, group, permissions and access list of the one that it is to replace, without the
+/// set-user-ID and set-group-ID bits.
 /// @param status of @p from.
-/// @return false when the system grants not all of it; then @p to may be readable by fewer people, never by more.
+/// @return false when the system does not grant all of it; then fewer users may read @p to, never more.
 bool CopyAccess(int from, const struct stat& status, int to);
 
-/// Makes the content of @p to that of @p from. The room is taken before anything is overwritten, so that a full disk
+/// Copies the content of @p from into @p to. Space is allocated before anything is overwritten, so that a full disk
 /// leaves the old content.
 /// @param isTouched whether the old content may be damaged.
 /// @return false, with errno set, when that failed.

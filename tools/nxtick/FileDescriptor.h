@@ -25,7 +25,7 @@ public:
     bool IsOpen() const { return _number >= 0; }
     int Get() const { return _number; }
 
-    /// @return whether the system had nothing to complain about, such as data that it could not write after all.
+    /// @return false when the system reports a failure, for example data that it could not write after all.
     bool Close() { return _number < 0 || ::close(std::exchange(_number, -1)) == 0; }
 
 private:

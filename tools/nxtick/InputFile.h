@@ -23,7 +23,7 @@ public:
     /// Reads at most @p size bytes. @return how many came, 0 at the end. @throws Failure.
     std::size_t Read(char* buffer, std::size_t size);
 
-    /// Whether it is a regular file, and the descriptor stands for the same one.
+    /// Whether it is a regular file, and the descriptor is open on the same one.
     bool IsSameFile(int descriptor) const;
 
     /// How much of the file has been read, from 0 to 1; negative where its size is not known.

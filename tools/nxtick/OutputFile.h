@@ -16,19 +16,18 @@ namespace nxtick
 /// A file that appears under its name only when it is complete, or a stream.
 ///
 /// - Streams are written to directly, as the text comes: standard output, an open descriptor by a name such as
-///   /dev/stdout, and what is no regular file, such as /dev/null or a pipe. What is in a file behind a descriptor
-///   stays.
+///   /dev/stdout, and everything that is not a regular file, such as /dev/null or a pipe. The previous content of a
+///   file that a descriptor leads to stays.
 /// - A file is written to a TemporaryFile in its directory, and stored on the disk, before it gets the name. Until
 ///   then, and when the object is destroyed or the program ends before that, the file that had the name is as it was.
-/// - What was there when the object was made decides. A new file takes no name that somebody else has given away since,
-///   and replaces no file but the one that was there: the run fails instead.
+/// - The state of the directory when the object was made decides. A new file does not take a name that another program
+///   has used since, and replaces only the file that was there then: otherwise the run fails.
 /// - A file that replaces another has its owner, group, permissions and access list; other extended attributes and
 ///   further hard links stay with the old file. Links to it stay links.
-/// - Where that cannot be, the file is written in place, at the end of the run, which is told on standard error: its
-///   directory lets nobody make files, it is a mount of its own, or the owner or the access list cannot be kept. The
-///   text waits in the directory for temporary files (TMPDIR, or /tmp) where there is no other. Signals that end the
-///   program wait until the file is written; SIGKILL and a crash of the machine do not, and may leave part of each
-///   content.
+/// - The file is written in place at the end of the run, with a message on standard error, if no file can be made in
+///   its directory, if it is a mount of its own, or if its owner or access list cannot be kept. If necessary the text
+///   waits in the directory for temporary files (TMPDIR, or /tmp). Signals that end the program wait until the file is
+///   written. SIGKILL and a crash of the machine do not wait and may leave a mixture of both contents.
 /// - Every failure of the system throws.
 ///
 /// One object with a name exists at a time.

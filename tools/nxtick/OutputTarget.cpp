@@ -35,7 +35,7 @@ bool IsOfProcesses(int directory)
     return ::fstatfs(directory, &status) == 0 && status.f_type == PROC_SUPER_MAGIC;
 }
 
-// In a directory where everybody may make links, only those of the user and of the directory's owner.
+// In a directory where everybody may make links, only those of the user and of the directory's owner are followed.
 bool MayFollow(int directory, const struct stat& link)
 {
     struct stat status = {};
@@ -45,7 +45,7 @@ bool MayFollow(int directory, const struct stat& link)
     return !isShared || link.st_uid == ::geteuid() || link.st_uid == status.st_uid;
 }
 
-// Walks along links to what a name stands for.
+// Follows links to the file or stream that a name leads to.
 class Search
 {
 public:
@@ -92,7 +92,7 @@ public:
     }
 
 private:
-    // Goes to the directory of a path, which begins where the one before it led.
+    // Goes to the directory of a path, which is relative to the directory of the path before it.
     void _Enter(const std::string& path)
     {
         const std::size_t slash = path.rfind('/');
@@ -110,7 +110,7 @@ private:
         }
     }
 
-    // What is there is opened as it is. Nothing happens to a file by that alone.
+    // Opening alone does not change a file.
     void _Open(int flags)
     {
         FileDescriptor file(

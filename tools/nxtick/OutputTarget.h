@@ -9,18 +9,18 @@
 
 namespace nxtick
 {
-/// What the name of an output stands for. It is found once, and what was found then counts: everything is held open, so
-/// that nobody can put something else in its place.
+/// The file or stream that the name of an output leads to. It is looked up once and held open, so that nobody can put
+/// something else in its place.
 ///
 /// - A descriptor of this process, by a name such as /dev/stdout, /dev/fd/3 or /proc/self/fd/3 or a link to one:
 ///   `stream` is a duplicate of it.
-/// - No regular file, such as /dev/null or a pipe: `stream` is open on it.
-/// - A regular file: `file` is open on it, and `directory` and `name` tell where it stands, behind links. Without a
-///   directory it can only be written in place: it is a descriptor of another process.
-/// - Nothing: `directory` and `name` tell where the file will stand, which is behind a link when that leads to nothing.
+/// - Something that is not a regular file, such as /dev/null or a pipe: `stream` is open on it.
+/// - A regular file: `file` is open on it, and `directory` and `name` say where it is after all links. A file without a
+///   directory can only be written in place: it is a descriptor of another process.
+/// - Nothing yet: `directory` and `name` say where the file will be. If the name is a dangling link, that is its target.
 ///
-/// A link in a directory like /tmp is followed only when it belongs to the user or to the directory's owner, whatever
-/// the system's own setting for that is.
+/// A link in a directory like /tmp is followed only when it belongs to the user or to the directory's owner, even if
+/// the system itself does not enforce that.
 struct OutputTarget
 {
     FileDescriptor stream;
@@ -30,7 +30,7 @@ struct OutputTarget
     std::string name;
 };
 
-/// @return what @p path stands for. @throws Failure "cannot write NAME: reason", where @p shownName is the name.
+/// @return what @p path leads to. @throws Failure "cannot write NAME: reason", where @p shownName is the name.
 OutputTarget FindOutputTarget(const std::string& path, const std::string& shownName);
 }  // namespace nxtick
 

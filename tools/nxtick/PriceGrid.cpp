@@ -25,7 +25,7 @@ std::string_view WithoutBlanks(std::string_view text)
                                            : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-// Digits behind leading zeros; the decimal reads any number of them and would wrap around silently.
+// Counts digits after leading zeros, because the decimal reads any number of them and would wrap silently.
 int SignificantDigits(std::string_view number)
 {
     int count = 0;

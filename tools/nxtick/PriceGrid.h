@@ -32,8 +32,8 @@ public:
     virtual nxDecimal GetTick(const nxDecimal& price) = 0;
     virtual void Round(const nxRoundingMethodEnum& method, nxDecimal& price) = 0;
 
-    /// @throws Failure when the price so many ticks away might not fit 64 bits; one tick away from what ReadPrice()
-    ///         accepted always fits.
+    /// @throws Failure when the price that many ticks away might not fit 64 bits; one tick away from a price that
+    ///         ReadPrice() accepted always fits.
     void CheckReach(const nxDecimal& price, int ticks) const;
     /// Moves a price by ticks that CheckReach() accepts, each of them the tick where it begins.
     virtual void Step(nxDecimal& price, int ticks) = 0;

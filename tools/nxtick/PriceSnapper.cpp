@@ -12,7 +12,7 @@ namespace nxtick
 {
 namespace
 {
-// How text stands in a field.
+// How text is written in a field.
 std::string AsField(const std::string& text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos)
@@ -25,7 +25,7 @@ std::string AsField(const std::string& text)
 
 bool IsDigit(char c) { return '0' <= c && c <= '9'; }
 
-// Whether a number with a decimal comma would read as these fields: digits alone behind a field that ends in a digit.
+// Whether a number with a decimal comma would read as these fields: digits alone after a field that ends in a digit.
 bool MayHaveDecimalComma(const std::vector<std::string>& fields)
 {
     for (std::size_t i = 1; i < fields.size(); ++i)
@@ -35,7 +35,7 @@ bool MayHaveDecimalComma(const std::vector<std::string>& fields)
     return false;
 }
 
-// What is wrong with a row of so many fields below a header of another number.
+// What is wrong with a row whose number of fields is not the header's.
 std::string WrongNumberOfFields(const CsvRow& row, std::size_t count, std::size_t expected)
 {
     return "the row has " + std::to_string(count) + (count == 1 ? " field" : " fields") + ", the header " +

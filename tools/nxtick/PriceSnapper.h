@@ -21,15 +21,14 @@ struct SnapCounts
     std::uint64_t rejected = 0;
 };
 
-/// Snaps one column of a CSV file to a grid: every row goes through byte for byte, with columns added at its end.
+/// Snaps one column of a CSV file to a grid: every row is copied byte for byte, with columns added at its end.
 ///
-/// Added are `tick`, `snapped` and `moved` (the snapped price less the price), and, for a grid with bands, `below` and
-/// `above`, the next prices of the grid on both sides of the price. CsvHeader says what they are called where such
-/// names are taken. They stay empty where the row is rejected: it has more or fewer fields than the header, so that
-/// nobody knows which of them is the price, or the price does not parse, or the distance has more digits than a
-/// decimal. A rejected row that is too short gets the fields it lacks, empty, so that the added ones stand below their
-/// names; one that is too long stays too long by as much, for whoever counts. Empty lines go through as they are and
-/// count as no rows.
+/// The added columns are `tick`, `snapped` and `moved` (the snapped price less the price), and, for a grid with bands,
+/// `below` and `above`, the next prices of the grid on both sides of the price. CsvHeader names them if these names are
+/// taken. They are empty in a rejected row: the row has more or fewer fields than the header, so that it is not certain
+/// which field is the price, or the price does not parse, or the distance has more digits than a decimal. A rejected
+/// row that is too short first gets the fields that it lacks, empty, so that the added ones are below their names; one
+/// that is too long stays too long by as many fields. Empty lines are copied and do not count as rows.
 class PriceSnapper
 {
 public:
@@ -37,7 +36,7 @@ public:
     /// Takes the line of a rejected row and what is wrong with it.
     using Complaint = std::function<void(std::uint64_t, const std::string&)>;
 
-    /// @param grid lives at least as long as the snapper.
+    /// @param grid must outlive the snapper.
     PriceSnapper(PriceGrid& grid, const nxRoundingMethodEnum& method, Sink sink, Complaint complaint);
 
     /// Takes the row that names the columns; the first row that is not an empty line.

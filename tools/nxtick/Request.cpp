@@ -18,33 +18,48 @@ namespace
 using Action = Request::Action;
 using Options = std::map<std::string, std::string>;
 
+// A set of actions, one bit each.
+using Actions = unsigned;
+
+constexpr Actions operator|(Action left, Action right)
+{
+    return 1U << static_cast<unsigned>(left) | 1U << static_cast<unsigned>(right);
+}
+constexpr Actions operator|(Actions set, Action action) { return set | 1U << static_cast<unsigned>(action); }
+
+constexpr Actions never = 0;
+constexpr Actions list = never | Action::List;
+constexpr Actions onGrid = Action::Price | Action::Ladder | Action::Snap;
+constexpr Actions onTable = onGrid | Action::Bands | Action::Chart;
+
 struct OptionRule
 {
     std::string_view name;
     bool hasValue;
-    std::string_view actions;  // the letters of the actions that it goes with, as in LetterOf
+    Actions actions;             // that it goes with
+    Actions requiredBy = never;  // with which it must be given
+    const char* purpose = "";    // of a required option
 };
 
-// One letter for each action: List, Bands, Price, laDder, Chart, Snap.
 constexpr OptionRule rules[] = {
-    {"help", false, "LBPDCS"},
-    {"-help", false, "LBPDCS"},
-    {"h", false, "LBPDCS"},
-    {"version", false, "LBPDCS"},
-    {"-version", false, "LBPDCS"},
-    {"list", false, "L"},
-    {"filter", true, "L"},
-    {"tables", true, "LBPDCS"},
-    {"table", true, "BPDCS"},
-    {"increment", true, "PDS"},
-    {"price", true, "PD"},
-    {"step", true, "P"},
-    {"ladder", true, "D"},
-    {"chart", true, "C"},
-    {"csv", true, "S"},
-    {"column", true, "S"},
-    {"out", true, "S"},
-    {"method", true, "S"},
+    {"help", false, onTable | list},
+    {"-help", false, onTable | list},
+    {"h", false, onTable | list},
+    {"version", false, onTable | list},
+    {"-version", false, onTable | list},
+    {"list", false, list},
+    {"filter", true, list},
+    {"tables", true, onTable | list},
+    {"table", true, onTable},
+    {"increment", true, onGrid},
+    {"price", true, Action::Price | Action::Ladder, never | Action::Ladder, "the middle of the ladder"},
+    {"step", true, never | Action::Price},
+    {"ladder", true, never | Action::Ladder},
+    {"chart", true, never | Action::Chart},
+    {"csv", true, never | Action::Snap},
+    {"column", true, never | Action::Snap, never | Action::Snap, "the column that holds the prices"},
+    {"out", true, never | Action::Snap},
+    {"method", true, never | Action::Snap},
 };
 
 struct Method
@@ -101,40 +116,17 @@ void CheckOption(const std::string& name, const std::string& value)
         throw Failure("option " + Dashed(name) + " takes no value, yet " + Quoted(value) + " follows it");
 }
 
-// A value that begins with a dash is a number and so the name of no option.
+// A value that begins with a dash is a number and therefore not the name of an option.
 void CheckOnce(const char* const* argv)
 {
     std::set<std::string> seen;
     for (; *argv != nullptr; ++argv)
         if (const std::string word = *argv;
             word[0] == '-' && FindRule(word.substr(1)) != nullptr && !seen.insert(word).second)
-            throw Failure("option " + word + " stands there twice");
+            throw Failure("option " + word + " is given twice");
 }
 
-char LetterOf(Action action)
-{
-    switch (action)
-    {
-        case Action::List:
-            return 'L';
-        case Action::Bands:
-            return 'B';
-        case Action::Price:
-            return 'P';
-        case Action::Ladder:
-            return 'D';
-        case Action::Chart:
-            return 'C';
-        case Action::Snap:
-            return 'S';
-        case Action::Help:
-        case Action::Version:
-            break;
-    }
-    return ' ';
-}
-
-// What the run does, by the option that asks for it most clearly.
+// The action of the run, and the option that chose it.
 struct Choice
 {
     Action action;
@@ -189,17 +181,10 @@ nxRoundingMethodEnum ReadMethod(const std::string& text)
                   (suggestion.empty() ? "; there are nearest, modified-nearest, up and down" : suggestion));
 }
 
-void CheckTogether(const Options& options, const Choice& choice)
+bool Contains(Actions set, Action action) { return (set | action) == set; }
+
+void CheckGrid(const Options& options, const Choice& choice)
 {
-    const bool isGridAlone = choice.action == Action::Bands || std::string_view(choice.option) == "increment";
-    if (isGridAlone && Has(options, "step"))
-        throw Failure("option -price is missing: where to step from");
-    const char letter = LetterOf(choice.action);
-    for (const auto& [name, value] : options)
-        if (FindRule(name)->actions.find(letter) == std::string_view::npos)
-            throw Failure("option " + Dashed(name) + " does not go with " + Dashed(choice.option));
-    if (choice.action == Action::List)
-        return;
     if (Has(options, "table") && Has(options, "increment"))
         throw Failure("-table and -increment exclude each other");
     if (Has(options, "tables") && Has(options, "increment"))
@@ -207,10 +192,21 @@ void CheckTogether(const Options& options, const Choice& choice)
     if (!Has(options, "table") && !Has(options, "increment"))
         throw Failure(Dashed(choice.option) + " needs -table ID" +
                       (choice.action == Action::Chart ? "" : " or -increment I"));
-    if (choice.action == Action::Ladder && !Has(options, "price"))
-        throw Failure("option -price is missing: the middle of the ladder");
-    if (choice.action == Action::Snap && !Has(options, "column"))
-        throw Failure("option -column is missing: the column that holds the prices");
+}
+
+void CheckTogether(const Options& options, const Choice& choice)
+{
+    const bool isGridAlone = choice.action == Action::Bands || std::string_view(choice.option) == "increment";
+    if (isGridAlone && Has(options, "step"))
+        throw Failure("option -price is missing: where to step from");
+    for (const auto& [name, value] : options)
+        if (!Contains(FindRule(name)->actions, choice.action))
+            throw Failure("option " + Dashed(name) + " does not go with " + Dashed(choice.option));
+    if (choice.action != Action::List)
+        CheckGrid(options, choice);
+    for (const OptionRule& rule : rules)
+        if (Contains(rule.requiredBy, choice.action) && !Has(options, rule.name.data()))
+            throw Failure("option " + Dashed(rule.name) + " is missing: " + rule.purpose);
 }
 }  // namespace
 
@@ -232,7 +228,7 @@ Request ReadRequest(const Options& options, const std::vector<std::string>& word
     const std::optional<Choice> choice = FindChoice(options);
     if (!choice)
         throw Failure(options.empty() ? "nothing to do; try nxtick -help"
-                                      : Dashed(options.begin()->first) + " alone is nothing to do; try nxtick -help");
+                                      : Dashed(options.begin()->first) + " does nothing by itself; try nxtick -help");
     CheckTogether(options, *choice);
 
     request.action = choice->action;

@@ -15,7 +15,7 @@ namespace nxtick
 {
 namespace
 {
-// Finds the header, behind empty lines if there are any, which go through.
+// Finds the header. Empty lines before it are copied.
 void PassHeader(CsvReader& reader, PriceSnapper& snapper, const std::string& column)
 {
     CsvRow row;

@@ -31,7 +31,7 @@ std::uint64_t Rate(std::uint64_t count, double seconds)
 
 SnapReport::SnapReport(const std::string& fileName) : _fileName(fileName), _isWatched(IsErrorTerminal()) {}
 
-// Also when the run failed: what was rejected until then is part of the story.
+// Also when the run failed: the report names the rows that were rejected until then.
 SnapReport::~SnapReport()
 {
     ClearProgress();

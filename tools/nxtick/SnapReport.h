@@ -9,8 +9,8 @@
 
 namespace nxtick
 {
-/// What a person learns on standard error while a column is snapped: a line for each rejected row, how far the work is
-/// when it takes more than a second and somebody watches, and the summary. The same goes to the log.
+/// The report on standard error while a column is snapped: a line for each rejected row, the progress if the work takes
+/// more than a second and standard error is a terminal, and the summary. The rows and the summary also go to the log.
 class SnapReport
 {
 public:
@@ -23,7 +23,7 @@ public:
     void Rejected(std::uint64_t line, const std::string& reason);
     /// @param share of the input that has been read, 0 to 1; negative where it is not known.
     void Progress(const SnapCounts& counts, double share);
-    /// Takes the progress off the screen, for a message of somebody else.
+    /// Removes the progress from the screen before another message.
     void ClearProgress();
     void Summary(const SnapCounts& counts);
 

@@ -22,7 +22,7 @@ constexpr int mostAttempts = 100;
 constexpr std::string_view prefix = ".nxtick-";
 constexpr std::size_t randomBytes = 8;
 
-// The file that has to go, where the signal handler finds it.
+// The file to remove, where the signal handler finds it.
 std::array<char, prefix.size() + 2 * randomBytes + 1> nameToRemove{};
 volatile std::sig_atomic_t directoryOfName = 0;
 volatile std::sig_atomic_t hasName = 0;
@@ -42,7 +42,7 @@ void Remember(int directory, const std::string& name)
     hasName = 1;
     for (const int signal : endingSignals)
         if (::signal(signal, &RemoveNamed) == SIG_IGN)
-            ::signal(signal, SIG_IGN);  // whoever started the program wants it ignored
+            ::signal(signal, SIG_IGN);  // the caller wants it ignored
 }
 
 // A name that nobody can guess; empty when the system has no random numbers.

@@ -12,9 +12,9 @@ namespace nxtick
 {
 /// A file that has no name until it is complete, so that nothing is left of it however the program ends.
 ///
-/// Where the file system cannot make such files it has a name that nobody can guess, ".nxtick-" and 16 digits, which
-/// goes when the object is destroyed or a signal ends the program (SIGHUP, SIGINT, SIGQUIT, SIGTERM). One object exists
-/// at a time. All operations return whether they succeeded, else errno tells why.
+/// If the file system cannot make such files, the file has a name that nobody can guess, ".nxtick-" and 16 digits. It is
+/// removed when the object is destroyed or a signal ends the program (SIGHUP, SIGINT, SIGQUIT, SIGTERM). One object
+/// exists at a time. All operations return whether they succeeded; if not, errno says why.
 class TemporaryFile
 {
 public:
@@ -46,7 +46,7 @@ private:
     std::string _name;  // empty while it has none
 };
 
-/// Keeps SIGHUP, SIGINT, SIGQUIT and SIGTERM waiting as long as it lives.
+/// Keeps SIGHUP, SIGINT, SIGQUIT and SIGTERM waiting as long as it exists.
 class SignalPause
 {
 public:

@@ -6,8 +6,8 @@
 
 namespace nxtick
 {
-/// Standard output as a person sees it: plain bytes everywhere, colours on a terminal alone, and none where the
-/// environment variable NO_COLOR is set or the terminal calls itself "dumb".
+/// Standard output as a person sees it: with colours on a terminal, without them elsewhere, if the environment variable
+/// NO_COLOR is set, or if the terminal calls itself "dumb".
 class Terminal
 {
 public:
@@ -32,8 +32,8 @@ private:
 /// Whether standard error is a terminal, so that a line on it can be overwritten.
 bool IsErrorTerminal();
 
-/// Puts /dev/null in the place of standard input, output and error where the caller closed them, so that no file gets
-/// their numbers. Using them fails as it does while they are closed.
+/// Opens /dev/null for each of standard input, output and error that the caller closed, so that no file gets their
+/// numbers. Using them fails as it would if they were closed.
 void OpenClosedStreams();
 
 /// Writes to standard error. When its reader is gone, the text is lost and the run goes on.

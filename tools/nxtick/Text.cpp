@@ -16,7 +16,7 @@ constexpr std::size_t lineWidth = 78;
 constexpr std::size_t mostSuggestions = 3;
 constexpr std::size_t longestSuggestedFor = 100;
 
-// What looks like a blank or like nothing: no-break spaces, the soft hyphen, zero width spaces and joiners.
+// Characters that look like a blank or like nothing: no-break spaces, the soft hyphen, zero width spaces and joiners.
 constexpr std::string_view invisibles[] = {"\u00A0", "\u00AD", "\u2007", "\u200B", "\u200C",
                                            "\u200D", "\u202F", "\u2060", "\uFEFF"};
 
@@ -89,7 +89,7 @@ std::string Suggestion(const std::string& wrong, const std::set<std::string>& ca
         return {};
     std::sort(near.begin(), near.end());
 
-    // Those as near as the best, and a little beyond: a far third only distracts.
+    // Only candidates about as near as the best one: a distant third distracts.
     const unsigned long long farthest = near.front().first + 1;
     std::size_t count = 0;
     while (count < near.size() && count < mostSuggestions && near[count].first <= farthest)

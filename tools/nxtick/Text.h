@@ -18,8 +18,8 @@ std::string DecimalText(const nxDecimal& value);
 /// 1234567 as "1,234,567".
 std::string CountText(std::uint64_t count);
 
-/// Text of unknown origin for a message: in quotes, cut to 40 bytes, safe to show. What looks like a blank or like
-/// nothing is shown as \xNN too: a no-break space is often why a number is none.
+/// Text of unknown origin for a message: in quotes, cut to 40 bytes, safe to show. Characters that look like a blank or
+/// like nothing are shown as \xNN too, because a no-break space is often the reason why a number cannot be read.
 std::string Quoted(std::string_view text);
 
 /// " Did you mean A, B or C?" with the candidates nearest to @p wrong, three at most; empty when none is near.

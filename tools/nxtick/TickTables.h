@@ -33,7 +33,7 @@ public:
 
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
-    /// Tells the table's warning, if it has one, on standard error.
+    /// Writes the table's warning, if it has one, to standard error.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 

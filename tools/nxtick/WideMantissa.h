@@ -13,7 +13,7 @@ namespace nxtick
 /// where the decimal's own operations would go through doubles or leave 64 bits.
 __extension__ typedef __int128 WideMantissa;
 
-/// Prices, ticks and bounds have no more decimal places. At so many, each fits.
+/// Prices, ticks and bounds have no more decimal places. At this many, each of them fits.
 constexpr unsigned char widestPlaces = 18;
 
 /// @param places not fewer than the number has, and at most widestPlaces.

@@ -21,20 +21,19 @@ constexpr const char* introduction = R"(# Tick tables
 
 <!-- Made by tick_table_page from core/price/nxTickTables.inc; change it there. -->
 
-The catalogue: every table with its bands and with what they rest on. A band reaches up to its bound, the bound included;
-the last band has none. Bounds and ticks are shown with the decimal places that they give to prices.
+The catalogue: every table with its bands and their source. A band includes its upper bound; the last band has none. Bounds
+and ticks are shown with the decimal places that prices get.
 
-Not every exchange publishes its regimes, and names outlive the rules behind them. Look at the status before you trade on a
-table:
+Not every exchange publishes its regimes, and names outlive rules. Look at the status before you trade on a table:
 
 | Status | Meaning |
 |---|---|
-| given | reference data of the library, taken as it stands |
+| given | reference data of the library, taken as it is |
 | published | found in a source that names the regime |
 | derived | follows from another table or from the table's name |
 | assumed | values from a source, or from a sibling table, whose link to the regime is our assumption |
 
-Where your exchange says otherwise, keep a table of your own: `nxCustomVariableTickTable` reads it from a file, and
+If your exchange says otherwise, use a table of your own: `nxCustomVariableTickTable` reads it from a file, and
 `nxtick -tables FILE` uses it. Programs ask for a status with `nxTickTableSource::Find(id)`.
 )";
 
@@ -134,6 +133,6 @@ int main(int argc, char** argv)
     std::ifstream file(argv[2], std::ios::binary);
     if (std::string(std::istreambuf_iterator<char>(file), {}) == page)
         return 0;
-    std::cerr << argv[2] << " is not what the library holds; make it anew with tick_table_page\n";
+    std::cerr << argv[2] << " differs from the library; run tick_table_page to renew it\n";
     return 1;
 }
