@@ -15,11 +15,11 @@ public:
         NotOpened,  ///< It does not exist, or may not be read.
         NotRead,
         TooLarge,
-        Silent,  ///< A pipe without a writer, or an input that brought nothing for Patience seconds.
+        Silent,  ///< A pipe without a writer, or an input that brought nothing for LongestSilence seconds.
     };
 
     /// Seconds after which a pipe or terminal that brings nothing counts as ended.
-    static constexpr int Patience = 60;
+    static constexpr int LongestSilence = 60;
 
     /// Reads everything, at most @p limit bytes. Changes @p content also when it fails.
     /// @param name must not hold a NUL: the system would open another file, so such a name is not opened.

@@ -7,7 +7,8 @@
 
 /// The functions that the library has called around every fork of the process, in the order of their ranks.
 ///
-/// A fork takes the library's locks in this order, so a thread that holds two of them has taken them in this order too.
+/// A fork takes the library's locks in this order. A thread that holds two of them has therefore taken them in the same
+/// order: otherwise a fork and that thread would wait for each other.
 ///
 /// Threads: any. A function that is registered while another thread forks is called for that fork completely or not at
 /// all.
@@ -17,8 +18,8 @@ public:
     /// In the order in which a fork takes the locks. It gives them back, and repairs the child, in the reverse order.
     enum class Rank
     {
-        /// The table of named objects. First, because opening one reads files and may take long, and the ranks after it
-        /// must not be held meanwhile.
+        /// The table of named objects. First, because another thread may hold it for the time of several system calls, and
+        /// the fork keeps no other lock while it waits for that one.
         NamedObjects,
         /// The locks of the log's devices, of its lists and of its queue. Before the settings, because a device may ask
         /// for one in the middle of a line. A thread that holds a lock of a later rank does not wait for the log.

@@ -9,14 +9,14 @@
 #include <cerrno>
 
 #include "core/platform/linux/nxScopedDescriptor.h"
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 
 namespace
 {
 // Opens without blocking: a named pipe would otherwise wait for a writer.
 int OpenInput(const char* name)
 {
-    return nxUninterrupted::Do([&] { return open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
+    return nxSystemCall::RetryInterrupted([&] { return open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); });
 }
 
 bool IsPipe(int descriptor)
@@ -28,7 +28,7 @@ bool IsPipe(int descriptor)
 bool WaitForInput(int descriptor)
 {
     pollfd stream{descriptor, POLLIN, 0};
-    return nxUninterrupted::Do([&] { return poll(&stream, 1, nxByteSource::Patience * 1000); }) > 0;
+    return nxSystemCall::RetryInterrupted([&] { return poll(&stream, 1, nxByteSource::LongestSilence * 1000); }) > 0;
 }
 }  // namespace
 
@@ -40,13 +40,13 @@ nxByteSource::Outcome nxByteSource::ReadAll(const std::string& name, std::size_t
     const nxScopedDescriptor source(OpenInput(name.c_str()));
     if (source.Get() < 0)
         return Outcome::NotOpened;
-    for (int fruitless = 0; fruitless < nxUninterrupted::Attempts;)
+    for (int fruitless = 0; fruitless < nxSystemCall::Attempts;)
     {
         constexpr std::size_t piece = std::size_t{64} << 10;
         const std::size_t used = content.size();
         content.resize(used + std::min(piece, limit + 1 - used));
-        const ssize_t taken =
-            nxUninterrupted::Do([&] { return read(source.Get(), content.data() + used, content.size() - used); });
+        const ssize_t taken = nxSystemCall::RetryInterrupted(
+            [&] { return read(source.Get(), content.data() + used, content.size() - used); });
         const int error = errno;
         content.resize(used + (taken > 0 ? static_cast<std::size_t>(taken) : 0));
         if (content.size() > limit)

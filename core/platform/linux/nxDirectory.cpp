@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 #include "core/platform/nxEnvironment.h"
 
 namespace
@@ -17,7 +17,8 @@ mode_t DirectoryMode() { return nxEnvironment::IsSecureExecution() ? 0700 : 0750
 // Works without the right to read the directory.
 nxDescriptor OpenAt(int directory, const char* name, int flags)
 {
-    return nxDescriptor(nxUninterrupted::Do([&] { return openat(directory, name, O_PATH | O_CLOEXEC | flags, 0); }));
+    return nxDescriptor(
+        nxSystemCall::RetryInterrupted([&] { return openat(directory, name, O_PATH | O_CLOEXEC | flags, 0); }));
 }
 
 // Makes the directory and the missing ones above it. Returns 0 or the error number.

@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 #include "core/platform/linux/nxWriteSignals.h"
 #include "core/platform/nxEnvironment.h"
 
@@ -37,7 +37,7 @@ int nxFile::CreateNew(const nxDirectory& directory, const std::string& path)
 {
     std::string absolute = AbsolutePath(path);
     const char* const name = path.c_str() + path.rfind('/') + 1;  // all of it when there is none
-    nxDescriptor created(nxUninterrupted::Do(
+    nxDescriptor created(nxSystemCall::RetryInterrupted(
         [&]
         {
             return openat(directory.GetDescriptor(), name,
@@ -69,7 +69,7 @@ int nxFile::WriteTo(int descriptor, const char* data, std::size_t size, std::siz
     written = 0;
     while (written < size)
     {
-        const ssize_t taken = nxUninterrupted::Do([&] { return signals.Do(writeOn); });
+        const ssize_t taken = nxSystemCall::RetryInterrupted([&] { return signals.Do(writeOn); });
         if (taken < 0)
             return errno;
         if (taken == 0)
@@ -119,7 +119,7 @@ int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size
 {
     // Not blocking: a pipe in the place of the file must not make this wait for a writer.
     const nxDescriptor file(
-        nxUninterrupted::Do([&] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0); }));
+        nxSystemCall::RetryInterrupted([&] { return open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0); }));
     if (!file.IsOpen())
         return errno;
     struct stat status = {};
@@ -130,8 +130,8 @@ int nxFile::ReadAll(const char* path, std::span<char> content, std::size_t& size
     std::size_t used = 0;
     for (;;)
     {
-        const ssize_t taken =
-            nxUninterrupted::Do([&] { return read(file.Get(), content.data() + used, content.size() - used); });
+        const ssize_t taken = nxSystemCall::RetryInterrupted(
+            [&] { return read(file.Get(), content.data() + used, content.size() - used); });
         if (taken < 0)
             return errno;
         used += static_cast<std::size_t>(taken);

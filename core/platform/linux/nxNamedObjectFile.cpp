@@ -14,7 +14,7 @@
 
 #include "core/platform/linux/nxRecordLock.h"
 #include "core/platform/linux/nxScopedDescriptor.h"
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 
 namespace
 {
@@ -71,7 +71,7 @@ bool Reserve(int descriptor, off_t offset, off_t bytes)
         errno = posix_fallocate(descriptor, offset, bytes);
         return errno == 0 ? 0 : -1;
     };
-    return nxUninterrupted::Do(reserve) == 0;
+    return nxSystemCall::RetryInterrupted(reserve) == 0;
 }
 }  // namespace
 

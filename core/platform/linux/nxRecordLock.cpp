@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 
 namespace
 {
@@ -24,7 +24,7 @@ struct flock LockOf(short type, off_t byte)
 bool Set(int descriptor, short type, off_t byte) noexcept
 {
     struct flock lock = LockOf(type, byte);
-    return nxUninterrupted::Do([&] { return fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0;
+    return nxSystemCall::RetryInterrupted([&] { return fcntl(descriptor, F_OFD_SETLK, &lock); }) == 0;
 }
 }  // namespace
 

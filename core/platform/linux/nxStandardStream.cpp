@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "core/platform/inline/nxClock.h"
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 #include "core/platform/nxFile.h"
 #include "core/platform/nxNanoseconds.h"
 
@@ -104,7 +104,7 @@ nxStandardStream::Way nxStandardStream::_FindWay(const struct stat& status, nxDe
     char name[32];
     std::snprintf(name, sizeof name, "/proc/self/fd/%d", _number);
     constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    nxDescriptor opened(nxUninterrupted::Do([&] { return open(name, flags, 0); }));
+    nxDescriptor opened(nxSystemCall::RetryInterrupted([&] { return open(name, flags, 0); }));
     if (!opened.IsOpen() || opened.GetIdentity() != nxFileIdentity(status))
         return Way::InPieces;
     own = std::move(opened);
@@ -123,8 +123,8 @@ int nxStandardStream::_TryWrite(Way way, int descriptor, std::string_view text, 
     }
     if (way != Way::Socket)
         return nxFile::WriteTo(descriptor, text.data(), text.size(), written);
-    const ssize_t taken =
-        nxUninterrupted::Do([&] { return send(descriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL); });
+    const ssize_t taken = nxSystemCall::RetryInterrupted(
+        [&] { return send(descriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL); });
     if (taken < 0)
         return errno;
     written = static_cast<std::size_t>(taken);

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <ctime>
 
-#include "core/platform/linux/nxUninterrupted.h"
+#include "core/platform/linux/nxSystemCall.h"
 
 /// Keeps the signals of a failed write (SIGXFSZ, SIGPIPE) from the process while the object lives. A signal that was
 /// pending before stays pending.
@@ -55,7 +55,7 @@ private:
         sigemptyset(&one);
         sigaddset(&one, signal);
         const timespec noTime{};
-        nxUninterrupted::Do([&] { return sigtimedwait(&one, nullptr, &noTime); });
+        nxSystemCall::RetryInterrupted([&] { return sigtimedwait(&one, nullptr, &noTime); });
     }
 
     sigset_t _signals;
