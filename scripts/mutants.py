@@ -38,7 +38,7 @@ CLASSES = {
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
         ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/text/inline/nxDigits.h",
-         "core/text/internal/nxPriceText.h"],
+         "core/numeric/internal/nxPriceText.h"],
         ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (

@@ -7,11 +7,11 @@
 #include <cstring>
 
 #include "core/enum/nxCaseSensitivityEnum.h"
+#include "core/numeric/internal/nxPriceText.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
-#include "core/text/internal/nxPriceText.h"
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
