@@ -9,7 +9,7 @@
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/internal/nxPriceText.h"
-#include "core/numeric/nxDoubleHelper.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"

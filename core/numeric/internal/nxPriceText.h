@@ -12,21 +12,21 @@
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/text/inline/nxDigits.h"
 
-/// Numbers as prices are written, up to seven digits, a separator and one to eight digits, read as two words: the quick
-/// path of decimals and doubles alike, which have rules of their own for every other text.
+/// Reads numbers in the usual form of prices: up to seven digits, a separator and one to eight digits, as two words. This
+/// is the quick path of decimals and doubles, each of which has its own rules for every other text.
 class nxPriceText
 {
 public:
     /// Reads all of a text.
     /// @param mantissa receives the digits as one number, below 10^15.
-    /// @param decimals receives how many of them stand behind the separator, 1 to 8.
+    /// @param decimals receives the number of digits after the separator, 1 to 8.
     /// @return false, with nothing stored, for a text of another form.
     static bool Parse(const char* begin, std::size_t size, char separator, std::uint64_t& mantissa,
                       std::size_t& decimals)
     {
         if (size == 0)
             return false;
-        // The first eight characters and the last eight, which are the same where there are no more.
+        // The first eight characters and the last eight; they are the same when there are no more than eight.
         const std::uint64_t last =
             size >= 8 ? nxDigits::Load(begin + size - 8) : nxDigits::LoadRightAligned(begin, size);
         const std::uint64_t first = size >= 8 ? nxDigits::Load(begin) : last >> (64 - 8 * size);
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    // The number that two digit words spell, the second of which stands for `unit` of the first.
+    // The number that two digit words spell, where one of the first counts `unit` of the second.
     static std::uint64_t _GatherBoth(std::uint64_t first, std::uint64_t second, std::uint64_t unit)
     {
 #if defined(__SSE2__)
