@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-/// The rules of the Gregorian calendar, carried back to the year 1: pure functions without state, clock or locale.
+/// The rules of the Gregorian calendar, extended back to the year 1: pure functions without state, clock or locale.
 ///
 /// Days are counted from 1 January 1970, which is day 0. Years run from MinYear to MaxYear.
 /// @code
@@ -54,7 +54,7 @@ public:
         return static_cast<int>(days) - _EpochFromMarchYearZero;
     }
 
-    /// Turns the number of a day back into its fields.
+    /// Finds the fields of the day with a number.
     /// @return false, with nothing stored, when the day lies outside the years MinYear to MaxYear.
     static constexpr bool GetDateOfDay(long long dayNumber, unsigned& year, unsigned& month, unsigned& day)
     {
