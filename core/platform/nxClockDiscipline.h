@@ -53,13 +53,13 @@ public:
     nxClockScale GetSteady() const { return {_last.ticks, _steadyNanoseconds, _steadyRate}; }
 
 private:
-    static constexpr std::int64_t shortestStretch = 100'000;
-    static constexpr std::int64_t longestStretch = nxNanoseconds::PerSecond;
-    static constexpr std::int64_t doubtsInAStretch = 100;
-    static constexpr std::int64_t smallestStep = 100'000;
-    static constexpr std::int64_t readingTolerance = 10'000;
-    static constexpr int rateTolerance = 8;  // ticks that differ from their length by more than 1/2^8 are a break
-    static constexpr int slowerBy = 9;       // by 1/2^9: two microseconds in a millisecond
+    static constexpr std::int64_t _shortestStretch = 100'000;
+    static constexpr std::int64_t _longestStretch = nxNanoseconds::PerSecond;
+    static constexpr std::int64_t _doubtsInAStretch = 100;
+    static constexpr std::int64_t _smallestStep = 100'000;
+    static constexpr std::int64_t _readingTolerance = 10'000;
+    static constexpr int _rateTolerance = 8;  // ticks that differ from their length by more than 1/2^8 are a break
+    static constexpr int _slowerBy = 9;       // by 1/2^9: two microseconds in a millisecond
 
     __extension__ using Wide = unsigned __int128;
 
@@ -70,7 +70,7 @@ private:
         if (!_started || ticks < 0 || (_followed && _Breaks(reading)))
             return _Restart(reading);
         const std::int64_t doubt = reading.doubt + _start.doubt;
-        const std::int64_t needed = std::max(_nextStretch, std::min(doubtsInAStretch * doubt, longestStretch));
+        const std::int64_t needed = std::max(_nextStretch, std::min(_doubtsInAStretch * doubt, _longestStretch));
         if (stretch < needed || ticks == 0)
             return _rate != 0;
         const auto rate = static_cast<std::uint64_t>((static_cast<Wide>(stretch) << 32) / static_cast<Wide>(ticks));
@@ -78,10 +78,10 @@ private:
             return _Restart(reading);
         _rate = rate;
         _validity = static_cast<std::uint64_t>((static_cast<Wide>(ValidNanoseconds) << 32) / rate);
-        if (stretch >= longestStretch)
+        if (stretch >= _longestStretch)
             _start = reading;
         else
-            _nextStretch = 2 * stretch < longestStretch ? 2 * stretch : longestStretch;
+            _nextStretch = 2 * stretch < _longestStretch ? 2 * stretch : _longestStretch;
         return true;
     }
 
@@ -90,7 +90,7 @@ private:
     {
         const std::int64_t passed = reading.monotonic - _last.monotonic;
         const std::int64_t expected = nxClockScale(_last.ticks, 0, _rate).ToNanoseconds(reading.ticks);
-        const std::int64_t tolerance = readingTolerance + (passed >> rateTolerance) + reading.doubt + _last.doubt;
+        const std::int64_t tolerance = _readingTolerance + (passed >> _rateTolerance) + reading.doubt + _last.doubt;
         return passed < 0 || expected < passed - tolerance || expected > passed + tolerance;
     }
 
@@ -105,9 +105,9 @@ private:
     void _Follow(const nxClockReading& reading)
     {
         const std::int64_t ahead = _followed ? _Difference(_LargestGiven(reading.ticks), reading.wall) : 0;
-        const bool wait = 0 < ahead && ahead < smallestStep;
+        const bool wait = 0 < ahead && ahead < _smallestStep;
         _steadyNanoseconds = wait ? reading.wall + ahead : reading.wall;
-        _steadyRate = wait ? _rate - (_rate >> slowerBy) : _rate;
+        _steadyRate = wait ? _rate - (_rate >> _slowerBy) : _rate;
         _last = reading;
         _followed = true;
     }
@@ -128,7 +128,7 @@ private:
     bool _followed = false;
     nxClockReading _start{};
     nxClockReading _last{};
-    std::int64_t _nextStretch = shortestStretch;
+    std::int64_t _nextStretch = _shortestStretch;
     std::uint64_t _rate = 0;
     std::uint64_t _validity = 0;
     std::int64_t _steadyNanoseconds = 0;

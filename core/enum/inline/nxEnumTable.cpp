@@ -116,13 +116,13 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
     };
     static_assert(sizeof(NoNames) == sizeof(NameTable) + sizeof(Slot) && alignof(NameTable) == alignof(Slot));
 
-    static constinit std::atomic<Page*> pages[PageCount];
+    static constinit std::atomic<Page*> pages[_pageCount];
     static constinit NoNames noNames;
     static constinit std::atomic<NameTable*> names;  // replaced by a larger table when half full
     static constinit std::size_t nameCount;
 };
 
-constinit std::atomic<nxEnumTable::Page*> nxEnumTable::Storage::pages[PageCount] = {};
+constinit std::atomic<nxEnumTable::Page*> nxEnumTable::Storage::pages[_pageCount] = {};
 constinit nxEnumTable::Storage::NoNames nxEnumTable::Storage::noNames = {};
 constinit std::atomic<nxEnumTable::NameTable*> nxEnumTable::Storage::names = &noNames.table;
 constinit std::size_t nxEnumTable::Storage::nameCount = 0;
@@ -143,16 +143,16 @@ std::int64_t nxEnumTable::Find(std::string_view text)
 
 std::int64_t nxEnumTable::FindFrom(unsigned from)
 {
-    std::size_t word = from % PageSize / WordBits;
-    std::uint64_t wanted = ~std::uint64_t{0} << from % WordBits;  // of the first word only
-    for (std::size_t number = from / PageSize; number != PageCount; ++number)
+    std::size_t word = from % _pageSize / _wordBits;
+    std::uint64_t wanted = ~std::uint64_t{0} << from % _wordBits;  // of the first word only
+    for (std::size_t number = from / _pageSize; number != _pageCount; ++number)
     {
         const Page* const page = _pages[number].load(std::memory_order_acquire);
-        for (; page != nullptr && word != PageSize / WordBits; ++word)
+        for (; page != nullptr && word != _pageSize / _wordBits; ++word)
         {
             const std::uint64_t found = page->present[word].load(std::memory_order_acquire) & wanted;
             if (found != 0)
-                return static_cast<std::int64_t>(number * PageSize + word * WordBits) + std::countr_zero(found);
+                return static_cast<std::int64_t>(number * _pageSize + word * _wordBits) + std::countr_zero(found);
             wanted = ~std::uint64_t{0};
         }
         word = 0;
@@ -163,7 +163,7 @@ std::int64_t nxEnumTable::FindFrom(unsigned from)
 
 void nxEnumTable::Reserve(unsigned value)
 {
-    std::atomic<Page*>& page = _pages[value / PageSize];
+    std::atomic<Page*>& page = _pages[value / _pageSize];
     if (page.load(std::memory_order_relaxed) == nullptr)
     {
         // A page is large and thinly filled. Zeroed memory from the system costs only the parts that are touched, and
@@ -180,10 +180,10 @@ void nxEnumTable::Reserve(unsigned value)
 
 void nxEnumTable::Add(unsigned value, const Texts& texts) noexcept
 {
-    Page& page = *_pages[value / PageSize].load(std::memory_order_relaxed);
-    const std::size_t index = value % PageSize;
+    Page& page = *_pages[value / _pageSize].load(std::memory_order_relaxed);
+    const std::size_t index = value % _pageSize;
     page.texts[index].store(&texts, std::memory_order_release);
-    page.present[index / WordBits].fetch_or(std::uint64_t{1} << index % WordBits, std::memory_order_release);
+    page.present[index / _wordBits].fetch_or(std::uint64_t{1} << index % _wordBits, std::memory_order_release);
     Storage::names.load(std::memory_order_relaxed)->Add(nxNameTag::Get(texts.first), value, texts.first.c_str());
     ++Storage::nameCount;
 }

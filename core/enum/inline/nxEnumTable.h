@@ -48,8 +48,8 @@ public:
     static void Add(unsigned value, const Texts& texts) noexcept;
 
 private:
-    static constexpr std::size_t PageSize = 65536;
-    static constexpr std::size_t PageCount = 65536;
+    static constexpr std::size_t _pageSize = 65536;
+    static constexpr std::size_t _pageCount = 65536;
 
     // Each half is loaded by itself from the memory of the value. This takes half the instructions of splitting a loaded
     // value, a seventh of the whole look-up.
@@ -57,18 +57,18 @@ private:
     static std::uint16_t _LowerHalf(const unsigned& value) { return _Half(value, _littleEndian ? 0 : 1); }
     static std::uint16_t _Half(const unsigned& value, std::size_t index)
     {
-        static_assert(sizeof value == 2 * sizeof(std::uint16_t) && PageSize == 65536 && PageCount == 65536);
+        static_assert(sizeof value == 2 * sizeof(std::uint16_t) && _pageSize == 65536 && _pageCount == 65536);
         std::uint16_t half;
         std::memcpy(&half, reinterpret_cast<const char*>(&value) + index * sizeof half, sizeof half);
         return half;
     }
     static constexpr bool _littleEndian = std::endian::native == std::endian::little;
-    static constexpr std::size_t WordBits = 64;
+    static constexpr std::size_t _wordBits = 64;
 
     struct Page
     {
-        std::atomic<const Texts*> texts[PageSize];
-        std::atomic<std::uint64_t> present[PageSize / WordBits];  // one bit a value, for walks over sparse values
+        std::atomic<const Texts*> texts[_pageSize];
+        std::atomic<std::uint64_t> present[_pageSize / _wordBits];  // one bit a value, for walks over sparse values
     };
     struct Slot;
     struct NameTable;

@@ -74,18 +74,18 @@ public:
     }
 
 private:
-    static constexpr std::size_t BitCount = std::numeric_limits<Word>::digits;
-    static constexpr std::size_t BucketCount = 64;
+    static constexpr std::size_t _bitCount = std::numeric_limits<Word>::digits;
+    static constexpr std::size_t _bucketCount = 64;
 
     struct Class
     {
         const std::string* name;
         Class* next;
-        std::array<std::atomic<const Texts*>, BitCount> texts{};
+        std::array<std::atomic<const Texts*>, _bitCount> texts{};
     };
 
     static std::size_t Index(Word word) { return static_cast<std::size_t>(std::countr_zero(word)); }
-    static std::size_t Bucket(std::string_view name) { return std::hash<std::string_view>()(name) % BucketCount; }
+    static std::size_t Bucket(std::string_view name) { return std::hash<std::string_view>()(name) % _bucketCount; }
 
     Class* Find(std::string_view name) const
     {
@@ -106,7 +106,7 @@ private:
     }
 
     Map _map;
-    std::array<std::atomic<Class*>, BucketCount> _buckets{};
+    std::array<std::atomic<Class*>, _bucketCount> _buckets{};
 };
 
 #endif
