@@ -18,7 +18,8 @@ import sys
 LAYERS = (
     ("platform",),
     ("enum",),
-    ("text", "numeric", "time"),
+    ("text",),
+    ("numeric", "time"),
     ("thread",),
     ("process",),
     ("log",),
