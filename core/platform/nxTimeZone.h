@@ -73,7 +73,7 @@ private:
         static_cast<std::size_t>((EndSecond - _firstBucketSecond) >> _bucketShift) + 1;
 
     void _Add(std::int64_t second, std::int32_t offset);
-    void _AddRule(const nxZoneRule& rule, std::int64_t begin);
+    [[gnu::visibility("hidden")]] void _AddRule(const nxZoneRule& rule, std::int64_t begin);
     bool _Finish();
 
     std::size_t _count = 0;
