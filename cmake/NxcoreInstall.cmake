@@ -27,11 +27,15 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmak
 install(FILES "${PROJECT_BINARY_DIR}/nxcoreConfig.cmake" "${PROJECT_BINARY_DIR}/nxcoreConfigVersion.cmake"
     DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The way back from the folder of nxcore.pc to the prefix, however many levels the library folder has.
+# The whole path, which only the installation knows: pkg-config leaves out the folders that compilers search anyway.
 set(NXCORE_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-file(RELATIVE_PATH NXCORE_PC_PREFIX "/${NXCORE_PC_DIR}" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/nxcore.pc.in" "${PROJECT_BINARY_DIR}/nxcore.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/nxcore.pc" DESTINATION "${NXCORE_PC_DIR}" COMPONENT development)
+install(CODE "
+    file(READ \"${PROJECT_BINARY_DIR}/nxcore.pc\" text)
+    string(REGEX REPLACE \"^prefix=[^\n]*\" \"prefix=\${CMAKE_INSTALL_PREFIX}\" text \"\${text}\")
+    file(WRITE \"${PROJECT_BINARY_DIR}/installed/nxcore.pc\" \"\${text}\")
+    file(INSTALL \"${PROJECT_BINARY_DIR}/installed/nxcore.pc\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${NXCORE_PC_DIR}\")
+" COMPONENT development)
 
 # gdb looks for printers under the whole path of the library, which only the installation knows.
 install(CODE "

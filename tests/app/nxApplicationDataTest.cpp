@@ -91,19 +91,18 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
             EXPECT_NE(nxApplicationData::GetProcessID(), parent);
             EXPECT_GE(nxApplicationData::GetStartTime(), parentStart);
         }));
-    // Whoever held a mutex at the moment of the fork does not exist in the child. The texts are too short for an
-    // allocator, whose locks the address sanitizer does not give back in the child.
-    const nxBusyThread asking(
-        []
-        {
-            nxApplicationData::GetApplicationName();
-            nxCmdLineArgs::GetInstance().GetEnvValue("NX_NONE");
-        });
+    // The thread that held a mutex at the moment of the fork does not exist in the child. Each mutex has a thread of its
+    // own, because a fork that waits for one mutex gives the thread time to release another. The texts are too short for
+    // an allocator, whose locks the address sanitizer does not give back in the child.
+    const nxBusyThread naming([] { nxApplicationData::GetApplicationName(); });
+    const nxBusyThread locating([] { nxApplicationData::GetLocation(); });
+    const nxBusyThread reading([] { nxCmdLineArgs::GetInstance().GetEnvValue("NX_NONE"); });
     for (int i = 0; i < 100 && !HasFailure(); ++i)
         EXPECT_TRUE(nxInChild(
             []
             {
                 nxApplicationData::SetApplicationName(nxApplicationData::GetApplicationName() + "x");
+                nxApplicationData::SetLocation(nxApplicationData::GetLocation() + "x");
                 nxCmdLineArgs::GetInstance().GetEnvValue("NX_NONE");
             }));
 }

@@ -19,7 +19,7 @@ find_package)
 pkg-config)
     export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
     # shellcheck disable=SC2046
-    "$cxx" -std=c++20 -Wall -Wextra -Werror "$source/tests/consumer/main.cpp" -o "$scratch/consumer" $(pkg-config --cflags --libs nxcore) -Wl,-rpath,"$prefix/$libdir"
+    "$cxx" -std=c++20 -Wall -Wextra -Werror "$source/tests/consumer/main.cpp" -o "$scratch/consumer" $(pkg-config --define-variable=prefix="$prefix" --cflags --libs nxcore) -Wl,-rpath,"$prefix/$libdir"
     program=$scratch/consumer
     ;;
 add_subdirectory)

@@ -15,6 +15,7 @@ done
 for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/bash-completion/completions/nxtick usr/share/doc/nxcore/docs/guide usr/share/doc/nxcore/examples; do
     ls -d "$root/$wanted"* >/dev/null
 done
+grep -qx prefix=/usr "$root/usr/$libdir/pkgconfig/nxcore.pc"
 LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/nxtick" -version
 # Debian's own checker finds no error.
 if command -v lintian >/dev/null 2>&1; then

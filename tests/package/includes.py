@@ -31,21 +31,22 @@ LAYERS = (
 # The parts of the log, bottom first, each with its units. A part includes itself and the parts before it.
 LOG_PARTS = (
     ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
-    ("record", "internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage inline/nxLogSource "
-               "internal/nxLogSourceTable internal/nxLogEscape"),
+    ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
+               "inline/nxLogSource internal/nxLogSourceTable internal/nxLogEscape"),
     ("counters, switches, limits", "internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("bell", "internal/nxLogBell internal/nxLogWait"),
     ("memory", "internal/nxLogRingMemory"),
-    ("ring", "inline/nxLogRing internal/nxLogRing"),
+    ("ring", "inline/nxLogChannel internal/nxLogRing"),
     ("channels", "internal/nxLogChannelList"),
-    ("filling", "inline/nxLogChannel internal/nxLogBackpressure"),
+    ("filling", "internal/nxLogBackpressure internal/nxLogFilling internal/nxLogOpenStatement"),
     ("merge", "internal/nxLogMerge"),
     ("text", "internal/nxLogTimeText internal/nxLogQuickText internal/nxLogLineBuffer nxLogLineSink"),
-    ("record for people", "nxLog nxLogStatement nxLogMacros nxLogLine internal/nxLogHexDump"),
-    ("devices", "nxLogDevice internal/nxLogForkLock internal/nxLogDeviceEntry internal/nxLogDeviceList"),
+    ("record for people", "nxLog internal/nxLogConversion nxLogStatement nxLogLine internal/nxLogHexDump"),
+    ("devices", "nxLogDevice internal/nxLogTimedLock internal/nxLogForkLock internal/nxLogDeviceEntry internal/nxLogDeviceList"),
     ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogUpkeep"),
     ("writer", "internal/nxLogWriter internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
     ("manager", "nxLogManager nxLogSettings"),
+    ("statements", "nxLogMacros"),
     ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile internal/nxLogFileNames nxLogSetUp"),
     ("reports from below", "internal/nxThreadReport"),
 )

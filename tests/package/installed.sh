@@ -5,5 +5,6 @@ way=$1 build=$2 source=$3 scratch=$4 libdir=$5 cxx=$6
 
 rm -rf "$scratch" && mkdir -p "$scratch"
 cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
-mv "$scratch/installed" "$scratch/moved"  # nothing in the package may know where it was installed first
+grep -qx "prefix=$scratch/installed" "$scratch/installed/$libdir/pkgconfig/nxcore.pc"
+mv "$scratch/installed" "$scratch/moved"  # CMake finds it there by itself, pkg-config is told
 bash "$(dirname "$0")/consume.sh" "$way" "$scratch/moved" "$source" "$scratch/consumer" "$libdir" "$cxx"
