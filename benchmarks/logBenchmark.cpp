@@ -33,7 +33,7 @@
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 #if defined(NX_BENCHMARK_HAS_SPDLOG)
     #include <spdlog/async.h>

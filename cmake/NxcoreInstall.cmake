@@ -9,16 +9,15 @@ install(TARGETS nxcore nxcore_testing EXPORT nxcoreTargets
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(EXPORT nxcoreTargets NAMESPACE nxcore:: DESTINATION "${NXCORE_CMAKE_DIR}" COMPONENT development)
 
-# The public headers. What stands in internal/, platform/ and process/ is the library's own affair, what public headers
-# use inline excepted: the clock of time stamps and log records, the word of a named semaphore, the taking of a robust
-# mutex, and the names of the settings. A test holds that no installed header includes what is not installed, nor the
-# reverse.
+# The public headers, and those that they need inline. What lies in internal/ is the library's own, and so are platform/ and
+# process/ but for their inline/ folders. A test checks that no installed header includes one that is not, and that none is
+# superfluous.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "internal" EXCLUDE PATTERN "platform" EXCLUDE PATTERN "process" EXCLUDE)
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/process/inline"
-    DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/process" COMPONENT development)
-install(FILES "${PROJECT_SOURCE_DIR}/core/platform/nxClock.h" "${PROJECT_SOURCE_DIR}/core/platform/nxNamedSemaphore.h"
-    "${PROJECT_SOURCE_DIR}/core/platform/nxRobustMutex.h" DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/platform" COMPONENT development)
+foreach(folder platform/inline platform/${NXCORE_SYSTEM}/inline process/inline)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/core/${folder}/" COMPONENT development
+        DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core/${folder}" FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
+endforeach()
 install(FILES "${PROJECT_BINARY_DIR}/generated/core/nxVersion.h"
     DESTINATION "${NXCORE_INSTALL_INCLUDEDIR}/core" COMPONENT development)
 

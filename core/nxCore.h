@@ -78,7 +78,6 @@
 #include "core/log/nxLogSettings.h"
 #include "core/log/nxLogStatement.h"
 #include "core/numeric/nxDecimal.h"
-#include "core/numeric/nxDoubleHelper.h"
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxVersion.h"

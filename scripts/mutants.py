@@ -34,11 +34,11 @@ EXPLAINED = os.path.join(ROOT, "scripts", "mutants-explained.txt")
 CLASSES = {
     "nxDecimal": (
         ["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp", "core/numeric/nxPowersOfTen.h",
-         "core/numeric/nxDoubleHelper.h"],
+         "core/platform/inline/nxDoubleHelper.h"],
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
-        ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/text/inline/nxDigits.h",
-         "core/text/internal/nxPriceText.h"],
+        ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/numeric/nxStringHelperDouble.cpp",
+         "core/text/inline/nxDigits.h", "core/numeric/internal/nxPriceText.h"],
         ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (

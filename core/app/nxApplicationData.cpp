@@ -31,7 +31,7 @@ nxMutex& TheMutex() { return TheSettings().mutex; }
 Settings& TheSettings()
 {
     static Settings& settings = *new Settings;
-    static const bool survivesForks = nxForkMutex::Register<&TheMutex>();
+    static const bool survivesForks = nxForkMutex::Register<&TheMutex>(nxForkHandlers::Rank::ApplicationData);
     static_cast<void>(survivesForks);
     return settings;
 }

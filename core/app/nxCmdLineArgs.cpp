@@ -1,7 +1,5 @@
 #include "core/app/nxCmdLineArgs.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -100,7 +98,7 @@ nxCmdLineArgs& nxCmdLineArgs::GetInstance()
 {
     // Never destroyed, because threads and the destructors of other globals may ask while the process ends.
     static nxCmdLineArgs& instance = *new nxCmdLineArgs;
-    static const bool survivesForks = nxForkMutex::Register<&_GetInstanceMutex>();
+    static const bool survivesForks = nxForkMutex::Register<&_GetInstanceMutex>(nxForkHandlers::Rank::CommandLine);
     static_cast<void>(survivesForks);
     return instance;
 }
@@ -154,7 +152,7 @@ void nxCmdLineArgs::_ReadEnvs(char** envp)
     _envsRead = true;
     // Setting a variable made a new array. The one that main was given is out of date or freed.
     if (envp == firstEnvironment)
-        envp = environ;
+        envp = nxEnvironment::GetArray();
     for (; *envp != nullptr; ++envp)
         if (const char* const separator = std::strchr(*envp, '='); separator != nullptr)
             _envs[std::string(static_cast<const char*>(*envp), separator)] = separator + 1;
@@ -282,7 +280,7 @@ bool nxCmdLineArgs::SetEnvValue(const std::string& name, const std::string& valu
     if (isSet)
     {
         const nxMutexGuard guard(_mutex);
-        char** const before = environ;
+        char** const before = nxEnvironment::GetArray();
         isSet = nxEnvironment::Set(name, value);
         if (isSet && firstEnvironment == nullptr)
             firstEnvironment = before;

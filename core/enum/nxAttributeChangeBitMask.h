@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// What has changed in a displayed attribute, and how the change is shown.
+/// The changes of a displayed attribute, and how the change is shown.
 class NX_CORE_API nxAttributeChangeBitMask final : public nxTypedBitMask<nxAttributeChangeBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxAttributeChangeBitMask);

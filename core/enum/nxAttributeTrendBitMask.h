@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which way a displayed price moved last.
+/// The direction in which a displayed price moved last.
 class NX_CORE_API nxAttributeTrendBitMask final : public nxTypedBitMask<nxAttributeTrendBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxAttributeTrendBitMask);

@@ -29,7 +29,7 @@
 class NX_CORE_API nxBitMask
 {
 public:
-    using Word = unsigned;  ///< What holds the flags.
+    using Word = unsigned;  ///< The integer that holds the flags.
 
     static constexpr Word NullBit = 0x80000000u;      ///< Set in a mask that is null.
     static constexpr Word NoChangeBit = 0x40000000u;  ///< Set in a mask that means "no change".
@@ -40,7 +40,7 @@ public:
     virtual ~nxBitMask();
     /// @return whether the mask is a set of flags: neither null nor "no change".
     virtual bool IsValid() const;
-    /// @return whether NoChangeBit is set, also in a mask that is null as well.
+    /// @return whether NoChangeBit is set, even if NullBit is set too.
     virtual bool IsNoChange() const;
     /// @return whether NullBit is set.
     virtual bool IsNull() const;
@@ -87,7 +87,7 @@ public:
         return *this;
     }
 
-    /// Takes flags away.
+    /// Removes flags.
     void ClearBits(unsigned bits) { _word &= ~bits; }
     /// @copydoc ClearBits(unsigned)
     void ClearBits(const nxBitMask& bits) { ClearBits(bits._word); }
@@ -108,7 +108,7 @@ public:
     /// @copydoc operator==(unsigned) const
     bool operator==(const nxBitMask& other) const { return _word == other._word; }
 
-    /// @name A word wider than the mask's, or a fraction, would be cut, and a flag of the upper half would become none.
+    /// @name Deleted, because a word wider than the mask's, or a fraction, would be truncated and lose its upper flags.
     /// @{
     template <nxWiderThan<Word> Wide>
     void SetBits(Wide) = delete;
@@ -144,14 +144,14 @@ protected:
                           const std::string& longDescription);
     /// The same for this mask's class.
     bool _Register(unsigned bit, const std::string& shortDescription, const std::string& longDescription);
-    /// A word wider than the mask's would be cut.
+    /// Deleted, because a word wider than the mask's would be truncated.
     template <nxWiderThan<Word> Wide>
     static bool _Register(const std::string&, Wide, const std::string&, const std::string&) = delete;
-    /// A word wider than the mask's would be cut.
+    /// Deleted, because a word wider than the mask's would be truncated.
     template <nxWiderThan<Word> Wide>
     bool _Register(Wide, const std::string&, const std::string&) = delete;
 
-    /// All texts, by class name and then by bit. To be looked at; only _Register() adds to what is printed.
+    /// All texts, by class name and then by bit. For reading only: masks print only texts added with _Register().
     static DescriptionMap& _GetDescriptionMap();
 
 private:

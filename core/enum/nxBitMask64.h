@@ -22,7 +22,7 @@
 class NX_CORE_API nxBitMask64
 {
 public:
-    using Word = unsigned long long;  ///< What holds the flags.
+    using Word = unsigned long long;  ///< The integer that holds the flags.
 
     static constexpr Word NullBit = 0x8000000000000000u;      ///< Set in a mask that is null.
     static constexpr Word NoChangeBit = 0x4000000000000000u;  ///< Set in a mask that means "no change".
@@ -33,7 +33,7 @@ public:
     virtual ~nxBitMask64();
     /// @return whether the mask is a set of flags: neither null nor "no change".
     virtual bool IsValid() const;
-    /// @return whether NoChangeBit is set, also in a mask that is null as well.
+    /// @return whether NoChangeBit is set, even if NullBit is set too.
     virtual bool IsNoChange() const;
     /// @return whether NullBit is set.
     virtual bool IsNull() const;
@@ -80,7 +80,7 @@ public:
         return *this;
     }
 
-    /// Takes flags away.
+    /// Removes flags.
     void ClearBits(unsigned long long bits) { _word &= ~bits; }
     /// @copydoc ClearBits(unsigned long long)
     void ClearBits(const nxBitMask64& bits) { ClearBits(bits._word); }
@@ -144,7 +144,7 @@ protected:
     template <nxWiderThan<Word> Wide>
     bool _Register(Wide, const std::string&, const std::string&) = delete;
 
-    /// All texts, by class name and then by bit. To be looked at; only _Register() adds to what is printed.
+    /// All texts, by class name and then by bit. For reading only: masks print only texts added with _Register().
     static DescriptionMap& _GetDescriptionMap();
 
 private:

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which bars of a product's history somebody subscribes to: by time, by number of trades, by volume.
+/// The bars of a product's history in a subscription: by time, by number of trades, by volume.
 class NX_CORE_API nxDataInterestBitMask final : public nxTypedBitMask<nxDataInterestBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxDataInterestBitMask);

@@ -24,7 +24,7 @@ constexpr bool IsBelow(const nxEnum::ValueTexts& left, const nxEnum::ValueTexts&
 }
 static_assert(std::is_sorted(std::begin(listedRows), std::end(listedRows), IsBelow), "the lists ascend");
 
-// Not looked up: an application that took the identifier for a value of its own must not take the ground away.
+// Not looked up, because an application may have registered the identifier for a value of its own.
 const nxEnumTable::Texts& TextsOfUnknown()
 {
     static const nxEnumTable::Texts& texts = *new nxEnumTable::Texts("NOT_REGISTERED", "not registered");
@@ -38,13 +38,13 @@ const bool nxEnum::_registered = nxEnum::_RegisterValues();
 
 bool nxEnum::_RegisterValues()
 {
-    TextsOfUnknown();  // made while the library is loaded, not where memory may be short
+    TextsOfUnknown();  // built while the library is loaded, because memory may be short later
     return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE);
 }
 
 std::map<unsigned, std::pair<std::string, std::string>>& nxEnum::_Map()
 {
-    // Leaked: static destructors and threads that outlive main still print.
+    // Leaked, because static destructors and threads that outlive main still print.
     static auto& map = *new std::map<unsigned, std::pair<std::string, std::string>>;
     return map;
 }
@@ -60,7 +60,7 @@ bool nxEnum::_Add(unsigned value, std::string_view shortDescription, std::string
     if (shortDescription.size() > nxEnumTable::MaximumTextSize || nxEnumTable::Find(value) != nullptr ||
         nxEnumTable::Find(shortDescription) != nxEnumTable::NotFound)
         return false;
-    // What may run out of memory comes first, and leaves nothing behind that stands in the way of another attempt.
+    // Everything that may run out of memory comes first. It leaves nothing behind that would prevent another attempt.
     nxEnumTable::Reserve(value);
     const auto name = _ReverseMap().try_emplace(std::string(shortDescription), value).first;
     try

@@ -23,8 +23,8 @@
 /// description, which is its wording ("not found"). Derive a class of your own from nxTypedEnum.
 ///
 /// - Value 0 is "undefined": the state after construction and Clear(). Value 2 is "no change". Value 1 is never stored.
-/// - Errors: a setter that is given a value outside the class's interval stores 0 and says nothing; only the parsing
-///   setters report by their result.
+/// - Errors: a setter that gets a value outside the class's interval silently stores 0; only the parsing setters return
+///   whether they succeeded.
 /// - Threads: like an int. The registry is filled while the library is loaded; looking up takes no lock. A plug-in that
 ///   is loaded later may register its own values while other threads print and parse.
 /// - Ownership: a 16-byte value that owns nothing. Texts are returned by reference and live as long as the process.
@@ -42,7 +42,7 @@ public:
     /// @return the name of the concrete class, e.g. "nxBoolEnum".
     virtual std::string GetClassName() const = 0;
 
-    /// @return whether some class has registered texts for @p value.
+    /// @return whether a class has registered texts for @p value.
     static bool IsRegisteredEnumValue(unsigned value);
     /// The same for other integer types: a number that 32 bits cannot hold is not registered.
     template <nxPlainInteger Number>
@@ -68,8 +68,8 @@ public:
     void Clear() { _value = NX_ENUM_UNDEFINED; }                      ///< The value becomes 0.
     void SetNoChange() { _value = NX_ENUM_NO_CHANGE; }                ///< The value becomes 2.
 
-    /// @return whether the value lies between the bounds of its class. The three shared values do not, but for
-    ///         nxGenericEnum, whose interval holds "no change".
+    /// @return whether the value lies between the bounds of its class. The three shared values do not, with one exception:
+    ///         the interval of nxGenericEnum holds "no change".
     bool IsSpecificTypeForInstance() const;
 
     /// Replaces @p values with the registered values of this object's class, ascending, the two bounds included where
@@ -117,7 +117,7 @@ public:
         _Set(_Narrowed(value));
         return *this;
     }
-    /// A truth value is no value of an enumeration, nor is a fraction.
+    /// A bool is not a value of an enumeration, and neither is a fraction.
     template <nxUnfitForUnsigned Unfit>
     nxEnum& operator=(Unfit) = delete;
 
@@ -125,8 +125,8 @@ protected:
     nxEnum() = default;
     ~nxEnum() = default;
 
-    // These two are called in the library's source alone. Where a program's compiler sees the class of an object, it
-    // may call nxTypedEnum's overriders directly, which it has not instantiated and the library does not export.
+    // Only sources of the library call these two. A compiler that knows the class of an object may call nxTypedEnum's
+    // overriders directly, and a program has neither instantiated them nor does the library export them.
 
     /// The exclusive lower bound of the class's values.
     virtual unsigned _MinValue() const = 0;
@@ -135,16 +135,16 @@ protected:
 
     /// Adds one value with its texts to the process-wide registry. Call it while the process or a plug-in is loaded,
     /// from one thread; other threads may look up meanwhile.
-    /// An empty short description is one like others: SetFromString("") then finds its value, in every class.
+    /// An empty short description is treated like any other: SetFromString("") then finds its value, in every class.
     /// @return false, with nothing changed, when the value or the short description is taken, or when the short
     ///         description is longer than 64 characters. The value need not be one of the calling class; see
     ///         nxTypedEnum::_Register().
     static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription);
-    /// A value wider than 32 bits would be cut.
+    /// Deleted, because a value wider than 32 bits would be truncated.
     template <nxWiderThan<unsigned> Wide>
     static bool _Register(Wide, const std::string&, const std::string&) = delete;
-    /// Adds the rows from @p first to before @p last; those that _Register() refuses are left out,
-    /// and nxRefusedTexts tells of them.
+    /// Adds the rows from @p first up to but not including @p last. Rows that _Register() refuses are left out and
+    /// reported by nxRefusedTexts.
     /// @return true, for the class's _registered to hold.
     static bool _RegisterAll(const ValueTexts* first, const ValueTexts* last);
     /// @copydoc _RegisterAll(const ValueTexts*, const ValueTexts*)
@@ -154,7 +154,8 @@ protected:
         return _RegisterAll(rows, rows + Count);
     }
 
-    /// Adds the rows of the library's own lists from @p lowest to @p highest, both included: what its classes register.
+    /// Adds the rows of the library's own lists from @p lowest to @p highest, both included; the library's classes
+    /// register with it.
     /// @return true.
     static bool _RegisterListed(unsigned lowest, unsigned highest);
     /// Makes sure that the library's own values are registered, whichever initialiser runs first.
@@ -178,7 +179,7 @@ protected:
         return (minimum < value && value < maximum && value != NX_ENUM_NOT_REGISTERED) || value == NX_ENUM_UNDEFINED ||
                value == NX_ENUM_NO_CHANGE;
     }
-    /// A negative number, or one that is too wide, is not cut down to one that happens to fit: it becomes 0.
+    /// A negative number, or one that is too wide, becomes 0 rather than a truncated value that happens to fit.
     template <nxPlainInteger Number>
     static constexpr unsigned _Narrowed(Number number)
     {
@@ -208,8 +209,8 @@ private:
     static const bool _registered;
 
     static bool _Add(unsigned value, std::string_view shortDescription, std::string_view longDescription);
-    // What a look-up that finds nothing falls back on: the library's own values are registered at the latest now, and
-    // it looks again. That makes the order of initialisers irrelevant.
+    // The fallback of a look-up that finds nothing: it registers the library's own values if that has not happened yet,
+    // and looks again. This makes the order of initialisers irrelevant.
     static const nxEnumTable::Texts& _GetMissingTexts(unsigned value);
     static std::int64_t _FindMissing(std::string_view text);
 
@@ -234,13 +235,14 @@ inline bool operator==(const nxEnum& left, nxEnumValue right)
 }
 /// Compares the stored value.
 inline bool operator==(const nxEnum& left, unsigned right) { return left.GetValue() == right; }
-/// Compares the stored value with a number of another integer type: one that 32 bits cannot hold equals none.
+/// Compares the stored value with a number of another integer type. A number that 32 bits cannot hold equals no value.
 template <std::derived_from<nxEnum> Enum, nxPlainInteger Number>
 bool operator==(const Enum& left, Number right)
 {
     return nxFitsUnsigned(right) && left.GetValue() == static_cast<unsigned>(right);
 }
-/// An enumeration is no truth value: `error == false` would be true of a success. Ask nxErrorEnum::IsOK().
+/// Deleted, because an enumeration is not a truth value: `error == false` would be true for a success. Use
+/// nxErrorEnum::IsOK().
 template <std::derived_from<nxEnum> Enum, nxUnfitForUnsigned Unfit>
 bool operator==(const Enum&, Unfit) = delete;
 /// Compares the stored values, whatever the classes.

@@ -8,28 +8,28 @@
 #include "core/enum/inline/nxEnumTable.h"
 #include "core/enum/nxEnumValue.h"
 
-/// The registered values of an interval, ascending, to loop over without a container; what
-/// nxTypedEnum::GetRegisteredValues() returns.
+/// The registered values of an interval, ascending, to loop over without a container. nxTypedEnum::GetRegisteredValues()
+/// returns one.
 ///
-/// Values that a plug-in registers during the loop may or may not turn up in it.
-/// @tparam Element what the loop sees: an enumeration class, or unsigned.
+/// Values that a plug-in registers during the loop may or may not appear in it.
+/// @tparam Element the type of the loop's variable: an enumeration class, or unsigned.
 template <class Element>
 class nxEnumRange
 {
 public:
-    /// Walks over the registered values; an input iterator whose elements are made on demand.
+    /// Visits the registered values: an input iterator that creates its elements on demand.
     class Iterator
     {
     public:
         using iterator_category = std::input_iterator_tag;  ///< Elements are values, not references.
-        using value_type = Element;                         ///< What the loop sees.
+        using value_type = Element;                         ///< The loop's variable.
         using difference_type = std::ptrdiff_t;             ///< Not used.
         using pointer = void;                               ///< Elements have no address.
         using reference = Element;                          ///< Elements are returned by value.
 
         Iterator() = default;  ///< The end of every range.
 
-        /// @return the value here.
+        /// @return the current value.
         Element operator*() const { return Element(static_cast<nxEnumValue>(_value)); }
         /// Goes to the next registered value.
         Iterator& operator++()
@@ -44,7 +44,7 @@ public:
             ++*this;
             return before;
         }
-        /// Iterators of one range are equal when they stand on the same value.
+        /// Iterators of one range are equal when they point to the same value.
         friend bool operator==(const Iterator& left, const Iterator& right) { return left._value == right._value; }
 
     private:

@@ -6,7 +6,7 @@
 /// The result of nearly every operation that can fail. Success is the default value, tested with IsOK().
 ///
 /// Codes run from 1000001 to 1999998 and are named NX_ERR_...; the short description of a code is that name, the long
-/// description what a person reads. Values of other enumerations cannot be stored: they become 0, which reads as
+/// description is for people. Values of other enumerations cannot be stored: they become 0, which reads as
 /// success, so construct an error only from a real code.
 /// @code
 /// if (const nxErrorEnum error = price.SetFromString(text, '.'); !error.IsOK())

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which of an exchange's price messages are passed on.
+/// The price messages of an exchange that are passed on.
 class NX_CORE_API nxExchangePriceFilterBitMask final : public nxTypedBitMask<nxExchangePriceFilterBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxExchangePriceFilterBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// The conditions of a quote in market data; the code that stands for each in messages is part of its text.
+/// The conditions of a quote in market data; the text of each includes its code in messages.
 class NX_CORE_API nxFixMDQuoteConditionBitMask final : public nxTypedBitMask<nxFixMDQuoteConditionBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxFixMDQuoteConditionBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// The conditions of a trade in market data; the code that stands for each in messages is part of its text.
+/// The conditions of a trade in market data; the text of each includes its code in messages.
 class NX_CORE_API nxFixMDTradeConditionBitMask final : public nxTypedBitMask<nxFixMDTradeConditionBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxFixMDTradeConditionBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// How far somebody may reach a data object.
+/// The rights of a user to a data object.
 ///
 /// These are levels, not single bits: compare the value (`mask == READ_WRITE_ACCESS`) rather than test bits. Printing
 /// goes by bits, as for every mask.

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which window receives the events of an input device such as a trader's keypad.
+/// The window that receives the events of an input device such as a trader's keypad.
 class NX_CORE_API nxHIDEventTargetFilterBitMask final : public nxTypedBitMask<nxHIDEventTargetFilterBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxHIDEventTargetFilterBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// What has changed in a product's definition during the day.
+/// The changes of a product's definition during the day.
 class NX_CORE_API nxIntraDayProductDefinitionUpdateBitMask final
     : public nxTypedBitMask<nxIntraDayProductDefinitionUpdateBitMask, nxBitMask>
 {

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// The keys held down while another key or a mouse button is pressed.
+/// The modifier keys that are held down while another key or a mouse button is pressed.
 class NX_CORE_API nxKeyboardModifierBitMask final : public nxTypedBitMask<nxKeyboardModifierBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxKeyboardModifierBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/nxTypedEnum.h"
 
-/// The enumeration of how grave a log record is, from NX_LOG_LEVEL_DEBUG (31) to NX_LOG_LEVEL_FATAL (38).
+/// The enumeration of the severities of a log record, from NX_LOG_LEVEL_DEBUG (31) to NX_LOG_LEVEL_FATAL (38).
 class NX_CORE_API nxLogLevelEnum final : public nxTypedEnum<nxLogLevelEnum, 30, 39>
 {
 public:

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which events of an order book somebody subscribes to. "Early" events come before the exchange confirms them.
+/// The events of an order book in a subscription. "Early" events come before the exchange confirms them.
 class NX_CORE_API nxOrderBookInterestBitMask final : public nxTypedBitMask<nxOrderBookInterestBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxOrderBookInterestBitMask);

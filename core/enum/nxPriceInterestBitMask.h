@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Which prices of a product somebody subscribes to.
+/// The prices of a product in a subscription.
 class NX_CORE_API nxPriceInterestBitMask final : public nxTypedBitMask<nxPriceInterestBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxPriceInterestBitMask);

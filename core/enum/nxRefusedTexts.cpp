@@ -13,7 +13,7 @@ struct Refusal
     Refusal* previous;
 };
 
-// Constant-initialised and never released: rows are refused before and after any initialiser of the library.
+// Constant-initialised and never released, because rows may be refused before and after any initialiser of the library.
 constinit std::atomic<Refusal*> latest = nullptr;
 
 std::string InQuotes(std::string_view text) { return std::string(1, '\'').append(text).append(1, '\''); }
@@ -30,7 +30,7 @@ void Tell(const std::string& subject, std::string_view shortDescription, const s
         continue;
 }
 
-// Without memory for a sentence, registration goes on without it.
+// When there is no memory for a sentence, registration continues without it.
 template <class Action>
 void IfThereIsMemory(Action action) noexcept
 {

@@ -7,12 +7,12 @@
 
 #include "core/nxExport.h"
 
-/// The rows that enumerations and masks could not register, for the program to look at.
+/// The rows that enumerations and masks could not register.
 ///
-/// Registration is silent: it happens while the library or a plug-in is loaded, where nobody listens. Two plug-ins that
-/// chose the same identifier, or the same value, are told apart here. nxLogSetUp() reports at the error level what was
-/// refused until then; a program that loads plug-ins later asks again. A row that is registered a second time with the
-/// same identifier is no refusal.
+/// Registration is silent, because it happens while the library or a plug-in is loaded, when errors cannot be reported.
+/// Two plug-ins that chose the same identifier or the same value are found here. nxLogSetUp() logs the refused rows at
+/// the error level; a program that loads plug-ins afterwards calls Get() again. A row that is registered a second time
+/// with the same identifier does not count as refused.
 ///
 /// - Threads: Get() may be called by any thread at any time; rows are added by the one that registers.
 /// @code
@@ -25,11 +25,12 @@ public:
     /// @return a sentence for each row, in the order in which they were refused.
     static std::vector<std::string> Get();
 
-    /// Adds a row of an enumeration that was refused; nothing where the value has that identifier already.
+    /// Adds a row of an enumeration that was refused, but not when the value already has that identifier.
     static void AddValue(unsigned value, std::string_view shortDescription) noexcept;
     /// Adds a row of an enumeration whose value lies outside its class's interval.
     static void AddOutside(unsigned value, std::string_view shortDescription) noexcept;
-    /// Adds a flag of the mask @p className that was refused because it has the text @p kept; nothing where they agree.
+    /// Adds a flag of the mask @p className that was refused because it has the text @p kept, but not when
+    /// the two texts are equal.
     static void AddFlag(std::string_view className, unsigned long long word, std::string_view shortDescription,
                         std::string_view kept) noexcept;
 };

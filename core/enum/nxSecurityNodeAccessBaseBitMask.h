@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// How far somebody may reach a node of the tree of users and accounts.
+/// The rights of a user to a node of the tree of users and accounts.
 class NX_CORE_API nxSecurityNodeAccessBaseBitMask final
     : public nxTypedBitMask<nxSecurityNodeAccessBaseBitMask, nxBitMask>
 {

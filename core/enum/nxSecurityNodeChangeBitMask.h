@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// What has changed in a node of the tree of users and accounts.
+/// The changes of a node of the tree of users and accounts.
 class NX_CORE_API nxSecurityNodeChangeBitMask final : public nxTypedBitMask<nxSecurityNodeChangeBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxSecurityNodeChangeBitMask);

@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// What a server can do for its clients.
+/// The services that a server offers its clients.
 class NX_CORE_API nxServerCapabilityBitMask final : public nxTypedBitMask<nxServerCapabilityBitMask, nxBitMask64>
 {
     NX_BIT_MASK(nxServerCapabilityBitMask);

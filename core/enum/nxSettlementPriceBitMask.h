@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// What kind of settlement price is published.
+/// The kind of a published settlement price.
 class NX_CORE_API nxSettlementPriceBitMask final : public nxTypedBitMask<nxSettlementPriceBitMask, nxBitMask>
 {
     NX_BIT_MASK(nxSettlementPriceBitMask);

@@ -10,7 +10,7 @@
 #include "core/enum/nxBitMask64.h"
 #include "core/enum/nxRefusedTexts.h"
 
-/// What every concrete bit mask shares: public construction from a word, copying and assignment, and the registration
+/// The part that every concrete bit mask shares: public construction from a word, copying and assignment, and the registration
 /// of its flags' texts.
 ///
 /// @tparam Derived the concrete class, which adds GetClassName() and its flags.
@@ -35,7 +35,7 @@
 ///     static const bool _registered;
 /// };
 /// @endcode
-/// and in the source file, so that the texts are there as soon as the program or plug-in is loaded:
+/// and in the source file, so that the texts are registered as soon as the program or plug-in is loaded:
 /// @code
 /// const bool myQuoteFlagsBitMask::_registered = _RegisterValues();
 /// bool myQuoteFlagsBitMask::_RegisterValues()
@@ -48,12 +48,12 @@ template <class Derived, class Base>
 class nxTypedBitMask : public Base
 {
 public:
-    using Word = typename Base::Word;  ///< What holds the flags: 32 or 64 bits.
+    using Word = typename Base::Word;  ///< The integer that holds the flags: 32 or 64 bits.
 
     nxTypedBitMask() = default;  ///< The empty set.
     /// Holds @p word as it is, top bits included.
     nxTypedBitMask(Word word) : Base(word) {}
-    /// A word wider than the mask's would be cut.
+    /// Deleted, because a word wider than the mask's would be truncated.
     template <nxWiderThan<Word> Wide>
     nxTypedBitMask(Wide) = delete;
 
@@ -63,7 +63,7 @@ public:
         this->SetValue(word);
         return static_cast<Derived&>(*this);
     }
-    /// A word wider than the mask's would be cut.
+    /// Deleted, because a word wider than the mask's would be truncated.
     template <nxWiderThan<Word> Wide>
     Derived& operator=(Wide) = delete;
 
@@ -76,8 +76,8 @@ protected:
         const char* longDescription;   ///< The wording.
     };
 
-    /// Registers @p flags as those of the class @p className. A flag that has another text keeps it, and
-    /// nxRefusedTexts tells of it.
+    /// Registers @p flags for the class @p className. A flag that already has another text keeps it; nxRefusedTexts
+    /// reports the refused one.
     /// @return true.
     template <std::size_t Count>
     static bool _RegisterFlags(const std::string& className, const FlagTexts (&flags)[Count])

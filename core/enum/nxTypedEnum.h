@@ -7,7 +7,7 @@
 #include "core/enum/nxEnumRange.h"
 #include "core/enum/nxRefusedTexts.h"
 
-/// What every concrete enumeration class shares: construction, assignment, comparison with its own class, and bounds.
+/// The part that every concrete enumeration class shares: construction, assignment, comparison with its own class, and bounds.
 ///
 /// @tparam Derived the concrete class, which adds GetClassName() and registers its values.
 /// @tparam Minimum, Maximum the bounds of its values, neither of them a value itself; intervals of different classes
@@ -30,7 +30,7 @@
 ///     static const bool _registered;
 /// };
 /// @endcode
-/// and in the source file, so that the texts are there as soon as the program or plug-in is loaded:
+/// and in the source file, so that the texts are registered as soon as the program or plug-in is loaded:
 /// @code
 /// const bool mySessionEnum::_registered = _RegisterValues();
 /// bool mySessionEnum::_RegisterValues()
@@ -52,7 +52,7 @@ public:
     nxTypedEnum() = default;  ///< Undefined.
     /// Holds @p value, or 0 when the class does not accept it.
     nxTypedEnum(nxEnumValue value) noexcept { _SetAccepted(_Accepted(value)); }
-    /// The same for a plain number of any integer type but bool; explicit, so that no number becomes an enumeration by
+    /// The same for a number of any integer type except bool; explicit, so that no number becomes an enumeration by
     /// accident.
     template <nxPlainInteger Number>
     explicit nxTypedEnum(Number value) noexcept
@@ -106,7 +106,7 @@ public:
     std::strong_ordering operator<=>(nxEnumValue value) const { return GetValue() <=> static_cast<unsigned>(value); }
 
 protected:
-    /// A row to register. Where rows are constants, as above, one outside the class's interval does not compile.
+    /// A row to register. A constant row, as above, does not compile when it is outside the class's interval.
     struct ValueTexts : nxEnum::ValueTexts
     {
         /// One value with its identifier and its wording.
@@ -118,18 +118,18 @@ protected:
         }
     };
 
-    /// nxEnum::_Register() for values of this class, the two bounds included.
+    /// As nxEnum::_Register(), for values of this class, the two bounds included.
     /// @return false, with nothing changed, also for a value of another class.
     static bool _Register(unsigned value, const std::string& shortDescription, const std::string& longDescription)
     {
         return _IsInside(value) && nxEnum::_Register(value, shortDescription, longDescription);
     }
-    /// A value wider than 32 bits would be cut.
+    /// Deleted, because a value wider than 32 bits would be truncated.
     template <nxWiderThan<unsigned> Wide>
     static bool _Register(Wide, const std::string&, const std::string&) = delete;
 
-    /// Registers @p rows. Those that are outside the class's interval, and those that _Register() refuses, are left
-    /// out, and nxRefusedTexts tells of them.
+    /// Registers @p rows. Rows outside the class's interval and rows that _Register() refuses are left out and reported
+    /// by nxRefusedTexts.
     /// @return true, for the class's _registered to hold.
     template <std::size_t Count>
     static bool _RegisterAll(const ValueTexts (&rows)[Count])

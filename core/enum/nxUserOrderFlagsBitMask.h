@@ -3,7 +3,7 @@
 
 #include "core/enum/inline/nxListedBitMask.h"
 
-/// Thirty flags on an order whose meaning its users decide.
+/// Thirty flags on an order, whose meaning users define.
 ///
 /// The two top bits are registered as well; the null bit carries the identifier of flag 29 once more, which is kept
 /// because stored settings know it and which is never printed.

@@ -3,8 +3,8 @@
 
 #include "core/enum/nxTypedEnum.h"
 
-/// The enumeration of whether a nullable value holds a number, nothing, or the order to leave the receiver's value as
-/// it is.
+/// The enumeration of whether a nullable value holds a number, nothing, or the instruction to keep the receiver's
+/// value.
 class NX_CORE_API nxValueStatusEnum final : public nxTypedEnum<nxValueStatusEnum, 240, 244>
 {
 public:

@@ -3,7 +3,7 @@
 
 #include "core/enum/nxTypedEnum.h"
 
-/// The enumeration of who sees a group of work spaces (the spelling of the name is kept).
+/// The enumeration of the users that see a group of work spaces (the spelling of the name is kept).
 class NX_CORE_API nxWorkpaceGroupTypeEnum final : public nxTypedEnum<nxWorkpaceGroupTypeEnum, 18000, 18004>
 {
 public:

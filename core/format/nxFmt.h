@@ -10,13 +10,13 @@
 /// @file
 /// Opt-in: the library's values in {fmt}. Needs {fmt} in the including program only; the library does not use it. A
 /// value is formatted as a log record prints it and takes fill, width and alignment as a text does. Names, flags and
-/// texts take a precision too. A number, a date or a time that was cut would be another one: there a precision does not
+/// texts take a precision too. A truncated number, date or time would be a different one, so for these a precision does not
 /// compile, or throws fmt::format_error when the format is known only at run time.
 /// @code
 /// fmt::print("{:>10} {}\n", price, error);
 /// @endcode
 
-// The reference generator cannot tell whose specialization this is.
+// The reference generator cannot attribute this specialization to its template.
 /// @cond
 /// Formats a value as a log record prints it; takes fill, width and alignment as a text does.
 /// Names, flags and texts take a precision too; for a number, a date or a time it is an error.

@@ -4,8 +4,8 @@
 #include <version>
 
 /// @file
-/// Opt-in: the library's values in std::format, where the standard library has it; elsewhere the header is empty. As in
-/// nxFmt.h: fill, width and alignment for all, a precision for names, flags and texts only.
+/// Opt-in: the library's values in std::format. The header is empty if the standard library does not have it. As in
+/// nxFmt.h, all values take fill, width and alignment; only names, flags and texts take a precision.
 /// @code
 /// std::format("{:>10} {}", price, error);
 /// @endcode

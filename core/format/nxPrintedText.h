@@ -21,7 +21,7 @@ template <std::integral T, T NullMark, T NoChangeMark>
 class nxValueWrapper;
 
 /// @file
-/// The text as which a value prints itself in a log record, for the formatters of nxFmt.h and nxFormat.h.
+/// The text that a value has in a log record, for the formatters of nxFmt.h and nxFormat.h.
 
 /// An enumeration's identifier.
 template <std::derived_from<nxEnum> Enum>
@@ -52,7 +52,7 @@ std::string nxPrintedText(const Money& value)
     return value.GetAsLogString('.');
 }
 
-/// A time stamp's 24 characters, or nothing for a moment whose year fits no calendar.
+/// A time stamp's 24 characters, or an empty text for a moment whose year fits no calendar.
 template <std::derived_from<nxTimeStamp> Stamp>
 std::string nxPrintedText(const Stamp& value)
 {
@@ -61,8 +61,8 @@ std::string nxPrintedText(const Stamp& value)
     return written == 0 ? std::string() : std::string(text, written - 1);
 }
 
-/// The types of the library whose text is their GetAsLogString(): named one by one, so that no class of an application
-/// is taken for one of them.
+/// The types of the library whose text is their GetAsLogString(). They are listed by name, so that no class of an
+/// application is mistaken for one of them.
 template <class Value>
 concept nxPrintsLogForm = std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> ||
     std::same_as<Value, nxTime> || std::same_as<Value, nxDoubleValueWrapper> || std::same_as<Value, nxStringValue>;
@@ -88,14 +88,14 @@ concept nxPrintable = requires(const Value& value)
     nxPrintedText(value);
 };
 
-/// Values whose text may be cut to a precision: names, flags and texts. A number, a date or a time that was cut would be
-/// another one.
+/// Values whose text may be truncated to a precision: names, flags and texts. A truncated number, date or time would be a
+/// different one.
 template <class Value>
 concept nxCuttable = std::derived_from<Value, nxEnum> || std::derived_from<Value, nxBitMask> ||
     std::derived_from<Value, nxBitMask64> || std::same_as<Value, nxStringValue>;
 
-/// @return whether a format for texts asks for a precision: a point that is no fill character, which an
-///         alignment would follow.
+/// @return whether a format for texts has a precision: a point that is not a fill character, which would be followed by
+///         an alignment.
 constexpr bool nxHasPrecision(std::string_view format)
 {
     for (std::size_t at = 0; at < format.size(); ++at)
@@ -104,7 +104,7 @@ constexpr bool nxHasPrecision(std::string_view format)
     return false;
 }
 
-/// The text of the error when it does.
+/// The text of the error for such a format.
 inline constexpr const char* nxPrecisionRefused = "a number, a date or a time is not cut to a precision";
 
 #endif

@@ -10,7 +10,7 @@
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogManager.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxOneInstance.h"
 #include "core/thread/nxMutexGuard.h"
 

@@ -9,7 +9,7 @@
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogValueReader.h"
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/nxThreadIndex.h"
 
 nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp) noexcept
@@ -18,7 +18,7 @@ nxLog::nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line,
       _line(line),
       _timeStamp(timeStamp),
       _threadIndex(nxThreadIndex::GetIndexOfCurrentThread()),
-      _threadCPU(*nxThreadHooks::GetProcessorWord())
+      _threadCPU(*nxThisThread::GetProcessorWord())
 {
 }
 

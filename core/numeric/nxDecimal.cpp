@@ -8,9 +8,9 @@
 #include <type_traits>
 
 #include "core/enum/nxValueStatusEnum.h"
-#include "core/numeric/nxDoubleHelper.h"
+#include "core/numeric/internal/nxPriceText.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
-#include "core/text/internal/nxPriceText.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-/// Reads what a user names as a file: a file, standard input, a pipe of the shell. Never waits for ever.
+/// Reads the input that a user names: a file, standard input or a pipe of the shell. It never waits without a limit.
 class nxByteSource
 {
 public:
@@ -12,17 +12,17 @@ public:
     enum class Outcome
     {
         Complete,
-        NotOpened,  ///< There is none, or it must not be read.
+        NotOpened,  ///< It does not exist, or may not be read.
         NotRead,
         TooLarge,
-        Silent,  ///< A pipe to which nobody writes, or that brought nothing for so long that nothing is to be expected.
+        Silent,  ///< A pipe without a writer, or an input that brought nothing for LongestSilence seconds.
     };
 
-    /// A pipe or terminal that brings nothing for so many seconds has ended.
-    static constexpr int Patience = 60;
+    /// Seconds after which a pipe or terminal that brings nothing counts as ended.
+    static constexpr int LongestSilence = 60;
 
-    /// Reads all there is, at most @p limit bytes. @p content is changed in any case.
-    /// @param name one that holds a NUL cannot be opened: the system would open another file.
+    /// Reads everything, at most @p limit bytes. Changes @p content also when it fails.
+    /// @param name must not hold a NUL: the system would open another file, so such a name is not opened.
     [[nodiscard]] static Outcome ReadAll(const std::string& name, std::size_t limit, std::string& content);
 };
 

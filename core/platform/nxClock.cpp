@@ -1,84 +1,17 @@
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <sched.h>
-#include <sys/prctl.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <ctime>
 #include <limits>
-#include <optional>
-#include <string_view>
-
-#if defined(__x86_64__)
-    #include <cpuid.h>
-#endif
 
 #include "core/platform/nxClockDiscipline.h"
+#include "core/platform/nxForkHandlers.h"
+#include "core/platform/nxNanoseconds.h"
+#include "core/platform/nxSystemClock.h"
 
 namespace
 {
-// Set when the source is decided, before any record: a sandbox has made reading the processor's counter a fault.
-constinit std::atomic<bool> isForbidden{false};
-
-bool IsForbidden()
-{
-    int mode = PR_TSC_ENABLE;
-    return prctl(PR_GET_TSC, &mode, 0, 0, 0) == 0 && mode != PR_TSC_ENABLE;
-}
-
-std::int64_t Read(clockid_t clock)
-{
-    timespec now{};
-    // The C library reads the counter too, where the system need not be asked.
-    if (isForbidden.load(std::memory_order_relaxed)) [[unlikely]]
-        syscall(SYS_clock_gettime, clock, &now);
-    else
-        clock_gettime(clock, &now);
-    // Unsigned, because a machine's clock may be set to a year that 64 bits of nanoseconds do not reach.
-    return static_cast<std::int64_t>(static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
-                                     static_cast<std::uint64_t>(now.tv_nsec));
-}
-
-// The processor's word that its counter runs at one speed, whatever its clock frequency and however deep it sleeps.
-bool CounterIsConstant()
-{
-#if defined(__x86_64__)
-    unsigned a = 0, b = 0, c = 0, d = 0;
-    constexpr unsigned powerManagement = 0x80000007U, invariantCounter = 1U << 8;
-    return __get_cpuid(powerManagement, &a, &b, &c, &d) != 0 && (d & invariantCounter) != 0;
-#elif defined(__aarch64__)
-    return true;
-#else
-    return false;
-#endif
-}
-
-// The kernel's word that all processors' counters agree: it keeps time by them itself. Nothing where it does not say.
-std::optional<bool> KernelTrustsCounter()
-{
-#if defined(__x86_64__)
-    constexpr std::string_view trusted = "tsc\n";
-#else
-    constexpr std::string_view trusted = "arch_sys_counter\n";
-#endif
-    const int file = open("/sys/devices/system/clocksource/clocksource0/current_clocksource", O_RDONLY | O_CLOEXEC);
-    if (file < 0)
-        return std::nullopt;
-    char text[32];
-    const ssize_t size = read(file, text, sizeof text);
-    close(file);
-    if (size <= 0)
-        return std::nullopt;
-    return std::string_view(text, static_cast<std::size_t>(size)) == trusted;
-}
-
 constexpr int readingAttempts = 4;
-constexpr std::int64_t longestReading = 5'000;  // nanoseconds; more means that the thread was interrupted in between
-constexpr int longestUnrest = 16;               // or that reading takes so long, when that happens so often in a row
+constexpr std::int64_t longestReading = 5'000;  // nanoseconds; more means that the thread was interrupted in between,
+constexpr int longestUnrest = 16;               // or, when it happens this often in a row, that readings take that long
 
 constinit std::atomic<int> unrest{0};
 
@@ -89,11 +22,11 @@ bool TakeReading(ReadCounter readCounter, nxClockReading& reading)
     std::int64_t shortest = std::numeric_limits<std::int64_t>::max();
     for (int attempt = 0; attempt < readingAttempts && shortest > longestReading; ++attempt)
     {
-        const std::int64_t before = Read(CLOCK_MONOTONIC);
+        const std::int64_t before = nxSystemClock::MonotonicNanoseconds();
         const std::uint64_t first = readCounter();
-        const std::int64_t wall = Read(CLOCK_REALTIME);
+        const std::int64_t wall = nxSystemClock::WallNanoseconds();
         const std::uint64_t second = readCounter();
-        const std::int64_t after = Read(CLOCK_MONOTONIC);
+        const std::int64_t after = nxSystemClock::MonotonicNanoseconds();
         if (after - before >= shortest)
             continue;
         shortest = after - before;
@@ -112,14 +45,14 @@ bool TakeReading(ReadCounter readCounter, nxClockReading& reading)
 // Only the thread that made the sequence number odd touches it.
 constinit nxClockDiscipline discipline;
 
-// What a test shows instead of the time. While the clock is stopped no line is valid, so that everybody comes to ask;
-// a clock that runs pays nothing for it.
+// What a test shows instead of the time. While the clock is stopped no line is valid, so every reader comes to ask here;
+// a running clock pays nothing for this.
 constinit std::atomic<bool> isStopped{false};
 constinit std::atomic<std::int64_t> stoppedWall{0};
 constinit std::atomic<std::int64_t> stoppedMeasured{0};
 
-// When to look again whether the kernel still trusts the counter, and the scale of the ticks once it does not.
-constexpr std::int64_t lookInterval = 60'000'000'000;
+// When to ask again whether the system still keeps time by the counter, and the scale of the ticks once it does not.
+constexpr std::int64_t lookInterval = 60 * nxNanoseconds::PerSecond;
 constinit std::atomic<std::int64_t> nextLook{0};
 constinit std::atomic<std::uint64_t> lastTicks{0};
 constinit std::atomic<std::int64_t> lastNanoseconds{0};
@@ -142,41 +75,38 @@ nxClock::Source nxClock::_Decide()
     const Source known = _source.load(std::memory_order_acquire);
     if (known != Source::Undecided)
         return known;
-    // The first reading may be taken for a record that quotes errno.
-    const int error = errno;
-    isForbidden.store(IsForbidden(), std::memory_order_relaxed);
-    const bool isTrusted = CounterIsConstant() && !isForbidden && KernelTrustsCounter() == true;
-    const Source found = isTrusted ? Source::Counter : Source::System;
-    errno = error;
-    nextLook.store(Read(CLOCK_MONOTONIC) + lookInterval, std::memory_order_relaxed);
+    const Source found = nxSystemClock::CanUseCounter() ? Source::Counter : Source::System;
+    nextLook.store(nxSystemClock::MonotonicNanoseconds() + lookInterval, std::memory_order_relaxed);
     Source expected = Source::Undecided;
-    // Whoever comes first decides, so that no two readings ever have different units.
+    // The first thread decides, so no two readings ever have different units.
     if (!_source.compare_exchange_strong(expected, found, std::memory_order_relaxed))
         return expected;
-    // A child forked in the middle of an update would find the lines closed for ever.
+    // Otherwise a child forked in the middle of an update would find the lines closed for ever.
     if (found == Source::Counter)
-        pthread_atfork(nullptr, nullptr,
-                       []
-                       {
-                           discipline = nxClockDiscipline();
-                           _lines.validity.store(0, std::memory_order_relaxed);
-                           _lines.exactRate.store(0, std::memory_order_relaxed);
-                           _lines.sequence.store(0, std::memory_order_release);
-                       });
+    {
+        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
+                                                             []
+                                                             {
+                                                                 discipline = nxClockDiscipline();
+                                                                 _lines.validity.store(0, std::memory_order_relaxed);
+                                                                 _lines.exactRate.store(0, std::memory_order_relaxed);
+                                                                 _lines.sequence.store(0, std::memory_order_release);
+                                                             }};
+        nxForkHandlers::Register(nxForkHandlers::Rank::Clock, functions);
+    }
     return found;
 }
 
 nxClockTime nxClock::_Update(const nxClockReading& reading)
 {
     std::uint32_t sequence = _lines.sequence.load(std::memory_order_relaxed);
-    // Somebody else's update is as good as ours.
+    // Another thread is updating the lines; its update is as good as this one.
     if (sequence % 2 != 0 ||
         !_lines.sequence.compare_exchange_strong(sequence, sequence + 1, std::memory_order_acquire))
         return ToTime(reading.wall);
     const bool known = discipline.Update(reading);
     const nxClockScale steady = discipline.GetSteady();
     const nxClockScale exact = discipline.GetExact();
-    // Each store releases the odd number, so that whoever sees a new value sees that too.
     const bool isShown = known && !isStopped.load(std::memory_order_acquire);
     _lines.validity.store(isShown ? discipline.GetValidity() : 0, std::memory_order_release);
     _lines.ticks.store(exact.GetTicks(), std::memory_order_release);
@@ -195,7 +125,7 @@ nxClockTime nxClock::_NowFromSystem()
     nxClockReading reading{};
     if (UsesCounter() && TakeReading(_ReadCounter, reading))
         return _Update(reading);
-    return ToTime(Read(CLOCK_REALTIME));
+    return ToTime(nxSystemClock::WallNanoseconds());
 }
 
 std::uint64_t nxClock::_TicksFromSystem()
@@ -203,7 +133,7 @@ std::uint64_t nxClock::_TicksFromSystem()
     const Source source = _Decide();
     if (source == Source::Counter)
         return _ReadCounter();
-    const std::int64_t now = Read(CLOCK_REALTIME);
+    const std::int64_t now = nxSystemClock::WallNanoseconds();
     if (source == Source::System)
         return static_cast<std::uint64_t>(now);
     __extension__ using Wide = __int128;
@@ -214,7 +144,7 @@ std::uint64_t nxClock::_TicksFromSystem()
 
 nxClockScale nxClock::GetScale()
 {
-    constexpr std::int64_t patience = 2'000'000'000;
+    constexpr std::int64_t limit = 2 * nxNanoseconds::PerSecond;
     std::int64_t deadline = 0;
     for (;;)
     {
@@ -229,38 +159,36 @@ nxClockScale nxClock::GetScale()
         const bool settled = sequence % 2 == 0 && sequence == _lines.sequence.load(std::memory_order_relaxed);
         if (settled && scale.GetRate() != 0)
             return scale;
-        // A counter that stands still, or a thread that is stopped in the middle of an update, holds up nobody: whoever
-        // asks gets about the present.
-        const std::int64_t now = Read(CLOCK_MONOTONIC);
-        deadline = deadline == 0 ? now + patience : deadline;
+        // A counter that stands still, or a thread stopped in the middle of an update, must not hold up the caller: it
+        // gets a scale that shows the present.
+        const std::int64_t now = nxSystemClock::MonotonicNanoseconds();
+        deadline = deadline == 0 ? now + limit : deadline;
         if (now > deadline)
-            return nxClockScale(_ReadCounter(), Read(CLOCK_REALTIME), 1);
-        // Within a tenth of a millisecond of the very first reading the length of a tick is not known yet.
+            return nxClockScale(_ReadCounter(), nxSystemClock::WallNanoseconds(), 1);
+        // The length of a tick becomes known a tenth of a millisecond after the very first reading.
         if (settled)
             Recalibrate();
         else
-            sched_yield();
+            nxSystemClock::Yield();
     }
 }
 
 void nxClock::Recalibrate()
 {
-    if (Read(CLOCK_MONOTONIC) >= nextLook.load(std::memory_order_relaxed)) [[unlikely]]
+    if (nxSystemClock::MonotonicNanoseconds() >= nextLook.load(std::memory_order_relaxed)) [[unlikely]]
         _LookAtSource();
     nxClockReading reading{};
     if (UsesCounter() && TakeReading(_ReadCounter, reading))
         _Update(reading);
 }
 
-// Leaves the counter when the kernel has: processors' counters may differ by then, or run at another speed. Ticks keep
-// their unit and go on where they are, so that those taken before are still converted.
+// Leaves the counter when the system has, because the processors' counters may differ by then or run at another speed.
+// Ticks keep their unit and continue from the last value, so those taken before are still converted.
 void nxClock::_LookAtSource()
 {
-    // Whoever looks puts off the others; before the first reading there is nothing to leave.
-    nextLook.store(Read(CLOCK_MONOTONIC) + lookInterval, std::memory_order_relaxed);
-    const int error = errno;
-    const bool isLost = UsesCounter() && KernelTrustsCounter() == false;
-    errno = error;
+    // This look counts for the other threads too. Before the first reading there is nothing to leave.
+    nextLook.store(nxSystemClock::MonotonicNanoseconds() + lookInterval, std::memory_order_relaxed);
+    const bool isLost = UsesCounter() && nxSystemClock::HasLeftCounter();
     const nxClockScale last = isLost ? GetScale() : nxClockScale();
     if (!isLost || last.GetRate() <= 1)
         return;
@@ -276,7 +204,7 @@ void nxClock::_LookAtSource()
 
 bool nxClock::UsesCounter() { return _Decide() == Source::Counter; }
 
-std::int64_t nxClock::MonotonicNanoseconds() { return Read(CLOCK_MONOTONIC); }
+std::int64_t nxClock::MonotonicNanoseconds() { return nxSystemClock::MonotonicNanoseconds(); }
 
 std::int64_t nxClock::MeasuredNanoseconds()
 {
@@ -291,12 +219,12 @@ void nxClock::_StopAt(std::int64_t wall, std::int64_t measured)
     stoppedMeasured.store(measured, std::memory_order_relaxed);
     if (isStopped.exchange(true, std::memory_order_acq_rel))
         return;
-    // Whoever is updating the lines may not have seen it yet: waits for that update and takes its line back.
+    // A thread that is updating the lines may not have seen the stop: wait for its update and take its line back.
     std::uint32_t sequence = _lines.sequence.load(std::memory_order_relaxed);
     while (sequence % 2 != 0 ||
            !_lines.sequence.compare_exchange_weak(sequence, sequence + 1, std::memory_order_acquire))
     {
-        sched_yield();
+        nxSystemClock::Yield();
         sequence = _lines.sequence.load(std::memory_order_relaxed);
     }
     _lines.validity.store(0, std::memory_order_release);

@@ -1,28 +1,29 @@
 #ifndef CORE_PLATFORM_NXDESCRIPTOR_H
 #define CORE_PLATFORM_NXDESCRIPTOR_H
 
-#include <sys/stat.h>
-#include <sys/types.h>
+#include <cstdint>
 
 #include "core/nxExport.h"
 
-/// Which file a descriptor or a name stands for.
+struct stat;
+
+/// The file that a descriptor or a name refers to.
 struct nxFileIdentity
 {
     nxFileIdentity() = default;  ///< Of no file.
-    explicit nxFileIdentity(const struct stat& status) : device(status.st_dev), inode(status.st_ino) {}
+    explicit nxFileIdentity(const struct stat& status);
 
     friend bool operator==(const nxFileIdentity&, const nxFileIdentity&) = default;
 
-    dev_t device = 0;
-    ino_t inode = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
 };
 
-/// A file descriptor that the library has opened, told by the file that it was opened for.
+/// A file descriptor that the library has opened, together with the identity of its file.
 ///
-/// Other code of the process may close descriptors that it did not open (daemons do so when they start) and open files
-/// of its own, which then get the same numbers. So a number is worth nothing without a look at what it stands for: what is
-/// no longer ours is never closed, and callers ask Check() before they write or cut.
+/// Other code of the process may close descriptors that it did not open, as daemons do when they start, and the numbers
+/// are then given to files of its own. The library therefore compares the file before it uses the number: it never closes
+/// a descriptor of another file, and callers call Check() before they write or cut.
 ///
 /// - Errors: the system's numbers. Ownership: closes on destruction. Threads: like an int.
 class NX_CORE_API nxDescriptor
@@ -30,9 +31,9 @@ class NX_CORE_API nxDescriptor
 public:
     nxDescriptor() = default;
 
-    /// Takes over what open() has returned. It is never one of the three standard numbers afterwards: where these were
-    /// closed, a new file would take their place and receive what other code prints.
-    /// Not open, with errno set, when there was nothing to take over or it cannot be told.
+    /// Takes over what open() has returned. If that is one of the three standard numbers it is moved to another: where a
+    /// standard stream was closed, the file would take its place and receive what other code prints.
+    /// Not open, with errno set, when @p opened is negative or the system cannot tell the file's identity.
     explicit nxDescriptor(int opened);
 
     nxDescriptor(nxDescriptor&& other) noexcept;
@@ -43,13 +44,13 @@ public:
     int Get() const { return _number; }
     const nxFileIdentity& GetIdentity() const { return _identity; }
 
-    /// @return 0 with the file's @p status; EBADF when somebody has closed the number, be it that it stands for another
-    ///         file now or for none; else why the system cannot tell.
+    /// @return 0 with the file's @p status; EBADF when other code has closed the descriptor, whether or not its number
+    ///         refers to another file now; else the reason why the system cannot tell.
     int Check(struct stat& status) const;
 
-    /// Closes what is still ours, and forgets the number.
+    /// Closes the descriptor if it still refers to the same file, and forgets the number.
     void Close();
-    /// Leaves the number alone.
+    /// Forgets the number without closing it.
     void Forget() { _number = -1; }
 
 private:

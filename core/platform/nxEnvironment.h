@@ -6,9 +6,9 @@
 
 /// The environment of the running process.
 ///
-/// Threads: the system's environment has no lock that the C library shares with us, so a reader and a writer at the
-/// same moment would crash. nxCmdLineArgs calls Get() and Set() under its mutex, and everybody else asks nxCmdLineArgs,
-/// but for those below it, who call Copy().
+/// Threads: the C library shares no lock for the environment, so a reader crashes beside a writer. nxCmdLineArgs calls
+/// Get(), Set() and GetArray() under its mutex. All other code asks nxCmdLineArgs, except for this folder, which is below
+/// it and calls Copy().
 class nxEnvironment
 {
 public:
@@ -18,19 +18,24 @@ public:
     static std::string Get(const std::string& name);
 
     /// Copies a variable's value, NUL included, without allocating, without waiting, and safe beside Set().
-    /// @return 0; ENOENT when it is not set, EFBIG when @p value is too small, EBUSY while another thread is in here.
+    /// @return 0; ENOENT when it is not set, EFBIG when @p value is too small, EBUSY while another thread is in Copy() or
+    ///         Set().
     [[nodiscard]] static int Copy(const char* name, std::span<char> value) noexcept;
 
-    /// Called in a forked child, where a thread of the parent that was in Copy() does not exist.
+    /// Called in a forked child: a thread of the parent that was in Copy() or Set() does not exist there.
     static void AfterForkInChild() noexcept;
+
+    /// @return the system's array of the variables, each "name=value", with a null pointer at its end. Setting a variable
+    ///         may replace the array.
+    static char** GetArray();
 
     /// Sets a variable for this process and the children it starts later.
     /// @param name not empty, without '=' and NUL; @param value without NUL.
     /// @return whether the system accepted it.
     static bool Set(const std::string& name, const std::string& value);
 
-    /// Whether the program has rights that whoever started it need not have: a set-user-ID or set-group-ID program, or
-    /// one with file capabilities. The environment is then a stranger's, and what it says about files is not heeded.
+    /// Whether the program may have more rights than the user who started it: a set-user-ID or set-group-ID program, or
+    /// one with file capabilities. Its environment is then not trusted with the places of files.
     /// The same answer for the life of the process; any thread may ask.
     static bool IsSecureExecution();
 };

@@ -6,11 +6,12 @@
 #include <new>
 #include <utility>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/nxNanoseconds.h"
 
 namespace
 {
-constexpr std::int64_t nanosecondsBetweenTries = 1'000'000'000;
+constexpr std::int64_t timeBetweenTries = nxNanoseconds::PerSecond;
 
 std::uint64_t CountLines(std::string_view text)
 {
@@ -100,7 +101,7 @@ void nxLineFile::Forget()
     _file.Close();
 }
 
-// Copies the lines that find room.
+// Copies as many whole lines as find room; the others are lost.
 void nxLineFile::_Keep(std::string_view lines)
 {
     const std::size_t room = _capacity - _used;
@@ -114,17 +115,17 @@ void nxLineFile::_Lose(std::string_view lines) { _lostLines += CountLines(lines)
 
 std::uint64_t nxLineFile::GetWaitingLines() const { return CountLines({_buffer, _used}); }
 
-// Writes; returns what is left to write, from the beginning of a line on unless the file could not be cut back there.
+// Writes and returns the rest. It begins with a whole line, or in the middle of one if the file could not be cut back.
 std::string_view nxLineFile::_Hand(std::string_view lines)
 {
     std::size_t written = 0;
     _error = _file.Write(lines.data(), lines.size(), written);
     if (_error != 0)
-        _nextTry = nxClock::MonotonicNanoseconds() + nanosecondsBetweenTries;
+        _nextTry = nxClock::MonotonicNanoseconds() + timeBetweenTries;
     const std::size_t whole = _error != 0 ? SizeOfWholeLines(lines.substr(0, written)) : written;
     if (_error == EBADF)
     {
-        // It goes on in another file.
+        // The rest goes into another file, which begins with a whole line.
         _file.Forget();
         written = whole;
     }

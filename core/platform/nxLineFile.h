@@ -8,12 +8,12 @@
 
 #include "core/platform/nxFile.h"
 
-/// A file of whole lines with a buffer before it.
+/// A file of whole lines with a buffer in front of it.
 ///
-/// A line is in the file completely or not at all: when a write stops in the middle of one, the file is cut back to the
-/// line before. While the file cannot be written, or is not open, lines wait in the buffer; those that find no room are
-/// lost whole, and counted. The next attempt comes a second later. A file that other code of the process has closed is
-/// not open any more from the next write or Look() on, and what was to be written waits for another one.
+/// A line is in the file completely or not at all: when a write stops in the middle of a line, the file is cut back to the
+/// end of the line before. While the file cannot be written, or is not open, lines wait in the buffer; lines that find no
+/// room are lost whole and counted. The next attempt comes a second later. If other code of the process closes the file,
+/// the next write or Look() finds it not open, and the lines wait for another file.
 ///
 /// Threads: none. Errors: kept, see GetError().
 class nxLineFile
@@ -22,43 +22,43 @@ public:
     nxLineFile() = default;
 
     /// Gives the buffer its size; only while it is empty.
-    /// @return false when there is no memory for it: a small one then serves.
+    /// @return false when there is no memory for it: a buffer of 16 KiB then serves.
     bool SetBufferSize(std::size_t bytes);
 
-    /// Takes an empty open file in place of the one that is open, which is closed. What waits in the buffer goes into it.
+    /// Closes the file that is open and takes an empty open file in its place. The waiting lines go into the new file.
     void Take(nxFile&& file);
 
     bool IsOpen() const { return _file.IsOpen(); }
 
-    /// Adds lines, all of them ended. @param atOnce whether they must not wait in the buffer.
+    /// Adds lines, each with its line end. @param atOnce writes them now instead of leaving them in the buffer.
     void Append(std::string_view lines, bool atOnce);
 
-    /// Hands everything to the operating system. @return whether nothing is left.
-    /// @param evenNow also when the last attempt failed less than a second ago.
+    /// Hands all waiting lines to the operating system. @return whether none is left.
+    /// @param evenNow tries also when the last attempt failed less than a second ago.
     bool Flush(bool evenNow = false);
 
-    /// Hands over what can be handed over, forgets the lines that cannot, counting them, and closes the file.
+    /// Hands over the waiting lines, counts those that the system does not take as lost, and closes the file.
     void Close();
 
-    /// Closes the file and forgets what waits, without counting: it belongs to another process.
+    /// Closes the file and drops the waiting lines without counting them, because they belong to another process.
     void Forget();
 
-    /// Why the last attempt to write failed, as the system's error number; 0 after one that did not.
+    /// The system's error number of the last attempt to write; 0 after a successful one.
     int GetError() const { return _error; }
 
-    /// The bytes of all lines in the file and of those that wait to be there.
+    /// The bytes of the lines in the file and of the waiting ones.
     std::uint64_t GetSize() const { return _size + _used; }
 
-    /// Lines that were lost since the object was made.
+    /// The number of lines that were lost since the object was made.
     std::uint64_t GetLostLines() const { return _lostLines; }
 
-    /// Lines in the buffer.
+    /// The number of lines in the buffer.
     std::uint64_t GetWaitingLines() const;
 
-    /// Looks what has become of the file, which is open, and takes its size from the system: others may have cut it.
+    /// Asks for the state of the file, which is open, and takes its size from the system: others may have cut it.
     nxFile::Fate Look();
 
-    /// Closes the file, what waits in the buffer goes on waiting.
+    /// Closes the file. The lines in the buffer wait for the next one.
     void CloseFile() { _file.Close(); }
 
 private:

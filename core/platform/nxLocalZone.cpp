@@ -1,52 +1,23 @@
 #include "core/platform/nxLocalZone.h"
 
-#include <pthread.h>
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <functional>
-#include <new>
 #include <span>
 #include <string_view>
-#include <utility>
 
 #include "core/platform/nxEnvironment.h"
+#include "core/platform/nxForkHandlers.h"
+#include "core/platform/nxPages.h"
 #include "core/platform/nxTimeZone.h"
 
 namespace
 {
-// Tables and files live in memory straight from the system: printing a time stamp allocates nothing, and a table may be
-// built by the first that is printed.
-template <class Content>
-class Pages
-{
-public:
-    Pages()
-    {
-        void* const memory = mmap(nullptr, sizeof(Content), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (memory != MAP_FAILED)
-            _content = new (memory) Content;
-    }
-    Pages(const Pages&) = delete;
-    Pages& operator=(const Pages&) = delete;
-    ~Pages()
-    {
-        if (_content != nullptr)
-            munmap(_content, sizeof(Content));
-    }
-    explicit operator bool() const { return _content != nullptr; }
-    Content* operator->() const { return _content; }
-    Content& operator*() const { return *_content; }
-    Content* Release() { return std::exchange(_content, nullptr); }
-
-private:
-    Content* _content = nullptr;
-};
-
-// Every table that was ever in use: threads may still be reading it, and a process sees few zones.
+// Every table that was ever in use. They are kept because threads may still be reading them, and a process sees few
+// zones. Tables are in pages of their own, because printing a time stamp allocates nothing and the first one that is
+// printed may build a table.
 struct KeptTable
 {
     nxTimeZone zone;
@@ -54,13 +25,13 @@ struct KeptTable
 };
 
 constinit std::atomic<KeptTable*> keptTables{nullptr};
-constinit std::atomic<std::size_t> lastAttempt{0};  // what the last table was, or failed to be, built for
+constinit std::atomic<std::size_t> lastAttempt{0};  // what the last table was built for, even when that failed
 constinit std::atomic<bool> isForkedChild{false};
 
 constinit std::atomic<unsigned> asksWithoutTable{0};
 
-// Only one thread at a time looks for a table, so that the table in use, its mark and its attempt belong together: nobody
-// stores what he found out before somebody else did. The others ask the C library meanwhile.
+// Only one thread at a time looks for a table, so that the table in use, its mark and its attempt belong together. The
+// others ask the C library meanwhile.
 class Turn
 {
 public:
@@ -81,8 +52,8 @@ private:
 };
 constinit std::atomic<bool> Turn::_taken{false};
 
-// What came of the last attempts; null where there is no table. Some zones change their mark with the moments that the
-// C library is asked about, so there are several. Whose turn it is may touch it.
+// The results of the last attempts; null where there is no table. There are several, because some zones change their
+// mark with the moments that the C library is asked about. Only the thread whose turn it is touches them.
 struct Outcome
 {
     std::size_t attempt;
@@ -91,7 +62,8 @@ struct Outcome
 constinit std::array<Outcome, 4> outcomes{};
 constinit std::size_t nextOutcome = 0;
 
-// The mark of the zone that the last table was, or failed to be, built for. Two halves of two marks cost a comparison.
+// The mark of the zone that the last table was built for, even when that failed. A reader that meets halves of two marks
+// makes one comparison more.
 constinit std::atomic<long> tableTimezone{0};
 constinit std::atomic<int> tableDaylight{0};
 
@@ -114,12 +86,6 @@ nxLocalMinute FromFields(const std::tm& fields, std::int64_t second)
             static_cast<unsigned>(fields.tm_min)};
 }
 
-bool AskLibrary(std::int64_t second, std::tm& fields)
-{
-    const std::time_t moment = second;
-    return localtime_r(&moment, &fields) != nullptr;
-}
-
 bool IsSame(const nxTimeZone& left, const nxTimeZone& right)
 {
     if (left.GetSpanCount() != right.GetSpanCount())
@@ -130,7 +96,7 @@ bool IsSame(const nxTimeZone& left, const nxTimeZone& right)
     return true;
 }
 
-const nxTimeZone* Keep(Pages<KeptTable>& table)
+const nxTimeZone* Keep(nxPages<KeptTable>& table)
 {
     for (const KeptTable* kept = keptTables.load(std::memory_order_acquire); kept != nullptr; kept = kept->next)
         if (IsSame(kept->zone, table->zone))
@@ -143,13 +109,13 @@ const nxTimeZone* Keep(Pages<KeptTable>& table)
     return &added->zone;
 }
 
-// The variable TZ, copied.
+// A copy of the variable TZ.
 class Setting
 {
 public:
     Setting() : _error(nxEnvironment::Copy("TZ", _text)) {}
 
-    /// Whether it could be read; it may be that there is none.
+    // Whether it could be read. It is known, too, that there is no such variable.
     bool IsKnown() const { return _error == 0 || _error == ENOENT; }
     const char* Get() const { return _error == 0 ? _text : nullptr; }
 
@@ -182,20 +148,20 @@ bool nxLocalZone::FindAndCheck(std::int64_t second, nxLocalMinute& minute)
 
 bool nxLocalZone::_FindWithLibrary(std::int64_t second, nxLocalMinute& minute)
 {
-    // First the C library, which may set the zone only now.
+    // The C library comes first, because it may set the zone only now.
     std::tm fields{};
-    if (!AskLibrary(second, fields))
+    if (!nxSystemZone::GetLocalTime(second, fields))
         return false;
     const nxTimeZone* table = _table.load(std::memory_order_acquire);
     const bool isWrong = table != nullptr && !_AgreesAbout(*table, second);
     if (isWrong || _IsOutOfDate(table))
         table = _Replace(table, second, isWrong);
     const bool useTable = _Covers(table, second) && _Agrees(*table, second, fields);
-    minute = useTable ? _FromTable(*table, second) : FromFields(fields, second);
+    minute = useTable ? nxLocalMinute::In(*table, second) : FromFields(fields, second);
     return true;
 }
 
-// Whether the table may be another zone's, or whether it is time to look for one where there is none.
+// Whether the table may belong to another zone or, where there is none, whether it is time to look for one.
 bool nxLocalZone::_IsOutOfDate(const nxTimeZone* table)
 {
     constexpr unsigned asksBetweenLooks = 256;
@@ -209,23 +175,26 @@ bool nxLocalZone::_IsOutOfDate(const nxTimeZone* table)
     return setting.IsKnown() && lastAttempt.load(std::memory_order_relaxed) != AttemptFor(setting.Get(), mark);
 }
 
-// Finds the table of the zone that is set now, or does without one. The caller has just asked the C library about
+// Finds the table of the zone that is set now, or leaves none in use. The caller has just asked the C library about
 // @p second. @param isWrong whether @p old disagrees with it.
 const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t second, bool isWrong)
 {
-    // From here on nobody uses it, whoever finds the new one.
+    // From here on no thread uses the old table, whichever thread finds the new one.
     _table.compare_exchange_strong(old, nullptr, std::memory_order_relaxed);
     const Turn turn;
     if (!turn.IsOurs())
         return nullptr;
     if (lastAttempt.load(std::memory_order_relaxed) == 0)
-        pthread_atfork(nullptr, nullptr,
-                       []
-                       {
-                           isForkedChild.store(true, std::memory_order_relaxed);
-                           Turn::EndInChild();
-                           nxEnvironment::AfterForkInChild();
-                       });
+    {
+        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
+                                                             []
+                                                             {
+                                                                 isForkedChild.store(true, std::memory_order_relaxed);
+                                                                 Turn::EndInChild();
+                                                                 nxEnvironment::AfterForkInChild();
+                                                             }};
+        nxForkHandlers::Register(nxForkHandlers::Rank::LocalZone, functions);
+    }
     const Setting setting;
     if (!setting.IsKnown())
         return nullptr;
@@ -233,7 +202,7 @@ const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t seco
     const std::size_t attempt = AttemptFor(setting.Get(), mark);
     const auto known = std::find_if(outcomes.begin(), outcomes.end(),
                                     [&](const Outcome& outcome) { return outcome.attempt == attempt; });
-    // What was in the way of a file, such as a limit on open files, may have gone.
+    // What kept a file from being read, such as a limit on open files, may have passed.
     constexpr unsigned asksBetweenAttempts = 4'096;
     const bool tryAgain = asksWithoutTable.load(std::memory_order_relaxed) % asksBetweenAttempts == 1;
     Outcome& outcome = known != outcomes.end() ? *known : outcomes[nextOutcome++ % outcomes.size()];
@@ -246,39 +215,39 @@ const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t seco
     return outcome.table;
 }
 
-// @return null when there is no table that says the same as the C library.
+// @return null when there is no table that agrees with the C library.
 const nxTimeZone* nxLocalZone::_Build(const char* setting, std::int64_t second)
 {
-    Pages<KeptTable> built;
-    Pages<std::array<char, 16'384>> file;
+    nxPages<KeptTable> built;
+    nxPages<std::array<char, 16'384>> file;
     if (!built || !file)
         return nullptr;
-    // A setting that nobody can read, or a machine without zones, is UTC where the C library shows that it took it so.
+    // An unreadable setting, or a machine without zones, means UTC if the C library shows that it took it so.
     const bool isKnown = built->zone.Load(setting, *file) ||
                          (nxLocalZoneMark::Now() == nxLocalZoneMark() && built->zone.ReadRule("UTC0"));
-    // The last second to be compared is the caller's, which leaves the zone's mark as the caller saw it.
+    // The caller's second is compared last, which leaves the zone's mark as the caller saw it.
     return isKnown && _AgreesThroughout(built->zone) && _AgreesAbout(built->zone, second) ? Keep(built) : nullptr;
 }
 
 bool nxLocalZone::_Agrees(const nxTimeZone& zone, std::int64_t second, const std::tm& fields)
 {
-    const nxLocalMinute minute = _FromTable(zone, second);
+    const nxLocalMinute minute = nxLocalMinute::In(zone, second);
     return fields.tm_sec == static_cast<int>(minute.firstSecond + static_cast<unsigned>(second - minute.begin)) &&
            fields.tm_min == static_cast<int>(minute.minute) && fields.tm_hour == static_cast<int>(minute.hour) &&
            fields.tm_mday == static_cast<int>(minute.day);
 }
 
-// Compares the table with the C library at a second, or at one of our days in the place of a distant one.
+// Compares the table with the C library at a second, or at one of our days instead of a distant one.
 bool nxLocalZone::_AgreesAbout(const nxTimeZone& zone, std::int64_t second)
 {
     const std::int64_t ofOurDays = std::min(second & 0xFFFF'FFFF, nxTimeZone::EndSecond - 1);
     const std::int64_t compared = _Covers(&zone, second) ? second : ofOurDays;
     std::tm fields{};
-    return AskLibrary(compared, fields) && _Agrees(zone, compared, fields);
+    return nxSystemZone::GetLocalTime(compared, fields) && _Agrees(zone, compared, fields);
 }
 
-// Compares the table with the C library on both sides of every change of the offset, and in every month: a table that
-// lacks summer time has no change to look at.
+// Compares the table with the C library on both sides of every change of the offset, and also in every month, because a
+// table that lacks summer time has no changes.
 bool nxLocalZone::_AgreesThroughout(const nxTimeZone& zone)
 {
     for (std::size_t i = 0; i < zone.GetSpanCount(); ++i)

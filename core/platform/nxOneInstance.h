@@ -3,10 +3,10 @@
 
 #include <atomic>
 
-/// The one object of a class: made on first use, never destroyed. Not a function-local static, because a child that is
-/// forked while another thread makes that one waits for its guard for ever.
+/// The single object of a class, made on first use and never destroyed. A function-local static would not serve: a child
+/// that is forked while another thread makes the object waits for the guard for ever.
 ///
-/// Threads: any. Two that come first at the same time make an object each, of which one is kept.
+/// Threads: any. Two threads that ask first at the same moment each make an object, and one of the two is kept.
 template <class Object>
 class nxOneInstance
 {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// What the platform knows about the running process and its machine. Nothing here needs a network, a name server or
-/// permission; every call asks the system afresh and may come from any thread.
+/// The running process and its machine, as the system knows them. No call needs a network, a name server or permission.
+/// Every call asks the system again and may come from any thread.
 class nxProcess
 {
 public:
@@ -17,24 +17,30 @@ public:
         unsigned nanoseconds;
     };
 
-    /// The process's number; a forked child gets its own.
+    /// The process's number. A forked child has its own.
     static unsigned GetID();
 
-    /// Whether the main thread has ended and the calling thread is the only one that is left. False where the system
-    /// does not tell.
+    /// Whether the main thread has ended and the calling thread is the only one left. False when the system does not tell.
     static bool IsOnlyThreadLeft();
 
-    /// The moment at which the system started the process, to a hundredth of a second. It is worked out from the wall
-    /// clock now and the process's age, so calls on both sides of a clock step differ: ask once and keep the answer.
-    /// Where the system does not tell, the answer is now.
+    /// The moment at which the system started the process, to a hundredth of a second. It is calculated from the wall
+    /// clock and the age of the process, so that calls before and after a clock step differ: ask once and keep the answer.
+    /// When the system does not tell, the answer is the present.
     static StartTime GetStartTime();
 
-    /// The machine's own name, as configured there; "localhost" when it has none.
+    /// The configured name of the machine; "localhost" when it has none.
     static std::string GetHostName();
 
-    /// The address by which other machines are most likely to reach this one, from the interfaces that are up: an IPv4
-    /// address, else a routable IPv6 address, else a link-local one, else the loopback address "127.0.0.1".
+    /// The address at which other machines are most likely to reach this one, from the interfaces that are up: an IPv4
+    /// address, else a routable IPv6 address, else a link-local address, else the loopback address "127.0.0.1".
     static std::string GetIPAddress();
+
+    /// The name of the program's file without its folder, as it was started.
+    static std::string GetProgramName();
+
+    /// Has @p function called when the process ends by exit or by returning from main, and by quick_exit.
+    /// @return whether the system accepted.
+    static bool CallAtEnd(void (*function)()) noexcept;
 };
 
 #endif

@@ -1,8 +1,8 @@
 #ifndef CORE_PLATFORM_NXSPIN_H
 #define CORE_PLATFORM_NXSPIN_H
 
-/// Waits a moment for what another processor is about to do: much shorter than putting the thread to sleep and waking
-/// it takes, and given up soon, because whoever is waited for may not be running.
+/// Waits a moment for an action of another processor. That is much shorter than sleeping and waking, and it ends soon,
+/// because the other thread may not be running.
 ///
 /// Threads: no state.
 class nxSpin
@@ -10,7 +10,7 @@ class nxSpin
 public:
     nxSpin() = delete;
 
-    /// Tries again and again, for about a microsecond. @return whether @p attempt returned true.
+    /// Repeats @p attempt for about a microsecond, until it returns true. @return whether it did.
     template <class Attempt>
     static bool Until(const Attempt& attempt)
     {

@@ -8,26 +8,27 @@
 #include "core/nxExport.h"
 #include "core/platform/nxDescriptor.h"
 
-/// The standard output and the error stream of the process, as far as they still are that.
+/// The standard output and the error stream of the process.
 ///
-/// - A stream that takes nothing for 100 ms, or that half a second was not enough for, has lost the rest; while it stays
-///   so it is not waited for again. So a terminal that is stopped and a pipe that nobody reads hold nobody up.
-/// - A program that closes its streams may get other files of its own under their numbers. So a stream that was closed
-///   when the library was loaded, or was seen closed since, and stands for a regular file is left alone; likewise one
-///   that has become a socket, or that programs to be started would not inherit. What a program puts in the place of an
+/// - Limits: a stream that takes nothing for 100 ms, or not everything within half a second, loses the rest. As long as
+///   it takes nothing, later writes do not wait for it. A stopped terminal and a pipe without a reader therefore delay no
+///   thread.
+/// - Replaced streams: when a program closes its streams, other files may get their numbers. A stream is therefore left
+///   alone if it was closed at some time since the library was loaded and is now a regular file, if it has become a
+///   socket, or if programs that the process starts would not inherit it. A file that the program puts in the place of an
 ///   open stream by dup2() or freopen() is written to.
-/// - Errors: none, what is not taken is lost. The signals of failed writes do not reach the process.
-/// - Threads: any; what two of them write at the same time may mix.
+/// - Errors: none; what the stream does not take is lost. The signals of failed writes do not reach the process.
+/// - Threads: any; texts that two threads write at the same time may mix.
 class NX_CORE_API nxStandardStream
 {
 public:
     static nxStandardStream& GetOutput();
     static nxStandardStream& GetErrors();
 
-    /// @return how many bytes were taken.
+    /// @return the number of bytes that the stream took.
     std::size_t Write(std::string_view text);
 
-    /// Looks whether the stream is closed. @return whether it may be written to.
+    /// Checks and remembers whether the stream is closed. @return whether it may be written to.
     bool Look() noexcept;
 
     nxStandardStream(const nxStandardStream&) = delete;
@@ -36,10 +37,10 @@ public:
 private:
     enum class Way
     {
-        Blocking,  // where that never takes long
+        Blocking,  // for files that never take long
         NotBlocking,
         Socket,
-        InPieces  // a blocking one after asking for room
+        InPieces  // to a blocking stream, after asking for room
     };
 
     constexpr explicit nxStandardStream(int number) : _number(number) {}

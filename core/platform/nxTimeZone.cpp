@@ -3,244 +3,16 @@
 #include <algorithm>
 #include <array>
 
-#include "core/platform/nxEnvironment.h"
-#include "core/platform/nxFile.h"
+#include "core/platform/nxZoneFiles.h"
+#include "core/platform/nxZoneRule.h"
 
 namespace
 {
-constexpr std::int64_t secondsPerDay = 86'400;
-
-bool IsLeap(std::int64_t year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
-
-// Days from 1 January 1970 to 1 January of a year after the year 0.
-std::int64_t DaysToYear(std::int64_t year)
-{
-    const std::int64_t before = year - 1;
-    return before * 365 + before / 4 - before / 100 + before / 400 - 719'162;
-}
-
-std::int64_t YearOf(std::int64_t second)
-{
-    std::int64_t year = 1'900 + (second - nxTimeZone::FirstSecond) / secondsPerDay / 366;
-    while (DaysToYear(year + 1) * secondsPerDay <= second)
-        ++year;
-    return year;
-}
-
-// Takes a rule apart from its front. What is not there is not taken.
-class RuleReader
-{
-public:
-    explicit RuleReader(std::string_view text) : _rest(text) {}
-
-    bool AtEnd() const { return _rest.empty(); }
-
-    bool Take(char wanted)
-    {
-        if (_rest.empty() || _rest.front() != wanted)
-            return false;
-        _rest.remove_prefix(1);
-        return true;
-    }
-
-    bool TakeNumber(int smallest, int largest, int& number)
-    {
-        std::size_t size = 0;
-        int value = 0;
-        while (size < _rest.size() && IsDigit(_rest[size]) && value <= largest)
-            value = value * 10 + (_rest[size++] - '0');
-        if (size == 0 || value < smallest || value > largest)
-            return false;
-        _rest.remove_prefix(size);
-        number = value;
-        return true;
-    }
-
-    // The name of a zone: three letters or more, or what stands between < and >.
-    bool TakeName()
-    {
-        std::size_t size = 0;
-        if (!_rest.empty() && _rest.front() == '<')
-            size = _rest.find('>') + 1;  // 0 when there is none
-        else
-            while (size < _rest.size() && IsLetter(_rest[size]))
-                ++size;
-        if (size < 3)
-            return false;
-        _rest.remove_prefix(size);
-        return true;
-    }
-
-    // "[+-]hh[:mm[:ss]]", in seconds.
-    bool TakeTime(int largestHour, std::int32_t& seconds)
-    {
-        const bool negative = Take('-');
-        if (!negative)
-            Take('+');
-        int hour = 0, minute = 0, second = 0;
-        if (!TakeNumber(0, largestHour, hour))
-            return false;
-        if (Take(':') && !TakeNumber(0, 59, minute))
-            return false;
-        if (Take(':') && !TakeNumber(0, 59, second))
-            return false;
-        const int total = hour * 3600 + minute * 60 + second;
-        seconds = negative ? -total : total;
-        return true;
-    }
-
-private:
-    static bool IsDigit(char c) { return '0' <= c && c <= '9'; }
-    static bool IsLetter(char c) { return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z'); }
-
-    std::string_view _rest;
-};
-
-// A day of every year, and a time on it.
-class YearlyMoment
-{
-public:
-    // "J59", "59" or "M10.5.0", and "/3" for a time other than two o'clock.
-    bool Read(RuleReader& reader)
-    {
-        constexpr int largestHour = 167;
-        return ReadDay(reader) && (!reader.Take('/') || reader.TakeTime(largestHour, _time));
-    }
-
-    // Seconds since 1970, on a clock that is `offset` ahead of UTC.
-    std::int64_t InYear(std::int64_t year, std::int32_t offset) const
-    {
-        // The C library puts the rules of all years before 1970 into that year.
-        const std::int64_t start = DaysToYear(std::max<std::int64_t>(year, 1970));
-        return (start + DayOfYear(year)) * secondsPerDay + _time - offset;
-    }
-
-private:
-    enum class Kind
-    {
-        DayWithoutLeapDay,  // 1 to 365; 29 February is not counted
-        Day,                // 0 to 365
-        Weekday             // the _week-th _day of _month; the fifth is the last
-    };
-
-    bool ReadDay(RuleReader& reader)
-    {
-        if (reader.Take('J'))
-        {
-            _kind = Kind::DayWithoutLeapDay;
-            return reader.TakeNumber(1, 365, _day);
-        }
-        if (reader.Take('M'))
-        {
-            _kind = Kind::Weekday;
-            return reader.TakeNumber(1, 12, _month) && reader.Take('.') && reader.TakeNumber(1, 5, _week) &&
-                   reader.Take('.') && reader.TakeNumber(0, 6, _day);
-        }
-        return reader.TakeNumber(0, 365, _day);
-    }
-
-    std::int64_t DayOfYear(std::int64_t year) const
-    {
-        if (_kind == Kind::Day)
-            return _day;
-        if (_kind == Kind::DayWithoutLeapDay)
-            return _day - 1 + (_day >= 60 && IsLeap(year) ? 1 : 0);
-        return DayOfYearOfWeekday(year);
-    }
-
-    std::int64_t DayOfYearOfWeekday(std::int64_t year) const
-    {
-        static constexpr int daysBefore[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
-        const int first = daysBefore[_month - 1] + (IsLeap(year) && _month > 2 ? 1 : 0);
-        const int next = daysBefore[_month] + (IsLeap(year) && _month > 1 ? 1 : 0);
-        constexpr int thursday = 4;  // 1 January 1970
-        const auto weekday = static_cast<int>(((DaysToYear(year) + first + thursday) % 7 + 7) % 7);
-        const int found = first + (_day - weekday + 7) % 7 + (_week - 1) * 7;
-        return found < next ? found : found - 7;
-    }
-
-    Kind _kind = Kind::Day;
-    int _day = 0;
-    int _week = 0;
-    int _month = 0;
-    std::int32_t _time = 7'200;
-};
-
-// Offsets for every year: one, or two with the moments at which they take turns.
-class Rule
-{
-public:
-    // "EST5" or "CET-1CEST,M3.5.0,M10.5.0/3". Summer time without its moments is refused.
-    bool Read(std::string_view text)
-    {
-        constexpr int largestHour = 24;
-        RuleReader reader(text);
-        if (!reader.TakeName() || !reader.TakeTime(largestHour, _standard))
-            return false;
-        _standard = -_standard;
-        if (reader.AtEnd())
-            return true;
-        _hasSummer = true;
-        if (!reader.TakeName())
-            return false;
-        _summer = _standard + 3'600;
-        if (!reader.Take(','))
-        {
-            if (!reader.TakeTime(largestHour, _summer) || !reader.Take(','))
-                return false;
-            _summer = -_summer;
-        }
-        return _summerBegins.Read(reader) && reader.Take(',') && _summerEnds.Read(reader) && reader.AtEnd();
-    }
-
-    // Calls add(second, offset) for `begin` and each later moment of the table at which another offset may begin.
-    template <class Add>
-    void Unroll(std::int64_t begin, Add add) const
-    {
-        if (!_hasSummer)
-            return add(begin, _standard);
-        for (std::int64_t year = YearOf(begin); DaysToYear(year) * secondsPerDay < nxTimeZone::EndSecond; ++year)
-            UnrollYear(year, begin, add);
-    }
-
-private:
-    template <class Add>
-    void UnrollYear(std::int64_t year, std::int64_t begin, Add add) const
-    {
-        const std::int64_t yearBegins = DaysToYear(year) * secondsPerDay;
-        const std::int64_t yearEnds = DaysToYear(year + 1) * secondsPerDay;
-        const std::int64_t summerBegins = _summerBegins.InYear(year, _standard);
-        const std::int64_t summerEnds = _summerEnds.InYear(year, _summer);
-        // In the south, summer begins late in the year and ends early in it.
-        const bool south = summerBegins > summerEnds;
-        const auto offsetAt = [&](std::int64_t second)
-        {
-            const bool summer =
-                south ? second < summerEnds || second >= summerBegins : second >= summerBegins && second < summerEnds;
-            return summer ? _summer : _standard;
-        };
-        const std::int64_t moments[] = {yearBegins, south ? summerEnds : summerBegins,
-                                        south ? summerBegins : summerEnds};
-        for (const std::int64_t moment : moments)
-        {
-            const std::int64_t second = std::max({moment, yearBegins, begin});
-            if (second < yearEnds)
-                add(second, offsetAt(second));
-        }
-    }
-
-    std::int32_t _standard = 0;
-    std::int32_t _summer = 0;
-    bool _hasSummer = false;
-    YearlyMoment _summerBegins;
-    YearlyMoment _summerEnds;
-};
-
 // One half of a zone file: numbers with the most significant byte first.
 class ZoneFile
 {
 public:
-    // Finds the newest half of the file that there is: the first has times of 32 bits, the second of 64.
+    // Finds the newest half that the file has: the first has times of 32 bits, the second of 64.
     bool Read(std::string_view bytes)
     {
         if (!ReadHeader(bytes, 4))
@@ -340,7 +112,7 @@ private:
 };
 }  // namespace
 
-// From `second` on, `offset` holds. Called in order of time.
+// From `second` on, `offset` is in effect. Called in order of time.
 void nxTimeZone::_Add(std::int64_t second, std::int32_t offset)
 {
     const std::int64_t begin = std::max(second, FirstSecond);
@@ -354,11 +126,10 @@ void nxTimeZone::_Add(std::int64_t second, std::int32_t offset)
     ++_count;
 }
 
-template <class Rule>
-void nxTimeZone::_AddRule(const Rule& rule, std::int64_t begin)
+void nxTimeZone::_AddRule(const nxZoneRule& rule, std::int64_t begin)
 {
     if (begin < EndSecond)
-        rule.Unroll(std::max(begin, FirstSecond),
+        rule.Unroll(std::max(begin, FirstSecond), EndSecond,
                     [this](std::int64_t second, std::int32_t offset) { _Add(second, offset); });
 }
 
@@ -373,7 +144,7 @@ bool nxTimeZone::_Finish()
             ++i;
         _buckets[bucket] = static_cast<std::uint16_t>(i);
     }
-    return _count < _capacity;  // a full table may lack something
+    return _count < _capacity;  // a full table may be incomplete
 }
 
 bool nxTimeZone::ReadFile(std::string_view bytes)
@@ -382,12 +153,12 @@ bool nxTimeZone::ReadFile(std::string_view bytes)
     if (!file.Read(bytes) || file.CountsLeapSeconds())
         return false;
     const std::size_t transitions = file.GetTransitionCount();
-    Rule rule;
+    nxZoneRule rule;
     const bool hasRule = !file.GetRule().empty() && transitions != 0;
     if (hasRule && !rule.Read(file.GetRule()))
         return false;
 
-    // Before the first transition the first offset that is not of summer time holds.
+    // Before the first transition, the first offset that is not of summer time is in effect.
     std::size_t early = 0;
     while (early < file.GetTypeCount() && file.IsSummer(early))
         ++early;
@@ -402,7 +173,7 @@ bool nxTimeZone::ReadFile(std::string_view bytes)
 
 bool nxTimeZone::ReadRule(std::string_view text)
 {
-    Rule rule;
+    nxZoneRule rule;
     if (!rule.Read(text))
         return false;
     _count = 0;
@@ -412,32 +183,21 @@ bool nxTimeZone::ReadRule(std::string_view text)
 
 bool nxTimeZone::Load(const char* setting, std::span<char> scratch)
 {
-    constexpr const char* machine = "/etc/localtime";
-    constexpr const char* database = "/usr/share/zoneinfo";
-    constexpr std::size_t longestPath = 1'024;
-
-    std::string_view name = setting == nullptr ? machine : setting;
+    std::string_view content;
+    if (setting == nullptr)
+        return nxZoneFiles::ReadMachineZone(scratch, content) == nxZoneFiles::Outcome::Read && ReadFile(content);
+    std::string_view name = setting;
     if (!name.empty() && name.front() == ':')
         name.remove_prefix(1);
     if (name.empty())
         return ReadRule("UTC0");
-    const bool isSecure = nxEnvironment::IsSecureExecution();
-    // What the C library refuses to open for a caller with fewer rights than the program, we do not open either.
-    if (isSecure && setting != nullptr && (name.front() == '/' || name.find("..") != std::string_view::npos))
-        return false;
-    char path[longestPath];
-    std::string_view directory;
-    if (name.front() != '/')
-        directory = !isSecure && nxEnvironment::Copy("TZDIR", path) == 0 && path[0] != '\0' ? path : database;
-    if (directory.size() + name.size() + 2 > sizeof path)
-        return false;
-    char* end = path + directory.size();
-    if (directory.data() != path)
-        std::copy(directory.begin(), directory.end(), path);
-    *end++ = '/';
-    *std::copy(name.begin(), name.end(), end) = '\0';
-    std::size_t size = 0;
-    if (nxFile::ReadAll(path, scratch, size) == 0)
-        return ReadFile({scratch.data(), size});
-    return ReadRule(name);
+    switch (nxZoneFiles::Read(name, scratch, content))
+    {
+        case nxZoneFiles::Outcome::Read:
+            return ReadFile(content);
+        case nxZoneFiles::Outcome::NoFile:
+            return ReadRule(name);
+        default:
+            return false;
+    }
 }

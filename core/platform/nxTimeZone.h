@@ -8,7 +8,9 @@
 
 #include "core/nxExport.h"
 
-/// A stretch of time during which local time differs from UTC by one offset.
+class nxZoneRule;
+
+/// A span of time during which local time differs from UTC by one offset.
 struct nxTimeZoneSpan
 {
     std::int64_t begin;   ///< First second, counted from 1 January 1970 00:00 UTC.
@@ -20,12 +22,12 @@ struct nxTimeZoneSpan
 
 /// The offsets of one time zone in the years 1900 to 2099, in a table that is searched in a few nanoseconds.
 ///
-/// It is read from a file of the system's zone database, or from a rule such as "CET-1CEST,M3.5.0,M10.5.0/3", in
-/// exactly the way in which the C library reads them, the moments before the first entry and after the last included.
+/// It is read from a file of the system's zone database, or from a rule such as "CET-1CEST,M3.5.0,M10.5.0/3". The result
+/// is exactly that of the C library, also before the first entry of a file and after the last.
 ///
 /// - Null: a default-constructed zone has no spans; only Read...() and Load() may be called.
 /// - Threads: once read, any thread may search it.
-/// - Ownership: a plain value of some sixteen kilobytes; nothing allocates memory.
+/// - Ownership: a plain value of about sixteen kilobytes; nothing allocates memory.
 class NX_CORE_API nxTimeZone
 {
 public:
@@ -35,51 +37,49 @@ public:
     /// Reads the zone that the C library would use for a value of the variable TZ.
     /// @param setting the value, or null when the variable is not set, for the machine's own zone.
     /// @param scratch room for the file of the zone; such files have less than 16 KiB.
-    /// In secure execution the variable TZDIR counts for nothing, and a setting that begins with '/' or holds ".." is
-    /// not looked for.
-    /// @return false when the zone cannot be put into a table: there is no such file and it is no rule, it counts leap
-    ///         seconds, or its file is damaged.
+    /// In secure execution the variable TZDIR is ignored, and a setting that begins with '/' or contains ".." is refused.
+    /// @return false when the zone cannot be put into a table: there is no such file and the setting is not a rule, the
+    ///         zone counts leap seconds, or its file is damaged.
     bool Load(const char* setting, std::span<char> scratch);
 
-    /// Reads the bytes of a zone file. @return false when they are no such file, or one that counts leap seconds.
+    /// Reads the bytes of a zone file. @return false when they are not such a file, or one that counts leap seconds.
     bool ReadFile(std::string_view bytes);
 
     /// Reads a rule: a name and an offset, then optionally those of summer time and when it is observed.
-    /// @return false when the text is no such rule.
+    /// @return false when the text is not such a rule.
     bool ReadRule(std::string_view text);
 
-    /// The stretch that @p second lies in.
+    /// The span that @p second lies in.
     /// @pre FirstSecond <= second < EndSecond
     nxTimeZoneSpan Find(std::int64_t second) const
     {
         std::size_t i = _buckets[static_cast<std::size_t>((second - _firstBucketSecond) >> _bucketShift)];
-        // Hardly any bucket holds two changes, so the second comparison is nearly always false.
+        // Few buckets hold two changes, so the second comparison is nearly always false.
         i += second >= _begins[i + 1];
         while (second >= _begins[i + 1])
             ++i;
         return GetSpan(i);
     }
 
-    /// The stretches are numbered from 0 in order of time; the first begins at FirstSecond, the last ends at EndSecond.
+    /// Spans are numbered from 0 in order of time; the first begins at FirstSecond, the last ends at EndSecond.
     std::size_t GetSpanCount() const { return _count; }
     nxTimeZoneSpan GetSpan(std::size_t i) const { return {_begins[i], _begins[i + 1], _offsets[i]}; }
 
 private:
-    static constexpr std::size_t _capacity = 1'024;  // two hundred years with four changes each, and some
+    static constexpr std::size_t _capacity = 1'024;  // two hundred years with up to five changes each
     static constexpr int _bucketShift = 22;          // a bucket is 48 days
     static constexpr std::int64_t _firstBucketSecond = (FirstSecond >> _bucketShift) << _bucketShift;
     static constexpr std::size_t _bucketCount =
         static_cast<std::size_t>((EndSecond - _firstBucketSecond) >> _bucketShift) + 1;
 
     void _Add(std::int64_t second, std::int32_t offset);
-    template <class Rule>
-    void _AddRule(const Rule& rule, std::int64_t begin);
+    [[gnu::visibility("hidden")]] void _AddRule(const nxZoneRule& rule, std::int64_t begin);
     bool _Finish();
 
     std::size_t _count = 0;
     std::int64_t _begins[_capacity + 1] = {};  // the last is EndSecond
     std::int32_t _offsets[_capacity] = {};
-    std::uint16_t _buckets[_bucketCount] = {};  // the number of the stretch that the bucket begins in
+    std::uint16_t _buckets[_bucketCount] = {};  // the number of the span that the bucket begins in
 };
 
 #endif

@@ -18,7 +18,7 @@ nxMutex& MutexOfTheName() { return TheName().mutex; }
 KeptName& TheName()
 {
     static KeptName& name = *new KeptName;
-    static const bool survivesForks = nxForkMutex::Register<&MutexOfTheName>();
+    static const bool survivesForks = nxForkMutex::Register<&MutexOfTheName>(nxForkHandlers::Rank::ApplicationName);
     static_cast<void>(survivesForks);
     return name;
 }

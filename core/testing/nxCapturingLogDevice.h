@@ -17,17 +17,17 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogManager.h"
 
-/// What a log record said, kept by nxCapturingLogDevice.
+/// The contents of a log record, kept by nxCapturingLogDevice.
 struct nxCapturedRecord
 {
-    nxLogLevelEnum level;                          ///< How grave it was.
+    nxLogLevelEnum level;                          ///< Its severity.
     std::string text;                              ///< The message.
-    std::string sourceFile;                        ///< Where it was reported,
-    unsigned line;                                 ///< and in which line.
+    std::string sourceFile;                        ///< The source file of the statement,
+    unsigned line;                                 ///< and its line.
     unsigned threadIndex;                          ///< The thread that built it.
     nxTimeStamp timeStamp;                         ///< When it was built,
     unsigned threadCPU = 0;                        ///< and on which processor.
-    nxValueWrapper<unsigned> destinationUserID{};  ///< Whom it is for; null when nobody in particular.
+    nxValueWrapper<unsigned> destinationUserID{};  ///< The user it is for, or null.
     std::string sourceApplication{};               ///< The application that it came from, or empty.
 };
 
@@ -37,14 +37,14 @@ inline std::ostream& operator<<(std::ostream& stream, const nxCapturedRecord& re
     return stream << record.level << ' ' << record.text << " [" << record.sourceFile << ':' << record.line << ']';
 }
 
-/// Says whether a record is one that is looked for. Made by nxCapturingLogDevice's Contains(), HasLevel(), AtLeast()
+/// Decides whether a record is one of those that a test looks for. Made by nxCapturingLogDevice's Contains(), HasLevel(), AtLeast()
 /// and From(), or from any function of a record, and combined with `&&`, `||` and `!`.
 ///
 /// - Threads: as the function it was made from. Ownership: it owns that function.
 class nxLogMatcher
 {
 public:
-    /// A matcher of one's own: @p test takes an nxCapturedRecord and returns whether it matches.
+    /// A custom matcher: @p test takes an nxCapturedRecord and returns whether it matches.
     template <std::predicate<const nxCapturedRecord&> Test>
     nxLogMatcher(Test test) : _test(std::move(test))
     {
@@ -53,19 +53,19 @@ public:
     /// @return whether @p record matches.
     bool operator()(const nxCapturedRecord& record) const { return _test(record); }
 
-    /// Matches what both match.
+    /// Matches records that both match.
     friend nxLogMatcher operator&&(nxLogMatcher left, nxLogMatcher right)
     {
         return [left = std::move(left), right = std::move(right)](const nxCapturedRecord& record)
         { return left(record) && right(record); };
     }
-    /// Matches what at least one of them matches.
+    /// Matches records that at least one of them matches.
     friend nxLogMatcher operator||(nxLogMatcher left, nxLogMatcher right)
     {
         return [left = std::move(left), right = std::move(right)](const nxCapturedRecord& record)
         { return left(record) || right(record); };
     }
-    /// Matches what @p matcher does not.
+    /// Matches records that @p matcher does not match.
     friend nxLogMatcher operator!(nxLogMatcher matcher)
     {
         return [matcher = std::move(matcher)](const nxCapturedRecord& record) { return !matcher(record); };
@@ -75,13 +75,14 @@ private:
     std::function<bool(const nxCapturedRecord&)> _test;
 };
 
-/// For the tests of applications: a log device that keeps every record and lets a test wait for one.
+/// A log device that keeps every record and lets a test wait for one, for the tests of applications.
 ///
-/// It registers itself when it is constructed and unregisters when it is destroyed. The log is asynchronous: wait for a
-/// record with WaitFor() rather than looking at once.
+/// It registers itself when it is constructed and unregisters when it is destroyed. The log is asynchronous, so wait for
+/// a record with WaitFor().
 ///
-/// - Errors: none. - Threads: every operation may come from any thread, also from a matcher: matchers are asked without
-///   the device's lock. - Ownership: it owns copies of what it keeps.
+/// - Errors: none.
+/// - Threads: any thread may call any operation, also from a matcher, because matchers run without the device's lock.
+/// - Ownership: it owns copies of the records.
 /// @code
 /// using Log = nxCapturingLogDevice;
 /// Log log;
@@ -92,7 +93,7 @@ private:
 class nxCapturingLogDevice final : public nxLogDevice
 {
 public:
-    /// Registers the device with the process's log. What was reported before is not kept.
+    /// Registers the device with the process's log. Earlier records are not kept.
     nxCapturingLogDevice()
     {
         nxLogManager& manager = nxLogManager::GetInstance();
@@ -119,26 +120,26 @@ public:
         return [level](const nxCapturedRecord& record)
         { return record.level.GetValue() >= static_cast<unsigned>(level); };
     }
-    /// Matches records that name @p sourceFile as their place, written as in the record: "core/trunk/nxMutex".
+    /// Matches records from @p sourceFile, spelled as in the record: "core/trunk/nxMutex".
     static nxLogMatcher From(std::string sourceFile)
     {
         return [sourceFile = std::move(sourceFile)](const nxCapturedRecord& record)
         { return record.sourceFile == sourceFile; };
     }
 
-    /// Waits until a record that matches has arrived, also one that arrived before the call.
-    /// @param matcher says which records count.
-    /// @param timeout how long to wait at most; less than nothing does not wait.
+    /// Waits until a matching record has arrived; one that arrived before the call counts too.
+    /// @param matcher decides which records count.
+    /// @param timeout the longest time to wait; a negative one does not wait.
     /// @return whether one arrived.
     bool WaitFor(const nxLogMatcher& matcher, std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
     {
         return WaitForCount(matcher, 1, timeout);
     }
-    /// The same for @p count records that match.
+    /// The same for @p count matching records.
     bool WaitForCount(const nxLogMatcher& matcher, std::size_t count,
                       std::chrono::milliseconds timeout = std::chrono::seconds(10)) const
     {
-        // A deadline that the clock cannot hold would have passed already.
+        // Limited, because a deadline beyond the clock's range would overflow and lie in the past.
         constexpr std::chrono::milliseconds century = std::chrono::hours(876'000);
         const auto deadline =
             std::chrono::steady_clock::now() + std::clamp(timeout, std::chrono::milliseconds(0), century);
@@ -152,7 +153,7 @@ public:
                 return false;
         }
     }
-    /// @return how many records that match have arrived.
+    /// @return the number of matching records that have arrived.
     std::size_t Count(const nxLogMatcher& matcher) const { return _CountIn(_GetKept().first, matcher); }
     /// @return a copy of everything kept, in the order of arrival.
     std::vector<nxCapturedRecord> GetRecords() const
@@ -162,14 +163,14 @@ public:
             copies.push_back(*record);
         return copies;
     }
-    /// Writes everything kept, a line each.
+    /// Writes all kept records, one line each.
     friend std::ostream& operator<<(std::ostream& stream, const nxCapturingLogDevice& log)
     {
         for (const nxCapturedRecord& record : log.GetRecords())
             stream << record << '\n';
         return stream;
     }
-    /// Forgets what was kept.
+    /// Removes all kept records.
     void Clear()
     {
         const std::lock_guard<std::mutex> lock(_mutex);
@@ -191,13 +192,13 @@ public:
         }
         _arrived.notify_all();
     }
-    void Flush() override {}    ///< Nothing waits.
-    void Destroy() override {}  ///< Nothing to end.
+    void Flush() override {}    ///< Does nothing: no record waits.
+    void Destroy() override {}  ///< Does nothing.
 
 private:
     using Kept = std::shared_ptr<const nxCapturedRecord>;
 
-    // What is kept now, for looking at without the lock, and how often that has changed.
+    // The records kept now, to be used without the lock, and the number of changes so far.
     std::pair<std::vector<Kept>, std::size_t> _GetKept() const
     {
         const std::lock_guard<std::mutex> lock(_mutex);

@@ -5,32 +5,31 @@
 #include <chrono>
 #include <limits>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/time/nxTimeStamp.h"
 
-/// For the tests of applications: stops the process's clock and moves it by hand.
+/// Stops the process's clock and moves it by hand, for the tests of applications.
 ///
-/// While an object lives, every nxTimeStamp that is taken, on whatever thread, is the moment that the test has set, and
-/// every nxElapsedTimeCounter stands still but for the steps: the code under test is the one that goes to production.
-/// What waits or keeps its own books is not touched: timed waits and the system's clock run on, and the log stamps its
-/// records with the true time.
+/// While an object lives, every nxTimeStamp that any thread takes is the moment that the test has set, and every
+/// nxElapsedTimeCounter advances only by the steps. The code under test needs no changes for this. Everything else is
+/// unaffected: timed waits and the system's clock continue, and the log stamps its records with the true time.
 ///
-/// - Units: steps as any std::chrono duration, rounded to the nanosecond; longer ones than 292 years become that long.
-///   Moments from the year 1678 to 2261; others become the first or the last of them.
+/// - Units: steps as any std::chrono duration, rounded to the nanosecond and limited to 292 years. Moments from the year
+///   1678 to 2261; others become the first or the last of them.
 /// - Errors: none.
 /// - Threads: any thread may take stamps meanwhile; one thread at a time steps.
-/// - Ownership: one object at a time. When it is destroyed, the clock goes on with the true time; what an elapsed-time
-///   counter that was started meanwhile says then has no meaning.
+/// - Ownership: one object at a time. When it is destroyed, the clock continues with the true time. Readings of an
+///   elapsed-time counter that was started meanwhile have no meaning afterwards.
 /// @code
 /// nxSteppedClock clock(nxTimeStamp(1'709'629'623, 0));
-/// Session session;                       // takes its time stamps as ever
+/// Session session;                       // takes its time stamps as usual
 /// clock.Step(std::chrono::seconds(31));
 /// EXPECT_TRUE(session.IsIdle());
 /// @endcode
 class nxSteppedClock
 {
 public:
-    /// Stops the clock at @p moment, at the present one without an argument.
+    /// Stops the clock at @p moment, by default at the present one.
     explicit nxSteppedClock(const nxTimeStamp& moment = nxTimeStamp::Now())
         : _wall(_ToNanoseconds(moment)), _monotonic(nxClock::MonotonicNanoseconds())
     {
@@ -51,14 +50,13 @@ public:
         _Show();
     }
 
-    /// The same for every other duration, fractions and units below the nanosecond included. None passes where it is not
-    /// a number.
+    /// The same for every other duration, including fractions and units below the nanosecond. NaN is no step.
     template <class Rep, class Period>
     void Step(const std::chrono::duration<Rep, Period>& duration)
     {
         using Nanoseconds = std::chrono::nanoseconds;
         const double nanoseconds = std::chrono::duration<double, std::nano>(duration).count();
-        constexpr double limit = 9.2e18;  // 2^63 is not reached by rounding
+        constexpr double limit = 9.2e18;  // below 2^63, also after rounding
         if (nanoseconds >= limit)
             Step(Nanoseconds::max());
         else if (nanoseconds <= -limit)

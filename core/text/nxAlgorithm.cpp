@@ -33,7 +33,7 @@ void AppendBytes(const Bytes& bytes, std::size_t count, std::string& out)
     }
 }
 
-// Compares characters, the letters of ASCII without their case unless it counts.
+// Compares characters; ASCII letters without regard to case if case does not count.
 class Character
 {
 public:
@@ -53,8 +53,8 @@ bool BeginsWith(std::string_view text, std::string_view beginning, const Charact
 }
 
 // Edit distance up to a limit that is at most the length of the longer text; limit + 1 when there are more edits.
-// Prefixes whose lengths differ by more than the limit are as many edits apart, so that only a band beside the diagonal
-// of the table of all prefixes is looked at, one row at a time.
+// Prefixes whose lengths differ by more than the limit need at least that difference of edits. So only a band along the
+// diagonal of the table of all prefixes is computed, one row at a time.
 std::size_t BoundedDistance(std::string_view a, std::string_view b, std::size_t limit, const Character& same)
 {
     const std::size_t tooMany = limit + 1;
@@ -193,7 +193,7 @@ bool nxAlgorithm::GetBestMatch(const std::set<std::string>& candidates, const st
 unsigned long long nxAlgorithm::GetEditDistance(std::string_view a, std::string_view b, unsigned int maximum,
                                                 const nxCaseSensitivityEnum& sensitivity)
 {
-    // No two texts are further apart than the longer one is long.
+    // The distance never exceeds the length of the longer text.
     const std::size_t longest = std::max(a.size(), b.size());
     const std::size_t distance = BoundedDistance(a, b, std::min<std::size_t>(maximum, longest), Character(sensitivity));
     return distance <= maximum ? distance : 1ULL + maximum;

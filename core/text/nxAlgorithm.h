@@ -12,7 +12,7 @@
 class nxByteArray;
 class nxCaseSensitivityEnum;
 
-/// Bytes as hexadecimal text and back, and the search for what a mistyped text was meant to be.
+/// Bytes as hexadecimal text and back, and the search for the intended word of a mistyped one.
 ///
 /// - Static operations only; no state. Digits are written in upper case, the high half of a byte first, without
 ///   separators.
@@ -52,16 +52,16 @@ public:
     /// @return exactly four digits: 255 is "00FF".
     static std::string GetAsHex(const unsigned short& value);
 
-    /// Finds the one candidate that @p text stands for. The first rule that any candidate satisfies decides:
-    /// -# it is the text, byte by byte;
-    /// -# it is the text but for the case, when @p sensitivity is CASE_INSENSITIVE;
+    /// Finds the one candidate that @p text means. The first rule that any candidate satisfies decides:
+    /// -# it equals the text, byte by byte;
+    /// -# it equals the text without regard to case, when @p sensitivity is CASE_INSENSITIVE;
     /// -# it begins with the text, which is not empty;
     /// -# it has the smallest edit distance from the text (see GetEditDistance()), which is @p maximumDistance at most;
     ///    0 turns this rule off.
     ///
     /// Case counts in the last two rules only when @p sensitivity is CASE_SENSITIVE.
-    /// @param candidates what may be meant.
-    /// @param text what somebody typed; any length, any bytes.
+    /// @param candidates the possible words.
+    /// @param text the typed text; any length, any bytes.
     /// @param sensitivity whether case counts; undefined is as CASE_INSENSITIVE.
     /// @param maximumDistance insertions, deletions and replacements that the last rule forgives.
     /// @param[out] match the candidate found; untouched when there is none.
@@ -70,8 +70,8 @@ public:
                              const nxCaseSensitivityEnum& sensitivity, unsigned int maximumDistance,
                              std::string& match);
 
-    /// @return how many single characters have to be inserted, removed or replaced to make one text of the other, or
-    ///         @p maximum + 1 when it is more than @p maximum. Takes time in proportion to the shorter text times the
+    /// @return the number of single characters that must be inserted, removed or replaced to turn one text into the other,
+    ///         or @p maximum + 1 when there are more than @p maximum. Takes time in proportion to the shorter text times the
     ///         smaller of @p maximum and the longer text.
     static unsigned long long GetEditDistance(std::string_view a, std::string_view b, unsigned int maximum,
                                               const nxCaseSensitivityEnum& sensitivity);

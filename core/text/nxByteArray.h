@@ -29,7 +29,7 @@ public:
     const unsigned char* GetData() const { return _bytes.data(); }  ///< Valid until the array is changed.
     std::size_t GetSize() const { return _bytes.size(); }           ///< In bytes.
     bool IsEmpty() const { return _bytes.empty(); }                 ///< No byte at all.
-    void Clear() { _bytes.clear(); }                                ///< Keeps the memory for what comes next.
+    void Clear() { _bytes.clear(); }                                ///< Removes all bytes and keeps the memory.
     void Append(unsigned char byte) { _bytes.push_back(byte); }     ///< Appends one byte.
     /// Appends a copy of @p size bytes, which must not be the array's own.
     void Append(const unsigned char* data, std::size_t size);

@@ -35,3 +35,7 @@ std::ostream& operator<<(std::ostream& stream, const nxDoubleValueWrapper& value
 {
     return stream << value.GetAsLogString();
 }
+
+void nxStringHelper::AppendAsString(std::string& out, const nxDoubleValueWrapper& value) { value.AppendAsString(out); }
+
+std::string nxStringHelper::GetAsString(const nxDoubleValueWrapper& value) { return value.GetAsString(); }

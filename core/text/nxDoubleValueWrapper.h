@@ -11,8 +11,8 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxValueStatusEnum.h"
-#include "core/numeric/nxDoubleHelper.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/nxInitalizers.h"
 
 template <std::integral T, T NullMark, T NoChangeMark>
@@ -22,14 +22,14 @@ class nxValueWrapper;
 ///
 /// - Two numbers serve as the marks: 4503599627370495 is null, 4503599627370494 is no change. Every other double, NaN
 ///   included, is a value.
-/// - Nothing but the state operations, GetMax(), GetMin() and the text forms looks at the marks. The wrapper converts
-///   to its plain double, marks included, and calculates and compares with that: null plus 1 is a valid number,
-///   one above the mark, and `if (wrapper)` is true for null. Test IsValid() first.
-/// - Its operations come out the same in a program that is compiled with -Ofast, NaN and the infinities included.
+/// - Only the state operations, GetMax(), GetMin() and the text forms look at the marks. The wrapper converts to its
+///   plain double, marks included, and calculates and compares with that: null plus 1 is a valid number, one above the
+///   mark, and `if (wrapper)` is true for null. Test IsValid() first.
+/// - Its operations give the same results in a program that is compiled with -Ofast, NaN and the infinities included.
 /// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
-/// - The two tag constructors are crossed over, which callers rely on: nxNoChangeInitalizer makes NULL and
-///   nxNullInitalizer makes NO CHANGE. Say GetNullInstance() and GetNoChangeInstance(), which are straight.
-/// - Errors: only SetFromString() fails, and leaves null behind. Dividing by zero gives an infinity or NaN.
+/// - The two tag constructors are exchanged, and callers rely on it: nxNoChangeInitalizer makes NULL and nxNullInitalizer
+///   makes NO CHANGE. Prefer GetNullInstance() and GetNoChangeInstance(), which do what their names say.
+/// - Errors: only SetFromString() fails; the wrapper is then null. Dividing by zero gives an infinity or NaN.
 /// - Threads: like a double. Ownership: an 8-byte value that owns nothing.
 /// @code
 /// nxDoubleValueWrapper tick;                  // null
@@ -39,8 +39,8 @@ class nxValueWrapper;
 class NX_CORE_API nxDoubleValueWrapper
 {
 public:
-    static constexpr double NullValue = 4503599627370495.0;      ///< The number that stands for null.
-    static constexpr double NoChangeValue = 4503599627370494.0;  ///< The number that stands for no change.
+    static constexpr double NullValue = 4503599627370495.0;      ///< The number that means null.
+    static constexpr double NoChangeValue = 4503599627370494.0;  ///< The number that means no change.
     static constexpr double Tolerance = 1e-08;                   ///< Closer numbers compare equal.
 
     constexpr nxDoubleValueWrapper() = default;  ///< Null.
@@ -77,7 +77,7 @@ public:
         return nxValueStatusEnum(IsNull() ? NX_VALUE_STATUS_NULL : NX_VALUE_STATUS_VALID);
     }
 
-    /// The number as it stands, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
+    /// The number itself, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
     constexpr operator double() const { return _value; }
 
     /// Ignores the state.
@@ -106,7 +106,7 @@ public:
     }
 
     /// Reads a number with '.' as decimal separator; see nxStringHelper.
-    /// @return NX_ERR_INVALID_PARAMETER when the text is none; the wrapper is then null.
+    /// @return NX_ERR_INVALID_PARAMETER when the text is not a number; the wrapper is then null.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
     /// The same; a null pointer is an empty text.
     [[nodiscard]] nxErrorEnum SetFromString(const char* text);
@@ -114,8 +114,8 @@ public:
     std::string GetAsString() const;
     /// Appends what GetAsString() returns.
     void AppendAsString(std::string& out) const;
-    /// @return "NO_CHANGE" for no change, otherwise the number. Null is no exception: it logs as the number of its
-    ///         mark, "4.503600e+15", which log readers look for.
+    /// @return "NO_CHANGE" for no change, otherwise the number. This includes null: it logs as the number of its mark,
+    ///         "4.503600e+15", which log readers search for.
     std::string GetAsLogString() const;
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out) const;
@@ -159,8 +159,8 @@ public:
     }
 
 private:
-    // By their bits, of which the marks have one pattern each: a compiler that was told that there is no NaN would take
-    // it for a mark.
+    // Compares bits, because a compiler that may assume that there is no NaN would take NaN for a mark. Each mark has only
+    // one pattern of bits.
     constexpr bool _Is(double mark) const
     {
         return std::bit_cast<std::uint64_t>(_value) == std::bit_cast<std::uint64_t>(mark);
@@ -176,17 +176,17 @@ private:
         return difference > 0 ? std::partial_ordering::greater : std::partial_ordering::less;
     }
 
-    // The same where one of the two is infinite or NaN, or the difference is too large.
+    // The same when one of the two is infinite or NaN, or when the difference is too large.
     static constexpr std::partial_ordering _CompareFar(double a, double b)
     {
         const std::int64_t left = _Rank(a);
         const std::int64_t right = _Rank(b);
-        // Two equal infinities are no closer than NaN: the difference rule does not call them equal, nor is one larger.
+        // The difference of two equal infinities is NaN, so they are not equal within the tolerance; neither is larger.
         if (left == right || _IsNaN(left) || _IsNaN(right))
             return std::partial_ordering::unordered;
         return left < right ? std::partial_ordering::less : std::partial_ordering::greater;
     }
-    // Integers in the order of their numbers.
+    // Maps doubles to integers with the same order.
     static constexpr std::int64_t _Rank(double number)
     {
         const auto bits = std::bit_cast<std::int64_t>(number);

@@ -2,19 +2,19 @@
 #define CORE_TEXT_NXINITALIZERS_H
 
 /// @file
-/// The tags that pick a constructor of a nullable value. Their spelling is part of the interface.
+/// The tags that select a constructor of a nullable value. Their spelling is part of the interface.
 /// @code
 /// const nxDecimal price{nxNullInitalizer{}};       // no value
 /// const nxDecimal limit{nxNoChangeInitalizer{}};   // "leave the stored value as it is"
 /// @endcode
 
-/// Picks the constructor that makes a value without content.
+/// Selects the constructor that makes a null value.
 enum class nxNullInitalizer : unsigned char
 {
     Null
 };
 
-/// Picks the constructor that makes a value meaning "leave the receiver's value as it is".
+/// Selects the constructor that makes a value meaning "leave the receiver's value as it is".
 enum class nxNoChangeInitalizer : unsigned char
 {
     NoChange

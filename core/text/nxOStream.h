@@ -13,7 +13,7 @@
 /// - @p Writer is a type with `void Write(const char* bytes, std::size_t count)`, for example
 ///   nxSimpleAsciiStringWriter. The stream owns one.
 /// - Numbers are written in decimal, without grouping or padding. A null `const char*` writes nothing.
-/// - Errors: none of its own; what the writer throws (memory exhausted) passes through.
+/// - Errors: none of its own; exceptions of the writer (memory exhausted) pass through.
 /// - Threads: like a string.
 /// @code
 /// nxOStream<nxSimpleAsciiStringWriter> stream;
@@ -25,7 +25,7 @@ template <class Writer>
 class nxOStream
 {
 public:
-    nxOStream() = default;                                         ///< With a writer made by its default.
+    nxOStream() = default;                                         ///< With a default-constructed writer.
     explicit nxOStream(const Writer& writer) : _writer(writer) {}  ///< With a copy of @p writer.
 
     Writer& GetWriter() { return _writer; }  ///< The stream's own writer; the reference is into this object.
@@ -38,8 +38,8 @@ public:
         return *this;
     }
 
-    /// Writes the character itself. A template, so that nothing is converted to a character: what has no operator here
-    /// (a bool, a double, a wrapper, a constant) does not compile.
+    /// Writes the character itself. A template, so that nothing is converted to a character: a type without an operator
+    /// here (a bool, a double, a wrapper, a constant) does not compile.
     template <std::same_as<char> Character>
     nxOStream& operator<<(Character character)
     {
@@ -50,8 +50,8 @@ public:
     /// Writes the text up to its NUL; null writes nothing.
     nxOStream& operator<<(const char* text) { return text == nullptr ? *this : *this << std::string_view(text); }
 
-    /// Writes a number in decimal, a '-' in front when it is negative. There is none for bool and for the wide
-    /// characters: say what you mean.
+    /// Writes a number in decimal, with a '-' in front when it is negative. There is no operator for bool and the wide
+    /// characters, because it is unclear whether a number or a text is meant.
     template <std::integral Integer>
     requires(!nxWideCharacter<Integer> && !std::same_as<Integer, char> && !std::same_as<Integer, bool> &&
              sizeof(Integer) <= sizeof(std::uint64_t)) nxOStream&

@@ -6,7 +6,7 @@
 
 namespace
 {
-// The byte at a position, or 0 behind the end: no UTF-8 character goes on with it.
+// The byte at a position, or 0 after the end, because 0 never continues a UTF-8 character.
 unsigned ByteAt(std::string_view text, std::size_t position)
 {
     return position < text.size() ? static_cast<unsigned char>(text[position]) : 0U;
@@ -20,7 +20,7 @@ std::size_t nxPrintableText::GetCharacterSize(std::string_view text)
     const unsigned first = ByteAt(text, 0);
     if (first < 0x80)
         return 1;
-    // The second byte tells overlong forms, surrogates, and what lies beyond the last character.
+    // The second byte shows overlong forms, surrogates and numbers beyond the last character.
     const unsigned low = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
     const unsigned high = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
     const std::size_t size = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;

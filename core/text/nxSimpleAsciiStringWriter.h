@@ -4,14 +4,14 @@
 #include <cstddef>
 #include <string>
 
-/// The writer of an nxOStream that collects the text in a string of its own. Bytes are kept as they come.
+/// The writer of an nxOStream that collects the text in its own string. Bytes are kept unchanged.
 class nxSimpleAsciiStringWriter
 {
 public:
-    /// Appends @p count bytes; only memory may run out (std::bad_alloc).
+    /// Appends @p count bytes. @throws std::bad_alloc
     void Write(const char* bytes, std::size_t count) { _text.append(bytes, count); }
 
-    const std::string& GetText() const { return _text; }  ///< All that was written; the reference is into this object.
+    const std::string& GetText() const { return _text; }  ///< The text so far; the reference is into this object.
     void Clear() { _text.clear(); }                       ///< Keeps the memory for the next text.
 
 private:

@@ -27,14 +27,16 @@ class nxValueWrapper;
 ///
 /// - Static operations only; no instances, no state. No operation consults a locale: letters are the 26 of ASCII,
 ///   other bytes are left alone and belong to no class.
-/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched, but for a `bool`,
+/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched, except a `bool`,
 ///   which is set to false, and an enumeration, which becomes undefined when the text belongs to another class.
-///   Nothing throws but the allocation of a string; a null `const char*` is read as an empty text.
+///   Only the allocation of a string can throw; a null `const char*` is read as an empty text.
 /// - Reading is strict: no blanks are skipped, a '+' is accepted for decimals and money only, and the whole text must
 ///   be used.
 /// - Reading an integer does NOT check the range: a number too large for the target wraps modulo 2 to the number of
 ///   its bits ("70000" into an `unsigned short` gives 4464). A caller that cares reads into a wider type and compares.
 /// - Threads: any thread, on strings of its own.
+/// - Doubles, decimals, money, dates and times belong to layers above this class. They are declared here and defined
+///   there, in core/numeric and core/time.
 /// @code
 /// unsigned volume = 0;
 /// if (nxStringHelper::SetFromString(field, volume).IsOK())
@@ -97,9 +99,9 @@ public:
         return _ReadInteger(text, value);
     }
 
-    /// Reads an optional '-', digits, and at most one @p separator before, among or behind the digits; no exponent.
-    /// Up to 15 digits the result is the double nearest to the number; with more it may be some units in the last
-    /// place away. From about 309 digits on, leading zeros not counted, the digits alone are infinite, and so is the power
+    /// Reads an optional '-', digits, and at most one @p separator before, between or after the digits; no exponent.
+    /// With up to 15 digits the result is the double nearest to the number; with more it may differ by some units in the
+    /// last place. From about 309 digits on, leading zeros not counted, the digits alone are infinite, and so is the power
     /// of ten from 309 decimals on: the result then is infinite, 0 or not a number.
     /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, double& value, char separator)
@@ -163,7 +165,7 @@ public:
     static void AppendAsString(std::string& out, int value) { _AppendInteger(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
     static void AppendAsString(std::string& out, unsigned int value) { _AppendInteger(out, value); }
-    /// There is no such operation for `long`, whose width depends on the platform: convert to `long long`.
+    /// Deleted, because the width of `long` depends on the platform: convert to `long long`.
     static void AppendAsString(std::string& out, long value) = delete;
     /// @copydoc AppendAsString(std::string&, short)
     static void AppendAsString(std::string& out, unsigned long value) { _AppendInteger(out, value); }
@@ -206,7 +208,7 @@ public:
     {
         value.AppendAsString(out);
     }
-    /// A pointer other than to `char` is no text, and no bool either.
+    /// Deleted, because a pointer to anything but `char` is not a text, and would otherwise convert to bool.
     template <nxPointer Pointer>
     requires(!std::convertible_to<Pointer, const char*>) static void AppendAsString(std::string& out,
                                                                                     Pointer value) = delete;
@@ -261,17 +263,17 @@ public:
     {
         return value.GetAsString();
     }
-    /// A pointer other than to `char` is no text, and no bool either.
+    /// Deleted, because a pointer to anything but `char` is not a text, and would otherwise convert to bool.
     template <nxPointer Pointer>
     requires(!std::convertible_to<Pointer, const char*>) static std::string GetAsString(Pointer value) = delete;
 
     // ---------------------------------------------------------------- editing and queries
 
-    /// Puts copies of @p fill in front until @p s has @p width characters; a longer text stays as it is.
+    /// Inserts copies of @p fill at the front until @p s has @p width characters; a longer text stays as it is.
     static void PadLeft(std::string& s, const unsigned int& width, const char& fill);
-    /// Puts copies of @p fill behind until @p s has @p width characters; a longer text stays as it is.
+    /// Appends copies of @p fill until @p s has @p width characters; a longer text stays as it is.
     static void PadRight(std::string& s, const unsigned int& width, const char& fill);
-    /// Removes every @p c, wherever it stands.
+    /// Removes every @p c.
     static void Strip(std::string& s, char c);
     /// Removes blanks, tabs, newlines and carriage returns at the end; no other white space.
     static void RightTrim(std::string& s);
@@ -283,7 +285,7 @@ public:
     static std::string GetRightTrimmed(const std::string& s);
     /// @return a copy without blanks, tabs, newlines and carriage returns at the front.
     static std::string GetLeftTrimmed(const std::string& s);
-    /// Replaces every @p what, from left to right, by @p with; what was put in is not searched again. Nothing happens
+    /// Replaces every @p what, from left to right, by @p with; inserted text is not searched again. Nothing happens
     /// when @p what is empty. The arguments may be the same string.
     static void Replace(std::string& s, const std::string& what, const std::string& with);
     static void ToUpper(std::string& s);                              ///< Turns a to z into A to Z.
@@ -295,8 +297,8 @@ public:
     /// @return whether the texts are equal, byte by byte (NUL included); false when @p sensitivity is neither of its
     ///         two values.
     static bool Compare(const std::string& a, const std::string& b, const nxCaseSensitivityEnum& sensitivity);
-    /// Orders by byte value (unsigned), case-insensitively by that of the lower-case letters; only what stands before
-    /// the first NUL counts.
+    /// Orders by byte value (unsigned), case-insensitively by that of the lower-case letters; only the
+    /// characters before the first NUL count.
     /// @return negative, 0 or positive (-1, 0 or 1 when case-sensitive); 0 when @p sensitivity is neither of its two
     ///         values.
     static int CompareAlphabetically(const std::string& a, const std::string& b,
@@ -330,7 +332,7 @@ private:
             return nxDigits::Write(out, value);
     }
 
-    // Appends what `write` makes of a buffer with `Room` bytes, straight into the string where it has the room already.
+    // Appends the text that `write` stores in a buffer of `Room` bytes: directly in the string if it has the room.
     template <std::size_t Room, class Write>
     static void _AppendWritten(std::string& out, Write write)
     {

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-// What a search finds nothing with must not look like a position.
-static_assert(std::string::npos == static_cast<std::size_t>(-1));
-
 std::string nxStringParser::_TakeUntil(std::size_t separator)
 {
     const std::size_t begin = _position;

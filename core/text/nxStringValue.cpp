@@ -6,7 +6,7 @@
 
 const nxStringValue& nxStringValue::GetNullInstance()
 {
-    // Never destroyed: destructors of other objects may still ask for it.
+    // Never destroyed, because destructors of other objects may still use it.
     static const nxStringValue* const instance = new nxStringValue(nxNullInitalizer{});
     return *instance;
 }

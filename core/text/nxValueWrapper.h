@@ -18,7 +18,7 @@
 template <std::integral T, T NullMark = std::numeric_limits<T>::max(), T NoChangeMark = NullMark - 1>
 class nxValueWrapper;
 
-/// Whether @p Type is a wrapper of some integer.
+/// Whether @p Type is a wrapper of an integer.
 template <class Type>
 inline constexpr bool nxIsValueWrapper = false;
 template <class T, T NullMark, T NoChangeMark>
@@ -29,17 +29,18 @@ inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>
 ///
 /// - Two values of T serve as the marks, by default the two largest: `nxValueWrapper<unsigned int>` has 4294967295 for
 ///   null and 4294967294 for no change, `nxValueWrapper<int>` 2147483647 and 2147483646.
-/// - Nothing but the state operations, GetMax(), GetMin(), the text forms and the conversion to another wrapper looks
-///   at the marks. The wrapper converts to its plain T, marks included, and calculates and compares with that: null
+/// - Only the state operations, GetMax(), GetMin(), the text forms and the conversion to another wrapper look at the
+///   marks. The wrapper converts to its plain T, marks included, and calculates and compares with that: null
 ///   plus 1 is 0, `if (wrapper)` is true for null. Test IsValid() first.
-/// - Construction and assignment from another integer type take a number that T does not hold as null; from T itself
-///   they take it as it is, marks included. What would lose a fraction does not compile.
-/// - Arithmetic is done in the wider of the two types and gives a plain number of it; where both are equally wide, in
-///   the wrapper's (the left one's of two wrappers). It wraps silently; dividing by zero gives the null mark.
+/// - Construction and assignment from another integer type turn a number that T cannot hold into null; a number of T
+///   itself is taken unchanged, marks included. A conversion that would lose a fraction does not compile.
+/// - Arithmetic is done in the wider of the two types and gives a plain number of that type. If both are equally wide,
+///   it is done in the wrapper's type (of two wrappers, in that of the left one). It wraps silently; dividing by zero
+///   gives the null mark.
 /// - A compound operator is its plain one with an assignment: `v += x` is `v = v + x`. With an operand as wide as T or
-///   narrower it wraps; with a wider one a result that T does not hold makes the wrapper null.
-/// - Unlike nxDoubleValueWrapper's, the tag constructors are straight: nxNullInitalizer makes null.
-/// - Errors: only SetFromString() fails, and leaves null behind.
+///   narrower it wraps; with a wider one a result that T cannot hold makes the wrapper null.
+/// - Unlike those of nxDoubleValueWrapper, the tag constructors do what they say: nxNullInitalizer makes null.
+/// - Errors: only SetFromString() fails; the wrapper is then null.
 /// - Threads: like a T. Ownership: a value of T's size that owns nothing.
 /// @code
 /// nxValueWrapper<unsigned int> volume;   // null
@@ -48,8 +49,8 @@ inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>
 /// volume.SetNoChange();
 /// volume.GetAsLogString();               // "NO_CHANGE"
 /// @endcode
-/// @tparam T an integer type but bool. With one of 8 bits everything but SetFromString() compiles.
-/// @tparam NullMark, NoChangeMark the values of T that stand for null and for no change.
+/// @tparam T an integer type except bool. With one of 8 bits everything except SetFromString() compiles.
+/// @tparam NullMark, NoChangeMark the values of T that mean null and no change.
 template <std::integral T, T NullMark, T NoChangeMark>
 class nxValueWrapper
 {
@@ -58,7 +59,7 @@ class nxValueWrapper
     static constexpr bool _IsNumber = std::integral<Other> || (std::is_enum_v<Other> && std::convertible_to<Other, T>);
     template <class Other>
     static constexpr bool _IsOperand = _IsNumber<Other> || nxIsValueWrapper<Other>;
-    // Classes that stand for a number which T always holds: no floating one, no wider one.
+    // Classes that convert to a number which T always holds: not to a floating or a wider one.
     template <class Other>
     static constexpr bool _StandsForNumber = std::is_class_v<Other>&& requires(const Other& other)
     {
@@ -66,23 +67,23 @@ class nxValueWrapper
     };
 
 public:
-    static constexpr T NullValue = NullMark;          ///< The number that stands for null.
-    static constexpr T NoChangeValue = NoChangeMark;  ///< The number that stands for no change.
+    static constexpr T NullValue = NullMark;          ///< The number that means null.
+    static constexpr T NoChangeValue = NoChangeMark;  ///< The number that means no change.
 
     constexpr nxValueWrapper() = default;                                              ///< Null.
     constexpr explicit nxValueWrapper(nxNullInitalizer) {}                             ///< Null.
     constexpr explicit nxValueWrapper(nxNoChangeInitalizer) : _value(NoChangeMark) {}  ///< No change.
-    /// Holds the number; of another type than T, null when T does not hold it. A mark makes a null or no-change wrapper.
+    /// Holds the number, or null when it has another type and T cannot hold it. A mark makes a null or no-change wrapper.
     template <class Number>
     requires _IsNumber<Number>
     constexpr nxValueWrapper(Number number) : _value(_HeldOrNull(_Plain(number))) {}
-    /// Holds the number for which an object of another class stands.
+    /// Holds the number to which an object of another class converts.
     template <class Other>
     requires(_StandsForNumber<Other> && !nxIsValueWrapper<Other>) constexpr explicit nxValueWrapper(const Other& other)
         : _value{other}
     {
     }
-    /// Null, no change or the number of @p other; null when T does not hold that number.
+    /// Null, no change or the number of @p other; null when T cannot hold that number.
     template <class U, U Null, U NoChange>
     constexpr explicit nxValueWrapper(const nxValueWrapper<U, Null, NoChange>& other)
         : _value(other.IsNull()       ? NullMark
@@ -109,7 +110,7 @@ public:
         return nxValueStatusEnum(IsNull() ? NX_VALUE_STATUS_NULL : NX_VALUE_STATUS_VALID);
     }
 
-    /// The number as it stands, marks included.
+    /// The number itself, marks included.
     constexpr operator T() const { return _value; }
 
     /// Ignores the state: `v = v + b`.
@@ -149,7 +150,7 @@ public:
     }
 
     /// Reads an integer by nxStringHelper's rule for T, which wraps a number that is too large.
-    /// @return NX_ERR_INVALID_PARAMETER when the text is none; the wrapper is then null.
+    /// @return NX_ERR_INVALID_PARAMETER when the text is not a number; the wrapper is then null.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text)
     {
         nxErrorEnum error = nxStringHelper::SetFromString(text, _value);
@@ -206,7 +207,7 @@ public:
             return std::strong_ordering::less;
         return a == b ? std::strong_ordering::equal : std::strong_ordering::greater;
     }
-    /// Compares exactly: no integer is equal to 0.5, and one of 64 bits is not rounded to the double beside it.
+    /// Compares exactly: no integer equals 0.5, and a 64-bit integer is not rounded to the nearest double first.
     template <std::floating_point Number>
     friend constexpr bool operator==(const nxValueWrapper& a, Number b)
     {
@@ -243,7 +244,7 @@ public:
         using Result = _Wider<decltype(_Plain(b))>;
         return static_cast<Result>(_Unsigned<Result>(a._value) * _Unsigned<Result>(_Plain(b)));
     }
-    /// Calculates in the wider type, see the class; the quotient is cut toward zero, and by zero it is the null mark.
+    /// Calculates in the wider type, see the class; the quotient is truncated toward zero. Dividing by zero gives the null mark.
     template <class Number>
     requires _IsOperand<Number>
     friend constexpr auto operator/(const nxValueWrapper& a, Number b)
@@ -292,7 +293,7 @@ private:
             return number;
     }
 
-    // Two's complement without overflow: calculated unsigned, and no narrower than the language calculates anyway.
+    // Two's complement without overflow: calculated unsigned, at least as wide as the language's own arithmetic.
     template <class Result, class Number>
     static constexpr auto _Unsigned(Number number)
     {
@@ -306,7 +307,7 @@ private:
             return static_cast<Result>(NullMark);
         if constexpr (std::is_signed_v<Result>)
         {
-            // The most negative number has no positive counterpart: it wraps to itself.
+            // The most negative number has no positive counterpart and wraps to itself.
             if (b == -1)
                 return static_cast<Result>(0 - _Unsigned<Result>(a));
         }
@@ -328,7 +329,7 @@ private:
         const std::partial_ordering order = static_cast<Real>(a) <=> b;
         if constexpr (std::numeric_limits<T>::digits > std::numeric_limits<Real>::digits)
         {
-            // Large neighbours become the same double, an integer, which decides.
+            // Neighbouring large integers become the same double. It is an integer, so compare integers.
             constexpr Real end = static_cast<Real>(T{1} << (std::numeric_limits<T>::digits - 1)) * 2;
             if (order == 0)
                 return b < end ? a <=> static_cast<T>(b) : std::strong_ordering::less;

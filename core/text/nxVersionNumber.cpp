@@ -9,7 +9,7 @@
 
 namespace
 {
-// C's atoi, whose result for a number too large is undefined; here it stops at the ends of the range.
+// As C's atoi, whose result is undefined for a number that is too large. Here such a number becomes the nearest int.
 int ReadLeadingNumber(std::string_view field)
 {
     field.remove_prefix(std::min(field.find_first_not_of(" \t\n\v\f\r"), field.size()));

@@ -1,10 +1,9 @@
 #ifndef CORE_THREAD_NXBARRIER_H
 #define CORE_THREAD_NXBARRIER_H
 
-#include <pthread.h>
-
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 
 /// A point where a number of threads wait for each other, any number of times: one POSIX barrier.
 ///
@@ -37,9 +36,9 @@ private:
     nxBarrier(const nxBarrier&) {}
     nxBarrier& operator=(const nxBarrier&) { return *this; }
 
-    pthread_barrier_t _barrier;
+    nxNative::Barrier _barrier;
 };
 
-static_assert(sizeof(nxBarrier) == sizeof(pthread_barrier_t), "nothing but its primitive");
+static_assert(sizeof(nxBarrier) == sizeof(nxNative::Barrier), "nothing but its primitive");
 
 #endif

@@ -15,7 +15,7 @@ nxErrorEnum FromTimedWait(int result)
 
 // Executes `step` under `mutex`, which is free again whatever `step` returns. The first failure is the result.
 template <class Step>
-nxErrorEnum WithLock(pthread_mutex_t& mutex, Step step)
+nxErrorEnum WithLock(nxNative::Mutex& mutex, Step step)
 {
     if (pthread_mutex_lock(&mutex) != 0)
         return nxErrorEnum(NX_ERR_UNSPECIFIED);

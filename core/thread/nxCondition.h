@@ -1,12 +1,11 @@
 #ifndef CORE_THREAD_NXCONDITION_H
 #define CORE_THREAD_NXCONDITION_H
 
-#include <pthread.h>
-
 #include <chrono>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 
 /// An event without memory: threads wait, others wake them. It has a mutex of its own, which callers never see.
 ///
@@ -55,10 +54,11 @@ private:
     nxCondition(const nxCondition&) = delete;
     nxCondition& operator=(const nxCondition&) = delete;
 
-    pthread_cond_t _condition = PTHREAD_COND_INITIALIZER;
-    pthread_mutex_t _mutex = PTHREAD_MUTEX_INITIALIZER;
+    nxNative::Condition _condition = nxNative::FreeCondition;
+    nxNative::Mutex _mutex = nxNative::FreeMutex;
 };
 
-static_assert(sizeof(nxCondition) == sizeof(pthread_cond_t) + sizeof(pthread_mutex_t), "nothing but its primitives");
+static_assert(sizeof(nxCondition) == sizeof(nxNative::Condition) + sizeof(nxNative::Mutex),
+              "nothing but its primitives");
 
 #endif

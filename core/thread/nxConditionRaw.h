@@ -1,12 +1,11 @@
 #ifndef CORE_THREAD_NXCONDITIONRAW_H
 #define CORE_THREAD_NXCONDITIONRAW_H
 
-#include <pthread.h>
-
 #include <chrono>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 #include "core/thread/nxMutex.h"
 
 /// A bare condition. Threads wait on it with an nxMutex of the caller, which is the same for all of them.
@@ -72,9 +71,9 @@ public:
 private:
     nxConditionRaw& operator=(const nxConditionRaw&) = delete;
 
-    pthread_cond_t _condition = PTHREAD_COND_INITIALIZER;
+    nxNative::Condition _condition = nxNative::FreeCondition;
 };
 
-static_assert(sizeof(nxConditionRaw) == sizeof(pthread_cond_t), "used in place in shared memory");
+static_assert(sizeof(nxConditionRaw) == sizeof(nxNative::Condition), "used in place in shared memory");
 
 #endif

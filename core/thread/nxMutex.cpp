@@ -2,14 +2,13 @@
 
 #include <cerrno>
 
-#include "core/platform/nxRobustMutex.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 namespace
 {
 // Initialises `mutex` in place as an error-checking mutex that processes share.
 // Returns the code of the first step that failed.
-int InitialiseShared(pthread_mutex_t& mutex, pthread_mutexattr_t& attributes, bool robust)
+int InitialiseShared(nxNative::Mutex& mutex, pthread_mutexattr_t& attributes, bool robust)
 {
     int result = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
     if (result == 0)
@@ -60,7 +59,7 @@ nxErrorEnum nxMutex::InitialiseAsShared(bool robust)
 // The first attempt failed. For a robust mutex that was only a try-lock, so the waiting happens here.
 nxErrorEnum nxMutex::_LockSlowly(int result) noexcept
 {
-    if (result == EBUSY && _IsRobust())
+    if (result == EBUSY && nxRobustMutex::IsRobust(_mutex))
         result = nxRobustMutex::Wait(_mutex);
     return result == 0 ? nxErrorEnum() : _LockError(result);
 }

@@ -1,11 +1,9 @@
 #ifndef CORE_THREAD_NXMUTEX_H
 #define CORE_THREAD_NXMUTEX_H
 
-#include <pthread.h>
-
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
-#include "core/platform/nxRobustMutex.h"
+#include "core/platform/inline/nxNative.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A mutex that reports misuse instead of hanging or corrupting: one POSIX mutex and nothing else.
@@ -62,7 +60,7 @@ public:
     ///         including a second lock by the holder: the call did not lock.
     nxErrorEnum Lock() noexcept NX_ACQUIRE()
     {
-        const int result = _IsRobust() ? nxRobustMutex::Try(_mutex) : pthread_mutex_lock(&_mutex);
+        const int result = nxRobustMutex::IsRobust(_mutex) ? nxRobustMutex::Try(_mutex) : pthread_mutex_lock(&_mutex);
         if (result == 0) [[likely]]
             return nxErrorEnum();
         return _LockSlowly(result);
@@ -109,17 +107,15 @@ private:
     friend class nxConditionMutex;
     friend class nxConditionRaw;
 
-    // The C library has no question for this. The bit is part of its binary interface, which processes share.
-    bool _IsRobust() const noexcept { return (_mutex.__data.__kind & 16) != 0; }
     nxErrorEnum _LockSlowly(int result) noexcept;
 
     static nxErrorEnum _LockError(int result) noexcept;
     static nxErrorEnum _TryLockError(int result) noexcept;
     static nxErrorEnum _UnlockError(int result) noexcept;
 
-    pthread_mutex_t _mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+    nxNative::Mutex _mutex = nxNative::FreeCheckedMutex;
 };
 
-static_assert(sizeof(nxMutex) == sizeof(pthread_mutex_t), "used in place in shared memory");
+static_assert(sizeof(nxMutex) == sizeof(nxNative::Mutex), "used in place in shared memory");
 
 #endif

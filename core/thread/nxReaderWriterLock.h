@@ -1,10 +1,9 @@
 #ifndef CORE_THREAD_NXREADERWRITERLOCK_H
 #define CORE_THREAD_NXREADERWRITERLOCK_H
 
-#include <pthread.h>
-
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A lock that many threads hold for reading or one for writing: one POSIX reader-writer lock, process-private.
@@ -105,9 +104,9 @@ private:
     static nxErrorEnum _TryLockError(int result) noexcept;
     static nxErrorEnum _UnlockError(int result) noexcept;
 
-    pthread_rwlock_t _lock = PTHREAD_RWLOCK_INITIALIZER;
+    nxNative::ReaderWriterLock _lock = nxNative::FreeReaderWriterLock;
 };
 
-static_assert(sizeof(nxReaderWriterLock) == sizeof(pthread_rwlock_t), "nothing but its primitive");
+static_assert(sizeof(nxReaderWriterLock) == sizeof(nxNative::ReaderWriterLock), "nothing but its primitive");
 
 #endif

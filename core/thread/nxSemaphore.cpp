@@ -14,7 +14,7 @@ nxSemaphore::nxSemaphore(unsigned initialCount) : _semaphore()
 
 nxErrorEnum nxSemaphore::InitialiseAsShared(unsigned initialCount)
 {
-    _semaphore = sem_t();
+    _semaphore = nxNative::Semaphore();
     const int result = sem_init(&_semaphore, 1, initialCount);
     if (result == 0)
         return nxErrorEnum();

@@ -1,13 +1,12 @@
 #ifndef CORE_THREAD_NXSEMAPHORE_H
 #define CORE_THREAD_NXSEMAPHORE_H
 
-#include <semaphore.h>
-
 #include <cerrno>
 #include <chrono>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 
 /// A counting semaphore: Post() adds one, a wait takes one or waits until there is one. One POSIX semaphore.
 ///
@@ -102,9 +101,9 @@ private:
     static nxErrorEnum _WaitError(int error);
     static nxErrorEnum _TryWaitError(int error);
 
-    sem_t _semaphore;
+    nxNative::Semaphore _semaphore;
 };
 
-static_assert(sizeof(nxSemaphore) == sizeof(sem_t), "used in place in shared memory");
+static_assert(sizeof(nxSemaphore) == sizeof(nxNative::Semaphore), "used in place in shared memory");
 
 #endif

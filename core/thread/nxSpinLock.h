@@ -1,10 +1,9 @@
 #ifndef CORE_THREAD_NXSPINLOCK_H
 #define CORE_THREAD_NXSPINLOCK_H
 
-#include <pthread.h>
-
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A lock whose waiters keep their processor busy instead of sleeping: one POSIX spin lock.
@@ -67,9 +66,9 @@ private:
     static nxErrorEnum _TryLockError(int result) noexcept;
     static nxErrorEnum _UnlockError(int result) noexcept;
 
-    pthread_spinlock_t _lock;
+    nxNative::SpinLock _lock;
 };
 
-static_assert(sizeof(nxSpinLock) == sizeof(pthread_spinlock_t), "used in place in shared memory");
+static_assert(sizeof(nxSpinLock) == sizeof(nxNative::SpinLock), "used in place in shared memory");
 
 #endif

@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <exception>
 
-#include "core/platform/nxPlatformThread.h"
 #include "core/platform/nxServiceThread.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 // The attributes are initialised here as well as in Create(), so that the destructor always has something to destroy.
@@ -53,9 +53,9 @@ nxErrorEnum nxThread::Wait()
     return nxErrorEnum();
 }
 
-void nxThread::Sleep(unsigned microseconds) { nxPlatformThread::SleepMilliseconds(microseconds / 1000); }
+void nxThread::Sleep(unsigned microseconds) { nxThisThread::SleepMilliseconds(microseconds / 1000); }
 
-std::string nxThread::GetThreadIDAsString() { return std::to_string(nxPlatformThread::GetID()); }
+std::string nxThread::GetThreadIDAsString() { return std::to_string(nxThisThread::GetID()); }
 
 void* nxThread::_ThreadProc(void* self)
 {

@@ -1,13 +1,12 @@
 #ifndef CORE_THREAD_NXTHREAD_H
 #define CORE_THREAD_NXTHREAD_H
 
-#include <pthread.h>
-
 #include <atomic>
 #include <string>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 
 class nxServiceThread;
 
@@ -71,8 +70,8 @@ private:
     nxErrorEnum _Create(const nxServiceThread* attributes);
     static void* _ThreadProc(void* self);
 
-    pthread_attr_t _attributes;
-    pthread_t _handle;
+    nxNative::ThreadAttributes _attributes;
+    nxNative::Thread _handle;
     std::atomic<bool> _started;
 };
 

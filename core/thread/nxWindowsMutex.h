@@ -1,12 +1,11 @@
 #ifndef CORE_THREAD_NXWINDOWSMUTEX_H
 #define CORE_THREAD_NXWINDOWSMUTEX_H
 
-#include <pthread.h>
-
 #include <string>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxNative.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A mutex that processes of one user share by its name.
@@ -47,7 +46,7 @@ public:
     /// Waits until the mutex is free or held by this thread, and takes it. Always success.
     nxErrorEnum Lock() NX_ACQUIRE()
     {
-        const int result = _mutex != nullptr ? pthread_mutex_trylock(_mutex) : 0;
+        const int result = _mutex != nullptr ? _mutex->TryLock() : 0;
         if (result != 0) [[unlikely]]
             _LockSlowly(result);
         return nxErrorEnum();
@@ -57,7 +56,7 @@ public:
     nxErrorEnum Unlock() NX_RELEASE()
     {
         if (_mutex != nullptr)
-            pthread_mutex_unlock(_mutex);
+            _mutex->Unlock();
         return nxErrorEnum();
     }
 
@@ -67,7 +66,7 @@ public:
 private:
     void _LockSlowly(int result);
 
-    pthread_mutex_t* _mutex;  // in shared memory, for the life of the process
+    nxNamedMutex* _mutex;  // in shared memory, for the life of the process
 };
 
 static_assert(sizeof(nxWindowsMutex) == 2 * sizeof(void*), "the virtual table and the handle");

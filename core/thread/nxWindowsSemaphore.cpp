@@ -1,7 +1,6 @@
 #include "core/thread/nxWindowsSemaphore.h"
 
-#include <cerrno>
-
+#include "core/platform/nxNanoseconds.h"
 #include "core/thread/internal/nxNamedHandle.h"
 
 namespace
@@ -19,26 +18,15 @@ std::int64_t WholeMilliseconds(double seconds)
 }  // namespace
 
 nxWindowsSemaphore::nxWindowsSemaphore(const std::string& name, unsigned initialCount, unsigned maximumCount)
-    : _semaphore(nullptr)
+    : _semaphore(nxNamedHandle::OpenSemaphore(name, initialCount, maximumCount))
 {
-    const auto initialise = [&](nxNamedObject& made)
-    {
-        errno = EINVAL;
-        if (maximumCount == 0 || maximumCount > nxNamedSemaphore::LargestCount || initialCount > maximumCount)
-            return false;
-        made.semaphore.Initialise(initialCount, maximumCount);
-        return true;
-    };
-    nxNamedObject* const object = nxNamedHandle::Open(name, nxNamedObjectKind::Semaphore, initialise);
-    if (object != nullptr)
-        _semaphore = &object->semaphore;
 }
 
 nxWindowsSemaphore::~nxWindowsSemaphore() = default;
 
 nxErrorEnum nxWindowsSemaphore::TimedWait(double seconds)
 {
-    if (_semaphore == nullptr || _semaphore->Wait(WholeMilliseconds(seconds) * 1'000'000))
+    if (_semaphore == nullptr || _semaphore->Wait(WholeMilliseconds(seconds) * nxNanoseconds::PerMillisecond))
         return nxErrorEnum();
     return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
 }

@@ -6,7 +6,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
-#include "core/platform/nxNamedSemaphore.h"
+#include "core/platform/inline/nxNative.h"
 
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///

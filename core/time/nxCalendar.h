@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-/// The rules of the Gregorian calendar, carried back to the year 1: pure functions without state, clock or locale.
+/// The rules of the Gregorian calendar, extended back to the year 1: pure functions without state, clock or locale.
 ///
 /// Days are counted from 1 January 1970, which is day 0. Years run from MinYear to MaxYear.
 /// @code
@@ -51,16 +51,16 @@ public:
         const unsigned marchMonth = month > 2 ? month - 3 : month + 9;
         const unsigned dayOfYear = (153 * marchMonth + 2) / 5 + day - 1;
         const unsigned days = marchYear * 365 + marchYear / 4 - marchYear / 100 + marchYear / 400 + dayOfYear;
-        return static_cast<int>(days) - _EpochFromMarchYearZero;
+        return static_cast<int>(days) - _epochFromMarchYearZero;
     }
 
-    /// Turns the number of a day back into its fields.
+    /// Finds the fields of the day with a number.
     /// @return false, with nothing stored, when the day lies outside the years MinYear to MaxYear.
     static constexpr bool GetDateOfDay(long long dayNumber, unsigned& year, unsigned& month, unsigned& day)
     {
         if (dayNumber < GetDayNumber(MinYear, 1, 1) || dayNumber > GetDayNumber(MaxYear, 12, 31))
             return false;
-        const unsigned days = static_cast<unsigned>(dayNumber + _EpochFromMarchYearZero);
+        const unsigned days = static_cast<unsigned>(dayNumber + _epochFromMarchYearZero);
         const unsigned era = days / 146097;
         const unsigned dayOfEra = days % 146097;
         const unsigned yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    static constexpr int _EpochFromMarchYearZero = 719468;  // days from 1 March of the year 0 to 1 January 1970
+    static constexpr int _epochFromMarchYearZero = 719468;  // days from 1 March of the year 0 to 1 January 1970
 };
 
 #endif

@@ -18,7 +18,7 @@ int nxDate::GetDayNumber() const { return IsNull() ? 0 : nxCalendar::GetDayNumbe
 
 unsigned nxDate::GetDayOfWeek() const
 {
-    // The first day of all, 1 January of the year 1, was a Monday.
+    // The first day, 1 January of the year 1, was a Monday.
     constexpr int firstDay = nxCalendar::GetDayNumber(1, 1, 1);
     return IsNull() ? 0 : static_cast<unsigned>(GetDayNumber() - firstDay) % 7 + 1;
 }
@@ -39,7 +39,7 @@ nxErrorEnum nxDate::SetFromISODate(unsigned isoDate)
 
 nxErrorEnum nxDate::SetFromString(const std::string& text)
 {
-    // A longer number may wrap to some day, a shorter one is a day of the first millennium: neither was meant.
+    // A longer number may wrap to a valid day, and a shorter one is a day of the first millennium. Neither is intended.
     std::uint64_t isoDate = 0;
     if (text.size() != 8 || !nxDigits::Parse(text.data(), text.data() + text.size(), isoDate))
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);

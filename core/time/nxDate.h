@@ -15,7 +15,7 @@
 ///
 /// - Units: the day is held and written as one number, yyyymmdd (20240305 is 5 March 2024). It has no time zone.
 /// - Null: a default-constructed date is null; null comes before every day.
-/// - Errors: an impossible day is never held. The constructors make null of it; the setters return
+/// - Errors: an impossible day is never held. The constructors make null instead; the setters return
 ///   NX_ERR_INVALID_PARAMETER and leave the date as it was.
 /// - Threads: like an int.
 /// - Ownership: a 4-byte value that owns nothing; pass it by value.
@@ -42,7 +42,7 @@ public:
     ///         outside the years 1 to 9999.
     static nxDate GetFromDayNumber(long long dayNumber);
 
-    constexpr void SetNull() { _isoDate = 0; }               ///< The day is forgotten.
+    constexpr void SetNull() { _isoDate = 0; }               ///< Becomes null.
     constexpr bool IsNull() const { return _isoDate == 0; }  ///< There is no day.
     constexpr bool IsValid() const { return !IsNull(); }     ///< There is a day.
 

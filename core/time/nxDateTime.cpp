@@ -17,7 +17,7 @@ void AppendFixed(std::string& out, unsigned value)
     out.append(text, Digits);
 }
 
-// Calendar years are far from the ends of the integer, so a carry that would overflow lies outside them anyway.
+// The ends of the integer are far outside calendar years, so a carry that would overflow is refused.
 bool CarryIntoSeconds(long long& seconds, unsigned& nanoseconds)
 {
     constexpr unsigned nanosecondsPerSecond = 1'000'000'000;
@@ -37,7 +37,7 @@ nxDateTime::nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds)
         local.year > nxCalendar::MaxYear)
         return;
     const nxDate date(static_cast<unsigned>(local.year), local.month, local.day);
-    // Time zones that count leap seconds have a second 60, which is shown as a second 59.
+    // Time zones that count leap seconds have a second 60, which is shown as 59.
     const unsigned second = local.firstSecond + static_cast<unsigned>(secondsSinceEpoch - local.begin);
     *this = nxDateTime(date, nxTime(local.hour, local.minute, second < 60 ? second : 59, nanoseconds));
 }
@@ -68,7 +68,7 @@ void nxDateTime::_AppendField(std::string& out, char directive) const
 
 void nxDateTime::AppendAsString(std::string& out, std::string_view pattern) const
 {
-    // A pattern that is a part of the text would move with it.
+    // A pattern that is a part of the text would move when the text grows.
     const std::less<const char*> isBefore;
     if (!isBefore(pattern.data(), out.data()) && isBefore(pattern.data(), out.data() + out.size()))
         return AppendAsString(out, std::string(pattern));

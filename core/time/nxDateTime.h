@@ -14,11 +14,11 @@
 
 /// A nullable calendar moment of local time: a date with a time of day, or a time of day alone.
 ///
-/// - Units: a day and nanoseconds since midnight. It is what the wall clock shows and keeps no time zone.
+/// - Units: a day and nanoseconds since midnight. It is the reading of a wall clock and keeps no time zone.
 /// - Null: a default-constructed date-time is null and comes before all others; one with a time of day alone comes
 ///   before all that have a date.
-/// - Errors: an impossible date or time, and a moment outside the years 1 to 9999, make null.
-/// - Threads: like an int. The constructor that converts a moment reads the process's time zone; nobody may change the
+/// - Errors: an impossible date or time, and a moment outside the years 1 to 9999, give null.
+/// - Threads: like an int. The constructor that converts a moment reads the process's time zone; no thread may change the
 ///   environment variable TZ meanwhile.
 /// - Ownership: a 16-byte value that owns nothing.
 /// @code
@@ -38,12 +38,12 @@ public:
     constexpr nxDateTime(unsigned hours, unsigned minutes, unsigned seconds) : _time(hours, minutes, seconds) {}
     /// The local time of a moment.
     /// @param secondsSinceEpoch seconds since 1 January 1970, 00:00 UTC; negative before it.
-    /// @param nanoseconds what is added to them; a second and more is carried over.
+    /// @param nanoseconds are added to them; whole seconds are carried over.
     nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds);
 
     static constexpr nxDateTime GetNullInstance() { return nxDateTime(); }  ///< A null date-time.
 
-    constexpr void SetNull() { *this = nxDateTime(); }        ///< Date and time are forgotten.
+    constexpr void SetNull() { *this = nxDateTime(); }        ///< Becomes null.
     constexpr bool IsNull() const { return _time.IsNull(); }  ///< There is neither date nor time.
     constexpr bool IsValid() const { return !IsNull(); }      ///< There is at least a time of day.
     /// @return whether there is a time of day and no date.
@@ -59,7 +59,7 @@ public:
     void AppendAsString(std::string& out) const;
     /// Formats with a pattern: %d day and %m month with two digits, %b month as "Jan" to "Dec", %y year with two
     /// digits, %Y with four, %H, %M and %S hours, minutes and seconds with two digits, %% a percent sign. Everything
-    /// else stands for itself. Months are English whatever the locale. A field that is null gives nothing.
+    /// else is copied. Months are English in every locale. A field that is null gives nothing.
     std::string GetAsString(std::string_view pattern) const;
     /// Appends what GetAsString(pattern) returns. @p pattern may be a part of @p out.
     void AppendAsString(std::string& out, std::string_view pattern) const;
@@ -90,7 +90,7 @@ struct std::hash<nxDateTime>
     /// Agrees with `==`.
     std::size_t operator()(const nxDateTime& dateTime) const noexcept
     {
-        // An odd factor takes the date to all bits and no two dates to the same.
+        // An odd factor spreads the date over all bits and keeps different dates different.
         return static_cast<std::size_t>(dateTime.GetDate().GetISODate()) * 0x9E3779B97F4A7C15u ^
                std::hash<nxTime>()(dateTime.GetTime());
     }

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 namespace
 {
@@ -11,12 +11,12 @@ constexpr double ticksPerSecond = 1e9;
 
 long long ReadCounter() { return nxClock::MeasuredNanoseconds(); }
 
-// Taken at load; a static constructor that asks before reads the time since the machine was started.
+// Set when the library is loaded. Before that, the process's start reads as 0, which is about when the machine started.
 std::atomic<long long> globalStart{ReadCounter()};
 
 double SecondsSince(long long start)
 {
-    // Threads may have stored a start that is later than this thread's reading.
+    // Another thread may have stored a start that is later than this thread's reading.
     const long long ticks = ReadCounter() - start;
     return ticks > 0 ? static_cast<double>(ticks) / ticksPerSecond : 0.0;
 }

@@ -5,7 +5,7 @@
 
 /// Measures intervals: each object from its construction or last Reset(), and once for the whole process.
 ///
-/// - Units: seconds as a double, never negative; a step of the wall clock does not show.
+/// - Units: seconds as a double, never negative; steps of the wall clock have no effect.
 /// - Threads: the process-wide start may be read and reset by any thread; an object is like an int.
 /// @code
 /// nxElapsedTimeCounter counter;

@@ -9,7 +9,7 @@
 
 namespace
 {
-// Reads all of `digits` as a number; there must be digits and nothing else.
+// Reads a text that must consist of digits.
 bool ReadDigits(std::string_view digits, unsigned& value)
 {
     std::uint64_t number = 0;
@@ -19,7 +19,7 @@ bool ReadDigits(std::string_view digits, unsigned& value)
     return true;
 }
 
-// Reads ".5" as 500,000,000 nanoseconds; nothing at all is no fraction.
+// Reads ".5" as 500,000,000 nanoseconds and an empty text as 0.
 bool ReadFraction(std::string_view text, unsigned& nanoseconds)
 {
     nanoseconds = 0;
@@ -32,7 +32,7 @@ bool ReadFraction(std::string_view text, unsigned& nanoseconds)
     return true;
 }
 
-// Writes the fraction in the shortest of milliseconds, microseconds and nanoseconds that loses nothing.
+// Writes the fraction as milliseconds, microseconds or nanoseconds: the shortest that is exact.
 char* WriteFraction(char* out, unsigned nanoseconds)
 {
     if (nanoseconds == 0)

@@ -14,7 +14,7 @@
 ///
 /// - Units: nanoseconds since midnight. It has no day and no time zone; there is no leap second.
 /// - Null: a default-constructed time is null, which differs from midnight and comes before every time.
-/// - Errors: an impossible time is never held. The constructors make null of it; the setters return
+/// - Errors: an impossible time is never held. The constructors make null instead; the setters return
 ///   NX_ERR_INVALID_PARAMETER and leave the time as it was.
 /// - Threads: like an int.
 /// - Ownership: an 8-byte value that owns nothing; pass it by value.
@@ -27,7 +27,7 @@ class NX_CORE_API nxTime
 {
 public:
     static constexpr long long NanosecondsPerSecond = 1'000'000'000;               ///< The unit, in seconds.
-    static constexpr long long NanosecondsPerDay = 86'400 * NanosecondsPerSecond;  ///< Every time is below it.
+    static constexpr long long NanosecondsPerDay = 86'400 * NanosecondsPerSecond;  ///< Every time is less.
 
     constexpr nxTime() = default;                   ///< Null.
     constexpr explicit nxTime(nxNullInitalizer) {}  ///< Null.
@@ -40,7 +40,7 @@ public:
 
     static constexpr nxTime GetNullInstance() { return nxTime(); }  ///< A null time.
 
-    constexpr void SetNull() { _nanoseconds = _null; }               ///< The time is forgotten.
+    constexpr void SetNull() { _nanoseconds = _null; }               ///< Becomes null.
     constexpr bool IsNull() const { return _nanoseconds == _null; }  ///< There is no time.
     constexpr bool IsValid() const { return !IsNull(); }             ///< There is a time.
 

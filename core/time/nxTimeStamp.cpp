@@ -30,7 +30,7 @@ constexpr std::uint64_t Character(char character, int position)
     return static_cast<std::uint64_t>(static_cast<unsigned char>(character)) << (8 * position);
 }
 
-// "Jan" to "Dec", and a blank, where they stand in the first eight characters.
+// "Jan" to "Dec", and a blank, at their places in the first eight characters.
 constexpr auto monthNames = []
 {
     std::array<std::uint64_t, 12> words{};
@@ -42,16 +42,16 @@ constexpr auto monthNames = []
     return words;
 }();
 
-// The text of the minute whose stamps this thread printed last.
+// The text of the minute that this thread printed last.
 struct MinuteText
 {
-    std::int64_t begin;    // of the seconds that it serves
-    std::uint64_t length;  // how many these are; none at first
+    std::int64_t begin;    // the first second with this text
+    std::uint64_t length;  // the number of such seconds; 0 at first
     std::uint64_t date;    // "05Mar24 "
     std::uint64_t time;    // "09:07:" and two NULs
     nxLocalZoneMark mark;
     unsigned firstSecond;
-    int trust;  // how many more texts may be printed before the zone is looked at again
+    int trust;  // the number of texts until the zone is checked again
 
     bool Holds(long long second) const
     {
@@ -84,13 +84,13 @@ struct MinuteText
     }
 };
 
-// Bounds how many texts a thread prints in the old zone after a change of the process's zone that its mark does not
-// show.
+// Limits the number of texts that a thread prints in the old zone after a change of the process's zone that the mark
+// does not show.
 constexpr int textsBetweenChecks = 256;
 
 [[gnu::tls_model("initial-exec")]] constinit thread_local MinuteText lastMinute{};
 
-// Out of line, so that the usual case saves no registers.
+// Out of line, so that the usual case need not save registers.
 [[gnu::noinline]] unsigned PrintAfterCheck(long long second, unsigned nanoseconds, char* buffer)
 {
     MinuteText& last = lastMinute;

@@ -9,14 +9,14 @@
 #include <limits>
 #include <string>
 
-#include "core/numeric/nxDoubleHelper.h"
 #include "core/nxExport.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 
 class nxDateTime;
 
 /// A time point of std::chrono::system_clock, in whole units of any length that are a part or a multiple of a second.
-/// Written so that this header does without the standard's chrono header.
+/// Written without the standard's chrono header, which this header does not need.
 template <class TimePoint>
 concept nxSystemTimePoint = std::signed_integral<typename TimePoint::rep> && requires(const TimePoint& moment)
 {
@@ -28,11 +28,11 @@ concept nxSystemTimePoint = std::signed_integral<typename TimePoint::rep> && req
 ///
 /// - Units: whole seconds since 1 January 1970 00:00 UTC (negative before it) and nanoseconds within the second.
 /// - Null: there is none; a default-constructed stamp is now.
-/// - Errors: a text of a moment whose year fits no calendar is empty; nothing throws but the strings' allocation.
+/// - Errors: the text of a moment whose year fits no calendar is empty; only the allocation of strings can throw.
 /// - Texts are in the local time of the process, with English month names in every locale. Each thread remembers the
-///   minute that it printed last. When the process's zone is changed (the variable TZ, then tzset()), texts follow at
-///   once; only between two zones that the C library's `timezone` and `daylight` do not tell apart, such as those of
-///   Chicago and Mexico City, a thread may print up to 256 more texts in the old one.
+///   minute that it printed last. When the process's zone is changed (the variable TZ, then tzset()), texts follow
+///   immediately, with one exception: between two zones with the same values of the C library's `timezone` and
+///   `daylight`, such as those of Chicago and Mexico City, a thread may print up to 256 more texts in the old one.
 /// - Threads: like an int. Ownership: a value that owns nothing.
 /// @code
 /// const nxTimeStamp now;
@@ -51,14 +51,14 @@ public:
         _seconds = now.seconds;
         _nanoseconds = now.nanoseconds / 1'000'000 * 1'000'000;
     }
-    /// From parts, kept as they are. Only @p nanoseconds below 1,000,000,000 make a proper stamp. GetAsString() and
-    /// GetAsStringFast() leave out what is above, while GetAsDateTime() carries it over into the seconds: two texts of
+    /// From parts, which are stored unchanged. A proper stamp has @p nanoseconds below 1,000,000,000. Of larger ones,
+    /// GetAsString() and GetAsStringFast() drop the whole seconds while GetAsDateTime() carries them over, so two texts of
     /// such a stamp name different seconds.
     nxTimeStamp(const long long& seconds, const unsigned int& nanoseconds)
         : _seconds(seconds), _nanoseconds(nanoseconds)
     {
     }
-    /// The same moment; the first or last one that a stamp can hold where it reaches further.
+    /// The same moment; the first or last one that a stamp can hold if it is outside that range.
     template <nxSystemTimePoint TimePoint>
     explicit nxTimeStamp(const TimePoint& moment)
     {
@@ -91,7 +91,7 @@ public:
     unsigned int GetMilliseconds() const { return _nanoseconds / 1'000'000; }
     /// The fraction of the second in microseconds, truncated.
     unsigned int GetMicroseconds() const { return _nanoseconds / 1'000; }
-    /// Seconds and fraction in one number: about 0.2 microseconds are lost to rounding in our days.
+    /// Seconds and fraction in one number. Rounding loses about 0.2 microseconds for present-day moments.
     double GetTotalSecondsAsDouble() const
     {
         const double fraction = static_cast<double>(_nanoseconds) / nxDoubleHelper::Rounded(1e9);
@@ -103,8 +103,8 @@ public:
     nxDateTime GetAsDateTime() const;
 
     /// The moment as a time point of std::chrono::system_clock, e.g.
-    /// GetAsTimePoint<std::chrono::system_clock::time_point>(): rounded down to a whole unit, or the type's first or
-    /// last moment when it does not reach that far.
+    /// GetAsTimePoint<std::chrono::system_clock::time_point>(): rounded down to a whole unit, or the first or last
+    /// moment of a type that does not reach that far.
     template <nxSystemTimePoint TimePoint>
     TimePoint GetAsTimePoint() const
     {
@@ -123,12 +123,12 @@ public:
         return TimePoint(Duration(static_cast<Count>(units)));
     }
 
-    /// The local time as "05Mar24 09:07:03.123", or an empty text where GetAsStringFast() returns 0.
+    /// The local time as "05Mar24 09:07:03.123", or an empty text if GetAsStringFast() returns 0.
     std::string GetAsString() const;
 
     /// Writes the local time as exactly 24 characters, "05Mar24 09:07:03.123.456" (milliseconds, then microseconds),
     /// and a NUL. Years are printed modulo 100. Allocates nothing and uses no C formatting.
-    /// @param buffer room for at least TextSize bytes. @param size is not consulted.
+    /// @param buffer room for at least TextSize bytes. @param size is ignored.
     /// @return 25, or 0 with nothing written when the year does not fit the C library's calendar.
     unsigned int GetAsStringFast(char* buffer, unsigned int size) const;
 
@@ -142,14 +142,14 @@ private:
     unsigned int _nanoseconds;
 };
 
-/// Writes the 24 characters of nxTimeStamp::GetAsStringFast(), or nothing where there are none.
+/// Writes the 24 characters of nxTimeStamp::GetAsStringFast(), or nothing if there are none.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, const nxTimeStamp& stamp);
 
 /// Equal stamps have equal hashes.
 template <>
 struct std::hash<nxTimeStamp>
 {
-    /// Of seconds and nanoseconds.
+    /// Combines seconds and nanoseconds.
     std::size_t operator()(const nxTimeStamp& stamp) const noexcept
     {
         const auto seconds = static_cast<unsigned long long>(stamp.GetSeconds());

@@ -18,7 +18,8 @@ import sys
 LAYERS = (
     ("platform",),
     ("enum",),
-    ("text", "numeric", "time"),
+    ("text",),
+    ("numeric", "time"),
     ("thread",),
     ("process",),
     ("log",),
@@ -55,7 +56,7 @@ UNITS_FORM_NO_CIRCLE = False
 FOLDERS_FORM_NO_CIRCLE = False
 LOG_IS_IN_ORDER = True
 SYSTEM_IS_IN_ITS_FOLDER = False
-FORKS_ARE_HANDLED_IN_ONE_FILE = False
+FORKS_ARE_HANDLED_IN_ONE_FILE = True
 
 # What belongs to the system: its folder, and the header that gives the locks their primitives.
 SYSTEM_FOLDER = "core/platform/linux/"

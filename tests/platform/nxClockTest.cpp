@@ -1,4 +1,4 @@
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 #include <gtest/gtest.h>
 #include <sched.h>

@@ -1,10 +1,9 @@
 #ifndef CORE_ENUM_INLINE_NXBITMASKFLAGS_H
 #define CORE_ENUM_INLINE_NXBITMASKFLAGS_H
 
-// The flags of every bit mask, once: constant, word, short description, long description; in bit order. A mask takes its
-// constants and its registrations from the list that bears its name, by NX_BIT_MASK and NX_BIT_MASK_SOURCE.
-// Texts are shown on screens and kept in users' settings, so a text, once given, is never changed, and a bit, once given,
-// is never reused for another meaning.
+// The flags of every bit mask in bit order: constant, word, short description, long description. NX_BIT_MASK and
+// NX_BIT_MASK_SOURCE make a mask's constants and registrations from the list with its name.
+// Texts appear on screens and in users' settings, so a text is never changed and a bit never gets another meaning.
 
 #define NX_FLAGS_nxOrderFillSummaryFieldBitMask(FLAG)      \
     FLAG(TREE_LEVEL, Bit(0), "TREE_LEVEL", "TreeLevel")    \
@@ -170,7 +169,7 @@
     FLAG(CONTROL_KEY, Bit(1), "Control", "Control key") \
     FLAG(ALT_KEY, Bit(2), "Alt", "Alt key")
 
-// Levels, not single bits: 3 is a level of its own beside 1 and 2.
+// Levels, not single bits: 3 is a level in its own right, not 1 and 2 together.
 #define NX_FLAGS_nxGenericDataAccessLevelBaseBitMask(FLAG)              \
     FLAG(NO_ACCESS, 0, "None", "No access")                             \
     FLAG(READ_ACCESS, 1, "Read", "Read access")                         \

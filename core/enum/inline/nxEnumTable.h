@@ -12,18 +12,18 @@
 
 #include "core/nxExport.h"
 
-/// The look-up tables of all enumerations, by value and by short description. Not for direct use: nxEnum is the way in.
+/// The look-up tables of all enumerations, by value and by short description. nxEnum is the interface to them.
 ///
-/// By value it is a table of pages, by text an open hash table; both stand in zero-initialised memory, so they may be
-/// asked at any moment of the process's life. One thread at a time adds entries; meanwhile any number of threads may
-/// look up, and find an entry either whole or not at all. Nothing is ever removed, and texts stay where they are.
+/// By value it is a table of pages, by text an open hash table. Both are initialised with constants, so look-ups work at
+/// any moment of the process's life. One thread at a time adds entries; meanwhile any number of threads may look up, and
+/// find an entry either whole or not at all. Nothing is ever removed, and texts stay at their addresses.
 class NX_CORE_API nxEnumTable
 {
 public:
     using Texts = std::pair<std::string, std::string>;  ///< Short description, long description.
 
-    static constexpr std::int64_t NotFound = -1;        ///< Stands for "no value".
-    static constexpr std::size_t MaximumTextSize = 64;  ///< Of a short description.
+    static constexpr std::int64_t NotFound = -1;        ///< Means "no value".
+    static constexpr std::size_t MaximumTextSize = 64;  ///< The longest short description.
 
     /// @return the texts of @p value, or null.
     static const Texts* Find(const unsigned& value)
@@ -43,34 +43,35 @@ public:
     /// Makes room for @p value and one more name. @throws std::bad_alloc
     static void Reserve(unsigned value);
 
-    /// Adds a value that is not there yet, with a short description that is not there yet and not too long.
+    /// Adds a value and its short description, neither of which is registered yet; the description is not too long.
     /// @p texts must live as long as the process. @pre Reserve(value)
     static void Add(unsigned value, const Texts& texts) noexcept;
 
 private:
-    static constexpr std::size_t PageSize = 65536;
-    static constexpr std::size_t PageCount = 65536;
+    static constexpr std::size_t _pageSize = 65536;
+    static constexpr std::size_t _pageCount = 65536;
 
-    // Each half is loaded by itself from where the value stands, which takes half the instructions of taking a loaded
-    // value apart: a seventh of the whole look-up.
+    // Each half is loaded by itself from the memory of the value. This takes half the instructions of splitting a loaded
+    // value, a seventh of the whole look-up.
     static std::uint16_t _UpperHalf(const unsigned& value) { return _Half(value, _littleEndian ? 1 : 0); }
     static std::uint16_t _LowerHalf(const unsigned& value) { return _Half(value, _littleEndian ? 0 : 1); }
     static std::uint16_t _Half(const unsigned& value, std::size_t index)
     {
-        static_assert(sizeof value == 2 * sizeof(std::uint16_t) && PageSize == 65536 && PageCount == 65536);
+        static_assert(sizeof value == 2 * sizeof(std::uint16_t) && _pageSize == 65536 && _pageCount == 65536);
         std::uint16_t half;
         std::memcpy(&half, reinterpret_cast<const char*>(&value) + index * sizeof half, sizeof half);
         return half;
     }
     static constexpr bool _littleEndian = std::endian::native == std::endian::little;
-    static constexpr std::size_t WordBits = 64;
+    static constexpr std::size_t _wordBits = 64;
 
     struct Page
     {
-        std::atomic<const Texts*> texts[PageSize];
-        std::atomic<std::uint64_t> present[PageSize / WordBits];  // one bit a value, for walks over sparse values
+        std::atomic<const Texts*> texts[_pageSize];
+        std::atomic<std::uint64_t> present[_pageSize / _wordBits];  // one bit a value, for walks over sparse values
     };
     struct Slot;
+    struct NameTable;
     struct Storage;
 
     // A pointer rather than the array itself: programs that are not position-independent copy exported data.

@@ -4,8 +4,8 @@
 #include "core/enum/inline/nxBitMaskFlags.h"
 #include "core/enum/nxTypedBitMask.h"
 
-/// The inside of a bit mask class whose flags are the list NX_FLAGS_<class>: its constants as the enumeration `Flag`, its
-/// constructors and assignments, and its name. The class derives from nxTypedBitMask and says no more.
+/// The body of a bit mask class whose flags are the list NX_FLAGS_<class>: its constants as the enumeration `Flag`, its
+/// constructors and assignments, and its name. The class derives from nxTypedBitMask and needs nothing else.
 /// @code
 /// #define NX_FLAGS_myQuoteFlagsBitMask(FLAG) FLAG(FIRM, Bit(0), "FIRM", "Firm") FLAG(LATE, Bit(1), "LATE", "Late")
 ///
@@ -38,9 +38,9 @@ private:                                       \
     }                                                                           \
     std::string CLASS::GetClassName() const { return #CLASS; }
 
-/// What NX_BIT_MASK makes of a row: the constant.
+/// Makes the constant of a row, for NX_BIT_MASK.
 #define NX_FLAG_CONSTANT(constant, word, shortDescription, longDescription) constant = word,
-/// What NX_BIT_MASK_SOURCE makes of a row: the texts to register.
+/// Makes the texts of a row, for NX_BIT_MASK_SOURCE.
 #define NX_FLAG_TEXTS(constant, word, shortDescription, longDescription) {constant, shortDescription, longDescription},
 
 #endif

@@ -4,16 +4,16 @@
 #include <concepts>
 #include <type_traits>
 
-/// An integer that is a number: every integer type but bool.
+/// Every integer type except bool.
 template <class Type>
 concept nxPlainInteger = std::integral<Type> && !std::same_as<Type, bool>;
 
-/// A number or a constant that would lose something on its way into a @p Word: a wider one, or a floating one.
+/// A number or constant that a @p Word may not hold exactly: a wider one, or one of a floating-point type.
 template <class Type, class Word>
 concept nxWiderThan = std::convertible_to<Type, Word> && !std::is_class_v<Type> &&
                       (std::floating_point<Type> || sizeof(Type) > sizeof(Word));
 
-/// What the language turns into an unsigned though it is no whole number, or a constant that does not fit.
+/// A type that converts to unsigned implicitly although it is not a whole number, or a constant that does not fit.
 template <class Type>
 concept nxUnfitForUnsigned = std::same_as<Type, bool> ||(nxWiderThan<Type, unsigned> && !nxPlainInteger<Type>);
 

@@ -11,11 +11,10 @@
 #include <string_view>
 #include <utility>
 
-/// Internal to the library: the texts of all flags of the 32-bit masks, or of the 64-bit ones.
+/// The texts of all flags of the 32-bit masks, or of the 64-bit ones.
 ///
-/// The ordered maps hold the texts. Beside them stands an index of the single-bit entries that grows by publishing
-/// finished nodes, so that threads print masks without a lock while a plug-in that is being loaded registers its own.
-/// Nothing is ever removed.
+/// The ordered maps hold the texts. An index of the single-bit entries grows by publishing finished nodes, so threads
+/// print masks without a lock while a plug-in registers its own during loading. Nothing is ever removed.
 template <class Word>
 class nxBitMaskRegistry
 {
@@ -32,11 +31,11 @@ public:
 
     Map& GetMap() { return _map; }
 
-    /// One thread at a time.
+    /// Adds a flag's texts. Only one thread at a time may call this.
     bool Register(const std::string& className, Word word, const std::string& shortDescription,
                   const std::string& longDescription)
     {
-        // The flag comes last: without memory for it or for what it stands in, another attempt finds it missing.
+        // The flag comes last: when memory runs out before, another attempt finds it missing and adds it.
         const auto classEntry = _map.try_emplace(className).first;
         Class& indexed = FindOrAdd(classEntry->first);
         const auto [entry, added] = classEntry->second.try_emplace(word, shortDescription, longDescription);
@@ -45,7 +44,7 @@ public:
         return added;
     }
 
-    /// The texts of the flags set in @p mask, lowest bit first, or what stands for a mask that is not valid.
+    /// The texts of the flags set in @p mask, lowest bit first, or the word for a mask that is not valid.
     template <class Mask>
     std::string Describe(const Mask& mask, std::string_view separator, std::string Texts::*text) const
     {
@@ -75,18 +74,18 @@ public:
     }
 
 private:
-    static constexpr std::size_t BitCount = std::numeric_limits<Word>::digits;
-    static constexpr std::size_t BucketCount = 64;
+    static constexpr std::size_t _bitCount = std::numeric_limits<Word>::digits;
+    static constexpr std::size_t _bucketCount = 64;
 
     struct Class
     {
         const std::string* name;
         Class* next;
-        std::array<std::atomic<const Texts*>, BitCount> texts{};
+        std::array<std::atomic<const Texts*>, _bitCount> texts{};
     };
 
     static std::size_t Index(Word word) { return static_cast<std::size_t>(std::countr_zero(word)); }
-    static std::size_t Bucket(std::string_view name) { return std::hash<std::string_view>()(name) % BucketCount; }
+    static std::size_t Bucket(std::string_view name) { return std::hash<std::string_view>()(name) % _bucketCount; }
 
     Class* Find(std::string_view name) const
     {
@@ -107,7 +106,7 @@ private:
     }
 
     Map _map;
-    std::array<std::atomic<Class*>, BucketCount> _buckets{};
+    std::array<std::atomic<Class*>, _bucketCount> _buckets{};
 };
 
 #endif

@@ -7,20 +7,20 @@
 #include <cstring>
 #include <string_view>
 
-/// Internal to the library: the hash of an identifier, as its hash table keeps it.
+/// The hash of an identifier, as the hash table of nxEnumTable stores it.
 class nxNameTag
 {
 public:
-    static constexpr std::size_t MaximumSize = 64;  ///< Of an identifier.
+    static constexpr std::size_t MaximumSize = 64;  ///< The longest identifier.
 
     /// The lowest bits of a tag are the length itself: equal tags mean equal lengths.
     static constexpr unsigned SizeBits = std::bit_width(MaximumSize);
 
-    /// Made of every byte, because names with a common prefix and a common ending are the rule.
+    /// Computed from every byte, because most names share a prefix and an ending with others.
     /// @pre name.size() <= MaximumSize
     static std::uint32_t Get(std::string_view name)
     {
-        // The fold and the second product bring what only the upper bits know of into all of the tag.
+        // The fold and the second product spread the upper bits over the whole tag.
         std::uint64_t hash = _Hash(name.data(), name.size());
         hash = (hash ^ hash >> 32) * 0x9E3779B97F4A7C15u;
         return static_cast<std::uint32_t>(hash >> (32 + SizeBits)) << SizeBits |

@@ -9,7 +9,7 @@
 #include "core/enum/nxEnumValue.h"
 #include "core/log/inline/nxLogRecordHeader.h"
 #include "core/nxExport.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 class nxLogRing;
 struct nxLogSource;

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// How long a thread has waited, not counting time in which the process itself did not run. A process that is stopped,
 /// or kept from its processor for seconds, finds all that time gone at its next look. That says nothing about the

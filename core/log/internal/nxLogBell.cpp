@@ -1,6 +1,6 @@
 #include "core/log/internal/nxLogBell.h"
 
-#include "core/platform/nxFutex.h"
+#include "core/platform/nxWaitWord.h"
 
 namespace
 {
@@ -26,14 +26,14 @@ nxLogBell::State nxLogBell::ChangeState(State from, State to) noexcept
 void nxLogBell::Ring() noexcept
 {
     if (_word.exchange(writerCalled, std::memory_order_acq_rel) == writerAsleep)
-        nxFutex::WakeAll(_word);
+        nxWaitWord::WakeAll(_word);
 }
 
 void nxLogBell::Sleep(std::int64_t nanoseconds) noexcept
 {
     std::uint32_t expected = writerAwake;
     if (_word.compare_exchange_strong(expected, writerAsleep, std::memory_order_acq_rel))
-        nxFutex::Wait(_word, writerAsleep, nanoseconds);
+        nxWaitWord::Wait(_word, writerAsleep, nanoseconds);
     // Not a plain store, which could reach memory after the exchange of a caller and so overwrite a call.
     _word.exchange(writerAwake, std::memory_order_acq_rel);
 }

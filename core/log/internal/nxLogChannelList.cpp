@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "core/log/internal/nxLogCounters.h"
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/internal/nxForkMutex.h"
 
 namespace
@@ -73,7 +73,7 @@ nxLogRing* nxLogChannelList::Attach() noexcept
     if (ringsOfThisThread == nullptr)
     {
         ringsOfThisThread = ring;
-        nxThreadHooks::AtThreadExit(&EndRings, ring);
+        nxThisThread::CallAtEnd(&EndRings, ring);
         return ring;
     }
     nxLogRing* last = ringsOfThisThread;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <new>
 
-#include "core/platform/nxFutex.h"
+#include "core/platform/nxWaitWord.h"
 
 /// The figures of nxLogStatistics, and the progress of the devices.
 ///
@@ -40,7 +40,7 @@ public:
     {
         _progress.fetch_add(1, std::memory_order_seq_cst);
         if (_watchers.load(std::memory_order_seq_cst) != 0)
-            nxFutex::WakeAll(_progress);
+            nxWaitWord::WakeAll(_progress);
     }
     /// @return the number of signs of life so far; wraps.
     static std::uint32_t GetProgress() noexcept { return _progress.load(std::memory_order_acquire); }
@@ -57,7 +57,7 @@ public:
         /// Returns when the progress differs from @p seen, after @p nanoseconds, or for no reason.
         void WaitForProgress(std::uint32_t seen, std::int64_t nanoseconds) const noexcept
         {
-            nxFutex::Wait(_progress, seen, nanoseconds);
+            nxWaitWord::Wait(_progress, seen, nanoseconds);
         }
     };
 

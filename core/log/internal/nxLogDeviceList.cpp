@@ -7,7 +7,7 @@
 
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 

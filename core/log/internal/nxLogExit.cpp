@@ -12,7 +12,6 @@
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/platform/nxStandardStream.h"
-#include "core/platform/nxThreadHooks.h"
 
 namespace
 {
@@ -60,5 +59,5 @@ void nxLogExit::Register() noexcept
 {
     // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever.
     static constinit bool isRegistered = false;
-    isRegistered = isRegistered || nxThreadHooks::AtExit(&WriteOutAtExit);
+    isRegistered = isRegistered || nxProcess::CallAtEnd(&WriteOutAtExit);
 }

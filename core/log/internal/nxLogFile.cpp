@@ -7,7 +7,7 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogManager.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxDirectory.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxStandardStream.h"

@@ -1,10 +1,8 @@
 #include "core/log/internal/nxLogFileNames.h"
 
-#include <errno.h>
-
 #include <algorithm>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
 #include "core/process/nxApplicationName.h"
@@ -76,7 +74,7 @@ std::string nxLogFileNames::ReadApplication()
     constexpr std::size_t longestName = 64;
     std::string name = nxApplicationName::Get();
     if (name.empty())
-        name = program_invocation_short_name;
+        name = nxProcess::GetProgramName();
     name.resize(std::min(name.size(), longestName));
     for (char& c : name)
     {

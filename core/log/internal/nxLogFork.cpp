@@ -12,7 +12,7 @@
 #include "core/log/internal/nxLogSourceTable.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/internal/nxLogWriterThread.h"
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxForkHandlers.h"
 
 namespace
 {
@@ -48,4 +48,8 @@ void AfterForkInChild()
 }
 }  // namespace
 
-void nxLogFork::Register() noexcept { nxThreadHooks::AtFork(&BeforeFork, &AfterForkInParent, &AfterForkInChild); }
+void nxLogFork::Register() noexcept
+{
+    static constexpr nxForkHandlers::Functions functions{&BeforeFork, &AfterForkInParent, &AfterForkInChild};
+    nxForkHandlers::Register(nxForkHandlers::Rank::Log, functions);
+}

@@ -6,7 +6,7 @@
 
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogRecord.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// Takes the records out of all rings, in rounds: Begin(), then Next() until there is none, then GiveBackRoom().
 ///

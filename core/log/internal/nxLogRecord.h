@@ -2,7 +2,7 @@
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 
 #include "core/log/inline/nxLogSource.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// A view of one record, wherever its bytes are: what devices are given and lines are made of.
 ///

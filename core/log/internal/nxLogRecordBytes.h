@@ -7,7 +7,7 @@
 
 #include "core/log/inline/nxLogRecordHeader.h"
 #include "core/log/internal/nxLogRecord.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 
 /// The fields of an nxLog that a statement does not have, as they are queued. The file follows with a NUL.
 struct nxLogObjectFields

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/log/internal/nxLogBell.h"
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/nxThreadIndex.h"
 
 namespace
@@ -16,7 +16,7 @@ nxLogRing::nxLogRing(nxLogSegment& segment) noexcept
 {
     _head.store(segment.begin, std::memory_order_relaxed);
     _limit = segment.begin;
-    _processor = nxThreadHooks::GetProcessorWord();
+    _processor = nxThisThread::GetProcessorWord();
     _segment = &segment;
     _threadIndex = nxThreadIndex::GetIndexOfCurrentThread();
     _tail.store(segment.begin, std::memory_order_relaxed);

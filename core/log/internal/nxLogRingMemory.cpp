@@ -6,7 +6,7 @@
 
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogRecordBytes.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"

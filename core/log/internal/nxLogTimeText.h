@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/time/internal/nxFractionText.h"
 #include "core/time/nxTimeStamp.h"

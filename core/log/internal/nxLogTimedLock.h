@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "core/platform/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/nxMutex.h"
 
 /// Locks a mutex within a limit: the thread that holds it may be inside a device for as long as a disk or a reader takes.
@@ -33,7 +33,7 @@ public:
         {
             if (nxClock::MonotonicNanoseconds() >= deadline)
                 return false;
-            nxPlatformThread::SleepMilliseconds(1);
+            nxThisThread::SleepMilliseconds(1);
         }
         return true;
     }

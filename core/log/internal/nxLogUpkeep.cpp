@@ -12,7 +12,7 @@
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
-#include "core/platform/nxClock.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
 
 namespace

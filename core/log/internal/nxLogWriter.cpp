@@ -11,8 +11,8 @@
 #include "core/log/internal/nxLogMerge.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWait.h"
-#include "core/platform/nxClock.h"
-#include "core/platform/nxFutex.h"
+#include "core/platform/inline/nxClock.h"
+#include "core/platform/nxWaitWord.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -70,7 +70,7 @@ bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
     if (isAwaited && outcome != Outcome::NoMemory)
     {
         _reached.store(wanted, std::memory_order_release);
-        nxFutex::WakeAll(_reached);
+        nxWaitWord::WakeAll(_reached);
     }
     return outcome == Outcome::Some;
 }
@@ -183,7 +183,7 @@ bool nxLogWriter::_WaitUntilReached(const nxLogLimits::Wait& limit, nxLogAwakeTi
         const std::int64_t left = wait.Step();
         if (left <= 0)
             return false;
-        nxFutex::Wait(_reached, reached, std::min(left, longestWaitSlice));
+        nxWaitWord::Wait(_reached, reached, std::min(left, longestWaitSlice));
     }
 }
 

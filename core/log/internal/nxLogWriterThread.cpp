@@ -11,10 +11,10 @@
 #include "core/log/internal/nxLogUpkeep.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogDeferredWriteThread.h"
-#include "core/platform/nxClock.h"
-#include "core/platform/nxPlatformThread.h"
+#include "core/platform/inline/nxClock.h"
 #include "core/platform/nxProcess.h"
 #include "core/platform/nxStandardStream.h"
+#include "core/platform/nxThisThread.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -98,7 +98,7 @@ bool nxLogWriterThread::Stop(std::int64_t limit) noexcept
         nxLogBell::Ring();
         if (nxClock::MonotonicNanoseconds() >= deadline)
             return false;  // it ends when the device returns, if Start() does not need it before
-        nxPlatformThread::SleepMilliseconds(1);
+        nxThisThread::SleepMilliseconds(1);
     }
     if (_thread != nullptr)
         _thread->Wait();

@@ -8,10 +8,10 @@
 
 /// Decimal digits of unsigned integers, written and read eight at a time in one 64-bit word.
 ///
-/// The one place that turns numbers into digits and back; every text form of a number stands on it.
+/// All text forms of numbers are based on it.
 /// - Consults no locale, calls no C formatting, allocates nothing and reads nothing outside the range it is given.
-/// - Wrapping: what is too large for 64 bits is reduced modulo 2^64, and a narrower type may be cast from the result,
-///   which is then reduced modulo its own width.
+/// - Wrapping: a number that is too large for 64 bits is reduced modulo 2^64. A cast of the result to a narrower type
+///   reduces it modulo 2 to the width of that type.
 /// - Threads: no state.
 /// @code
 /// char text[nxDigits::MaxDigits];
@@ -28,7 +28,7 @@ public:
     /// A digit word holds one digit value, 0 to 9, in each byte, the first digit in the lowest byte on every processor.
     /// @{
 
-    /// The eight characters at @p text as a digit word. A character that is no digit becomes a byte of 10 or more.
+    /// The eight characters at @p text as a digit word. A character that is not a digit becomes a byte of 10 or more.
     static std::uint64_t Load(const char* text) { return _LoadBytes<std::uint64_t>(text) ^ AsText; }
 
     /// The last character of @p text in the highest byte, zeros before the first.
@@ -47,11 +47,11 @@ public:
         return (_LoadBytes<std::uint8_t>(text) << 56) ^ zeros;
     }
 
-    /// @return a word whose lowest set bit is the top bit of the first byte that is no digit; 0 when all are. What
-    ///         stands above that bit says nothing.
+    /// @return a word whose lowest set bit is the top bit of the first byte that is not a digit; 0 when all are digits.
+    ///         The bits above that one have no meaning.
     static constexpr std::uint64_t FindNonDigit(std::uint64_t word)
     {
-        // Adding lifts 10 and more to the top bit; only from such a byte can a carry disturb the next.
+        // The sum sets the top bit of a byte of 10 or more. Only such a byte can carry into the next.
         return ((word + 0x7676767676767676) | word) & 0x8080808080808080;
     }
 
@@ -67,9 +67,9 @@ public:
     /// The digit word of @p value, leading zeros included. @param value below 10^8.
     static constexpr std::uint64_t Spread(std::uint64_t value)
     {
-        // Two fours, four pairs, eight digits; in each step x = 100 a + b goes from one lane to two, a | b << 16 say,
-        // which is (x << 16) - a * ((100 << 16) - 1). The divisions are multiplications that are exact over their
-        // range.
+        // Two fours, four pairs, eight digits. Each step splits every lane in two: x = 100 a + b, for example, becomes
+        // a | b << 16, which equals (x << 16) - a * ((100 << 16) - 1). The divisions are multiplications that are exact
+        // over their range.
         const std::uint64_t high = (value * 109951163) >> 40;
         const std::uint64_t fours = (value << 32) - high * ((std::uint64_t{10000} << 32) - 1);
         const std::uint64_t hundreds = ((fours * 10486) >> 20) & 0x0000007F0000007F;
@@ -78,7 +78,7 @@ public:
         return (pairs << 8) - tens * ((10 << 8) - 1);
     }
 
-    /// Or this into a digit word to make characters of it.
+    /// Turns a digit word into characters when or-ed into it.
     static constexpr std::uint64_t AsText = 0x3030303030303030;
 
     /// Stores all eight characters of @p word.
@@ -91,7 +91,7 @@ public:
 
     /// Writes a number without leading zeros; no terminator.
     /// @param value any.
-    /// @param out has room for MaxDigits bytes, whatever the value; those behind the text may be overwritten.
+    /// @param out has room for MaxDigits bytes, whatever the value; those after the text may be overwritten.
     /// @return the end of the text.
     static char* Write(char* out, std::uint64_t value)
     {
@@ -104,13 +104,13 @@ public:
     /// @return the end of the text.
     static char* WriteSigned(char* out, std::int64_t value)
     {
-        // Without a branch on the sign, which nobody can predict. 19 digits at most stand behind it.
+        // Without a branch on the sign, because it is unpredictable. At most 19 digits follow it.
         *out = '-';
         const std::uint64_t negative = value < 0 ? 1 : 0;
         return Write(out + negative, (static_cast<std::uint64_t>(value) ^ (0 - negative)) + negative);
     }
 
-    /// Writes exactly @p Digits digits of @p value, zeros in front, and touches no byte behind them.
+    /// Writes exactly @p Digits digits of @p value, zeros in front, and touches no byte after them.
     /// @param out has room for @p Digits bytes. @param value below 10^Digits.
     template <unsigned Digits>
     static char* WriteFixed(char* out, std::uint64_t value)
@@ -121,16 +121,16 @@ public:
         return out + Digits;
     }
 
-    /// Writes exactly @p digits digits, zeros in front, and touches no byte behind them.
+    /// Writes exactly @p digits digits, zeros in front, and touches no byte after them.
     /// @param out has room for @p digits bytes. @param value any.
-    /// @param digits any number; digits of @p value beyond them are cut off at the front.
+    /// @param digits any number; leading digits of @p value beyond them are left out.
     static void WritePadded(char* out, std::uint64_t value, std::size_t digits)
     {
         for (char* at = out + digits; at != out; value /= 10)
             *--at = static_cast<char>('0' + value % 10);
     }
 
-    /// Reads a text of digits alone; any number of them, reduced modulo 2^64.
+    /// Reads a text that consists of digits, any number of them; the result is reduced modulo 2^64.
     /// @return false, with @p value untouched, when the text is empty or holds anything but digits.
     static bool Parse(const char* begin, const char* end, std::uint64_t& value)
     {
@@ -183,8 +183,8 @@ private:
         return digit <= 9;
     }
 
-    // Reads the last digits of a number, less than 16, behind those that make `sum`. The bits of their count tell of
-    // how many eights, fours, twos and ones they are made: shorter than a loop.
+    // Reads the last digits of a number, less than 16, which follow those already in `sum`. The bits of their count say
+    // whether there are eight, four, two and one of them, which takes fewer instructions than a loop.
     static bool _ParseRest(const char* at, std::size_t size, std::uint64_t sum, std::uint64_t& value)
     {
         if ((size & 8) != 0)
@@ -207,7 +207,7 @@ private:
         return true;
     }
 
-    // Out of line, so that its loop takes no registers from the short texts.
+    // Out of line, because inlined its loop would cost short texts registers.
     [[gnu::noinline]] static bool _ParseLong(const char* at, std::size_t size, std::uint64_t& value)
     {
         std::uint64_t sum = 0;
@@ -218,13 +218,13 @@ private:
     }
 
     // "00" to "99".
-    struct _Pairs
+    struct PairTexts
     {
         char text[200];
     };
-    static constexpr _Pairs _pairs = []
+    static constexpr PairTexts _pairs = []
     {
-        _Pairs pairs{};
+        PairTexts pairs{};
         for (int i = 0; i < 100; ++i)
         {
             pairs.text[2 * i] = static_cast<char>('0' + i / 10);
@@ -239,7 +239,7 @@ private:
         return out + 2;
     }
 
-    // Without a leading zero, and without a branch on it.
+    // Without a leading zero, and without a branch for it.
     static char* _WriteFirstPair(char* out, std::uint64_t pair)
     {
         const std::size_t isSingle = pair < 10 ? 1 : 0;
@@ -259,10 +259,10 @@ private:
 
     // The first one or two digits of a number below 100^(Pairs + 1), then `Pairs` pairs.
     //
-    // The number is divided by 100^Pairs in fixed point, with 64 bits behind the point. The first digits are then the
-    // integer part, and each multiplication of the fraction by 100 brings forth the next two. The divisor's reciprocal
-    // is rounded up by less than 2^-64, which makes a product too large by less than 10^10 / 2^64, far less than the
-    // 10^-8 that would change a digit.
+    // The number is divided by 100^Pairs in fixed point, with 64 bits after the point. The integer part is then the first
+    // digits, and each multiplication of the fraction by 100 gives the next two. The divisor's reciprocal is rounded up
+    // by less than 2^-64, so a product is too large by less than 10^10 / 2^64, far less than the 10^-8 that would change
+    // a digit.
     template <unsigned Pairs>
     static char* _WritePairs(char* out, std::uint64_t value, bool isFirst)
     {
@@ -291,7 +291,7 @@ private:
     // Exactly eight digits of a number below 10^8.
     static char* _WriteEight(char* out, std::uint64_t value) { return _WritePairs<3>(out, value, false); }
 
-    // A number with more than ten digits. Out of line, to keep the places small where numbers are written.
+    // A number with more than ten digits. Out of line, to keep callers small.
     [[gnu::noinline]] static char* _WriteLong(char* out, std::uint64_t value)
     {
         const std::uint64_t upper = value / _eightDigits;

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "core/platform/nxThreadHooks.h"
+#include "core/platform/nxForkHandlers.h"
 #include "core/thread/nxMutex.h"
 
 /// Mutexes that stay usable in forked children.
@@ -19,11 +19,14 @@ public:
 
     /// Guards every fork of the process with a mutex that lives as long as the process. Called once for each mutex.
     /// @tparam GetMutex returns the mutex, the same one every time.
+    /// @param rank when a fork takes the mutex.
     /// @return whether the system accepted; otherwise forks go on without.
     template <nxMutex& (*GetMutex)()>
-    static bool Register()
+    static bool Register(nxForkHandlers::Rank rank)
     {
-        return nxThreadHooks::AtFork(&_Before<GetMutex>, &_AfterInParent<GetMutex>, &_AfterInChild<GetMutex>);
+        static constexpr nxForkHandlers::Functions functions{&_Before<GetMutex>, &_AfterInParent<GetMutex>,
+                                                             &_AfterInChild<GetMutex>};
+        return nxForkHandlers::Register(rank, functions);
     }
 
     /// In the child: constructs again, unlocked, a mutex that the forking thread took before the fork. The unlock before

@@ -2,36 +2,43 @@
 
 #include <cerrno>
 
-#include "core/platform/nxNamedObjectTable.h"
+#include "core/platform/nxNamedLocks.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 namespace
 {
-void Tell(nxNamedObjectTable::Notice notice, const std::string& name, int error)
+// Leaves errno as it is.
+void Tell(nxNamedLockNotice notice, const std::string& name) noexcept
 {
-    if (notice == nxNamedObjectTable::Notice::Refused)
-        nxThreadReport::NamedObjectsRefused(name, error);
-    if (notice == nxNamedObjectTable::Notice::Removed)
-        nxThreadReport::NamedObjectsRemoved();
-}
-}  // namespace
-
-nxNamedObject* nxNamedHandle::Open(const std::string& name, nxNamedObjectKind kind,
-                                   const nxNamedObjectFile::Initialiser& initialise) noexcept
-{
-    nxNamedObjectTable::Notice notice{};
-    nxNamedObject* const object = nxNamedObjectTable::GetInstance().Open(name, kind, initialise, notice);
-    if (notice == nxNamedObjectTable::Notice::None)
-        return object;
     const int error = errno;
     try
     {
-        Tell(notice, name, error);
+        if (notice == nxNamedLockNotice::Refused)
+            nxThreadReport::NamedObjectsRefused(name, error);
+        if (notice == nxNamedLockNotice::Removed)
+            nxThreadReport::NamedObjectsRemoved();
     }
     catch (...)
     {
         // No memory for the report. The result is the same without it.
     }
     errno = error;
-    return object;
+}
+}  // namespace
+
+nxNamedMutex* nxNamedHandle::OpenMutex(const std::string& name) noexcept
+{
+    nxNamedLockNotice notice{};
+    nxNamedMutex* const mutex = nxNamedLocks::OpenMutex(name, notice);
+    Tell(notice, name);
+    return mutex;
+}
+
+nxNamedSemaphore* nxNamedHandle::OpenSemaphore(const std::string& name, unsigned initialCount,
+                                               unsigned maximumCount) noexcept
+{
+    nxNamedLockNotice notice{};
+    nxNamedSemaphore* const semaphore = nxNamedLocks::OpenSemaphore(name, initialCount, maximumCount, notice);
+    Tell(notice, name);
+    return semaphore;
 }

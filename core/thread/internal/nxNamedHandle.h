@@ -3,18 +3,19 @@
 
 #include <string>
 
-#include "core/platform/nxNamedObjectFile.h"
+#include "core/platform/inline/nxNative.h"
 
-/// Opens named objects for the classes that hold them. It reports to the log that named objects cannot be opened, or
-/// that their file was removed: once, until it works again.
+/// Opens named locks for the classes that hold them. It reports to the log that named objects cannot be opened, or that
+/// their file was removed: once, until it works again.
 class nxNamedHandle
 {
 public:
     nxNamedHandle() = delete;
 
-    /// @return null, with errno, as nxNamedObjectTable::Open() does. Throws nothing.
-    static nxNamedObject* Open(const std::string& name, nxNamedObjectKind kind,
-                               const nxNamedObjectFile::Initialiser& initialise) noexcept;
+    /// @return null, with errno, as nxNamedLocks. Throws nothing.
+    static nxNamedMutex* OpenMutex(const std::string& name) noexcept;
+    static nxNamedSemaphore* OpenSemaphore(const std::string& name, unsigned initialCount,
+                                           unsigned maximumCount) noexcept;
 };
 
 #endif

@@ -12,7 +12,7 @@ class nxFractionText
 public:
     nxFractionText() = delete;
 
-    static constexpr std::size_t Size = 8;  ///< Of the text.
+    static constexpr std::size_t Size = 8;  ///< The length of the text.
 
     /// Writes the text, without a NUL. @param nanoseconds below 10^9.
     static void Write(char* out, unsigned nanoseconds)
@@ -21,7 +21,7 @@ public:
         const unsigned milliseconds = nanoseconds / 1'000'000;
         const std::uint64_t first = _threeDigits[milliseconds];
         const std::uint64_t last = _threeDigits[microseconds - 1'000 * milliseconds];
-        // One store: whoever copies the text at once gets it from there.
+        // One store, so that a copy of the text right afterwards is served from the store buffer.
         const std::uint64_t word = '.' | first << 8 | std::uint64_t{'.'} << 32 | last << 40;
         std::memcpy(out, &word, sizeof word);
     }

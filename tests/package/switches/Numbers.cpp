@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "Gateway.h"
-#include "core/numeric/nxDoubleHelper.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/nxStringHelper.h"
 #include "core/time/nxTimeStamp.h"
 

@@ -1,0 +1,65 @@
+#include "core/platform/nxEnvironment.h"
+
+#include <sched.h>
+#include <sys/auxv.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+
+namespace
+{
+// Set while a thread changes the environment or copies from it.
+constinit std::atomic<bool> isTaken{false};
+
+bool Take() { return !isTaken.exchange(true, std::memory_order_acquire); }
+
+void GiveBack() { isTaken.store(false, std::memory_order_release); }
+}  // namespace
+
+std::string nxEnvironment::Get(const std::string& name)
+try
+{
+    const char* const value = std::getenv(name.c_str());
+    return value == nullptr ? std::string() : std::string(value);
+}
+catch (const std::exception&)
+{
+    return {};
+}
+
+char** nxEnvironment::GetArray() { return environ; }
+
+bool nxEnvironment::Set(const std::string& name, const std::string& value)
+{
+    // Copying takes a few microseconds at most.
+    while (!Take())
+        sched_yield();
+    const bool isSet = ::setenv(name.c_str(), value.c_str(), 1) == 0;
+    GiveBack();
+    return isSet;
+}
+
+int nxEnvironment::Copy(const char* name, std::span<char> value) noexcept
+{
+    if (!Take())
+        return EBUSY;
+    int result = ENOENT;
+    if (const char* const found = std::getenv(name))
+    {
+        const std::size_t size = std::strlen(found) + 1;
+        result = size <= value.size() ? 0 : EFBIG;
+        if (result == 0)
+            std::copy_n(found, size, value.data());
+    }
+    GiveBack();
+    return result;
+}
+
+void nxEnvironment::AfterForkInChild() noexcept { GiveBack(); }
+
+bool nxEnvironment::IsSecureExecution() { return ::getauxval(AT_SECURE) != 0; }

@@ -1,0 +1,37 @@
+#ifndef CORE_PLATFORM_LINUX_NXSYSTEMZONE_H
+#define CORE_PLATFORM_LINUX_NXSYSTEMZONE_H
+
+#include <cstdint>
+#include <ctime>
+
+/// The visible part, at the cost of two loads, of the zone that the C library has set for the process. Different marks
+/// mean different zones; equal marks do not prove equal zones.
+struct nxLocalZoneMark
+{
+    long timezone = 0;
+    int daylight = 0;
+
+    static nxLocalZoneMark Now()
+    {
+        return {__atomic_load_n(&::timezone, __ATOMIC_RELAXED), __atomic_load_n(&::daylight, __ATOMIC_RELAXED)};
+    }
+    friend bool operator==(const nxLocalZoneMark&, const nxLocalZoneMark&) = default;
+};
+
+/// The time zone that the C library has set for the process.
+class nxSystemZone
+{
+public:
+    nxSystemZone() = delete;
+
+    /// Asks the C library for the local time at @p second, counted from 1 January 1970 00:00 UTC. The first call may set
+    /// the zone from the variable TZ. Takes a lock of the C library.
+    /// @return false when the C library's calendar does not reach that far.
+    static bool GetLocalTime(std::int64_t second, std::tm& fields)
+    {
+        const std::time_t moment = second;
+        return localtime_r(&moment, &fields) != nullptr;
+    }
+};
+
+#endif

@@ -1,0 +1,28 @@
+#include "core/platform/nxWaitWord.h"
+
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <ctime>
+
+#include "core/platform/nxNanoseconds.h"
+
+static_assert(sizeof(std::atomic<std::uint32_t>) == sizeof(std::uint32_t), "the kernel looks at the word itself");
+
+void nxWaitWord::Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoseconds) noexcept
+{
+    const timespec time{nanoseconds / nxNanoseconds::PerSecond, nanoseconds % nxNanoseconds::PerSecond};
+    const int saved = errno;
+    syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, expected, &time, nullptr, 0);
+    errno = saved;
+}
+
+void nxWaitWord::WakeAll(const std::atomic<std::uint32_t>& word) noexcept
+{
+    const int saved = errno;
+    syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
+    errno = saved;
+}
