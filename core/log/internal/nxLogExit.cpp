@@ -11,6 +11,7 @@
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogWriter.h"
+#include "core/platform/nxProcess.h"
 #include "core/platform/nxStandardStream.h"
 
 namespace
