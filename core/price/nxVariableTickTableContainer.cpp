@@ -41,8 +41,8 @@ nxVariableTickTableContainer::~nxVariableTickTableContainer()
 
 nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
 {
-    // Never destroyed: threads that outlive main still ask. Logged after it is built, so that a log device which looks
-    // up a table finds it.
+    // Never destroyed, because threads that outlive main still ask. Logged after it is built, so that a log device that
+    // looks up a table finds it.
     static nxVariableTickTableContainer& instance = *new nxVariableTickTableContainer;
     static std::atomic<bool> isLogged{false};
     if (!isLogged.load(std::memory_order_relaxed) && !isLogged.exchange(true))
@@ -53,7 +53,7 @@ nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
 void nxVariableTickTableContainer::_Register(const std::string& name, const std::string& id, nxVariableTickTable* table)
 {
     std::unique_ptr<nxVariableTickTable> owned(table);
-    if (owned == nullptr || !owned->_CheckConstraints())
+    if (owned == nullptr || !owned->_GetRules().KeepConstraints())
         return;
     const nxMutexGuard guard(_lock);
     if (_names.contains(name) || _tables.contains(id))

@@ -5,7 +5,8 @@
 
 #include "core/numeric/nxPowersOfTen.h"
 
-// How many steps from a price of the stretch come at once: all that stay in it, and one more where that may wrap.
+// The number of steps from a price of the stretch that come at once: all that stay in it and the one that leaves it. A
+// price that may drop zeros stays, because the step that leaves may wrap and change the last digit.
 std::uint64_t nxTickRun::_CountSteps(const _Stretch& stretch, std::int64_t value) const
 {
     const std::uint64_t room = _isUp ? stretch.GetPrices().CountAbove(value) : stretch.GetPrices().CountBelow(value);
@@ -51,16 +52,16 @@ std::uint64_t nxTickRun::_LeapAsLearnt(nxDecimal& price, std::uint64_t wanted)
     return done;
 }
 
-// The end when the price has no band.
-nxTickRun::iterator nxTickRun::_BandOfStep(const nxDecimal& price) const
+// The band whose tick a step takes; the end of the bands when the price has none.
+nxTickRun::Band nxTickRun::_BandOfStep(const nxDecimal& price) const
 {
-    const iterator band = _table._Find(price);
-    return band == _table._ranges.end()
-               ? band
-               : _table._BandOfStep(band, _IsOutwards(price.IsNegative()), nxDecimal::Abs(price));
+    const Band band = _rules.FindBand(price);
+    return band == _rules.End() ? band
+                                : _rules.GetBandOfStep(band, _IsOutwards(price.IsNegative()), nxDecimal::Abs(price));
 }
 
-bool nxTickRun::_GoesBy(iterator band, const _Stretch& stretch, const nxDecimal& price) const
+// Whether the price belongs to a stretch of the band, by claims 1 and 3.
+bool nxTickRun::_GoesBy(Band band, const _Stretch& stretch, const nxDecimal& price) const
 {
     if (_BandOfStep(price) != band)
         return false;
@@ -72,17 +73,17 @@ bool nxTickRun::_GoesBy(iterator band, const _Stretch& stretch, const nxDecimal&
     landing = nxDecimal::ConstructFromValueAndDecimalPlaces(
         static_cast<std::int64_t>(isOutwards ? mantissa + stretch.step : mantissa - stretch.step),
         price.GetDecimalPlaces());
-    return !(isOutwards && landing.IsNegative()) && _table._BandAfterStep(band, isOutwards, landing) == band;
+    return !(isOutwards && landing.IsNegative()) && _rules.GetBandAfterStep(band, isOutwards, landing) == band;
 }
 
 void nxTickRun::_Learn(const nxDecimal& price)
 {
-    const iterator band = _BandOfStep(price);
-    if (band == _table._ranges.end() || !band->second.IsPositive() || price.GetScale() < band->second.GetScale())
+    const Band band = _BandOfStep(price);
+    if (band == _rules.End() || !band->second.IsPositive() || price.GetScale() < band->second.GetScale())
         return;
     const unsigned char places = price.GetDecimalPlaces();
     const unsigned char tickPlaces = band->second.GetDecimalPlaces();
-    const iterator next = std::next(band) == _table._ranges.end() ? band : std::next(band);
+    const Band next = std::next(band) == _rules.End() ? band : std::next(band);
     const unsigned char nextPlaces = next->second.GetDecimalPlaces();
     _Stretch stretch;
     stretch.scale = price.GetScale();
@@ -94,7 +95,7 @@ void nxTickRun::_Learn(const nxDecimal& price)
     if (stretch.step == 0 || (places > tickPlaces && nextPlaces > places) || !_GoesBy(band, stretch, price))
         return;
 
-    // The last magnitude on the way from one inside to `end` that goes by the band.
+    // Claim 1: the last magnitude on the way from one inside to `end` that goes by the band.
     const auto findLast = [&](bool isNegative, std::uint64_t inside, std::uint64_t end)
     {
         while (inside != end)
@@ -112,7 +113,7 @@ void nxTickRun::_Learn(const nxDecimal& price)
         }
         return inside;
     };
-    if (band == _table._ranges.begin() && !stretch.staysInItsBand)
+    if (_rules.IsFirst(band) && !stretch.staysInItsBand)
     {
         // The first band lies on both sides of 0.
         const std::uint64_t least = findLast(true, 0, INT64_MAX);
