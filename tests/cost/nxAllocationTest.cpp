@@ -1,13 +1,11 @@
 // What must not allocate does not: every operation of a trading thread's steady state is run with all allocations
 // counted.
 
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <string>
 
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
+#include "tests/support/nxTest.h"
 
 TEST(nxAllocation, TheSteadyStateAllocatesNothing)
 {
@@ -63,17 +61,4 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
         EXPECT_EQ(nxAllocations::count.load() - before, 0u) << operation.name;
         EXPECT_TRUE(kept) << operation.name;
     }
-}
-
-TEST(nxAllocation, ValuesAreAsSmallAsTheyShouldBe)
-{
-    EXPECT_EQ(sizeof(nxDecimal), 16u);
-    EXPECT_EQ(sizeof(nxErrorEnum), 16u);  // the table of virtual operations and one 32-bit value
-    EXPECT_EQ(sizeof(nxProductStateBitMask), 16u);
-    EXPECT_EQ(sizeof(nxServerCapabilityBitMask), 16u);
-    EXPECT_EQ(sizeof(nxValueWrapper<unsigned>), 4u);
-    EXPECT_EQ(sizeof(nxDoubleValueWrapper), 8u);
-    EXPECT_EQ(sizeof(nxTimeStamp), 24u);
-    EXPECT_EQ(sizeof(nxDate), 4u);
-    EXPECT_TRUE(std::is_trivially_copyable_v<nxDecimal>);
 }

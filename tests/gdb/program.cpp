@@ -1,14 +1,6 @@
 #include <cstring>
 
-#include "core/enum/nxBoolEnum.h"
-#include "core/enum/nxErrorEnum.h"
-#include "core/enum/nxProductStateBitMask.h"
-#include "core/numeric/nxMoney.h"
-#include "core/text/nxDoubleValueWrapper.h"
-#include "core/text/nxStringValue.h"
-#include "core/text/nxValueWrapper.h"
-#include "core/time/nxDateTime.h"
-#include "core/time/nxTimeStamp.h"
+#include "core/nxCore.h"
 
 namespace
 {

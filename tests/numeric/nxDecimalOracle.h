@@ -30,6 +30,10 @@ struct nxDecimalOracle
     {
     }
 
+    friend std::ostream& operator<<(std::ostream& out, const nxDecimalOracle& o)
+    {
+        return out << o.mantissa << ", " << o.places << ", " << o.status;
+    }
     bool IsValid() const { return status == NX_VALUE_STATUS_VALID; }
     /// Whether @p value holds the same three fields.
     bool Matches(const nxDecimal& value) const

@@ -3,38 +3,14 @@
 set -u
 . "$(dirname "$0")/cases.sh"
 
-# rows NAME INPUT OUTPUT ON-GRID MOVED: an accepted file.
-rows()
-{
-    run 0 -increment 0.05 -column Price < <(printf '%b' "$2")
-    case=$1
-    out_is "$3"
-    same counts "$4 $5" "$(awk '/^on the grid/ {grid = $4} /^moved/ {moved = $2} END {print grid, moved}' err)"
-}
 header='D,Price'
 added='D,Price,tick,snapped,moved'
-rows "on and off the grid" "$header\na,1.23\nb,1.25\nc,-36.98\nd,26\n" \
-    "$added\na,1.23,0.05,1.25,0.02\nb,1.25,0.05,1.25,0.00\nc,-36.98,0.05,-37.00,-0.02\nd,26,0.05,26.00,0.00\n" 2 2
-rows "no final newline" "$header\na,1.23" "$added\na,1.23,0.05,1.25,0.02" 0 1
-rows "CRLF" "$header\r\na,1.23\r\n" "$added\r\na,1.23,0.05,1.25,0.02\r\n" 0 1
-rows "CRLF without the last" "$header\r\na,1.23" "$added\r\na,1.23,0.05,1.25,0.02" 0 1
-rows "line ends may differ from row to row" "$header\r\na,1\nb,2\r\n" \
-    "$added\r\na,1,0.05,1.00,0.00\nb,2,0.05,2.00,0.00\r\n" 2 0
-rows "empty lines are no rows" "\n$header\n\na,1\n\r\n\n" "\n$added\n\na,1,0.05,1.00,0.00\n\r\n\n" 1 0
-rows "header alone" "$header\n" "$added\n" 0 0
-rows "header alone, unfinished" "$header" "$added" 0 0
-rows "quotes" "\"D\",\"Price\"\n\"a,b\",\"1.23\"\n\"c\"\"d\",1.25\n" \
-    "\"D\",\"Price\",tick,snapped,moved\n\"a,b\",\"1.23\",0.05,1.25,0.02\n\"c\"\"d\",1.25,0.05,1.25,0.00\n" 1 1
-rows "line ends and commas inside quotes" "$header\n\"a\nb,9\r\n\",1.23\n\"\",1\n" \
-    "$added\n\"a\nb,9\r\n\",1.23,0.05,1.25,0.02\n\"\",1,0.05,1.00,0.00\n" 1 1
-rows "a quote inside a field is a character" "$header\n5\" pipe,1\n,\"1\"\n" \
-    "$added\n5\" pipe,1,0.05,1.00,0.00\n,\"1\",0.05,1.00,0.00\n" 2 0
-rows "blanks around" " D , Price \na, 1.23 \n" " D , Price ,tick,snapped,moved\na, 1.23 ,0.05,1.25,0.02\n" 0 1
-rows "byte order mark" "\xEF\xBB\xBFPrice\n1\n" "\xEF\xBB\xBFPrice,tick,snapped,moved\n1,0.05,1.00,0.00\n" 1 0
-rows "forms of a number" "$header\na,+1.\nb,.5\nc,-0\nd,0001.2500\n" \
-    "$added\na,+1.,0.05,1.00,0.00\nb,.5,0.05,0.50,0.00\nc,-0,0.05,0.00,0.00\nd,0001.2500,0.05,1.25,0.0000\n" 4 0
-rows "many decimals, exactly" "$header\na,25.300000000000001\nb,1234567890123456.1\n" \
-    "$added\na,25.300000000000001,0.05,25.30,-0.000000000000001\nb,1234567890123456.1,0.05,1234567890123456.10,0.00\n" 1 1
+while IFS="|" read -r name input output grid moved; do
+    run 0 -increment 0.05 -column Price < <(printf '%b' "$input")
+    case=$name
+    out_is "$output"
+    same counts "$grid $moved" "$(awk '/^on the grid/ {grid = $4} /^moved/ {moved = $2} END {print grid, moved}' err)"
+done <"$cases/accepted.txt"
 
 # Added columns whose names are taken are named after the column, so that runs can follow each other.
 printf 'Bid,"A,""k"\n1.23,1.26\n' >chain.csv

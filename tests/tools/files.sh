@@ -14,7 +14,7 @@ skipped() { echo "skipped: $1"; }
 # begin OPTION...: starts a run that reads the pipe, and comes back once it has a place for its output.
 begin()
 {
-    (ulimit -c 0 && exec env --default-signal=QUIT "$nxtick" $snap -csv pipe "$@" 2>err) &
+    (ulimit -c 0 && exec env --default-signal=HUP,QUIT "$nxtick" $snap -csv pipe "$@" 2>err) &
     process=$!
     exec 3>pipe
     printf 'Price\n1.23\n' >&3
