@@ -40,14 +40,6 @@ bool QuoteFlagsBitMask::_RegisterValues()
     return _RegisterFlags("QuoteFlagsBitMask", flags);
 }
 
-class UnregisteredBitMask final : public nxTypedBitMask<UnregisteredBitMask, nxBitMask64>
-{
-public:
-    using nxTypedBitMask::nxTypedBitMask;
-    using nxTypedBitMask::operator=;
-    std::string GetClassName() const override { return "UnregisteredBitMask"; }
-};
-
 // The same behaviour is asked of both widths.
 template <class Mask>
 class AnyBitMask : public testing::Test
@@ -145,9 +137,9 @@ TEST(nxBitMask, DescribesItsFlagsLowestFirst)
 
 TEST(nxBitMask, AClassWithoutTextsSaysSoUnlessItIsNotValid)
 {
-    UnregisteredBitMask mask(5);
+    nxGenericBitMask64 mask(5);
     EXPECT_EQ(mask.GetShortDescription(" "), "No Description Available");
-    EXPECT_EQ(UnregisteredBitMask().GetLongDescription(" "), "No Description Available");
+    EXPECT_EQ(nxGenericBitMask64().GetLongDescription(" "), "No Description Available");
     EXPECT_EQ(nxGenericBitMask(5).GetLongDescription(" "), "No Description Available");
     mask.SetNull();
     EXPECT_EQ(mask.GetShortDescription(" "), "Null");

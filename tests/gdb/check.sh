@@ -3,7 +3,7 @@
 set -u
 export TZ=UTC
 expected=$(dirname "$0")/expected.txt
-# Texts as another standard library keeps them, and one that could steer the terminal.
+# Texts as another standard library stores them, and one that could control the terminal.
 texts='FIRM
 A_TEXT_OF_MORE_THAN_22_B
 \x1B[2J\xE2\x80\xAE é'

@@ -9,7 +9,7 @@
 #include "core/enum/nxEnumValue.h"
 #include "core/numeric/nxDecimal.h"
 
-/// The decimal's rules a second time, as plainly as they can be put: one digit, one power, one rounding at a time, with
+/// The rules of the decimal, written again as plainly as possible: one digit, one power, one rounding at a time, with
 /// the mathematical library's floor and ceil and integers wide enough. Slow, and independent of nxDecimal, which is
 /// compared with it.
 struct nxDecimalOracle

@@ -24,7 +24,7 @@ class nxDecimalProgram
 public:
     nxDecimalProgram(const std::uint8_t* bytes, std::size_t size) : _bytes(bytes), _size(size) {}
 
-    /// @return whether all results agreed; GetFailure() tells which did not.
+    /// @return whether all results agreed; GetFailure() names the first one that did not.
     bool Run()
     {
         while (_at < _size && _failure.empty())
@@ -60,7 +60,7 @@ private:
     }
     std::uint8_t TakeByte() { return Take<std::uint8_t>(); }
 
-    // Half of all numbers look like prices; the others crowd around every limit that the code knows.
+    // Half of all numbers look like prices; the others lie near the limits that the code knows.
     long long TakeMantissa()
     {
         const std::uint8_t kind = TakeByte();

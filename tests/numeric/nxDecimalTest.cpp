@@ -22,7 +22,7 @@ nxDecimal Parts(long long mantissa, unsigned char places)
 
 nxDecimal Number(const char* text) { return nxDecimal(text, '.'); }
 
-// All three fields: for what `==` does not tell apart.
+// All three fields, because `==` does not compare them all.
 std::string Fields(const nxDecimal& value)
 {
     return value.GetStatus().GetShortDescription() + " " + std::to_string(value.GetValue()) + "e-" +
@@ -237,8 +237,8 @@ TEST(nxDecimal, Compares)
         {noChange, noChange},
         {Parts(smallest, 0), Parts(smallest, 0)},
         {Parts(0, 17), Parts(0, 17)},
-        {Parts(1, 17), Parts(1, 17)},                                   // of one scale there is no tolerance
-        {Number("1"), Number("1.0000000000000002")},                    // 1 + 2^-52 is equal to 1,
+        {Parts(1, 17), Parts(1, 17)},                                  // of one scale there is no tolerance
+        {Number("1"), Number("1.0000000000000002")},                   // 1 + 2^-52 is equal to 1,
         {Number("1.0000000000000004"), Number("1.0000000000000004")},  // and the next double is not
         {Number("1.50"), Number("1.5")},
     };

@@ -38,7 +38,7 @@ bool AgreesWithTheSystem(bool recalibrates = false)
     return isBetween(now.seconds * second + now.nanoseconds) && isBetween(nxClock::GetScale().ToNanoseconds(ticks));
 }
 
-// Puts another file in the place of the one in which the kernel names what it keeps time by, for this process.
+// Puts another file in the place of the one in which the kernel names its clock source, for this process alone.
 // @return false where that is not allowed.
 bool ReplaceClockSource(const char* name)
 {
@@ -78,7 +78,7 @@ private:
     std::int64_t _monotonic = 5'000 * second;
 };
 
-// What a caller of the clock does: uses the steady line while it is valid, else takes a reading.
+// Does what a caller of the clock does: uses the steady line while it is valid, and otherwise takes a reading.
 class Caller
 {
 public:
@@ -144,7 +144,7 @@ TEST(nxClockDiscipline, IsRightAgainAMillisecondAfterAStep)
         EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
         RunFor(machine, caller, second / 10, 2'000);
     }
-    // A small step back is waited for, so that nobody sees time run backwards.
+    // After a small step back the clock waits, so that no reader sees time run backwards.
     machine.Step(-50'000);
     RunFor(machine, caller, second / 10, 52'000);
     EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
@@ -194,7 +194,7 @@ TEST(nxClock, TrustsTheCounterOnlyWhereTheKernelDoes)
     EXPECT_TRUE(nxClock::UsesCounter() || nxClock::GetScale().ToNanoseconds(first) == static_cast<std::int64_t>(first));
 }
 
-// The tests of nxClock once more, on a machine whose kernel keeps time by something else.
+// Runs the tests of nxClock again, on a machine whose kernel uses another clock source.
 TEST(nxClock, DoesWithoutACounter)
 {
     if (std::getenv("NX_TEST_WITHOUT_COUNTER") != nullptr)
@@ -225,7 +225,7 @@ TEST(nxClock, LeavesTheCounterWhenTheKernelDoesAndKeepsItsTicks)
     const std::uint64_t ticks = nxClock::Ticks();
     nxWriteFile(clockSource, "hpet\n");
     nxClock::Recalibrate();
-    EXPECT_TRUE(nxClock::UsesCounter()) << "it is not looked at all the time";
+    EXPECT_TRUE(nxClock::UsesCounter()) << "the file is read once a minute";
     {
         const nxHurriedClock aMinuteLater(61 * second);
         nxClock::Recalibrate();

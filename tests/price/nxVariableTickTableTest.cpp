@@ -183,7 +183,7 @@ TEST(nxVariableTickTable, BandsAddedLaterCountAtOnce)
     EXPECT_EQ(disordered.Band(D("11")), 2);
 }
 
-// A subclass may watch or refuse the memory of the last band; results do not depend on it.
+// A subclass may observe or refuse the memory of the last band; results do not depend on it.
 TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
 {
     class Watched : public Table
@@ -335,7 +335,7 @@ void ExpectEach(const nxDecimal& price, const nxDecimal& expected, const Ways&..
     (expect(ways), ...);
 }
 
-// Compares every way of asking with the transcription, on one table.
+// Compares every operation with the transcription, on one table.
 void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t seed, std::uint64_t operations)
 {
     const TranscribedTickTable rules(table.GetRangeData());
@@ -426,8 +426,8 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
     }
 }
 
-// Runs of steps beyond what the integers of a table take, or that wrap, are as long as their single steps say, and do not
-// last: two billion of these one by one would take minutes.
+// Runs of steps that leave the integers of a table, or that wrap, end where single steps end, and take no time: two billion
+// single steps would take minutes.
 TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
 {
     const std::tuple<const char*, long long, int> rows[] = {

@@ -10,8 +10,8 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 
-/// The rules of a tick table written down with decimal comparisons and wide integers alone, one band after the other:
-/// what the library's tables, cursors and spans have to agree with.
+/// The rules of a tick table, written with decimal comparisons and wide integers alone, one band after the other. Tables,
+/// cursors and spans of the library must agree with them.
 class TranscribedTickTable
 {
 public:

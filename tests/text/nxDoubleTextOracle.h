@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-/// The rules for the texts of doubles a second time, one step at a time: what nxStringHelper is compared with.
+/// The rules for the texts of doubles, written again one step at a time. nxStringHelper is compared with them.
 struct nxDoubleTextOracle
 {
     /// False, with nothing stored, when @p text is no number.

@@ -33,13 +33,13 @@ run()
 # Text with line ends kept, in a form that survives $(...): CR as <CR>, and a mark at the end.
 visible() { sed 's/\r/<CR>/g'; printf '<END>'; }
 out_is() { same "standard output" "$(printf '%b' "$1" | visible)" "$(visible <out)"; }
-# The time that a run took is no fault.
+# The time that a run takes is not compared.
 err_is()
 {
     same "standard error" "$(printf '%b' "$1" | visible)" \
         "$(sed -E 's/^(time|prices a second) +[0-9.,]+( s)?$/\1/; s/  +/  /' err | visible)"
 }
-# A run that ends with one line on standard error, and leaves nothing but out and err behind.
+# A run that ends with one line on standard error and leaves nothing but the files out and err.
 refused()
 {
     local message=$1

@@ -38,7 +38,7 @@ case="rows across blocks"
 same "last row" '"60000",1.23,0.05,1.25,0.02' "$(tail -n 1 out)"
 same "rows, all alike" "60001 1.25" "$(awk -F, 'NR > 1 {++n; seen[$4] = 1} END {for (s in seen) t = t " " s; print n t}' out)"
 
-# What is rejected: the row goes through, the line and the reason are told, and the run ends with 1.
+# A rejected row goes through, a message names its line and the reason, and the run ends with 1.
 printf '%b' "$header\na,x\n\"b\nb\",\nc\nd,1.23\ne,1e5\nf,1234567890123456789\ng,\"1.2\n3\"\nh,36,98\ni,1,x,y\nj,\"36,98\",\n" >bad.csv
 run 1 -increment 0.05 -csv bad.csv -column Price
 out_is "$added\na,x,,,\n\"b\nb\",,,,\nc,,,,\nd,1.23,0.05,1.25,0.02\ne,1e5,,,\nf,1234567890123456789,,,\ng,\"1.2\n3\",,,

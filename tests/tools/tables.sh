@@ -26,7 +26,7 @@ same "given bands" "1 9.999 0.001;2 9.999 49.995 0.005;3 49.995 99.99 0.01;" \
 run 0 -table EURONEXT_07
 same "name without prefix" "VTT_EURONEXT_07" "$(head -n 1 out)"
 
-# A table whose roundings leave the grid is told where it is used, and shown with its file's name made safe.
+# Using a table whose roundings leave the grid causes a warning; the name of its file is made safe to show.
 cp own.csv $'own\x1b.csv'
 run 0 -tables $'own\x1b.csv' -table ODD
 same "no escape" "custom: own\\x1B.csv" "$(sed -n 2p out)"
