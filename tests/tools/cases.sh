@@ -3,8 +3,8 @@
 
 nxtick=$1
 [ -x "$nxtick" ] || { echo "$nxtick is not there"; exit 2; }
-# Where the tables of cases are, a case a line: accepted.txt with NAME|INPUT|OUTPUT|ON-GRID|MOVED, refused.txt with
-# OPTIONS|MESSAGE, columns.txt with HEADER|COLUMN|MESSAGE, and for prices and their neighbours what the loops read.
+# The folder with the files of cases: accepted.txt with NAME|INPUT|OUTPUT|ON-GRID|MOVED, refused.txt with
+# OPTIONS|MESSAGE, columns.txt with HEADER|COLUMN|MESSAGE, and shown.txt with the options and output of runs.
 cases=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
