@@ -4,7 +4,8 @@
 nxtick=$1
 [ -x "$nxtick" ] || { echo "$nxtick is not there"; exit 2; }
 # The folder with the files of cases: accepted.txt with NAME|INPUT|OUTPUT|ON-GRID|MOVED, refused.txt with
-# OPTIONS|MESSAGE, columns.txt with HEADER|COLUMN|MESSAGE, and shown.txt with the options and output of runs.
+# OPTIONS|MESSAGE, columns.txt with HEADER|COLUMN|MESSAGE, shown.txt with the options and output of runs, and rejected.txt
+# with what the rows of rejected.csv lead to.
 cases=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
