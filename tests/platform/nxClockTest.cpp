@@ -208,7 +208,9 @@ TEST(nxClock, DoesWithoutACounter)
         GTEST_SKIP() << "may not put another file in the place of the kernel's";
     setenv("NX_TEST_WITHOUT_COUNTER", "1", 1);
     unsetenv("NX_TEST_IN_NEW_PROCESS");
-    execl("/proc/self/exe", "test_platform", "--gtest_filter=nxClock.*", static_cast<char*>(nullptr));
+    // Without the test that needs a counter: CTest takes its message for one of this test, and a failure for a skip.
+    const char* const others = "--gtest_filter=nxClock.*-nxClock.LeavesTheCounter*";
+    execl("/proc/self/exe", "test_platform", others, static_cast<char*>(nullptr));
     FAIL();
 }
 
