@@ -232,6 +232,8 @@ TEST(nxTimeStamp, WritesNothingWhenTheCalendarCannotHoldTheYear)
 TEST(nxTimeStamp, GivesItsPartsAndOrdersByThem)
 {
     const nxTimeStamp stamp(10, 500'000'000), late(-1, 999'999'999);
+    nxTimeStamp assigned(0, 0);
+    EXPECT_EQ(assigned = stamp, stamp);
     EXPECT_EQ(stamp.GetTotalSecondsAsDouble(), 10.5);
     EXPECT_EQ(nxTimeStamp(-10, 500'000'000).GetTotalSecondsAsDouble(), -9.5);
     EXPECT_EQ((std::pair{stamp.GetMilliseconds(), stamp.GetMicroseconds()}), (std::pair{500U, 500'000U}));
