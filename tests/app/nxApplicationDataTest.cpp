@@ -65,7 +65,7 @@ TEST(nxApplicationData, ThePlatformsFactsAreLiveAndHaveDefaults)
 
 TEST(nxApplicationData, WithoutAProcessFileTheStartIsTheFirstQuestion)
 {
-    // A child, because the answer is kept.
+    // In a child, because the process keeps the answer.
     EXPECT_TRUE(nxInChild(
         []
         {

@@ -17,7 +17,7 @@ namespace
 using Map = std::map<std::string, std::string>;
 using Words = std::vector<std::string>;
 
-// argv or envp: texts that may be written to, and a null at the end.
+// argv or envp: writable texts with a null at the end.
 class Vector
 {
 public:
@@ -34,7 +34,7 @@ private:
     std::vector<char*> _pointers;
 };
 
-// A reader of its own: the process's one is read once only.
+// A separate object, because the one of the process reads its arguments only once.
 class Args : public nxCmdLineArgs
 {
 public:
@@ -241,7 +241,7 @@ TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
     ::unsetenv(name.c_str());
 }
 
-// What has reached the log since the device was made, up to and with `last`.
+// The texts that have reached the device, up to and including `last`.
 Words Texts(const nxCapturingLogDevice& log, const std::string& last)
 {
     EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains(last)));

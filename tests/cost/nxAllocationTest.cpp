@@ -1,5 +1,4 @@
-// What must not allocate does not: every operation of a trading thread's steady state is run with all allocations
-// counted.
+// Runs every operation of a trading thread's steady state and counts allocations: there must be none.
 
 #include <functional>
 
@@ -53,7 +52,7 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
     ASSERT_GT(nxAllocations::count.load(), 0u);
     for (const auto& operation : operations)
     {
-        operation.run();  // what is remembered from the first time on may be made then
+        operation.run();  // the first run may allocate what is kept
         text.clear();
         const std::size_t before = nxAllocations::count.load();
         for (int i = 0; i < 100; ++i)

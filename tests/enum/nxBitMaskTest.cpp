@@ -40,7 +40,7 @@ bool QuoteFlagsBitMask::_RegisterValues()
     return _RegisterFlags("QuoteFlagsBitMask", flags);
 }
 
-// The same behaviour is asked of both widths.
+// Both widths have the same behaviour.
 template <class Mask>
 class AnyBitMask : public testing::Test
 {

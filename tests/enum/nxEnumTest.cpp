@@ -50,7 +50,7 @@ public:
     std::string GetClassName() const override { return "LastEnum"; }
 };
 
-// What another plug-in might register: rows that are not constants, some of them impossible.
+// Rows that another plug-in might register: not constants, and some of them invalid.
 class RivalEnum final : public nxTypedEnum<RivalEnum, 3000200, 3000300>
 {
 public:
@@ -172,7 +172,7 @@ TEST(nxEnum, ParsesIdentifiersOfItsClass)
     EXPECT_EQ(error.GetValue(), before);
     EXPECT_TRUE(error.SetFromString(std::string_view(longest)) && error == 1005064);
     EXPECT_TRUE(error.SetFromString("UNDEFINED") && error.IsOK());
-    // Here and not with the other registrations, so that the rows above meet an empty text that is not registered.
+    // Registered only here, because the rows above need an empty text that is not registered.
     EXPECT_TRUE(SessionEnum::_Register(3000012, "", "any wording"));
     EXPECT_FALSE(SessionEnum::_Register(3000013, "", "any wording"));
     EXPECT_TRUE(SessionEnum().SetFromString(std::string_view()));
@@ -342,8 +342,8 @@ TEST(nxErrorEnum, SuccessTimeoutsAndSecurityErrorsAreTold)
     }
 }
 
-// A plug-in registers thousands of values, which makes the tables grow, while threads look up old and new ones: what
-// they find is always whole, and what they found before stays.
+// A plug-in registers thousands of values, which makes the tables grow, while threads look up old and new values. Every
+// result is complete, and earlier results stay valid.
 TEST(nxEnum, APluginRegistersWhileOtherThreadsLookUp)
 {
     const std::string& kept = nxErrorEnum(NX_ERR_NOT_FOUND).GetShortDescription();

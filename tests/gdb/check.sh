@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What gdb shows of the library's values: check.sh PROGRAM PRINTERS
+# Compares what gdb shows for values of the library: check.sh PROGRAM PRINTERS
 set -u
 export TZ=UTC
 expected=$(dirname "$0")/expected.txt
@@ -16,8 +16,8 @@ for name in shortText longText; do
 done
 prints+=(-ex 'python print(printable("\x1b[2J\u202e \u00e9"))')
 wanted=$(cat "$expected")$'\n'$texts
-# Nothing in the program is called, neither by a printer nor by gdb's printf, which puts its texts there: there are
-# machines on which gdb cannot call.
+# Printers call no function of the program, and gdb's printf is not used because it does: on some machines gdb cannot
+# call.
 shown=$(gdb -q -batch -nx -iex 'set auto-load off' -iex 'set may-call-functions off' -ex "source $2" \
     -ex 'python PRINTERS["(anonymous namespace)::Undescribed"] = DecimalPrinter' \
     -ex 'break Pause' -ex run -ex 'up 2' -ex 'echo values\n' "${prints[@]}" "$1" 2>&1)

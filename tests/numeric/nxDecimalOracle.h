@@ -163,7 +163,7 @@ struct nxDecimalOracle
         }
         else
         {
-            // A divisor of 2^90 and more is as good as an endless one beside 64 bits.
+            // For a dividend of 64 bits any divisor of at least 2^90 gives the same result.
             for (unsigned n = increment.places; n < places && divisor >> 90 == 0; ++n)
                 divisor *= 10;
             quotient = Magnitude() / divisor;

@@ -185,7 +185,7 @@ TEST(nxDecimal, Calculates)
     }
 }
 
-// Whatever direction the thread has its floating-point operations rounded in.
+// The results do not depend on the rounding direction of the thread.
 TEST(nxDecimal, CalculatesInEveryDirectionOfRounding)
 {
     const auto results = [](double number, unsigned char places)
@@ -231,7 +231,7 @@ TEST(nxDecimal, ChangesItsSignInPlace)
 TEST(nxDecimal, Compares)
 {
     const nxDecimal zero;
-    // Ascending; two of a pair are equal.
+    // In ascending order. The two numbers of a pair are equal.
     const std::pair<nxDecimal, nxDecimal> order[] = {
         {null, null},
         {noChange, noChange},

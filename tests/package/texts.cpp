@@ -1,5 +1,5 @@
-// Prints every text that programs, users' files and support desks know the library by: enumerations, flags, settings. The
-// agreed ones are in texts.txt. The catalogue of tick tables has docs/tick-tables.md, which is compared in the same way.
+// Prints every text that programs, users' files and support desks rely on: enumerations, flags, settings. The agreed texts
+// are in texts.txt. The catalogue of tick tables is compared with docs/tick-tables.md in the same way.
 
 #include <iostream>
 
@@ -27,7 +27,7 @@ void PrintBounds()
     std::cout << Enum().GetClassName() << ' ' << Enum::MinimumValue << " to " << Enum::MaximumValue << '\n';
 }
 
-// Every value of a class. The one that means "not registered" is held by no object.
+// Every value of a class except "not registered", which no object holds.
 template <class Enum>
 void PrintValues()
 {

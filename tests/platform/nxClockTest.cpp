@@ -24,7 +24,7 @@ std::int64_t SystemNow()
     return now.tv_sec * second + now.tv_nsec;
 }
 
-// Whether what the clock says now, and what it makes of a reading of the counter, is the system's time.
+// Whether the clock's time, and its conversion of a counter reading, agree with the system's time.
 bool AgreesWithTheSystem(bool recalibrates = false)
 {
     const std::int64_t before = SystemNow();
@@ -208,7 +208,7 @@ TEST(nxClock, DoesWithoutACounter)
         GTEST_SKIP() << "may not put another file in the place of the kernel's";
     setenv("NX_TEST_WITHOUT_COUNTER", "1", 1);
     unsetenv("NX_TEST_IN_NEW_PROCESS");
-    // Without the test that needs a counter: CTest takes its message for one of this test, and a failure for a skip.
+    // Leaves out the test that needs a counter: CTest would take its skip for a skip of this test, and hide a failure.
     const char* const others = "--gtest_filter=nxClock.*-nxClock.LeavesTheCounter*";
     execl("/proc/self/exe", "test_platform", others, static_cast<char*>(nullptr));
     FAIL();

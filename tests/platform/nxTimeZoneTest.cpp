@@ -17,7 +17,7 @@ std::optional<std::int32_t> OffsetOfLibrary(std::int64_t second)
     std::tm fields{};
     if (localtime_r(&moment, &fields) == nullptr)
         return std::nullopt;
-    // Zones that count leap seconds are not in tables, so that seconds tell the same as the offset.
+    // The tables hold no zone with leap seconds, so that the offset is enough.
     return static_cast<std::int32_t>(fields.tm_gmtoff);
 }
 

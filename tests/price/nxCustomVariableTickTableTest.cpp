@@ -176,7 +176,7 @@ TEST(nxCustomVariableTickTable, FilesNameThemselvesInTheReason)
     EXPECT_EQ(Describe(tables), "A: 10 0.01; 0.05; ");
 }
 
-// A shell hands over such files as <(...) and /dev/stdin; a pipe without a writer is not waited for.
+// A shell passes pipes as <(...) and /dev/stdin. A pipe without a writer is refused at once.
 TEST(nxCustomVariableTickTable, PipesAreReadToTheirEnd)
 {
     Custom::Tables tables;

@@ -6,7 +6,7 @@
 #include "tests/support/nxTest.h"
 #include "tests/support/nxTestThreads.h"
 
-/// Reaches a container of its own.
+/// Has access to the private parts of a container.
 struct nxVariableTickTableContainerTest : testing::Test
 {
     void Register(const std::string& name, const std::string& id, nxVariableTickTable* table)
@@ -23,7 +23,7 @@ struct nxVariableTickTableContainerTest : testing::Test
 
 namespace
 {
-// Says when it is deleted.
+// Counts its deletion.
 class TestTable : public nxVariableTickTable
 {
 public:
@@ -58,7 +58,7 @@ TEST_F(nxVariableTickTableContainerTest, TablesAreFoundByIdentifierAndIdentifier
         EXPECT_EQ(Container::GetVariableTickTableID(name), "") << name;
 }
 
-// What is in it is agreed in docs/tick-tables.md.
+// Its contents are compared with docs/tick-tables.md.
 TEST_F(nxVariableTickTableContainerTest, TheCatalogueAndItsSourcesHaveTheSameOrder)
 {
     const auto sources = nxTickTableSource::GetAll();

@@ -119,7 +119,7 @@ TEST(nxVariableTickTable, APriceWithoutABandHasANullTickAndIsReported)
         EXPECT_EQ(table->NumberOfDecimalPlaces(price), 0);
         EXPECT_EQ(table->Band(price), static_cast<long>(table->GetRangeData().size()));
     }
-    // A run of steps ends where the bands do, and one from no price at once.
+    // A run of steps ends with the bands. A run from a null price ends at once.
     nxDecimal price = D("9.00"), none = nxDecimal::GetNullDecimal();
     topless.Increment(price, INT_MAX);
     EXPECT_EQ(Text(price), "10.01");
@@ -264,7 +264,7 @@ TEST(nxVariableTickTable, ManyTicksAreThatManySingleSteps)
 
 namespace
 {
-// Prices around everything where a decision can change, at other scales too, and prices of every kind.
+// Prices near every point at which a decision changes, also at other scales, and prices of every kind.
 class PriceSource
 {
 public:
@@ -322,7 +322,7 @@ private:
     std::mt19937_64 _random;
 };
 
-// Each way of asking makes the same of a price.
+// All ways give the same result for a price.
 template <class... Ways>
 void ExpectEach(const nxDecimal& price, const nxDecimal& expected, const Ways&... ways)
 {
@@ -511,7 +511,7 @@ TEST(nxVariableTickTable, StepsOfOneBandByItsIterator)
     EXPECT_EQ(Text(table._GetIncrementForPrice(D("10.01"))), "0.050");
 }
 
-// Threads on one table, at prices far apart, take the remembered band from each other all the time.
+// Threads share one table. Their prices are far apart, so that each replaces the band that another has remembered.
 TEST(nxVariableTickTable, ThreadsShareATable)
 {
     const Table table("9.99 0.01; 99.95 0.05; 999.75 0.25; 0.50");

@@ -19,7 +19,7 @@ public:
 
     explicit TranscribedTickTable(const Bands& bands) : _bands(bands) {}
 
-    // The number of bands when there is none.
+    // The index of the price's band, or the number of bands if it has none.
     std::size_t Find(const nxDecimal& price) const
     {
         const nxDecimal magnitude = Magnitude(price);
@@ -54,7 +54,7 @@ public:
         return price;
     }
 
-    // Steps a price that is not negative; a negative one is left to its mirror image.
+    // A negative price takes the step of its mirror image.
     nxDecimal Stepped(nxDecimal price, bool up) const
     {
         if (!price.IsValid() || Find(price) == _bands.size())

@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 namespace
 {
-// Well away from today, so that no true time is taken for a stepped one.
+// Far from today, so that no true time looks like a stepped one.
 const nxTimeStamp start(1'000'000'000, 999'999'999);
 
 bool IsTrueTime(const nxTimeStamp& stamp) { return stamp.GetSeconds() > start.GetSeconds() + 100'000'000; }

@@ -40,7 +40,7 @@ void CheckStrictness()
         CheckReading<Integer>({{"-0", 42}, {"-5", 42}}, invalid);
 }
 
-// Digits in random number with a separator in a random place or nowhere, sometimes with a character spoilt.
+// A random number of digits, mostly with a separator at a random place, sometimes with a wrong character.
 std::string RandomNumberText(std::mt19937_64& random, char separator)
 {
     std::string text(random() % 4 == 0 ? "-" : "");
@@ -73,7 +73,7 @@ double RandomDouble(std::mt19937_64& random)
         }
     }
 }
-// What it appends for each value, which is also what it returns.
+// The texts that it appends for the values. It must return the same texts.
 template <class... Values>
 std::string Printed(const Values&... values)
 {
@@ -144,7 +144,7 @@ TEST(nxStringHelper, ViewsAreReadToTheirOwnEnd)
     EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view(), value), invalid);
     EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view("1\0", 2), value), invalid);
     EXPECT_EQ(value, 123U);
-    // Room for the digits alone, so that the address sanitizer sees any byte read beside them.
+    // The memory holds the digits alone, so that the address sanitizer reports a read beside them.
     for (std::size_t size = 1; size <= 24; ++size)
     {
         const std::vector<char> digits(size, '1');
@@ -217,7 +217,7 @@ TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
     }
 }
 
-// Whatever direction the thread has its floating-point operations rounded in.
+// The result does not depend on the rounding direction of the thread.
 TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 {
     std::mt19937_64 random(nxRandomTest::GetSeed(3));

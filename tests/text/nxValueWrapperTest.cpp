@@ -184,7 +184,7 @@ TEST(nxValueWrapper, CalculatesInItsTypeAndWraps)
     value /= 5;
     EXPECT_EQ(static_cast<unsigned>(value), 8U);
     EXPECT_TRUE((value /= 0).IsNull());
-    EXPECT_EQ(static_cast<unsigned>(value += 1), 0U);  // the state is not looked at
+    EXPECT_EQ(static_cast<unsigned>(value += 1), 0U);  // the state is ignored
     nxValueWrapper<unsigned short> narrow(40000);
     narrow *= static_cast<unsigned short>(40000);
     EXPECT_EQ(static_cast<unsigned short>(narrow), static_cast<unsigned short>(40000U * 40000U));

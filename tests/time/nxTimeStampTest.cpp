@@ -30,7 +30,7 @@ std::string Fast(const nxTimeStamp& stamp)
 // The text of a stamp, and that of its date and time.
 std::string Both(const nxTimeStamp& stamp) { return Fast(stamp) + " | " + stamp.GetAsDateTime().GetAsString(); }
 
-// The same by the C library's means. No date holds years beyond the calendar's four digits, and the second 60 of zones
+// The same texts made by the C library. No date holds years beyond the calendar's four digits, and the second 60 of zones
 // that have one is shown as 59 there.
 std::string Expected(long long second, unsigned nanoseconds)
 {
@@ -87,7 +87,7 @@ TEST(nxTimeStamp, PrintsWhatTheCLibraryFindsInEveryZoneAtAnyMomentInManyThreads)
             std::mt19937_64 random(static_cast<unsigned>(thread));
             for (int i = 0; i < 1'500 && !testing::Test::HasFailure(); ++i)
             {
-                // From the neighbourhood of today to the ends of the calendar, and beyond.
+                // From years near today to years beyond both ends of the calendar.
                 const auto bits = static_cast<long long>(random());
                 const long long second = bits >> (random() % 36);
                 const auto nanoseconds = static_cast<unsigned>(random() % 1'000'000'000);
@@ -151,11 +151,11 @@ TEST(nxTimeStamp, PrintsWhatTheCLibraryKnowsThoughTheZonesFileCannotBeRead)
         for (long long second = summer; second < summer + 61 * texts; second += 61)
             ASSERT_EQ(Both(nxTimeStamp(second, 0)), Expected(second, 0)) << second;
     };
-    // The C library has read the zone; then no file can be opened any more, and later it can again.
+    // The C library has read the zone. Then no file can be opened for a while.
     const nxZoneOfProcess zone("Europe/London");
     struct rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
-    // The sanitizers look at memory by way of descriptors.
+    // The sanitizers need descriptors to inspect memory.
     const struct rlimit none = {nxUnderAddressSanitizer ? files.rlim_cur : 0, files.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
     expectTheLibrarys(600);
@@ -184,8 +184,8 @@ TEST(nxTimeStamp, PrintsInAForkedChild)
     const nxTimeStamp stamp(1'689'000'000, 0);
     const std::string expected = "10Jul23 16:40:00.000.000";
     EXPECT_EQ(Fast(stamp), expected);
-    // In the locks of the C library and ours, but not in those of an allocator, which the address sanitizer's does not
-    // give back in the child.
+    // Holds locks of the C library and of this one, but none of an allocator, because the address sanitizer does not release
+    // its own in the child.
     const nxBusyThread busy(
         []
         {

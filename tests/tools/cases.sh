@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the test scripts: a scratch directory of their own and the checks that they are tables of.
+# Sourced by the test scripts: a scratch directory and the checks.
 
 nxtick=$1
 [ -x "$nxtick" ] || { echo "$nxtick is not there"; exit 2; }

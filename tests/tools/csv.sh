@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The rows that go through nxtick.
+# Rows of prices and what nxtick makes of them.
 set -u
 . "$(dirname "$0")/cases.sh"
 

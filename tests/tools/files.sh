@@ -103,7 +103,7 @@ for name in stdin:- stdin:/dev/stdout good.csv:-; do
     content_is good.csv 'Price\n1.23\n'
 done
 
-# Standard streams that are closed take no part, and no file gets their numbers.
+# Closed standard streams are not used, and no file takes their descriptors.
 { echo Price; yes x | head -n 60000; } >bad.csv
 case="standard error closed"
 "$nxtick" $snap -out bad-out.csv <bad.csv 2>&-

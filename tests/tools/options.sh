@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the user asks for, rightly and wrongly.
+# Valid and invalid options.
 set -u
 . "$(dirname "$0")/cases.sh"
 completion=$cases/../../tools/nxtick/completions/nxtick
@@ -13,7 +13,7 @@ done <"$cases/refused.txt"
 set +f
 run 0 -increment 0.000000000000000001 -price 0.5
 
-# What the user wrote is shown in 40 bytes that any terminal can take.
+# Messages show at most 40 bytes of what the user wrote, and nothing that controls a terminal.
 digits=$(printf '%039d' 0)
 known='; there are nearest, modified-nearest, up and down'
 refused "unknown method '${digits}1'$known" $snap -method "${digits}1"

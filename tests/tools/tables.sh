@@ -6,7 +6,7 @@ set -u
 cp "$cases/own.csv" own.csv
 own='-tables own.csv'
 
-# The catalogue, and the user's own tables in front of it.
+# The catalogue, with the user's own tables first.
 run 0 -list
 same "heading and tables" "151 identifier bands smallest tick largest tick source" \
     "$(wc -l <out) $(head -n 1 out | tr -s ' ')"
@@ -21,14 +21,14 @@ same "warning" "nxtick: own\\x1B.csv: table ODD: band 1: upper bound 10 plus inc
 run 0 $own -list
 err_is ''
 
-# A file of tables that is wrong names its line.
+# The message for a wrong file of tables names the line.
 sed 's/0.05/0/' own.csv >zero.csv
 run 2 -tables zero.csv -table TWO
 same "file and line" "nxtick: zero.csv: line 3" "$(grep -oE '^nxtick: zero.csv: line [0-9]+' err)"
 run 2 -tables missing.csv -list
 same "one line" "1" "$(wc -l <err)"
 
-# Lists, tables, prices, steps, neighbours and ladders as shown.txt has them: what was typed, and what it shows.
+# Lists, tables, prices, steps, neighbours and ladders: shown.txt holds the command lines and their output.
 while read -r _ _ options; do
     run 0 $options
     { echo "$ nxtick $options"; cat out; } >>shown
@@ -50,7 +50,7 @@ run 0 $own -table TWO -chart chart.svg
 out_is ''
 same "steps and dots" "2 1" "$(grep -c "class='line'" chart.svg) $(grep -c '<circle' chart.svg)"
 same "ends" "<svg </svg>" "$(head -c 5 chart.svg)$(tail -n 1 chart.svg)"
-# Its text is UTF-8 whatever the path: bytes that are none are replaced, and no character is cut in two.
+# Its text is always UTF-8: other bytes of the path are replaced, and no character is cut in two.
 x79=$(printf '%079d' 0)
 for row in $'\xC3\xA9\xC3.csv|\xC3\xA9\xEF\xBF\xBD.csv' "$x79"$'\xC3\xA9|'"$x79..." "${x79}1|${x79}1"; do
     cp own.csv "${row%|*}"
