@@ -162,6 +162,8 @@ TEST(nxDecimal, ADoubleIsRoundedWithTiesTowardPlusInfinity)
     };
     for (const auto& [number, places, mantissa] : rows)
         EXPECT_EQ(Fields(nxDecimal(number, places)), Fields(Parts(mantissa, places))) << number;
+    using Limits = std::numeric_limits<double>;
+    EXPECT_TRUE(nxDoubleHelper::IsFinite(-Limits::max()) && !nxDoubleHelper::IsFinite(-Limits::infinity()));
 }
 
 TEST(nxDecimal, Calculates)
