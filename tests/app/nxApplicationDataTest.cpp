@@ -1,23 +1,20 @@
 #include "core/app/nxApplicationData.h"
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <ctime>
-#include <string>
-#include <utility>
 
 #include "core/app/nxCmdLineArgs.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTest.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
 {
 TEST(nxApplicationData, SettingsKeepWhatTheyAreGiven)
 {
-    EXPECT_EQ(nxApplicationData::GetLocation(), "");
     using TextSetting = std::pair<std::string (*)(), void (*)(const std::string&)>;
     const TextSetting settings[] = {
         {&nxApplicationData::GetApplicationName, &nxApplicationData::SetApplicationName},
@@ -26,12 +23,12 @@ TEST(nxApplicationData, SettingsKeepWhatTheyAreGiven)
         {&nxApplicationData::GetLocation, &nxApplicationData::SetLocation},
         {&nxApplicationData::GetDaemonHostName, &nxApplicationData::SetDaemonHostName},
     };
-    int number = 0;
+    std::string all;
+    for (std::size_t i = 0; i < std::size(settings); ++i)
+        settings[i].second("text " + std::to_string(i) + ';');
     for (const auto& [get, set] : settings)
-        set("text " + std::to_string(number++));
-    number = 0;
-    for (const auto& [get, set] : settings)
-        EXPECT_EQ(get(), "text " + std::to_string(number++));
+        all += get();
+    EXPECT_EQ(all, "text 0;text 1;text 2;text 3;text 4;");
 
     nxApplicationData::SetMifidEnabled(true);
     EXPECT_TRUE(nxApplicationData::GetMifidEnabled());
@@ -68,7 +65,7 @@ TEST(nxApplicationData, ThePlatformsFactsAreLiveAndHaveDefaults)
 
 TEST(nxApplicationData, WithoutAProcessFileTheStartIsTheFirstQuestion)
 {
-    // A child, because the answer is kept.
+    // In a child, because the process keeps the answer.
     EXPECT_TRUE(nxInChild(
         []
         {
@@ -109,13 +106,13 @@ TEST(nxApplicationData, AForkedChildIsAProcessOfItsOwn)
 
 TEST(nxApplicationData, SecureConnectionIsReadFromTheDaemonSetting)
 {
+    EXPECT_FALSE(nxApplicationData::GetIsSecureSSLConnection());
     const std::pair<const char*, bool> rows[] = {{"SSL:daemonhost:1234", true},
                                                  {"tcp:x;ssl:y", true},
                                                  {"sSl:", true},
                                                  {"ssl", false},
                                                  {"tcp:daemonhost", false},
                                                  {"", false}};
-    EXPECT_FALSE(nxApplicationData::GetIsSecureSSLConnection());
     for (const auto& [daemon, isSecure] : rows)
     {
         ASSERT_TRUE(nxCmdLineArgs::GetInstance().SetEnvValue("QRX_DAEMON", daemon));

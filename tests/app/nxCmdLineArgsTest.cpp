@@ -1,21 +1,15 @@
 #include "core/app/nxCmdLineArgs.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <map>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 #include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxFunctionLogDevice.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTest.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
@@ -23,7 +17,7 @@ namespace
 using Map = std::map<std::string, std::string>;
 using Words = std::vector<std::string>;
 
-// argv or envp: texts that may be written to, and a null at the end.
+// argv or envp: writable texts with a null at the end.
 class Vector
 {
 public:
@@ -40,7 +34,7 @@ private:
     std::vector<char*> _pointers;
 };
 
-// A reader of its own: the process's one is read once only.
+// A separate object, because the one of the process reads its arguments only once.
 class Args : public nxCmdLineArgs
 {
 public:
@@ -65,25 +59,22 @@ private:
 TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
 {
     const std::tuple<Words, Map, Words> rows[] = {
-        {{}, {}, {}},
-        {{"-a", "-b", "7", "file.txt", "-c"}, {{"a", ""}, {"b", "7"}, {"c", ""}}, {"file.txt"}},
-        {{"-price", "-1.5"}, {{"price", "-1.5"}}, {}},
-        {{"-price", "-.5", "-5."}, {{"price", "-.5"}, {"5.", ""}}, {}},  // a number, yet no option waits for it
-        {{"-x", "-y"}, {{"x", ""}, {"y", ""}}, {}},
-        {{"-x", "-1.5.2"}, {{"x", ""}, {"1.5.2", ""}}, {}},  // not a number
-        {{"-x", "-"}, {{"x", ""}, {"", ""}}, {}},
-        {{"-x", "--5"}, {{"x", ""}, {"-5", ""}}, {}},
-        {{"--x", "1"}, {{"-x", "1"}}, {}},
-        {{"-a", "1", "-a", "2"}, {{"a", "2"}}, {}},
-        {{"-a", "1", "-a"}, {{"a", ""}}, {}},
-        {{"-a", "", "b", ""}, {{"a", ""}}, {"b", ""}},
-        {{"1", "2", "-a", "3", "4"}, {{"a", "3"}}, {"1", "2", "4"}},
+        {{"prog"}, {}, {}},
+        {{"prog", "-a", "-b", "7", "file.txt", "-c"}, {{"a", ""}, {"b", "7"}, {"c", ""}}, {"file.txt"}},
+        {{"prog", "-p", "-1.5"}, {{"p", "-1.5"}}, {}},
+        {{"prog", "-p", "-.5", "-5."}, {{"p", "-.5"}, {"5.", ""}}, {}},  // a number, yet no option waits for it
+        {{"prog", "-x", "-y"}, {{"x", ""}, {"y", ""}}, {}},
+        {{"prog", "-x", "-1.5.2"}, {{"x", ""}, {"1.5.2", ""}}, {}},  // not a number
+        {{"prog", "-x", "-"}, {{"x", ""}, {"", ""}}, {}},
+        {{"prog", "-x", "--5"}, {{"x", ""}, {"-5", ""}}, {}},
+        {{"prog", "-a", "1", "-a", "2"}, {{"a", "2"}}, {}},
+        {{"prog", "-a", "1", "-a"}, {{"a", ""}}, {}},
+        {{"prog", "-a", "", "b", ""}, {{"a", ""}}, {"b", ""}},
+        {{"prog", "1", "2", "-a", "3", "4"}, {{"a", "3"}}, {"1", "2", "4"}},
     };
     for (const auto& [words, options, unprocessed] : rows)
     {
-        Words argv = words;
-        argv.insert(argv.begin(), "prog");
-        const Args args(argv, {});
+        const Args args(words, {});
         SCOPED_TRACE(testing::PrintToString(words));
         EXPECT_EQ(args.GetCommand(), "prog");
         EXPECT_EQ(args.Options(), options);
@@ -91,12 +82,8 @@ TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
         args.GetUnprocessedArgs(rest);
         EXPECT_EQ(rest, unprocessed);
         for (const auto& [name, value] : options)
-        {
-            EXPECT_TRUE(args.IsArgDefined(name));
-            EXPECT_EQ(args.GetArgValue(name), value);
-        }
-        EXPECT_FALSE(args.IsArgDefined("other"));
-        EXPECT_EQ(args.GetArgValue("other"), "");
+            EXPECT_TRUE(args.IsArgDefined(name) && args.GetArgValue(name) == value) << name;
+        EXPECT_FALSE(args.IsArgDefined("other") || args.GetArgValue("other") != "");
     }
 }
 
@@ -149,46 +136,43 @@ TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
 
 TEST(nxCmdLineArgs, WhatWasSetBeforeTheEnvironmentIsReadCountsToo)
 {
-    EXPECT_TRUE(nxInChild(
-        []
-        {
-            char** const given = environ;  // as main gets it
-            Args args;
-            ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", "1"));
-            ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", std::string(5000, 'x')));
-            ASSERT_TRUE(args.SetEnvValue("PATH", "/nowhere"));
-            char* none[] = {nullptr};
-            args.Initialise(none, given);
-            EXPECT_EQ(args.GetEnvValue("NX_TEST_SET_EARLY"), std::string(5000, 'x'));
-            EXPECT_EQ(args.GetEnvValue("PATH"), "/nowhere");
-        }));
+    if (!nxInNewProcess())
+        return;
+    char** const given = environ;  // as main gets it
+    Args args;
+    ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", "1"));
+    ASSERT_TRUE(args.SetEnvValue("NX_TEST_SET_EARLY", std::string(5000, 'x')));
+    ASSERT_TRUE(args.SetEnvValue("PATH", "/nowhere"));
+    char* none[] = {nullptr};
+    args.Initialise(none, given);
+    EXPECT_EQ(args.GetEnvValue("NX_TEST_SET_EARLY"), std::string(5000, 'x'));
+    EXPECT_EQ(args.GetEnvValue("PATH"), "/nowhere");
 }
 
 TEST(nxCmdLineArgs, BooleansKnowFourWords)
 {
-    const std::tuple<const char*, bool, bool, bool> rows[] = {
-        {"TRUE", true, true, true},  {"yes", true, true, true},      {"Yes", true, true, true},
-        {"no", false, false, false}, {"False", false, false, false}, {"maybe", true, false, false},
-        {"1", true, false, false},   {"", true, false, false},       {"TRUE ", true, false, false}};
-    for (const auto& [text, orTrue, orFalse, alone] : rows)
+    // With true and with false as the default, and with none.
+    const std::pair<const char*, const char*> rows[] = {{"TRUE", "111"}, {"yes", "111"},   {"Yes", "111"},
+                                                        {"no", "000"},   {"False", "000"}, {"maybe", "100"},
+                                                        {"1", "100"},    {"", "100"},      {"TRUE ", "100"}};
+    for (const auto& [text, expected] : rows)
     {
-        SCOPED_TRACE(text);
         const Args args({}, {std::string("K=") + text});
-        EXPECT_EQ(args.GetEnvValueAsBool("K", true), orTrue);
-        EXPECT_EQ(args.GetEnvValueAsBool("K", false), orFalse);
-        EXPECT_EQ(args.GetEnvValueAsBool("K"), alone);
+        std::string found;
+        for (const bool is :
+             {args.GetEnvValueAsBool("K", true), args.GetEnvValueAsBool("K", false), args.GetEnvValueAsBool("K")})
+            found += is ? '1' : '0';
+        EXPECT_EQ(found, expected) << text;
     }
 }
 
 TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
 {
-    const double null = nxDoubleValueWrapper::GetNullInstance();
     const std::tuple<const char*, const char*, const char*, double> rows[] = {
         {"12", "12", "12", 12},
         {"1.50", "1.50", "NULL", 1.5},
-        {"x", "NULL", "NULL", null},
-        {"", "NULL", "NULL", null},
-        {"12x", "NULL", "NULL", null},
+        {"12x", "NULL", "NULL", nxDoubleValueWrapper::NullValue},
+        {"", "NULL", "NULL", nxDoubleValueWrapper::NullValue},
         {"4294967297", "4294967297", "1", 4294967297.0},  // whole numbers are read modulo their range
     };
     for (const auto& [text, decimal, volume, doubleValue] : rows)
@@ -204,29 +188,23 @@ TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
     }
     const Args args({}, {"BIG=18446744073709551613"});
     EXPECT_EQ(args.GetEnvValueAsUInteger64("BIG").GetAsLogString(), "18446744073709551613");
-    EXPECT_TRUE(args.GetEnvValueAsUInteger64("MISSING").IsNull());
-    EXPECT_TRUE(args.GetArgValueAsDecimal("MISSING").IsNull());
+    EXPECT_TRUE(args.GetEnvValueAsUInteger64("MISSING").IsNull() && args.GetArgValueAsDecimal("MISSING").IsNull());
 }
 
 TEST(nxCmdLineArgs, TimesOfDayAreSixDigitsInRange)
 {
-    const auto isTime = [](const std::string& text)
-    { return Args({}, {"T=" + text}).GetEnvValueAsHHMMSS("T").IsValid(); };
-    for (const char* const text : {"000000", "235959"})
-        EXPECT_TRUE(isTime(text)) << text;
-    for (const char* const text : {"240000", "236000", "235960", "999999", "", "93005", "0930050", "09:005", "-93005"})
-        EXPECT_FALSE(isTime(text)) << text;
-    EXPECT_FALSE(
-        isTime("0930\xB2"
-               "5"));
-    EXPECT_EQ(Args({}, {"T=093005"}).GetEnvValueAsHHMMSS("T"), nxDateTime(9, 30, 5));
+    const auto read = [](const std::string& text) { return Args({}, {"T=" + text}).GetEnvValueAsHHMMSS("T"); };
+    EXPECT_EQ(read("093005"), nxDateTime(9, 30, 5));
+    EXPECT_TRUE(read("000000").IsValid() && read("235959").IsValid());
+    for (const char* const text :
+         {"240000", "236000", "235960", "", "93005", "0930050", "09:005", "-93005", "09305\xB2"})
+        EXPECT_FALSE(read(text).IsValid()) << text;
 }
 
 TEST(nxCmdLineArgs, SetEnvValueReachesTheProcessAndTheCopy)
 {
     const std::string name = "NX_TEST_SET_" + std::to_string(::getpid());
-    Args live;
-    Args read({}, {"A=1"});
+    Args live, read({}, {"A=1"});
     EXPECT_TRUE(read.SetEnvValue(name, "v=1"));
     EXPECT_STREQ(std::getenv(name.c_str()), "v=1");
     EXPECT_EQ(read.GetEnvValue(name), "v=1");
@@ -263,7 +241,7 @@ TEST(nxCmdLineArgs, ReadersAndASetterOfTheEnvironmentMeet)
     ::unsetenv(name.c_str());
 }
 
-// What has reached the log since the device was made, up to and with `last`.
+// The texts that have reached the device, up to and including `last`.
 Words Texts(const nxCapturingLogDevice& log, const std::string& last)
 {
     EXPECT_TRUE(log.WaitFor(nxCapturingLogDevice::Contains(last)));
@@ -315,7 +293,7 @@ TEST(nxCmdLineArgs, TellsTheLogWithoutHoldingItsMutex)
     // A device that asks for settings while it writes, as a file device does.
     std::atomic<int> answered{0};
     const nxFunctionLogDevice device([&](const nxLog&) { answered += args.GetEnvValue("A") == "1"; });
-    const nxCapturingLogDevice log;  // is written to behind the other
+    const nxCapturingLogDevice log;  // is written to after the other
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));
     EXPECT_TRUE(args.SetEnvValue("A", "1"));
     EXPECT_FALSE(args.SetEnvValue("", ""));

@@ -1,13 +1,10 @@
-// What must not allocate does not: every operation of a trading thread's steady state is run with all allocations
-// counted.
-
-#include <gtest/gtest.h>
+// Runs every operation of a trading thread's steady state and counts allocations: there must be none.
 
 #include <functional>
-#include <string>
 
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
+#include "tests/support/nxTest.h"
 
 TEST(nxAllocation, TheSteadyStateAllocatesNothing)
 {
@@ -55,7 +52,7 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
     ASSERT_GT(nxAllocations::count.load(), 0u);
     for (const auto& operation : operations)
     {
-        operation.run();  // what is remembered from the first time on may be made then
+        operation.run();  // the first run may allocate what is kept
         text.clear();
         const std::size_t before = nxAllocations::count.load();
         for (int i = 0; i < 100; ++i)
@@ -63,17 +60,4 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
         EXPECT_EQ(nxAllocations::count.load() - before, 0u) << operation.name;
         EXPECT_TRUE(kept) << operation.name;
     }
-}
-
-TEST(nxAllocation, ValuesAreAsSmallAsTheyShouldBe)
-{
-    EXPECT_EQ(sizeof(nxDecimal), 16u);
-    EXPECT_EQ(sizeof(nxErrorEnum), 16u);  // the table of virtual operations and one 32-bit value
-    EXPECT_EQ(sizeof(nxProductStateBitMask), 16u);
-    EXPECT_EQ(sizeof(nxServerCapabilityBitMask), 16u);
-    EXPECT_EQ(sizeof(nxValueWrapper<unsigned>), 4u);
-    EXPECT_EQ(sizeof(nxDoubleValueWrapper), 8u);
-    EXPECT_EQ(sizeof(nxTimeStamp), 24u);
-    EXPECT_EQ(sizeof(nxDate), 4u);
-    EXPECT_TRUE(std::is_trivially_copyable_v<nxDecimal>);
 }

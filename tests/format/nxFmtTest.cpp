@@ -1,15 +1,8 @@
 #include "core/format/nxFmt.h"
 
-#include <gtest/gtest.h>
-
-#include "core/enum/nxErrorEnum.h"
-#include "core/enum/nxProductStateBitMask.h"
 #include "core/format/nxFormat.h"
-#include "core/numeric/nxMoney.h"
-#include "core/text/nxDoubleValueWrapper.h"
-#include "core/text/nxStringValue.h"
-#include "core/text/nxValueWrapper.h"
-#include "core/time/nxDate.h"
+#include "core/nxCore.h"
+#include "tests/support/nxTest.h"
 
 namespace
 {
@@ -57,8 +50,7 @@ TEST(nxFmt, CutsTextsOnly)
 
 TEST(nxFmt, ValuesPrintAsInTheLog)
 {
-    nxProductStateBitMask state;
-    state.SetBits(nxProductStateBitMask::CLOSED | nxProductStateBitMask::EXPIRING);
+    const nxProductStateBitMask state(nxProductStateBitMask::CLOSED | nxProductStateBitMask::EXPIRING);
     EXPECT_EQ(fmt::format("[{}] [{:>7}] [{:<6}]", nxErrorEnum(NX_ERR_NOT_FOUND), nxDecimal(5, 2),
                           nxDecimal::GetNullDecimal()),
               "[NX_ERR_NOT_FOUND] [   5.00] [NULL  ]");

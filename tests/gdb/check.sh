@@ -1,54 +1,23 @@
 #!/usr/bin/env bash
-# What gdb shows of the library's values: check.sh PROGRAM PRINTERS
+# Compares what gdb shows for values of the library: check.sh PROGRAM PRINTERS
 set -u
 export TZ=UTC
-wanted='price 25.0
-cents -0.05
-nothing NULL
-same NO_CHANGE
-error NX_ERR_NOT_FOUND
-truth TRUE
-state CLOSED | EXPIRING
-none NULL
-stamp 05Mar24 09:07:03.123.456
-volume 7
-noVolume NULL
-ratio 2.5
-noRatio NULL
-date 20240305
-noDate NULL
-time 09:07:03.500
-noTime NULL
-dateTime 05 Mar 2024 17:30:00
-timeAlone 08:30:00
-never NULL
-fee 12.50 EUR
-noFee NULL
-text "A-1"
-noText NULL
-strange "a\"b\n\033[2J"
-wordy "more than fifteen characters"
-unmadePrice <not initialised>
-unmadeTime <not initialised>
-byReference CLOSED | EXPIRING
-maskBase CLOSED | EXPIRING
-enumBase NX_ERR_NOT_FOUND
-undescribed <install libnxcore1-dbgsym>'
-# Texts as another standard library keeps them, and one that could steer the terminal.
-wanted_texts='FIRM
+expected=$(dirname "$0")/expected.txt
+# Texts as another standard library stores them, and one that could control the terminal.
+texts='FIRM
 A_TEXT_OF_MORE_THAN_22_B
 \x1B[2J\xE2\x80\xAE é'
 prints=()
-for name in $(printf '%s\n' "$wanted" | cut -d' ' -f1); do
+for name in $(cut -d' ' -f1 "$expected"); do
     prints+=(-ex "echo $name\\040" -ex "output $name" -ex 'echo \n')
 done
 for name in shortText longText; do
     prints+=(-ex "python print(read_bytes(*std_string(int(gdb.parse_and_eval('&$name')))).decode())")
 done
 prints+=(-ex 'python print(printable("\x1b[2J\u202e \u00e9"))')
-wanted+=$'\n'$wanted_texts
-# Nothing in the program is called, neither by a printer nor by gdb's printf, which puts its texts there: there are
-# machines on which gdb cannot call.
+wanted=$(cat "$expected")$'\n'$texts
+# Printers call no function of the program, and gdb's printf is not used because it does: on some machines gdb cannot
+# call.
 shown=$(gdb -q -batch -nx -iex 'set auto-load off' -iex 'set may-call-functions off' -ex "source $2" \
     -ex 'python PRINTERS["(anonymous namespace)::Undescribed"] = DecimalPrinter' \
     -ex 'break Pause' -ex run -ex 'up 2' -ex 'echo values\n' "${prints[@]}" "$1" 2>&1)

@@ -1,20 +1,12 @@
 #include <cstring>
 
-#include "core/enum/nxBoolEnum.h"
-#include "core/enum/nxErrorEnum.h"
-#include "core/enum/nxProductStateBitMask.h"
-#include "core/numeric/nxMoney.h"
-#include "core/text/nxDoubleValueWrapper.h"
-#include "core/text/nxStringValue.h"
-#include "core/text/nxValueWrapper.h"
-#include "core/time/nxDateTime.h"
-#include "core/time/nxTimeStamp.h"
+#include "core/nxCore.h"
 
 namespace
 {
 volatile int stop = 0;
 
-// Short and long texts as libc++ keeps them, and a class that the printer of another one does not fit.
+// Short and long texts as libc++ stores them, and a class that the printer does not fit.
 struct ShortText
 {
     unsigned char size = 2 * 4;
@@ -32,7 +24,7 @@ struct Undescribed
 
 void Pause() { stop = 1; }
 
-// Keeps what it is given alive at the breakpoint.
+// Keeps its arguments alive at the breakpoint.
 template <class... Values>
 void Look(const Values&...)
 {

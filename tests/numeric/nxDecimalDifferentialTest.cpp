@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <vector>
-
 #include "tests/numeric/nxDecimalProgram.h"
 #include "tests/support/nxRandomTest.h"
+#include "tests/support/nxTest.h"
 
 namespace
 {

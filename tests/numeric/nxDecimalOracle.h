@@ -9,7 +9,7 @@
 #include "core/enum/nxEnumValue.h"
 #include "core/numeric/nxDecimal.h"
 
-/// The decimal's rules a second time, as plainly as they can be put: one digit, one power, one rounding at a time, with
+/// The rules of the decimal, written again as plainly as possible: one digit, one power, one rounding at a time, with
 /// the mathematical library's floor and ceil and integers wide enough. Slow, and independent of nxDecimal, which is
 /// compared with it.
 struct nxDecimalOracle
@@ -30,6 +30,10 @@ struct nxDecimalOracle
     {
     }
 
+    friend std::ostream& operator<<(std::ostream& out, const nxDecimalOracle& o)
+    {
+        return out << o.mantissa << ", " << o.places << ", " << o.status;
+    }
     bool IsValid() const { return status == NX_VALUE_STATUS_VALID; }
     /// Whether @p value holds the same three fields.
     bool Matches(const nxDecimal& value) const
@@ -159,7 +163,7 @@ struct nxDecimalOracle
         }
         else
         {
-            // A divisor of 2^90 and more is as good as an endless one beside 64 bits.
+            // For a dividend of 64 bits any divisor of at least 2^90 gives the same result.
             for (unsigned n = increment.places; n < places && divisor >> 90 == 0; ++n)
                 divisor *= 10;
             quotient = Magnitude() / divisor;

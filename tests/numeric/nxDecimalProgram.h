@@ -24,7 +24,7 @@ class nxDecimalProgram
 public:
     nxDecimalProgram(const std::uint8_t* bytes, std::size_t size) : _bytes(bytes), _size(size) {}
 
-    /// @return whether all results agreed; GetFailure() tells which did not.
+    /// @return whether all results agreed; GetFailure() names the first one that did not.
     bool Run()
     {
         while (_at < _size && _failure.empty())
@@ -43,9 +43,7 @@ private:
 
         friend std::ostream& operator<<(std::ostream& out, const Register& r)
         {
-            const nxDecimalOracle held(r.value);
-            return out << '(' << held.mantissa << ", " << held.places << ", " << held.status << ") oracle ("
-                       << r.model.mantissa << ", " << r.model.places << ", " << r.model.status << ')';
+            return out << '(' << nxDecimalOracle(r.value) << ") oracle (" << r.model << ')';
         }
     };
 
@@ -62,7 +60,7 @@ private:
     }
     std::uint8_t TakeByte() { return Take<std::uint8_t>(); }
 
-    // Half of all numbers look like prices; the others crowd around every limit that the code knows.
+    // Half of all numbers look like prices; the others lie near the limits that the code knows.
     long long TakeMantissa()
     {
         const std::uint8_t kind = TakeByte();
@@ -102,18 +100,11 @@ private:
         const std::uint8_t kind = TakeByte();
         const auto raw = Take<long long>();
         using Limits = std::numeric_limits<double>;
-        static constexpr double odd[] = {Limits::quiet_NaN(),
-                                         Limits::infinity(),
-                                         -Limits::infinity(),
-                                         9223372036854775807.0,
-                                         -9223372036854775808.0,
-                                         1e19,
-                                         -1e19,
-                                         0.49999999999999994,
-                                         -0.49999999999999994,
-                                         -0.0,
-                                         Limits::denorm_min(),
-                                         Limits::max()};
+        constexpr double none = Limits::quiet_NaN(), infinity = Limits::infinity(), tiny = Limits::denorm_min();
+        static constexpr double odd[] = {
+            none, infinity,     -infinity,           9223372036854775807.0, -9223372036854775808.0,
+            1e19, -1e19,        0.49999999999999994, -0.49999999999999994,  -0.0,
+            tiny, Limits::max()};
         double number;
         switch (kind % 4)
         {
@@ -221,23 +212,16 @@ private:
             {
                 const unsigned char places = TakePlaces();
                 const bool onlyDropZeros = (TakeByte() & 1) != 0;
-                a.value.SetDecimalPlaces(places, onlyDropZeros);
-                a.model.SetDecimalPlaces(places, onlyDropZeros);
+                InBoth(a, [=](auto& number) { number.SetDecimalPlaces(places, onlyDropZeros); });
                 break;
             }
             case 8:
-            {
-                const unsigned char minimum = TakePlaces();
-                a.value.Normalise(minimum);
-                a.model.Normalise(minimum);
+                InBoth(a, [minimum = TakePlaces()](auto& number) { number.Normalise(minimum); });
                 break;
-            }
             case 9:
             {
-                const double number = TakeDouble();
-                const unsigned char places = TakePlaces();
-                a.value.SetFromDouble(number, places);
-                a.model.SetFromDouble(number, places);
+                const double from = TakeDouble();
+                InBoth(a, [from, places = TakePlaces()](auto& number) { number.SetFromDouble(from, places); });
                 break;
             }
             case 10:
@@ -283,6 +267,13 @@ private:
         }
     }
 
+    template <class Action>
+    static void InBoth(Register& a, const Action& action)
+    {
+        action(a.value);
+        action(a.model);
+    }
+
     void Compare(const Register& a, const Register& b)
     {
         const bool equal = a.model.Equals(b.model);
@@ -307,7 +298,7 @@ private:
     {
         const char separator = TakeSeparator();
         const unsigned char places = TakePlaces();
-        // The bytes behind the promised size must stay as they are.
+        // The bytes after the promised size must stay as they are.
         char buffer[nxDecimal::MaxTextSize + 8];
         std::memset(buffer, '#', sizeof buffer);
         const std::size_t length = a.value._GetAsString(buffer, separator, places);

@@ -1,19 +1,11 @@
 #include "core/numeric/nxDecimal.h"
 
-#include <gtest/gtest.h>
-
 #include <cfenv>
-#include <cmath>
-#include <cstdint>
-#include <limits>
-#include <sstream>
-#include <string>
-#include <tuple>
-#include <unordered_set>
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
+#include "tests/support/nxTest.h"
 
 namespace
 {
@@ -30,23 +22,16 @@ nxDecimal Parts(long long mantissa, unsigned char places)
 
 nxDecimal Number(const char* text) { return nxDecimal(text, '.'); }
 
-// All three fields: for what `==` does not tell apart.
+// All three fields, because `==` does not compare them all.
 std::string Fields(const nxDecimal& value)
 {
     return value.GetStatus().GetShortDescription() + " " + std::to_string(value.GetValue()) + "e-" +
            std::to_string(value.GetDecimalPlaces());
 }
 
-std::string WithZeros(const char* before, std::size_t zeros, const char* behind)
+std::string WithZeros(const char* before, std::size_t zeros, const char* after)
 {
-    return std::string(before).append(zeros, '0').append(behind);
-}
-
-std::string Written(const nxDecimal& value, char separator)
-{
-    nxOStream<nxSimpleAsciiStringWriter> stream;
-    value.Write(stream, separator);
-    return stream.GetWriter().GetText();
+    return std::string(before).append(zeros, '0').append(after);
 }
 }  // namespace
 
@@ -56,15 +41,12 @@ TEST(nxDecimal, ConstructorsSetEveryField)
         {nxDecimal(), "VALID 0e-0"},
         {nxDecimal(nxNullInitalizer{}), "NULL 0e-0"},
         {nxDecimal(nxNoChangeInitalizer{}), "NOCHANGE 0e-0"},
-        {nxDecimal(5, 2), "VALID 500e-2"},
         {nxDecimal(-5L, 2), "VALID -500e-2"},
         {nxDecimal(static_cast<short>(5), 0), "VALID 5e-0"},
         {nxDecimal(5ULL, 1), "VALID 50e-1"},
         {nxDecimal(1, 255), "VALID 0e-255"},  // 10^255 is a multiple of 2^64
-        {Parts(5, 2), "VALID 5e-2"},
         {nxDecimal(1.25, 1), "VALID 13e-1"},
         {nxDecimal(1.5F, 2), "VALID 150e-2"},
-        {nxDecimal(1, 3, 2), "VALID 33e-2"},
         {nxDecimal(-2, 3, 2), "VALID -67e-2"},
         {nxDecimal(1, 0, 0), "VALID 0e-0"},
         {nxDecimal("12,5", ','), "VALID 125e-1"},
@@ -82,77 +64,47 @@ TEST(nxDecimal, ConstructorsSetEveryField)
 
 TEST(nxDecimal, ReadsTextAndPrintsItBack)
 {
-    const std::tuple<const char*, long long, unsigned char, const char*> rows[] = {
+    const std::tuple<std::string, long long, unsigned char, const char*> rows[] = {
         {"12.340", 12340, 3, "12.340"},
-        {"-0.05", -5, 2, "-0.05"},
         {"-0", 0, 0, "0"},
-        {".5", 5, 1, "0.5"},
         {"-.5", -5, 1, "-0.5"},
-        {"5.", 5, 0, "5"},
-        {"+7", 7, 0, "7"},
-        {"-9223372036854775808", smallest, 0, "-9223372036854775808"},
+        {"+5.", 5, 0, "5"},
         {"9223372036854775808", smallest, 0, "-9223372036854775808"},  // wraps
         {"18446744073709551617.5", 15, 1, "1.5"},                      // 2^64 + 1 does too
-        {"1234567.1234567", 12345671234567, 7, "1234567.1234567"},
-        {"12345678.1", 123456781, 1, "12345678.1"},
-        {"0.000000000000123", 123, 15, "0.000000000000"},
         {"0.999999999999999", 999999999999999, 15, "0.999999999999"},
+        {WithZeros("0.", 256, "1"), 1, 1, "0.1"},  // 257 places are 1 modulo 256
     };
     for (const auto& [text, mantissa, places, printed] : rows)
     {
-        SCOPED_TRACE(text);
         nxDecimal value = null;
         EXPECT_TRUE(value.SetFromString(text, '.').IsOK());
-        EXPECT_EQ(Fields(value), Fields(Parts(mantissa, places)));
+        EXPECT_EQ(Fields(value), Fields(Parts(mantissa, places))) << text;
         EXPECT_EQ(value.GetAsString('.'), printed);
     }
-    nxDecimal many(WithZeros("0.", 256, "1"), '.');  // 257 places are 1 modulo 256
-    EXPECT_EQ(Fields(many), "VALID 1e-1");
-    EXPECT_TRUE(many.SetFromString("153", '5').IsOK());  // a digit is a digit before it is a separator
-    EXPECT_EQ(Fields(many), "VALID 153e-0");
+    EXPECT_EQ(Fields(nxDecimal("153", '5')), "VALID 153e-0");  // a digit is a digit before it is a separator
 }
 
 TEST(nxDecimal, RefusesWhatIsNoNumberAndKeepsItsValue)
 {
-    for (const std::string text :
-         {"", "-", "+", ".", "-.", "1.2.3", "1a", "--1", "+-1", "1-", " 1", "1 ", "1,5", "1e5", "12345678.1234.5678",
-          "1234.5678.1234567", "1234567890123456789x", "\xB5", "12345\1\2\0036"})
+    for (const std::string& text :
+         {std::string(), std::string("+-1"), std::string("1,5"), std::string("12345678.1234.5678"), std::string("\xB5"),
+          std::string("12345\1\2\0036"), std::string("1\0", 2)})
     {
-        SCOPED_TRACE(text);
         nxDecimal value = Parts(77, 1);
-        EXPECT_EQ(value.SetFromString(text, '.'), NX_ERR_INVALID_PARAMETER);
-        EXPECT_EQ(Fields(value), "VALID 77e-1");
-        EXPECT_TRUE(nxDecimal(text, '.').IsNull());
+        EXPECT_EQ(value.SetFromString(text, '.'), NX_ERR_INVALID_PARAMETER) << text;
+        EXPECT_EQ(Fields(value), "VALID 77e-1") << text;
+        EXPECT_TRUE(nxDecimal(text, '.').IsNull()) << text;
     }
-    EXPECT_TRUE(nxDecimal(std::string("1\0", 2), '.').IsNull());
 }
 
-TEST(nxDecimal, TakesANumberApart)
+TEST(nxDecimal, PlacesBeyondThoseOfTheNumbersCountModulo256)
 {
-    const std::tuple<nxDecimal, long long, unsigned long long, double> rows[] = {
-        {Number("-12.345"), -12, 345, -12.345},
-        {Number("1.05"), 1, 5, 1.05},
-        {Number("-0.5"), 0, 5, -0.5},
-        {Parts(smallest, 0), smallest, 0, -9223372036854775808.0},
-        {Parts(smallest, 18), -9, 223372036854775808, -9.2233720368547758},
-        {Parts(smallest, 19), 0, 9223372036854775808U, -0.92233720368547758},
-        {null, 0, 0, 0},
-        {noChange, 0, 0, 0},
-    };
-    for (const auto& [value, whole, fraction, number] : rows)
-    {
-        SCOPED_TRACE(value);
-        EXPECT_EQ(value.GetIntegerPart(), whole);
-        EXPECT_EQ(value.GetFractionalPart(), fraction);
-        EXPECT_EQ(value.GetAsDouble(), number);
-    }
+    EXPECT_EQ(nxPowersOfTen::GetInteger(256), 1U);
+    EXPECT_EQ(nxPowersOfTen::GetDouble(258), 100.0);
     // Where the power of ten has wrapped to 0, all is fraction.
     EXPECT_EQ(Parts(-7, 64).GetIntegerPart(), 0);
     EXPECT_EQ(Parts(-7, 255).GetFractionalPart(), 7U);
-    EXPECT_TRUE(std::isinf(Parts(7, 64).GetAsDouble()));
-    EXPECT_TRUE(std::isnan(Parts(0, 255).GetAsDouble()));
-    EXPECT_EQ(nxPowersOfTen::GetInteger(256), 1U);  // places count modulo 256
-    EXPECT_EQ(nxPowersOfTen::GetDouble(258), 100.0);
+    EXPECT_TRUE(std::isinf(Parts(7, 64).GetAsDouble()) && std::isnan(Parts(0, 255).GetAsDouble()));
 }
 
 TEST(nxDecimal, StatesAndSigns)
@@ -179,51 +131,39 @@ TEST(nxDecimal, EncodesItsStatusInTheValue)
         {null, largest, 0, "NULL 0e-0"},
         {noChange, largest - 1, 0, "NOCHANGE 0e-0"},
         {Parts(largest - 2, 3), largest - 2, 3, "VALID 9223372036854775805e-3"},
-        {Parts(-12345, 3), -12345, 3, "VALID -12345e-3"},
         {Parts(largest, 3), largest, 3, "NULL 0e-0"},  // cannot be told apart
         {Parts(largest - 1, 3), largest - 1, 3, "NOCHANGE 0e-0"}};
     for (const auto& [value, mantissa, exponent, back] : rows)
     {
         long long encoded = 1;
+        std::int64_t other = 1;  // another type of the same size on some systems
         unsigned char places = 1;
         value.GetAsEncodedValues(encoded, places);
-        EXPECT_EQ(encoded, mantissa);
-        EXPECT_EQ(places, exponent);
+        value.GetAsEncodedValues(other, places);
+        EXPECT_EQ((std::tuple{encoded, other, places}), (std::tuple{mantissa, mantissa, exponent}));
         nxDecimal decoded(1, 1);
         decoded.SetFromEncodedValues(encoded, places);
         EXPECT_EQ(Fields(decoded), back);
-        std::int64_t other = 1;  // another type of the same size on some systems
-        value.GetAsEncodedValues(other, places);
-        EXPECT_EQ(other, mantissa);
     }
 }
 
 TEST(nxDecimal, ADoubleIsRoundedWithTiesTowardPlusInfinity)
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     const std::tuple<double, unsigned char, long long> rows[] = {
         {1.25, 1, 13},
         {-1.25, 1, -12},
-        {-1.5, 0, -1},
-        {0.49999999999999994, 0, 0},
-        {-0.50000000000000011, 0, -1},
         {0.999, 2, 100},  // the fraction carries into the whole
         {2251799813685249.5, 0, 2251799813685250},
-        {-2251799813685249.5, 0, -2251799813685249},
         {10.0, 18, -8446744073709551616},  // 10^19 wraps
-        {-9223372036854775808.0, 0, smallest},
         // What no integer holds counts as the smallest one; twice that is 0, and so is ten times.
         {9223372036854775808.0, 0, 0},
         {-1e300, 2, smallest},
-        {infinity, 0, 0},
         {std::nan(""), 1, smallest},
-        {0.5, 255, 0}};
+    };
     for (const auto& [number, places, mantissa] : rows)
-    {
-        nxDecimal value = null;
-        value.SetFromDouble(number, places);
-        EXPECT_EQ(Fields(value), Fields(Parts(mantissa, places))) << number;
-    }
+        EXPECT_EQ(Fields(nxDecimal(number, places)), Fields(Parts(mantissa, places))) << number;
+    using Limits = std::numeric_limits<double>;
+    EXPECT_TRUE(nxDoubleHelper::IsFinite(-Limits::max()) && !nxDoubleHelper::IsFinite(-Limits::infinity()));
 }
 
 TEST(nxDecimal, Calculates)
@@ -231,8 +171,6 @@ TEST(nxDecimal, Calculates)
     const char* const rows[][3] = {
         // two operands; sum, difference, product, quotient
         {"1.0", "0.05", "1.05 0.95 0.05 20.00"},
-        {"1.5", "1.5", "3.0 0.0 2.3 1.0"},
-        {"7", "2", "9 5 14 4"},
         {"-7", "2", "-5 -9 -14 -3"},  // -3.5 goes up
         {"-1.5", "1.5", "0.0 -3.0 -2.2 -1.0"},
         // Sums wrap; the double is 2^63, which no integer holds.
@@ -249,7 +187,7 @@ TEST(nxDecimal, Calculates)
     }
 }
 
-// Whatever direction the thread has its floating-point operations rounded in.
+// The results do not depend on the rounding direction of the thread.
 TEST(nxDecimal, CalculatesInEveryDirectionOfRounding)
 {
     const auto results = [](double number, unsigned char places)
@@ -289,51 +227,38 @@ TEST(nxDecimal, ChangesItsSignInPlace)
     nxDecimal extreme = Parts(smallest, 1);  // has no counterpart
     -extreme;
     extreme.Abs();
-    extreme.InvertSign();
     EXPECT_EQ(Fields(extreme), Fields(Parts(smallest, 1)));
-    EXPECT_EQ(extreme.GetAsString('.'), "-922337203685477580.8");
 }
 
 TEST(nxDecimal, Compares)
 {
     const nxDecimal zero;
-    const std::tuple<nxDecimal, char, nxDecimal> rows[] = {
-        {Number("1.50"), '=', Number("1.5")},
-        {Number("1.5"), '<', Number("1.51")},
-        {Number("-1.5"), '>', Number("-1.51")},
-        {Number("2"), '<', Number("10")},
-        // The tolerance: 1 + 2^-52 is equal to 1, the next double is not. Of one scale there is none.
-        {Number("1"), '=', Number("1.0000000000000002")},
-        {Number("1"), '<', Number("1.0000000000000004")},
-        {Number("0.00000000000000020"), '=', zero},
-        {Parts(0, 17), '<', Parts(1, 17)},
-        {Parts(largest, 0), '>', Parts(smallest, 0)},
-        {Parts(largest, 0), '>', Parts(largest, 1)},
-        {null, '=', null},
-        {null, '<', noChange},
-        {null, '<', zero},
-        {noChange, '<', Parts(smallest, 0)},
-        {zero, '>', null},
+    // In ascending order. The two numbers of a pair are equal.
+    const std::pair<nxDecimal, nxDecimal> order[] = {
+        {null, null},
+        {noChange, noChange},
+        {Parts(smallest, 0), Parts(smallest, 0)},
+        {Parts(0, 17), Parts(0, 17)},
+        {Parts(1, 17), Parts(1, 17)},                                  // of one scale there is no tolerance
+        {Number("1"), Number("1.0000000000000002")},                   // 1 + 2^-52 is equal to 1,
+        {Number("1.0000000000000004"), Number("1.0000000000000004")},  // and the next double is not
+        {Number("1.50"), Number("1.5")},
     };
-    for (const auto& [a, order, b] : rows)
-    {
-        SCOPED_TRACE(testing::Message() << a << order << b);
-        EXPECT_EQ(a == b, order == '=');
-        EXPECT_EQ(a != b, order != '=');
-        EXPECT_EQ(a < b, order == '<');
-        EXPECT_EQ(a <= b, order != '>');
-        EXPECT_EQ(a > b, order == '>');
-        EXPECT_EQ(a >= b, order != '<');
-        EXPECT_EQ(b < a, order == '>');
-        EXPECT_EQ(b == a, order == '=');
-        if (a.IsValid() && b.IsValid())  // a tie yields the first
+    for (std::size_t i = 0; i < std::size(order); ++i)
+        for (std::size_t j = 0; j < std::size(order); ++j)
         {
-            EXPECT_EQ(Fields(nxDecimal::GetMin(a, b)), Fields(order == '>' ? b : a));
-            EXPECT_EQ(Fields(nxDecimal::GetMax(a, b)), Fields(order == '<' ? b : a));
+            const nxDecimal &a = order[i].first, &b = order[j].second;
+            SCOPED_TRACE(testing::Message() << a << " and " << b);
+            EXPECT_EQ(a == b, i == j);
+            EXPECT_EQ(a != b, i != j);
+            EXPECT_EQ(a < b, i < j);
+            EXPECT_EQ(a <= b, i <= j);
+            EXPECT_EQ(a > b, i > j);
+            EXPECT_EQ(a >= b, i >= j);
         }
-    }
     for (const auto& choose : {nxDecimal::GetMin, nxDecimal::GetMax})
     {
+        EXPECT_EQ(Fields(choose(Number("1.50"), Number("1.5"))), "VALID 150e-2");  // a tie yields the first
         EXPECT_EQ(Fields(choose(null, zero)), "VALID 0e-0");
         EXPECT_EQ(Fields(choose(zero, null)), "VALID 0e-0");
         EXPECT_EQ(Fields(choose(null, noChange)), "NOCHANGE 0e-0");
@@ -346,86 +271,43 @@ TEST(nxDecimal, ExactEqualityHasNoToleranceAndAHash)
         Number("1.5"), Number("1.50"), Number("1.500000000000000001"), nxDecimal(), Parts(0, 255), null, noChange,
         null};
     EXPECT_EQ(set.size(), 5U);
-    EXPECT_TRUE(Parts(5, 255).EqualsExactly(Parts(5, 255)));
     EXPECT_FALSE(Parts(5, 255).EqualsExactly(Parts(5, 254)));
-    EXPECT_FALSE(null.EqualsExactly(noChange));
     EXPECT_FALSE(null.EqualsExactly(nxDecimal()));
     std::unordered_set<std::size_t> hashes;  // neighbouring prices of several scales do not collide
-    for (int tens = 0; tens < 100; tens += 10)
-        for (int ones = 1; ones < 10; ++ones)
-            for (const unsigned char places : std::initializer_list<unsigned char>{0, 1, 2, 3})
-                hashes.insert(Parts(tens + ones, places).GetExactHash());
+    for (int mantissa = 1; mantissa < 100; ++mantissa)
+        for (unsigned char places = 0; places < 4 && mantissa % 10 != 0; ++places)
+            hashes.insert(Parts(mantissa, places).GetExactHash());
     EXPECT_EQ(hashes.size(), 360U);
-}
-
-TEST(nxDecimal, ChangesItsPlaces)
-{
-    // What is left when places are cut, when only zeros are dropped, and when it is normalised.
-    const std::tuple<const char*, unsigned char, const char*> rows[] = {{"12.340", 0, "12 12.34 12.34"},
-                                                                        {"12.340", 1, "12.3 12.34 12.34"},
-                                                                        {"12.340", 2, "12.34 12.34 12.34"},
-                                                                        {"12.340", 3, "12.340 12.340 12.340"},
-                                                                        {"12.340", 5, "12.34000 12.34000 12.340"},
-                                                                        {"-1.99", 0, "-1 -1.99 -1.99"},
-                                                                        {"100.00", 0, "100 100 100"},
-                                                                        {"0.000", 1, "0.0 0.0 0.0"},
-                                                                        {"100", 0, "100 100 100"}};
-    for (const auto& [text, places, expected] : rows)
-    {
-        nxDecimal cut = Number(text), dropped = cut, normalised = cut;
-        cut.SetDecimalPlaces(places, false);
-        dropped.SetDecimalPlaces(places, true);
-        normalised.Normalise(places);
-        std::ostringstream results;
-        results << cut << ' ' << dropped << ' ' << normalised;
-        EXPECT_EQ(results.str(), expected) << text << " to " << int{places};
-    }
-    nxDecimal value = Parts(largest, 0);
-    value.SetDecimalPlaces(255, false);
-    EXPECT_EQ(Fields(value), "VALID 0e-255");  // wrapped
-    value = Parts(smallest, 255);
-    value.SetDecimalPlaces(237, false);
-    EXPECT_EQ(Fields(value), "VALID -9e-237");
-    value.SetDecimalPlaces(0, false);
-    EXPECT_EQ(Fields(value), "VALID 0e-0");
-    value = Parts(0, 255);
-    value.Normalise(7);
-    EXPECT_EQ(Fields(value), "VALID 0e-7");
 }
 
 TEST(nxDecimal, RoundsToMultiplesOfTheIncrement)
 {
     // value, increment, what comes out down, up, nearest and modified nearest
     const std::tuple<std::string, const char*, const char*> rows[] = {
-        {"-1.23", "0.05", "-1.25 -1.20 -1.25 -1.25"},
         {"-1.225", "0.05", "-1.25 -1.20 -1.25 -1.20"},
         {"1.225", "0.05", "1.20 1.25 1.25 1.20"},
         {"99.9", "10", "90 100 100 100"},
-        {"-1", "0.25", "-1.00 -1.00 -1.00 -1.00"},
         {"-0.01", "0.05", "-0.05 0.00 0.00 0.00"},
         {"1", "3", "0 3 0 0"},
         {"1.23", "-0.05", "1.20 1.25 1.25 1.25"},  // the increment's sign does not matter
         {"1.23", "0.0", "1.23 1.23 1.23 1.23"},
         // Beyond what a double or 64 bits hold.
-        {"0.9000000000000000000", "1", "0 1 1 1"},
         {"-0.5000000000000000000", "1", "-1 0 -1 0"},
         {"-9223372036854775808", "10",  // -9223372036854775810 wraps
          "9223372036854775806 -9223372036854775800 9223372036854775806 9223372036854775806"},
-        {WithZeros("0.", 254, "1"), "1", "0 1 0 0"},
         {WithZeros("-0.", 254, "1"), "9223372036854775807", "-9223372036854775807 0 0 0"},
-        {"9007199254740993", "2", "9007199254740992 9007199254740994 9007199254740994 9007199254740992"},
     };
     for (const auto& [text, increment, expected] : rows)
     {
-        std::ostringstream results;
+        std::string results;
         for (const nxEnumValue method : {NX_ROUNDING_METHOD_DOWN, NX_ROUNDING_METHOD_UP, NX_ROUNDING_METHOD_NEAREST,
                                          NX_ROUNDING_METHOD_MODIFIED_NEAREST})
         {
             nxDecimal value(text, '.');
             value.Round(Number(increment), nxRoundingMethodEnum(method));
-            results << (method == NX_ROUNDING_METHOD_DOWN ? "" : " ") << value;
+            results += (results.empty() ? "" : " ") + Streamed(value);
         }
-        EXPECT_EQ(results.str(), expected) << text << " by " << increment;
+        EXPECT_EQ(results, expected) << text << " by " << increment;
     }
     nxDecimal value = Number("1.23");
     value.Round(Number("0.5"), nxRoundingMethodEnum());
@@ -435,30 +317,29 @@ TEST(nxDecimal, RoundsToMultiplesOfTheIncrement)
 TEST(nxDecimal, TextsShowTwelveDecimalsAtMostAndWriteShowsAll)
 {
     const std::tuple<nxDecimal, unsigned char, const char*, const char*, std::string> rows[] = {
-        {nxDecimal(5, 2), 1, "5,00", "5,0", "5,00"},
-        {nxDecimal(5, 2), 0, "5,00", "5", "5,00"},
         {Number("-0.05"), 1, "-0,05", "-0,0", "-0,05"},
         {Number("-0.05"), 0, "-0,05", "-0", "-0,05"},
         {nxDecimal(), 3, "0", "0", "0"},
-        {Parts(123456789012345, 12), 255, "123,456789012345", "123,456789012345", "123,456789012345"},
         {Parts(123456789012345, 13), 255, "12,345678901234", "12,345678901234", "12,3456789012345"},
         {Parts(999999999999999, 15), 11, "0,999999999999", "0,99999999999", "0,999999999999999"},
-        {Parts(smallest, 12), 13, "-9223372,036854775808", "-9223372,036854775808", "-9223372,036854775808"},
         {Parts(smallest, 20), 13, "-1,014570924054", "-1,014570924054", "-1,01457092405402533888"},  // 10^20 wraps
-        {Parts(7, 255), 2, "0,000000000000", "0,00", WithZeros("0,", 254, "7")},
         {Parts(-7, 255), 0, "-0,000000000000", "-0", WithZeros("-0,", 254, "7")},
-        {null, 2, "", "", ""},
-        {noChange, 2, "", "", ""},
     };
     for (const auto& [value, places, text, trimmed, written] : rows)
     {
-        SCOPED_TRACE(testing::Message() << value.GetValue() << " with " << int{value.GetDecimalPlaces()});
+        SCOPED_TRACE(text);
         EXPECT_EQ(value.GetAsString(','), text);
+        EXPECT_EQ(value.GetAsLogString(','), text);
         EXPECT_EQ(value.GetAsTrimmedString(places, ','), trimmed);
-        const std::string invalid = value.IsNull() ? "NULL" : "NO_CHANGE";
-        EXPECT_EQ(value.GetAsLogString(','), value.IsValid() ? text : invalid);
-        EXPECT_EQ(value.GetAsTrimmedLogString(places, ','), value.IsValid() ? trimmed : invalid);
-        EXPECT_EQ(Written(value, ','), written);
+        EXPECT_EQ(value.GetAsTrimmedLogString(places, ','), trimmed);
+        nxOStream<nxSimpleAsciiStringWriter> stream;
+        value.Write(stream, ',');
+        EXPECT_EQ(stream.GetWriter().GetText(), written);
+    }
+    for (const auto& [value, log] : {std::pair(null, "NULL"), std::pair(noChange, "NO_CHANGE")})
+    {
+        EXPECT_EQ(value.GetAsTrimmedString(2, ','), "");
+        EXPECT_EQ(value.GetAsTrimmedLogString(2, ','), log);
     }
 }
 
@@ -475,9 +356,7 @@ TEST(nxDecimal, EveryTextFormGivesTheSameText)
         value.GetAsLogString(text, '.');
         value.AppendAsLogString(text, '.');
         EXPECT_EQ(text, log + log);
-        std::ostringstream stream;
-        stream << value;
-        EXPECT_EQ(stream.str(), log);
+        EXPECT_EQ(Streamed(value), log);
         char buffer[nxDecimal::MaxTextSize];
         EXPECT_EQ(value.GetAsString(buffer, '.'), plain.size());
         EXPECT_STREQ(buffer, plain.c_str());

@@ -1,9 +1,6 @@
 #include "core/numeric/nxMoney.h"
 
-#include <gtest/gtest.h>
-
-#include <sstream>
-#include <tuple>
+#include "tests/support/nxTest.h"
 
 TEST(nxMoney, ReadsAnAmountAndACurrencyOrStaysAsItWas)
 {
@@ -41,9 +38,7 @@ TEST(nxMoney, NullAndNoChangeHaveNoCurrency)
         EXPECT_EQ(money.IsNoChange(), !isNull);
         EXPECT_EQ(money.GetCurrency(), "");
         EXPECT_EQ(money.GetAsString('.'), "");
-        std::ostringstream stream;
-        stream << money;
-        EXPECT_EQ(stream.str(), logText);
+        EXPECT_EQ(Streamed(money), logText);
     }
 }
 

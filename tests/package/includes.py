@@ -52,10 +52,10 @@ LOG_PARTS = (
 )
 
 # Not yet true of the whole tree.
-UNITS_FORM_NO_CIRCLE = False
-FOLDERS_FORM_NO_CIRCLE = False
+UNITS_FORM_NO_CIRCLE = True
+FOLDERS_FORM_NO_CIRCLE = True
 LOG_IS_IN_ORDER = True
-SYSTEM_IS_IN_ITS_FOLDER = False
+SYSTEM_IS_IN_ITS_FOLDER = True
 FORKS_ARE_HANDLED_IN_ONE_FILE = True
 
 # What belongs to the system: its folder, and the header that gives the locks their primitives.

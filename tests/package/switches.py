@@ -18,7 +18,7 @@ import sys
 import tempfile
 
 FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "switches")
-SOURCES = sorted(glob.glob(os.path.join(FOLDER, "*.cpp")))
+SOURCES = sorted(glob.glob(os.path.join(FOLDER, "*.cpp"))) + [os.path.join(FOLDER, "../../enum/startup/plugin.cpp")]
 MIXED = [(("g++", "-O0"), ("g++", "-Ofast")), (("g++", "-O0"), ("clang++", "-Ofast")), (("clang++", "-O0"), ("clang++", "-Ofast"))]
 
 

@@ -1,19 +1,14 @@
 #include "core/platform/inline/nxClock.h"
 
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <ctime>
-#include <string>
 
 #include "core/platform/nxClockDiscipline.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxScratchDirectory.h"
 #include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxTest.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
@@ -29,7 +24,7 @@ std::int64_t SystemNow()
     return now.tv_sec * second + now.tv_nsec;
 }
 
-// Whether what the clock says now, and what it makes of a reading of the counter, is the system's time.
+// Whether the clock's time, and its conversion of a counter reading, agree with the system's time.
 bool AgreesWithTheSystem(bool recalibrates = false)
 {
     const std::int64_t before = SystemNow();
@@ -41,6 +36,17 @@ bool AgreesWithTheSystem(bool recalibrates = false)
     const auto isBetween = [&](std::int64_t time)
     { return before - millisecond <= time && time <= after + millisecond; };
     return isBetween(now.seconds * second + now.nanoseconds) && isBetween(nxClock::GetScale().ToNanoseconds(ticks));
+}
+
+// Puts another file in the place of the one in which the kernel names its clock source, for this process alone.
+// @return false where that is not allowed.
+bool ReplaceClockSource(const char* name)
+{
+    const nxScratchDirectory scratch;
+    const std::filesystem::path file = scratch.GetPath() / "source";
+    nxWriteFile(file, name);
+    return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount(file.c_str(), clockSource, nullptr, MS_BIND, nullptr) == 0;
 }
 
 // A machine whose counter and clocks the test moves by hand.
@@ -72,7 +78,7 @@ private:
     std::int64_t _monotonic = 5'000 * second;
 };
 
-// What a caller of the clock does: uses the steady line while it is valid, else takes a reading.
+// Does what a caller of the clock does: uses the steady line while it is valid, and otherwise takes a reading.
 class Caller
 {
 public:
@@ -138,47 +144,45 @@ TEST(nxClockDiscipline, IsRightAgainAMillisecondAfterAStep)
         EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
         RunFor(machine, caller, second / 10, 2'000);
     }
-    // A small step back is waited for, so that nobody sees time run backwards.
+    // After a small step back the clock waits, so that no reader sees time run backwards.
     machine.Step(-50'000);
     RunFor(machine, caller, second / 10, 52'000);
     EXPECT_NEAR(static_cast<double>(caller.Ask(machine.Read()) - machine.Read().wall), 0.0, 2'000.0);
 }
 
-TEST(nxClockDiscipline, MeasuresAgainAfterTheMachineSleptOrMovedOrItsCounterStartedAfresh)
+TEST(nxClockDiscipline, MeasuresAgainAfterTheMachineSleptOrMovedOrItsCounterRestarted)
 {
     Machine machine(2.5);
     Caller caller;
-    const auto isRight = [&]
+    const auto isRightAfter = [&](std::int64_t pause)
     {
+        machine.Pass(pause);
         RunFor(machine, caller, 2 * second, millisecond, true);
         const nxClockScale& exact = caller.Get().GetExact();
         EXPECT_NEAR(static_cast<double>(exact.ToNanoseconds(machine.Read().ticks) - machine.Read().wall), 0.0, 2'000.0);
     };
-    isRight();
+    isRightAfter(0);
     machine.Sleep(7'200 * second);
-    machine.Pass(millisecond);
-    isRight();
+    isRightAfter(millisecond);
     machine.MoveTo(3.1);
-    machine.Pass(2 * millisecond);
-    isRight();
+    isRightAfter(2 * millisecond);
     machine.ResetCounter();
-    machine.Pass(2 * millisecond);
-    isRight();
+    isRightAfter(2 * millisecond);
 }
 
 TEST(nxClockScale, ConvertsOnBothSidesOfItsMomentAndBefore1970)
 {
-    const std::uint64_t halfNanosecond = std::uint64_t{1} << 31;
-    const nxClockScale scale(1'000, 5, halfNanosecond);
-    EXPECT_EQ(scale.ToNanoseconds(1'000), 5);
-    EXPECT_EQ(scale.ToNanoseconds(1'020), 15);
-    EXPECT_EQ(scale.ToNanoseconds(980), -5);
+    const nxClockScale scale(1'000, 5, std::uint64_t{1} << 31);  // half a nanosecond a tick
+    const std::pair<std::int64_t, std::int64_t> rows[] = {{1'000, 5},
+                                                          {1'020, 15},
+                                                          {980, -5},
+                                                          {1'000 + 20'000 * second, 10'000 * second + 5},
+                                                          {1'000 - 20'000 * second, -10'000 * second + 5}};
+    for (const auto& [ticks, nanoseconds] : rows)
+        EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(ticks)), nanoseconds);
     const nxClockTime before = scale.ToTime(980);
     EXPECT_EQ(before.seconds, -1);
     EXPECT_EQ(before.nanoseconds, 999'999'995U);
-    // Hours away, in both directions.
-    EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 + 20'000 * second)), 10'000 * second + 5);
-    EXPECT_EQ(scale.ToNanoseconds(static_cast<std::uint64_t>(1'000 - 20'000 * second)), -10'000 * second + 5);
 }
 
 TEST(nxClock, TrustsTheCounterOnlyWhereTheKernelDoes)
@@ -190,7 +194,7 @@ TEST(nxClock, TrustsTheCounterOnlyWhereTheKernelDoes)
     EXPECT_TRUE(nxClock::UsesCounter() || nxClock::GetScale().ToNanoseconds(first) == static_cast<std::int64_t>(first));
 }
 
-// The tests of this file once more, on a machine whose kernel keeps time by something else.
+// Runs the tests of nxClock again, on a machine whose kernel uses another clock source.
 TEST(nxClock, DoesWithoutACounter)
 {
     if (std::getenv("NX_TEST_WITHOUT_COUNTER") != nullptr)
@@ -198,45 +202,32 @@ TEST(nxClock, DoesWithoutACounter)
         EXPECT_FALSE(nxClock::UsesCounter());
         return;
     }
-    const nxScratchDirectory scratch;
-    const std::filesystem::path other = scratch.GetPath() / "current_clocksource";
-    nxWriteFile(other, "hpet\n");
-    constexpr int notPermitted = 77;
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount(other.c_str(), clockSource, nullptr, MS_BIND, nullptr) != 0)
-            _exit(notPermitted);
-        setenv("NX_TEST_WITHOUT_COUNTER", "1", 1);
-        execl("/proc/self/exe", "test_platform", "--gtest_filter=nxClock.*", static_cast<char*>(nullptr));
-        _exit(EXIT_FAILURE);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == notPermitted)
+    if (!nxInNewProcess())
+        return;
+    if (!ReplaceClockSource("hpet\n"))
         GTEST_SKIP() << "may not put another file in the place of the kernel's";
-    EXPECT_EQ(status, 0);
+    setenv("NX_TEST_WITHOUT_COUNTER", "1", 1);
+    unsetenv("NX_TEST_IN_NEW_PROCESS");
+    // Leaves out the test that needs a counter: CTest would take its skip for a skip of this test, and hide a failure.
+    const char* const others = "--gtest_filter=nxClock.*-nxClock.LeavesTheCounter*";
+    execl("/proc/self/exe", "test_platform", others, static_cast<char*>(nullptr));
+    FAIL();
 }
 
 TEST(nxClock, LeavesTheCounterWhenTheKernelDoesAndKeepsItsTicks)
 {
     if (!nxInNewProcess())
         return;
-    const nxScratchDirectory scratch;
-    const std::filesystem::path source = scratch.GetPath() / "current_clocksource";
-    nxWriteFile(source, "tsc\n");
-    if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount(source.c_str(), clockSource, nullptr, MS_BIND, nullptr) != 0)
+    if (!ReplaceClockSource("tsc\n"))
         GTEST_SKIP() << "may not put another file in the place of the kernel's";
     if (!nxClock::UsesCounter())
         GTEST_SKIP() << "no counter to leave";
     EXPECT_TRUE(AgreesWithTheSystem());
     const std::int64_t before = SystemNow();
     const std::uint64_t ticks = nxClock::Ticks();
-    nxWriteFile(source, "hpet\n");
+    nxWriteFile(clockSource, "hpet\n");
     nxClock::Recalibrate();
-    EXPECT_TRUE(nxClock::UsesCounter()) << "it is not looked at all the time";
+    EXPECT_TRUE(nxClock::UsesCounter()) << "the file is read once a minute";
     {
         const nxHurriedClock aMinuteLater(61 * second);
         nxClock::Recalibrate();

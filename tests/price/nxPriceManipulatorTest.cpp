@@ -1,13 +1,8 @@
 #include "core/price/nxPriceManipulator.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <climits>
-#include <cstdlib>
-
 #include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxTest.h"
 
 namespace
 {

@@ -10,8 +10,8 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 
-/// The rules of a tick table written down with decimal comparisons and wide integers alone, one band after the other:
-/// what the library's tables, cursors and spans have to agree with.
+/// The rules of a tick table, written with decimal comparisons and wide integers alone, one band after the other. Tables,
+/// cursors and spans of the library must agree with them.
 class TranscribedTickTable
 {
 public:
@@ -19,7 +19,7 @@ public:
 
     explicit TranscribedTickTable(const Bands& bands) : _bands(bands) {}
 
-    // The number of bands when there is none.
+    // The index of the price's band, or the number of bands if it has none.
     std::size_t Find(const nxDecimal& price) const
     {
         const nxDecimal magnitude = Magnitude(price);
@@ -54,7 +54,7 @@ public:
         return price;
     }
 
-    // Steps a price that is not negative; a negative one is left to its mirror image.
+    // A negative price takes the step of its mirror image.
     nxDecimal Stepped(nxDecimal price, bool up) const
     {
         if (!price.IsValid() || Find(price) == _bands.size())

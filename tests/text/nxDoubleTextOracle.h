@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-/// The rules for the texts of doubles a second time, one step at a time: what nxStringHelper is compared with.
+/// The rules for the texts of doubles, written again one step at a time. nxStringHelper is compared with them.
 struct nxDoubleTextOracle
 {
     /// False, with nothing stored, when @p text is no number.
@@ -43,7 +43,7 @@ struct nxDoubleTextOracle
         const double magnitude = std::fabs(value);
         if (!(magnitude <= 2147483647.0))
         {
-            // To the nearest, always; the C library goes by the thread's direction.
+            // Always to the nearest. The C library rounds in the direction of the thread.
             const int direction = std::fegetround();
             std::fesetround(FE_TONEAREST);
             std::snprintf(buffer, sizeof buffer, "%e", value);

@@ -1,16 +1,11 @@
-#include <gtest/gtest.h>
-
 #include "core/text/nxPrintableText.h"
+
+#include "tests/support/nxTest.h"
 
 TEST(nxPrintableText, HidesWhatEndsALineOrSteersATerminalAndNothingElse)
 {
-    struct Row
-    {
-        const char* text;
-        const char* escaped;
-        std::size_t hidden;  // at the start
-    };
-    const Row rows[] = {
+    // text, how it is escaped, and the size of what is hidden at its start
+    const std::tuple<const char*, const char*, std::size_t> rows[] = {
         {"plain", "plain", 0},
         {"\x1B[2J", "\\x1B[2J", 1},
         {"\ttab", "\\x09tab", 1},
@@ -28,11 +23,10 @@ TEST(nxPrintableText, HidesWhatEndsALineOrSteersATerminalAndNothingElse)
         {"\xED\xA0\x80", "\\xED\\xA0\\x80", 0},  // a surrogate
         {"\xC0\x8A", "\\xC0\\x8A", 0},           // an overlong line feed
     };
-    for (const Row& row : rows)
+    for (const auto& [text, escaped, hidden] : rows)
     {
-        SCOPED_TRACE(row.escaped);
-        EXPECT_EQ(nxPrintableText::GetEscaped(row.text), row.escaped);
-        EXPECT_EQ(nxPrintableText::GetHiddenSize(row.text), row.hidden);
+        EXPECT_EQ(nxPrintableText::GetEscaped(text), escaped);
+        EXPECT_EQ(nxPrintableText::GetHiddenSize(text), hidden) << escaped;
     }
     EXPECT_EQ(nxPrintableText::GetEscaped(std::string_view("\0", 1)), "\\x00");
 }

@@ -1,33 +1,12 @@
 #include "core/text/nxStringHelper.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <bit>
 #include <cfenv>
-#include <climits>
-#include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <limits>
-#include <random>
-#include <string>
-#include <tuple>
-#include <type_traits>
-#include <vector>
 
-#include "core/enum/nxBoolEnum.h"
-#include "core/enum/nxCaseSensitivityEnum.h"
-#include "core/numeric/nxDecimal.h"
-#include "core/numeric/nxMoney.h"
-#include "core/text/nxAlgorithm.h"
-#include "core/text/nxDoubleValueWrapper.h"
-#include "core/text/nxStringValue.h"
-#include "core/text/nxValueWrapper.h"
-#include "core/time/nxDate.h"
-#include "core/time/nxDateTime.h"
-#include "core/time/nxTime.h"
+#include "core/nxCore.h"
 #include "tests/support/nxRandomTest.h"
+#include "tests/support/nxTest.h"
 #include "tests/text/nxDoubleTextOracle.h"
 
 namespace
@@ -35,26 +14,14 @@ namespace
 const nxErrorEnum ok;
 const nxErrorEnum invalid(NX_ERR_INVALID_PARAMETER);
 
-const nxCaseSensitivityEnum caseSensitive(CASE_SENSITIVE);
-const nxCaseSensitivityEnum caseInsensitive(CASE_INSENSITIVE);
-
 template <class Integer>
-struct IntegerRow
+void CheckReading(const std::vector<std::pair<std::string, Integer>>& rows, const nxErrorEnum& error = ok)
 {
-    std::string text;
-    nxErrorEnum error;
-    Integer after;
-};
-
-template <class Integer>
-void CheckReading(const std::vector<IntegerRow<Integer>>& rows)
-{
-    for (const IntegerRow<Integer>& row : rows)
+    for (const auto& [text, after] : rows)
     {
-        SCOPED_TRACE("'" + row.text + "'");
         Integer value = 42;
-        EXPECT_EQ(nxStringHelper::SetFromString(row.text, value), row.error);
-        EXPECT_EQ(value, row.after);
+        EXPECT_EQ(nxStringHelper::SetFromString(text, value), error) << "'" << text << "'";
+        EXPECT_EQ(value, after) << "'" << text << "'";
     }
 }
 
@@ -62,21 +29,18 @@ void CheckReading(const std::vector<IntegerRow<Integer>>& rows)
 template <class Integer>
 void CheckStrictness()
 {
-    const Integer before = 42;
-    for (const std::string& text :
-         {std::string(), std::string("-"), std::string("+5"), std::string(" 5"), std::string("5 "), std::string("--5"),
-          std::string("5-"), std::string("1,000"), std::string("0x10"), std::string("12345678/"),
-          std::string("1234567:"), std::string("5\0", 2), std::string("\0", 1), std::string("1234\xB5"),
-          std::string("1x345678901234567")})
-        CheckReading<Integer>({{text, invalid, before}});
-    CheckReading<Integer>({{"0", ok, 0}, {"007", ok, 7}});
+    for (const std::string text : {"", "-", "+5", " 5", "5 ", "--5", "5-", "1,000", "0x10", "12345678/",
+                                   "1234567:", "1234\xB5", "1x345678901234567"})
+        CheckReading<Integer>({{text, 42}}, invalid);
+    CheckReading<Integer>({{std::string("5\0", 2), 42}, {std::string("\0", 1), 42}}, invalid);
+    CheckReading<Integer>({{"0", 0}, {"007", 7}});
     if constexpr (std::is_signed_v<Integer>)
-        CheckReading<Integer>({{"-0", ok, 0}, {"-5", ok, -5}});
+        CheckReading<Integer>({{"-0", 0}, {"-5", -5}});
     else
-        CheckReading<Integer>({{"-0", invalid, before}, {"-5", invalid, before}});
+        CheckReading<Integer>({{"-0", 42}, {"-5", 42}}, invalid);
 }
 
-// Digits in random number with a separator in a random place or nowhere, sometimes with a character spoilt.
+// A random number of digits, mostly with a separator at a random place, sometimes with a wrong character.
 std::string RandomNumberText(std::mt19937_64& random, char separator)
 {
     std::string text(random() % 4 == 0 ? "-" : "");
@@ -109,14 +73,20 @@ double RandomDouble(std::mt19937_64& random)
         }
     }
 }
-// What it appends, which is also what it returns.
-template <class Value>
-std::string Printed(const Value& value)
+// The texts that it appends for the values. It must return the same texts.
+template <class... Values>
+std::string Printed(const Values&... values)
 {
-    std::string text;
-    nxStringHelper::AppendAsString(text, value);
-    EXPECT_EQ(text, nxStringHelper::GetAsString(value));
-    return text;
+    std::string all;
+    const auto print = [&all](const auto& value)
+    {
+        std::string text;
+        nxStringHelper::AppendAsString(text, value);
+        EXPECT_EQ(text, nxStringHelper::GetAsString(value));
+        all += (all.empty() ? "" : " ") + text;
+    };
+    (print(values), ...);
+    return all;
 }
 }  // namespace
 
@@ -134,21 +104,19 @@ TEST(nxStringHelper, ReadsIntegersOfEveryWidthByOneRule)
 
 TEST(nxStringHelper, IntegersTooLargeWrap)
 {
-    CheckReading<short>({{"32767", ok, 32767}, {"32768", ok, -32768}, {"-32768", ok, -32768}, {"-32769", ok, 32767}});
-    CheckReading<unsigned short>({{"65535", ok, 65535}, {"65536", ok, 0}, {"70000", ok, 4464}});
-    CheckReading<int>({{"2147483647", ok, INT_MAX},
-                       {"2147483648", ok, INT_MIN},
-                       {"-2147483648", ok, INT_MIN},
-                       {"-2147483649", ok, INT_MAX}});
-    CheckReading<unsigned>({{"4294967295", ok, UINT_MAX}, {"4294967296", ok, 0}, {"4294967297", ok, 1}});
-    CheckReading<long long>({{"9223372036854775807", ok, LLONG_MAX},
-                             {"-9223372036854775808", ok, LLONG_MIN},
-                             {"9223372036854775808", ok, LLONG_MIN},
-                             {"-18446744073709551617", ok, -1}});
-    CheckReading<unsigned long long>({{"18446744073709551615", ok, ULLONG_MAX},
-                                      {"18446744073709551616", ok, 0},
-                                      {std::string(40, '0').append("12"), ok, 12},
-                                      {std::string("1").append(64, '0'), ok, 0}});
+    CheckReading<short>({{"32767", 32767}, {"32768", -32768}, {"-32768", -32768}, {"-32769", 32767}});
+    CheckReading<unsigned short>({{"65535", 65535}, {"65536", 0}, {"70000", 4464}});
+    CheckReading<int>(
+        {{"2147483647", INT_MAX}, {"2147483648", INT_MIN}, {"-2147483648", INT_MIN}, {"-2147483649", INT_MAX}});
+    CheckReading<unsigned>({{"4294967295", UINT_MAX}, {"4294967296", 0}, {"4294967297", 1}});
+    CheckReading<long long>({{"9223372036854775807", LLONG_MAX},
+                             {"-9223372036854775808", LLONG_MIN},
+                             {"9223372036854775808", LLONG_MIN},
+                             {"-18446744073709551617", -1}});
+    CheckReading<unsigned long long>({{"18446744073709551615", ULLONG_MAX},
+                                      {"18446744073709551616", 0},
+                                      {std::string(40, '0').append("12"), 12},
+                                      {std::string("1").append(64, '0'), 0}});
 }
 
 TEST(nxStringHelper, IntegersAgreeWithTheOracleAndSurviveTheRoundTrip)
@@ -176,7 +144,7 @@ TEST(nxStringHelper, ViewsAreReadToTheirOwnEnd)
     EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view(), value), invalid);
     EXPECT_EQ(nxStringHelper::SetFromStringView(std::string_view("1\0", 2), value), invalid);
     EXPECT_EQ(value, 123U);
-    // Room for the digits alone, so that the address sanitizer sees any byte read beside them.
+    // The memory holds the digits alone, so that the address sanitizer reports a read beside them.
     for (std::size_t size = 1; size <= 24; ++size)
     {
         const std::vector<char> digits(size, '1');
@@ -186,66 +154,30 @@ TEST(nxStringHelper, ViewsAreReadToTheirOwnEnd)
 
 TEST(nxStringHelper, ReadsFlagsExactlyAndOtherwiseFalse)
 {
+    bool value = true;
     for (const std::string text : {"True", "true", "1", " TRUE", "TRUE ", "FALSE ", "", "TRUEFALSE"})
     {
-        bool value = true;
+        EXPECT_EQ(nxStringHelper::SetFromString("TRUE", value), ok);
+        EXPECT_TRUE(value);
         EXPECT_EQ(nxStringHelper::SetFromString(text, value), invalid) << text;
         EXPECT_FALSE(value) << text;
     }
-    bool value = false;
-    EXPECT_EQ(nxStringHelper::SetFromString("TRUE", value), ok);
-    EXPECT_TRUE(value);
+    value = true;
     EXPECT_EQ(nxStringHelper::SetFromString("FALSE", value), ok);
     EXPECT_FALSE(value);
 }
 
-TEST(nxStringHelper, ReadsDoublesWithTheSeparatorGiven)
-{
-    const std::tuple<std::string, char, double> numbers[] = {
-        {"1,5", ',', 1.5},
-        {"-,5", ',', -0.5},
-        {"5,", ',', 5},
-        {"1 5", ' ', 1.5},
-        {"4503599627370495", '.', 4503599627370495.0},
-        {"153", '5', 1.3},
-        {"30", '0', 3},
-        {"--5", '-', -0.5},
-        {std::string("1\0005", 3), '\0', 1.5},
-    };
-    for (const auto& [text, separator, expected] : numbers)
-    {
-        double value = 42;
-        EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator), ok) << text;
-        EXPECT_EQ(value, expected) << text;
-    }
-    const auto isRefused = [](const std::string& text, char separator)
-    {
-        double value = 42;
-        EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator), invalid) << text;
-        EXPECT_EQ(value, 42) << text;
-    };
-    for (const char* const text : {"1.5", "1,2,3", ",", "-,"})
-        isRefused(text, ',');
-    for (const char* const text : {"", "-", "+1", "1e5", "inf", " 1", "12.34567.", "12345678.12345."})
-        isRefused(text, '.');
-    isRefused(std::string("1\0", 2), '.');
-    isRefused("1.3", '3');
-    isRefused("1553", '5');
-    isRefused("5", '5');
-    isRefused("0003", '0');
-}
-
 TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
 {
-    double value = 0;
-    EXPECT_EQ(nxStringHelper::SetFromString(std::string(400, '9'), value, '.'), ok);
-    EXPECT_TRUE(std::isinf(value));
-    EXPECT_EQ(nxStringHelper::SetFromString(std::string("9.").append(400, '9'), value, '.'), ok);
-    EXPECT_TRUE(std::isnan(value));
-    EXPECT_EQ(nxStringHelper::SetFromString(std::string(400, '0').append("5"), value, '.'), ok);
-    EXPECT_EQ(value, 5);
-    EXPECT_EQ(nxStringHelper::SetFromString("-0", value, '.'), ok);
-    EXPECT_TRUE(value == 0 && std::signbit(value));
+    const auto read = [](const std::string& text)
+    {
+        double value = 0;
+        EXPECT_EQ(nxStringHelper::SetFromString(text, value, '.'), ok);
+        return value;
+    };
+    EXPECT_TRUE(std::isinf(read(std::string(400, '9'))));
+    EXPECT_TRUE(std::isnan(read(std::string("9.").append(400, '9'))));
+    EXPECT_EQ(read(std::string(400, '0').append("5")), 5);
 }
 
 TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
@@ -265,33 +197,19 @@ TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
 
 TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     const std::tuple<double, unsigned, const char*> rows[] = {
-        {2.5, 9, "2.5"},
         {0.1 + 0.2, 9, "0.3"},
-        {1.05, 9, "1.05"},
-        {0.000000001, 9, "0.000000001"},
-        {0.0000000004, 9, "0"},
-        {-0.0000000004, 9, "-0"},
         {-0.0, 9, "0"},
-        {123.456, 40, "123.456"},
-        {0.5, 0, "0"},
-        {2.5, 0, "2"},
         {0.25, 1, "0.2"},  // half of an even digit: down
         {0.75, 1, "0.8"},  // half of an odd digit: up
         {0.05, 1, "0.1"},  // half of no digit at all: up
         {0.95, 1, "1"},    // 9.5 after scaling, and carried
-        {2147483647.0, 9, "2147483647"},
         {2147483647.9, 9, "2.147484e+09"},
-        {-1e300, 9, "-1.000000e+300"},
-        {infinity, 9, "inf"},
-        {-infinity, 9, "-inf"},
+        {-std::numeric_limits<double>::infinity(), 9, "-inf"},
         {std::numeric_limits<double>::quiet_NaN(), 9, "nan"},
-        {std::numeric_limits<double>::denorm_min(), 9, "0"},
     };
     for (const auto& [value, decimals, text] : rows)
     {
-        SCOPED_TRACE(text);
         EXPECT_EQ(nxStringHelper::GetAsString(value, decimals), text);
         std::string appended = "x";
         nxStringHelper::AppendAsString(appended, value, decimals);
@@ -299,7 +217,7 @@ TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
     }
 }
 
-// Whatever direction the thread has its floating-point operations rounded in.
+// The result does not depend on the rounding direction of the thread.
 TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 {
     std::mt19937_64 random(nxRandomTest::GetSeed(3));
@@ -318,30 +236,20 @@ TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
 
 TEST(nxStringHelper, PrintsEveryType)
 {
-    EXPECT_EQ(Printed('A'), "65");
-    EXPECT_EQ(Printed(static_cast<unsigned char>(0xFF)), "255");
-    EXPECT_EQ(Printed(static_cast<short>(SHRT_MIN)), "-32768");
-    EXPECT_EQ(Printed(static_cast<unsigned short>(USHRT_MAX)), "65535");
-    EXPECT_EQ(Printed(INT_MIN), "-2147483648");
-    EXPECT_EQ(Printed(UINT_MAX), "4294967295");
+    EXPECT_EQ(Printed('A', static_cast<unsigned char>(0xFF), short{SHRT_MIN}, static_cast<unsigned short>(USHRT_MAX)),
+              "65 255 -32768 65535");
+    EXPECT_EQ(Printed(INT_MIN, UINT_MAX, ULONG_MAX), "-2147483648 4294967295 " + std::to_string(ULONG_MAX));
     EXPECT_EQ(nxStringHelper::GetAsString(LONG_MIN), std::to_string(LONG_MIN));
-    EXPECT_EQ(Printed(ULONG_MAX), std::to_string(ULONG_MAX));
-    EXPECT_EQ(Printed(LLONG_MIN), "-9223372036854775808");
-    EXPECT_EQ(Printed(ULLONG_MAX), "18446744073709551615");
-    EXPECT_EQ(Printed(true), "TRUE");
-    EXPECT_EQ(Printed(0.5F), "0.5");
-    EXPECT_EQ(Printed(-2.25), "-2.25");
+    EXPECT_EQ(Printed(LLONG_MIN, ULLONG_MAX), "-9223372036854775808 18446744073709551615");
+    EXPECT_EQ(Printed(true, 0.5F, -2.25), "TRUE 0.5 -2.25");
     EXPECT_EQ(Printed<const char*>("text"), "text");  // and not the flag that a pointer converts to
     EXPECT_EQ(Printed<const char*>(nullptr), "");
     EXPECT_EQ(Printed(std::string("a\0b", 3)), std::string("a\0b", 3));
-    EXPECT_EQ(Printed(nxDecimal(-5, 2)), "-5.00");
-    EXPECT_EQ(Printed(nxDecimal::GetNullDecimal()), "");
-    EXPECT_EQ(Printed(nxDate(2024, 3, 5)), "20240305");
-    EXPECT_EQ(Printed(nxTime(9, 7, 3)), "09:07:03");
-    EXPECT_EQ(Printed(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3))), "05 Mar 2024 09:07:03");
-    EXPECT_EQ(Printed(nxBoolEnum(NX_BOOL_TRUE)), "TRUE");
-    EXPECT_EQ(Printed(nxValueWrapper<unsigned>(7U)) + Printed(nxDoubleValueWrapper(0.5)), "70.5");
-    EXPECT_EQ(Printed(nxValueWrapper<int>()) + Printed(nxDoubleValueWrapper()), "");
+    EXPECT_EQ(Printed(nxDecimal(-5, 2), nxDate(2024, 3, 5), nxTime(9, 7, 3)), "-5.00 20240305 09:07:03");
+    EXPECT_EQ(Printed(nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)), nxBoolEnum(NX_BOOL_TRUE)),
+              "05 Mar 2024 09:07:03 TRUE");
+    EXPECT_EQ(Printed(nxValueWrapper<unsigned>(7U), nxDoubleValueWrapper(0.5)), "7 0.5");
+    EXPECT_EQ(Printed(nxDecimal::GetNullDecimal(), nxValueWrapper<int>(), nxDoubleValueWrapper()), "");
     EXPECT_EQ(nxStringHelper::GetAsString(std::vector<bool>{true}[0]), "TRUE");
     std::string roomy = ">";
     roomy.reserve(100);
@@ -355,8 +263,11 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     const auto check = [](const auto& before, const char* bad, const char* good, const auto& after, auto... separator)
     {
         auto value = before;
-        EXPECT_EQ(nxStringHelper::SetFromString(bad, value, separator...), invalid) << bad;
-        EXPECT_EQ(value, before) << bad;
+        for (const char* const text : {bad, static_cast<const char*>(nullptr)})
+        {
+            EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator...), invalid) << bad;
+            EXPECT_EQ(value, before) << bad;
+        }
         EXPECT_EQ(nxStringHelper::SetFromString(good, value, separator...), ok) << good;
         EXPECT_EQ(value, after) << good;
     };
@@ -369,38 +280,27 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     nxBoolEnum flag(NX_BOOL_TRUE);
     EXPECT_EQ(nxStringHelper::SetFromString("CASE_SENSITIVE", flag), invalid);
     EXPECT_TRUE(flag.IsUndefined());
-    std::string text = "old";
-    EXPECT_EQ(nxStringHelper::SetFromString("new", text), ok);
-    EXPECT_EQ(text, "new");
 }
 
 TEST(nxStringHelper, NoTextIsReadAsAnEmptyOne)
 {
     const char* const none = nullptr;
-    const auto check = [none](auto value, auto... separator)
-    {
-        EXPECT_EQ(nxStringHelper::SetFromString(none, value, separator...), invalid);
-        if constexpr (std::is_class_v<decltype(value)>)
-        {
-            EXPECT_EQ(value.SetFromString(none, separator...), invalid);
-        }
-    };
-    check(7U);
-    check(true);
-    check(2.5, '.');
-    check(nxDecimal(7, 0), '.');
-    check(nxMoney(nxDecimal(7, 0), "USD"), '.');
-    check(nxDate(2024, 2, 29));
-    check(nxTime(1, 2, 3));
     std::string text = "old";
     EXPECT_EQ(nxStringHelper::SetFromString(none, text), ok);
     EXPECT_EQ(text, "");
+    EXPECT_EQ(nxStringHelper::SetFromString("new", text), ok);
+    EXPECT_EQ(text, "new");
     unsigned number = 7;
     unsigned char byte = 7;
-    EXPECT_EQ(nxStringHelper::SetFromStringView(none, number), invalid);
-    EXPECT_EQ(nxAlgorithm::SetFromHex(none, byte), invalid);
-    EXPECT_TRUE(nxDecimal(none, '.').IsNull());
-    EXPECT_TRUE(nxMoney(nxDecimal(7, 0), none).IsNull());
+    bool flag = true;
+    double real = 2.5;
+    for (const nxErrorEnum& error :
+         {nxStringHelper::SetFromString(none, number), nxStringHelper::SetFromStringView(none, number),
+          nxAlgorithm::SetFromHex(none, byte), nxStringHelper::SetFromString(none, flag),
+          nxStringHelper::SetFromString(none, real, '.'), nxDecimal().SetFromString(none, '.'),
+          nxMoney().SetFromString(none, '.'), nxDate().SetFromString(none), nxTime().SetFromString(none)})
+        EXPECT_EQ(error, invalid);
+    EXPECT_TRUE(nxDecimal(none, '.').IsNull() && nxMoney(nxDecimal(7, 0), none).IsNull());
     EXPECT_EQ(nxStringValue().SetFromString(none), ok);
 }
 
@@ -442,7 +342,6 @@ TEST(nxStringHelper, TrimsFourCharactersAndNoOthers)
     }
     std::string zeros = "1.500";
     nxStringHelper::RightTrim(zeros, "0");
-    EXPECT_EQ(zeros, "1.5");
     nxStringHelper::RightTrim(zeros, "");
     EXPECT_EQ(zeros, "1.5");
     nxStringHelper::RightTrim(zeros, zeros);
@@ -452,32 +351,27 @@ TEST(nxStringHelper, TrimsFourCharactersAndNoOthers)
 TEST(nxStringHelper, ReplacesEveryHitOnce)
 {
     const char* const rows[][4] = {{"aaa", "a", "aa", "aaaaaa"}, {"aaa", "aa", "b", "ba"}, {"abc", "", "x", "abc"},
-                                   {"abcabc", "bc", "", "aa"},   {"ab", "ab", "ab", "ab"}, {"", "a", "b", ""},
-                                   {"aXb", "X", "XX", "aXXb"}};
+                                   {"abcabc", "bc", "", "aa"},   {"", "a", "b", ""},       {"aXb", "X", "XX", "aXXb"}};
     for (const auto& [before, what, with, after] : rows)
     {
         std::string text = before;
         nxStringHelper::Replace(text, what, with);
         EXPECT_EQ(text, after) << before;
     }
-    std::string itself = "ab";
+    std::string itself = "ab", doubled = "xyx", large(1'000'000, 'a');
     nxStringHelper::Replace(itself, itself, itself);
     EXPECT_EQ(itself, "ab");
-    std::string doubled = "xyx";
-    const std::string x = "x";
-    nxStringHelper::Replace(doubled, x, doubled);
+    nxStringHelper::Replace(doubled, std::string("x"), doubled);
     EXPECT_EQ(doubled, "xyxyxyx");
-    std::string large(1'000'000, 'a');
     nxStringHelper::Replace(large, "a", "bc");
     EXPECT_EQ(large.size(), 2'000'000U);
 }
 
 TEST(nxStringHelper, StripsAndChangesCase)
 {
-    std::string text = ",1,,000,";
+    std::string text = ",1,,000,", mixed = "aZ09_\xE4\xC4{[@`";
     nxStringHelper::Strip(text, ',');
     EXPECT_EQ(text, "1000");
-    std::string mixed = "aZ09_\xE4\xC4{[@`";
     nxStringHelper::ToUpper(mixed);
     EXPECT_EQ(mixed, "AZ09_\xE4\xC4{[@`");
     nxStringHelper::ToLower(mixed);
@@ -487,19 +381,11 @@ TEST(nxStringHelper, StripsAndChangesCase)
         EXPECT_EQ(nxStringHelper::IsUppercase(static_cast<char>(c)), c >= 'A' && c <= 'Z') << c;
         EXPECT_EQ(nxStringHelper::IsLowercase(static_cast<char>(c)), c >= 'a' && c <= 'z') << c;
     }
-}
-
-TEST(nxStringHelper, FormatsCamelCase)
-{
-    const char* const rows[][2] = {{"orderId", "ORDER_ID"},
-                                   {"ABCValue", "ABCVALUE"},
-                                   {"order_id", "ORDER_ID"},
-                                   {"a1B", "A1B"},
-                                   {"", ""},
-                                   {"aBcD", "A_BC_D"},
-                                   {"A", "A"}};
-    for (const auto& row : rows)
-        EXPECT_EQ(nxStringHelper::GetUppercaseAndUnderscoreFormatted(row[0]), row[1]);
+    const std::pair<const char*, const char*> names[] = {
+        {"orderId", "ORDER_ID"}, {"ABCValue", "ABCVALUE"}, {"a1B", "A1B"}, {"aBcD", "A_BC_D"}, {"A", "A"},
+        {"order_id", "ORDER_ID"}};
+    for (const auto& [name, formatted] : names)
+        EXPECT_EQ(nxStringHelper::GetUppercaseAndUnderscoreFormatted(name), formatted);
 }
 
 TEST(nxStringHelper, ComparesWithAndWithoutCase)
@@ -516,6 +402,7 @@ TEST(nxStringHelper, ComparesWithAndWithoutCase)
         {"", "", true, true, 0, 0},
         {std::string("a\0b", 3), std::string("a\0c", 3), false, false, 0, 0},
     };
+    const nxCaseSensitivityEnum caseSensitive(CASE_SENSITIVE), caseInsensitive(CASE_INSENSITIVE), neither;
     for (const auto& [a, b, same, sameButForCase, order, orderButForCase] : rows)
     {
         SCOPED_TRACE(a + " and " + b);
@@ -526,7 +413,6 @@ TEST(nxStringHelper, ComparesWithAndWithoutCase)
         EXPECT_EQ(sign(nxStringHelper::CompareAlphabetically(a, b, caseInsensitive)), orderButForCase);
         EXPECT_EQ(nxStringHelper::CompareAlphabetically(b, a, caseSensitive), -order);
     }
-    const nxCaseSensitivityEnum neither;
     EXPECT_FALSE(nxStringHelper::Compare("a", "a", neither));
     EXPECT_EQ(nxStringHelper::CompareAlphabetically("a", "b", neither), 0);
 }

@@ -1,16 +1,9 @@
 #include "core/text/nxStringParser.h"
 
-#include <gtest/gtest.h>
-
 #include <deque>
-#include <sstream>
-#include <string>
-#include <tuple>
-#include <type_traits>
-#include <unordered_set>
-#include <vector>
 
 #include "core/text/nxStringValue.h"
+#include "tests/support/nxTest.h"
 
 static_assert(!std::is_constructible_v<nxStringParser, std::string>);  // it would dangle
 static_assert(!std::is_copy_assignable_v<nxStringParser>);
@@ -60,7 +53,7 @@ TEST(nxStringParser, TakesDifferentSeparatorsInTurn)
     EXPECT_TRUE(parser.IsFullyParsed());
 }
 
-TEST(nxStringParser, IsFinishedWhenTheTextHasShrunkBehindIt)
+TEST(nxStringParser, IsFinishedWhenTheTextHasShrunk)
 {
     std::string text = "first,second";
     nxStringParser parser(text);
@@ -100,8 +93,7 @@ TEST(nxStringValue, HasThreeStates)
         EXPECT_EQ(value.IsNull(), status == NX_VALUE_STATUS_NULL);
         EXPECT_EQ(value.IsNoChange(), status == NX_VALUE_STATUS_NO_CHANGE);
         EXPECT_EQ(value.IsValid(), status == NX_VALUE_STATUS_VALID);
-        EXPECT_EQ(value.GetAsString(), text);
-        EXPECT_EQ(value.GetAsLogString(), logText);
+        EXPECT_EQ(value.GetAsString() + value.GetAsLogString() + Streamed(value), text + logText + logText);
         std::string appended = ">";
         value.AppendAsString(appended);
         value.AppendAsLogString(appended);
@@ -110,9 +102,6 @@ TEST(nxStringValue, HasThreeStates)
         EXPECT_EQ(appended, text);
         value.GetAsLogString(appended);
         EXPECT_EQ(appended, logText);
-        std::ostringstream stream;
-        stream << value;
-        EXPECT_EQ(stream.str(), logText);
     }
 }
 

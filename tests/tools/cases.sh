@@ -1,8 +1,12 @@
 # shellcheck shell=bash
-# Sourced by the test scripts: a scratch directory of their own and the checks that they are tables of.
+# Sourced by the test scripts: a scratch directory and the checks.
 
 nxtick=$1
 [ -x "$nxtick" ] || { echo "$nxtick is not there"; exit 2; }
+# The folder with the files of cases: accepted.txt with NAME|INPUT|OUTPUT|ON-GRID|MOVED, refused.txt with
+# OPTIONS|MESSAGE, columns.txt with HEADER|COLUMN|MESSAGE, shown.txt with the options and output of runs, and rejected.txt
+# with what the rows of rejected.csv lead to.
+cases=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch" || exit 2
@@ -30,13 +34,13 @@ run()
 # Text with line ends kept, in a form that survives $(...): CR as <CR>, and a mark at the end.
 visible() { sed 's/\r/<CR>/g'; printf '<END>'; }
 out_is() { same "standard output" "$(printf '%b' "$1" | visible)" "$(visible <out)"; }
-# The time that a run took is no fault.
+# The time that a run takes is not compared.
 err_is()
 {
     same "standard error" "$(printf '%b' "$1" | visible)" \
         "$(sed -E 's/^(time|prices a second) +[0-9.,]+( s)?$/\1/; s/  +/  /' err | visible)"
 }
-# A run that ends with one line on standard error, and leaves nothing but out and err behind.
+# A run that ends with one line on standard error and leaves nothing but the files out and err.
 refused()
 {
     local message=$1

@@ -1,40 +1,16 @@
 #!/usr/bin/env bash
-# The rows that go through nxtick.
+# Rows of prices and what nxtick makes of them.
 set -u
 . "$(dirname "$0")/cases.sh"
 
-# rows NAME INPUT OUTPUT ON-GRID MOVED: an accepted file.
-rows()
-{
-    run 0 -increment 0.05 -column Price < <(printf '%b' "$2")
-    case=$1
-    out_is "$3"
-    same counts "$4 $5" "$(awk '/^on the grid/ {grid = $4} /^moved/ {moved = $2} END {print grid, moved}' err)"
-}
 header='D,Price'
 added='D,Price,tick,snapped,moved'
-rows "on and off the grid" "$header\na,1.23\nb,1.25\nc,-36.98\nd,26\n" \
-    "$added\na,1.23,0.05,1.25,0.02\nb,1.25,0.05,1.25,0.00\nc,-36.98,0.05,-37.00,-0.02\nd,26,0.05,26.00,0.00\n" 2 2
-rows "no final newline" "$header\na,1.23" "$added\na,1.23,0.05,1.25,0.02" 0 1
-rows "CRLF" "$header\r\na,1.23\r\n" "$added\r\na,1.23,0.05,1.25,0.02\r\n" 0 1
-rows "CRLF without the last" "$header\r\na,1.23" "$added\r\na,1.23,0.05,1.25,0.02" 0 1
-rows "line ends may differ from row to row" "$header\r\na,1\nb,2\r\n" \
-    "$added\r\na,1,0.05,1.00,0.00\nb,2,0.05,2.00,0.00\r\n" 2 0
-rows "empty lines are no rows" "\n$header\n\na,1\n\r\n\n" "\n$added\n\na,1,0.05,1.00,0.00\n\r\n\n" 1 0
-rows "header alone" "$header\n" "$added\n" 0 0
-rows "header alone, unfinished" "$header" "$added" 0 0
-rows "quotes" "\"D\",\"Price\"\n\"a,b\",\"1.23\"\n\"c\"\"d\",1.25\n" \
-    "\"D\",\"Price\",tick,snapped,moved\n\"a,b\",\"1.23\",0.05,1.25,0.02\n\"c\"\"d\",1.25,0.05,1.25,0.00\n" 1 1
-rows "line ends and commas inside quotes" "$header\n\"a\nb,9\r\n\",1.23\n\"\",1\n" \
-    "$added\n\"a\nb,9\r\n\",1.23,0.05,1.25,0.02\n\"\",1,0.05,1.00,0.00\n" 1 1
-rows "a quote inside a field is a character" "$header\n5\" pipe,1\n,\"1\"\n" \
-    "$added\n5\" pipe,1,0.05,1.00,0.00\n,\"1\",0.05,1.00,0.00\n" 2 0
-rows "blanks around" " D , Price \na, 1.23 \n" " D , Price ,tick,snapped,moved\na, 1.23 ,0.05,1.25,0.02\n" 0 1
-rows "byte order mark" "\xEF\xBB\xBFPrice\n1\n" "\xEF\xBB\xBFPrice,tick,snapped,moved\n1,0.05,1.00,0.00\n" 1 0
-rows "forms of a number" "$header\na,+1.\nb,.5\nc,-0\nd,0001.2500\n" \
-    "$added\na,+1.,0.05,1.00,0.00\nb,.5,0.05,0.50,0.00\nc,-0,0.05,0.00,0.00\nd,0001.2500,0.05,1.25,0.0000\n" 4 0
-rows "many decimals, exactly" "$header\na,25.300000000000001\nb,1234567890123456.1\n" \
-    "$added\na,25.300000000000001,0.05,25.30,-0.000000000000001\nb,1234567890123456.1,0.05,1234567890123456.10,0.00\n" 1 1
+while IFS="|" read -r name input output grid moved; do
+    run 0 -increment 0.05 -column Price < <(printf '%b' "$input")
+    case=$name
+    out_is "$output"
+    same counts "$grid $moved" "$(awk '/^on the grid/ {grid = $4} /^moved/ {moved = $2} END {print grid, moved}' err)"
+done <"$cases/accepted.txt"
 
 # Added columns whose names are taken are named after the column, so that runs can follow each other.
 printf 'Bid,"A,""k"\n1.23,1.26\n' >chain.csv
@@ -62,26 +38,10 @@ case="rows across blocks"
 same "last row" '"60000",1.23,0.05,1.25,0.02' "$(tail -n 1 out)"
 same "rows, all alike" "60001 1.25" "$(awk -F, 'NR > 1 {++n; seen[$4] = 1} END {for (s in seen) t = t " " s; print n t}' out)"
 
-# What is rejected: the row goes through, the line and the reason are told, and the run ends with 1.
-printf '%b' "$header\na,x\n\"b\nb\",\nc\nd,1.23\ne,1e5\nf,1234567890123456789\ng,\"1.2\n3\"\nh,36,98\ni,1,x,y\nj,\"36,98\",\n" >bad.csv
-run 1 -increment 0.05 -csv bad.csv -column Price
-out_is "$added\na,x,,,\n\"b\nb\",,,,\nc,,,,\nd,1.23,0.05,1.25,0.02\ne,1e5,,,\nf,1234567890123456789,,,\ng,\"1.2\n3\",,,
-h,36,98,,,\ni,1,x,y,,,\nj,\"36,98\",,,,\n"
-err_is "bad.csv:2: 'x' is not a price
-bad.csv:3: there is no price
-bad.csv:5: the row has 1 field, the header 2
-bad.csv:7: '1e5' is not a price
-bad.csv:8: '1234567890123456789' has more digits than a price can hold
-bad.csv:9: '1.2\\\\x0A3' is not a price
-bad.csv:11: the row has 3 fields, the header 2; a decimal comma?
-bad.csv:12: the row has 4 fields, the header 2
-bad.csv:13: the row has 3 fields, the header 2
-rows  10
-on the grid  0
-moved  1
-rejected  9
-time
-prices a second\n"
+# A rejected row goes through, a message names its line and the reason, and the run ends with 1.
+cp "$cases/rejected.csv" .
+run 1 -increment 0.05 -csv rejected.csv -column Price
+same "rows and messages" "" "$({ cat out; sed -E '/^(time|prices a second)/d' err; } | diff "$cases/rejected.txt" -)"
 run 1 -increment 0.05 -column Price < <(printf "$header\na,x\n")
 same "first line" "stdin:2: 'x' is not a price" "$(head -n 1 err)"
 

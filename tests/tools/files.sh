@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The output file: whole or not there, and no trace of an attempt.
+# The output file: complete or absent, without a trace of an attempt.
 set -u
 . "$(dirname "$0")/cases.sh"
 
@@ -11,10 +11,10 @@ content_is() { same "$1" "$(printf '%b' "$2" | visible)" "$(visible <"$1")"; }
 nothing_left() { same "left behind" "" "$(find . -name '.nxtick-*')"; }
 skipped() { echo "skipped: $1"; }
 
-# begin OPTION...: starts a run that reads the pipe, and comes back once it has a place for its output.
+# begin OPTION...: starts a run that reads the pipe, and returns once the run has a place for its output.
 begin()
 {
-    (ulimit -c 0 && exec env --default-signal=QUIT "$nxtick" $snap -csv pipe "$@" 2>err) &
+    (ulimit -c 0 && exec env --default-signal=HUP,QUIT "$nxtick" $snap -csv pipe "$@" 2>err) &
     process=$!
     exec 3>pipe
     printf 'Price\n1.23\n' >&3
@@ -71,7 +71,7 @@ refused "cannot write kept.csv/x: Not a directory" $snap -csv good.csv -out kept
 refused "cannot write .: Is a directory" $snap -csv good.csv -out .
 nothing_left
 
-# What is no file is written to directly.
+# Devices are written to directly.
 run 0 $snap -csv good.csv -out /dev/null
 same "/dev/null" "character special file" "$(stat -c %F /dev/null)"
 if [ -e /dev/full ]; then
@@ -85,7 +85,7 @@ if [ -e /dev/full ]; then
     done
 fi
 
-# What is in a file behind a descriptor stays; the rows go where the descriptor stands.
+# The content of a file that is open as a descriptor stays; the rows go to the position of the descriptor.
 case="names of open descriptors"
 echo old >stream.csv && ln -s /dev/stdout stream-link
 for name in /dev/stdout /dev/fd/3 /proc/self/fd/3 stream-link; do
@@ -103,7 +103,7 @@ for name in stdin:- stdin:/dev/stdout good.csv:-; do
     content_is good.csv 'Price\n1.23\n'
 done
 
-# Standard streams that are closed take no part, and no file gets their numbers.
+# Closed standard streams are not used, and no file takes their descriptors.
 { echo Price; yes x | head -n 60000; } >bad.csv
 case="standard error closed"
 "$nxtick" $snap -out bad-out.csv <bad.csv 2>&-
@@ -116,7 +116,7 @@ case="standard input closed"
 "$nxtick" $snap <&- 2>err
 same "exit status and message" "2 nxtick: cannot read stdin: Bad file descriptor" "$? $(cat err)"
 
-# A reader of standard error who leaves ends nothing, and a reader of the rows who leaves ends the run without a word.
+# The run goes on without a reader of standard error. Without a reader of the rows it ends silently.
 case="nobody reads standard error"
 { "$nxtick" $snap -csv bad.csv -out unread.csv 2>&1; echo $? >status; } | true
 same "exit status and rows" "1 60001" "$(cat status) $(wc -l <unread.csv)"
@@ -125,7 +125,7 @@ case="nobody reads the rows"
 same "exit status" "$((128 + $(kill -l PIPE)))" "$(cat status)"
 same "messages of another kind" "0" "$(grep -vc "is not a price" rejected)"
 
-# A limit on the size of files is reported like a full disk. A build that counts coverage must not speak of its own file.
+# A limit on the size of files is reported like a full disk. A build that counts coverage must not report on its own file.
 case="no file above 1 KiB"
 (ulimit -c 0 -f 1 && LLVM_PROFILE_FILE=/dev/null exec "$nxtick" $snap -csv bad.csv -out kept.csv 2>&1) | tail -n 1 >err
 same "exit status and message" "2 nxtick: cannot write kept.csv: File too large" "${PIPESTATUS[0]} $(cat err)"
@@ -141,12 +141,12 @@ for signal in TERM HUP QUIT KILL; do
     kill -s "$signal" "$process"
     end "$status"
     content_is kept.csv 'old\n'
-    # Where the file system needs a name, nobody is left to remove it.
+    # Where the file system needs a name, the file stays: a killed process cannot remove it.
     [ "$signal" = KILL ] && [ -n "$named" ] && rm "$named" && skipped "nothing left behind by SIGKILL"
     nothing_left
 done
 
-# What was there at the start decides: nothing that others do to the name meanwhile is lost.
+# The file at the start decides: what other programs put under the name during the run is kept.
 case="a link to another file takes the name"
 begin -out fresh.csv
 ln -s kept.csv fresh.csv
@@ -162,7 +162,7 @@ err_is "nxtick: cannot write taken.csv: another program has removed or replaced 
 content_is taken.csv 'second\n'
 nothing_left
 
-# Who may do what with the file stays as it was.
+# The file keeps its access rights.
 if python3 -c 'import os, struct
 entries = ((1, 6, -1), (2, 4, 1), (4, 0, -1), (16, 4, -1), (32, 0, -1))
 os.setxattr("good.csv", "system.posix_acl_access", struct.pack("<I", 2) + b"".join(struct.pack("<HHi", *e) for e in entries))

@@ -3,48 +3,16 @@
 set -u
 . "$(dirname "$0")/cases.sh"
 
-cat >own.csv <<'END'
-name,band,upper_bound,increment
-TWO,1,10,0.01
-TWO,2,,0.05
-CHIX_CPH1,1,,0.5
-ODD,1,10,0.01
-ODD,2,,0.03
-FAR,1,10,0.5
-FAR,2,,100
-NARROW,1,10,5
-NARROW,2,12.5,1
-NARROW,3,,3
-END
+cp "$cases/own.csv" own.csv
 own='-tables own.csv'
 
-# The catalogue, and the user's own tables in front of it.
+# The catalogue, with the user's own tables first.
 run 0 -list
 same "heading and tables" "151 identifier bands smallest tick largest tick source" \
     "$(wc -l <out) $(head -n 1 out | tr -s ' ')"
 same "one of them" "VTT_CHIX_CPH1 7 0.010 5.000 given" "$(grep CHIX_CPH1 out | tr -s ' ')"
-run 0 -list -filter cph1 $own
-out_is "identifier     bands  smallest tick  largest tick  source
-VTT_CHIX_CPH1      1            0.5           0.5  custom\n"
-refused "no tick table has 'xyz' in its identifier" -list -filter xyz
 
-run 0 -table TWO $own
-out_is "VTT_TWO\ncustom: own.csv\n
-band  above  up to  tick
-   1            10  0.01
-   2     10         0.05\n"
-run 0 -table VTT_EURONEXT_07
-same "given bands" "1 9.999 0.001;2 9.999 49.995 0.005;3 49.995 99.99 0.01;" \
-    "$(awk '/^ +[1-3]/ {$1 = $1; printf "%s;", $0}' out)"
-run 0 -table EURONEXT_07
-same "name without prefix" "VTT_EURONEXT_07" "$(head -n 1 out)"
-
-refused "there is no tick table 'VTT_CHIX_CPH3'; did you mean 'VTT_CHIX_CPH1' or 'VTT_CHIX_CPH2'?" -table VTT_CHIX_CPH3
-refused "there is no tick table 'chix_lse1'; did you mean 'VTT_CHIX_lse1' or 'VTT_CHIX_lse2'?" -table chix_lse1
-refused "there is no tick table 'nonsense'; nxtick -list shows all" -table nonsense -price 1
-refused "there is no tick table 'TWO'; nxtick -list shows all" -table TWO -csv own.csv -column band
-
-# A table whose roundings leave the grid is told where it is used, and shown with its file's name made safe.
+# Using a table whose roundings leave the grid causes a warning; the name of its file is made safe to show.
 cp own.csv $'own\x1b.csv'
 run 0 -tables $'own\x1b.csv' -table ODD
 same "no escape" "custom: own\\x1B.csv" "$(sed -n 2p out)"
@@ -53,86 +21,20 @@ same "warning" "nxtick: own\\x1B.csv: table ODD: band 1: upper bound 10 plus inc
 run 0 $own -list
 err_is ''
 
-# A file of tables that is wrong names its line.
+# The message for a wrong file of tables names the line.
 sed 's/0.05/0/' own.csv >zero.csv
 run 2 -tables zero.csv -table TWO
 same "file and line" "nxtick: zero.csv: line 3" "$(grep -oE '^nxtick: zero.csv: line [0-9]+' err)"
 run 2 -tables missing.csv -list
 same "one line" "1" "$(wc -l <err)"
 
-# Prices: on the grid, between its prices, at a band's bound and just above it, negative.
-# price ROW: PRICE WHERE TICK BELOW ABOVE NEAREST MODIFIED UP DOWN
-while read -r price where tick below above nearest modified up down; do
-    run 0 $own -table TWO -price "$price"
-    same "all of it" "VTT_TWO at $price, $where the grid|tick $tick|next below $below|next above $above|nearest $nearest|modified nearest $modified|rounded up $up|rounded down $down" \
-        "$(grep . out | tr -s ' ' | paste -sd'|')"
-done <<'END'
-9.99 on 0.01 9.98 10.00 9.99 9.99 9.99 9.99
-9.995 off 0.01 9.99 10.00 10.00 9.99 10.00 9.99
-10 on 0.01 9.99 10.05 10.00 10.00 10.00 10.00
-10.05 on 0.05 10.00 10.10 10.05 10.05 10.05 10.05
-12.34 off 0.05 12.30 12.35 12.35 12.35 12.35 12.30
--12.34 off 0.05 -12.35 -12.30 -12.35 -12.35 -12.30 -12.35
-0 on 0.01 -0.01 0.01 0.00 0.00 0.00 0.00
-END
-for row in '10:0:0 ticks up:10' '10:3:3 ticks up:10.11' '10.05:-2:2 ticks down:9.99' '9.99:1:1 tick up:10.00'; do
-    IFS=: read -r price step what result <<<"$row"
-    run 0 $own -table TWO -price "$price" -step "$step"
-    same "stepped" "$what $result" "$(tail -n 1 out | tr -s ' ')"
-done
-run 0 -increment 0.05 -price -36.98 -step -1000000
-same "a fixed increment serves too" "1000000 ticks down -50036.98" "$(tail -n 1 out | tr -s ' ')"
-refused "-price 'x' is not a price" -table NFX_1 -price x
-refused "-price '12345678901234567890' has more digits than a price can hold" -table NFX_1 -price 12345678901234567890
-refused "-step '1.5' is not a whole number from -1000000 to 1000000" $own -table TWO -price 1 -step 1.5
-refused "-step '1000001' is not a whole number from -1000000 to 1000000" $own -table TWO -price 1 -step 1000001
-refused "the price 1000000 ticks away has more digits than a price can hold" \
-    -increment 900000000000000 -price 1 -step 1000000
-
-# Neighbours where a step would leave the grid or skip a price: every price that is on the grid by the tick there, and
-# no other.
-while read -r table price below above; do
-    run 0 $own -table "$table" -price "$price"
-    same "neighbours" "$below $above" "$(awk '/^next/ {print $3}' out | paste -sd' ')"
-done <<'END'
-ODD 10 9.99 10.02
-ODD 10.01 10.00 10.02
-ODD 10.02 10.00 10.05
-ODD -10.01 -10.02 -10.00
-FAR 10 9.5 100
-FAR 10.2 10.0 100
-FAR 60 10.0 100
-FAR -60 -100 -10.0
-FAR 100 10.0 200
-NARROW 10 5 13
-NARROW 13 10 15
-NARROW 14.9 13 15
-END
-
-# Ladders are aligned on the decimal point, mark the change of bands, and have no colour in a file.
-run 0 $own -table TWO -price 10.05 -ladder 3
-out_is "VTT_TWO around 10.05
-
-   price  tick
-   10.20  0.05
-   10.15  0.05
-   10.10  0.05
->  10.05  0.05
---- ticks of 0.05 above, 0.01 below ---
-   10.00  0.01
-    9.99  0.01
-    9.98  0.01\n"
-run 0 -increment 0.5 -price 0.2 -ladder 1
-out_is "ticks of 0.5 around 0.2
-
-   price  tick
-     0.5   0.5
->    0.2   0.5  off the grid
-     0.0   0.5\n"
-run 0 $own -table ODD -price 10.02 -ladder 2
-same "beside an odd bound" "10.08 10.05 10.02 10.00 9.99" "$(tr -d '>' <out | awk '$1 ~ /[0-9]/ && NF == 2 {print $1}' | paste -sd' ')"
-refused "-ladder '0' is not a whole number from 1 to 1000" $own -table TWO -price 1 -ladder 0
-refused "option -price is missing: the middle of the ladder" $own -table TWO -ladder 3
+# Lists, tables, prices, steps, neighbours and ladders: shown.txt holds the command lines and their output.
+while read -r _ _ options; do
+    run 0 $options
+    { echo "$ nxtick $options"; cat out; } >>shown
+done < <(grep '^\$' "$cases/shown.txt")
+case="shown.txt"
+same "what is shown" "" "$(diff "$cases/shown.txt" shown)"
 
 # A table adds its neighbours to the rows.
 printf 'Price\n9.995\n10\n-10.07\nx\n' >prices.csv
@@ -148,12 +50,11 @@ run 0 $own -table TWO -chart chart.svg
 out_is ''
 same "steps and dots" "2 1" "$(grep -c "class='line'" chart.svg) $(grep -c '<circle' chart.svg)"
 same "ends" "<svg </svg>" "$(head -c 5 chart.svg)$(tail -n 1 chart.svg)"
-# Its text is UTF-8 whatever the path: bytes that are none are replaced, and no character is cut in two.
+# Its text is always UTF-8: other bytes of the path are replaced, and no character is cut in two.
 x79=$(printf '%079d' 0)
 for row in $'\xC3\xA9\xC3.csv|\xC3\xA9\xEF\xBF\xBD.csv' "$x79"$'\xC3\xA9|'"$x79..." "${x79}1|${x79}1"; do
     cp own.csv "${row%|*}"
     run 0 -tables "${row%|*}" -table TWO -chart chart.svg
     same "source" "custom: ${row#*|}<" "$(LC_ALL=C grep -ao 'custom: [^<]*<' chart.svg)"
 done
-refused "cannot write missing/chart.svg: No such file or directory" -table CME_01 -chart missing/chart.svg
 finish

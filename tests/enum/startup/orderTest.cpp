@@ -1,5 +1,5 @@
-// Built from the library's sources, so that the object below is initialised before all of theirs and destroyed after
-// them: texts are found all the same.
+// Built from the sources of the library, so that the object below is initialised before their objects and destroyed after
+// them. It must find every text in both places.
 #include <cstdio>
 #include <cstdlib>
 

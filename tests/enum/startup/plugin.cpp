@@ -1,4 +1,4 @@
-// A plug-in: it uses the library in its own static initialisers and registers values and a mask of its own there.
+// A plug-in that uses the library in its static initialisers and registers its own values and mask there.
 #include <string>
 
 #include "core/nxCore.h"
@@ -39,7 +39,7 @@ private:
 const bool PluginEnum::_registered = _RegisterValues();
 const bool PluginBitMask::_registered = _RegisterValues();
 
-// What the library and the registrations above answered while the plug-in was loaded.
+// The answers of the library and of the registrations above during the loading of the plug-in.
 const std::string answers = nxErrorEnum(NX_ERR_NOT_FOUND).GetLongDescription() + ", " +
                             nxProductStateBitMask(2).GetShortDescription(" ") + ", " +
                             PluginEnum(4005000).GetShortDescription() + ", " + PluginBitMask(1).GetLongDescription(" ");

@@ -1,19 +1,13 @@
 #include <bit>
-#include <cstdio>
-#include <limits>
+#include <random>
 
 #include "Gateway.h"
-#include "core/platform/inline/nxDoubleHelper.h"
-#include "core/text/nxStringHelper.h"
-#include "core/time/nxTimeStamp.h"
 
 namespace
 {
 class Digest
 {
 public:
-    explicit Digest(const char* title) : _title(title) {}
-
     void Add(std::uint64_t value) { _state = (_state ^ value) * 0xD6E8FEB86659FD93 + (_state >> 29); }
     void Add(double value) { Add(std::bit_cast<std::uint64_t>(value)); }
     void Add(const nxDecimal& value)
@@ -21,57 +15,35 @@ public:
         Add(static_cast<std::uint64_t>(value.GetValue()));
         Add(value.GetScale());
     }
-    std::string GetText() const
-    {
-        char text[100];
-        std::snprintf(text, sizeof text, "%s %016llx", _title, static_cast<unsigned long long>(_state));
-        return text;
-    }
+    std::string GetText() const { return ' ' + std::to_string(_state); }
 
 private:
-    const char* _title;
     std::uint64_t _state = 1;
 };
 
-class Random
+using Random = std::mt19937_64;
+
+nxDecimal AnyDecimal(Random& random, unsigned places)
 {
-public:
-    std::uint64_t Below(std::uint64_t limit)
-    {
-        _state = _state * 6364136223846793005 + 1442695040888963407;
-        return (_state >> 20) % limit;
-    }
-    nxDecimal Decimal(unsigned places)
-    {
-        const auto mantissa = static_cast<long long>(Below(2'000'000)) - 700'000;
-        return nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, static_cast<unsigned char>(places));
-    }
-
-private:
-    std::uint64_t _state = 1;
-};
+    const auto mantissa = static_cast<long long>(random() % 2'000'000) - 700'000;
+    return nxDecimal::ConstructFromValueAndDecimalPlaces(mantissa, static_cast<unsigned char>(places));
+}
 
 constexpr unsigned rounds = 20'000;
 
-// Places that are known only now, and in the second loop places that the compiler knows, which it then calculates with.
+// First with places that are known only now, then with places that the compiler knows and calculates with.
 std::string Decimals(Random random)
 {
-    Digest digest("decimals");
+    Digest digest;
     const nxDecimal half = nxDecimal::ConstructFromValueAndDecimalPlaces(15, 1), third(3, 2);
-    for (unsigned n = 0; n < rounds; ++n)
-    {
-        const nxDecimal a = random.Decimal(n % 4), b = random.Decimal(n / 4 % 4);
-        digest.Add(a.GetAsDouble());
-        digest.Add(a * b);
-        digest.Add(a / b);
-        digest.Add(a + b);
-        digest.Add(nxDecimal(a.GetAsDouble(), static_cast<unsigned char>(n % 3)));
-        digest.Add(nxDecimal(a.GetValue(), static_cast<long long>(n + 1), 2));
-    }
     nxDecimal sum(0, 2);
     for (unsigned n = 0; n < rounds; ++n)
     {
-        const nxDecimal price = random.Decimal(2);
+        const nxDecimal a = AnyDecimal(random, n % 4), b = AnyDecimal(random, n / 4 % 4), price = AnyDecimal(random, 2);
+        digest.Add(a.GetAsDouble());
+        for (const nxDecimal& result : {a * b, a / b, a + b, nxDecimal(a.GetValue(), static_cast<long long>(n + 1), 2),
+                                        nxDecimal(a.GetAsDouble(), static_cast<unsigned char>(n % 3))})
+            digest.Add(result);
         sum += price * half - price / third + nxDecimal(price.GetAsDouble(), 1) + nxDecimal(n, 8, 2);
         digest.Add(sum);
     }
@@ -81,8 +53,10 @@ std::string Decimals(Random random)
 // Numbers that are none, infinities and marks, each with each.
 std::string Extremes()
 {
-    Digest digest("extremes");
+    Digest digest;
     constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    constexpr double null = nxDoubleValueWrapper::NullValue, noChange = nxDoubleValueWrapper::NoChangeValue;
     const volatile double numbers[] = {0,
                                        -1,
                                        1e308,
@@ -92,16 +66,15 @@ std::string Extremes()
                                        1.500000001,
                                        infinity,
                                        -infinity,
-                                       std::numeric_limits<double>::quiet_NaN(),
-                                       nxDoubleValueWrapper::NullValue,
-                                       nxDoubleValueWrapper::NoChangeValue,
+                                       none,
+                                       null,
+                                       noChange,
                                        9223372036854775808.0};
     for (const double first : numbers)
         for (const double second : numbers)
         {
             const nxDoubleValueWrapper a(first), b(second);
-            const bool results[] = {a == b, a<b, a> b, a <= b, a >= second, a.IsNull(), a.IsNoChange(), a.IsValid()};
-            for (const bool result : results)
+            for (const bool result : {a == b, a<b, a> b, a <= b, a >= second, a.IsNull(), a.IsNoChange(), a.IsValid()})
                 digest.Add(std::uint64_t{result});
             digest.Add(nxDoubleValueWrapper::GetMax(a, b));
             digest.Add(nxDecimal(first, 3));
@@ -115,13 +88,12 @@ std::string Extremes()
 
 std::string Wrappers(Random random)
 {
-    Digest digest("wrappers");
+    Digest digest;
     nxDoubleValueWrapper turnover = 0.0;
     for (unsigned n = 0; n < rounds; ++n)
     {
-        const auto seconds = static_cast<long long>(random.Below(2'000'000'000));
-        const nxTimeStamp time(seconds, static_cast<unsigned>(random.Below(1'000'000'000)));
-        turnover += time.GetTotalSecondsAsDouble();
+        const auto seconds = static_cast<long long>(random() % 2'000'000'000);
+        turnover += nxTimeStamp(seconds, static_cast<unsigned>(random() % 1'000'000'000)).GetTotalSecondsAsDouble();
         turnover *= 1.1;
         turnover -= 0.3;
         turnover /= 10;
@@ -131,4 +103,4 @@ std::string Wrappers(Random random)
 }
 }  // namespace
 
-std::vector<std::string> SumUpNumbers() { return {Decimals(Random()), Extremes(), Wrappers(Random())}; }
+std::string SumUpNumbers() { return "numbers" + Decimals(Random()) + Extremes() + Wrappers(Random()); }

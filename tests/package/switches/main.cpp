@@ -2,106 +2,111 @@
 
 #include <deque>
 #include <iostream>
-#include <memory>
-#include <sstream>
+#include <map>
 
 #include "Gateway.h"
-#include "core/app/nxCmdLineArgs.h"
 #include "core/log/nxLogMacros.h"
-#include "core/log/nxLogManager.h"
-#include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
-#include "core/thread/nxMutexGuard.h"
-#include "core/thread/nxSemaphore.h"
-#include "core/thread/nxThread.h"
+
+const bool SideEnum::_registered = _RegisterValues();
+bool SideEnum::_RegisterValues()
+{
+    static constexpr ValueTexts values[] = {{Buy, "GW_BUY", "buy"}, {Sell, "GW_SELL", "sell"}};
+    return _RegisterAll(values);
+}
+
+const bool OrderFlagsBitMask::_registered = _RegisterValues();
+bool OrderFlagsBitMask::_RegisterValues()
+{
+    static constexpr FlagTexts flags[] = {{PRICE_MOVED, "PRICE_MOVED", "price moved"},
+                                          {HAS_STOP, "HAS_STOP", "has a stop"}};
+    return _RegisterFlags("OrderFlagsBitMask", flags);
+}
+std::string OrderFlagsBitMask::GetClassName() const { return "OrderFlagsBitMask"; }
 
 namespace
 {
-class JobQueue
+// What the workers share.
+struct Totals
 {
-public:
-    void Put(std::string job)
-    {
-        {
-            const nxMutexGuard guard(_mutex);
-            _jobs.push_back(std::move(job));
-        }
-        _ready.Post();
-    }
-    // The empty text ends the worker that takes it.
-    std::string Take()
-    {
-        while (!_ready.Wait().IsOK())
-            ;
-        const nxMutexGuard guard(_mutex);
-        std::string job = std::move(_jobs.front());
-        _jobs.pop_front();
-        return job;
-    }
-
-private:
-    nxMutex _mutex;
-    nxSemaphore _ready{0};
-    std::deque<std::string> _jobs;
+    nxMutex mutex;
+    nxSemaphore finished{0};
+    std::map<std::string, std::string> answers;
+    nxDecimal notional = nxDecimal(0, 4);
+    nxDoubleValueWrapper volume = 0.0;
 };
 
+// Handles every second order.
 class Worker : public nxThread
 {
 public:
-    Worker(JobQueue& jobs, Totals& totals, const Tables& tables, const nxRoundingMethodEnum& method)
-        : _jobs(jobs), _totals(totals), _tables(tables), _method(method)
+    Worker(Totals& totals, const nxVariableTickTable& table, nxEnumValue method, unsigned first)
+        : _totals(totals), _table(table), _method(method), _first(first)
     {
     }
 
     nxErrorEnum Run() override
     {
-        for (std::string job = _jobs.Take(); !job.empty(); job = _jobs.Take())
-            Handle(job);
+        for (unsigned n = _first; n < 60; n += 2)
+        {
+            const nxDecimal price = nxDecimal::ConstructFromValueAndDecimalPlaces(997 * n + 3, 3);
+            const std::string line = std::string(n % 7 == 0   ? "HOLD,"
+                                                 : n % 2 == 0 ? "BUY,"
+                                                              : "SELL,") +
+                                     nxStringHelper::GetAsString(n * 100) + ',' + price.GetAsString('.');
+            const std::string answer = Handle(line + (n % 3 == 0 ? ",1.5" : n % 5 == 0 ? ",1.2.3" : ""));
+            const nxMutexGuard guard(_totals.mutex);
+            _totals.answers[line] = answer;
+        }
+        _totals.finished.Post();
         return nxErrorEnum();
     }
-    const std::map<std::string, std::string>& GetAnswers() const { return _answers; }
 
 private:
-    void Handle(const std::string& job)
+    std::string Handle(const std::string& line)
     {
-        Order order;
-        nxErrorEnum error = ReadOrder(job, order);
-        const auto table = _tables.find(order.symbol);
-        if (error.IsOK() && table == _tables.end())
-            error = NX_ERR_NOT_FOUND;
-        const nxMutexGuard guard(_totals.mutex);
-        ++_totals.errors[error];
+        std::deque<std::string> fields;
+        nxStringParser::ExtractAllSubstrings(line, fields, true, ',');
+        SideEnum side;
+        nxValueWrapper<unsigned> volume;
+        nxDecimal price, stop = nxDecimal::GetNullDecimal();
+        OrderFlagsBitMask flags;
+        nxErrorEnum error = volume.SetFromString(fields[1]);
+        if (!side.SetFromString("GW_" + fields[0]))
+            error = NX_ERR_ORDER_INVALID_ORDER;
+        if (error.IsOK() && fields.size() == 4)
+        {
+            error = stop.SetFromString(fields[3], '.');
+            flags |= OrderFlagsBitMask::HAS_STOP;
+        }
+        if (error.IsOK())
+            error = price.SetFromString(fields[2], '.');
         if (!error.IsOK())
         {
-            NX_LOG(NX_LOG_LEVEL_WARNING) << job << ": " << error;
-            return;
+            NX_LOG(NX_LOG_LEVEL_WARNING) << line << ": " << error;
+            return error.GetLongDescription();
         }
-        const VerdictEnum verdict = Check(*table->second, _method, order);
-        ++_totals.verdicts[verdict];
-        if (verdict != VerdictEnum::Rejected)
-        {
-            const nxDecimal amount = order.price * nxDecimal(static_cast<unsigned>(order.volume), 4);
-            _totals.notional += amount;
-            _totals.turnover += amount.GetAsDouble();
-        }
-        _answers[job] = Describe(order, verdict);
+        const nxDecimal asked = price;
+        nxTickTableCursor cursor(_table);
+        cursor.RoundToValidTick(_method, price);
+        if (price != asked)
+            flags |= OrderFlagsBitMask::PRICE_MOVED;
+        const nxMutexGuard guard(_totals.mutex);
+        _totals.notional += price * nxDecimal(static_cast<unsigned>(volume), 4);
+        _totals.volume += static_cast<unsigned>(volume);
+        const nxEnum& base = side;
+        return side.GetLongDescription() + ' ' + price.GetAsString('.') + " stop " + stop.GetAsLogString('.') +
+               " volume " + volume.GetAsLogString() + " [" + flags.GetShortDescription(", ") + ']' +
+               (base.IsSpecificTypeForInstance() && base.GetClassName() == "SideEnum" ? "" : " ?");
     }
 
-    JobQueue& _jobs;
     Totals& _totals;
-    const Tables& _tables;
+    const nxVariableTickTable& _table;
     const nxRoundingMethodEnum _method;
-    std::map<std::string, std::string> _answers;
+    const unsigned _first;
 };
 
-int Fail(const std::string& complaint)
-{
-    NX_LOG(NX_LOG_LEVEL_ERROR) << complaint;
-    std::cerr << "gateway: " << complaint << '\n';
-    return 2;
-}
-
-// An object whose class and address nobody else knows: the compiler sees through its virtual functions.
+// An object whose class and address are known here alone: the compiler sees through its virtual functions.
 nxEnumValue ReadMethod(const nxCmdLineArgs& args)
 {
     nxRoundingMethodEnum method(NX_ROUNDING_METHOD_NEAREST);
@@ -109,78 +114,29 @@ nxEnumValue ReadMethod(const nxCmdLineArgs& args)
         return NX_ENUM_UNDEFINED;
     return method.GetEnumValue();
 }
-
-bool FindTables(Tables& tables, nxCustomVariableTickTable::Tables& own)
-{
-    std::string reason;
-    const char* const text = "name,band,upper_bound,increment\nOWN,1,10,0.005\nOWN,2,20,0.05\nOWN,3,,0.5\n";
-    if (!nxCustomVariableTickTable::ReadText(text, own, reason).IsOK())
-        return false;
-    tables["OWN"] = own.front().get();
-    for (const std::string& id : nxVariableTickTableContainer::GetVariableTickTableIDs())
-        tables[id] = nxVariableTickTableContainer::GetVariableTickTable(id);
-    return true;
-}
-
-int Run(const nxCmdLineArgs& args)
-{
-    nxCapturingLogDevice device;
-    Tables tables;
-    nxCustomVariableTickTable::Tables own;
-    const nxRoundingMethodEnum method(ReadMethod(args));
-    if (method.IsUndefined())
-        return Fail("-method wants DOWN, UP, NEAREST or MODIFIED_NEAREST");
-    nxValueWrapper<unsigned int> threads = args.GetArgValueAsVolume("threads");
-    if (!threads.IsValid() || threads == 0u)
-        threads = 2u;
-    if (!FindTables(tables, own))
-        return Fail("no tables");
-
-    JobQueue jobs;
-    Totals totals;
-    std::vector<std::unique_ptr<Worker>> workers;
-    for (unsigned n = 0; n < threads; ++n)
-    {
-        workers.push_back(std::make_unique<Worker>(jobs, totals, tables, method));
-        if (!workers.back()->Create().IsOK())
-            return Fail("no thread");
-    }
-    for (unsigned n = 0; n < 60; ++n)
-    {
-        std::ostringstream line;
-        line << (n % 7 == 0 ? "NOWHERE" : "OWN") << (n % 2 == 0 ? ",BUY," : ",SELL,") << n * 100 << ','
-             << nxDecimal::ConstructFromValueAndDecimalPlaces(997 * n + 3, 3);
-        jobs.Put(line.str() + (n % 3 == 0 ? ",1.5" : ""));
-    }
-    jobs.Put("OWN,HOLD,1,1");
-    jobs.Put("OWN,BUY,1,1.2.3");
-    for (unsigned n = 0; n < threads; ++n)
-        jobs.Put("");
-    std::map<std::string, std::string> answers;
-    for (const auto& worker : workers)
-    {
-        if (!worker->Wait().IsOK())
-            return Fail("a worker failed");
-        answers.insert(worker->GetAnswers().begin(), worker->GetAnswers().end());
-    }
-    for (const auto& [job, answer] : answers)
-        std::cout << job << ": " << answer << '\n';
-    for (const auto& [error, count] : totals.errors)
-        std::cout << error << ' ' << count << '\n';
-    for (const auto& [verdict, count] : totals.verdicts)
-        std::cout << verdict << ' ' << count << '\n';
-    std::cout << totals.notional << ' ' << totals.turnover << ' ' << method << '\n';
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(3);
-    std::cout << device.GetRecords().size() << " records\n";
-    return 0;
-}
 }  // namespace
 
 int main(int, char** argv)
 {
     nxCmdLineArgs& args = nxCmdLineArgs::GetInstance();
     args.Initialise(argv, environ);
-    for (const std::string& line : SumUpNumbers())
-        std::cout << line << '\n';
-    return Run(args);
+    const nxCapturingLogDevice device;
+    const nxVariableTickTable& table = *nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
+    Totals totals;
+    Worker first(totals, table, ReadMethod(args), 0), second(totals, table, ReadMethod(args), 1);
+    for (Worker* const worker : {&first, &second})
+        if (!worker->Create().IsOK())
+            return 2;
+    for (int n = 0; n < 2; ++n)
+        while (!totals.finished.Wait().IsOK())
+            ;
+    if (!first.Wait().IsOK() || !second.Wait().IsOK())
+        return 3;
+    for (const auto& [line, answer] : totals.answers)
+        std::cout << line << ": " << answer << '\n';
+    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(3);
+    std::cout << SumUpNumbers() << '\n'
+              << GetPluginAnswers() << '\n'
+              << totals.notional << ' ' << totals.volume << ' ' << device.GetRecords().size() << " records\n";
+    return 0;
 }
