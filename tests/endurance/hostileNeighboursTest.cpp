@@ -59,43 +59,6 @@ public:
 };
 }  // namespace
 
-TEST(hostileNeighbours, NamedObjectsAreOutOfAnotherUsersReach)
-{
-    if (geteuid() != 0)
-        GTEST_SKIP() << "a second user: only root can become one";
-    if (!nxPrivateMemory::InNewProcess())
-        return;
-    nxStage stage;
-    nxChildProcess victim(
-        [&]
-        {
-            nxWindowsSemaphore semaphore("name", 1, 3);
-            stage.Reach(1);
-            stage.WaitFor(2);
-            semaphore.Post();
-            EXPECT_TRUE(semaphore.TimedWait(0).IsOK() && semaphore.TimedWait(0).IsOK());
-            EXPECT_EQ(semaphore.TimedWait(0), NX_ERR_THR_TIMEDOUT) << "the neighbour's counts";
-        });
-    stage.WaitFor(1);
-    const fs::path directory = fs::directory_iterator("/dev/shm")->path();
-    const fs::path file = fs::directory_iterator(directory)->path();
-    EXPECT_TRUE(AsNeighbour(
-        [&]
-        {
-            EXPECT_EQ(open(directory.c_str(), O_RDONLY), -1);
-            EXPECT_EQ(open(file.c_str(), O_RDWR), -1);
-            EXPECT_EQ(errno, EACCES);
-            EXPECT_NE(rename(directory.c_str(), "/dev/shm/away"), 0);
-            nxWindowsSemaphore own("name", 2, 9);
-            EXPECT_FALSE(own.IsNull());
-            for (int i = 0; i < 2; ++i)
-                EXPECT_TRUE(own.TimedWait(0).IsOK()) << "of the neighbour's own making";
-            own.Post();
-        }));
-    stage.Reach(2);
-    EXPECT_TRUE(victim.Succeeds());
-}
-
 TEST(hostileNeighbours, LogFilesAreNewAndNobodyElsesToRead)
 {
     if (geteuid() != 0)

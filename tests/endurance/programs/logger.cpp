@@ -1,9 +1,8 @@
 // A process that logs in one of several ways and ends, or is ended: logger MODE [ARGUMENT]. The directory and the other
 // settings come from the environment. With the log's own file device every line of ours holds "t<thread> n<number>;";
-// modes with devices of their own append what these are given to the file "output" in that directory.
+// modes with devices of their own write what these are given to standard output.
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
 #include <sys/mman.h>
@@ -44,7 +43,7 @@ void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueTo
 // More than anybody waits for, and some hundred megabytes of lines.
 constexpr int mostLines = 2'000'000;
 
-// Logs until the process ends; says on standard output which number is surely in the file.
+// Logs until the process ends; writes to standard output which number is surely in the file.
 int Acknowledge()
 {
     for (int number = 0; number < mostLines; ++number)
@@ -54,7 +53,8 @@ int Acknowledge()
             continue;
         WaitForLog();
         nxLogManager::GetInstance().FlushDevices();
-        static_cast<void>(!::write(STDOUT_FILENO, &number, sizeof number));
+        const std::string text = " " + std::to_string(number);
+        static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
     }
     return 4;
 }
@@ -174,21 +174,14 @@ void Register(std::function<void(const nxLog&)> onWrite)
     new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
 }
 
-int OpenOutput()
+// Writes every record to standard output at once, as "text source-file".
+nxLogDevice* WriteToOutput(bool registers = true)
 {
-    const std::string path = std::string(std::getenv("QRX_LOG_DIRECTORY")) + "/output";
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-}
-
-// Appends every record to the output at once, as "text source-file".
-nxLogDevice* AppendToOutput(bool registers = true)
-{
-    const int file = OpenOutput();
     return new nxFunctionLogDevice(
-        [file](const nxLog& record)
+        [](const nxLog& record)
         {
             const std::string line = record.GetText() + " " + record.GetSourceFile() + "\n";
-            if (::write(file, line.data(), line.size()) < 0)
+            if (::write(STDOUT_FILENO, line.data(), line.size()) < 0)
                 ::_exit(3);
         },
         registers);
@@ -209,14 +202,14 @@ const LogsBeforeAndAfterMain logsBeforeAndAfterMain;
 
 int ReturnFromMain()
 {
-    AppendToOutput();
+    WriteToOutput();
     LogInARow();
     return 0;
 }
 
 int ExitInAThread()
 {
-    AppendToOutput();
+    WriteToOutput();
     std::thread(
         []
         {
@@ -229,7 +222,7 @@ int ExitInAThread()
 
 int ExitWhileStalled()
 {
-    ::dup2(OpenOutput(), STDERR_FILENO);
+    ::dup2(STDOUT_FILENO, STDERR_FILENO);
     Register(
         [](const nxLog&)
         {
@@ -242,7 +235,7 @@ int ExitWhileStalled()
 
 int ExitInsideADevice()
 {
-    AppendToOutput();
+    WriteToOutput();
     Register([](const nxLog&) { std::exit(0); });
     NX_LOG(NX_LOG_LEVEL_INFO) << "the last";
     for (;;)
@@ -266,7 +259,7 @@ int ExitWhileStopped()
                 std::raise(SIGSTOP);
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         });
-    AppendToOutput();
+    WriteToOutput();
     for (int number = 0; number < 20; ++number)
         NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
     return 0;
@@ -279,7 +272,7 @@ int ForkWithAFullQueue()
     const pid_t child = fork();
     if (child == 0)
     {
-        AppendToOutput();
+        WriteToOutput();
         NX_LOG(NX_LOG_LEVEL_INFO) << "only this";
         std::exit(0);
     }
@@ -296,7 +289,7 @@ int WaitForADevice()
     WaitForLog();
     const std::vector<nxLog> waiting = manager.GetLogEntriesQueue();
     nxFunctionLogDevice other([](const nxLog&) {}, false);
-    nxLogDevice* const both[]{&other, nullptr, AppendToOutput(false), &other};
+    nxLogDevice* const both[]{&other, nullptr, WriteToOutput(false), &other};
     manager.RegisterLogDevices(both);
     WaitForLog();
     const bool isRight = waiting.size() == 2 && waiting[0].GetText() == "before main" &&
@@ -307,14 +300,14 @@ int WaitForADevice()
 // The record is all that tells why the process is going to end.
 int AbortAfterAFatalRecord()
 {
-    AppendToOutput();
+    WriteToOutput();
     NX_LOG(NX_LOG_LEVEL_FATAL) << "the last words";
     std::abort();
 }
 
 int EndQuickly()
 {
-    AppendToOutput();
+    WriteToOutput();
     LogInARow();
     std::quick_exit(0);
 }
@@ -322,7 +315,7 @@ int EndQuickly()
 // Main goes first, and a worker later.
 int EndByTheLastThread()
 {
-    AppendToOutput();
+    WriteToOutput();
     std::thread(
         []
         {
@@ -394,7 +387,7 @@ int ReportFirstFromAPinnedThread()
     manager.SetWriteThread(wanted);
     const bool isMoved = runs(pinned);
     manager.Destroy();  // the next one starts like that
-    AppendToOutput();
+    WriteToOutput();
     WaitForLog();
     return isOfProcess && isMoved && runs(pinned) ? 0 : 7;
 }
@@ -419,7 +412,7 @@ int UseUpAllKeys()
     return nxLogManager::GetInstance().GetStatistics().bytes < (std::uint64_t{1} << 20) ? 0 : 9;
 }
 
-// So many kibibytes more than the process has are left to the log.
+// The log gets this many kibibytes more than the process has.
 int LogWithLittleMemory(int kibibytes)
 {
     std::ifstream status("/proc/self/statm");
@@ -437,7 +430,7 @@ int LogWithLittleMemory(int kibibytes)
 
 int UnloadAPlugin(const std::string& plugin, int rounds)
 {
-    AppendToOutput();
+    WriteToOutput();
     std::vector<std::thread> threads = StartThreads(8);
     int failed = 0;
     for (int round = 0; round < rounds; ++round)
@@ -461,7 +454,7 @@ int UnloadAPlugin(const std::string& plugin, int rounds)
 
 int Levels()
 {
-    AppendToOutput();
+    WriteToOutput();
     NX_LOG(NX_LOG_LEVEL_INFO) << "info";
     NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
     return 0;
@@ -470,7 +463,7 @@ int Levels()
 
 int main(int argc, char** argv)
 {
-    ::alarm(600);  // whatever it waits for, and whoever has forgotten it
+    ::alarm(600);  // whatever it waits for, and whatever became of its parent
     const std::string mode = argc > 1 ? argv[1] : "";
     const std::string argument = argc > 2 ? argv[2] : "";
     const int count = std::atoi(argument.c_str());
