@@ -49,7 +49,7 @@ void LogLines(int first, int count)
     }
 }
 
-// How often each number stands in the log files below the working directory.
+// How often each number is in the log files below the working directory.
 std::map<int, int> LinesInFiles()
 {
     std::map<int, int> found;
@@ -142,31 +142,6 @@ void NamedObjects(bool fails, Counts... counts)
     }
 }
 
-void Threads(bool fails)
-{
-    class Worker : public nxThread
-    {
-        nxErrorEnum Run() override { return nxErrorEnum(); }
-    };
-    static Worker worker;
-    EXPECT_EQ(worker.Wait(), NX_ERR_THR_NOT_RUNNING);
-    const bool created = worker.Create().IsOK();
-    EXPECT_TRUE(created || fails);
-    EXPECT_EQ(worker.Wait(), created ? NX_ENUM_UNDEFINED : NX_ERR_THR_NOT_RUNNING);
-}
-
-void SharedLocks(bool fails)
-{
-    static nxMutex mutex;
-    static nxConditionRaw condition;
-    static nxSemaphore semaphore(1);
-    EXPECT_TRUE(mutex.InitialiseAsShared(true).IsOK() || fails);
-    EXPECT_TRUE(condition.InitialiseAsShared().IsOK() || fails);
-    EXPECT_TRUE(semaphore.InitialiseAsShared(1).IsOK() || fails);
-    EXPECT_TRUE(semaphore.TryWait().IsOK() || fails);
-    nxThreadSpecificMemoryBuffer(64).GrowBuffer();
-}
-
 void CommandLine(bool fails)
 {
     static char program[] = "program", option[] = "-price", value[] = "12.50", setting[] = "NX_SET=yes";
@@ -232,8 +207,6 @@ const struct
     {"log manager", LogManager},
     {"named mutex", [](bool fails) { NamedObjects<nxWindowsMutex>(fails); }},
     {"named semaphore", [](bool fails) { NamedObjects<nxWindowsSemaphore>(fails, 1U, 1U); }},
-    {"threads", Threads},
-    {"shared locks", SharedLocks},
     {"command line", CommandLine},
     {"application", Application},
     {"tick table file", TickTableFile},
