@@ -1,24 +1,9 @@
 // Memory that runs out at the first, the second, ... every allocation of an operation: nothing crashes, nothing but
 // std::bad_alloc comes out, and afterwards everything works as before.
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cerrno>
-#include <chrono>
-#include <deque>
-#include <functional>
-#include <map>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
-#include "tests/support/nxChildProcess.h"
-#include "tests/support/nxFunctionLogDevice.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -170,7 +155,7 @@ TEST_F(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
          {
              nxLog record(NX_LOG_LEVEL_INFO, "application/file", 1, nxTimeStamp());
              record << longText << longText << NX_ERR_NOT_FOUND;
-             nxLogManager::GetInstance().Write(record);
+             Manager().Write(record);
              return std::string("logged");
          }},
     };
@@ -206,19 +191,19 @@ TEST_F(nxAllocationFault, ADeviceThatWasUnregisteredWithoutMemoryCanBeRegistered
 {
     nxLogManager& manager = nxLogManager::GetInstance();
     nxFunctionLogDevice device;
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     const int writes = device.writes;
     const nxLogStatistics before = manager.GetStatistics();
     nxAllocations::remaining = 0;
     manager.UnregisterLogDevice(&device);
     nxAllocations::remaining = -1;
-    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "unheard";
+    WaitUntilWritten();
     EXPECT_EQ(manager.GetStatistics().written, before.written);
     EXPECT_EQ(manager.GetStatistics().unheard, before.unheard + 1);
     manager.RegisterLogDevice(&device);
     NX_LOG(NX_LOG_LEVEL_INFO) << "to the device";
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     EXPECT_EQ(device.writes, writes + 1);
 }
 
@@ -227,7 +212,6 @@ TEST_F(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
 {
     if (!nxInNewProcess())
         return;
-    nxLogManager& manager = nxLogManager::GetInstance();
     std::atomic<bool> waits{false};
     std::jthread other(
         [&waits]
@@ -242,7 +226,7 @@ TEST_F(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
     nxAllocations::remaining = 0;
     waits = true;
     waits.notify_all();
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     nxAllocations::remaining = -1;
     EXPECT_GE(device.writes, 1);
 }

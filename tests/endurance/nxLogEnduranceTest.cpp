@@ -1,24 +1,7 @@
 // The log in processes that are killed, exit, fork and rotate. Each test's number of rounds comes from
 // the environment, so that the endurance script can ask for more.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <csignal>
-#include <map>
-#include <random>
-#include <set>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "tests/support/nxSanitizer.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxTestThreads.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {

@@ -4,18 +4,12 @@
 //
 // NX_TEST_KILLS sets how many processes are killed in all (250, and no longer than some seconds, where it is not set).
 
-#include <gtest/gtest.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 
-#include <algorithm>
-#include <chrono>
-#include <memory>
-#include <random>
-#include <thread>
-
 #include "core/thread/nxMutex.h"
 #include "tests/support/nxPrivateMemory.h"
+#include "tests/support/nxSystemTest.h"
 #include "tests/thread/nxNamedObjects.h"
 
 namespace
@@ -209,7 +203,7 @@ bool KillAt(unsigned stop, unsigned instructions, Shared& shared)
 }
 }  // namespace
 
-TEST(killedProcesses, NobodyIsStuckAfterAKillBetweenAnyTwoSystemCalls)
+TEST(killedProcesses, NoProcessIsStuckAfterAKillBetweenAnyTwoSystemCalls)
 {
     if (!nxPrivateMemory::InNewProcess())
         return;

@@ -1,14 +1,5 @@
 // What locks and threads make of the errors of their primitives: the code that they return and the record that they write.
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxCondition.h"
 #include "core/thread/nxConditionMutex.h"
 #include "core/thread/nxConditionRaw.h"
@@ -16,8 +7,7 @@
 #include "core/thread/nxSemaphore.h"
 #include "core/thread/nxSpinLock.h"
 #include "core/thread/nxThread.h"
-#include "tests/support/nxSanitizer.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -233,7 +223,7 @@ TEST(lockFaults, CreationInSharedMemoryReportsItsFailure)
     nxCapturingLogDevice log;
     const auto reportsOf = [&](const char* source)
     {
-        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+        WaitUntilWritten();
         Records reports;
         for (const nxCapturedRecord& record : log.GetRecords())
             if (record.sourceFile == source)

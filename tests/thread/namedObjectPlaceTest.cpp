@@ -1,22 +1,8 @@
 // Where the named objects of nxWindowsMutex and nxWindowsSemaphore lie, and everything that may be in the way.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <functional>
-#include <map>
-#include <string>
-#include <vector>
-
-#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxWindowsMutex.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxSanitizer.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 #include "tests/thread/nxNamedObjects.h"
 
 namespace
@@ -54,7 +40,7 @@ TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
         EXPECT_EQ(errno, ENOSPC);
         EXPECT_GE(fault.GetHits(), 1U);
     }
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+    WaitUntilWritten();
     const auto records = log.GetRecords();
     ASSERT_EQ(records.size(), 1U) << "one for all of them\n" << log;
     EXPECT_EQ(records[0].level, NX_LOG_LEVEL_ERROR);
@@ -178,7 +164,7 @@ TEST(namedObjects, LieWhereTheSettingSaysAndNowhereElse)
     EXPECT_EQ(EntriesOf("/dev/shm"), 0U);
 }
 
-TEST(namedObjects, AProcessThatIsStoppedInTheTableStopsNobody)
+TEST(namedObjects, AProcessThatIsStoppedInTheTableStopsNoOther)
 {
     if (!nxPrivateMemory::InNewProcess())
         return;
@@ -254,7 +240,7 @@ TEST(namedObjects, TheIdentityIsPartOfThePlace)
         [&]
         {
             ASSERT_EQ(setuid(other), 0);
-            umask(0777);  // takes nobody's rights but those of this process's own files
+            umask(0777);  // takes rights only from this process's own files
             EXPECT_TRUE(nxWindowsSemaphore("name", 9, 9).TimedWait(0).IsOK());
             EXPECT_EQ(open(directory.c_str(), O_RDONLY), -1) << "root's";
             EXPECT_EQ(open(file.c_str(), O_RDWR), -1);
@@ -283,6 +269,6 @@ TEST(namedObjects, TheIdentityIsPartOfThePlace)
 
     ASSERT_EQ(mount("none", "/proc", "tmpfs", 0, ""), 0);
     EXPECT_FALSE(nxWindowsMutex("known").IsNull()) << "it has been told before";
-    EXPECT_TRUE(nxInChild([] { EXPECT_TRUE(nxWindowsMutex("name").IsNull()); })) << "it cannot tell who it is";
+    EXPECT_TRUE(nxInChild([] { EXPECT_TRUE(nxWindowsMutex("name").IsNull()); })) << "it cannot tell which user it is";
     EXPECT_EQ(umount("/proc"), 0);  // which sanitizers want at the end
 }

@@ -2,21 +2,9 @@
 
 #include "core/thread/nxThread.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <functional>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxThreadIndex.h"
 #include "core/thread/nxThreadSpecificMemoryBuffer.h"
-#include "tests/support/nxSystemCallFault.h"
-#include "tests/support/nxTestThreads.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -39,7 +27,7 @@ using Records = std::vector<std::string>;
 // What a source file has reported so far. Without line numbers where no position is promised.
 Records ReportsOf(const nxCapturingLogDevice& log, const std::string& source, bool withLines)
 {
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+    WaitUntilWritten();
     Records reports;
     for (const nxCapturedRecord& record : log.GetRecords())
         if (record.sourceFile == source)

@@ -40,7 +40,7 @@ void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
 
 void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0); }
 
-// More than anybody waits for, and some hundred megabytes of lines.
+// An end for a process that is not killed: some hundred megabytes of lines.
 constexpr int mostLines = 2'000'000;
 
 // Logs until the process ends; writes to standard output which number is surely in the file.
@@ -187,10 +187,13 @@ nxLogDevice* WriteToOutput(bool registers = true)
         registers);
 }
 
-void LogInARow()
+// Logs to standard output and ends in one of the orderly ways.
+int LogAndEnd(const std::function<int()>& end)
 {
+    WriteToOutput();
     for (int number = 0; number < 20'000; ++number)
         NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+    return end();
 }
 
 struct LogsBeforeAndAfterMain
@@ -199,26 +202,6 @@ struct LogsBeforeAndAfterMain
     ~LogsBeforeAndAfterMain() { NX_LOG(NX_LOG_LEVEL_INFO) << "after main"; }
 };
 const LogsBeforeAndAfterMain logsBeforeAndAfterMain;
-
-int ReturnFromMain()
-{
-    WriteToOutput();
-    LogInARow();
-    return 0;
-}
-
-int ExitInAThread()
-{
-    WriteToOutput();
-    std::thread(
-        []
-        {
-            LogInARow();
-            std::exit(0);
-        })
-        .join();
-    return 4;
-}
 
 int ExitWhileStalled()
 {
@@ -229,7 +212,7 @@ int ExitWhileStalled()
             for (;;)
                 pause();
         });
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "nobody hears";
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "unheard";
     return 0;
 }
 
@@ -242,7 +225,7 @@ int ExitInsideADevice()
         pause();
 }
 
-// While the end waits for the records, the whole process stands still for longer than a stalled device is waited for.
+// While the end waits for the records, the whole process is stopped for longer than the log waits for a stalled device.
 int ExitWhileStopped()
 {
     const std::string resume = "sleep 2.6; kill -CONT " + std::to_string(::getpid());
@@ -268,16 +251,16 @@ int ExitWhileStopped()
 // The parent's queue holds records that no device has had yet.
 int ForkWithAFullQueue()
 {
-    LogInARow();
-    const pid_t child = fork();
-    if (child == 0)
+    for (int number = 0; number < 20'000; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+    if (fork() == 0)
     {
         WriteToOutput();
         NX_LOG(NX_LOG_LEVEL_INFO) << "only this";
         std::exit(0);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
+    int status = -1;
+    wait(&status);
     return status;
 }
 
@@ -305,14 +288,7 @@ int AbortAfterAFatalRecord()
     std::abort();
 }
 
-int EndQuickly()
-{
-    WriteToOutput();
-    LogInARow();
-    std::quick_exit(0);
-}
-
-// Main goes first, and a worker later.
+// The main thread ends first, and a worker later.
 int EndByTheLastThread()
 {
     WriteToOutput();
@@ -326,7 +302,7 @@ int EndByTheLastThread()
     ::pthread_exit(nullptr);
 }
 
-// The log's thread faults, and the process has something to say about it.
+// The log's thread faults, and the process handles the signal.
 int FaultInADevice()
 {
     static char* const forbidden =
@@ -351,7 +327,7 @@ pid_t FindLogThread()
     return 0;
 }
 
-// The first to report is pinned to one processor, where it leaves time to nobody if the system lets it.
+// The first thread to report is pinned to one processor, where it leaves no time to others if the system lets it.
 int ReportFirstFromAPinnedThread()
 {
     cpu_set_t ofProcess;
@@ -392,7 +368,7 @@ int ReportFirstFromAPinnedThread()
     return isOfProcess && isMoved && runs(pinned) ? 0 : 7;
 }
 
-// Others have taken all keys by which the system tells of the end of a thread.
+// Other code has taken all keys by which the system tells of the end of a thread.
 int UseUpAllKeys()
 {
     for (pthread_key_t key; ::pthread_key_create(&key, nullptr) == 0;)
@@ -452,13 +428,6 @@ int UnloadAPlugin(const std::string& plugin, int rounds)
     return failed;
 }
 
-int Levels()
-{
-    WriteToOutput();
-    NX_LOG(NX_LOG_LEVEL_INFO) << "info";
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
-    return 0;
-}
 }  // namespace
 
 int main(int argc, char** argv)
@@ -469,17 +438,29 @@ int main(int argc, char** argv)
     const int count = std::atoi(argument.c_str());
     const std::map<std::string, std::function<int()>> withItsOwnDevices{
         {"rotate", [&] { return Rotate(count); }},
-        {"return-from-main", ReturnFromMain},
-        {"exit-in-a-thread", ExitInAThread},
+        {"return-from-main", [] { return LogAndEnd([] { return 0; }); }},
+        {"exit-in-a-thread",
+         []
+         {
+             std::thread([] { LogAndEnd([]() -> int { std::exit(0); }); }).join();
+             return 4;
+         }},
+        {"quick-exit", [] { return LogAndEnd([]() -> int { std::quick_exit(0); }); }},
         {"exit-while-stalled", ExitWhileStalled},
         {"exit-while-stopped", ExitWhileStopped},
         {"exit-inside-a-device", ExitInsideADevice},
         {"fork-with-a-full-queue", ForkWithAFullQueue},
         {"wait-for-a-device", WaitForADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
-        {"levels", Levels},
+        {"levels",
+         []
+         {
+             WriteToOutput();
+             NX_LOG(NX_LOG_LEVEL_INFO) << "info";
+             NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
+             return 0;
+         }},
         {"abort-after-a-fatal-record", AbortAfterAFatalRecord},
-        {"quick-exit", EndQuickly},
         {"end-by-the-last-thread", EndByTheLastThread},
         {"fault-in-a-device", FaultInADevice},
         {"pinned", ReportFirstFromAPinnedThread},
