@@ -5,7 +5,6 @@
 
 namespace
 {
-
 // Calls are counted while the device is its owner's, and while it is not.
 class Device final : public nxLogDevice
 {

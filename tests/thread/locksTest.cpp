@@ -174,26 +174,6 @@ TEST(nxCondition, WakesOneOrAllAndForgetsSignalsWithoutAWaiter)
     nxInThreads(3, wait);
 }
 
-TEST(nxConditionRaw, WaitsOnTheCallersMutex)
-{
-    nxConditionRaw condition;
-    nxMutex mutex;
-    bool ready = false;
-    const std::jthread signaller(
-        [&]
-        {
-            nxMutexGuard guard(mutex);
-            ready = true;
-            EXPECT_TRUE(condition.SignalAll().IsOK());
-        });
-    nxMutexGuard guard(mutex);
-    while (!ready && condition.Wait(mutex).IsOK())
-    {
-    }
-    EXPECT_EQ(UntilAccepted([&] { return condition.TimedWait(mutex, 0.002); }), NX_ERR_THR_TIMEDOUT);
-    EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "held after the time-out";
-}
-
 TEST(locks, ADeadlineOfExactlyOneSecondOfNanosecondsIsRefused)
 {
     nxCondition condition;
@@ -210,6 +190,7 @@ TEST(locks, ADeadlineOfExactlyOneSecondOfNanosecondsIsRefused)
         EXPECT_EQ(condition.TimedWait(0.25), ofConditions);
         EXPECT_EQ(raw.TimedWait(mutex, 0.25), ofConditions);
         EXPECT_EQ(raw.TimedWait(mutex, std::chrono::milliseconds(250)), ofConditions);
+        EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "held after the time-out";
         const nxEnumValue ofSemaphores = isRefused ? NX_ERR_INVALID_PARAMETER : NX_ERR_THR_TIMEDOUT;
         EXPECT_EQ(semaphore.TimedWait(0.25), ofSemaphores);
         EXPECT_EQ(semaphore.TimedWait_Microseconds(250'000), ofSemaphores);
@@ -259,31 +240,6 @@ TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
     }
     semaphore.Post();
     EXPECT_TRUE(semaphore.TimedWait_Microseconds(std::numeric_limits<unsigned long long>::max()).IsOK());
-}
-
-TEST(nxSemaphore, ASignalInterruptsWaits)
-{
-    struct sigaction action = {};
-    struct sigaction before = {};
-    action.sa_handler = [](int) {};
-    ASSERT_EQ(sigaction(SIGUSR1, &action, &before), 0);
-    nxSemaphore semaphore(0);
-    for (const bool timed : {false, true})
-    {
-        std::atomic<bool> done{false};
-        nxErrorEnum error;
-        std::jthread waiter(
-            [&]
-            {
-                error = timed ? UntilAccepted([&] { return semaphore.TimedWait(60); }) : semaphore.Wait();
-                done = true;
-            });
-        for (; !done; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
-            pthread_kill(waiter.native_handle(), SIGUSR1);
-        waiter.join();
-        EXPECT_EQ(error, NX_ERR_THR_INTERRUPTED);
-    }
-    sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST(nxSemaphore, ACountThatIsTooLargeIsReportedOnTheStandardOutput)
