@@ -77,7 +77,7 @@ TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThreadHoweverSlowTheDevice)
         const nxLogStatistics before = Manager().GetStatistics();
         std::map<std::string, int> next;
         int faults = 0;
-        std::atomic<bool> isTold{false};
+        std::atomic<std::uint64_t> told{0};  // how many callers waited, up to a second later
         Device device(
             [&](const nxLog& record)
             {
@@ -85,7 +85,8 @@ TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThreadHoweverSlowTheDevice)
                 const std::size_t blank = text.find(' ');
                 if (text.starts_with("t:"))
                     faults += next[text.substr(0, blank)]++ != std::stoi(text.substr(blank));
-                isTold = isTold || text.starts_with("Callers that waited");
+                if (text.starts_with("Callers that waited"))
+                    told += std::stoull(text.substr(text.rfind(' ') + 1));
                 if (isSlow && Manager().GetStatistics().waits == before.waits)
                     std::this_thread::sleep_for(std::chrono::milliseconds(1));
             });
@@ -108,8 +109,9 @@ TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThreadHoweverSlowTheDevice)
         for (const auto& [thread, count] : next)
             EXPECT_EQ(count, records) << thread;
         EXPECT_EQ(Manager().GetStatistics().dropped, before.dropped);
-        EXPECT_TRUE(!isSlow || Manager().GetStatistics().waits > before.waits) << "callers wait for a slow device";
-        EXPECT_TRUE(!isSlow || nxEventually([&] { return isTold.load(); }));
+        const std::uint64_t waits = Manager().GetStatistics().waits - before.waits;
+        EXPECT_TRUE(!isSlow || waits > 0) << "callers wait for a slow device";
+        EXPECT_TRUE(nxEventually([&] { return told >= waits; }));
     }
 }
 
@@ -154,6 +156,8 @@ TEST(nxLogManager, CarriesRecordsOfEverySizeOnce)
     Device device(
         [&](const nxLog& record)
         {
+            if (record.GetSourceFile() == std::string("core/trunk/nxLogManager"))
+                return;  // the log tells of another test's waits
             const std::string text = record.GetText();
             seen.push_back(text.size());
             faults += text.find_first_not_of(text.empty() ? 'a' : text[0]) != std::string::npos;
@@ -226,6 +230,7 @@ TEST(nxLogManager, DropsAndCountsOnceADeviceHasStalled)
                 WaitUntilWritten();
                 return !told.empty();
             }));
+        WaitUntilWritten();  // for what the log tells with it
         EXPECT_EQ(heard + static_cast<int>(dropped), records);
         EXPECT_EQ(told.size(), 1u);
         EXPECT_NE(told.front().find(": " + std::to_string(dropped) + ","), std::string::npos) << told.front();
@@ -356,6 +361,8 @@ TEST(nxLogManager, DevicesThatWriteAtOnceFromInsideDoNotWaitForEachOther)
 
 TEST(nxLogManager, UnregisteringWaitsForARound)
 {
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
+        return;
     const nxLogLineStyle textAlone{nxLogLineStyle::LevelAndText, false};
     LineDevice slow(textAlone), quick(textAlone);
     slow.delay = std::chrono::milliseconds(100);
@@ -406,6 +413,8 @@ TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
 
 TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)
 {
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
+        return;
     Device device;
     WaitUntilWritten();
     Manager().SetTimeBetweenFlushes(3600);
@@ -487,7 +496,7 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
 
 TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
 {
-    if (!nxInNewProcess())  // where no other test's loss is told in the middle
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
         return;
     LineDevice full({nxLogLineStyle::Full, true});
     LineDevice brief({nxLogLineStyle::LevelAndText, false});

@@ -45,6 +45,12 @@ TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
     ASSERT_EQ(records.size(), 1U) << "one for all of them\n" << log;
     EXPECT_EQ(records[0].level, NX_LOG_LEVEL_ERROR);
     EXPECT_NE(records[0].text.find("'open' excludes nobody. Error 28: "), std::string::npos) << log;
+    for (unsigned skip = 0; skip < 3; ++skip)
+    {
+        const nxSystemCallFault fault("fcntl", ENOLCK, {.skip = skip});
+        EXPECT_TRUE(nxWindowsMutex("lock").IsNull() || skip == 2) << "the last call is the unlocking";
+        EXPECT_EQ(fault.GetHits(), 1U);
+    }
     std::size_t made = 0;
     const nxSystemCallFault full("posix_fallocate", ENOSPC, {.times = 1000});
     while (made < 1000 && !nxWindowsSemaphore(std::to_string(made), 1, 1).IsNull())
