@@ -1,24 +1,9 @@
 // Memory that runs out at the first, the second, ... every allocation of an operation: nothing crashes, nothing but
 // std::bad_alloc comes out, and afterwards everything works as before.
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <cerrno>
-#include <chrono>
-#include <deque>
-#include <functional>
-#include <map>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
-#include "tests/support/nxChildProcess.h"
-#include "tests/support/nxFunctionLogDevice.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -42,6 +27,17 @@ public:
 
 private:
     std::string _className;
+};
+
+// Allocations can be made to fail where the program's own operators new are in use.
+class nxAllocationFault : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!nxAllocations::areCounted)
+            GTEST_SKIP() << "this sanitizer's operators new are in the way";
+    }
 };
 
 // Registers with the first, the second, ... allocation failing until none does. @return what the last attempt returned.
@@ -68,10 +64,8 @@ bool RegisterAtLast(const Attempt& attempt)
 }  // namespace
 
 // Enough values for every table to grow.
-TEST(nxAllocationFault, WhatCouldNotBeRegisteredCanBeRegisteredAgain)
+TEST_F(nxAllocationFault, WhatCouldNotBeRegisteredCanBeRegisteredAgain)
 {
-    if (!nxAllocations::areCounted)
-        GTEST_SKIP() << "this sanitizer's operators new are in the way";
     for (unsigned value = 5000001; value < 5003000; ++value)
     {
         const std::string text = "A_NAME_TOO_LONG_FOR_A_SMALL_BUFFER_" + std::to_string(value);
@@ -90,10 +84,8 @@ TEST(nxAllocationFault, WhatCouldNotBeRegisteredCanBeRegisteredAgain)
     }
 }
 
-TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
+TEST_F(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
-    if (!nxAllocations::areCounted)
-        GTEST_SKIP() << "this sanitizer's operators new are in the way";
     const std::string longText(200, '7'), camel = "aLongNameInCamelCaseThatNeedsMoreThanASmallBuffer";
     std::string csv = "name,band,upper_bound,increment\n";
     for (int i = 1; i <= 8; ++i)
@@ -101,44 +93,32 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
     static char program[] = "program", option[] = "-option", value[] = "value";
     static char* arguments[] = {program, option, value, nullptr};
 
+    const auto valuesAndTexts = [&]
+    {
+        std::string text = nxDecimal(longText, '.').GetAsString('.') + nxDecimal(5, 200).GetAsLogString('.');
+        text += nxStringHelper::GetUppercaseAndUnderscoreFormatted(camel);
+        nxStringHelper::Replace(text, "_", "______");
+        nxStringHelper::PadLeft(text, 1'000, ' ');
+        text += nxStringHelper::GetAsString(1e300) + nxStringHelper::GetAsString(2.5);
+        std::deque<std::string> fields;
+        nxStringParser::ExtractAllSubstrings(camel + "," + longText + "," + camel, fields, true, ',');
+        nxErrorEnum error;
+        const bool isKnown = error.SetFromString("NX_ERR_SECURITY_GIVE_NOTICE_USER_NODE_ACTIVE_CHILDREN");
+        text += fields.back() + (isKnown ? error.GetLongDescription() + error.GetClassName() : "");
+        std::string hex;
+        nxAlgorithm::GetAsHex(std::vector<unsigned char>(100, 0xAB), hex);
+        return text + hex + nxProductStateBitMask(0x3FFFFFFFu).GetLongDescription("; ") +
+               nxVersionNumber::GetInstance().GetVersionNumber() +
+               nxVariableTickTableContainer::GetVariableTickTableID("TAIFEX_EQUITY_OPTIONS") +
+               nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)).GetAsString() + nxTimeStamp(0, 0).GetAsString();
+    };
     // Each gives a text that tells whether it did its work.
     const struct
     {
         const char* name;
         std::function<std::string()> run;
     } scenarios[] = {
-        {"decimal", [&] { return nxDecimal(longText, '.').GetAsString('.') + nxDecimal(5, 200).GetAsLogString('.'); }},
-        {"string helper",
-         [&]
-         {
-             std::string text = nxStringHelper::GetUppercaseAndUnderscoreFormatted(camel);
-             nxStringHelper::Replace(text, "_", "______");
-             nxStringHelper::PadLeft(text, 300, ' ');
-             return text + nxStringHelper::GetAsString(1e300) + nxStringHelper::GetAsString(2.5);
-         }},
-        {"string parser",
-         [&]
-         {
-             std::deque<std::string> fields;
-             nxStringParser::ExtractAllSubstrings(camel + "," + longText + "," + camel, fields, true, ',');
-             return fields.back();
-         }},
-        {"enumeration",
-         []
-         {
-             nxErrorEnum error;
-             const std::string identifier = "NX_ERR_SECURITY_GIVE_NOTICE_USER_NODE_ACTIVE_CHILDREN";
-             return error.SetFromString(identifier) ? error.GetLongDescription() + error.GetClassName() : "";
-         }},
-        {"mask", [] { return nxProductStateBitMask(0x3FFFFFFFu).GetLongDescription("; "); }},
-        {"hex",
-         []
-         {
-             std::string text;
-             nxAlgorithm::GetAsHex(std::vector<unsigned char>(100, 0xAB), text);
-             return text;
-         }},
-        {"version", [] { return nxVersionNumber::GetInstance().GetVersionNumber(); }},
+        {"values and texts", valuesAndTexts},
         {"custom tick table",
          [&]
          {
@@ -147,7 +127,6 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              return nxCustomVariableTickTable::ReadText(csv, tables, reason).IsOK() ? std::to_string(tables.size())
                                                                                     : reason;
          }},
-        {"catalogue", [&] { return nxVariableTickTableContainer::GetVariableTickTableID("TAIFEX_EQUITY_OPTIONS"); }},
         {"command line",
          [&]
          {
@@ -157,8 +136,6 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
              options.GetArgs(all);
              return options.GetArgValue("option") + std::to_string(all.size()) + options.GetEnvValue("NOT_SET");
          }},
-        {"date", [] { return nxDateTime(nxDate(2024, 3, 5), nxTime(9, 7, 3)).GetAsString(); }},
-        {"time stamp", [] { return nxTimeStamp(0, 0).GetAsString(); }},
         {"named object",
          [&]
          {
@@ -178,7 +155,7 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
          {
              nxLog record(NX_LOG_LEVEL_INFO, "application/file", 1, nxTimeStamp());
              record << longText << longText << NX_ERR_NOT_FOUND;
-             nxLogManager::GetInstance().Write(record);
+             Manager().Write(record);
              return std::string("logged");
          }},
     };
@@ -209,37 +186,32 @@ TEST(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
     EXPECT_GT(faults, 50) << "allocations of the library do not come here";
 }
 
-// The device stands in the list, marked, as long as there is no memory for a list without it.
-TEST(nxAllocationFault, ADeviceThatWasUnregisteredWithoutMemoryCanBeRegisteredAgain)
+// The device stays in the list, marked, as long as there is no memory for a list without it.
+TEST_F(nxAllocationFault, ADeviceThatWasUnregisteredWithoutMemoryCanBeRegisteredAgain)
 {
-    if (!nxAllocations::areCounted)
-        GTEST_SKIP() << "this sanitizer's operators new are in the way";
     nxLogManager& manager = nxLogManager::GetInstance();
     nxFunctionLogDevice device;
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     const int writes = device.writes;
     const nxLogStatistics before = manager.GetStatistics();
     nxAllocations::remaining = 0;
     manager.UnregisterLogDevice(&device);
     nxAllocations::remaining = -1;
-    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "unheard";
+    WaitUntilWritten();
     EXPECT_EQ(manager.GetStatistics().written, before.written);
     EXPECT_EQ(manager.GetStatistics().unheard, before.unheard + 1);
     manager.RegisterLogDevice(&device);
     NX_LOG(NX_LOG_LEVEL_INFO) << "to the device";
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     EXPECT_EQ(device.writes, writes + 1);
 }
 
 // No thread can be started: one that waits has to write by itself and has no memory for it, until another one has some.
-TEST(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
+TEST_F(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
 {
-    if (!nxAllocations::areCounted)
-        GTEST_SKIP() << "this sanitizer's operators new are in the way";
     if (!nxInNewProcess())
         return;
-    nxLogManager& manager = nxLogManager::GetInstance();
     std::atomic<bool> waits{false};
     std::jthread other(
         [&waits]
@@ -254,7 +226,7 @@ TEST(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
     nxAllocations::remaining = 0;
     waits = true;
     waits.notify_all();
-    manager.WaitForWriteThreadToWriteQueueToDisk(60.0);
+    WaitUntilWritten();
     nxAllocations::remaining = -1;
     EXPECT_GE(device.writes, 1);
 }

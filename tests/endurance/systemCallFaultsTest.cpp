@@ -4,28 +4,13 @@
 //
 // Every fault has a process of its own. NX_TEST_FAULTS sets how many there are (300), NX_TEST_SEED which errors they are.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <atomic>
-#include <cerrno>
-#include <chrono>
 #include <climits>
-#include <cstdio>
 #include <ctime>
-#include <map>
-#include <memory>
-#include <random>
-#include <set>
-#include <string>
-#include <utility>
 
 #include "core/nxCore.h"
 #include "tests/support/nxPrivateMemory.h"
 #include "tests/support/nxRandomTest.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 
 // Under the thread sanitizer a process with threads would take a second to end, which is most of the time here.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options() { return "atexit_sleep_ms=0"; }
@@ -49,7 +34,7 @@ void LogLines(int first, int count)
     }
 }
 
-// How often each number stands in the log files below the working directory.
+// How often each number is in the log files below the working directory.
 std::map<int, int> LinesInFiles()
 {
     std::map<int, int> found;
@@ -73,7 +58,7 @@ std::map<int, int> LinesInFiles()
 // a system call fails, when it may make of that what it likes as long as it comes back, and afterwards, when everything
 // works.
 
-// The log file: made with all its directories, begun anew by size and by request, written at once and later.
+// The log file: made with all its directories, started again by size and by request, written at once and later.
 void LogFile(bool fails)
 {
     nxLogManager& manager = nxLogManager::GetInstance();
@@ -109,7 +94,7 @@ void LogManager(bool fails)
     const bool created = nxFileLogDevice::GetInstance().Create(nxValueWrapper<unsigned long long>());
     EXPECT_TRUE(created || fails);
     LogLines(fails ? 0 : 1'000, fails ? LinesWhileFailing : 1);
-    nxLogManager::GetInstance().Destroy();
+    Manager().Destroy();
     EXPECT_TRUE(fails || LinesInFiles().count(1'000) == 1);
 }
 
@@ -140,58 +125,6 @@ void NamedObjects(bool fails, Counts... counts)
         EXPECT_FALSE(made.IsNull()) << name;
         TakeAndGive(made);
     }
-}
-
-void Threads(bool fails)
-{
-    class Worker : public nxThread
-    {
-        nxErrorEnum Run() override { return nxErrorEnum(); }
-    };
-    static Worker worker;
-    EXPECT_EQ(worker.Wait(), NX_ERR_THR_NOT_RUNNING);
-    const bool created = worker.Create().IsOK();
-    EXPECT_TRUE(created || fails);
-    EXPECT_EQ(worker.Wait(), created ? NX_ENUM_UNDEFINED : NX_ERR_THR_NOT_RUNNING);
-}
-
-void SharedLocks(bool fails)
-{
-    static nxMutex mutex;
-    static nxConditionRaw condition;
-    static nxSemaphore semaphore(1);
-    EXPECT_TRUE(mutex.InitialiseAsShared(true).IsOK() || fails);
-    EXPECT_TRUE(condition.InitialiseAsShared().IsOK() || fails);
-    EXPECT_TRUE(semaphore.InitialiseAsShared(1).IsOK() || fails);
-    EXPECT_TRUE(semaphore.TryWait().IsOK() || fails);
-    nxThreadSpecificMemoryBuffer(64).GrowBuffer();
-}
-
-void CommandLine(bool fails)
-{
-    static char program[] = "program", option[] = "-price", value[] = "12.50", setting[] = "NX_SET=yes";
-    static char* arguments[] = {program, option, value, nullptr};
-    static char* environment[] = {setting, nullptr};
-    nxCmdLineArgs& options = nxCmdLineArgs::GetInstance();
-    if (fails)
-    {
-        options.Initialise(arguments, environment);
-        options.SetEnvValue("NX_SET_WHILE_FAILING", "yes");
-        options.Dump(NX_LOG_LEVEL_INFO);
-        return;
-    }
-    EXPECT_EQ(options.GetArgValue("price"), "12.50");
-    EXPECT_EQ(options.GetEnvValue("NX_SET"), "yes");
-    EXPECT_TRUE(options.SetEnvValue("NX_SET", "again"));
-    EXPECT_EQ(options.GetEnvValue("NX_SET"), "again");
-}
-
-void Application(bool)
-{
-    nxApplicationData::SetApplicationName("faults");
-    EXPECT_NE(nxApplicationData::GetHostName(), "");
-    EXPECT_NE(nxApplicationData::GetIPAddress(), "");
-    EXPECT_TRUE(nxApplicationData::GetStartTime().IsValid());
 }
 
 void TickTableFile(bool fails)
@@ -232,10 +165,6 @@ const struct
     {"log manager", LogManager},
     {"named mutex", [](bool fails) { NamedObjects<nxWindowsMutex>(fails); }},
     {"named semaphore", [](bool fails) { NamedObjects<nxWindowsSemaphore>(fails, 1U, 1U); }},
-    {"threads", Threads},
-    {"shared locks", SharedLocks},
-    {"command line", CommandLine},
-    {"application", Application},
     {"tick table file", TickTableFile},
     {"time", Time},
 };

@@ -1,26 +1,10 @@
 #include "core/log/nxConsoleLogDevice.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/socket.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <thread>
-
 #include "core/log/nxFileLogDevice.h"
-#include "core/log/nxLog.h"
-#include "core/log/nxLogMacros.h"
-#include "core/log/nxLogManager.h"
 #include "core/log/nxLogSetUp.h"
-#include "tests/support/nxChildProcess.h"
-#include "tests/support/nxRedirected.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
-#include "tests/support/nxZoneOfProcess.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -146,7 +130,7 @@ TEST(nxConsoleLogDevice, EndsALineThatItBeganAndWaitsForASlowReader)
 {
     const OutputPipe output;
     nxConsoleLogDevice device;
-    // Longer than the pipe, and nobody reads.
+    // Longer than the pipe, which has no reader.
     const std::string longLine(5'000, 'x');
     WriteBatch(device, longLine + "\nlost\nlost\n");
     EXPECT_EQ(device.GetLostLines(), 2U);
@@ -185,11 +169,11 @@ TEST(nxConsoleLogDevice, IsNotHeldUpByAConsoleThatTakesNothingAndHoldsUpNoFile)
         fcntl(STDOUT_FILENO, F_SETFL, 0);  // as programs are given one
         NX_LOG(NX_LOG_LEVEL_ERROR) << "early";
         nxLogSetUp();
-        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0);
+        WaitUntilWritten();
         taken = output.Take();
         for (std::size_t i = 0; i < lines; ++i)
             NX_LOG(NX_LOG_LEVEL_WARNING) << "line " << i;
-        nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0);
+        WaitUntilWritten();
         file = nxReadFile(nxFileLogDevice::GetInstance().GetFileName());
     }
     EXPECT_NE(taken.find("] early ["), std::string::npos);
@@ -199,7 +183,7 @@ TEST(nxConsoleLogDevice, IsNotHeldUpByAConsoleThatTakesNothingAndHoldsUpNoFile)
     nxFileLogDevice::GetInstance().Destroy();
 }
 
-TEST(nxConsoleLogDevice, LosesWholeLinesOfAPipeThatNobodyReads)
+TEST(nxConsoleLogDevice, LosesWholeLinesOfAPipeWithoutAReader)
 {
     // Where the pipe cannot be opened once more in a mode of its own, it is asked before each piece.
     for (const unsigned refusals : {0U, 9U})
@@ -241,11 +225,13 @@ TEST(nxConsoleLogDevice, LeavesAloneWhatIsNoStandardOutput)
     WriteBatch(device, "one\n");
     close(STDOUT_FILENO);
     WriteBatch(device, "two\n");
-    EXPECT_EQ(open((directory.GetPath() / "orders").c_str(), O_RDWR | O_CREAT, 0600), STDOUT_FILENO);
+    const int orders = open((directory.GetPath() / "orders").c_str(), O_RDWR | O_CREAT, 0600);
+    dup2(orders, STDOUT_FILENO);
     WriteBatch(device, "three\n");
     dup2(before, STDOUT_FILENO);
-    for (const int descriptor : {before, pair[0]})
-        close(descriptor);
+    for (const int descriptor : {before, pair[0], orders})
+        if (descriptor != STDOUT_FILENO)
+            close(descriptor);
     char byte;
     EXPECT_EQ(read(pair[1], &byte, 1), 0);
     close(pair[1]);

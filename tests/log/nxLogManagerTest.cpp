@@ -1,42 +1,14 @@
 #include "core/log/nxLogManager.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <atomic>
 #include <barrier>
-#include <cerrno>
-#include <chrono>
 #include <cmath>
-#include <limits>
-#include <map>
-#include <memory>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
-#include "core/log/nxLogMacros.h"
-#include "core/testing/nxCapturingLogDevice.h"
-#include "tests/support/nxChildProcess.h"
-#include "tests/support/nxFunctionLogDevice.h"
-#include "tests/support/nxGate.h"
-#include "tests/support/nxRedirected.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
-#include "tests/support/nxTestThreads.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
-constexpr double patience = 60;  // seconds; nothing below takes so long unless it hangs
-
-nxLogManager& Manager() { return nxLogManager::GetInstance(); }
-
-void WaitUntilWritten() { Manager().WaitForWriteThreadToWriteQueueToDisk(patience); }
-
 nxLog MakeRecord(const std::string& text, const nxLogLevelEnum& level = NX_LOG_LEVEL_INFO)
 {
     nxLog record(level, "core/trunk/nxLogManagerTest", 1, nxTimeStamp::Now());
@@ -45,13 +17,16 @@ nxLog MakeRecord(const std::string& text, const nxLogLevelEnum& level = NX_LOG_L
 }
 
 using Device = nxFunctionLogDevice;
-
 using Gate = nxGate;
 
 /// As little room in the queue as there can be, for the length of a test.
 struct SmallQueue
 {
-    SmallQueue() { Manager().SetMaximumQueueBytes(1 << 20); }
+    explicit SmallQueue(bool isSmall = true)
+    {
+        if (isSmall)
+            Manager().SetMaximumQueueBytes(1 << 20);
+    }
     ~SmallQueue() { Manager().SetMaximumQueueBytes(std::uint64_t{64} << 20); }
 };
 
@@ -65,7 +40,7 @@ public:
     }
     ~LineDevice() override { Manager().UnregisterLogDevice(this); }
 
-    void Write(const nxLog& record) override { nxLogLine::Append(immediate, record, style); }
+    void Write(const nxLog&) override {}
     void Flush() override {}
     void Destroy() override {}
 
@@ -85,45 +60,59 @@ public:
     nxLogLineStyle style;
     std::chrono::milliseconds delay{0};
     std::string text;
-    std::string immediate;
     nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
     std::vector<long long> batches;
     std::size_t largest = 0;
 };
 }  // namespace
 
-TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThread)
+TEST(nxLogManager, LosesNothingAndKeepsTheOrderOfEachThreadHoweverSlowTheDevice)
 {
     constexpr int threads = 4;
     constexpr int records = 20'000;
-    std::map<std::string, int> next;
-    int faults = 0;
-    Device device(
-        [&](const nxLog& record)
-        {
-            const std::string text = record.GetText();
-            const std::size_t blank = text.find(' ');
-            if (text.compare(0, 2, "t:") == 0)
-                faults += next[text.substr(0, blank)]++ != std::stoi(text.substr(blank));
-        });
-    nxInThreads(threads,
-                [](int index)
-                {
-                    for (int number = 0; number < records; ++number)
-                        if (number % 100 != 99)
-                            NX_LOG(NX_LOG_LEVEL_INFO) << "t:" << index << " " << number;
-                        else
-                        {
-                            nxLog record = MakeRecord("t:");
-                            record << index << " " << number;
-                            Manager().Write(record);
-                        }
-                });
-    WaitUntilWritten();
-    EXPECT_EQ(faults, 0);
-    EXPECT_EQ(next.size(), static_cast<std::size_t>(threads));
-    for (const auto& [thread, count] : next)
-        EXPECT_EQ(count, records) << thread;
+    for (const bool isSlow : {false, true})
+    {
+        SCOPED_TRACE(isSlow);
+        const SmallQueue small(isSlow);
+        const nxLogStatistics before = Manager().GetStatistics();
+        std::map<std::string, int> next;
+        int faults = 0;
+        std::atomic<std::uint64_t> told{0};  // how many callers waited, up to a second later
+        Device device(
+            [&](const nxLog& record)
+            {
+                const std::string text = record.GetText();
+                const std::size_t blank = text.find(' ');
+                if (text.starts_with("t:"))
+                    faults += next[text.substr(0, blank)]++ != std::stoi(text.substr(blank));
+                if (text.starts_with("Callers that waited"))
+                    told += std::stoull(text.substr(text.rfind(' ') + 1));
+                if (isSlow && Manager().GetStatistics().waits == before.waits)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            });
+        nxInThreads(threads,
+                    [](int index)
+                    {
+                        for (int number = 0; number < records; ++number)
+                            if (number % 100 != 99)
+                                NX_LOG(NX_LOG_LEVEL_INFO) << "t:" << index << " " << number;
+                            else
+                            {
+                                nxLog record = MakeRecord("t:");
+                                record << index << " " << number;
+                                Manager().Write(record);
+                            }
+                    });
+        WaitUntilWritten();
+        EXPECT_EQ(faults, 0);
+        EXPECT_EQ(next.size(), static_cast<std::size_t>(threads));
+        for (const auto& [thread, count] : next)
+            EXPECT_EQ(count, records) << thread;
+        EXPECT_EQ(Manager().GetStatistics().dropped, before.dropped);
+        const std::uint64_t waits = Manager().GetStatistics().waits - before.waits;
+        EXPECT_TRUE(!isSlow || waits > 0) << "callers wait for a slow device";
+        EXPECT_TRUE(nxEventually([&] { return told >= waits; }));
+    }
 }
 
 TEST(nxLogManager, PutsWhatHappenedLaterOnAnotherThreadLater)
@@ -150,7 +139,7 @@ TEST(nxLogManager, PutsWhatHappenedLaterOnAnotherThreadLater)
     WaitUntilWritten();
     ASSERT_EQ(seen.size(), static_cast<std::size_t>(rounds));
     const auto fault = std::is_sorted_until(seen.begin(), seen.end());
-    EXPECT_EQ(fault - seen.begin(), rounds) << "there stands " << *fault << " behind " << *(fault - 1);
+    EXPECT_EQ(fault - seen.begin(), rounds) << *fault << " comes after " << *(fault - 1);
 }
 
 TEST(nxLogManager, CarriesRecordsOfEverySizeOnce)
@@ -167,6 +156,8 @@ TEST(nxLogManager, CarriesRecordsOfEverySizeOnce)
     Device device(
         [&](const nxLog& record)
         {
+            if (record.GetSourceFile() == std::string("core/trunk/nxLogManager"))
+                return;  // the log tells of another test's waits
             const std::string text = record.GetText();
             seen.push_back(text.size());
             faults += text.find_first_not_of(text.empty() ? 'a' : text[0]) != std::string::npos;
@@ -197,64 +188,54 @@ TEST(nxLogManager, CarriesRecordsOfEverySizeOnce)
     EXPECT_EQ(seen, (std::vector<std::size_t>{1'048'576 + std::string("... [cut]").size(), 4, 0}));
 }
 
+// What one thread writes without end, and what threads that come and go take, is bounded, and what is lost is counted.
 TEST(nxLogManager, DropsAndCountsOnceADeviceHasStalled)
 {
     const SmallQueue small;
-    const std::uint64_t droppedBefore = Manager().GetStatistics().dropped;
-    constexpr int records = 40'000;
-    Gate gate;
-    int heard = 0;
-    std::vector<std::string> told;
-    Device device(
-        [&](const nxLog& record)
+    for (const bool isOneThread : {true, false})
+    {
+        SCOPED_TRACE(isOneThread);
+        const int records = isOneThread ? 40'000 : 8'000;
+        const std::uint64_t droppedBefore = Manager().GetStatistics().dropped;
+        Gate gate;
+        int heard = 0;
+        std::vector<std::string> told;
+        Device device(
+            [&](const nxLog& record)
+            {
+                gate.Pass();
+                const std::string text = record.GetText();
+                heard += text.starts_with("flood ");
+                if (text.starts_with("Log records dropped"))
+                    told.push_back(text);
+            });
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "first";
+        gate.WaitForAThread();
+        for (int number = 0; number < records; ++number)
         {
-            gate.Pass();
-            const std::string text = record.GetText();
-            heard += text.compare(0, 6, "flood ") == 0;
-            if (text.find("dropped") != std::string::npos)
-                told.push_back(text);
-        });
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "first";
-    gate.WaitForSomebody();
-    for (int number = 0; number < records; ++number)
-        NX_LOG(NX_LOG_LEVEL_INFO) << "flood " << number << " of text that takes some room";
-    const std::uint64_t dropped = Manager().GetStatistics().dropped - droppedBefore;
-    EXPECT_GT(dropped, 0u);
-    EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{2} << 20);
-    EXPECT_FALSE(Manager().GetLogEntriesQueue().empty());
+            const auto log = [&]
+            { NX_LOG(NX_LOG_LEVEL_INFO) << "flood " << number << " of text that takes some room"; };
+            isOneThread ? log() : std::thread(log).join();
+        }
+        const nxLogStatistics statistics = Manager().GetStatistics();
+        const std::uint64_t dropped = statistics.dropped - droppedBefore;
+        EXPECT_GT(dropped, 0u);
+        EXPECT_LE(statistics.bytes, std::uint64_t{isOneThread ? 2u : 64u} << 20);
+        EXPECT_FALSE(Manager().GetLogEntriesQueue().empty());
 
-    gate.Open();
-    WaitUntilWritten();
-    WaitUntilWritten();  // the record that tells comes after the others
-    EXPECT_EQ(heard + static_cast<int>(dropped), records);
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_NE(told[0].find(": " + std::to_string(dropped) + ","), std::string::npos) << told[0];
-    EXPECT_EQ(Manager().GetStatistics().dropped - droppedBefore, dropped);
-}
-
-TEST(nxLogManager, LetsCallersWaitForADeviceThatIsSlow)
-{
-    const SmallQueue small;
-    const nxLogStatistics before = Manager().GetStatistics();
-    constexpr int threads = 2;
-    constexpr int records = 20'000;
-    std::atomic<int> heard{0};
-    Device device(
-        [&](const nxLog& record)
-        {
-            if (record.GetText().compare(0, 5, "slow ") == 0 && ++heard % 400 == 0)
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        });
-    nxInThreads(threads,
-                []
-                {
-                    for (int number = 0; number < records; ++number)
-                        NX_LOG(NX_LOG_LEVEL_INFO) << "slow " << number << std::string(200, '.');
-                });
-    WaitUntilWritten();
-    EXPECT_EQ(heard, threads * records);
-    EXPECT_EQ(Manager().GetStatistics().dropped, before.dropped);
-    EXPECT_GT(Manager().GetStatistics().waits, before.waits);
+        gate.Open();
+        EXPECT_TRUE(nxEventually(
+            [&]
+            {
+                WaitUntilWritten();
+                return !told.empty();
+            }));
+        WaitUntilWritten();  // for what the log tells with it
+        EXPECT_EQ(heard + static_cast<int>(dropped), records);
+        EXPECT_EQ(told.size(), 1u);
+        EXPECT_NE(told.front().find(": " + std::to_string(dropped) + ","), std::string::npos) << told.front();
+        EXPECT_EQ(Manager().GetStatistics().dropped - droppedBefore, dropped);
+    }
 }
 
 // A record too large for a ring needs room of its own, whatever idle rings hold all that the bound allows.
@@ -339,39 +320,21 @@ TEST(nxLogManager, LetsDevicesLogAndLeave)
     EXPECT_EQ(throwing.writes, 2);
 }
 
-TEST(nxLogManager, WaitsForADeviceThatIsUnregisteredAndOtherwiseAsLongAsItIsAskedTo)
+TEST(nxLogManager, WaitsAsLongAsItIsAskedTo)
 {
     Gate gate;
-    std::atomic<bool> inside{false};
-    auto device = std::make_unique<Device>(
-        [&](const nxLog&)
-        {
-            inside = true;
-            gate.Pass();
-            inside = false;
-        });
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
-    gate.WaitForSomebody();
-    for (const double seconds : {std::nan(""), -1.0, 0.0, -std::numeric_limits<double>::infinity(), 0.01})
-        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(seconds));
-    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNullInstance());
-    Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNoChangeInstance());
-    EXPECT_EQ(Manager().GetLogEntriesQueue().size(), 1u);
-
-    std::atomic<bool> unregistered{false};
-    std::jthread remover(
-        [&]
-        {
-            Manager().UnregisterLogDevice(device.get());
-            EXPECT_FALSE(inside);
-            unregistered = true;
-        });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    EXPECT_FALSE(unregistered);
-    gate.Open();
-    remover.join();
-    device.reset();
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "to nobody";
+    {
+        const Device device([&](const nxLog&) { gate.Pass(); });
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "hold";
+        gate.WaitForAThread();
+        for (const double seconds : {std::nan(""), -1.0, 0.0, -std::numeric_limits<double>::infinity(), 0.01})
+            Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(seconds));
+        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNullInstance());
+        Manager().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper::GetNoChangeInstance());
+        EXPECT_EQ(Manager().GetLogEntriesQueue().size(), 1u);
+        gate.Open();
+    }
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "unheard";
     Manager().WaitForWriteThreadToWriteQueueToDisk(std::numeric_limits<double>::infinity());
     EXPECT_TRUE(Manager().GetLogEntriesQueue().empty());
 }
@@ -396,61 +359,18 @@ TEST(nxLogManager, DevicesThatWriteAtOnceFromInsideDoNotWaitForEachOther)
     EXPECT_GE(second.writes, 10);
 }
 
-TEST(nxLogManager, UnregisteringWaitsForARoundAndForWhoeverIsInside)
+TEST(nxLogManager, UnregisteringWaitsForARound)
 {
-    {
-        const nxLogLineStyle textAlone{nxLogLineStyle::LevelAndText, false};
-        LineDevice slow(textAlone), quick(textAlone);
-        slow.delay = std::chrono::milliseconds(100);
-        for (int count = 0; count < 256; ++count)
-            NX_LOG(NX_LOG_LEVEL_INFO) << count;
-        EXPECT_TRUE(nxEventually([] { return Manager().GetLogEntriesQueue().empty(); }));
-        Manager().UnregisterLogDevice(&quick);
-        EXPECT_EQ(std::count(quick.text.begin(), quick.text.end(), '\n'), 256) << "queued before the call";
-    }
-    std::atomic<bool> hasLeft{false};
-    Gate gate;
-    std::unique_ptr<Device> device;
-    device = std::make_unique<Device>(
-        [&](const nxLog&)
-        {
-            Manager().UnregisterLogDevice(device.get());
-            gate.Pass();
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            hasLeft = true;
-        });
-    NX_LOG(NX_LOG_LEVEL_INFO) << "leave";
-    gate.WaitForSomebody();
-    gate.Open();
-    device.reset();
-    EXPECT_TRUE(hasLeft) << "its owner has taken it down while a thread was inside";
-}
-
-TEST(nxLogManager, AStuckDeviceDoesNotLetThreadsThatComeAndGoTakeAllMemory)
-{
-    const SmallQueue small;
-    const std::uint64_t dropped = Manager().GetStatistics().dropped;
-    Gate gate;
-    std::uint64_t seen = 0;
-    std::atomic<bool> isTold{false};
-    Device device(
-        [&](const nxLog& record)
-        {
-            gate.Pass();
-            seen += record.GetText() == "one";
-            isTold = isTold || record.GetText().starts_with("Log records dropped");
-        });
-    NX_LOG(NX_LOG_LEVEL_INFO) << "stuck";
-    gate.WaitForSomebody();
-    for (int count = 0; count < 8'000; ++count)
-        std::thread([] { NX_LOG(NX_LOG_LEVEL_INFO) << "one"; }).join();
-    const nxLogStatistics statistics = Manager().GetStatistics();
-    EXPECT_LT(statistics.bytes, std::uint64_t{64} << 20);
-    EXPECT_GT(statistics.dropped, dropped);
-    gate.Open();
-    WaitUntilWritten();
-    EXPECT_EQ(seen + statistics.dropped - dropped, 8'000U);
-    EXPECT_TRUE(nxEventually([&] { return isTold.load(); })) << "not in the middle of another test";
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
+        return;
+    const nxLogLineStyle textAlone{nxLogLineStyle::LevelAndText, false};
+    LineDevice slow(textAlone), quick(textAlone);
+    slow.delay = std::chrono::milliseconds(100);
+    for (int count = 0; count < 256; ++count)
+        NX_LOG(NX_LOG_LEVEL_INFO) << count;
+    EXPECT_TRUE(nxEventually([] { return Manager().GetLogEntriesQueue().empty(); }));
+    Manager().UnregisterLogDevice(&quick);
+    EXPECT_EQ(std::count(quick.text.begin(), quick.text.end(), '\n'), 256) << "queued before the call";
 }
 
 TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
@@ -486,62 +406,50 @@ TEST(nxLogManager, TakesEachDeviceOnceAndCallsItBySeveralThreadsInTurn)
     EXPECT_EQ(most, 1);
     Manager().UnregisterAllLogDevices();
     const int writes = device.writes;
-    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
+    NX_LOG(NX_LOG_LEVEL_INFO) << "unheard";
     WaitUntilWritten();
     EXPECT_EQ(device.writes, writes);
 }
 
 TEST(nxLogManager, FlushesAfterAWarningAndWhenTheTimeHasCome)
 {
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
+        return;
     Device device;
     WaitUntilWritten();
     Manager().SetTimeBetweenFlushes(3600);
     device.flushes = 0;
-    const auto flushedAfter = [&device](const auto& report)
-    {
-        const int writes = device.writes;
-        const int flushes = device.flushes;
-        report();
-        EXPECT_TRUE(nxEventually([&] { return device.writes != writes; }));
-        // One more look of the writer.
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        return device.flushes != flushes;
-    };
-    EXPECT_FALSE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_INFO) << "can wait"; }));
-    EXPECT_TRUE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_WARNING) << "cannot wait"; }));
+    NX_LOG(NX_LOG_LEVEL_INFO) << "can wait";
+    EXPECT_TRUE(nxEventually([&] { return device.writes != 0; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));  // one more look of the writer
+    EXPECT_EQ(device.flushes, 0);
+    const auto isFlushed = [&] { return nxEventually([&] { return device.flushes.exchange(0) != 0; }); };
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "cannot wait";
+    EXPECT_TRUE(isFlushed());
     Manager().SetTimeBetweenFlushes(0);
-    EXPECT_TRUE(flushedAfter([] { NX_LOG(NX_LOG_LEVEL_INFO) << "never waits"; }));
+    NX_LOG(NX_LOG_LEVEL_INFO) << "never waits";
+    EXPECT_TRUE(isFlushed());
     Manager().SetTimeBetweenFlushes(1);
 }
 
-TEST(nxLogManager, StartsAnewAfterDestroy)
-{
-    Device device;
-    NX_LOG(NX_LOG_LEVEL_INFO) << "before";
-    Manager().Destroy();
-    EXPECT_EQ(device.writes, 1);
-    EXPECT_EQ(device.destroys, 1);
-    Manager().Destroy();
-    EXPECT_EQ(device.destroys, 1);
-    const std::uint64_t unheard = Manager().GetStatistics().unheard;
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "to nobody";
-    WaitUntilWritten();
-    EXPECT_EQ(Manager().GetStatistics().unheard, unheard + 1);
-    EXPECT_EQ(device.writes, 1);
-    Manager().RegisterLogDevice(&device);
-    NX_LOG(NX_LOG_LEVEL_INFO) << "after";
-    WaitUntilWritten();
-    EXPECT_EQ(device.writes, 2);
-}
-
-// Nobody asks for it by waiting: this thread has reported before, and its ring has room.
+// Nothing asks for it by waiting: this thread has reported before, and its ring has room.
 TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
 {
-    NX_LOG(NX_LOG_LEVEL_INFO) << "to nobody";
     const auto becomesOne = [](const std::atomic<int>& count) { return nxEventually([&] { return count >= 1; }); };
-    Manager().Destroy();
     {
         Device device;
+        NX_LOG(NX_LOG_LEVEL_INFO) << "before";
+        for (int round = 0; round < 2; ++round)
+            Manager().Destroy();
+        EXPECT_EQ(device.writes.exchange(0), 1);
+        EXPECT_EQ(device.destroys, 1);
+        const std::uint64_t unheard = Manager().GetStatistics().unheard;
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "unheard";
+        WaitUntilWritten();
+        EXPECT_EQ(Manager().GetStatistics().unheard, unheard + 1);
+        EXPECT_EQ(device.writes, 0);
+        Manager().Destroy();
+        Manager().RegisterLogDevice(&device);
         NX_LOG(NX_LOG_LEVEL_INFO) << "after";
         EXPECT_TRUE(becomesOne(device.writes));
     }
@@ -550,7 +458,7 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
         Gate gate;
         Device stuck([&](const nxLog&) { gate.Pass(); });
         NX_LOG(NX_LOG_LEVEL_INFO) << "stuck";
-        gate.WaitForSomebody();
+        gate.WaitForAThread();
         Manager().Destroy();
         Device device;
         gate.Open();
@@ -586,19 +494,10 @@ TEST(nxLogManager, StartsByItselfAfterDestroyAndAfterAStartThatFailed)
     }
 }
 
-// Without the lines in which the log tells, up to a second later, what another test made it lose.
-std::string WithoutReports(std::string lines)
-{
-    for (std::size_t at; (at = lines.find("queue was full")) != std::string::npos;)
-    {
-        const std::size_t begin = lines.rfind('\n', at) + 1;  // 0 when there is none
-        lines.erase(begin, lines.find('\n', at) + 1 - begin);
-    }
-    return lines;
-}
-
 TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
 {
+    if (!nxInNewProcess())  // where the log has no other test's loss to tell
+        return;
     LineDevice full({nxLogLineStyle::Full, true});
     LineDevice brief({nxLogLineStyle::LevelAndText, false});
     std::string expectedFull;
@@ -616,8 +515,8 @@ TEST(nxLogManager, GivesLineSinksFinishedLinesInTheirStyle)
         Manager().Write(record);
     }
     WaitUntilWritten();
-    EXPECT_TRUE(WithoutReports(full.text) == expectedFull);
-    EXPECT_TRUE(WithoutReports(brief.text) == expectedBrief);
+    EXPECT_TRUE(full.text == expectedFull);
+    EXPECT_TRUE(brief.text == expectedBrief);
     EXPECT_EQ(full.worstLevel, NX_LOG_LEVEL_ERROR);
     EXPECT_LE(full.largest, (std::size_t{1} << 20) + 200);
 
@@ -658,7 +557,7 @@ TEST(nxLogManager, HearsThreadsThatComeAndGoToTheirVeryEnd)
     EXPECT_LE(Manager().GetStatistics().bytes, std::uint64_t{65} << 20);
 }
 
-// A thread that reports from inside a device does not wait for room: its record is dropped. Behind some of them only a
+// A thread that reports from inside a device does not wait for room: its record is dropped. After some of them only a
 // jump to the start of the ring is left then.
 TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
 {
@@ -697,7 +596,7 @@ TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
     together.arrive_and_wait();
     WaitUntilWritten();
     NX_LOG(NX_LOG_LEVEL_INFO) << "hold";
-    gate.WaitForSomebody();
+    gate.WaitForAThread();
     NX_LOG(NX_LOG_LEVEL_INFO) << std::string(1'000'000, 'b');
     together.arrive_and_wait();
     EXPECT_TRUE(nxEventually([&] { return Manager().GetStatistics().dropped == before.dropped + threads; }));
@@ -731,7 +630,7 @@ TEST(nxLogManager, IdleThreadsLeaveTheQueueToTheBusyOnes)
                 });
 }
 
-// From the warning level on, by whoever reports it.
+// From the warning level on, by the thread that reports it.
 TEST(nxLogManager, WritesWarningsAndSaysSoOnceWhileItsThreadCannotBeStarted)
 {
     if (!nxInNewProcess())

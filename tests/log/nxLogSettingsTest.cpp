@@ -1,19 +1,9 @@
 #include "core/log/nxLogSettings.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
-
 #include "core/enum/nxRefusedTexts.h"
 #include "core/log/nxFileLogDevice.h"
-#include "core/log/nxLogManager.h"
 #include "core/log/nxLogSetUp.h"
-#include "core/testing/nxCapturingLogDevice.h"
-#include "tests/support/nxScratchDirectory.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -55,7 +45,7 @@ TEST(nxLogSettings, SettingUpTellsOnceWhatCouldNotBeRegistered)
         EXPECT_TRUE(nxLogSetUp());
     nxFileLogDevice::GetInstance().Destroy();
     unsetenv("QRX_LOG_DIRECTORY");
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(nxDoubleValueWrapper(60.0));
+    WaitUntilWritten();
     EXPECT_EQ(
         log.Count(nxCapturingLogDevice::HasLevel(NX_LOG_LEVEL_ERROR) && nxCapturingLogDevice::Contains("'SEVENTH'")),
         1U);

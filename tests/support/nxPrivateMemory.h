@@ -10,8 +10,8 @@
 
 #include "tests/support/nxChildProcess.h"
 
-/// An empty /dev/shm of this process's own, so that no other process's named objects are in it and planted files harm
-/// nobody.
+/// An empty /dev/shm of this process's own, so that no other process's named objects are in it and planted files do no
+/// harm.
 class nxPrivateMemory
 {
 public:

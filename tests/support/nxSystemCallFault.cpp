@@ -6,7 +6,6 @@
 #include <semaphore.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -50,7 +49,7 @@ enum class Style
     Errno
 };
 
-// One armed fault. Atomic, because a fault for any thread is read by threads that nobody synchronises with.
+// One armed fault. Atomic, because threads read a fault for any thread without synchronisation.
 struct Fault
 {
     std::atomic<bool> armed{false};

@@ -3,8 +3,8 @@
 
 /// Makes a function of the C library fail, for as long as the object lives.
 ///
-/// A test program that mentions this class contains functions of the same names as the C library's (the list stands in
-/// nxSystemCalls.inc). The loader binds everybody to them, the library under test included; they ask whether a fault is
+/// A test program that mentions this class contains functions of the same names as the C library's (listed in
+/// nxSystemCalls.inc). The loader binds all code to them, the library under test included; they ask whether a fault is
 /// armed and else pass the call on, to the sanitizer's version where there is one. The library itself knows nothing of
 /// this and pays nothing.
 /// @code
@@ -43,7 +43,7 @@ private:
     bool _anyThread;
 };
 
-/// Gives the calling thread a wall clock (CLOCK_REALTIME) that stands still, for as long as the object lives.
+/// Gives the calling thread a wall clock (CLOCK_REALTIME) that does not move, for as long as the object lives.
 class nxFixedWallClock
 {
 public:
@@ -55,7 +55,7 @@ public:
 };
 
 /// Gives the calling thread a clock (CLOCK_MONOTONIC) on which every reading takes some time, for as long as the object
-/// lives; without making anybody wait, or so that every clock makes everybody wait.
+/// lives; without waiting, or so that every reading of any clock waits.
 class nxHurriedClock
 {
 public:

@@ -1,20 +1,16 @@
-// Conditions, spin lock, reader-writer lock and barrier between threads.
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <chrono>
+// Mutexes, conditions, semaphores, spin lock, reader-writer lock and barrier between threads.
 
 #include "core/thread/nxBarrier.h"
 #include "core/thread/nxCondition.h"
 #include "core/thread/nxConditionMutex.h"
 #include "core/thread/nxConditionRaw.h"
+#include "core/thread/nxConditionalMutexGuard.h"
 #include "core/thread/nxMutexGuard.h"
 #include "core/thread/nxReaderWriterLockGuard_Read.h"
 #include "core/thread/nxReaderWriterLockGuard_Write.h"
+#include "core/thread/nxSemaphore.h"
 #include "core/thread/nxSpinLockGuard.h"
-#include "tests/support/nxSystemCallFault.h"
-#include "tests/support/nxTestThreads.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
@@ -27,11 +23,24 @@ nxErrorEnum InAnotherThread(Operation operation)
     return error;
 }
 
+// What another thread gets from `TryLock`; it gives the lock back.
+template <class Lock>
+nxErrorEnum TryFromAnotherThread(Lock& lock)
+{
+    return InAnotherThread(
+        [&]
+        {
+            const nxErrorEnum error = lock.TryLock();
+            return error.IsOK() ? lock.Unlock() : error;
+        });
+}
+
+// The system refuses one deadline in a thousand, exactly a second of nanoseconds; such a wait is made again.
 template <class Wait>
 nxErrorEnum UntilAccepted(Wait wait)
 {
     nxErrorEnum error = wait();
-    while (error == NX_ERR_UNSPECIFIED)
+    while (error == NX_ERR_UNSPECIFIED || error == NX_ERR_INVALID_PARAMETER)
         error = wait();
     return error;
 }
@@ -53,6 +62,9 @@ void ExpectMutualExclusion()
                 });
     EXPECT_EQ(count, 80'000);
 }
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constinit nxMutex usableBeforeMain;
 }  // namespace
 
 TEST(locks, GuardsExcludeEachOther)
@@ -62,70 +74,80 @@ TEST(locks, GuardsExcludeEachOther)
     ExpectMutualExclusion<nxReaderWriterLockGuard_Write, nxReaderWriterLock>();
 }
 
-TEST(nxConditionMutex, PassesEveryItemFromProducerToConsumers)
+TEST(nxMutex, ReportsMisuseInsteadOfHangingOrFreeing)
 {
-    constexpr int items = 2'000;
-    nxConditionMutex ready;
-    int queued = 0;
-    int taken = 0;
-    const auto produce = [&]
+    nxMutexGuard early(usableBeforeMain);
+    EXPECT_EQ(usableBeforeMain.Consistent(), NX_ERR_UNSPECIFIED) << "needs no repair";
+    if (nxUnderThreadSanitizer)
+        GTEST_SKIP() << "the sanitizer reports the misuse itself";
+    nxMutex mutex;
+    EXPECT_EQ(mutex.Unlock(), NX_ERR_THR_MISMATCH) << "never locked";
+    ASSERT_TRUE(mutex.Lock().IsOK());
+    EXPECT_EQ(mutex.Lock(), NX_ERR_UNSPECIFIED) << "held by this thread";
+    EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED);
+    EXPECT_EQ(InAnotherThread([&] { return mutex.Unlock(); }), NX_ERR_THR_MISMATCH);
+    EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "still held after a stranger's unlock";
+    EXPECT_TRUE(mutex.Unlock().IsOK());
+    EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+}
+
+TEST(nxMutex, RecursiveMutexNeedsAsManyUnlocks)
+{
+    nxMutex mutex(true);
+    ASSERT_TRUE(mutex.Lock().IsOK() && mutex.TryLock().IsOK());
+    for (const bool isLast : {false, true})
     {
-        for (int i = 0; i < items; ++i)
-        {
-            const nxMutexGuard guard(ready);
-            ++queued;
-            EXPECT_TRUE(ready.Signal().IsOK());
-        }
-    };
-    const auto consume = [&]
+        EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << isLast;
+        EXPECT_TRUE(mutex.Unlock().IsOK());
+    }
+    EXPECT_TRUE(TryFromAnotherThread(mutex).IsOK());
+}
+
+TEST(nxMutexGuard, UnlocksOnlyWhatItLocked)
+{
+    nxMutex mutex;
     {
-        const nxMutexGuard guard(ready);
-        while (taken != items)
+        nxMutexGuard outer(mutex);
         {
-            while (queued == 0 && taken != items)
-                EXPECT_TRUE(ready.Wait().IsOK());
-            taken += queued;
-            queued = 0;
+            nxMutexGuard inner(mutex);
+            nxConditionalMutexGuard conditional(mutex, true);
         }
-        ready.Signal();
-    };
-    nxInThreads(3, [&](int thread) { thread == 0 ? produce() : consume(); });
-    EXPECT_EQ(taken, items);
+        EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED);
+    }
+    for (const bool lock : {false, true, false})
+    {
+        nxConditionalMutexGuard guard(mutex, lock);
+        EXPECT_EQ(TryFromAnotherThread(mutex).IsOK(), !lock);
+    }
 }
 
-TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwards)
+TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwardsAndTakesOverFromAHolderThatDied)
 {
-    nxConditionMutex condition;
-    std::atomic<bool> woken{false};
-    const std::jthread waiter(
-        [&]
+    for (const bool holderDied : {false, true})
+    {
+        nxConditionMutex condition;
+        if (holderDied)
         {
-            EXPECT_TRUE(condition.LockAndWait().IsOK());
-            woken = true;
-            EXPECT_TRUE(condition.Unlock().IsOK());
-        });
-    while (!woken)
-        condition.Signal();
+            ASSERT_TRUE(condition.InitialiseAsShared(true).IsOK());
+            EXPECT_TRUE(InAnotherThread([&] { return condition.Lock(); }).IsOK());
+        }
+        std::atomic<bool> woken{false};
+        const std::jthread waiter(
+            [&]
+            {
+                EXPECT_TRUE(condition.LockAndWait().IsOK());
+                woken = true;
+                EXPECT_TRUE(condition.Unlock().IsOK());
+            });
+        while (!woken)
+        {
+            nxConditionalMutexGuard whileItWaits(condition, !holderDied);
+            condition.Signal();
+        }
+    }
 }
 
-TEST(nxConditionMutex, LockAndWaitTakesOverFromAHolderThatDied)
-{
-    nxConditionMutex condition;
-    ASSERT_TRUE(condition.InitialiseAsShared(true).IsOK());
-    std::thread([&]() NX_NO_THREAD_SAFETY_ANALYSIS { EXPECT_TRUE(condition.Lock().IsOK()); }).join();
-    std::atomic<bool> woken{false};
-    const std::jthread waiter(
-        [&]
-        {
-            EXPECT_TRUE(condition.LockAndWait().IsOK());
-            woken = true;
-            EXPECT_TRUE(condition.Unlock().IsOK());
-        });
-    while (!woken)
-        condition.Signal();
-}
-
-TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
+TEST(nxCondition, WakesOneOrAllAndForgetsSignalsWithoutAWaiter)
 {
     nxCondition condition;
     EXPECT_TRUE(condition.Signal().IsOK());
@@ -152,60 +174,103 @@ TEST(nxCondition, WakesOneOrAllAndForgetsSignalsThatNobodyWaitsFor)
     nxInThreads(3, wait);
 }
 
-TEST(nxConditionRaw, WaitsOnTheCallersMutex)
+TEST(locks, ADeadlineOfExactlyOneSecondOfNanosecondsIsRefused)
 {
-    nxConditionRaw condition;
-    nxMutex mutex;
-    bool ready = false;
-    const std::jthread signaller(
-        [&]
-        {
-            nxMutexGuard guard(mutex);
-            ready = true;
-            EXPECT_TRUE(condition.SignalAll().IsOK());
-        });
-    nxMutexGuard guard(mutex);
-    while (!ready && condition.Wait(mutex).IsOK())
-    {
-    }
-    EXPECT_EQ(UntilAccepted([&]() NX_NO_THREAD_SAFETY_ANALYSIS { return condition.TimedWait(mutex, 0.002); }),
-              NX_ERR_THR_TIMEDOUT);
-    EXPECT_EQ(InAnotherThread([&] { return mutex.TryLock(); }), NX_ERR_THR_LOCKED) << "held after the time-out";
-}
-
-TEST(locks, ConditionsRefuseADeadlineOfExactlyOneSecondOfNanoseconds)
-{
-    const nxFixedWallClock clock(1'700'000'000, 750'000'000);
     nxCondition condition;
-    EXPECT_EQ(condition.TimedWait(0.25), NX_ERR_UNSPECIFIED);
-    EXPECT_EQ(condition.TimedWait(0.249), NX_ERR_THR_TIMEDOUT);
-    EXPECT_EQ(condition.TimedWait(0.251), NX_ERR_THR_TIMEDOUT);
     nxConditionRaw raw;
     nxMutex mutex;
     nxMutexGuard guard(mutex);
-    EXPECT_EQ(raw.TimedWait(mutex, 0.25), NX_ERR_UNSPECIFIED);
-    EXPECT_EQ(raw.TimedWait(mutex, std::chrono::milliseconds(251)), NX_ERR_THR_TIMEDOUT);
+    nxSemaphore semaphore(0);
+    for (const long nanoseconds : {749'000'000L, 750'999'999L, 751'000'000L})  // only their milliseconds count
+    {
+        SCOPED_TRACE(nanoseconds);
+        const nxFixedWallClock clock(1'700'000'000, nanoseconds);
+        const bool isRefused = nanoseconds == 750'999'999;
+        const nxEnumValue ofConditions = isRefused ? NX_ERR_UNSPECIFIED : NX_ERR_THR_TIMEDOUT;
+        EXPECT_EQ(condition.TimedWait(0.25), ofConditions);
+        EXPECT_EQ(raw.TimedWait(mutex, 0.25), ofConditions);
+        EXPECT_EQ(raw.TimedWait(mutex, std::chrono::milliseconds(250)), ofConditions);
+        EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "held after the time-out";
+        const nxEnumValue ofSemaphores = isRefused ? NX_ERR_INVALID_PARAMETER : NX_ERR_THR_TIMEDOUT;
+        EXPECT_EQ(semaphore.TimedWait(0.25), ofSemaphores);
+        EXPECT_EQ(semaphore.TimedWait_Microseconds(250'000), ofSemaphores);
+        semaphore.Post();
+        EXPECT_EQ(semaphore.TimedWait(0.25).IsOK(), !isRefused) << "although there is a count";
+        EXPECT_EQ(semaphore.TryWait().IsOK(), isRefused);
+    }
+}
+
+TEST(nxSemaphore, CountsAndTimesOut)
+{
+    nxSemaphore semaphore(1);
+    EXPECT_EQ(semaphore.GetValue(), 1);
+    EXPECT_TRUE(semaphore.Wait().IsOK());
+    EXPECT_EQ(semaphore.TryWait(), NX_ERR_THR_LOCKED);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(UntilAccepted([&] { return semaphore.TimedWait(0.05); }), NX_ERR_THR_TIMEDOUT);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(48)) << "at most a clock tick early";
+    EXPECT_EQ(UntilAccepted([&] { return semaphore.TimedWait(std::chrono::milliseconds(2)); }), NX_ERR_THR_TIMEDOUT);
+    EXPECT_EQ(UntilAccepted([&] { return semaphore.TimedWait_Microseconds(1500); }), NX_ERR_THR_TIMEDOUT);
+    EXPECT_TRUE(semaphore.Post().IsOK());
+    EXPECT_TRUE(UntilAccepted([&] { return semaphore.TimedWait(60); }).IsOK());
+    EXPECT_EQ(semaphore.GetValue(), 0);
+}
+
+TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
+{
+    nxSemaphore semaphore(0);
+    for (const double past : {0.0, -0.0, -1e-17, -0.25, -5.0, -1e18, -9.3e18, -1e300, -infinity,
+                              std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::denorm_min()})
+    {
+        SCOPED_TRACE(past);
+        EXPECT_EQ(semaphore.TimedWait(past), NX_ERR_THR_TIMEDOUT);
+        semaphore.Post();
+        EXPECT_TRUE(semaphore.TimedWait(past).IsOK()) << "a count that is free is taken all the same";
+    }
+    for (const double seconds : {4294967294.5, 4294967295.0, 9.2e18, 9223372036854775807.0, 1e300, infinity})
+    {
+        SCOPED_TRACE(seconds);
+        const std::jthread poster(
+            [&]
+            {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                semaphore.Post();
+            });
+        EXPECT_TRUE(UntilAccepted([&] { return semaphore.TimedWait(seconds); }).IsOK()) << "waits for the count";
+    }
+    semaphore.Post();
+    EXPECT_TRUE(semaphore.TimedWait_Microseconds(std::numeric_limits<unsigned long long>::max()).IsOK());
+}
+
+TEST(nxSemaphore, ACountThatIsTooLargeIsReportedOnTheStandardOutput)
+{
+    testing::internal::CaptureStdout();
+    {
+        nxSemaphore refused(2147483648U);
+        EXPECT_EQ(refused.TryWait(), NX_ERR_THR_LOCKED) << "no count, no crash";
+        EXPECT_TRUE(refused.InitialiseAsShared(2147483647U).IsOK());
+        EXPECT_EQ(refused.Post(), NX_ERR_UNSPECIFIED) << "full";
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "sem_init err -1, " + std::to_string(EINVAL) + "\n");
 }
 
 TEST(nxSpinLock, TryLockOfALockThatIsHeld)
 {
     nxSpinLock lock;
-    ASSERT_TRUE(lock.InitialiseAsShared().IsOK());
-    ASSERT_TRUE(lock.TryLock().IsOK());
-    EXPECT_EQ(InAnotherThread([&] { return lock.TryLock(); }), NX_ERR_THR_LOCKED);
-    lock.AssertHeld();
+    ASSERT_TRUE(lock.InitialiseAsShared().IsOK() && lock.TryLock().IsOK());
+    EXPECT_EQ(TryFromAnotherThread(lock), NX_ERR_THR_LOCKED);
     EXPECT_TRUE(lock.Unlock().IsOK());
 }
 
-TEST(nxReaderWriterLock, ManyReadersOrOneWriter)
+TEST(nxReaderWriterLock, ManyReadersOrOneWriterThatIsToldWhenItAsksAgain)
 {
     nxReaderWriterLock lock;
-    const auto tryRead = [&]() NX_NO_THREAD_SAFETY_ANALYSIS
+    const auto tryRead = [&]
     {
         const nxErrorEnum error = lock.TryReadLock();
         return error.IsOK() ? lock.ReadUnlock() : error;
     };
-    const auto tryWrite = [&]() NX_NO_THREAD_SAFETY_ANALYSIS
+    const auto tryWrite = [&]
     {
         const nxErrorEnum error = lock.TryWriteLock();
         return error.IsOK() ? lock.WriteUnlock() : error;
@@ -217,29 +282,18 @@ TEST(nxReaderWriterLock, ManyReadersOrOneWriter)
     }
     {
         nxReaderWriterLockGuard_Write writer(lock);
-        EXPECT_EQ(InAnotherThread(tryRead), NX_ERR_THR_LOCKED);
+        EXPECT_EQ(lock.WriteLock(), NX_ERR_THR_LOCKED);
+        EXPECT_EQ(lock.ReadLock(), NX_ERR_THR_LOCKED);
+        {
+            const nxReaderWriterLockGuard_Read fails(lock);
+        }
+        EXPECT_EQ(InAnotherThread(tryRead), NX_ERR_THR_LOCKED) << "still held after a guard that failed";
         EXPECT_EQ(InAnotherThread(tryWrite), NX_ERR_THR_LOCKED);
     }
     EXPECT_TRUE(InAnotherThread(tryWrite).IsOK());
 }
 
-TEST(nxReaderWriterLock, AWriterThatAsksAgainIsToldThatItIsLocked)
-{
-    nxReaderWriterLock lock;
-    [&]() NX_NO_THREAD_SAFETY_ANALYSIS
-    {
-        ASSERT_TRUE(lock.WriteLock().IsOK());
-        EXPECT_EQ(lock.WriteLock(), NX_ERR_THR_LOCKED);
-        EXPECT_EQ(lock.ReadLock(), NX_ERR_THR_LOCKED);
-        {
-            const nxReaderWriterLockGuard_Read inner(lock);
-        }
-        EXPECT_EQ(InAnotherThread([&] { return lock.TryReadLock(); }), NX_ERR_THR_LOCKED) << "a guard that failed";
-        EXPECT_TRUE(lock.WriteUnlock().IsOK());
-    }();
-}
-
-TEST(nxBarrier, NobodyPassesBeforeAllHaveCome)
+TEST(nxBarrier, NoThreadPassesBeforeAllHaveCome)
 {
     constexpr int rounds = 200;
     nxBarrier barrier(3);
@@ -255,7 +309,7 @@ TEST(nxBarrier, NobodyPassesBeforeAllHaveCome)
         }
     };
     nxInThreads(3, walk);
-    // One of no threads or too many holds nobody.
+    // A barrier of no threads, and one of too many, holds no thread.
     for (const unsigned count : {0U, 1U, 4294967295U})
         EXPECT_TRUE(nxBarrier(count).Wait().IsOK());
 }

@@ -1,22 +1,8 @@
 // Where the named objects of nxWindowsMutex and nxWindowsSemaphore lie, and everything that may be in the way.
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-
-#include <cerrno>
-#include <functional>
-#include <map>
-#include <string>
-#include <vector>
-
-#include "core/testing/nxCapturingLogDevice.h"
 #include "core/thread/nxWindowsMutex.h"
 #include "tests/support/nxPrivateMemory.h"
-#include "tests/support/nxSanitizer.h"
-#include "tests/support/nxScratchDirectory.h"
-#include "tests/support/nxSystemCallFault.h"
+#include "tests/support/nxSystemTest.h"
 #include "tests/thread/nxNamedObjects.h"
 
 namespace
@@ -43,7 +29,10 @@ TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
         return;
     // In the order of their use: what has succeeded once is not asked for again.
     const nxCapturingLogDevice log;
-    for (const char* const function : {"open", "mkdir", "openat", "fstat", "fcntl", "posix_fallocate", "mmap"})
+    for (const char* const function :
+         {"open", "mkdir", "openat", "fstat", "fcntl", "posix_fallocate", "mmap", "pthread_mutexattr_init",
+          "pthread_mutexattr_settype", "pthread_mutexattr_setpshared", "pthread_mutexattr_setrobust",
+          "pthread_mutex_init"})
     {
         SCOPED_TRACE(function);
         const nxSystemCallFault fault(function, ENOSPC, {.times = 2});
@@ -51,20 +40,11 @@ TEST(namedObjects, WhatTheSystemRefusesLeavesANullObjectAndNothingElse)
         EXPECT_EQ(errno, ENOSPC);
         EXPECT_GE(fault.GetHits(), 1U);
     }
-    nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(20.0);
+    WaitUntilWritten();
     const auto records = log.GetRecords();
     ASSERT_EQ(records.size(), 1U) << "one for all of them\n" << log;
     EXPECT_EQ(records[0].level, NX_LOG_LEVEL_ERROR);
     EXPECT_NE(records[0].text.find("'open' excludes nobody. Error 28: "), std::string::npos) << log;
-    for (const char* const function :
-         {"pthread_mutexattr_init", "pthread_mutexattr_settype", "pthread_mutexattr_setpshared",
-          "pthread_mutexattr_setrobust", "pthread_mutex_init"})
-    {
-        SCOPED_TRACE(function);
-        const nxSystemCallFault fault(function, ENOMEM);
-        EXPECT_TRUE(nxWindowsMutex("primitive").IsNull());
-        EXPECT_EQ(fault.GetHits(), 1U);
-    }
     for (unsigned skip = 0; skip < 3; ++skip)
     {
         const nxSystemCallFault fault("fcntl", ENOLCK, {.skip = skip});
@@ -98,58 +78,48 @@ TEST(namedObjects, WhatANeighbourHasPlantedIsNotTouched)
         mkdir(path.c_str(), mode);
         chmod(path.c_str(), mode);
     };
-    using Plants = std::vector<std::pair<const char*, std::function<void()>>>;
-    const Plants forTheDirectory{
-        {"a directory that others can enter", [&] { makeDirectory(directory, 0755); }},
+    const std::pair<const char*, std::function<void(const fs::path& place)>> plants[] = {
+        {"a directory that others can enter", [&](const fs::path& place) { makeDirectory(place, 0755); }},
         {"another user's directory",
-         [&]
+         [&](const fs::path& place)
          {
-             makeDirectory(directory, 0700);
-             if (chown(directory.c_str(), 12345, 12345) != 0)
-                 chmod(directory.c_str(), 0777);
+             makeDirectory(place, 0700);
+             if (chown(place.c_str(), 12345, 12345) != 0)
+                 chmod(place.c_str(), 0777);
          }},
-        {"a file", [&] { write(directory, "not yours", 0600); }},
-        {"a pipe", [&] { mkfifo(directory.c_str(), 0600); }},
+        {"a pipe", [](const fs::path& place) { mkfifo(place.c_str(), 0600); }},
+        {"a link to a file", [&](const fs::path& place) { fs::create_symlink(target, place); }},
         {"a link to a directory of ours",
-         [&]
+         [&](const fs::path& place)
          {
              makeDirectory("/dev/shm/ours", 0700);
-             fs::create_symlink("/dev/shm/ours", directory);
+             fs::create_symlink("/dev/shm/ours", place);
          }},
-        {"a link to nowhere", [&] { fs::create_symlink("/dev/shm/nowhere", directory); }},
-    };
-    const Plants forTheFile{
-        {"a link", [&] { fs::create_symlink(target, file); }},
-        {"a second name of another file", [&] { fs::create_hard_link(target, file); }},
-        {"a file that others can write", [&] { write(file, "", 0666); }},
-        {"a directory", [&] { makeDirectory(file, 0700); }},
-        {"a pipe", [&] { mkfifo(file.c_str(), 0600); }},
+        {"a link to nowhere", [](const fs::path& place) { fs::create_symlink("/dev/shm/nowhere", place); }},
+        {"a second name of another file", [&](const fs::path& place) { fs::create_hard_link(target, place); }},
+        {"a file that others can write", [&](const fs::path& place) { write(place, "", 0666); }},
         {"a file that is far too large",
-         [&]
+         [&](const fs::path& place)
          {
-             write(file, "", 0600);
-             EXPECT_EQ(truncate(file.c_str(), 1LL << 40), 0);
+             write(place, "", 0600);
+             EXPECT_EQ(truncate(place.c_str(), 1LL << 40), 0);
          }},
     };
-    const auto isLeftAlone = [&](const char* what, const std::function<void()>& plant)
-    {
-        SCOPED_TRACE(what);
-        write(target, "not yours", 0600);
-        plant();
-        const auto before = SharedFiles();
-        EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
-        EXPECT_EQ(SharedFiles(), before);
-        EXPECT_EQ(nxReadFile(target), "not yours");
-        ASSERT_TRUE(nxPrivateMemory::Mount());
-    };
+    for (const auto& [what, plant] : plants)
+        for (const fs::path& place : {directory, file})
+        {
+            SCOPED_TRACE(testing::Message() << what << " in the place of " << place);
+            ASSERT_TRUE(nxPrivateMemory::Mount());
+            write(target, "not yours", 0600);
+            if (place == file)
+                makeDirectory(directory, 0700);
+            plant(place);
+            const auto before = SharedFiles();
+            EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
+            EXPECT_EQ(SharedFiles(), before);
+            EXPECT_EQ(nxReadFile(target), "not yours");
+        }
     ASSERT_TRUE(nxPrivateMemory::Mount());
-    for (const auto& [what, plant] : forTheDirectory)
-        isLeftAlone(what, plant);
-    for (const auto& [what, plant] : forTheFile)
-    {
-        makeDirectory(directory, 0700);
-        isLeftAlone(what, plant);
-    }
     makeDirectory(directory, 0700);
     write(file, "not yours", 0600);  // a file of ours that holds something else
     EXPECT_TRUE(nxWindowsMutex("mine").IsNull());
@@ -200,7 +170,7 @@ TEST(namedObjects, LieWhereTheSettingSaysAndNowhereElse)
     EXPECT_EQ(EntriesOf("/dev/shm"), 0U);
 }
 
-TEST(namedObjects, AProcessThatIsStoppedInTheTableStopsNobody)
+TEST(namedObjects, AProcessThatIsStoppedInTheTableStopsNoOther)
 {
     if (!nxPrivateMemory::InNewProcess())
         return;
@@ -227,13 +197,13 @@ TEST(namedObjects, AProcessThatIsStoppedInTheTableStopsNobody)
             EXPECT_FALSE(nxWindowsMutex("first").IsNull()) << "open already";
             for (int descriptor = 3; descriptor < 1024; ++descriptor)
                 close(descriptor);
-            EXPECT_TRUE(nxWindowsMutex("first").IsNull()) << "somebody may be writing its entry anew";
+            EXPECT_TRUE(nxWindowsMutex("first").IsNull()) << "another process may be writing its entry";
         }));
     stopped.Kill();
     EXPECT_FALSE(nxWindowsMutex("second").IsNull());
 }
 
-TEST(namedObjects, WhoeverHasTheFileRemovedIsTold)
+TEST(namedObjects, RemovingTheFileIsReportedOnce)
 {
     if (!nxPrivateMemory::InNewProcess())
         return;
@@ -256,6 +226,8 @@ TEST(namedObjects, TheIdentityIsPartOfThePlace)
     constexpr uid_t other = 12'345;
     const auto expectOwn = [](unsigned count) { EXPECT_EQ(CountIn("name", count), count) << "of its own making"; };
     nxWindowsSemaphore ofRoot("name", 5, 5);
+    const fs::path directory = fs::directory_iterator("/dev/shm")->path();
+    const fs::path file = fs::directory_iterator(directory)->path();
     nxStage stage;
     nxChildProcess daemon(
         [&]
@@ -274,8 +246,12 @@ TEST(namedObjects, TheIdentityIsPartOfThePlace)
         [&]
         {
             ASSERT_EQ(setuid(other), 0);
-            umask(0777);  // takes nobody's rights but those of this process's own files
+            umask(0777);  // takes rights only from this process's own files
             EXPECT_TRUE(nxWindowsSemaphore("name", 9, 9).TimedWait(0).IsOK());
+            EXPECT_EQ(open(directory.c_str(), O_RDONLY), -1) << "root's";
+            EXPECT_EQ(open(file.c_str(), O_RDWR), -1);
+            EXPECT_EQ(errno, EACCES);
+            EXPECT_NE(rename(directory.c_str(), "/dev/shm/away"), 0);
         }));
     stage.Reach(2);
     EXPECT_TRUE(daemon.Succeeds());
@@ -299,6 +275,6 @@ TEST(namedObjects, TheIdentityIsPartOfThePlace)
 
     ASSERT_EQ(mount("none", "/proc", "tmpfs", 0, ""), 0);
     EXPECT_FALSE(nxWindowsMutex("known").IsNull()) << "it has been told before";
-    EXPECT_TRUE(nxInChild([] { EXPECT_TRUE(nxWindowsMutex("name").IsNull()); })) << "it cannot tell who it is";
+    EXPECT_TRUE(nxInChild([] { EXPECT_TRUE(nxWindowsMutex("name").IsNull()); })) << "it cannot tell which user it is";
     EXPECT_EQ(umount("/proc"), 0);  // which sanitizers want at the end
 }

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+#include "core/thread/nxWindowsMutex.h"
 #include "core/thread/nxWindowsSemaphore.h"
 
 /// Takes what can be had without waiting.

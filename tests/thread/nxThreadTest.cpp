@@ -1,46 +1,81 @@
+// Threads, their numbers and their buffers, with what they write to the log.
+
 #include "core/thread/nxThread.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <vector>
-
 #include "core/thread/nxThreadIndex.h"
-#include "tests/support/nxTestThreads.h"
+#include "core/thread/nxThreadSpecificMemoryBuffer.h"
+#include "tests/support/nxSystemTest.h"
 
 namespace
 {
-class Worker : public nxThread
+class FunctionThread : public nxThread
 {
 public:
+    explicit FunctionThread(std::function<void()> body) : _body(std::move(body)) {}
+
+private:
     nxErrorEnum Run() override
     {
-        ++runs;
-        id = GetThreadIDAsString();
-        waitInside = Wait();
+        _body();
         return nxErrorEnum(NX_ERR_UNSPECIFIED);  // ignored
     }
-    int runs = 0;
-    std::string id;
-    nxErrorEnum waitInside;
+    std::function<void()> _body;
 };
+
+using Records = std::vector<std::string>;
+
+// What a source file has reported so far. Without line numbers where no position is promised.
+Records ReportsOf(const nxCapturingLogDevice& log, const std::string& source, bool withLines)
+{
+    WaitUntilWritten();
+    Records reports;
+    for (const nxCapturedRecord& record : log.GetRecords())
+        if (record.sourceFile == source)
+            reports.push_back(record.level.GetShortDescription() +
+                              (withLines ? ' ' + std::to_string(record.line) + ' ' : " ") + record.text);
+    return reports;
+}
 }  // namespace
 
 TEST(nxThread, StartsRunsAndStartsAgain)
 {
-    Worker worker;
+    int runs = 0;
+    std::string id;
+    nxErrorEnum waitInside;
+    FunctionThread* self = nullptr;
+    FunctionThread worker(
+        [&]
+        {
+            ++runs;
+            id = nxThread::GetThreadIDAsString();
+            waitInside = self->Wait();
+        });
+    self = &worker;
     EXPECT_EQ(worker.Wait(), NX_ERR_THR_NOT_RUNNING);
     for (int run = 1; run <= 2; ++run)
     {
         ASSERT_TRUE(worker.Create().IsOK());
         EXPECT_EQ(worker.Create(), NX_ERR_THR_ALREADY_STARTED);
         ASSERT_TRUE(worker.Wait().IsOK());
-        EXPECT_EQ(worker.runs, run);
-        EXPECT_EQ(worker.waitInside, NX_ERR_THR_DEADLOCK);
-        EXPECT_NE(worker.id, nxThread::GetThreadIDAsString());
+        EXPECT_EQ(runs, run);
+        EXPECT_EQ(waitInside, NX_ERR_THR_DEADLOCK);
+        EXPECT_NE(id, nxThread::GetThreadIDAsString());
     }
     EXPECT_EQ(worker.Wait(), NX_ERR_THR_NOT_RUNNING);
     EXPECT_EQ(nxThread::GetThreadIDAsString(), std::to_string(getpid())) << "the main thread's number is the process's";
+}
+
+TEST(nxThread, ReportsAnExceptionThatLeavesRun)
+{
+    const nxCapturingLogDevice log;
+    FunctionThread thrower([] { throw std::runtime_error("out of prices"); });
+    FunctionThread other([] { throw 7; });
+    FunctionThread exits([] { pthread_exit(nullptr); });
+    for (nxThread* const thread : {&thrower, &other, &exits})
+        EXPECT_TRUE(thread->Create().IsOK() && thread->Wait().IsOK());
+    EXPECT_EQ(ReportsOf(log, "core/trunk/nxThread", false),
+              (Records{"FTL A thread ended with an exception: out of prices",
+                       "FTL A thread ended with an exception: of unknown type"}));
 }
 
 TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)
@@ -54,8 +89,64 @@ TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)
                         indices.push_back(nxThreadIndex::GetIndexOfCurrentThread());
                         EXPECT_EQ(nxThreadIndex::GetIndexOfCurrentThread(), indices.back());
                     });
-    EXPECT_EQ(indices[1], indices[0] + 1);
-    EXPECT_EQ(indices[2], indices[0] + 2);
     EXPECT_GT(indices[0], mine);
+    EXPECT_EQ(indices, (std::vector{indices[0], indices[0] + 1, indices[0] + 2}));
     EXPECT_EQ(nxThreadIndex::GetIndexOfCurrentThread(), mine);
+}
+
+TEST(nxThreadSpecificMemoryBuffer, KeepsContentsAndFillLevelThroughGrowthAndReportsIt)
+{
+    const nxCapturingLogDevice log;
+    nxThreadSpecificMemoryBuffer buffer(16);
+    EXPECT_EQ(buffer.GetUsed(), 0U);
+    std::ostringstream address;
+    address << static_cast<const void*>(buffer.GetData());
+    const std::string text = "bid 99.5 x 1000";
+    text.copy(buffer.GetData(), text.size());
+    buffer.SetUsed(static_cast<unsigned>(text.size()));
+    buffer.GrowBuffer();
+    buffer.GrowBuffer();
+    EXPECT_EQ(buffer.GetCapacity(), 48U);
+    buffer.GrowBufferToSize(1 << 20);
+    EXPECT_EQ(std::string(buffer.GetData(), buffer.GetUsed()), text);
+    buffer.GrowBufferToSize(3);
+    EXPECT_EQ(buffer.GetUsed(), text.size()) << "the fill level is the user's";
+    EXPECT_EQ(std::string(buffer.GetData(), 3), "bid");
+    buffer.GrowBuffer();
+    EXPECT_EQ(buffer.GetCapacity(), 19U) << "grows by the size at construction";
+
+    const std::string growing = "Growing thread-specific memory buffer. Size: ";
+    const Records expected{"INF 95 Allocated thread-specific memory buffer. Thread index: " +
+                               std::to_string(nxThreadIndex::GetIndexOfCurrentThread()) +
+                               ", Size: 16, Address: " + address.str(),
+                           "INF 44 " + growing + "16 -> 32",
+                           "INF 44 " + growing + "32 -> 48",
+                           "INF 60 " + growing + "48 -> 1048576",
+                           "INF 60 " + growing + "1048576 -> 3",
+                           "INF 44 " + growing + "3 -> 19"};
+    EXPECT_EQ(ReportsOf(log, "core/trunk/nxThreadSpecificMemoryBuffer", true), expected);
+}
+
+TEST(nxThreadSpecificMemoryBuffer, ASizeOfZeroNeverGrowsAndMemoryThatRunsOutLeavesNull)
+{
+    nxThreadSpecificMemoryBuffer none(0), buffer(8);
+    none.GrowBuffer();
+    EXPECT_EQ(none.GetCapacity(), 0U);
+    none.GrowBufferToSize(8);
+    ASSERT_NE(none.GetData(), nullptr);
+    none.GetData()[7] = 'x';
+    none.GrowBufferToSize(0);
+    EXPECT_EQ(none.GetData(), nullptr);
+    {
+        const nxSystemCallFault fault("realloc", ENOMEM);
+        buffer.GrowBuffer();
+        EXPECT_EQ(fault.GetHits(), 1U);
+    }
+    EXPECT_EQ(buffer.GetData(), nullptr);
+    EXPECT_EQ(buffer.GetCapacity(), 16U) << "what was asked for";
+    buffer.GrowBuffer();
+    EXPECT_NE(buffer.GetData(), nullptr);
+
+    const nxSystemCallFault fault("malloc", ENOMEM);
+    EXPECT_EQ(nxThreadSpecificMemoryBuffer(8).GetData(), nullptr);
 }

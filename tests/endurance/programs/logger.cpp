@@ -1,9 +1,8 @@
 // A process that logs in one of several ways and ends, or is ended: logger MODE [ARGUMENT]. The directory and the other
 // settings come from the environment. With the log's own file device every line of ours holds "t<thread> n<number>;";
-// modes with devices of their own append what these are given to the file "output" in that directory.
+// modes with devices of their own write what these are given to standard output.
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
 #include <sys/mman.h>
@@ -41,10 +40,10 @@ void LogLine(int thread, int number, nxEnumValue level = NX_LOG_LEVEL_INFO)
 
 void WaitForLog() { nxLogManager::GetInstance().WaitForWriteThreadToWriteQueueToDisk(30.0); }
 
-// More than anybody waits for, and some hundred megabytes of lines.
+// An end for a process that is not killed: some hundred megabytes of lines.
 constexpr int mostLines = 2'000'000;
 
-// Logs until the process ends; says on standard output which number is surely in the file.
+// Logs until the process ends; writes to standard output which number is surely in the file.
 int Acknowledge()
 {
     for (int number = 0; number < mostLines; ++number)
@@ -54,7 +53,8 @@ int Acknowledge()
             continue;
         WaitForLog();
         nxLogManager::GetInstance().FlushDevices();
-        static_cast<void>(!::write(STDOUT_FILENO, &number, sizeof number));
+        const std::string text = " " + std::to_string(number);
+        static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
     }
     return 4;
 }
@@ -174,30 +174,26 @@ void Register(std::function<void(const nxLog&)> onWrite)
     new nxFunctionLogDevice(std::move(onWrite));  // lives to the very end
 }
 
-int OpenOutput()
+// Writes every record to standard output at once, as "text source-file".
+nxLogDevice* WriteToOutput(bool registers = true)
 {
-    const std::string path = std::string(std::getenv("QRX_LOG_DIRECTORY")) + "/output";
-    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-}
-
-// Appends every record to the output at once, as "text source-file".
-nxLogDevice* AppendToOutput(bool registers = true)
-{
-    const int file = OpenOutput();
     return new nxFunctionLogDevice(
-        [file](const nxLog& record)
+        [](const nxLog& record)
         {
             const std::string line = record.GetText() + " " + record.GetSourceFile() + "\n";
-            if (::write(file, line.data(), line.size()) < 0)
+            if (::write(STDOUT_FILENO, line.data(), line.size()) < 0)
                 ::_exit(3);
         },
         registers);
 }
 
-void LogInARow()
+// Logs to standard output and ends in one of the orderly ways.
+int LogAndEnd(const std::function<int()>& end)
 {
+    WriteToOutput();
     for (int number = 0; number < 20'000; ++number)
         NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+    return end();
 }
 
 struct LogsBeforeAndAfterMain
@@ -207,49 +203,29 @@ struct LogsBeforeAndAfterMain
 };
 const LogsBeforeAndAfterMain logsBeforeAndAfterMain;
 
-int ReturnFromMain()
-{
-    AppendToOutput();
-    LogInARow();
-    return 0;
-}
-
-int ExitInAThread()
-{
-    AppendToOutput();
-    std::thread(
-        []
-        {
-            LogInARow();
-            std::exit(0);
-        })
-        .join();
-    return 4;
-}
-
 int ExitWhileStalled()
 {
-    ::dup2(OpenOutput(), STDERR_FILENO);
+    ::dup2(STDOUT_FILENO, STDERR_FILENO);
     Register(
         [](const nxLog&)
         {
             for (;;)
                 pause();
         });
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "nobody hears";
+    NX_LOG(NX_LOG_LEVEL_WARNING) << "unheard";
     return 0;
 }
 
 int ExitInsideADevice()
 {
-    AppendToOutput();
+    WriteToOutput();
     Register([](const nxLog&) { std::exit(0); });
     NX_LOG(NX_LOG_LEVEL_INFO) << "the last";
     for (;;)
         pause();
 }
 
-// While the end waits for the records, the whole process stands still for longer than a stalled device is waited for.
+// While the end waits for the records, the whole process is stopped for longer than the log waits for a stalled device.
 int ExitWhileStopped()
 {
     const std::string resume = "sleep 2.6; kill -CONT " + std::to_string(::getpid());
@@ -266,7 +242,7 @@ int ExitWhileStopped()
                 std::raise(SIGSTOP);
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         });
-    AppendToOutput();
+    WriteToOutput();
     for (int number = 0; number < 20; ++number)
         NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
     return 0;
@@ -275,16 +251,16 @@ int ExitWhileStopped()
 // The parent's queue holds records that no device has had yet.
 int ForkWithAFullQueue()
 {
-    LogInARow();
-    const pid_t child = fork();
-    if (child == 0)
+    for (int number = 0; number < 20'000; ++number)
+        NX_LOG(NX_LOG_LEVEL_INFO) << "row " << number;
+    if (fork() == 0)
     {
-        AppendToOutput();
+        WriteToOutput();
         NX_LOG(NX_LOG_LEVEL_INFO) << "only this";
         std::exit(0);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
+    int status = -1;
+    wait(&status);
     return status;
 }
 
@@ -296,7 +272,7 @@ int WaitForADevice()
     WaitForLog();
     const std::vector<nxLog> waiting = manager.GetLogEntriesQueue();
     nxFunctionLogDevice other([](const nxLog&) {}, false);
-    nxLogDevice* const both[]{&other, nullptr, AppendToOutput(false), &other};
+    nxLogDevice* const both[]{&other, nullptr, WriteToOutput(false), &other};
     manager.RegisterLogDevices(both);
     WaitForLog();
     const bool isRight = waiting.size() == 2 && waiting[0].GetText() == "before main" &&
@@ -307,22 +283,15 @@ int WaitForADevice()
 // The record is all that tells why the process is going to end.
 int AbortAfterAFatalRecord()
 {
-    AppendToOutput();
+    WriteToOutput();
     NX_LOG(NX_LOG_LEVEL_FATAL) << "the last words";
     std::abort();
 }
 
-int EndQuickly()
-{
-    AppendToOutput();
-    LogInARow();
-    std::quick_exit(0);
-}
-
-// Main goes first, and a worker later.
+// The main thread ends first, and a worker later.
 int EndByTheLastThread()
 {
-    AppendToOutput();
+    WriteToOutput();
     std::thread(
         []
         {
@@ -333,7 +302,7 @@ int EndByTheLastThread()
     ::pthread_exit(nullptr);
 }
 
-// The log's thread faults, and the process has something to say about it.
+// The log's thread faults, and the process handles the signal.
 int FaultInADevice()
 {
     static char* const forbidden =
@@ -358,7 +327,7 @@ pid_t FindLogThread()
     return 0;
 }
 
-// The first to report is pinned to one processor, where it leaves time to nobody if the system lets it.
+// The first thread to report is pinned to one processor, where it leaves no time to others if the system lets it.
 int ReportFirstFromAPinnedThread()
 {
     cpu_set_t ofProcess;
@@ -394,12 +363,12 @@ int ReportFirstFromAPinnedThread()
     manager.SetWriteThread(wanted);
     const bool isMoved = runs(pinned);
     manager.Destroy();  // the next one starts like that
-    AppendToOutput();
+    WriteToOutput();
     WaitForLog();
     return isOfProcess && isMoved && runs(pinned) ? 0 : 7;
 }
 
-// Others have taken all keys by which the system tells of the end of a thread.
+// Other code has taken all keys by which the system tells of the end of a thread.
 int UseUpAllKeys()
 {
     for (pthread_key_t key; ::pthread_key_create(&key, nullptr) == 0;)
@@ -419,7 +388,7 @@ int UseUpAllKeys()
     return nxLogManager::GetInstance().GetStatistics().bytes < (std::uint64_t{1} << 20) ? 0 : 9;
 }
 
-// So many kibibytes more than the process has are left to the log.
+// The log gets this many kibibytes more than the process has.
 int LogWithLittleMemory(int kibibytes)
 {
     std::ifstream status("/proc/self/statm");
@@ -437,7 +406,7 @@ int LogWithLittleMemory(int kibibytes)
 
 int UnloadAPlugin(const std::string& plugin, int rounds)
 {
-    AppendToOutput();
+    WriteToOutput();
     std::vector<std::thread> threads = StartThreads(8);
     int failed = 0;
     for (int round = 0; round < rounds; ++round)
@@ -459,34 +428,39 @@ int UnloadAPlugin(const std::string& plugin, int rounds)
     return failed;
 }
 
-int Levels()
-{
-    AppendToOutput();
-    NX_LOG(NX_LOG_LEVEL_INFO) << "info";
-    NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
-    return 0;
-}
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    ::alarm(600);  // whatever it waits for, and whoever has forgotten it
+    ::alarm(600);  // whatever it waits for, and whatever became of its parent
     const std::string mode = argc > 1 ? argv[1] : "";
     const std::string argument = argc > 2 ? argv[2] : "";
     const int count = std::atoi(argument.c_str());
     const std::map<std::string, std::function<int()>> withItsOwnDevices{
         {"rotate", [&] { return Rotate(count); }},
-        {"return-from-main", ReturnFromMain},
-        {"exit-in-a-thread", ExitInAThread},
+        {"return-from-main", [] { return LogAndEnd([] { return 0; }); }},
+        {"exit-in-a-thread",
+         []
+         {
+             std::thread([] { LogAndEnd([]() -> int { std::exit(0); }); }).join();
+             return 4;
+         }},
+        {"quick-exit", [] { return LogAndEnd([]() -> int { std::quick_exit(0); }); }},
         {"exit-while-stalled", ExitWhileStalled},
         {"exit-while-stopped", ExitWhileStopped},
         {"exit-inside-a-device", ExitInsideADevice},
         {"fork-with-a-full-queue", ForkWithAFullQueue},
         {"wait-for-a-device", WaitForADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
-        {"levels", Levels},
+        {"levels",
+         []
+         {
+             WriteToOutput();
+             NX_LOG(NX_LOG_LEVEL_INFO) << "info";
+             NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
+             return 0;
+         }},
         {"abort-after-a-fatal-record", AbortAfterAFatalRecord},
-        {"quick-exit", EndQuickly},
         {"end-by-the-last-thread", EndByTheLastThread},
         {"fault-in-a-device", FaultInADevice},
         {"pinned", ReportFirstFromAPinnedThread},
