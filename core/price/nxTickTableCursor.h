@@ -7,7 +7,7 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
-#include "core/price/inline/nxTickZone.h"
+#include "core/price/inline/nxTickPlace.h"
 #include "core/price/nxVariableTickTable.h"
 
 /// One thread's own place in a tick table: every answer is that of a table that keeps the constraints, to the last place, without
@@ -32,27 +32,27 @@ public:
     /// @return the tick at @p price, which lives as long as the table; a null decimal when the price has no band.
     const nxDecimal& GetTickIncrement(const nxDecimal& price)
     {
-        return _zone.Contains(price) ? *_zone.increment : _FindTick(price);
+        return _place.zone.Contains(price) ? *_place.zone.increment : _FindTick(price);
     }
 
     /// Moves the price up by one tick.
     void Increment(nxDecimal& price)
     {
-        if (_zone.Step(true, 1, price) == 0) [[unlikely]]
+        if (_place.zone.Step(true, 1, price) == 0) [[unlikely]]
             price = _Step(true, 1, price);
     }
     /// Moves the price down by one tick.
     void Decrement(nxDecimal& price)
     {
-        if (_zone.Step(false, 1, price) == 0) [[unlikely]]
+        if (_place.zone.Step(false, 1, price) == 0) [[unlikely]]
             price = _Step(false, 1, price);
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing.
     void Increment(nxDecimal& price, int ticks)
     {
         const bool isUp = ticks > 0;
-        const auto count = static_cast<std::uint64_t>(isUp ? std::int64_t{ticks} : -std::int64_t{ticks});
-        const std::uint64_t done = ticks != 0 ? _zone.Step(isUp, count, price) : 0;
+        const std::uint64_t count = nxTickPlace::CountSteps(ticks);
+        const std::uint64_t done = ticks != 0 ? _place.zone.Step(isUp, count, price) : 0;
         if (done != count)
             price = _Step(isUp, count - done, price);
     }
@@ -60,7 +60,7 @@ public:
     /// Rounds the price to a multiple of the tick at it.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price)
     {
-        if (!_zone.Round(method, price)) [[unlikely]]
+        if (!_place.zone.Round(method, price)) [[unlikely]]
             price = _Round(method, price);
     }
 
@@ -71,24 +71,13 @@ public:
     const nxVariableTickTable& GetTable() const { return *_table; }
 
 private:
-    friend class nxVariableTickTable;
-
-    nxTickTableCursor(const nxVariableTickTable& table, const nxTickZone& zone) : _table(&table), _zone(zone) {}
-
-    // As those of the table.
-    std::size_t _Search(const nxDecimal& price);
-    bool _Relocate(const nxDecimal& price);
-    nxVariableTickTable::iterator _FindRange(const nxDecimal& price);
-    bool _StepByDecimals(bool up, nxDecimal& price);
-
-    // By value, so that the caller's price can stay in registers.
+    // What the zone declines; by value, so that the caller's price can stay in registers.
     const nxDecimal& _FindTick(nxDecimal price);
     nxDecimal _Step(bool up, std::uint64_t ticks, nxDecimal price);
     nxDecimal _Round(const nxRoundingMethodEnum& method, nxDecimal price);
 
     const nxVariableTickTable* _table;
-    nxTickZone _zone;
-    std::size_t _lastStretch = nxTickGrid::NotFound;
+    nxTickPlace _place;
 };
 
 #endif

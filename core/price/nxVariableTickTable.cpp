@@ -1,11 +1,10 @@
 #include "core/price/nxVariableTickTable.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
+#include <iterator>
 
 #include "core/log/nxLogMacros.h"
-#include "core/price/internal/nxExactSum.h"
-#include "core/price/nxTickTableCursor.h"
 
 nxVariableTickTable::~nxVariableTickTable() = default;
 
@@ -13,7 +12,7 @@ void nxVariableTickTable::_SetCache(iterator range) const
 {
     _lock.AssertHeld();
     _cache = range;
-    _zone.Clear();
+    _place.zone.Clear();
 }
 
 void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal& increment)
@@ -22,7 +21,7 @@ void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal
     _isAscending = _isAscending && (_ranges.empty() || upperBound > _ranges.back().first);
     _ranges.emplace_back(upperBound, increment);
     _cache = _ranges.begin();
-    _zone.Clear();
+    _place.zone.Clear();
     _grid.Build(_ranges);
 }
 
@@ -52,20 +51,7 @@ void nxVariableTickTable::_AddRanges(std::string_view bands)
     _AddTopRange(read(bands));
 }
 
-bool nxVariableTickTable::_CheckConstraints() const
-{
-    if (_ranges.empty() || !(_ranges.back().first == nxDecimal::GetMaximumDecimal()))
-        return false;
-    for (auto band = _ranges.begin(); band != _ranges.end(); ++band)
-    {
-        // Asked of the mantissa: a comparison with 0 tolerates what is less than 2.2e-16.
-        if (!band->first.IsPositive() || !band->second.IsPositive())
-            return false;
-        if (band != _ranges.begin() && !(band->first > std::prev(band)->first))
-            return false;
-    }
-    return true;
-}
+bool nxVariableTickTable::_CheckConstraints() const { return _GetRules().KeepConstraints(); }
 
 nxDecimal nxVariableTickTable::GetMinimumTickIncrement() const
 {
@@ -74,47 +60,19 @@ nxDecimal nxVariableTickTable::GetMinimumTickIncrement() const
     return smallest == _ranges.end() ? nxDecimal::GetNullDecimal() : smallest->second;
 }
 
-nxDecimal nxVariableTickTable::_Magnitude(const nxDecimal& price)
-{
-    return price.IsValid() ? nxDecimal::Abs(price) : nxDecimal();
-}
-
-const nxDecimal& nxVariableTickTable::_ReportUnknownBand()
-{
-    static constexpr nxDecimal empty = nxDecimal::GetNullDecimal();
-    NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxVariableTickTable", 108) << "Fatal error in variable tick table";
-    return empty;
-}
-
-nxVariableTickTable::iterator nxVariableTickTable::_Scan(const nxDecimal& magnitude) const
-{
-    if (magnitude.IsNegative())
-        return _ranges.end();
-    const auto isBelow = [&magnitude](const auto& band) { return band.first < magnitude; };
-    // The first bound that is not below the price; a table of a file may have a hundred thousand.
-    return _isAscending ? std::partition_point(_ranges.begin(), _ranges.end(), isBelow)
-                        : std::find_if_not(_ranges.begin(), _ranges.end(), isBelow);
-}
-
-nxVariableTickTable::iterator nxVariableTickTable::_Find(const nxDecimal& price) const
-{
-    const std::size_t stretch = _grid.Find(price);
-    return stretch == nxTickGrid::NotFound ? _Scan(_Magnitude(price))
-                                           : _ranges.begin() + static_cast<std::ptrdiff_t>(_grid.GetBand(stretch));
-}
-
 nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& price) const
 {
-    const nxDecimal magnitude = _Magnitude(price);
+    const nxTickRules rules = _GetRules();
+    const nxDecimal magnitude = nxTickRules::GetMagnitude(price);
     if (magnitude.IsNegative())
         return _ranges.end();
     const nxMutexGuard guard(_lock);
-    if (_zone.Contains(price) || _Search(price) != nxTickGrid::NotFound)
+    if (_place.zone.Contains(price) || _Search(price) != nxTickGrid::NotFound)
         return _cache;
     if (_cache != _ranges.end() && !(_cache->first < magnitude) &&
         (_cache == _ranges.begin() || std::prev(_cache)->first < magnitude))
         return _cache;
-    const iterator band = _Scan(magnitude);
+    const iterator band = rules.FindBandByDecimals(magnitude);
     if (band != _ranges.end())
         _SetCache(band);
     return band;
@@ -122,112 +80,54 @@ nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& p
 
 std::size_t nxVariableTickTable::_Search(const nxDecimal& price) const
 {
-    const std::size_t stretch = _grid.Find(price);
+    const nxTickRules rules = _GetRules();
+    const std::size_t stretch = rules.FindStretch(price);
     if (stretch == nxTickGrid::NotFound)
         return stretch;
-    const iterator band = _ranges.begin() + static_cast<std::ptrdiff_t>(_grid.GetBand(stretch));
+    const iterator band = rules.GetBand(stretch);
     if (band != _cache)
         _SetCache(band);
-    if (band != _cache)  // an override has not remembered it
+    if (band != _cache)  // an override did not remember it
         return nxTickGrid::NotFound;
-    if (stretch == _lastStretch)
-        _grid.Fill(stretch, price, _zone);
-    _lastStretch = stretch;
+    _place.Note(rules, stretch, price);
     return stretch;
 }
 
 const nxDecimal* nxVariableTickTable::_SearchTick(nxDecimal price) const
 {
     const std::size_t stretch = _Search(price);
-    return stretch == nxTickGrid::NotFound ? nullptr : &_grid.GetIncrement(stretch);
+    return stretch == nxTickGrid::NotFound ? nullptr : &_GetRules().GetTick(stretch);
 }
 
 bool nxVariableTickTable::_Relocate(const nxDecimal& price) const
 {
-    if (_zone.Contains(price))
+    if (_place.zone.Contains(price))
         return true;
     const std::size_t stretch = _Search(price);
     if (stretch == nxTickGrid::NotFound)
         return false;
-    if (!_zone.Contains(price))
-        _grid.Fill(stretch, price, _zone);
+    if (!_place.zone.Contains(price))
+        _GetRules().FillZone(stretch, price, _place.zone);
     return true;
-}
-
-const nxDecimal& nxVariableTickTable::_TickIn(iterator band, const nxDecimal& magnitude) const
-{
-    if (band == _ranges.begin())
-        return band->second;
-    const auto& [lowerBound, lowerIncrement] = *std::prev(band);
-    nxDecimal ownTickFrom = lowerBound;
-    nxExactSum::Add(ownTickFrom, lowerIncrement, true);
-    return magnitude < ownTickFrom ? lowerIncrement : band->second;
 }
 
 const nxDecimal& nxVariableTickTable::_GetIncrementForPrice(const nxDecimal& price) const
 {
     const iterator band = _FindRange(price);
-    return band == _ranges.end() ? _ReportUnknownBand() : _TickIn(band, _Magnitude(price));
+    return band == _ranges.end() ? nxTickRules::ReportUnknownBand()
+                                 : _GetRules().GetTickIn(band, nxTickRules::GetMagnitude(price));
 }
 
 unsigned char nxVariableTickTable::NumberOfDecimalPlaces(const nxDecimal& price) const
 {
-    const iterator band = _FindRange(price);
-    return band == _ranges.end() ? static_cast<unsigned char>(0) : band->second.GetDecimalPlaces();
+    return _GetRules().GetPlaces(_FindRange(price));
 }
 
-void nxVariableTickTable::_IncreasePrice(nxDecimal& price, iterator band) const
-{
-    if (band == _ranges.end())
-        return;
-    nxExactSum::Add(price, band->second, true);
-    price.SetDecimalPlaces(_BandAfterStep(band, true, price)->second.GetDecimalPlaces(), true);
-}
+void nxVariableTickTable::_IncreasePrice(nxDecimal& price, iterator band) const { _GetRules().Move(true, price, band); }
 
 void nxVariableTickTable::_DecreasePrice(nxDecimal& price, iterator band) const
 {
-    if (band == _ranges.end())
-        return;
-    nxExactSum::Add(price, band->second, false);
-    price.SetDecimalPlaces(_BandAfterStep(band, false, price)->second.GetDecimalPlaces(), true);
-}
-
-// The band whose places the price gets that a step by the increment of `band` led to.
-nxVariableTickTable::iterator nxVariableTickTable::_BandAfterStep(iterator band, bool isIncrease,
-                                                                  const nxDecimal& price) const
-{
-    const bool isOutwards = isIncrease ? price.IsPositive() : price.IsNegative();
-    if (!isOutwards || std::next(band) == _ranges.end())
-        return band;
-    const nxDecimal magnitude = nxDecimal::Abs(price);
-    return magnitude.IsNegative() || magnitude > band->first ? std::next(band) : band;
-}
-
-// The band whose increment a step from a price in `band` uses.
-nxVariableTickTable::iterator nxVariableTickTable::_BandOfStep(iterator band, bool isOutwards,
-                                                               const nxDecimal& magnitude) const
-{
-    if (isOutwards || band == _ranges.begin())
-        return band;
-    const auto& [lowerBound, lowerIncrement] = *std::prev(band);
-    nxDecimal inwards = magnitude;
-    const bool isLower = nxExactSum::TryAdd(inwards, lowerIncrement, false)
-                             ? inwards <= lowerBound
-                             : nxExactSum::IsWithin(magnitude, lowerBound, lowerIncrement);
-    return isLower ? std::prev(band) : band;
-}
-
-void nxVariableTickTable::_StepFrom(iterator band, bool up, nxDecimal& price) const
-{
-    // A negative price is stepped as its mirror image.
-    const bool isNegative = price.IsNegative();
-    const bool isOutwards = up != isNegative;
-    if (isNegative)
-        price.InvertSign();
-    band = _BandOfStep(band, isOutwards, price);
-    isOutwards ? _IncreasePrice(price, band) : _DecreasePrice(price, band);
-    if (isNegative)
-        price.InvertSign();
+    _GetRules().Move(false, price, band);
 }
 
 nxDecimal nxVariableTickTable::_StepSlowly(bool up, nxDecimal price) const
@@ -236,14 +136,14 @@ nxDecimal nxVariableTickTable::_StepSlowly(bool up, nxDecimal price) const
         return price;
     {
         const nxMutexGuard guard(_lock);
-        if (!_zone.Contains(price) && _Relocate(price) && _zone.Step(up, 1, price) != 0)
+        if (!_place.zone.Contains(price) && _Relocate(price) && _place.zone.Step(up, 1, price) != 0)
             return price;
     }
     const iterator band = _FindRange(price);
     if (band == _ranges.end())
-        _ReportUnknownBand();
+        nxTickRules::ReportUnknownBand();
     else
-        _StepFrom(band, up, price);
+        _GetRules().StepFrom(band, up, price);
     return price;
 }
 
@@ -255,11 +155,11 @@ nxDecimal nxVariableTickTable::_RoundBy(const nxDecimal* tick, const nxRoundingM
     return price;
 }
 
-nxTickTableCursor nxVariableTickTable::_StartCursor(const nxDecimal& price) const
+nxTickPlace nxVariableTickTable::_StartPlace(const nxDecimal& price) const
 {
     const nxMutexGuard guard(_lock);
     _Relocate(price);
-    return nxTickTableCursor(*this, _zone);
+    return _place;
 }
 
 void nxVariableTickTable::GetTickIncrement(std::span<const nxDecimal> prices, std::span<nxDecimal> increments) const
@@ -267,9 +167,10 @@ void nxVariableTickTable::GetTickIncrement(std::span<const nxDecimal> prices, st
     const std::size_t count = std::min(prices.size(), increments.size());
     if (count == 0)
         return;
-    nxTickTableCursor cursor = _StartCursor(prices.front());
+    const nxTickRules rules = _GetRules();
+    nxTickPlace place = _StartPlace(prices.front());
     for (std::size_t i = 0; i < count; ++i)
-        increments[i] = cursor.GetTickIncrement(prices[i]);
+        increments[i] = place.zone.Contains(prices[i]) ? *place.zone.increment : place.FindTick(rules, prices[i]);
 }
 
 void nxVariableTickTable::Increment(nxDecimal& price, int ticks) const { Increment(std::span(&price, 1), ticks); }
@@ -278,16 +179,27 @@ void nxVariableTickTable::Increment(std::span<nxDecimal> prices, int ticks) cons
 {
     if (prices.empty() || ticks == 0)
         return;
-    nxTickTableCursor cursor = _StartCursor(prices.front());
-    for (nxDecimal& price : prices)
-        ticks == 1 ? cursor.Increment(price) : cursor.Increment(price, ticks);
+    const nxTickRules rules = _GetRules();
+    nxTickPlace place = _StartPlace(prices.front());
+    const auto moveAll = [&](bool isUp, std::uint64_t count)
+    {
+        for (nxDecimal& price : prices)
+            if (const std::uint64_t done = place.zone.Step(isUp, count, price); done != count) [[unlikely]]
+                price = place.Step(rules, isUp, count - done, price);
+    };
+    if (ticks == 1)
+        moveAll(true, 1);
+    else
+        moveAll(ticks > 0, nxTickPlace::CountSteps(ticks));
 }
 
 void nxVariableTickTable::RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const
 {
     if (prices.empty())
         return;
-    nxTickTableCursor cursor = _StartCursor(prices.front());
+    const nxTickRules rules = _GetRules();
+    nxTickPlace place = _StartPlace(prices.front());
     for (nxDecimal& price : prices)
-        cursor.RoundToValidTick(method, price);
+        if (!place.zone.Round(method, price)) [[unlikely]]
+            price = place.Round(rules, method, price);
 }

@@ -10,11 +10,10 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
 #include "core/price/inline/nxTickGrid.h"
-#include "core/price/inline/nxTickZone.h"
+#include "core/price/inline/nxTickPlace.h"
+#include "core/price/inline/nxTickRules.h"
 #include "core/thread/nxMutex.h"
 #include "core/thread/nxMutexGuard.h"
-
-class nxTickTableCursor;
 
 /// The ticks of an instrument whose smallest price step depends on the price: below one price the tick is one size, up
 /// to the next price another, and so on.
@@ -66,8 +65,8 @@ public:
     {
         {
             const nxMutexGuard guard(_lock);
-            if (_zone.Contains(price))
-                return *_zone.increment;
+            if (_place.zone.Contains(price))
+                return *_place.zone.increment;
             if (const nxDecimal* const tick = _SearchTick(price); tick != nullptr)
                 return *tick;
         }
@@ -105,7 +104,7 @@ public:
         const nxDecimal* tick = nullptr;
         {
             const nxMutexGuard guard(_lock);
-            if (_zone.Round(method, price)) [[likely]]
+            if (_place.zone.Round(method, price)) [[likely]]
                 return;
             tick = _SearchTick(price);
         }
@@ -121,6 +120,9 @@ public:
     const std::vector<std::pair<nxDecimal, nxDecimal>>& GetRangeData() const { return _ranges; }
     /// @return the smallest increment; a null decimal when there are no bands.
     nxDecimal GetMinimumTickIncrement() const;
+
+    /// @return what table and cursors answer by when nothing is remembered; it refers to this table.
+    nxTickRules _GetRules() const { return nxTickRules(_ranges, _grid, _isAscending); }
 
 protected:
     /// A band of the table.
@@ -158,49 +160,32 @@ protected:
     void _DecreasePrice(nxDecimal& price, iterator band) const;
 
 private:
-    friend class nxTickRun;
-    friend class nxTickTableCursor;
-    friend class nxVariableTickTableContainer;
-
-    // The magnitude by which a price is looked up; negative for the one mantissa that has none.
-    static nxDecimal _Magnitude(const nxDecimal& price);
-    static const nxDecimal& _ReportUnknownBand();
-
-    // Without lock or memory; all but the first by the decimal rules.
-    iterator _Find(const nxDecimal& price) const;
-    iterator _Scan(const nxDecimal& magnitude) const;
-    const nxDecimal& _TickIn(iterator band, const nxDecimal& magnitude) const;
-    iterator _BandOfStep(iterator band, bool isOutwards, const nxDecimal& magnitude) const;
-    iterator _BandAfterStep(iterator band, bool isIncrease, const nxDecimal& price) const;
-    void _StepFrom(iterator band, bool up, nxDecimal& price) const;
-
     // Finds the stretch of a price that is not in the zone, and makes its band the remembered one; NotFound when the
-    // price needs the decimal rules. The zone follows when two searches come to one stretch: prices that jump about
-    // would gain nothing by it.
+    // price needs the decimal rules.
     std::size_t _Search(const nxDecimal& price) const NX_REQUIRES(_lock);
     // The tick at a price that is not in the zone; null when the price needs the decimal rules.
     const nxDecimal* _SearchTick(nxDecimal price) const NX_REQUIRES(_lock);
     // Makes the zone one that holds the price, for steps; false when the price needs the decimal rules.
     bool _Relocate(const nxDecimal& price) const NX_REQUIRES(_lock);
-    nxTickTableCursor _StartCursor(const nxDecimal& price) const;
+    // A copy of the remembered place, near the price.
+    nxTickPlace _StartPlace(const nxDecimal& price) const;
 
     bool _StepInZone(bool up, nxDecimal& price) const
     {
         const nxMutexGuard guard(_lock);
-        return _zone.Step(up, 1, price) != 0;
+        return _place.zone.Step(up, 1, price) != 0;
     }
     // By value, so that the caller's price can stay in registers.
     nxDecimal _StepSlowly(bool up, nxDecimal price) const;
     // By the tick, or by the decimal rules where it is null.
     nxDecimal _RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal price) const;
 
+    // Inline functions of programs that were built before use these members: their order and their meaning stay.
     std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;
     mutable nxMutex _lock;
     mutable iterator _cache NX_GUARDED_BY(_lock);
-
-    // The remembered band once more, as integers: empty, or within the band at _cache.
-    mutable nxTickZone _zone NX_GUARDED_BY(_lock);
-    mutable std::size_t _lastStretch NX_GUARDED_BY(_lock) = nxTickGrid::NotFound;
+    // The remembered band again, as integers: empty, or within the band at _cache.
+    mutable nxTickPlace _place NX_GUARDED_BY(_lock);
     nxTickGrid _grid;
     bool _isAscending = true;  // each bound above the one before it
 };

@@ -53,7 +53,7 @@ nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
 void nxVariableTickTableContainer::_Register(const std::string& name, const std::string& id, nxVariableTickTable* table)
 {
     std::unique_ptr<nxVariableTickTable> owned(table);
-    if (owned == nullptr || !owned->_CheckConstraints())
+    if (owned == nullptr || !owned->_GetRules().KeepConstraints())
         return;
     const nxMutexGuard guard(_lock);
     if (_names.contains(name) || _tables.contains(id))

@@ -52,15 +52,14 @@ std::uint64_t nxTickRun::_LeapAsLearnt(nxDecimal& price, std::uint64_t wanted)
 }
 
 // The end when the price has no band.
-nxTickRun::iterator nxTickRun::_BandOfStep(const nxDecimal& price) const
+nxTickRun::Band nxTickRun::_BandOfStep(const nxDecimal& price) const
 {
-    const iterator band = _table._Find(price);
-    return band == _table._ranges.end()
-               ? band
-               : _table._BandOfStep(band, _IsOutwards(price.IsNegative()), nxDecimal::Abs(price));
+    const Band band = _rules.FindBand(price);
+    return band == _rules.End() ? band
+                                : _rules.GetBandOfStep(band, _IsOutwards(price.IsNegative()), nxDecimal::Abs(price));
 }
 
-bool nxTickRun::_GoesBy(iterator band, const _Stretch& stretch, const nxDecimal& price) const
+bool nxTickRun::_GoesBy(Band band, const _Stretch& stretch, const nxDecimal& price) const
 {
     if (_BandOfStep(price) != band)
         return false;
@@ -72,17 +71,17 @@ bool nxTickRun::_GoesBy(iterator band, const _Stretch& stretch, const nxDecimal&
     landing = nxDecimal::ConstructFromValueAndDecimalPlaces(
         static_cast<std::int64_t>(isOutwards ? mantissa + stretch.step : mantissa - stretch.step),
         price.GetDecimalPlaces());
-    return !(isOutwards && landing.IsNegative()) && _table._BandAfterStep(band, isOutwards, landing) == band;
+    return !(isOutwards && landing.IsNegative()) && _rules.GetBandAfterStep(band, isOutwards, landing) == band;
 }
 
 void nxTickRun::_Learn(const nxDecimal& price)
 {
-    const iterator band = _BandOfStep(price);
-    if (band == _table._ranges.end() || !band->second.IsPositive() || price.GetScale() < band->second.GetScale())
+    const Band band = _BandOfStep(price);
+    if (band == _rules.End() || !band->second.IsPositive() || price.GetScale() < band->second.GetScale())
         return;
     const unsigned char places = price.GetDecimalPlaces();
     const unsigned char tickPlaces = band->second.GetDecimalPlaces();
-    const iterator next = std::next(band) == _table._ranges.end() ? band : std::next(band);
+    const Band next = std::next(band) == _rules.End() ? band : std::next(band);
     const unsigned char nextPlaces = next->second.GetDecimalPlaces();
     _Stretch stretch;
     stretch.scale = price.GetScale();
@@ -112,7 +111,7 @@ void nxTickRun::_Learn(const nxDecimal& price)
         }
         return inside;
     };
-    if (band == _table._ranges.begin() && !stretch.staysInItsBand)
+    if (_rules.IsFirst(band) && !stretch.staysInItsBand)
     {
         // The first band lies on both sides of 0.
         const std::uint64_t least = findLast(true, 0, INT64_MAX);

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "core/numeric/nxDecimal.h"
+#include "core/price/inline/nxTickRules.h"
 #include "core/price/inline/nxTickZone.h"
-#include "core/price/nxVariableTickTable.h"
 
 /// Cuts short a long run of steps that go by the decimal rules: it learns stretches of prices from which every step adds
 /// the same integer, and takes all the steps within one at once.
@@ -19,7 +19,7 @@ class nxTickRun
 {
 public:
     /// @param isUp the direction of all steps.
-    nxTickRun(const nxVariableTickTable& table, bool isUp) : _table(table), _isUp(isUp) {}
+    nxTickRun(const nxTickRules& rules, bool isUp) : _rules(rules), _isUp(isUp) {}
 
     /// Moves the price by as many of the @p wanted steps as the stretch around it tells.
     /// @return how many; 0 when the price lies in no stretch that is known.
@@ -37,7 +37,7 @@ public:
     }
 
 private:
-    typedef nxVariableTickTable::iterator iterator;
+    typedef nxTickRules::Band Band;
 
     struct _Stretch
     {
@@ -58,11 +58,11 @@ private:
     std::uint64_t _LeapAsLearnt(nxDecimal& price, std::uint64_t wanted);
     const _Stretch* _Find(std::uint64_t scale, std::int64_t value);
     std::uint64_t _CountSteps(const _Stretch& stretch, std::int64_t value) const;
-    iterator _BandOfStep(const nxDecimal& price) const;
-    bool _GoesBy(iterator band, const _Stretch& stretch, const nxDecimal& price) const;
+    Band _BandOfStep(const nxDecimal& price) const;
+    bool _GoesBy(Band band, const _Stretch& stretch, const nxDecimal& price) const;
     void _Learn(const nxDecimal& price);
 
-    const nxVariableTickTable& _table;
+    const nxTickRules& _rules;
     bool _isUp;
     unsigned _watched = 0;
     std::size_t _learnt = 0;

@@ -1,0 +1,56 @@
+#ifndef CORE_PRICE_INLINE_NXTICKPLACE_H
+#define CORE_PRICE_INLINE_NXTICKPLACE_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxDecimal.h"
+#include "core/price/inline/nxTickGrid.h"
+#include "core/price/inline/nxTickRules.h"
+#include "core/price/inline/nxTickZone.h"
+
+/// A place in a tick table: what is remembered of the last searches. A table has one under its lock, and every cursor
+/// and every operation on a span has one of its own.
+///
+/// The zone answers for prices that lie in it. The functions below take the prices that the zone declines, and those
+/// alone need the rules. Except for Note() they never use what the owner remembers beside the place.
+/// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
+struct nxTickPlace
+{
+    nxTickZone zone;                                 ///< Of the last price whose neighbours were likely to follow.
+    std::size_t lastStretch = nxTickGrid::NotFound;  ///< What the last search found.
+
+    /// Takes note of a search that found @p stretch for a price outside of the zone. The zone follows when two searches
+    /// in turn find one stretch, because prices that jump about would gain nothing by it.
+    void Note(const nxTickRules& rules, std::size_t stretch, const nxDecimal& price)
+    {
+        if (stretch == lastStretch)
+            rules.FillZone(stretch, price, zone);
+        lastStretch = stretch;
+    }
+
+    /// @return how many steps @p ticks are, in either direction.
+    static std::uint64_t CountSteps(int ticks)
+    {
+        return static_cast<std::uint64_t>(ticks > 0 ? std::int64_t{ticks} : -std::int64_t{ticks});
+    }
+
+    /// Makes the zone one that holds the price.
+    /// @return false when the price needs the decimal rules; the zone is then as it was.
+    bool Relocate(const nxTickRules& rules, const nxDecimal& price);
+
+    /// @return the tick at the price; a null decimal, after a fatal record in the log, when the price has no band.
+    const nxDecimal& FindTick(const nxTickRules& rules, nxDecimal price);
+    /// @return the band of the price.
+    nxTickRules::Band FindBand(const nxTickRules& rules, const nxDecimal& price);
+    /// @return the price moved by @p ticks single steps; one without a band is reported and returned as it is.
+    nxDecimal Step(const nxTickRules& rules, bool isUp, std::uint64_t ticks, nxDecimal price);
+    /// @return the price rounded to a multiple of the tick at it; one that is not valid as it is.
+    nxDecimal Round(const nxTickRules& rules, const nxRoundingMethodEnum& method, nxDecimal price);
+
+private:
+    bool _StepByDecimals(const nxTickRules& rules, bool isUp, nxDecimal& price);
+};
+
+#endif
