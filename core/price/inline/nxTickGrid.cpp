@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 
+#include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxPowersOfTen.h"
 
 namespace
@@ -16,12 +17,11 @@ constexpr std::uint64_t maxMagnitude = INT64_MAX;
 void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned char& shift)
 {
     shift = static_cast<unsigned char>(std::bit_width(divisor) - 1);
-    __extension__ typedef unsigned __int128 Wide;
     // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): increments are positive, so a divisor is
-    reciprocal = static_cast<std::uint64_t>(((Wide{1} << (63 + shift)) + divisor - 1) / divisor);
+    reciprocal = static_cast<std::uint64_t>(((nxUnsignedWide{1} << (63 + shift)) + divisor - 1) / divisor);
 }
 
-// The largest magnitude that stays within nxTickZone::MaxScaled when it gets so many more places.
+// The largest magnitude that stays within nxTickZone::MaxScaled with the given number of places added.
 constexpr auto maxExact = []
 {
     std::array<std::uint64_t, maxPlaces + 1> limits{};
@@ -30,7 +30,7 @@ constexpr auto maxExact = []
     return limits;
 }();
 
-// Takes the common scale's codes of ends to magnitudes of one number of places.
+// Takes codes of the common scale to magnitudes of one number of places, and back.
 class Scale
 {
 public:
@@ -47,24 +47,26 @@ public:
     // The largest magnitude of which all is known that the rules ask.
     std::uint64_t GetMaxExact() const { return _isFiner ? nxTickZone::MaxScaled : maxExact[_difference]; }
 
-    // Where a magnitude lies among the codes: 2x on a point x of the common scale, 2x + 1 behind it; behind all codes
-    // when it is beyond GetMaxExact().
-    std::uint64_t GetPosition(std::uint64_t magnitude) const
+    // Where a magnitude lies on the common scale; after everything when it is beyond GetMaxExact().
+    nxTickGrid::Code GetCode(std::uint64_t magnitude) const
     {
         if (magnitude > GetMaxExact())
-            return UINT64_MAX;
-        return _isFiner ? 2 * (magnitude / _power) + (magnitude % _power != 0 ? 1 : 0) : 2 * magnitude * _power;
+            return nxTickGrid::Code::Last();
+        if (!_isFiner)
+            return nxTickGrid::Code::At(magnitude * _power);
+        const std::uint64_t point = magnitude / _power;
+        return magnitude % _power != 0 ? nxTickGrid::Code::After(point) : nxTickGrid::Code::At(point);
     }
 
-    // The largest magnitude whose position is not behind the code, but GetMaxExact() at most.
-    std::uint64_t GetLastAt(std::uint64_t code) const
+    // The largest magnitude whose code is not after this one, but GetMaxExact() at most.
+    std::uint64_t GetLastAt(nxTickGrid::Code code) const
     {
         if (_difference == 0)
-            return std::min(code / 2, GetMaxExact());
+            return std::min(code.GetPointBelow(), GetMaxExact());
         if (!_isFiner)
-            return std::min(code / (2 * _power), GetMaxExact());
-        const std::uint64_t point = code / 2 + code % 2;
-        return point > maxExact[_difference] ? GetMaxExact() : point * _power - code % 2;
+            return std::min(code.GetPointBelow() / _power, GetMaxExact());
+        const std::uint64_t point = code.GetPointAbove();
+        return point > maxExact[_difference] ? GetMaxExact() : point * _power - (code.IsGap() ? 1 : 0);
     }
 
 private:
@@ -73,46 +75,57 @@ private:
     bool _isFiner;
 };
 
-// Where a stretch lies, in magnitudes of one number of places.
+// Where a stretch lies, in magnitudes of one number of places. The zone of negative prices is its mirror.
 struct Extent
 {
-    std::uint64_t first;      // 0 for the first stretch, which lies on both sides of 0
-    std::uint64_t last;       // as far as the tick is known
-    std::uint64_t lastExact;  // as far as everything is
-    std::uint64_t firstInwards;
-    bool isNegative;
+    std::uint64_t first;             // 0 for the first stretch, which lies on both sides of 0
+    std::uint64_t last;              // as far as the tick is known
+    std::uint64_t lastExact;         // as far as everything is known
+    std::uint64_t firstStepInwards;  // from where a step towards zero takes the tick of the stretch
+    bool isNegative;                 // which side the zone is for
     bool isFirst;
 
+    // The prices of the given magnitudes: on both sides of 0, or on the zone's own.
     nxTickZone::Range MakeRange(std::uint64_t from, std::uint64_t to) const
     {
-        if (isFirst)
-            return {0 - to, 2 * to};
+        return isFirst ? nxTickZone::Range{0 - to, 2 * to} : MakeOneSided(from, to);
+    }
+    nxTickZone::Range MakeOneSided(std::uint64_t from, std::uint64_t to) const
+    {
         return {isNegative ? 0 - to : from, to - from};
     }
 };
 
+// The largest multiple that is not above the number, in divisors.
+std::int64_t DivideDownwards(std::int64_t number, std::int64_t divisor)
+{
+    return number / divisor - (number % divisor < 0 ? 1 : 0);
+}
+
+// One tick is `divisor` at the scale of the division, which is the finer one of the prices and the grid.
 void SetRounding(const Extent& extent, const Scale& scale, std::uint64_t divisor, nxTickZone& zone)
 {
     // The division takes the whole stretch and two ticks.
     if (extent.first > extent.lastExact || divisor > nxTickZone::MaxScaled / 4)
         return;
-    const std::uint64_t factor = scale.IsFiner() ? 1 : scale.GetPower();
-    const bool isNegative = extent.isNegative;
-    // Towards zero by magnitude is upwards for a negative price.
-    const std::uint64_t start = factor * (isNegative ? extent.lastExact : extent.first);
-    const std::uint64_t ticks = (start + (isNegative ? divisor - 1 : 0)) / divisor;
-    const std::uint64_t distance = 2 * (isNegative ? ticks * divisor - start : start - ticks * divisor);
-    const std::uint64_t up = distance + divisor / 2 * 2;
-    const std::uint64_t down = distance + (divisor - 1) / 2 * 2;
+    zone.rounding = extent.MakeOneSided(extent.first, extent.lastExact);
     zone.roundingPlaces = zone.places;
-    zone.rounding = {isNegative ? 0 - extent.lastExact : extent.first, extent.lastExact - extent.first};
+
+    const std::uint64_t factor = scale.IsFiner() ? 1 : scale.GetPower();
+    const auto tick = static_cast<std::int64_t>(divisor);
+    const auto lowest = static_cast<std::int64_t>(zone.rounding.first * factor);
+    const std::int64_t ticks = DivideDownwards(lowest, tick);
+    const std::uint64_t distance = 2 * static_cast<std::uint64_t>(lowest - ticks * tick);
     zone.factor = 2 * factor;
     zone.tick = zone.increment->GetValue();
-    zone.base = static_cast<std::int64_t>(ticks) * (isNegative ? -zone.tick : zone.tick);
+    zone.base = ticks * zone.tick;
+    // Half a tick goes away from zero when rounded to the nearest, and towards zero by the modified method.
+    const std::uint64_t tieUp = distance + divisor / 2 * 2;
+    const std::uint64_t tieDown = distance + (divisor - 1) / 2 * 2;
     zone.start[0] = distance;
     zone.start[1] = distance + 2 * (divisor - 1);
-    zone.start[2] = isNegative ? down : up;  // half a tick goes away from zero
-    zone.start[3] = isNegative ? up : down;
+    zone.start[2] = extent.isNegative ? tieDown : tieUp;
+    zone.start[3] = extent.isNegative ? tieUp : tieDown;
 }
 
 // A step adds at the price's own scale.
@@ -133,12 +146,13 @@ void SetSteps(const Extent& extent, nxTickZone& zone)
     }
     else
     {
-        const std::uint64_t firstInwards = std::max(extent.firstInwards, step);
-        // Then there are prices inwards, too: they begin one behind the first.
+        const std::uint64_t firstInwards = std::max(extent.firstStepInwards, step);
+        // Then the range inwards is not empty either: it begins right after the first price, and a top band ends beyond
+        // 2^49 units.
         if (last < extent.first + step)
             return;
-        const nxTickZone::Range outwards = extent.MakeRange(extent.first, last - step);
-        const nxTickZone::Range inwards = extent.MakeRange(firstInwards, last);
+        const nxTickZone::Range outwards = extent.MakeOneSided(extent.first, last - step);
+        const nxTickZone::Range inwards = extent.MakeOneSided(firstInwards, last);
         zone.up = extent.isNegative ? inwards : outwards;
         zone.down = extent.isNegative ? outwards : inwards;
     }
@@ -175,14 +189,14 @@ bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
     std::uint64_t tick = 0;
     if (!_ScaleUp(increment, tick) || (!isTop && !_ScaleUp(bands[band].first, bound)))
         return false;
-    const std::uint64_t end = isTop ? UINT64_MAX : 2 * bound;
+    const Code end = isTop ? Code::Last() : Code::At(bound);
     if (band != 0)
     {
         const auto& [lowerBound, lowerIncrement] = bands[band - 1];
         std::uint64_t threshold = 0;
-        if (end <= _ends.back() || !_ScaleUp(lowerBound + lowerIncrement, threshold))
+        if (!(_ends.back() < end) || !_ScaleUp(lowerBound + lowerIncrement, threshold))
             return false;
-        _AddStretch(std::min(2 * threshold - 1, end), band, lowerIncrement, false);
+        _AddStretch(std::min(Code::Before(threshold), end), band, lowerIncrement, false);
         if (end == _ends.back())
             return true;
     }
@@ -190,19 +204,19 @@ bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
     return true;
 }
 
-void nxTickGrid::_AddStretch(std::uint64_t end, std::size_t band, const nxDecimal& increment, bool hasOwnTick)
+void nxTickGrid::_AddStretch(Code end, std::size_t band, const nxDecimal& increment, bool isUpperPart)
 {
     _Stretch stretch;
     stretch.increment = &increment;
     _ScaleUp(increment, stretch.divisor);
     SetReciprocal(stretch.divisor, stretch.reciprocal, stretch.shift);
     stretch.band = static_cast<std::uint32_t>(band);
-    stretch.hasOwnTick = hasOwnTick;
+    stretch.isUpperPart = isUpperPart;
     _stretches.push_back(stretch);
     _ends.push_back(end);
 }
 
-// False unless the number, a band's or the sum of two, is positive and within the limits.
+// Takes a number of a band, or the sum of two, to the common scale; false when it is not positive or beyond the limits.
 bool nxTickGrid::_ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const
 {
     if (!number.IsPositive() || _places > maxPlaces)
@@ -224,12 +238,12 @@ std::size_t nxTickGrid::Find(const nxDecimal& price) const
     if (magnitude > (scale.IsFiner() ? scale.GetMaxExact() : maxMagnitude))
         return NotFound;
 
-    // The first end that is not before the price; there is one, as the last is before none. Without branches, because
-    // prices that come here are those that could not be foretold.
-    const std::uint64_t position = scale.GetPosition(magnitude);
+    // The first end that is not before the price; there is one, because the last is after everything. Branch-free,
+    // because prices that miss the remembered zone are unpredictable.
+    const Code code = scale.GetCode(magnitude);
     std::size_t first = 0;
     for (std::size_t count = _ends.size(); count > 1; count -= count / 2)
-        first += _ends[first + count / 2 - 1] < position ? count / 2 : 0;
+        first += _ends[first + count / 2 - 1] < code ? count / 2 : 0;
     return first;
 }
 
@@ -245,7 +259,7 @@ void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zon
     extent.lastExact = scale.GetLastAt(_ends[index]);
     extent.last = index + 1 == _ends.size() && !scale.IsFiner() ? maxMagnitude : extent.lastExact;
     // On the point where this band's tick begins a step towards zero still goes by the band below.
-    extent.firstInwards = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1] + 1) + 1;
+    extent.firstStepInwards = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1].GetNext()) + 1;
 
     // Every member is written once, and singly: a copy would wait for the writes.
     zone.prices = extent.MakeRange(extent.first, extent.last);
@@ -267,6 +281,6 @@ void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zon
         SetReciprocal(divisor, zone.reciprocal, zone.shift);
         SetRounding(extent, scale, divisor, zone);
     }
-    if (stretch.hasOwnTick)
+    if (stretch.isUpperPart)
         SetSteps(extent, zone);
 }

@@ -9,12 +9,14 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/price/inline/nxTickZone.h"
 
-/// The bands of one tick table as plain integers at one common scale, so that a search compares integers. Not for
-/// applications; a table keeps one beside its bands.
+/// The bands of one tick table as plain integers at one common scale, so that a search compares integers. A table keeps
+/// one beside its bands.
 ///
 /// The rules of a table are made of decimal comparisons and additions, which go through doubles across scales. For
 /// operands of at most 15 places and less than 2^49 units those are exact, and integers decide the same. Find()
 /// declines everything else.
+///
+/// The words band, stretch and zone are explained in nxTickRules.
 /// - Threads: Build() excludes everything; the rest may run in any number of threads.
 /// - Ownership: points into the bands it was built from.
 class nxTickGrid
@@ -22,6 +24,38 @@ class nxTickGrid
 public:
     /// Inclusive upper bounds and increments, ascending, the last bound the maximum decimal.
     typedef std::vector<std::pair<nxDecimal, nxDecimal>> Bands;
+
+    /// A position on the common scale: on one of its points, or in the gap between two. Ends of stretches and magnitudes
+    /// of any number of places become codes, which compare as their positions do.
+    class Code
+    {
+    public:
+        /// On the point @p x, which is less than 2^63.
+        static constexpr Code At(std::uint64_t x) { return Code(2 * x); }
+        /// In the gap before @p x, which is positive.
+        static constexpr Code Before(std::uint64_t x) { return Code(2 * x - 1); }
+        /// In the gap after @p x, which is the one before x + 1.
+        static constexpr Code After(std::uint64_t x) { return Code(2 * x + 1); }
+        /// After everything.
+        static constexpr Code Last() { return Code(UINT64_MAX); }
+
+        /// @return the position after this one: from a gap to a point, from a point to a gap. Last() has none.
+        constexpr Code GetNext() const { return Code(_code + 1); }
+        /// @return whether this is a gap.
+        constexpr bool IsGap() const { return _code % 2 != 0; }
+        /// @return the last point that is not after this position.
+        constexpr std::uint64_t GetPointBelow() const { return _code / 2; }
+        /// @return the first point that is not before this position.
+        constexpr std::uint64_t GetPointAbove() const { return _code / 2 + _code % 2; }
+
+        friend constexpr bool operator<(Code a, Code b) { return a._code < b._code; }    ///< By position.
+        friend constexpr bool operator==(Code a, Code b) { return a._code == b._code; }  ///< The same position.
+
+    private:
+        constexpr explicit Code(std::uint64_t code) : _code(code) {}
+
+        std::uint64_t _code;  // 2x on the point x, and the odd numbers between in the gaps
+    };
 
     /// Replaces the grid. It stays empty, and declines every price, for bands that lack a top band, are out of order,
     /// or have numbers beyond the limits.
@@ -31,7 +65,7 @@ public:
     /// What Find() returns for a price that needs the decimal rules.
     static constexpr std::size_t NotFound = SIZE_MAX;
 
-    /// @return the stretch that holds the price; a price without a value counts as 0.
+    /// @return the stretch that holds the price, or NotFound; a price without a value counts as 0.
     std::size_t Find(const nxDecimal& price) const;
     /// @return the index of the band that a found stretch lies in.
     std::size_t GetBand(std::size_t stretch) const { return _stretches[stretch].band; }
@@ -41,26 +75,24 @@ public:
     void Fill(std::size_t stretch, const nxDecimal& price, nxTickZone& zone) const;
 
 private:
-    // One stretch at the common scale. Two make a band: the prices less than one lower tick above the lower bound,
-    // which still take the lower tick, and the rest.
+    // One stretch at the common scale.
     struct _Stretch
     {
         const nxDecimal* increment = nullptr;
-        std::uint64_t divisor = 0;
-        std::uint64_t reciprocal = 0;
+        std::uint64_t divisor = 0;     // the increment
+        std::uint64_t reciprocal = 0;  // of the divisor, as in a zone
         std::uint32_t band = 0;
         unsigned char shift = 0;
-        bool hasOwnTick = true;
+        bool isUpperPart = true;  // has its band's own tick, not the lower one
     };
 
     bool _AddBand(const Bands& bands, std::size_t band);
-    void _AddStretch(std::uint64_t end, std::size_t band, const nxDecimal& increment, bool hasOwnTick);
+    void _AddStretch(Code end, std::size_t band, const nxDecimal& increment, bool isUpperPart);
     bool _ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const;
 
-    // Where the stretches end, ascending: 2x for an end at x that belongs to its stretch, 2x - 1 for one that does not.
-    std::vector<std::uint64_t> _ends;
+    std::vector<Code> _ends;  // where each stretch ends, ascending; the end belongs to it
     std::vector<_Stretch> _stretches;
-    unsigned char _places = 0;
+    unsigned char _places = 0;  // of the common scale
 };
 
 #endif

@@ -5,12 +5,24 @@
 #include <cstdint>
 
 #include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxDecimal.h"
 
 /// A stretch of prices of one number of decimal places that lie in one band and share one tick, as plain integers: what
-/// a tick table or a cursor remembers of its last search. Not for applications; nxTickGrid makes it.
+/// a tick table or a cursor remembers of its last search. nxTickGrid makes it, and nxTickRules explains the words.
 ///
 /// Every operation either gives to the last place what the decimal rules give, or declines and touches nothing.
+///
+/// Rounding counts ticks upwards from `base`, a multiple of the tick that is not above the first price:
+///
+///     ticks   = floor((distance * factor + start[method]) / (2 * divisor))
+///     rounded = base + ticks * tick
+///
+/// where `distance` is how far the price lies above the first one, `factor` takes it to twice the units in which the
+/// division works, the finer of the price's places and the table's, and `divisor` is one tick in these units.
+/// `start[method]` is twice the distance from the base to the first price, plus twice what the method adds before the
+/// cut: nothing for DOWN, a unit less than a tick for UP, half a tick or a little less for the other two, whose ties
+/// differ. The division is a multiplication by `reciprocal` and a shift, which twice the dividend saves one bit of.
 /// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
 struct nxTickZone
 {
@@ -22,12 +34,12 @@ struct nxTickZone
 
         /// @return whether the mantissa is one of them.
         bool Contains(std::int64_t mantissa) const { return static_cast<std::uint64_t>(mantissa) - first <= span; }
-        /// @return how many mantissas of the range lie above @p mantissa, which is in it.
+        /// @return the number of mantissas of the range above @p mantissa, which is in it.
         std::uint64_t CountAbove(std::int64_t mantissa) const
         {
             return first + span - static_cast<std::uint64_t>(mantissa);
         }
-        /// @return how many mantissas of the range lie below @p mantissa, which is in it.
+        /// @return the number of mantissas of the range below @p mantissa, which is in it.
         std::uint64_t CountBelow(std::int64_t mantissa) const { return static_cast<std::uint64_t>(mantissa) - first; }
     };
 
@@ -44,17 +56,17 @@ struct nxTickZone
     std::uint16_t roundingPlaces = NoPlaces;  ///< The same, or NoPlaces when Round() declines.
     std::uint16_t steppingPlaces = NoPlaces;  ///< The same, or NoPlaces when Step() declines.
     unsigned char tickPlaces = 0;             ///< Decimal places of the increment.
-    unsigned char shift = 0;                  ///< Of the division by one tick.
+    unsigned char shift = 0;                  ///< Of the division by one tick, at most 49.
     std::uint32_t band = 0;                   ///< Index of the band.
     const nxDecimal* increment = nullptr;     ///< The tick, in the table's own band.
     std::int64_t step = 0;                    ///< One tick at the places of the prices.
     std::uint64_t reciprocal = 0;             ///< ceil(2^(63 + shift) / one tick at the scale of the division).
 
-    // Rounding counts ticks upwards from a multiple that is not above the first price.
-    std::uint64_t factor = 0;     ///< Takes a distance in prices to twice that at the scale of the division.
-    std::uint64_t start[4] = {};  ///< Twice the first price's distance and the method's bias, for each rounding method.
-    std::int64_t base = 0;        ///< The multiple.
-    std::int64_t tick = 0;        ///< One tick.
+    // The parts of the formula.
+    std::uint64_t factor = 0;     ///< Takes a distance in prices to twice that in the units of the division.
+    std::uint64_t start[4] = {};  ///< Twice the dividend of the first price, for each rounding method.
+    std::int64_t base = 0;        ///< The multiple from which ticks are counted.
+    std::int64_t tick = 0;        ///< The increment's mantissa.
 
     /// Makes the zone one that holds no price.
     void Clear() { places = roundingPlaces = steppingPlaces = NoPlaces; }
@@ -114,8 +126,7 @@ struct nxTickZone
 private:
     static std::uint64_t _MultiplyHigh(std::uint64_t a, std::uint64_t b)
     {
-        __extension__ typedef unsigned __int128 Product;
-        return static_cast<std::uint64_t>(static_cast<Product>(a) * b >> 64);
+        return static_cast<std::uint64_t>(static_cast<nxUnsignedWide>(a) * b >> 64);
     }
 };
 

@@ -5,7 +5,8 @@
 
 #include "core/numeric/nxPowersOfTen.h"
 
-// How many steps from a price of the stretch come at once: all that stay in it, and one more where that may wrap.
+// The number of steps from a price of the stretch that come at once: all that stay in it and the one that leaves it. A
+// price that may drop zeros stays, because the step that leaves may wrap and change the last digit.
 std::uint64_t nxTickRun::_CountSteps(const _Stretch& stretch, std::int64_t value) const
 {
     const std::uint64_t room = _isUp ? stretch.GetPrices().CountAbove(value) : stretch.GetPrices().CountBelow(value);
@@ -51,7 +52,7 @@ std::uint64_t nxTickRun::_LeapAsLearnt(nxDecimal& price, std::uint64_t wanted)
     return done;
 }
 
-// The end when the price has no band.
+// The band whose tick a step takes; the end of the bands when the price has none.
 nxTickRun::Band nxTickRun::_BandOfStep(const nxDecimal& price) const
 {
     const Band band = _rules.FindBand(price);
@@ -59,6 +60,7 @@ nxTickRun::Band nxTickRun::_BandOfStep(const nxDecimal& price) const
                                 : _rules.GetBandOfStep(band, _IsOutwards(price.IsNegative()), nxDecimal::Abs(price));
 }
 
+// Whether the price belongs to a stretch of the band, by claims 1 and 3.
 bool nxTickRun::_GoesBy(Band band, const _Stretch& stretch, const nxDecimal& price) const
 {
     if (_BandOfStep(price) != band)
@@ -93,7 +95,7 @@ void nxTickRun::_Learn(const nxDecimal& price)
     if (stretch.step == 0 || (places > tickPlaces && nextPlaces > places) || !_GoesBy(band, stretch, price))
         return;
 
-    // The last magnitude on the way from one inside to `end` that goes by the band.
+    // Claim 1: the last magnitude on the way from one inside to `end` that goes by the band.
     const auto findLast = [&](bool isNegative, std::uint64_t inside, std::uint64_t end)
     {
         while (inside != end)
