@@ -514,6 +514,63 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
     }
 }
 
+// Runs of steps look for the ends of a band by halves, which is right as long as this holds, at every scale and size.
+TEST(nxVariableTickTable, TheTickOfAStepNeverFallsAsThePriceGrows)
+{
+    std::mt19937_64 random(nxRandomTest::GetSeed(1));
+    const std::size_t tables = nxRandomTest::GetOperations(150'000) / 100 + 1;
+    for (std::size_t i = 0; i < tables; ++i)
+    {
+        // Two bounds of any size and fewer places than the prices, and ticks that grow.
+        const int places = static_cast<int>(random() % 19);
+        const auto cut = [&](long long mantissa)
+        {
+            nxDecimal number = D(mantissa, places);
+            number.SetDecimalPlaces(static_cast<unsigned char>(random() % static_cast<unsigned>(places + 1)), false);
+            return number;
+        };
+        const auto size = static_cast<int>(1 + random() % 63);
+        const nxDecimal lower = cut(static_cast<long long>(random() >> size));
+        const nxDecimal upper = cut(static_cast<long long>(random() >> size));
+        long long ticks[3] = {static_cast<long long>(1 + random() % 1000)};
+        ticks[1] = ticks[0] + static_cast<long long>(random() % 1000);
+        ticks[2] = ticks[1] + static_cast<long long>(random() >> (1 + random() % 63)) / 2;
+        if (!lower.IsPositive() || !(lower < upper))
+            continue;
+        Table table;
+        table._AddRange(lower, D(ticks[0], places));
+        table._AddRange(upper, D(ticks[1], places));
+        table._AddTopRange(D(ticks[2], places));
+        const auto getStep = [&](long long mantissa, bool up)
+        {
+            nxDecimal price = D(mantissa, places);
+            up ? table.Increment(price) : table.Decrement(price);
+            price.SetDecimalPlaces(static_cast<unsigned char>(places), false);
+            const std::uint64_t step =
+                static_cast<std::uint64_t>(price.GetValue()) - static_cast<std::uint64_t>(mantissa);
+            return up ? step : 0 - step;
+        };
+        for (int pair = 0; pair < 20; ++pair)
+        {
+            const long long middles[] = {lower.GetIntegerPart(), ticks[2], static_cast<long long>(random() >> size)};
+            nxDecimal near[] = {lower, upper, D(middles[random() % 3], places)};
+            nxDecimal& middle = near[random() % 3];
+            middle.SetDecimalPlaces(static_cast<unsigned char>(places), false);
+            const auto reach = static_cast<long long>(1 + random() % 3) * ticks[random() % 2];
+            const auto less = std::max<long long>(0, middle.GetValue() - reach - static_cast<long long>(random() % 3));
+            const auto more = static_cast<long long>(std::min<std::uint64_t>(
+                static_cast<std::uint64_t>(middle.GetValue()) + static_cast<std::uint64_t>(reach), INT64_MAX));
+            SCOPED_TRACE(testing::Message() << Text(lower) << ' ' << Text(upper) << ' ' << ticks[0] << ' ' << ticks[1]
+                                            << ' ' << ticks[2] << " places " << places << ": " << less << ", " << more);
+            for (const bool up : {true, false})
+            {
+                ASSERT_LE(getStep(less, up), getStep(more, up)) << up;
+                ASSERT_EQ(getStep(-more, !up), getStep(more, up)) << "the mirror image";
+            }
+        }
+    }
+}
+
 // Runs of steps beyond what the integers of a table take, or that wrap, are as long as their single steps say, and do not
 // last: two billion of these one by one would take minutes.
 TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
