@@ -78,17 +78,18 @@ class DecimalPrinter:
     """nxDecimal: all its places, NULL or NO_CHANGE."""
 
     def __init__(self, value):
-        self._mantissa, self._format = int(value["_mantissa"]), int(value["_format"])
+        number = value["_number"]
+        self._mantissa, self._scale = int(number["mantissa"]), int(number["scale"])
 
     def to_string(self):
-        if self._format == 0x100:
+        if self._scale == 0x100:
             return "NULL"
-        if self._format == 0x200:
+        if self._scale == 0x200:
             return "NO_CHANGE"
-        if not 0 <= self._format <= 255:
+        if not 0 <= self._scale <= 255:
             return NOT_INITIALISED
-        digits = str(abs(self._mantissa)).rjust(self._format + 1, "0")
-        whole, fraction = digits[:len(digits) - self._format], digits[len(digits) - self._format:]
+        digits = str(abs(self._mantissa)).rjust(self._scale + 1, "0")
+        whole, fraction = digits[:len(digits) - self._scale], digits[len(digits) - self._scale:]
         return ("-" if self._mantissa < 0 else "") + whole + ("." + fraction if fraction else "")
 
 
