@@ -5,6 +5,7 @@
 #include <set>
 
 #include "core/log/nxLogMacros.h"
+#include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/platform/nxByteSource.h"
 #include "core/price/internal/nxExactSum.h"
@@ -44,7 +45,7 @@ std::string NumberText(const nxDecimal& number)
     return stream.GetWriter().GetText();
 }
 
-// Each returns what is wrong, or nothing.
+// Each returns the fault as a sentence; empty when there is none.
 std::string CheckName(std::string_view name)
 {
     return IsName(name) ? ""
@@ -86,14 +87,14 @@ std::string CheckBand(const Bands& before, const nxDecimal& bound, const nxDecim
     return fault;
 }
 
-// A number of a band as an integer.
-__extension__ typedef __int128 Units;
-Units GetUnits(const nxDecimal& number)
+// A number of a band in units of the smallest number that a band may have.
+nxWide GetUnits(const nxDecimal& number)
 {
-    return Units{number.GetValue()} * nxPowersOfTen::GetInteger(std::size_t{maxBandPlaces} - number.GetDecimalPlaces());
+    return nxWide{number.GetValue()} *
+           nxPowersOfTen::GetInteger(std::size_t{maxBandPlaces} - number.GetDecimalPlaces());
 }
 
-// Why a file has no text; empty where it has one.
+// The reason why a file gives no text; empty where it gives one.
 std::string DescribeFailure(nxByteSource::Outcome outcome)
 {
     switch (outcome)
@@ -116,7 +117,7 @@ std::string DescribeFailure(nxByteSource::Outcome outcome)
 class Reader
 {
 public:
-    // Returns what is wrong, the line first, or nothing.
+    // Returns the fault after its line number; empty when there is none.
     std::string Read(std::string_view text)
     {
         if (text.starts_with("\xEF\xBB\xBF"))
@@ -222,7 +223,7 @@ private:
         }
     }
 
-    // Refuses what a decimal would take but not hold: more digits than its mantissa has.
+    // Refuses more digits than a mantissa holds, which a decimal would read and wrap.
     static std::string ReadNumber(std::string_view text, nxDecimal& number)
     {
         const auto digits = std::count_if(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });

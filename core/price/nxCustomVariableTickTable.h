@@ -11,8 +11,8 @@
 #include "core/nxExport.h"
 #include "core/price/nxVariableTickTable.h"
 
-/// A tick table that the catalogue lacks or that an exchange has changed, made from a list of bands or read from a
-/// file.
+/// A tick table that the catalogue lacks or that an exchange has changed. It is made from a list of bands or read from
+/// a file.
 ///
 /// A file is comma-separated text. It may hold any number of tables, each with its bands in ascending order, numbered
 /// from 1; the upper bound is inclusive, and the last band of a table has none. Bounds and increments keep the decimal
@@ -35,8 +35,8 @@
 /// - Numbers: positive, at most 18 digits, at most 15 of them decimals. The price that is one tick above a bound, and
 ///   above the lower bound of the last band, has to fit a decimal with the places of both.
 /// - Bounds: the last price of the band, one tick below the next band's first. Where an exchange says "up to and including
-///   T" by ticks of I, the bound is T - I. A bound plus its tick that is no multiple of the next tick is accepted, and
-///   told once as a warning in the log: just above such a bound prices are rounded to what is not on the next band's grid.
+///   T" by ticks of I, the bound is T - I. A bound plus its tick that is no multiple of the next tick is accepted, with
+///   one warning in the log: just above such a bound prices are rounded off the next band's grid.
 /// - Lines end in LF or CR LF; empty lines and a byte order mark at the start are skipped. A file has at most 4 MiB.
 /// - Errors: returned, with the reason as a sentence for the user; the result argument is then left as it is.
 /// - Threads and prices: as nxVariableTickTable.
@@ -50,15 +50,15 @@ public:
 
     /// Makes a table from a list of bands.
     /// @return NX_ERR_INVALID_PARAMETER for a name, a bound or an increment that is not allowed, or when there is no
-    ///         top band; @p reason then tells which.
+    ///         top band; @p reason then names the fault.
     [[nodiscard]] static nxErrorEnum Create(const std::string& name, const Bands& bands,
                                             std::unique_ptr<nxCustomVariableTickTable>& table, std::string& reason);
 
     /// Replaces @p tables with those of a file, of standard input ("/dev/stdin") or of a pipe. A name that holds a NUL
     /// cannot be opened. A pipe is read to its end; one to which nobody writes, or nothing for a minute, is an error.
     /// @return NX_ERR_FAILED_TO_OPEN_FILE, NX_ERR_FILE_READ_ERR, or NX_ERR_CSV_FILE_READ_ERROR when the text is not in
-    ///         the form above; @p reason then names the file, and for the last the line; what could steer a
-    ///         terminal is escaped, see nxPrintableText.
+    ///         the form above. @p reason then names the file, and for the last error the line. Characters that could
+    ///         steer a terminal are escaped, see nxPrintableText.
     [[nodiscard]] static nxErrorEnum ReadFile(const std::string& fileName, Tables& tables, std::string& reason);
     /// Replaces @p tables with those of a text in the form of a file, of any size.
     /// @return NX_ERR_CSV_FILE_READ_ERROR; @p reason then names the line.
@@ -67,14 +67,14 @@ public:
     const std::string& GetName() const { return _name; }  ///< "MY_SHARES"
     std::string GetID() const;                            ///< "VTT_MY_SHARES"
 
-    /// @return what the log was told of the first bound whose tick leads off the next band's grid, as a sentence for the
-    ///         user that names table and band; empty when all fit together.
+    /// @return the warning that the log was given about the first bound whose tick leads off the next band's grid, as a
+    ///         sentence for the user that names table and band; empty when all bands fit together.
     std::string GetGridWarning() const;
 
 private:
     nxCustomVariableTickTable(const std::string& name, const Bands& bands);
 
-    // A table of bands that were checked; a warning about its grid goes to the log.
+    // Makes a table of bands that were checked. A warning about its grid goes to the log.
     static std::unique_ptr<nxCustomVariableTickTable> _Make(const std::string& name, const Bands& bands);
 
     std::string _name;

@@ -10,7 +10,7 @@
 
 namespace
 {
-// So many increments; wraps as decimal arithmetic does.
+// @return @p count increments, modulo 2^64.
 nxDecimal Multiple(const nxDecimal& increment, int count)
 {
     const std::uint64_t mantissa =

@@ -22,7 +22,7 @@ class nxVariableTickTable;
 ///
 /// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone. A
 ///   negative one takes no steps, and rounds as its magnitude does.
-/// - Places: rounding gives the tick's; so do a table's steps, dropping only zeros; fixed steps give the larger number.
+/// - Places: rounding gives the tick's. A table's steps do so too, but drop only zeros. Fixed steps give the larger number.
 /// - Threads: readers may share one; a writer needs the caller's lock.
 /// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.
 class NX_CORE_API nxPriceManipulator
@@ -32,8 +32,9 @@ public:
     nxPriceManipulator() = default;
     /// A fixed tick.
     explicit nxPriceManipulator(const nxDecimal& tickIncrement) : _tickIncrement(tickIncrement) {}
-    /// A variable tick; null means none, and is told once in a process, as a warning in the log: an identifier that the
-    /// catalogue lacks would leave every price unrounded. See SetVariableTickTable(), which returns an error instead.
+    /// A variable tick. Null means no table, as a lookup gives for an identifier that the catalogue lacks; every price is
+    /// then left unrounded, and a warning goes to the log once in a process. SetVariableTickTable() returns an error
+    /// instead.
     explicit nxPriceManipulator(const nxVariableTickTable* table) : _table(table)
     {
         if (table == nullptr) [[unlikely]]

@@ -10,8 +10,8 @@
 #include "core/price/inline/nxTickPlace.h"
 #include "core/price/nxVariableTickTable.h"
 
-/// One thread's own place in a tick table: every answer is that of a table that keeps the constraints, to the last place, without
-/// the table's lock. The cursor remembers the band of the last price in itself, so that neighbouring prices cost a nanosecond.
+/// One thread's own place in a tick table. It answers without the table's lock, to the last place as a table that keeps
+/// the constraints does. It remembers the band of the last price itself, so that neighbouring prices cost a nanosecond.
 /// @code
 /// nxTickTableCursor cursor(*table);              // one for each thread, and one for each instrument
 /// for (nxDecimal& quote : quotes)

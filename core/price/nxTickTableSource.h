@@ -7,10 +7,10 @@
 
 #include "core/nxExport.h"
 
-/// Where the bands of one catalogue table come from, for people who decide whether to trust them.
+/// The source of the bands of one catalogue table, for readers that decide whether to trust them.
 ///
 /// The status is one word:
-/// - "given": reference data of the library, taken as it stands;
+/// - "given": reference data of the library, taken unchanged;
 /// - "published": found in a source that names the regime;
 /// - "derived": follows from another table or from the table's name;
 /// - "assumed": values from a source, or from a sibling, whose link to the regime is an assumption.
@@ -24,7 +24,7 @@
 class NX_CORE_API nxTickTableSource
 {
 public:
-    /// What stands before a table's name in its identifier.
+    /// The beginning of every identifier; the table's name follows.
     static constexpr std::string_view IDPrefix = "VTT_";
 
     /// @return one object for each table of the catalogue, in the catalogue's order.
@@ -37,7 +37,7 @@ public:
     std::string GetID() const;                              ///< "VTT_CHIX_FESE1"
     std::string_view GetStatus() const { return _status; }  ///< One of the four words.
     std::string_view GetSource() const { return _source; }  ///< A document or site, or the sibling table.
-    std::string_view GetNote() const { return _note; }      ///< What was assumed, left out or not found.
+    std::string_view GetNote() const { return _note; }      ///< Values that were assumed, left out or not found.
 
 private:
     constexpr nxTickTableSource(std::string_view name, std::string_view status, std::string_view source,

@@ -33,8 +33,9 @@
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
 ///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 0.05.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
-///   step lands on its bound or lower. The result has the places of the increment of the band that it lies in, but of
-///   the increment that was subtracted when it came nearer to zero: with bands (10, 0.01) and (MAX, 0.5) one step down
+///   step lands on its bound or lower.
+/// - Places: a step away from zero gives the places of the increment of the band in which the result lies. A step
+///   towards zero gives those of the increment that was subtracted: with bands (10, 0.01) and (MAX, 0.5) one step down
 ///   from 10.5 is 10.0. Zeros are added or dropped, and no other digit is.
 /// - Exactness: steps are exact sums for every number of places, while price and sum fit 64 bits at the larger one.
 /// - Negative prices are the exact mirror of their magnitude: the tick at -10.5 is that at 10.5, and one step up from
@@ -42,13 +43,13 @@
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
-/// - Limits: comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps; a price that does not fit
+/// - Limits: comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps. A price that does not fit
 ///   them at the tick's places is garbage after the step.
-/// - Constraints: bands ascend, and bounds and increments are positive. Otherwise the answers depend on what was asked
-///   before, and those of cursors differ. _AddTopRange() writes an error record to the log then; the constructor of a
-///   class of your own tests _CheckConstraints() at its end and tells its user.
-/// - Threads: a finished table is shared by any number of threads. Each search takes the table's lock, because the last
-///   band found is remembered. A thread with many prices calls an operation on a span, which takes the lock once, or
+/// - Constraints: bands ascend, and bounds and increments are positive. Otherwise answers depend on earlier questions,
+///   and those of cursors differ. _AddTopRange() then writes an error record to the log. The constructor of a derived
+///   class tests _CheckConstraints() at its end and tells its user.
+/// - Threads: any number of threads share a finished table. Each search takes the table's lock, because the table
+///   remembers the last band found. A thread with many prices calls an operation on a span, which takes the lock once, or
 ///   keeps an nxTickTableCursor of its own, which takes none. Bands are added before the table is shared.
 /// - Ownership: not copyable; returned references live as long as the table.
 class NX_CORE_API nxVariableTickTable
@@ -90,9 +91,9 @@ public:
     }
     /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
     ///
-    /// Costs some steps for each band on the way, however many ticks there are. Only steps that wrap cost more: a price
-    /// with so many places that few ticks fit 64 bits goes round again and again, at some five nanoseconds a step: ten
-    /// seconds for two billion.
+    /// The cost is that of some steps for each band on the way and does not grow with the number of ticks. Only steps that
+    /// wrap cost more: a price with very many places, of which few ticks fit 64 bits, wraps again and again, at some five
+    /// nanoseconds a step: ten seconds for two billion.
     void Increment(nxDecimal& price, int ticks) const;
     /// Moves each price by @p ticks single steps. Takes the lock once.
     void Increment(std::span<nxDecimal> prices, int ticks) const;
@@ -121,15 +122,15 @@ public:
     /// @return the smallest increment; a null decimal when there are no bands.
     nxDecimal GetMinimumTickIncrement() const;
 
-    /// @return what table and cursors answer by when nothing is remembered; it refers to this table.
+    /// @return the rules by which the table and its cursors answer; they refer to this table.
     nxTickRules _GetRules() const { return nxTickRules(_ranges, _grid, _isAscending); }
 
 protected:
     /// A band of the table.
     typedef std::vector<std::pair<nxDecimal, nxDecimal>>::const_iterator iterator;
 
-    /// Remembers the band that a search found; called with the lock held. An override that does not call this one
-    /// switches the memory off.
+    /// Remembers the band that a search found. The table holds its lock around the call. An override that does not call
+    /// this function switches the memory off.
     virtual void _SetCache(iterator range) const;
 
 public:
@@ -138,11 +139,11 @@ public:
 protected:
     /// Adds a band above the present ones.
     void _AddRange(const nxDecimal& upperBound, const nxDecimal& increment);
-    /// Adds the last band, which has no upper bound: its bound is the maximum decimal. An error record in the log tells
+    /// Adds the last band, which has no upper bound: its bound is the maximum decimal. Writes an error record to the log
     /// when the bands then fail the constraints.
     void _AddTopRange(const nxDecimal& increment);
     /// Adds the bands that a text lists, "4.990 0.010; 9.950 0.050; 0.100": bounds and increments, at the end the top
-    /// increment alone. What is not a number becomes null and fails the constraints.
+    /// increment alone. A text that is not a number becomes null and fails the constraints.
     void _AddRanges(std::string_view bands);
 
     /// @return whether the table is usable: it has bands, the last bound is the maximum decimal, the bounds are

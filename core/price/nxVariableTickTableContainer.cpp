@@ -41,8 +41,8 @@ nxVariableTickTableContainer::~nxVariableTickTableContainer()
 
 nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
 {
-    // Never destroyed: threads that outlive main still ask. Logged after it is built, so that a log device which looks
-    // up a table finds it.
+    // Never destroyed, because threads that outlive main still ask. Logged after it is built, so that a log device that
+    // looks up a table finds it.
     static nxVariableTickTableContainer& instance = *new nxVariableTickTableContainer;
     static std::atomic<bool> isLogged{false};
     if (!isLogged.load(std::memory_order_relaxed) && !isLogged.exchange(true))

@@ -18,8 +18,8 @@ class nxVariableTickTable;
 /// @endcode
 ///
 /// - Lookups are case-sensitive: "VTT_CHIX_lse1" and "VTT_CXE_mifid_1" keep their lower case.
-/// - Not every regime's bands are published; nxTickTableSource tells what each table rests on, and
-///   nxCustomVariableTickTable replaces one that your exchange defines otherwise.
+/// - Not every regime's bands are published. nxTickTableSource names the source of each table, and
+///   nxCustomVariableTickTable replaces one that an exchange defines otherwise.
 /// - Threads: any, at any time, static constructors included. The catalogue is built by the first call and written to
 ///   the log once, at the debug level; later calls take a lock and look up.
 /// - Ownership: the tables live as long as the process.
@@ -44,7 +44,7 @@ private:
 
     static nxVariableTickTableContainer& _GetInstance();
 
-    // Takes the table over. One that fails its constraints, or whose name or identifier is taken, is deleted.
+    // Takes ownership of the table. One that fails its constraints, or whose name or identifier is taken, is deleted.
     void _Register(const std::string& name, const std::string& id, nxVariableTickTable* table);
     void _LogRegisteredEntries();
 

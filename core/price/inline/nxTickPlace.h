@@ -10,11 +10,11 @@
 #include "core/price/inline/nxTickRules.h"
 #include "core/price/inline/nxTickZone.h"
 
-/// A place in a tick table: what is remembered of the last searches. A table has one under its lock, and every cursor
-/// and every operation on a span has one of its own.
+/// A place in a tick table: the memory of the last searches. A table has one under its lock, and every cursor and every
+/// operation on a span has one of its own.
 ///
-/// The zone answers for prices that lie in it. The functions below take the prices that the zone declines, and those
-/// alone need the rules. Except for Note() they never use what the owner remembers beside the place.
+/// The zone answers for prices that lie in it. The functions below take the prices that the zone declines, and these
+/// alone need the rules.
 /// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
 struct nxTickPlace
 {

@@ -24,7 +24,7 @@ class nxTickRules
 public:
     /// All bands, ascending.
     typedef nxTickGrid::Bands Bands;
-    /// One band; End() stands for a price that has none.
+    /// One band; End() where a price has none.
     typedef Bands::const_iterator Band;
 
     /// @param isAscending whether each bound is above the one before it; the search then halves the bands.

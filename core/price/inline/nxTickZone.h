@@ -22,7 +22,8 @@
 /// division works, the finer of the price's places and the table's, and `divisor` is one tick in these units.
 /// `start[method]` is twice the distance from the base to the first price, plus twice what the method adds before the
 /// cut: nothing for DOWN, a unit less than a tick for UP, half a tick or a little less for the other two, whose ties
-/// differ. The division is a multiplication by `reciprocal` and a shift, which twice the dividend saves one bit of.
+/// differ. The division is a multiplication by `reciprocal` and a shift. Both sides are doubled so that the reciprocal
+/// fits 64 bits for every tick.
 /// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
 struct nxTickZone
 {

@@ -6,11 +6,12 @@
 #include <cstdint>
 #include <iterator>
 
+#include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxPowersOfTen.h"
 
-/// Sums of a price and a tick of other decimal places, in integers: a decimal's own sum goes through doubles there, which
-/// lose a small tick at a large price.
+/// Sums of a price and a tick of different decimal places, in integers. A decimal's own sum goes through doubles there,
+/// which lose a small tick at a large price.
 /// - Null: an addend that is not valid leaves the price as it is.
 /// - Threads and ownership: functions of their arguments.
 class nxExactSum
@@ -52,29 +53,28 @@ public:
                                                               static_cast<unsigned char>(std::max(present, wanted)));
     }
 
-    /// @return whether a price is at most @p tick above @p bound; all are positive. Where one has so many more places
+    /// @return whether a price is at most @p tick above @p bound; all are positive. Where one has that many more places
     ///         than the others that 128 bits do not hold them at its scale, the others count as larger.
     static bool IsWithin(const nxDecimal& price, const nxDecimal& bound, const nxDecimal& tick)
     {
         const unsigned char places =
             std::max({price.GetDecimalPlaces(), bound.GetDecimalPlaces(), tick.GetDecimalPlaces()});
-        _Wide wide[3];
+        nxWide wide[3];
         const nxDecimal* const numbers[] = {&price, &bound, &tick};
         for (std::size_t i = 0; i < std::size(numbers); ++i)
         {
             const int zeros = places - numbers[i]->GetDecimalPlaces();
             if (zeros > _mostZeros)
                 return i != 0;
-            wide[i] = _Wide{numbers[i]->GetValue()} * _Wide{nxPowersOfTen::GetInteger(static_cast<unsigned>(zeros))};
+            wide[i] = nxWide{numbers[i]->GetValue()} * nxWide{nxPowersOfTen::GetInteger(static_cast<unsigned>(zeros))};
         }
         return wide[0] - wide[1] <= wide[2];
     }
 
 private:
-    __extension__ typedef __int128 _Wide;
-    static constexpr int _mostZeros = 18;  // of which the power of ten fits
+    static constexpr int _mostZeros = 18;  // 10^18 is the largest power of ten that fits
 
-    // The mantissa at so many places, its own when it has more; false when it does not fit.
+    // The mantissa at the given number of places, or as it is when it has more; false when it does not fit.
     static bool _ScaleUp(const nxDecimal& number, unsigned char places, long long& mantissa)
     {
         mantissa = number.GetValue();
