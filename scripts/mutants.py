@@ -33,18 +33,22 @@ EXPLAINED = os.path.join(ROOT, "scripts", "mutants-explained.txt")
 # What is changed of each class, and the tests that should notice.
 CLASSES = {
     "nxDecimal": (
-        ["core/numeric/nxDecimal.h", "core/numeric/nxDecimal.cpp", "core/numeric/nxPowersOfTen.h",
-         "core/platform/inline/nxDoubleHelper.h"],
+        ["core/numeric/nxDecimal.h", "core/numeric/inline/nxDecimalBodies.inc", "core/numeric/inline/nxDecimalQuick.h",
+         "core/numeric/nxDecimal.cpp", "core/numeric/internal/nxDecimalText.h", "core/numeric/internal/nxDecimalText.cpp",
+         "core/numeric/nxPowersOfTen.h", "core/platform/inline/nxDoubleHelper.h"],
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
         ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/numeric/nxStringHelperDouble.cpp",
-         "core/text/inline/nxDigits.h", "core/numeric/internal/nxPriceText.h"],
+         "core/text/inline/nxDigits.h",
+         "core/numeric/internal/nxPriceText.h"],
         ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (
-        ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/inline/nxTickGrid.h",
-         "core/price/inline/nxTickGrid.cpp", "core/price/inline/nxTickZone.h", "core/price/nxTickTableCursor.h",
-         "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h", "core/price/internal/nxTickRun.cpp"],
+        ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/inline/nxTickRules.h",
+         "core/price/inline/nxTickRules.cpp", "core/price/inline/nxTickPlace.h", "core/price/inline/nxTickPlace.cpp",
+         "core/price/inline/nxTickGrid.h", "core/price/inline/nxTickGrid.cpp", "core/price/inline/nxTickZone.h",
+         "core/price/nxTickTableCursor.h", "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h",
+         "core/price/internal/nxTickRun.cpp"],
         ["tests/price/nxVariableTickTableTest.cpp"]),
 }
 # Library sources through which the tests come to more of a class's inline functions than through its own.
