@@ -8,9 +8,9 @@
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/internal/nxDecimalText.h"
+#include "core/numeric/internal/nxPriceText.h"
 #include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
-#include "core/numeric/internal/nxPriceText.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
 

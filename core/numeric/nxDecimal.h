@@ -13,9 +13,9 @@
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/inline/nxDecimalArguments.h"
 #include "core/numeric/inline/nxDecimalQuick.h"
-#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/nxInitalizers.h"
 
 class nxPriceManipulator;

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "core/enum/nxEnumValue.h"
-#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/numeric/nxPowersOfTen.h"
+#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
 
 /// The quick paths of nxDecimal, on plain numbers, each with the proof that it gives what the rules of the class give.
