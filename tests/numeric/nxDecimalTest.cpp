@@ -305,7 +305,7 @@ TEST(nxDecimal, RoundsToMultiplesOfTheIncrement)
         {
             nxDecimal value(text, '.');
             value.Round(Number(increment), nxRoundingMethodEnum(method));
-            results += (results.empty() ? "" : " ") + Streamed(value);
+            results.append(results.empty() ? "" : " ").append(Streamed(value));
         }
         EXPECT_EQ(results, expected) << text << " by " << increment;
     }

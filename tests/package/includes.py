@@ -51,13 +51,6 @@ LOG_PARTS = (
     ("reports from below", "internal/nxThreadReport"),
 )
 
-# Not yet true of the whole tree.
-UNITS_FORM_NO_CIRCLE = True
-FOLDERS_FORM_NO_CIRCLE = True
-LOG_IS_IN_ORDER = True
-SYSTEM_IS_IN_ITS_FOLDER = True
-FORKS_ARE_HANDLED_IN_ONE_FILE = True
-
 # What belongs to the system: its folder, and the header that gives the locks their primitives.
 SYSTEM_FOLDER = "core/platform/linux/"
 NATIVE = "nxNative.h"
@@ -199,18 +192,9 @@ def faults_of_calls(tree):
 
 
 def faults_of_source(tree):
-    faults = faults_of_layers(tree) + faults_of_umbrella(tree.headers()) + faults_of_calls(tree)
-    if UNITS_FORM_NO_CIRCLE:
-        faults += faults_of_circles(tree, unit, "units")
-    if FOLDERS_FORM_NO_CIRCLE:
-        faults += faults_of_circles(tree, folder, "folders")
-    if LOG_IS_IN_ORDER:
-        faults += faults_of_log(tree)
-    if SYSTEM_IS_IN_ITS_FOLDER:
-        faults += faults_of_system(tree)
-    if FORKS_ARE_HANDLED_IN_ONE_FILE:
-        faults += faults_of_forks(tree)
-    return faults
+    return (faults_of_layers(tree) + faults_of_circles(tree, unit, "units") + faults_of_circles(tree, folder, "folders") +
+            faults_of_log(tree) + faults_of_system(tree) + faults_of_forks(tree) + faults_of_umbrella(tree.headers()) +
+            faults_of_calls(tree))
 
 
 def faults_of_installation(graph, installed):

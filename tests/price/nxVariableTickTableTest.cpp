@@ -77,7 +77,7 @@ TEST(nxVariableTickTable, TicksStepsAndRoundingsAtAndAroundABound)
         {
             nxDecimal price = D(text);
             table.RoundToValidTick(method, price);
-            rounded += (rounded.empty() ? "" : " ") + Text(price);
+            rounded.append(rounded.empty() ? "" : " ").append(Text(price));
         }
         EXPECT_EQ(rounded, roundings) << text;
     }

@@ -53,7 +53,8 @@ int Acknowledge()
             continue;
         WaitForLog();
         nxLogManager::GetInstance().FlushDevices();
-        const std::string text = " " + std::to_string(number);
+        std::string text = " ";
+        text.append(std::to_string(number));
         static_cast<void>(!::write(STDOUT_FILENO, text.data(), text.size()));
     }
     return 4;
