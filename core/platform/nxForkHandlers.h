@@ -30,7 +30,8 @@ public:
         ApplicationData,
         /// The application's name, which the log's devices ask for as well.
         ApplicationName,
-        /// No lock: the child drops the turn of a thread that was looking for the local zone.
+        /// The lock of the C library's local time, which a thread holds for one call. The child also drops the turn of a
+        /// thread that was looking for the zone.
         LocalZone,
         /// No lock: the child drops the update of a thread that was reading the clocks. Last, so that the child repairs
         /// it first: the functions of all other ranks may ask for the time.

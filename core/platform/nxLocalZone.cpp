@@ -132,6 +132,18 @@ std::size_t AttemptFor(const char* setting, const nxLocalZoneMark& mark)
     const auto daylight = static_cast<std::size_t>(mark.daylight);
     return (name ^ (timezone << 20) ^ (daylight << 50)) | 1;
 }
+void RepairChild()
+{
+    isForkedChild.store(true, std::memory_order_relaxed);
+    Turn::EndInChild();
+    nxEnvironment::AfterForkInChild();
+    nxSystemZone::AfterForkInChild();
+}
+
+constexpr nxForkHandlers::Functions aroundForks{&nxSystemZone::BeforeFork, &nxSystemZone::AfterForkInParent,
+                                                &RepairChild};
+// Registered while the library is loaded: the first time stamp that is printed may meet a fork.
+[[maybe_unused]] const bool isRegistered = nxForkHandlers::Register(nxForkHandlers::Rank::LocalZone, aroundForks);
 }  // namespace
 
 constinit std::atomic<const nxTimeZone*> nxLocalZone::_table{nullptr};
@@ -184,17 +196,6 @@ const nxTimeZone* nxLocalZone::_Replace(const nxTimeZone* old, std::int64_t seco
     const Turn turn;
     if (!turn.IsOurs())
         return nullptr;
-    if (lastAttempt.load(std::memory_order_relaxed) == 0)
-    {
-        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
-                                                             []
-                                                             {
-                                                                 isForkedChild.store(true, std::memory_order_relaxed);
-                                                                 Turn::EndInChild();
-                                                                 nxEnvironment::AfterForkInChild();
-                                                             }};
-        nxForkHandlers::Register(nxForkHandlers::Rank::LocalZone, functions);
-    }
     const Setting setting;
     if (!setting.IsKnown())
         return nullptr;
