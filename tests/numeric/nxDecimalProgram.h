@@ -306,6 +306,7 @@ private:
         Expect("terminator", true, buffer[length] == '\0');
         Expect("buffer", true, std::string_view(buffer + nxDecimal::MaxTextSize, 8) == "########");
         Expect("GetAsString", a.model.Text(separator, 255), a.value.GetAsString(separator));
+        Expect("GetAsTrimmedString", a.model.Text(separator, places), a.value.GetAsTrimmedString(places, separator));
         Expect("GetAsTrimmedLogString", a.model.LogText(separator, places),
                a.value.GetAsTrimmedLogString(places, separator));
         nxOStream<nxSimpleAsciiStringWriter> stream;
