@@ -236,10 +236,21 @@ private:
                 Print(a);
                 break;
             case 12:
-                -a.value;
+                // Both work in place; of three changes one is left.
+                -(-a.value);
+                a.value.InvertSign();
                 a.model.Negate();
                 break;
             case 13:
+            {
+                nxDecimal magnitude = a.value;
+                magnitude.Abs();
+                Expect("Abs in place", true, a.model.Absolute().Matches(magnitude));
+                const bool isValid = a.model.IsValid();
+                Expect("IsZero", isValid && a.model.mantissa == 0, a.value.IsZero());
+                Expect("IsPositive", isValid && a.model.mantissa > 0, a.value.IsPositive());
+                Expect("IsNegative", isValid && a.model.mantissa < 0, a.value.IsNegative());
+                Expect("IsNoChange", a.model.status == NX_VALUE_STATUS_NO_CHANGE, a.value.IsNoChange());
                 Expect("Abs", true, a.model.Absolute().Matches(nxDecimal::Abs(a.value)));
                 Expect("integer part", a.model.IntegerPart(), a.value.GetIntegerPart());
                 Expect("fraction", a.model.Fraction(), std::uint64_t{a.value.GetFractionalPart()});
@@ -247,6 +258,7 @@ private:
                        a.model.AsDouble() == a.value.GetAsDouble() ||
                            (std::isnan(a.model.AsDouble()) && std::isnan(a.value.GetAsDouble())));
                 break;
+            }
             case 14:
             {
                 const long long whole = TakeMantissa();

@@ -229,39 +229,6 @@ TEST(nxVariableTickTable, TheMemoryOfTheLastBandGoesThroughTheVirtualCall)
     }
 }
 
-TEST(nxVariableTickTable, ManyTicksAreThatManySingleSteps)
-{
-    const std::tuple<const char*, const char*, int, const char*> rows[] = {
-        {"0.9995 0.0005; 9.999 0.001; 1", "0.9995", 1, "1.000"},  // with the places of the band that it lies in
-        {"10 0.01; 0.5", "10.5", -1, "10.0"},                     // and inwards with those of the tick
-        {"0.01", "0", INT_MIN, "-21474836.48"},
-        {"10 0.01; 100 0.05; 5", "0", INT_MAX, "10737404330.01"},
-        {"10 0.01; 100 0.05; 5", "-0.5", INT_MIN, "-10737404585.01"},
-        {"10 0.01; 100 0.05; 5.00", "10737404330.01", -INT_MAX, "0.00"},
-        {"9 1; 1000000000", "0", INT_MAX, "2147483637000000010"},
-        // Where doubles would lose the tick, or a part of it.
-        {"0.000000000000001", "-10", 1000, "-9.999999999999"},
-        {"10 0.01; 0.01", "562949953421312.125", INT_MAX, "562949974896148.595"},
-        {"4999999999.99999999 0.00000001; 0.0001", "90000000000000.5", -1, "90000000000000.4999"},
-    };
-    for (const auto& [bands, price, ticks, after] : rows)
-    {
-        const Table table(bands);
-        nxDecimal locked = D(price), free = D(price);
-        table.Increment(locked, ticks);
-        nxTickTableCursor(table).Increment(free, ticks);
-        EXPECT_EQ(Text(locked), after) << price << " by " << ticks;
-        EXPECT_EQ(Text(free), after) << price << " by " << ticks;
-    }
-    // Where the mantissa overflows, it wraps as decimal arithmetic does.
-    const Table table("10 0.01; 1");
-    nxDecimal wrapped = D(INT64_MAX - 5, 0);
-    table.Increment(wrapped, 6);
-    EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));  // and this one has no band
-    table.Increment(wrapped, INT_MAX);
-    EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));
-}
-
 namespace
 {
 // Prices near every point at which a decision changes, also at other scales, and prices of every kind.
@@ -488,8 +455,13 @@ TEST(nxVariableTickTable, TheTickOfAStepNeverFallsAsThePriceGrows)
 TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
 {
     const std::tuple<const char*, long long, int> rows[] = {
-        {"10 0.01; 0.05", 12123456789, 9},             // past 2^49 units after some millions of steps
-        {"10 0.01; 0.05", -4503599627370497, 3},       // on either side of 2^49 units
+        {"10 0.01; 0.05", 12123456789, 9},        // past 2^49 units after some millions of steps
+        {"10 0.01; 0.05", -4503599627370497, 3},  // on either side of 2^49 units
+        {"10 0.01; 100 0.05; 5", 0, 0},
+        {"10 0.01; 100 0.05; 5.00", -1073740433001, 2},
+        {"9 1; 1000000000", 0, 0},
+        {"0.000000000000001", -10, 0},                 // where doubles would lose the tick
+        {"10 0.01; 0.01", 562949953421312125, 3},      // or a part of it
         {"10 0.01; 1", 4000000000000000000, 0},        // the sum with 0.01 does not fit
         {"10 0.01; 1", -9000000000000000007, 0},       //
         {"10 0.001; 1.0", 210000000000000005, 1},      // also from one place to three
@@ -525,6 +497,10 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
             table.Increment(halves, up ? INT_MAX - first : INT_MIN + first);
             EXPECT_EQ(Exact(halves), Exact(whole)) << first;
         }
+    // Where the mantissa overflows, it wraps as decimal arithmetic does.
+    nxDecimal wrapped = D(INT64_MAX - 5, 0);
+    Table("10 0.01; 1").Increment(wrapped, 6);
+    EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));
 }
 
 TEST(nxVariableTickTable, SpansAreTakenAsFarAsTheyReach)

@@ -201,7 +201,7 @@ TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
         std::string appended = "x";
         nxStringHelper::AppendAsString(appended, value, decimals);
         ASSERT_EQ(nxStringHelper::GetAsString(value, decimals), text) << std::hexfloat << value << ", " << decimals;
-        ASSERT_EQ(appended, "x" + text);
+        ASSERT_EQ(appended, std::string("x").append(text));
     }
     std::fesetround(FE_TONEAREST);
 }
