@@ -42,44 +42,16 @@ TEST(nxDecimal, ConstructorsSetEveryField)
                                                       {nxDecimal("12.5", ','), "NULL 0e-0"},
                                                       {nxDecimal::GetMaximumDecimal(), "VALID 9223372036854775807e-0"}};
     for (const auto& [value, fields] : rows)
+    {
         EXPECT_EQ(Fields(value), fields);
+        EXPECT_EQ(&value.GetStatus(), &nxDecimal(value).GetStatus());  // one object for each state
+    }
     nxDecimal value(7, 3);
     value.SetNull();
     EXPECT_EQ(Fields(value), "NULL 0e-0");
     value = nxDecimal(7, 3);
     value.SetNoChange();
     EXPECT_EQ(Fields(value), "NOCHANGE 0e-0");
-}
-
-TEST(nxDecimal, ReadsTextAndPrintsItBack)
-{
-    const std::tuple<std::string, long long, unsigned char, const char*> rows[] = {
-        {"12.340", 12340, 3, "12.340"},
-        {"-.5", -5, 1, "-0.5"},
-        {"9223372036854775808", smallest, 0, "-9223372036854775808"},   // wraps
-        {std::string("0.").append(256, '0').append("1"), 1, 1, "0.1"},  // 257 places are 1 modulo 256
-    };
-    for (const auto& [text, mantissa, places, printed] : rows)
-    {
-        nxDecimal value = null;
-        EXPECT_TRUE(value.SetFromString(text, '.').IsOK());
-        EXPECT_EQ(Fields(value), Fields(Parts(mantissa, places))) << text;
-        EXPECT_EQ(value.GetAsString('.'), printed);
-    }
-    EXPECT_EQ(Fields(nxDecimal("153", '5')), "VALID 153e-0");  // a digit is a digit before it is a separator
-}
-
-TEST(nxDecimal, RefusesWhatIsNoNumberAndKeepsItsValue)
-{
-    for (const std::string& text :
-         {std::string(), std::string("+-1"), std::string("1,5"), std::string("12345678.1234.5678"), std::string("\xB5"),
-          std::string("12345\1\2\0036"), std::string("1\0", 2)})
-    {
-        nxDecimal value = Parts(77, 1);
-        EXPECT_EQ(value.SetFromString(text, '.'), NX_ERR_INVALID_PARAMETER) << text;
-        EXPECT_EQ(Fields(value), "VALID 77e-1") << text;
-        EXPECT_TRUE(nxDecimal(text, '.').IsNull()) << text;
-    }
 }
 
 TEST(nxDecimal, PlacesBeyondThoseOfTheNumbersCountModulo256)
@@ -179,27 +151,4 @@ TEST(nxDecimal, ExactEqualityHasNoToleranceAndAHash)
         for (unsigned char places = 0; places < 4 && mantissa % 10 != 0; ++places)
             hashes.insert(Parts(mantissa, places).GetExactHash());
     EXPECT_EQ(hashes.size(), 360U);
-}
-
-TEST(nxDecimal, EveryTextFormGivesTheSameText)
-{
-    for (const nxDecimal& value : {Number("-12.50"), Parts(smallest, 6), null, noChange})
-    {
-        const std::string plain = value.GetAsString('.');
-        const std::string log = value.GetAsLogString('.');
-        std::string text = "old";
-        value.GetAsString(text, '.');
-        value.AppendAsString(text, '.');
-        EXPECT_EQ(text, plain + plain);
-        value.GetAsLogString(text, '.');
-        value.AppendAsLogString(text, '.');
-        EXPECT_EQ(text, log + log);
-        EXPECT_EQ(Streamed(value), log);
-        char buffer[nxDecimal::MaxTextSize];
-        EXPECT_EQ(value.GetAsString(buffer, '.'), plain.size());
-        EXPECT_STREQ(buffer, plain.c_str());
-        EXPECT_EQ(value.GetAsLogString(buffer, '.'), log.size());
-        EXPECT_STREQ(buffer, log.c_str());
-        EXPECT_EQ(&value.GetStatus(), &nxDecimal(value).GetStatus());  // one object for each state
-    }
 }
