@@ -2,18 +2,6 @@
 #include "tests/support/nxRandomTest.h"
 #include "tests/support/nxTest.h"
 
-namespace
-{
-std::uint64_t NextRandom(std::uint64_t& state)
-{
-    state += 0x9E3779B97F4A7C15;
-    std::uint64_t z = state;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
-    return z ^ (z >> 31);
-}
-}  // namespace
-
 TEST(nxDecimal, AgreesWithTheOracleOnRandomPrograms)
 {
     const std::uint64_t wanted = nxRandomTest::GetOperations(2'000'000);
@@ -21,12 +9,9 @@ TEST(nxDecimal, AgreesWithTheOracleOnRandomPrograms)
     std::uint64_t done = 0;
     for (std::uint64_t seed = nxRandomTest::GetSeed(20260101); done < wanted; ++seed)
     {
-        std::uint64_t state = seed * 0x2545F4914F6CDD1D;
-        for (std::size_t at = 0; at < bytes.size(); at += sizeof state)
-        {
-            const std::uint64_t random = NextRandom(state);
-            std::memcpy(bytes.data() + at, &random, sizeof random);
-        }
+        std::mt19937_64 random(seed);
+        for (std::uint8_t& byte : bytes)
+            byte = static_cast<std::uint8_t>(random());
         nxDecimalProgram program(bytes.data(), bytes.size());
         ASSERT_TRUE(program.Run()) << "NX_TEST_SEED=" << seed << ": " << program.GetFailure();
         done += program.GetOperations();

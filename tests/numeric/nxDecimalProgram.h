@@ -130,11 +130,12 @@ private:
     nxEnumValue TakeMethod() { return static_cast<nxEnumValue>(NX_ROUNDING_METHOD_DOWN + TakeByte() % 5); }
     std::string TakeText(char separator)
     {
-        static constexpr char letters[] = "0123456789012345678901234567890123456789+-x ";
+        static constexpr char letters[] = "0123456789012345678901234567890123456789+-x /:.,\xB5\1\2\3";
         const std::uint8_t shape = TakeByte();
-        std::string text(shape % (shape < 250 ? 24 : 250), '0');
+        // The longest ones have more places than a byte counts.
+        std::string text(shape < 250 ? shape % 24U : (shape - 249U) * 60, '0');
         for (char& c : text)
-            c = letters[TakeByte() % (shape & 16 ? 40 : sizeof letters - 1)];
+            c = letters[TakeByte() % (shape & 16 ? 40 : sizeof letters)];
         if (shape % 3 != 0 && !text.empty())
             text[TakeByte() % text.size()] = separator;
         if (shape % 5 == 0)
@@ -236,10 +237,21 @@ private:
                 Print(a);
                 break;
             case 12:
-                -a.value;
+                // Both work in place; of three changes one is left.
+                -(-a.value);
+                a.value.InvertSign();
                 a.model.Negate();
                 break;
             case 13:
+            {
+                nxDecimal magnitude = a.value;
+                magnitude.Abs();
+                Expect("Abs in place", true, a.model.Absolute().Matches(magnitude));
+                const bool isValid = a.model.IsValid();
+                Expect("IsZero", isValid && a.model.mantissa == 0, a.value.IsZero());
+                Expect("IsPositive", isValid && a.model.mantissa > 0, a.value.IsPositive());
+                Expect("IsNegative", isValid && a.model.mantissa < 0, a.value.IsNegative());
+                Expect("IsNoChange", a.model.status == NX_VALUE_STATUS_NO_CHANGE, a.value.IsNoChange());
                 Expect("Abs", true, a.model.Absolute().Matches(nxDecimal::Abs(a.value)));
                 Expect("integer part", a.model.IntegerPart(), a.value.GetIntegerPart());
                 Expect("fraction", a.model.Fraction(), std::uint64_t{a.value.GetFractionalPart()});
@@ -247,6 +259,7 @@ private:
                        a.model.AsDouble() == a.value.GetAsDouble() ||
                            (std::isnan(a.model.AsDouble()) && std::isnan(a.value.GetAsDouble())));
                 break;
+            }
             case 14:
             {
                 const long long whole = TakeMantissa();
@@ -305,7 +318,19 @@ private:
         Expect("_GetAsString", a.model.Text(separator, places), std::string(buffer, length));
         Expect("terminator", true, buffer[length] == '\0');
         Expect("buffer", true, std::string_view(buffer + nxDecimal::MaxTextSize, 8) == "########");
-        Expect("GetAsString", a.model.Text(separator, 255), a.value.GetAsString(separator));
+        const std::string plain = a.model.Text(separator, 255), log = a.model.LogText(separator, 255);
+        Expect("GetAsString", plain, a.value.GetAsString(separator));
+        Expect("GetAsLogString", log, a.value.GetAsLogString(separator));
+        Expect("GetAsString to a buffer", plain, std::string(buffer, a.value.GetAsString(buffer, separator)));
+        Expect("GetAsLogString to a buffer", log, std::string(buffer, a.value.GetAsLogString(buffer, separator)));
+        std::string text = "old";
+        a.value.GetAsString(text, separator);
+        a.value.AppendAsString(text, separator);
+        a.value.AppendAsLogString(text, separator);
+        Expect("appended texts", plain + plain + log, text);
+        a.value.GetAsLogString(text, separator);
+        Expect("GetAsLogString to a text", log, text);
+        Expect("GetAsTrimmedString", a.model.Text(separator, places), a.value.GetAsTrimmedString(places, separator));
         Expect("GetAsTrimmedLogString", a.model.LogText(separator, places),
                a.value.GetAsTrimmedLogString(places, separator));
         nxOStream<nxSimpleAsciiStringWriter> stream;

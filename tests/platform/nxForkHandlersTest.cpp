@@ -1,77 +1,31 @@
 #include "core/platform/nxForkHandlers.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <pthread.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <new>
-#include <vector>
+#include "tests/support/nxTest.h"
 
 namespace
 {
 using Rank = nxForkHandlers::Rank;
 
-// The calls of one side of a fork, in memory that parent and child share.
-struct Calls
-{
-    void Add(Rank rank) { ranks[count++] = rank; }
-    std::vector<Rank> Get() const { return {ranks, ranks + count}; }
-
-    std::size_t count;
-    Rank ranks[2 * nxForkHandlers::RankCount];
-};
-
+// The calls around one fork.
 struct Record
 {
-    Calls before;
-    Calls inParent;
-    Calls inChild;
-};
-
-Record& TheRecord()
-{
-    static Record& record =
-        *::new (mmap(nullptr, sizeof(Record), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Record{};
-    return record;
-}
+    std::vector<Rank> before, inParent, inChild;
+} record;
 
 template <Rank rank>
-constexpr nxForkHandlers::Functions Recording{[] { TheRecord().before.Add(rank); },
-                                              [] { TheRecord().inParent.Add(rank); },
-                                              [] { TheRecord().inChild.Add(rank); }};
+constexpr nxForkHandlers::Functions Recording{[] { record.before.push_back(rank); },
+                                              [] { record.inParent.push_back(rank); },
+                                              [] { record.inChild.push_back(rank); }};
 
-const nxForkHandlers::Table* tableOfTest = nullptr;
-unsigned ranksOfFork = 0;
-
-// Forks once with the functions of the table.
+// Calls what a fork calls, of the parent and of the child.
 void ForkWith(const nxForkHandlers::Table& table)
 {
-    [[maybe_unused]] static const int registered =
-        pthread_atfork([] { ranksOfFork = tableOfTest != nullptr ? tableOfTest->RunBefore() : 0; },
-                       []
-                       {
-                           if (tableOfTest != nullptr)
-                               tableOfTest->RunInParent(ranksOfFork);
-                       },
-                       []
-                       {
-                           if (tableOfTest != nullptr)
-                               tableOfTest->RunInChild(ranksOfFork);
-                       });
-    ASSERT_EQ(registered, 0);
-    TheRecord() = Record{};
-    tableOfTest = &table;
-    const pid_t child = fork();
-    if (child == 0)
-        _exit(0);
-    tableOfTest = nullptr;
-    ASSERT_GT(child, 0);
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_EQ(status, 0);
+    record = {};
+    const unsigned ranks = table.RunBefore();
+    table.RunInParent(ranks);
+    table.RunInChild(ranks);
 }
 
 TEST(nxForkHandlersTest, AForkTakesTheRanksInOrderAndGivesThemBackInReverse)
@@ -85,11 +39,9 @@ TEST(nxForkHandlersTest, AForkTakesTheRanksInOrderAndGivesThemBackInReverse)
     table.Set(Rank::LocalZone, childAlone);
 
     ForkWith(table);
-    EXPECT_THAT(TheRecord().before.Get(),
-                testing::ElementsAre(Rank::NamedObjects, Rank::Log, Rank::CommandLine, Rank::Clock));
-    EXPECT_THAT(TheRecord().inParent.Get(),
-                testing::ElementsAre(Rank::Clock, Rank::CommandLine, Rank::Log, Rank::NamedObjects));
-    EXPECT_THAT(TheRecord().inChild.Get(),
+    EXPECT_THAT(record.before, testing::ElementsAre(Rank::NamedObjects, Rank::Log, Rank::CommandLine, Rank::Clock));
+    EXPECT_THAT(record.inParent, testing::ElementsAre(Rank::Clock, Rank::CommandLine, Rank::Log, Rank::NamedObjects));
+    EXPECT_THAT(record.inChild,
                 testing::ElementsAre(Rank::Clock, Rank::LocalZone, Rank::CommandLine, Rank::Log, Rank::NamedObjects));
 }
 
@@ -102,11 +54,11 @@ TEST(nxForkHandlersTest, WhatIsRegisteredDuringAForkIsCalledFromTheNextOneOn)
     table.Set(Rank::Log, registering);
 
     ForkWith(table);
-    EXPECT_THAT(TheRecord().inParent.Get(), testing::IsEmpty());
-    EXPECT_THAT(TheRecord().inChild.Get(), testing::IsEmpty());
+    EXPECT_THAT(record.inParent, testing::IsEmpty());
+    EXPECT_THAT(record.inChild, testing::IsEmpty());
     ForkWith(table);
-    EXPECT_THAT(TheRecord().before.Get(), testing::ElementsAre(Rank::NamedObjects));
-    EXPECT_THAT(TheRecord().inParent.Get(), testing::ElementsAre(Rank::NamedObjects));
-    EXPECT_THAT(TheRecord().inChild.Get(), testing::ElementsAre(Rank::NamedObjects));
+    EXPECT_THAT(record.before, testing::ElementsAre(Rank::NamedObjects));
+    EXPECT_THAT(record.inParent, testing::ElementsAre(Rank::NamedObjects));
+    EXPECT_THAT(record.inChild, testing::ElementsAre(Rank::NamedObjects));
 }
 }  // namespace

@@ -40,11 +40,12 @@ void CheckStrictness()
         CheckReading<Integer>({{"-0", 42}, {"-5", 42}}, invalid);
 }
 
-// A random number of digits, mostly with a separator at a random place, sometimes with a wrong character.
+// A random number of digits, rarely more than a double has powers of ten; mostly with a separator at a random place,
+// sometimes with a wrong character.
 std::string RandomNumberText(std::mt19937_64& random, char separator)
 {
     std::string text(random() % 4 == 0 ? "-" : "");
-    const std::size_t digits = random() % (random() % 8 == 0 ? 40 : 19);
+    const std::size_t digits = random() % (random() % 128 == 0 ? 800 : random() % 8 == 0 ? 40 : 19);
     for (std::size_t i = 0; i < digits; ++i)
         text += static_cast<char>('0' + random() % 10);
     if (random() % 4 != 0)
@@ -65,7 +66,8 @@ double RandomDouble(std::mt19937_64& random)
         case 1:
             return sign * static_cast<double>(random() % 10'000'000'000) / std::pow(10.0, random() % 12);
         case 2:
-            return sign * (static_cast<double>(random() % 20'000) + 0.5) / std::pow(10.0, random() % 10);
+            return sign * (static_cast<double>(random() % (random() % 2 == 0 ? 20 : 20'000)) + 0.5) /
+                   std::pow(10.0, random() % 10);
         default:
         {
             const double value = sign * static_cast<double>(random() % 2'147'483'650) / std::exp2(random() % 33);
@@ -167,19 +169,6 @@ TEST(nxStringHelper, ReadsFlagsExactlyAndOtherwiseFalse)
     EXPECT_FALSE(value);
 }
 
-TEST(nxStringHelper, EndlessDigitsReadAsInfinityOrNotANumber)
-{
-    const auto read = [](const std::string& text)
-    {
-        double value = 0;
-        EXPECT_EQ(nxStringHelper::SetFromString(text, value, '.'), ok);
-        return value;
-    };
-    EXPECT_TRUE(std::isinf(read(std::string(400, '9'))));
-    EXPECT_TRUE(std::isnan(read(std::string("9.").append(400, '9'))));
-    EXPECT_EQ(read(std::string(400, '0').append("5")), 5);
-}
-
 TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
 {
     std::mt19937_64 random(nxRandomTest::GetSeed(2));
@@ -191,29 +180,9 @@ TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
         double value = -1;
         const bool readable = nxDoubleTextOracle::Read(text, separator, expected);
         ASSERT_EQ(nxStringHelper::SetFromString(text, value, separator).IsOK(), readable) << text;
-        ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
-    }
-}
-
-TEST(nxStringHelper, PrintsDoublesWithoutNeedlessDigits)
-{
-    const std::tuple<double, unsigned, const char*> rows[] = {
-        {0.1 + 0.2, 9, "0.3"},
-        {-0.0, 9, "0"},
-        {0.25, 1, "0.2"},  // half of an even digit: down
-        {0.75, 1, "0.8"},  // half of an odd digit: up
-        {0.05, 1, "0.1"},  // half of no digit at all: up
-        {0.95, 1, "1"},    // 9.5 after scaling, and carried
-        {2147483647.9, 9, "2.147484e+09"},
-        {-std::numeric_limits<double>::infinity(), 9, "-inf"},
-        {std::numeric_limits<double>::quiet_NaN(), 9, "nan"},
-    };
-    for (const auto& [value, decimals, text] : rows)
-    {
-        EXPECT_EQ(nxStringHelper::GetAsString(value, decimals), text);
-        std::string appended = "x";
-        nxStringHelper::AppendAsString(appended, value, decimals);
-        EXPECT_EQ(appended, std::string("x").append(text));
+        ASSERT_TRUE(std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(expected) ||
+                    (std::isnan(value) && std::isnan(expected)))
+            << text << ": " << value << ", expected " << expected;
     }
 }
 
@@ -228,8 +197,11 @@ TEST(nxStringHelper, PrintingDoublesAgreesWithTheOracleToTheByte)
         const double value = RandomDouble(random);
         const auto decimals = static_cast<unsigned>(random() % 11);
         std::fesetround(directions[n * std::size(directions) / (operations + 1)]);
-        ASSERT_EQ(nxStringHelper::GetAsString(value, decimals), nxDoubleTextOracle::Print(value, decimals))
-            << std::hexfloat << value << ", " << decimals << " decimals";
+        const std::string text = nxDoubleTextOracle::Print(value, decimals);
+        std::string appended = "x";
+        nxStringHelper::AppendAsString(appended, value, decimals);
+        ASSERT_EQ(nxStringHelper::GetAsString(value, decimals), text) << std::hexfloat << value << ", " << decimals;
+        ASSERT_EQ(appended, std::string("x").append(text));
     }
     std::fesetround(FE_TONEAREST);
 }
@@ -241,7 +213,8 @@ TEST(nxStringHelper, PrintsEveryType)
     EXPECT_EQ(Printed(INT_MIN, UINT_MAX, ULONG_MAX), "-2147483648 4294967295 " + std::to_string(ULONG_MAX));
     EXPECT_EQ(nxStringHelper::GetAsString(LONG_MIN), std::to_string(LONG_MIN));
     EXPECT_EQ(Printed(LLONG_MIN, ULLONG_MAX), "-9223372036854775808 18446744073709551615");
-    EXPECT_EQ(Printed(true, 0.5F, -2.25), "TRUE 0.5 -2.25");
+    EXPECT_EQ(Printed(true, 0.5F, -2.25, -0.0), "TRUE 0.5 -2.25 0");
+    EXPECT_EQ(Printed(2147483647.0, 2147483647.9, -HUGE_VAL), "2147483647 2.147484e+09 -inf");
     EXPECT_EQ(Printed<const char*>("text"), "text");  // and not the flag that a pointer converts to
     EXPECT_EQ(Printed<const char*>(nullptr), "");
     EXPECT_EQ(Printed(std::string("a\0b", 3)), std::string("a\0b", 3));
@@ -251,11 +224,6 @@ TEST(nxStringHelper, PrintsEveryType)
     EXPECT_EQ(Printed(nxValueWrapper<unsigned>(7U), nxDoubleValueWrapper(0.5)), "7 0.5");
     EXPECT_EQ(Printed(nxDecimal::GetNullDecimal(), nxValueWrapper<int>(), nxDoubleValueWrapper()), "");
     EXPECT_EQ(nxStringHelper::GetAsString(std::vector<bool>{true}[0]), "TRUE");
-    std::string roomy = ">";
-    roomy.reserve(100);
-    nxStringHelper::AppendAsString(roomy, LLONG_MIN);
-    nxStringHelper::AppendAsString(roomy, -2.25);
-    EXPECT_EQ(roomy, ">-9223372036854775808-2.25");
 }
 
 TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
