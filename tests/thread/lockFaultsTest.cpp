@@ -221,27 +221,16 @@ TEST(lockFaults, CreationInSharedMemoryReportsItsFailure)
          {"ERR 87 Semaphore could not be created in shared memory. Result : -1"}},
     };
     nxCapturingLogDevice log;
-    const auto reportsOf = [&](const char* source)
-    {
-        WaitUntilWritten();
-        Records reports;
-        for (const nxCapturedRecord& record : log.GetRecords())
-            if (record.sourceFile == source)
-                reports.push_back(record.level.GetShortDescription() + ' ' + std::to_string(record.line) + ' ' +
-                                  record.text);
-        log.Clear();
-        return reports;
-    };
     for (const Creation& row : rows)
     {
         EXPECT_TRUE(row.create().IsOK());
-        EXPECT_EQ(reportsOf(row.source), row.onSuccess);
+        EXPECT_EQ(TakeReports(log, row.source), row.onSuccess);
         for (const char* const function : row.functions)
         {
             SCOPED_TRACE(function);
             const nxSystemCallFault fault(function, ENOMEM);
             EXPECT_EQ(row.create(), row.failure);
-            EXPECT_EQ(reportsOf(row.source), row.onFailure);
+            EXPECT_EQ(TakeReports(log, row.source), row.onFailure);
         }
     }
 }
