@@ -64,7 +64,7 @@ TEST(nxMutex, ReportsMisuseInsteadOfHangingOrFreeing)
         EXPECT_EQ(mutex.Unlock(), NX_ERR_THR_MISMATCH) << "never locked";
         ASSERT_TRUE(mutex.Lock().IsOK());
         EXPECT_EQ(mutex.Lock(), NX_ERR_UNSPECIFIED) << "held by this thread";
-        EXPECT_EQ(mutex.TryLock(), NX_ERR_THR_LOCKED);
+        EXPECT_EQ(mutex.TryLock(), each == &robust ? NX_ERR_UNSPECIFIED : NX_ERR_THR_LOCKED);
         EXPECT_EQ(InAnotherThread([&] { return mutex.Unlock(); }), NX_ERR_THR_MISMATCH);
         EXPECT_EQ(TryFromAnotherThread(mutex), NX_ERR_THR_LOCKED) << "still held after a stranger's unlock";
         EXPECT_TRUE(mutex.Unlock().IsOK());
