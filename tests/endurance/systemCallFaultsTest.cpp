@@ -5,7 +5,6 @@
 // Every fault has a process of its own. NX_TEST_FAULTS sets how many there are (300), NX_TEST_SEED which errors they are.
 
 #include <climits>
-#include <ctime>
 
 #include "core/nxCore.h"
 #include "tests/support/nxPrivateMemory.h"
@@ -25,12 +24,7 @@ constexpr int LinesAfterwards = 20;
 void LogLines(int first, int count)
 {
     for (int i = first; i < first + count; ++i)
-    {
-        if (i % 10 == 0)
-            NX_LOG(NX_LOG_LEVEL_WARNING) << "line " << i << ";";
-        else
-            NX_LOG(NX_LOG_LEVEL_INFO) << "line " << i << ";";
-    }
+        NX_LOG(i % 10 == 0 ? NX_LOG_LEVEL_WARNING : NX_LOG_LEVEL_INFO) << "line " << i << ";";
 }
 
 // How often each number is in the log files below the working directory.
@@ -136,25 +130,6 @@ void TickTableFile(bool fails)
     EXPECT_EQ(error.IsOK(), reason.empty());
 }
 
-// The clock's decision how to read the time, and the zones. Right whatever fails, since the C library answers where no
-// table can be made.
-void Time(bool)
-{
-    EXPECT_LE(std::abs(nxTimeStamp::Now().GetSeconds() - std::time(nullptr)), 2);
-    for (const char* const zone : {"Europe/London", "UTC0", "CET-1CEST,M3.5.0,M10.5.0/3"})
-    {
-        setenv("TZ", zone, 1);
-        tzset();
-        const std::time_t second = 1'689'000'000;
-        std::tm fields{};
-        localtime_r(&second, &fields);
-        char hour[3];
-        std::strftime(hour, sizeof hour, "%H", &fields);
-        EXPECT_EQ(nxTimeStamp(second, 0).GetAsString().substr(8, 2), hour) << zone;
-        EXPECT_EQ(nxTimeStamp(second, 0).GetAsDateTime().GetTime().GetHours(), static_cast<unsigned>(fields.tm_hour));
-    }
-}
-
 const struct
 {
     const char* name;
@@ -165,7 +140,6 @@ const struct
     {"named mutex", [](bool fails) { NamedObjects<nxWindowsMutex>(fails); }},
     {"named semaphore", [](bool fails) { NamedObjects<nxWindowsSemaphore>(fails, 1U, 1U); }},
     {"tick table file", TickTableFile},
-    {"time", Time},
 };
 
 // Every function that reaches the system for files, memory, locks and threads.

@@ -92,6 +92,10 @@ TEST(nxConsoleLogDevice, WritesLinesInItsFormsAndAsksTheLogForThem)
     manager.RegisterLogDevice(&device);
     manager.ImmediateWrite(Record("one"));
     device.Destroy();
+    {
+        nxConsoleLogDevice leaving;
+        manager.RegisterLogDevice(&leaving);
+    }
     manager.ImmediateWrite(Record("nowhere"));
     EXPECT_EQ(output.Take(), "[05Mar24 09:07:03.123.456] one\n");
 }

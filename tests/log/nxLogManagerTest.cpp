@@ -243,15 +243,16 @@ TEST(nxLogManager, LargeRecordsDoNotWaitForRingsThatAreHeldButEmpty)
 {
     const std::uint64_t bound = Manager().GetMaximumQueueBytes();
     Device device;
-    std::atomic<bool> stop{false};
-    nxInThreads(4,
-                [&](int thread)
+    // A thread that gives signs of life all the time.
+    const nxBusyThread ticking(
+        []
+        {
+            NX_LOG(NX_LOG_LEVEL_INFO) << "tick";
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+    nxInThreads(1,
+                [&]
                 {
-                    // One thread gives signs of life all the time.
-                    for (; thread == 0 && !stop; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
-                        NX_LOG(NX_LOG_LEVEL_INFO) << "tick";
-                    if (thread != 1)
-                        return;
                     const auto logLarge = [&](int writes)
                     {
                         const std::uint64_t dropped = Manager().GetStatistics().dropped;
@@ -278,7 +279,6 @@ TEST(nxLogManager, LargeRecordsDoNotWaitForRingsThatAreHeldButEmpty)
                                     together.arrive_and_wait();
                                 });
                     logLarge(2 * 7 + 24);
-                    stop = true;
                 });
     Manager().SetMaximumQueueBytes(bound);
 }

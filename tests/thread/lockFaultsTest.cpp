@@ -138,15 +138,6 @@ TEST(lockFaults, EveryErrorHasItsCode)
 
 TEST(lockFaults, WhatIsDoneInSpiteOfAnErrorAndErrorsLeftOver)
 {
-    nxMutex mutex;
-    const std::pair<const char*, Operation> locks[] = {{"pthread_mutex_lock", [&] { return mutex.Lock(); }},
-                                                       {"pthread_mutex_trylock", [&] { return mutex.TryLock(); }}};
-    for (const auto& [function, lock] : locks)
-    {
-        const nxSystemCallFault fault(function, EOWNERDEAD, {.executed = true});
-        EXPECT_EQ(lock(), NX_ERR_THR_OWNER_DEAD);
-        EXPECT_TRUE(mutex.Unlock().IsOK()) << "held in spite of the error";
-    }
     nxCondition condition;
     {
         const nxSystemCallFault unlock("pthread_mutex_unlock", EPERM, {.executed = true});

@@ -333,6 +333,7 @@ int UseUpAllKeys()
 // The log gets this many kibibytes more than the process has.
 int LogWithLittleMemory(int kibibytes)
 {
+    ::dup2(STDOUT_FILENO, STDERR_FILENO);
     std::ifstream status("/proc/self/statm");
     rlim_t pages = 0;
     status >> pages;
@@ -392,14 +393,6 @@ int main(int argc, char** argv)
         {"exit-while-stopped", ExitWhileStopped},
         {"exit-inside-a-device", ExitInsideADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
-        {"levels",
-         []
-         {
-             WriteToOutput();
-             NX_LOG(NX_LOG_LEVEL_INFO) << "info";
-             NX_LOG(NX_LOG_LEVEL_WARNING) << "warning";
-             return 0;
-         }},
         {"abort-after-a-fatal-record", AbortAfterAFatalRecord},
         {"end-by-the-last-thread", EndByTheLastThread},
         {"fault-in-a-device", FaultInADevice},
