@@ -9,10 +9,10 @@ log_row()
     report "$1" "$4" "$failed"
 }
 
-row_crashes() { NX_TEST_CRASHES=${NX_ENDURE_CRASHES:-5000} NX_TEST_SEED=$RANDOM log_row crashes test_endurance 'nxLogEndurance.WhatWasAcknowledged*:nxLogEndurance.AFatalSignal*' "${NX_ENDURE_CRASHES:-5000} processes killed, 5 fatal signals"; }
+row_crashes() { NX_TEST_CRASHES=${NX_ENDURE_CRASHES:-5000} NX_TEST_SEED=$RANDOM log_row crashes test_endurance 'nxLogEndurance.WhatWasAcknowledged*' "${NX_ENDURE_CRASHES:-5000} processes killed by 6 signals in turn"; }
 row_disk() { GTEST_REPEAT=${NX_ENDURE_DISK_CYCLES:-100} log_row disk test_log '*OnAFullDisk*' "${NX_ENDURE_DISK_CYCLES:-100} times full and free again"; }
 row_exits() { NX_TEST_EXITS=${NX_ENDURE_EXITS:-1000} log_row exits test_endurance 'nxLogEndurance.ExitWhile*:nxLogEndurance.ForkWhile*:nxLogProcess.NeedsNothingOfAPlugin*' "${NX_ENDURE_EXITS:-1000} exits and plug-ins unloaded, four times as many forks, while 8 threads log"; }
-row_rotation() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} log_row rotation test_endurance 'nxLogEndurance.Rotation*:nxLogEndurance.AChange*' "${NX_ENDURE_ROTATIONS:-10000} files' worth of lines, 10 changes of date"; }
+row_rotation() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} log_row rotation test_endurance 'nxLogEndurance.Rotation*' "${NX_ENDURE_ROTATIONS:-10000} files' worth of lines"; }
 add_row crashes 1
 add_row disk 1
 add_row exits 1

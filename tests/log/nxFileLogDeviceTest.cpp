@@ -565,25 +565,6 @@ TEST_F(nxFileLogDeviceTest, NeverBecomesAStandardStream)
     EXPECT_EQ(nxReadFile(GetRoot() / "data"), "");
 }
 
-TEST_F(nxFileLogDeviceTest, DoesWithASmallBufferWhenThereIsNoMemory)
-{
-    if (nxUnderAddressSanitizer || nxUnderThreadSanitizer)
-        GTEST_SKIP() << "a sanitizer takes all address space for itself";
-    Set("QRX_LOG_FILE_BUFF_SIZE_MB", "1024");
-    EXPECT_TRUE(nxInChild(
-        [&]
-        {
-            const rlimit little{std::size_t{800} << 20, RLIM_INFINITY};
-            setrlimit(RLIMIT_AS, &little);
-            EXPECT_TRUE(Create());
-            for (int i = 0; i < 1'000; ++i)
-                WriteBatch(LineOf(0, 97) + "\r\n");
-            Device().Destroy();
-        }));
-    EXPECT_EQ(AllLines().size(), 1'000U);
-    EXPECT_EQ(GetErrors(), "Failed to set a buffer for the log file, performance may be degraded.\n");
-}
-
 // Also while the device is busy: with a file that a stuck disk does not open.
 TEST_F(nxFileLogDeviceTest, GivesAForkedChildAFileOfItsOwn)
 {

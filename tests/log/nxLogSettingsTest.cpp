@@ -11,8 +11,6 @@ namespace
 template <class Settings = nxLogSettings>
 Settings With(const std::vector<std::pair<const char*, const char*>>& values)
 {
-    for (const char* const key : {"QRX_LOG_LEVEL", "QRX_LOG_DIRECTORY", "QRX_LOG_TO_CONSOLE", "QRX_LOG_THREAD_INDEX"})
-        unsetenv(key);
     for (const auto& [key, value] : values)
         setenv(key, value, 1);
     Settings settings = Settings::Read();
@@ -23,17 +21,6 @@ Settings With(const std::vector<std::pair<const char*, const char*>>& values)
 
 using Console = nxLogSettings::Console;
 }  // namespace
-
-TEST(nxLogSettings, HaveDefaults)
-{
-    const nxLogSettings settings = With({});
-    EXPECT_EQ(settings.level, NX_ENUM_UNDEFINED);
-    EXPECT_EQ(settings.directory, "");
-    EXPECT_EQ(settings.console, Console::Off);
-    EXPECT_EQ(settings.reservedEntries, 0U);
-    EXPECT_TRUE(settings.threadIndex);
-    EXPECT_EQ(With({{"QRX_LOG_DIRECTORY", "logs"}}).directory, "logs");
-}
 
 TEST(nxLogSettings, SettingUpTellsOnceWhatCouldNotBeRegistered)
 {

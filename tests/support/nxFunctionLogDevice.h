@@ -9,16 +9,14 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogManager.h"
 
-/// Calls a function for every record, and counts everything. Registered while it lives, unless it is left to others.
+/// Calls a function for every record, and counts everything. Registered while it lives.
 class nxFunctionLogDevice : public nxLogDevice
 {
 public:
-    explicit nxFunctionLogDevice(
-        std::function<void(const nxLog&)> onWrite = [](const nxLog&) {}, bool registers = true)
+    explicit nxFunctionLogDevice(std::function<void(const nxLog&)> onWrite = [](const nxLog&) {})
         : _onWrite(std::move(onWrite))
     {
-        if (registers)
-            nxLogManager::GetInstance().RegisterLogDevice(this);
+        nxLogManager::GetInstance().RegisterLogDevice(this);
     }
     ~nxFunctionLogDevice() override { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 

@@ -1,7 +1,6 @@
 #ifndef TESTS_SUPPORT_NXPRIVATEMEMORY_H
 #define TESTS_SUPPORT_NXPRIVATEMEMORY_H
 
-#include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <string>
 
 #include "tests/support/nxChildProcess.h"
+#include "tests/support/nxScratchDirectory.h"
 
 /// An empty /dev/shm of this process's own, so that no other process's named objects are in it and planted files do no
 /// harm.
@@ -39,14 +39,6 @@ public:
     }
 
 private:
-    static bool _WriteFile(const char* path, const std::string& contents)
-    {
-        const int descriptor = open(path, O_WRONLY);
-        const ssize_t written = write(descriptor, contents.data(), contents.size());
-        close(descriptor);
-        return written == static_cast<ssize_t>(contents.size());
-    }
-
     // As a user without rights, in a user name space where that user may mount.
     static bool _SeparateFileSystem()
     {
@@ -55,8 +47,12 @@ private:
         const auto itself = [](unsigned id) { return std::to_string(id) + ' ' + std::to_string(id) + " 1"; };
         const std::string user = itself(geteuid());
         const std::string group = itself(getegid());
-        return unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && _WriteFile("/proc/self/uid_map", user) &&
-               _WriteFile("/proc/self/setgroups", "deny") && _WriteFile("/proc/self/gid_map", group);
+        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0)
+            return false;
+        nxWriteFile("/proc/self/uid_map", user);
+        nxWriteFile("/proc/self/setgroups", "deny");
+        nxWriteFile("/proc/self/gid_map", group);
+        return true;
     }
 };
 

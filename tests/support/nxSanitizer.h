@@ -25,10 +25,8 @@ inline constexpr bool nxUnderAddressSanitizer =
     false;
 #endif
 
-/// Why a test is left out there.
+/// Why a test is left out under the thread sanitizer.
 inline constexpr const char* nxNoThreadsAfterFork =
     "the thread sanitizer ends a forked child of several threads that starts one of its own";
-inline constexpr const char* nxNoForkAmongThreads =
-    "the address sanitizer's allocator does not survive a fork while threads are in it";
 
 #endif

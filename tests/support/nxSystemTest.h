@@ -53,6 +53,19 @@ inline nxLogManager& Manager() { return nxLogManager::GetInstance(); }
 /// Waits for the log's thread, a minute at most, which it needs only when it hangs.
 inline void WaitUntilWritten() { Manager().WaitForWriteThreadToWriteQueueToDisk(60.0); }
 
+/// Takes what a source file has reported from a device, each record as "WRN 12 text", or "WRN text" without its line.
+inline std::vector<std::string> TakeReports(nxCapturingLogDevice& log, const std::string& source, bool withLines = true)
+{
+    WaitUntilWritten();
+    std::vector<std::string> reports;
+    for (const nxCapturedRecord& record : log.GetRecords())
+        if (record.sourceFile == source)
+            reports.push_back(record.level.GetShortDescription() +
+                              (withLines ? ' ' + std::to_string(record.line) + ' ' : " ") + record.text);
+    log.Clear();
+    return reports;
+}
+
 /// Keeps a thread inside a device until it is opened, half a minute at most.
 class nxGate
 {

@@ -138,15 +138,6 @@ TEST(lockFaults, EveryErrorHasItsCode)
 
 TEST(lockFaults, WhatIsDoneInSpiteOfAnErrorAndErrorsLeftOver)
 {
-    nxMutex mutex;
-    const std::pair<const char*, Operation> locks[] = {{"pthread_mutex_lock", [&] { return mutex.Lock(); }},
-                                                       {"pthread_mutex_trylock", [&] { return mutex.TryLock(); }}};
-    for (const auto& [function, lock] : locks)
-    {
-        const nxSystemCallFault fault(function, EOWNERDEAD, {.executed = true});
-        EXPECT_EQ(lock(), NX_ERR_THR_OWNER_DEAD);
-        EXPECT_TRUE(mutex.Unlock().IsOK()) << "held in spite of the error";
-    }
     nxCondition condition;
     {
         const nxSystemCallFault unlock("pthread_mutex_unlock", EPERM, {.executed = true});
@@ -221,27 +212,16 @@ TEST(lockFaults, CreationInSharedMemoryReportsItsFailure)
          {"ERR 87 Semaphore could not be created in shared memory. Result : -1"}},
     };
     nxCapturingLogDevice log;
-    const auto reportsOf = [&](const char* source)
-    {
-        WaitUntilWritten();
-        Records reports;
-        for (const nxCapturedRecord& record : log.GetRecords())
-            if (record.sourceFile == source)
-                reports.push_back(record.level.GetShortDescription() + ' ' + std::to_string(record.line) + ' ' +
-                                  record.text);
-        log.Clear();
-        return reports;
-    };
     for (const Creation& row : rows)
     {
         EXPECT_TRUE(row.create().IsOK());
-        EXPECT_EQ(reportsOf(row.source), row.onSuccess);
+        EXPECT_EQ(TakeReports(log, row.source), row.onSuccess);
         for (const char* const function : row.functions)
         {
             SCOPED_TRACE(function);
             const nxSystemCallFault fault(function, ENOMEM);
             EXPECT_EQ(row.create(), row.failure);
-            EXPECT_EQ(reportsOf(row.source), row.onFailure);
+            EXPECT_EQ(TakeReports(log, row.source), row.onFailure);
         }
     }
 }

@@ -22,19 +22,6 @@ private:
     std::function<void()> _body;
 };
 
-using Records = std::vector<std::string>;
-
-// What a source file has reported so far. Without line numbers where no position is promised.
-Records ReportsOf(const nxCapturingLogDevice& log, const std::string& source, bool withLines)
-{
-    WaitUntilWritten();
-    Records reports;
-    for (const nxCapturedRecord& record : log.GetRecords())
-        if (record.sourceFile == source)
-            reports.push_back(record.level.GetShortDescription() +
-                              (withLines ? ' ' + std::to_string(record.line) + ' ' : " ") + record.text);
-    return reports;
-}
 }  // namespace
 
 TEST(nxThread, StartsRunsAndStartsAgain)
@@ -67,15 +54,15 @@ TEST(nxThread, StartsRunsAndStartsAgain)
 
 TEST(nxThread, ReportsAnExceptionThatLeavesRun)
 {
-    const nxCapturingLogDevice log;
+    nxCapturingLogDevice log;
     FunctionThread thrower([] { throw std::runtime_error("out of prices"); });
     FunctionThread other([] { throw 7; });
     FunctionThread exits([] { pthread_exit(nullptr); });
     for (nxThread* const thread : {&thrower, &other, &exits})
         EXPECT_TRUE(thread->Create().IsOK() && thread->Wait().IsOK());
-    EXPECT_EQ(ReportsOf(log, "core/trunk/nxThread", false),
-              (Records{"FTL A thread ended with an exception: out of prices",
-                       "FTL A thread ended with an exception: of unknown type"}));
+    EXPECT_EQ(TakeReports(log, "core/trunk/nxThread", false),
+              (std::vector<std::string>{"FTL A thread ended with an exception: out of prices",
+                                        "FTL A thread ended with an exception: of unknown type"}));
 }
 
 TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)
@@ -96,7 +83,7 @@ TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)
 
 TEST(nxThreadSpecificMemoryBuffer, KeepsContentsAndFillLevelThroughGrowthAndReportsIt)
 {
-    const nxCapturingLogDevice log;
+    nxCapturingLogDevice log;
     nxThreadSpecificMemoryBuffer buffer(16);
     EXPECT_EQ(buffer.GetUsed(), 0U);
     std::ostringstream address;
@@ -116,15 +103,15 @@ TEST(nxThreadSpecificMemoryBuffer, KeepsContentsAndFillLevelThroughGrowthAndRepo
     EXPECT_EQ(buffer.GetCapacity(), 19U) << "grows by the size at construction";
 
     const std::string growing = "Growing thread-specific memory buffer. Size: ";
-    const Records expected{"INF 95 Allocated thread-specific memory buffer. Thread index: " +
-                               std::to_string(nxThreadIndex::GetIndexOfCurrentThread()) +
-                               ", Size: 16, Address: " + address.str(),
-                           "INF 44 " + growing + "16 -> 32",
-                           "INF 44 " + growing + "32 -> 48",
-                           "INF 60 " + growing + "48 -> 1048576",
-                           "INF 60 " + growing + "1048576 -> 3",
-                           "INF 44 " + growing + "3 -> 19"};
-    EXPECT_EQ(ReportsOf(log, "core/trunk/nxThreadSpecificMemoryBuffer", true), expected);
+    const std::vector<std::string> expected{"INF 95 Allocated thread-specific memory buffer. Thread index: " +
+                                                std::to_string(nxThreadIndex::GetIndexOfCurrentThread()) +
+                                                ", Size: 16, Address: " + address.str(),
+                                            "INF 44 " + growing + "16 -> 32",
+                                            "INF 44 " + growing + "32 -> 48",
+                                            "INF 60 " + growing + "48 -> 1048576",
+                                            "INF 60 " + growing + "1048576 -> 3",
+                                            "INF 44 " + growing + "3 -> 19"};
+    EXPECT_EQ(TakeReports(log, "core/trunk/nxThreadSpecificMemoryBuffer"), expected);
 }
 
 TEST(nxThreadSpecificMemoryBuffer, ASizeOfZeroNeverGrowsAndMemoryThatRunsOutLeavesNull)

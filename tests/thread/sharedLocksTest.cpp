@@ -81,23 +81,6 @@ TEST(sharedLocks, ARobustMutexOutlivesOwnersThatAreKilled)
     isLost();
 }
 
-TEST(sharedLocks, ASharedMutexReportsMisuseToo)
-{
-    nxSharedMemory<Shared> shared;
-    for (const bool robust : {false, true})
-    {
-        ASSERT_TRUE(shared->mutex.InitialiseAsShared(robust).IsOK());
-        nxMutexGuard guard(shared->mutex);
-        EXPECT_EQ(shared->mutex.Lock(), NX_ERR_UNSPECIFIED);
-        EXPECT_TRUE(nxInChild(
-            [&]() NX_NO_THREAD_SAFETY_ANALYSIS
-            {
-                EXPECT_EQ(shared->mutex.Unlock(), NX_ERR_THR_MISMATCH) << "a stranger's";
-                EXPECT_EQ(shared->mutex.TryLock(), NX_ERR_THR_LOCKED);
-            }));
-    }
-}
-
 TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
 {
     constexpr int rounds = 2'000;
