@@ -230,7 +230,8 @@ TEST(nxSemaphore, ACountThatIsTooLargeIsReportedOnTheStandardOutput)
         EXPECT_TRUE(refused.InitialiseAsShared(2147483647U).IsOK());
         EXPECT_EQ(refused.Post(), NX_ERR_UNSPECIFIED) << "full";
     }
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "sem_init err -1, " + std::to_string(EINVAL) + "\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              testing::PrintToString(EINVAL).insert(0, "sem_init err -1, ").append("\n"));
 }
 
 TEST(nxSpinLock, TryLockOfALockThatIsHeld)

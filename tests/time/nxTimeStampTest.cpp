@@ -232,6 +232,15 @@ TEST(nxTimeStamp, GivesItsPartsAndOrdersByThem)
     EXPECT_EQ(stamp.GetAsDateTime().GetTime().GetNanoseconds(), 500'000'000U);
 }
 
+// Seconds that no table covers are asked of the C library, whose lock a fork does not take.
+TEST(nxTimeStamp, IsPrintedInChildrenThatAreForkedWhileItIsPrinted)
+{
+    const auto print = [] { static_cast<void>(nxTimeStamp(32'503'680'000, 0).GetAsString()); };
+    const nxBusyThread printing(print);
+    for (int i = 0; i < 500 && !HasFailure(); ++i)
+        EXPECT_TRUE(nxInChild(print));
+}
+
 TEST(nxTimeStamp, ConvertsToAndFromTimePoints)
 {
     using namespace std::chrono;
