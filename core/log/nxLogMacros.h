@@ -23,12 +23,12 @@
         ? (void)0                    \
         : nxLogStatement::End<NX_LOG_CONSTANT(level)>() & nxLogStatement(level, NX_LOG_SITE(file, line)).Stream()
 
-/// The number of a level that is a constant, so that one that is no level does not compile. Internal to the log.
+/// The number of a level that is a constant, so that one that is no level does not compile. For the macros above.
 #define NX_LOG_CONSTANT(level)                                                                 \
     (__builtin_constant_p(nxLogStatement::GetNumber(level)) ? nxLogStatement::GetNumber(level) \
                                                             : nxLogLevelEnum::MinimumValue + 1)
 
-/// The static part of one statement. Internal to the log.
+/// The static part of one statement. For the macros above.
 #define NX_LOG_SITE(file, line)                                    \
     []() noexcept -> nxLogSite&                                    \
     {                                                              \
