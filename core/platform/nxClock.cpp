@@ -70,6 +70,26 @@ nxClockTime ToTime(std::int64_t nanoseconds) { return nxClockScale(0, nanosecond
 constinit std::atomic<nxClock::Source> nxClock::_source{nxClock::Source::Undecided};
 constinit nxClock::Lines nxClock::_lines{};
 
+struct nxClockAtForks
+{
+    // A child forked in the middle of an update would find the lines closed for ever.
+    static void RepairChild()
+    {
+        discipline = nxClockDiscipline();
+        nxClock::_lines.validity.store(0, std::memory_order_relaxed);
+        nxClock::_lines.exactRate.store(0, std::memory_order_relaxed);
+        nxClock::_lines.sequence.store(0, std::memory_order_release);
+    }
+};
+
+namespace
+{
+constexpr nxForkHandlers::Functions aroundForksOfClock{nullptr, nullptr, &nxClockAtForks::RepairChild};
+// Registered while the library is loaded: the first update may meet a fork.
+[[maybe_unused]] const bool isClockRegistered =
+    nxForkHandlers::Register(nxForkHandlers::Rank::Clock, aroundForksOfClock);
+}  // namespace
+
 nxClock::Source nxClock::_Decide()
 {
     const Source known = _source.load(std::memory_order_acquire);
@@ -79,22 +99,7 @@ nxClock::Source nxClock::_Decide()
     nextLook.store(nxSystemClock::MonotonicNanoseconds() + lookInterval, std::memory_order_relaxed);
     Source expected = Source::Undecided;
     // The first thread decides, so no two readings ever have different units.
-    if (!_source.compare_exchange_strong(expected, found, std::memory_order_relaxed))
-        return expected;
-    // Otherwise a child forked in the middle of an update would find the lines closed for ever.
-    if (found == Source::Counter)
-    {
-        static constexpr nxForkHandlers::Functions functions{nullptr, nullptr,
-                                                             []
-                                                             {
-                                                                 discipline = nxClockDiscipline();
-                                                                 _lines.validity.store(0, std::memory_order_relaxed);
-                                                                 _lines.exactRate.store(0, std::memory_order_relaxed);
-                                                                 _lines.sequence.store(0, std::memory_order_release);
-                                                             }};
-        nxForkHandlers::Register(nxForkHandlers::Rank::Clock, functions);
-    }
-    return found;
+    return _source.compare_exchange_strong(expected, found, std::memory_order_relaxed) ? found : expected;
 }
 
 nxClockTime nxClock::_Update(const nxClockReading& reading)

@@ -70,6 +70,7 @@ public:
 
 private:
     friend class nxSteppedClock;
+    friend struct nxClockAtForks;
 
     enum class Source
     {
