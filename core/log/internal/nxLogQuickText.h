@@ -22,7 +22,7 @@ struct nxLogTextRoom
 
     /// @return the bytes that the longest text of a value touches, with those that are overwritten after it; of a Text
     ///         without its characters, each of which takes a byte here and there.
-    static constexpr std::size_t GetTouched(nxLogTag tag)
+    static consteval std::size_t GetTouched(nxLogTag tag)
     {
         switch (tag)
         {
@@ -54,7 +54,7 @@ struct nxLogTextRoom
         return 0;
     }
 
-    static constexpr bool SufficesForAll()
+    static consteval bool SufficesForAll()
     {
         for (unsigned number = 0; number <= static_cast<unsigned>(nxLogTag::SourceApplication); ++number)
         {
