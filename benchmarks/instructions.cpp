@@ -156,8 +156,8 @@ const Operation operations[] = {
     {"mutex_lock_unlock",
      []
      {
-         mutex.Lock();
-         mutex.Unlock();
+         static_cast<void>(mutex.Lock());
+         static_cast<void>(mutex.Unlock());
      }},
     {"time_stamp_text",
      []

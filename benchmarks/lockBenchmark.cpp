@@ -93,8 +93,8 @@ struct BareMutex
 
 struct OurMutex
 {
-    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { mutex.Lock(); }
-    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { mutex.Unlock(); }
+    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Lock()); }
+    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Unlock()); }
     nxMutex mutex;
 };
 
@@ -118,8 +118,8 @@ struct OurRobustMutex : OurMutex
 
 struct OurNamedMutex
 {
-    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { mutex.Lock(); }
-    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { mutex.Unlock(); }
+    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Lock()); }
+    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Unlock()); }
     nxWindowsMutex mutex{"nxcore benchmark " + std::to_string(getpid())};
 };
 
@@ -137,7 +137,7 @@ struct OurTriedMutex
     void Give() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (taken)
-            mutex.Unlock();
+            static_cast<void>(mutex.Unlock());
     }
     nxMutex mutex;
     bool taken = false;
@@ -190,8 +190,8 @@ void GuardStandard(benchmark::State& state)
 
 struct OurSpinLock
 {
-    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { lock.Lock(); }
-    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { lock.Unlock(); }
+    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.Lock()); }
+    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.Unlock()); }
     nxSpinLock lock;
 };
 
@@ -205,15 +205,15 @@ struct BareSpinLock
 
 struct OurSemaphore
 {
-    void Take() { semaphore.Wait(); }
-    void Give() { semaphore.Post(); }
+    void Take() { static_cast<void>(semaphore.Wait()); }
+    void Give() { static_cast<void>(semaphore.Post()); }
     nxSemaphore semaphore{1};
 };
 
 struct OurNamedSemaphore
 {
-    void Take() { semaphore.Wait(); }
-    void Give() { semaphore.Post(); }
+    void Take() { static_cast<void>(semaphore.Wait()); }
+    void Give() { static_cast<void>(semaphore.Post()); }
     nxWindowsSemaphore semaphore{"nxcore benchmark semaphore " + std::to_string(getpid()), 1, 1};
 };
 
@@ -236,15 +236,15 @@ struct StandardSemaphore
 struct OurReader
 {
     static constexpr bool isShared = true;
-    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { lock.ReadLock(); }
-    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { lock.ReadUnlock(); }
+    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.ReadLock()); }
+    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.ReadUnlock()); }
     nxReaderWriterLock lock;
 };
 
 struct OurWriter
 {
-    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { lock.WriteLock(); }
-    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { lock.WriteUnlock(); }
+    void Take() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.WriteLock()); }
+    void Give() NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(lock.WriteUnlock()); }
     nxReaderWriterLock lock;
 };
 
@@ -273,7 +273,7 @@ struct StandardReader
 
 struct OurBarrier
 {
-    void Take() { barrier.Wait(); }
+    void Take() { static_cast<void>(barrier.Wait()); }
     void Give() {}
     nxBarrier barrier{1};
 };
@@ -289,7 +289,7 @@ struct BareBarrier
 // A signal that nobody waits for.
 struct OurCondition
 {
-    void Take() { condition.Signal(); }
+    void Take() { static_cast<void>(condition.Signal()); }
     void Give() {}
     nxConditionRaw condition;
 };

@@ -3,7 +3,12 @@
 
 #include "core/enum/nxTypedEnum.h"
 
+// Declared first, because g++ does not take both this mark and NX_CORE_API in one declaration.
+class [[nodiscard]] nxErrorEnum;
+
 /// The result of nearly every operation that can fail. Success is the default value, tested with IsOK().
+///
+/// A call whose error is dropped brings a warning. Where no error can matter, say so: `static_cast<void>(lock.Unlock());`.
 ///
 /// Codes run from 1000001 to 1999998 and are named NX_ERR_...; the short description of a code is that name, the long
 /// description is for people. Values of other enumerations cannot be stored: they become 0, which reads as

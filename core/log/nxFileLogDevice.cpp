@@ -140,7 +140,7 @@ void nxFileLogDevice::_EndProcess()
     if (!nxLogTimedLock::Take(device._mutex, nxLogLimits::FileAtEnd))
         return;
     WithoutThrowing([&device] { device._parts->file->End(); });
-    device._mutex.Unlock();
+    static_cast<void>(device._mutex.Unlock());
 }
 
 void nxFileLogDevice::CloseAndReopenLogFile()

@@ -16,7 +16,7 @@
 /// - Errors: none. For 0 threads, or for more than the system allows, Wait() returns at once.
 /// @code
 /// nxBarrier start(4);
-/// start.Wait();  // in each of four threads: none goes on before all have come
+/// static_cast<void>(start.Wait());  // in each of four threads: none goes on before all have come
 /// @endcode
 class NX_CORE_API nxBarrier
 {

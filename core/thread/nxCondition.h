@@ -17,7 +17,9 @@
 /// @code
 /// while (!_stop)
 /// {
-///     _wake.TimedWait(0.1);  // nxCondition _wake
+///     const nxErrorEnum error = _wake.TimedWait(0.1);  // nxCondition _wake
+///     if (!error.IsOK() && error != NX_ERR_THR_TIMEDOUT)
+///         return error;
 ///     DoWhatHasArrived();
 /// }
 /// @endcode

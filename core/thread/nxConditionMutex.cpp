@@ -12,7 +12,7 @@ nxErrorEnum nxConditionMutex::Wait()
     // Unlocking an inconsistent mutex makes it unusable for ever.
     const bool ownerDied = result == EOWNERDEAD;
     if (ownerDied)
-        Consistent();
+        static_cast<void>(Consistent());
     pthread_mutex_unlock(&_mutex);
     if (ownerDied)
         nxThreadReport::OwnerDiedDuringWait();
@@ -23,7 +23,7 @@ nxErrorEnum nxConditionMutex::LockAndWait()
 {
     if (Lock() == NX_ERR_THR_OWNER_DEAD)
     {
-        Consistent();
+        static_cast<void>(Consistent());  // cannot fail: the lock has just told of the owner's death
         nxThreadReport::OwnerDiedDuringWait();
     }
     return Wait();

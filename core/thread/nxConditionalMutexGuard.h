@@ -25,7 +25,7 @@ public:
     ~nxConditionalMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (_locked)
-            _mutex->Unlock();
+            static_cast<void>(_mutex->Unlock());  // cannot fail: the guard holds it
     }
 
     nxConditionalMutexGuard(const nxConditionalMutexGuard&) = delete;

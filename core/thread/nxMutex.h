@@ -38,7 +38,7 @@
 /// if (mutex.TryLock().IsOK())
 /// {
 ///     mutex.AssertHeld();  // for the compiler's analysis only
-///     mutex.Unlock();
+///     static_cast<void>(mutex.Unlock());
 /// }
 /// @endcode
 class NX_CORE_API NX_CAPABILITY("mutex") nxMutex

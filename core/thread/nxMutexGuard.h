@@ -22,7 +22,7 @@ public:
     ~nxMutexGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (_mutex != nullptr) [[likely]]
-            _mutex->Unlock();
+            static_cast<void>(_mutex->Unlock());  // cannot fail: the guard holds it
     }
 
     nxMutexGuard(const nxMutexGuard&) = delete;

@@ -19,7 +19,7 @@ public:
     ~nxReaderWriterLockGuard_Read() NX_RELEASE_GENERIC() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (_lock != nullptr) [[likely]]
-            _lock->ReadUnlock();
+            static_cast<void>(_lock->ReadUnlock());  // cannot fail: the guard holds it
     }
 
 private:

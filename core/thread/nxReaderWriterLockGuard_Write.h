@@ -19,7 +19,7 @@ public:
     ~nxReaderWriterLockGuard_Write() NX_RELEASE_GENERIC() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (_lock != nullptr) [[likely]]
-            _lock->WriteUnlock();
+            static_cast<void>(_lock->WriteUnlock());  // cannot fail: the guard holds it
     }
 
 private:

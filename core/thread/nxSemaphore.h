@@ -22,7 +22,7 @@
 /// - No thread may wait when it is destroyed.
 /// @code
 /// nxSemaphore filled(0);
-/// filled.Post();                                  // in the producer
+/// const nxErrorEnum error = filled.Post();           // in the producer
 /// const nxErrorEnum error = filled.TimedWait(0.25);  // in the consumer
 /// @endcode
 class NX_CORE_API nxSemaphore

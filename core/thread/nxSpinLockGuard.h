@@ -16,7 +16,7 @@ public:
     ~nxSpinLockGuard() NX_RELEASE() NX_NO_THREAD_SAFETY_ANALYSIS
     {
         if (_lock != nullptr) [[likely]]
-            _lock->Unlock();
+            static_cast<void>(_lock->Unlock());  // cannot fail: the guard holds it
     }
 
     nxSpinLockGuard(const nxSpinLockGuard&) = delete;

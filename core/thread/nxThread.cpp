@@ -61,7 +61,7 @@ void* nxThread::_ThreadProc(void* self)
 {
     try
     {
-        static_cast<nxThread*>(self)->Run();
+        static_cast<void>(static_cast<nxThread*>(self)->Run());
     }
     catch (const std::exception& exception)
     {

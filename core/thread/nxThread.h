@@ -31,8 +31,8 @@ class nxServiceThread;
 ///     nxErrorEnum Run() override;
 /// };
 /// Poller poller;
-/// if (poller.Create().IsOK())
-///     poller.Wait();
+/// if (!poller.Create().IsOK() || !poller.Wait().IsOK())
+///     NX_LOG(NX_LOG_LEVEL_ERROR) << "no poller";
 /// @endcode
 class NX_CORE_API nxThread
 {

@@ -30,8 +30,8 @@
 ///   program did not open (closefrom) gives the names up until the next constructor.
 /// @code
 /// nxWindowsMutex mutex("my firm's order gateway");
-/// mutex.Lock();
-/// mutex.Unlock();
+/// static_cast<void>(mutex.Lock());  // always success
+/// static_cast<void>(mutex.Unlock());
 /// @endcode
 class NX_CORE_API NX_CAPABILITY("mutex") nxWindowsMutex
 {

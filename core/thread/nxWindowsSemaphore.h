@@ -20,7 +20,7 @@
 /// @code
 /// nxWindowsSemaphore slots("my firm's licences", 3, 3);
 /// if (slots.TimedWait(0.5).IsOK())
-///     slots.Post();
+///     static_cast<void>(slots.Post());
 /// @endcode
 class NX_CORE_API nxWindowsSemaphore
 {

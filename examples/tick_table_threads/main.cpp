@@ -60,7 +60,8 @@ bool QuoteFromThreads(const nxVariableTickTable& table)
             haveAllStarted = false;
         }
     for (const auto& quoter : quoters)
-        quoter->Wait();  // before any is destroyed; for one that has not started it returns at once
+        // Before any is destroyed. For one that has not started it returns an error at once.
+        static_cast<void>(quoter->Wait());
     if (!haveAllStarted)
         return false;
     for (const auto& quoter : quoters)

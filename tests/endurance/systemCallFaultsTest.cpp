@@ -93,14 +93,14 @@ void LogManager(bool fails)
 
 void TakeAndGive(nxWindowsMutex& mutex)
 {
-    mutex.Lock();
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Lock().IsOK());
+    EXPECT_TRUE(mutex.Unlock().IsOK());
 }
 
 void TakeAndGive(nxWindowsSemaphore& semaphore)
 {
     EXPECT_TRUE(semaphore.TimedWait(0).IsOK());
-    semaphore.Post();
+    EXPECT_TRUE(semaphore.Post().IsOK());
 }
 
 template <class Object, class... Counts>

@@ -22,7 +22,8 @@ LOCATION = re.compile(r"([^\s:][^:]*):(\d+):(?:\d+:)?\s+(.*)")
 # GCC names the place that asked for a template before the fault in it, clang after it.
 BEFORE = re.compile(r"required (from|by)|[Ii]n (instantiation|substitution|.constexpr. expansion)")
 AFTER = re.compile(r"note: .*(requested here|in expansion of macro|required from here)")
-FLAGS = ["-std=gnu++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wconversion", "-Wno-unused", "-ftemplate-backtrace-limit=0"]
+FLAGS = ["-std=gnu++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wconversion", "-Wno-unused", "-Wunused-result",
+         "-ftemplate-backtrace-limit=0"]
 
 
 class Case:

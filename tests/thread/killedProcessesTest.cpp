@@ -51,7 +51,7 @@ void VisitUnderMutex(Shared& shared, int visitor) NX_NO_THREAD_SAFETY_ANALYSIS
     const nxErrorEnum error = shared.mutex.Lock();
     shared.faults += error == NX_ERR_THR_OWNER_DEAD ? !shared.mutex.Consistent().IsOK() : !error.IsOK();
     shared.faults += !shared.mutexRoom.Visit(visitor);
-    shared.mutex.Unlock();
+    shared.faults += !shared.mutex.Unlock().IsOK();
 }
 
 // Uses everything beside the process that is killed.
@@ -62,14 +62,14 @@ void VisitUnderMutex(Shared& shared, int visitor) NX_NO_THREAD_SAFETY_ANALYSIS
     shared.faults += mutex.IsNull() + semaphore.IsNull();
     for (;; ++shared.rounds)
     {
-        mutex.Lock();
-        mutex.Lock();
+        shared.faults += !mutex.Lock().IsOK();
+        shared.faults += !mutex.Lock().IsOK();
         shared.faults += !shared.namedRoom.Visit(1);
-        mutex.Unlock();
-        mutex.Unlock();
+        shared.faults += !mutex.Unlock().IsOK();
+        shared.faults += !mutex.Unlock().IsOK();
         // A killed process may have taken the licences along, so this does not wait for long.
         if (semaphore.TimedWait(0.001).IsOK())
-            semaphore.Post();
+            shared.faults += !semaphore.Post().IsOK();
         VisitUnderMutex(shared, 1);
     }
 }
@@ -82,19 +82,19 @@ void UseEverything(Shared& shared) NX_NO_THREAD_SAFETY_ANALYSIS
 {
     nxWindowsMutex mutex("mutex");
     Pause();
-    mutex.Lock();
-    mutex.Lock();
+    shared.faults += !mutex.Lock().IsOK();
+    shared.faults += !mutex.Lock().IsOK();
     shared.faults += !shared.namedRoom.Visit(2);
     Pause();
     nxWindowsSemaphore semaphore("semaphore", Licences, Licences);
     const bool hasLicence = semaphore.TimedWait(0.001).IsOK();
     Pause();
     if (hasLicence)
-        semaphore.Post();
+        shared.faults += !semaphore.Post().IsOK();
     Pause();
-    mutex.Unlock();
+    shared.faults += !mutex.Unlock().IsOK();
     VisitUnderMutex(shared, 2);
-    mutex.Unlock();
+    shared.faults += !mutex.Unlock().IsOK();
     Pause();
 }
 
@@ -113,8 +113,8 @@ void ExpectAsNew(Shared& shared)
         {
             nxWindowsMutex mutex("mutex");
             EXPECT_FALSE(mutex.IsNull());
-            mutex.Lock();
-            mutex.Unlock();
+            EXPECT_TRUE(mutex.Lock().IsOK());
+            EXPECT_TRUE(mutex.Unlock().IsOK());
             EXPECT_EQ(CountIn("semaphore", Licences), Licences);
             VisitUnderMutex(shared, 3);
         }));

@@ -62,7 +62,7 @@ TEST(lockFaults, EveryErrorHasItsCode)
     {
         const nxErrorEnum error = both.LockAndWait();
         EXPECT_TRUE(both.TryLock().IsOK()) << "a wait that fails leaves the mutex free";
-        both.Unlock();
+        EXPECT_TRUE(both.Unlock().IsOK());
         return error;
     };
     const auto lockThenWait = [&]

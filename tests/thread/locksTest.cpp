@@ -123,7 +123,7 @@ TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwardsAndTakesOverFromAHolder
         while (!woken)
         {
             nxConditionalMutexGuard whileItWaits(condition, !holderDied);
-            condition.Signal();
+            EXPECT_TRUE(condition.Signal().IsOK());
         }
     }
 }
@@ -175,7 +175,7 @@ TEST(locks, ADeadlineOfExactlyOneSecondOfNanosecondsIsRefused)
         const nxEnumValue ofSemaphores = isRefused ? NX_ERR_INVALID_PARAMETER : NX_ERR_THR_TIMEDOUT;
         EXPECT_EQ(semaphore.TimedWait(0.25), ofSemaphores);
         EXPECT_EQ(semaphore.TimedWait_Microseconds(250'000), ofSemaphores);
-        semaphore.Post();
+        EXPECT_TRUE(semaphore.Post().IsOK());
         EXPECT_EQ(semaphore.TimedWait(0.25).IsOK(), !isRefused) << "although there is a count";
         EXPECT_EQ(semaphore.TryWait().IsOK(), isRefused);
     }
@@ -203,7 +203,7 @@ TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
     {
         SCOPED_TRACE(past);
         EXPECT_EQ(semaphore.TimedWait(past), NX_ERR_THR_TIMEDOUT);
-        semaphore.Post();
+        EXPECT_TRUE(semaphore.Post().IsOK());
         EXPECT_TRUE(semaphore.TimedWait(past).IsOK()) << "a count that is free is taken all the same";
     }
     for (const double seconds : {4294967294.5, 4294967295.0, 9.2e18, 9223372036854775807.0, 1e300, infinity})
@@ -213,11 +213,11 @@ TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                semaphore.Post();
+                EXPECT_TRUE(semaphore.Post().IsOK());
             });
         EXPECT_TRUE(UntilAccepted([&] { return semaphore.TimedWait(seconds); }).IsOK()) << "waits for the count";
     }
-    semaphore.Post();
+    EXPECT_TRUE(semaphore.Post().IsOK());
     EXPECT_TRUE(semaphore.TimedWait_Microseconds(std::numeric_limits<unsigned long long>::max()).IsOK());
 }
 

@@ -86,7 +86,7 @@ TEST(namedObjects, ASemaphoreNeverExceedsItsMaximum)
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                semaphore.Post();
+                EXPECT_TRUE(semaphore.Post().IsOK());
             });
         EXPECT_TRUE(semaphore.TimedWait(seconds).IsOK()) << seconds;
     }
@@ -110,23 +110,23 @@ TEST(namedObjects, AMutexBelongsToAThreadAndCounts)
     nxWindowsMutex mutex(name);
     nxWindowsMutex same(name);
     std::atomic<bool> entered{false};
-    mutex.Lock();
-    [&]() NX_NO_THREAD_SAFETY_ANALYSIS { same.Lock(); }();
+    EXPECT_TRUE(mutex.Lock().IsOK());
+    [&]() NX_NO_THREAD_SAFETY_ANALYSIS { EXPECT_TRUE(same.Lock().IsOK()); }();
     std::jthread other(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             nxWindowsMutex third(name);
-            third.Lock();
+            EXPECT_TRUE(third.Lock().IsOK());
             entered = true;  // and ends as the owner
         });
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Unlock().IsOK());
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_FALSE(entered) << "locked twice, unlocked once";
-    [&]() NX_NO_THREAD_SAFETY_ANALYSIS { same.Unlock(); }();
+    [&]() NX_NO_THREAD_SAFETY_ANALYSIS { EXPECT_TRUE(same.Unlock().IsOK()); }();
     other.join();
     EXPECT_TRUE(entered);
-    mutex.Lock();
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Lock().IsOK());
+    EXPECT_TRUE(mutex.Unlock().IsOK());
 }
 
 TEST(namedObjects, OneDescriptorServesAllNames)
@@ -151,7 +151,7 @@ TEST(namedObjects, ANameLivesAsLongAsAProcessThatHasItOpen)
         [&]
         {
             nxWindowsSemaphore semaphore(name, 3, 5);
-            semaphore.Wait();
+            EXPECT_TRUE(semaphore.Wait().IsOK());
             stage.Reach(1);
             pause();
         });
@@ -161,7 +161,7 @@ TEST(namedObjects, ANameLivesAsLongAsAProcessThatHasItOpen)
         {
             nxWindowsSemaphore semaphore(name, 5, 5);
             EXPECT_EQ(Drain(semaphore), 2U) << "opened, not made";
-            semaphore.Post();
+            EXPECT_TRUE(semaphore.Post().IsOK());
             stage.Reach(2);
             pause();
         });
@@ -178,23 +178,23 @@ TEST(namedObjects, AForkedChildSharesWhatIsOpenAndOwnsNothing)
     const std::string name = Unique("fork");
     nxStage stage;
     nxWindowsMutex mutex(name);
-    mutex.Lock();
+    EXPECT_TRUE(mutex.Lock().IsOK());
     nxChildProcess child(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
-            mutex.Unlock();  // a stranger's
+            EXPECT_TRUE(mutex.Unlock().IsOK()) << "a lock of the parent is left alone";
             stage.Reach(1);
-            mutex.Lock();
+            EXPECT_TRUE(mutex.Lock().IsOK());
             stage.Reach(2);  // ends as the owner
         });
     stage.WaitFor(1);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(stage.Get(), 1) << "the parent still holds it";
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Unlock().IsOK());
     EXPECT_TRUE(child.Succeeds());
     EXPECT_EQ(stage.Get(), 2);
-    mutex.Lock();
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Lock().IsOK());
+    EXPECT_TRUE(mutex.Unlock().IsOK());
 }
 
 TEST(namedObjects, AForkedChildKeepsNamesAliveAndItsOwnNamesDieWithIt)
@@ -206,7 +206,7 @@ TEST(namedObjects, AForkedChildKeepsNamesAliveAndItsOwnNamesDieWithIt)
         [&]
         {
             nxWindowsSemaphore semaphore(inherited, 1, 5);
-            semaphore.Wait();
+            EXPECT_TRUE(semaphore.Wait().IsOK());
             if (fork() == 0)
             {
                 alarm(60);
@@ -226,7 +226,7 @@ TEST(namedObjects, AForkedChildKeepsNamesAliveAndItsOwnNamesDieWithIt)
         [&]
         {
             nxWindowsMutex mutex(inherited + "2");
-            EXPECT_TRUE(nxInChild([&] { nxWindowsSemaphore(own, 1, 5).Wait(); }));
+            EXPECT_TRUE(nxInChild([&] { EXPECT_TRUE(nxWindowsSemaphore(own, 1, 5).Wait().IsOK()); }));
             stage.Reach(4);
             pause();
         });
@@ -245,7 +245,7 @@ TEST(namedObjects, AProcessThatClosesAllDescriptorsClaimsItsNamesAgain)
         [&]
         {
             nxWindowsSemaphore semaphore(name, 1, 5);
-            semaphore.Wait();
+            EXPECT_TRUE(semaphore.Wait().IsOK());
             for (int descriptor = 3; descriptor < 1024; ++descriptor)
                 close(descriptor);
             const int another = open("/dev/zero", O_RDWR);  // probably under the old number

@@ -25,7 +25,7 @@ void LockAndDie(Shared& shared)
     nxChildProcess owner(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
-            shared.mutex.Lock();
+            EXPECT_TRUE(shared.mutex.Lock().IsOK());
             stage.Reach(1);
             pause();
         });
@@ -59,7 +59,7 @@ TEST(sharedLocks, ARobustMutexOutlivesOwnersThatAreKilled)
     }
     EXPECT_TRUE(mutex.TryLock().IsOK()) << "the guard has made it consistent";
     mutex.AssertHeld();
-    mutex.Unlock();
+    EXPECT_TRUE(mutex.Unlock().IsOK());
 
     LockAndDie(*shared);
     EXPECT_EQ(mutex.Lock(), NX_ERR_THR_OWNER_DEAD);
@@ -96,7 +96,7 @@ TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
             while (!shared->go && shared->condition.Wait(shared->mutex).IsOK())
             {
             }
-            shared->semaphore.Post();
+            EXPECT_TRUE(shared->semaphore.Post().IsOK());
         });
     const auto add = [&]
     {
@@ -116,7 +116,7 @@ TEST(sharedLocks, ProcessesExcludeAndWakeEachOther)
     {
         nxMutexGuard guard(shared->mutex);
         shared->go = true;
-        shared->condition.SignalAll();
+        EXPECT_TRUE(shared->condition.SignalAll().IsOK());
     }
     EXPECT_TRUE(shared->semaphore.Wait().IsOK());
     EXPECT_TRUE(waiter.Succeeds());

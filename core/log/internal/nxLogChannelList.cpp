@@ -7,7 +7,6 @@
 
 #include "core/log/internal/nxLogCounters.h"
 #include "core/platform/nxThisThread.h"
-#include "core/thread/internal/nxForkMutex.h"
 
 namespace
 {

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/log/internal/nxLogRing.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 /// All rings, and those of the calling thread.
@@ -42,8 +43,8 @@ public:
     /// the process no thread will write them. @return how many these are.
     std::uint64_t DropWaiting(std::uint64_t inHand) noexcept;
 
-    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
-    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
+    void BeforeFork() noexcept { nxForkMutex::Take(_mutex); }
+    void AfterForkInParent() noexcept { nxForkMutex::GiveBack(_mutex); }
     /// Keeps the rings of the forking thread, empty. @return the capacities of their segments.
     std::size_t AfterForkInChild() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 

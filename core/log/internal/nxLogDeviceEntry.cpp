@@ -32,7 +32,7 @@ nxLogDeviceEntry::Visit::~Visit()
         return;
     _innermost = _outer;
     nxLogBell::SetCallerInsideDevice(_outer != nullptr);
-    _entry._mutex->Unlock();
+    static_cast<void>(_entry._mutex->Unlock());
 }
 
 bool nxLogDeviceEntry::_IsThreadInside() const noexcept
@@ -81,7 +81,7 @@ void nxLogDeviceEntry::AfterForkInParent() noexcept
         return;
     if (_lineSink != nullptr && !IsRemoved())
         _lineSink->AfterForkInParent();
-    _mutex->Unlock();
+    static_cast<void>(_mutex->Unlock());
 }
 
 void nxLogDeviceEntry::AfterForkInChild() noexcept

@@ -174,10 +174,10 @@ void nxLogDeviceList::BeforeFork() noexcept
         _forking = Get();
         for (const auto& entry : *_forking)
             entry->BeforeFork(deadline);
-        _mutex.Lock();
+        nxForkMutex::Take(_mutex);
         if (_entries == _forking || nxClock::MonotonicNanoseconds() > deadline)
             return;
-        _mutex.Unlock();
+        nxForkMutex::GiveBack(_mutex);
         for (const auto& entry : *_forking)
             entry->AfterForkInParent();
     }
@@ -185,7 +185,7 @@ void nxLogDeviceList::BeforeFork() noexcept
 
 void nxLogDeviceList::AfterForkInParent() noexcept
 {
-    _mutex.Unlock();
+    nxForkMutex::GiveBack(_mutex);
     for (const auto& entry : *_forking)
         entry->AfterForkInParent();
     _forking.reset();

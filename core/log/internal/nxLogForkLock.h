@@ -28,11 +28,11 @@ public:
         return nxLogTimedLock::TakeUntil(mutex, _deadline);
     }
 
-    static void GiveBack(nxMutex& mutex, bool wasTaken) noexcept NX_NO_THREAD_SAFETY_ANALYSIS
+    static void GiveBack(nxMutex& mutex, bool wasTaken) noexcept
     {
         _deadline = 0;
         if (wasTaken)
-            mutex.Unlock();
+            nxForkMutex::GiveBack(mutex);
     }
 
     static void RenewInChild(nxMutex& mutex, bool wasTaken) noexcept

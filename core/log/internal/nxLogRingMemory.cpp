@@ -8,7 +8,6 @@
 #include "core/log/internal/nxLogRecordBytes.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
-#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutex.h"
 
 /// The memory of one ring. The ring's own bytes follow it.
@@ -64,8 +65,8 @@ public:
     /// Frees a block, allocated by malloc(), for which @p bytes were claimed.
     void FreeBlock(char* block, std::size_t bytes) noexcept;
 
-    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
-    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
+    void BeforeFork() noexcept { nxForkMutex::Take(_mutex); }
+    void AfterForkInParent() noexcept { nxForkMutex::GiveBack(_mutex); }
     /// @param bytesInUse the capacities of the segments that the child goes on using. All that the parent's other
     ///        threads had taken no longer counts.
     void AfterForkInChild(std::size_t bytesInUse) noexcept NX_NO_THREAD_SAFETY_ANALYSIS;

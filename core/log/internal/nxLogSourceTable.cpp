@@ -7,7 +7,6 @@
 #include <string>
 
 #include "core/log/internal/nxLogEscape.h"
-#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept

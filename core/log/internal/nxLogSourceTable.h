@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/log/inline/nxLogSource.h"
+#include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutex.h"
 
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
@@ -21,8 +22,8 @@ public:
     /// @return the place, the same object for equal arguments. Throws std::bad_alloc.
     const nxLogSource* Keep(const char* file, unsigned line);
 
-    void BeforeFork() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Lock(); }
-    void AfterForkInParent() noexcept NX_NO_THREAD_SAFETY_ANALYSIS { _mutex.Unlock(); }
+    void BeforeFork() noexcept { nxForkMutex::Take(_mutex); }
+    void AfterForkInParent() noexcept { nxForkMutex::GiveBack(_mutex); }
     void AfterForkInChild() noexcept;
 
 private:

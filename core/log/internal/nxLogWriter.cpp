@@ -55,7 +55,7 @@ void nxLogWriter::RunRoundHere(std::int64_t limit) noexcept
     nxLogBell::SetCallerWriter(true);
     _RunRoundAndUpkeep(true);
     nxLogBell::SetCallerWriter(false);
-    _roundMutex.Unlock();
+    static_cast<void>(_roundMutex.Unlock());
 }
 
 // @return whether there was a record.

@@ -53,7 +53,7 @@ bool nxLogWriterThread::Start() noexcept
     bool running = nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Running) != ThreadState::Stopped;
     if (!running && now >= _nextStart)
         running = _StartNow(now);
-    _startMutex.Unlock();
+    static_cast<void>(_startMutex.Unlock());
     if (_couldNotStart.load(std::memory_order_relaxed))
         _TellFailureOnce();
     return running;
@@ -63,7 +63,7 @@ bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
 {
     nxLogExit::Register();
     if (_thread != nullptr)
-        _thread->Wait();  // returns soon, because the state is Stopped
+        static_cast<void>(_thread->Wait());  // returns soon, because the state is Stopped
     else
         _thread = new (std::nothrow) nxLogDeferredWriteThread;
     nxLogBell::SetState(ThreadState::Running);
@@ -101,7 +101,7 @@ bool nxLogWriterThread::Stop(std::int64_t limit) noexcept
         nxThisThread::SleepMilliseconds(1);
     }
     if (_thread != nullptr)
-        _thread->Wait();
+        static_cast<void>(_thread->Wait());  // an error: it was not started
     return true;
 }
 

@@ -29,25 +29,31 @@ public:
         return nxForkHandlers::Register(rank, functions);
     }
 
+    /// Before the fork. Lock() fails only in a thread that holds the mutex already, and no such thread forks.
+    static void Take(nxMutex& mutex) noexcept NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Lock()); }
+
+    /// In the parent, after the fork.
+    static void GiveBack(nxMutex& mutex) noexcept NX_NO_THREAD_SAFETY_ANALYSIS { static_cast<void>(mutex.Unlock()); }
+
     /// In the child: constructs again, unlocked, a mutex that the forking thread took before the fork. The unlock before
     /// it fails, but without it the thread sanitizer, which follows locks through forks, believes the mutex held.
-    static void Renew(nxMutex& mutex) noexcept NX_NO_THREAD_SAFETY_ANALYSIS
+    static void Renew(nxMutex& mutex) noexcept
     {
-        mutex.Unlock();
+        GiveBack(mutex);
         ::new (&mutex) nxMutex;
     }
 
 private:
     template <nxMutex& (*GetMutex)()>
-    static void _Before() NX_NO_THREAD_SAFETY_ANALYSIS
+    static void _Before()
     {
-        GetMutex().Lock();
+        Take(GetMutex());
     }
 
     template <nxMutex& (*GetMutex)()>
-    static void _AfterInParent() NX_NO_THREAD_SAFETY_ANALYSIS
+    static void _AfterInParent()
     {
-        GetMutex().Unlock();
+        GiveBack(GetMutex());
     }
 
     template <nxMutex& (*GetMutex)()>

@@ -58,8 +58,7 @@ public:
             const nxMutexGuard guard(_totals.mutex);
             _totals.answers[line] = answer;
         }
-        _totals.finished.Post();
-        return nxErrorEnum();
+        return _totals.finished.Post();
     }
 
 private:
