@@ -1,10 +1,13 @@
 #include "core/price/nxPriceManipulator.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <span>
 
 #include "core/log/nxLogMacros.h"
 #include "core/price/internal/nxExactSum.h"
+#include "core/price/internal/nxValidPrices.h"
 #include "core/price/nxVariableTickTable.h"
 #include "core/price/nxVariableTickTableContainer.h"
 
@@ -17,6 +20,18 @@ nxDecimal Multiple(const nxDecimal& increment, int count)
         static_cast<std::uint64_t>(increment.GetValue()) * static_cast<std::uint64_t>(std::int64_t{count});
     return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(mantissa),
                                                          increment.GetDecimalPlaces());
+}
+
+// The valid prices of a fixed tick are those of a table with one band.
+nxValidPrices::Band MakeOnlyBand(const nxDecimal& increment)
+{
+    return {nxDecimal::GetMaximumDecimal(), nxDecimal::Abs(increment)};
+}
+
+nxValidPrices GetValidPrices(const nxValidPrices::Band& onlyBand, const nxDecimal& price)
+{
+    const unsigned char places = std::max(onlyBand.second.GetDecimalPlaces(), price.GetDecimalPlaces());
+    return nxValidPrices(std::span(&onlyBand, 1), std::min(places, nxValidPrices::MostPlaces));
 }
 }  // namespace
 
@@ -55,6 +70,22 @@ void nxPriceManipulator::RoundToValidTick(const nxRoundingMethodEnum& method, nx
         _table->RoundToValidTick(method, price);
     else
         price.Round(_tickIncrement, method);
+}
+
+bool nxPriceManipulator::IsValidTick(const nxDecimal& price) const
+{
+    if (_table != nullptr)
+        return _table->IsValidTick(price);
+    const nxValidPrices::Band band = MakeOnlyBand(_tickIncrement);
+    return GetValidPrices(band, price).Contains(price);
+}
+
+nxErrorEnum nxPriceManipulator::_GetNext(bool up, const nxDecimal& price, nxDecimal& next) const
+{
+    if (_table != nullptr)
+        return up ? _table->GetNextAbove(price, next) : _table->GetNextBelow(price, next);
+    const nxValidPrices::Band band = MakeOnlyBand(_tickIncrement);
+    return GetValidPrices(band, price).GetNext(up, price, next);
 }
 
 void nxDecimal::Round(const nxPriceManipulator& manipulator, const nxRoundingMethodEnum& method)

@@ -20,8 +20,8 @@ class nxVariableTickTable;
 /// manipulator.Increment(price, 2);                                          // 99.95
 /// @endcode
 ///
-/// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone. A
-///   negative one takes no steps, and rounds as its magnitude does.
+/// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone, and
+///   none is valid. A negative one takes no steps; it rounds, and tells which prices are valid, as its magnitude does.
 /// - Places: rounding gives the tick's. A table's steps do so too, but drop only zeros. Fixed steps give the larger number.
 /// - Threads: readers may share one; a writer needs the caller's lock.
 /// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.
@@ -41,7 +41,7 @@ public:
             _WarnOfNoTable();
     }
 
-    /// Takes the table of the catalogue that has the identifier @p id, "VTT_CHIX_CPH1".
+    /// Takes the table of nxVariableTickTableContainer that has the identifier @p id, "VTT_CHIX_CPH1".
     /// @return NX_ERR_NOT_FOUND when there is none; nothing is changed then.
     [[nodiscard]] nxErrorEnum SetVariableTickTable(const std::string& id);
 
@@ -61,8 +61,25 @@ public:
     /// Rounds the price to a multiple of the tick at it.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const;
 
+    /// @return whether the price is valid: with a table see nxVariableTickTable::IsValidTick(), otherwise whether it is a
+    ///         multiple of the fixed tick. False without either, because nothing then says which prices are.
+    bool IsValidTick(const nxDecimal& price) const;
+    /// Sets @p next to the closest valid price strictly below @p price, with the places of the tick at it.
+    /// @return the errors of nxVariableTickTable::GetNextBelow(); NX_ERR_NO_MATCH too without a table and a tick. @p next
+    ///         is then untouched.
+    [[nodiscard]] nxErrorEnum GetNextBelow(const nxDecimal& price, nxDecimal& next) const
+    {
+        return _GetNext(false, price, next);
+    }
+    /// Sets @p next to the closest valid price strictly above @p price, with the errors of GetNextBelow().
+    [[nodiscard]] nxErrorEnum GetNextAbove(const nxDecimal& price, nxDecimal& next) const
+    {
+        return _GetNext(true, price, next);
+    }
+
 private:
     static void _WarnOfNoTable();
+    nxErrorEnum _GetNext(bool up, const nxDecimal& price, nxDecimal& next) const;
 
     const nxVariableTickTable* _table = nullptr;
     nxDecimal _tickIncrement = nxDecimal::GetNullDecimal();

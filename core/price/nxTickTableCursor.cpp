@@ -17,3 +17,10 @@ nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecima
 {
     return _place.Round(_table->_GetRules(), method, price);
 }
+
+bool nxTickTableCursor::_IsValidTick(nxDecimal price) { return _place.IsValidTick(_table->_GetRules(), price); }
+
+nxErrorEnum nxTickTableCursor::_GetNext(bool up, nxDecimal price, nxDecimal& next)
+{
+    return _place.GetNext(_table->_GetRules(), up, price, next);
+}

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
@@ -64,6 +65,23 @@ public:
             price = _Round(method, price);
     }
 
+    /// @return whether the price is valid; see nxVariableTickTable::IsValidTick().
+    bool IsValidTick(const nxDecimal& price)
+    {
+        bool isMultiple = false;
+        return _place.zone.CheckMultiple(price, isMultiple) ? isMultiple : _IsValidTick(price);
+    }
+    /// Sets @p next to the closest valid price strictly below @p price; see nxVariableTickTable::GetNextBelow().
+    [[nodiscard]] nxErrorEnum GetNextBelow(const nxDecimal& price, nxDecimal& next)
+    {
+        return _place.zone.FindNext(false, price, next) ? nxErrorEnum() : _GetNext(false, price, next);
+    }
+    /// Sets @p next to the closest valid price strictly above @p price; see nxVariableTickTable::GetNextBelow().
+    [[nodiscard]] nxErrorEnum GetNextAbove(const nxDecimal& price, nxDecimal& next)
+    {
+        return _place.zone.FindNext(true, price, next) ? nxErrorEnum() : _GetNext(true, price, next);
+    }
+
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
     unsigned char NumberOfDecimalPlaces(const nxDecimal& price);
 
@@ -75,6 +93,8 @@ private:
     const nxDecimal& _FindTick(nxDecimal price);
     nxDecimal _Step(bool up, std::uint64_t ticks, nxDecimal price);
     nxDecimal _Round(const nxRoundingMethodEnum& method, nxDecimal price);
+    bool _IsValidTick(nxDecimal price);
+    nxErrorEnum _GetNext(bool up, nxDecimal price, nxDecimal& next);
 
     const nxVariableTickTable* _table;
     nxTickPlace _place;

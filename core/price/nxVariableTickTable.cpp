@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "core/log/nxLogMacros.h"
+#include "core/price/internal/nxValidPrices.h"
 
 nxVariableTickTable::~nxVariableTickTable() = default;
 
@@ -153,6 +154,29 @@ nxDecimal nxVariableTickTable::_RoundBy(const nxDecimal* tick, const nxRoundingM
     if (price.IsValid())
         price.Round(tick != nullptr ? *tick : _GetIncrementForPrice(price), method);
     return price;
+}
+
+bool nxVariableTickTable::IsValidTick(const nxDecimal& price) const
+{
+    bool isMultiple = false;
+    if (price.IsValid())
+    {
+        const nxMutexGuard guard(_lock);
+        if (_Relocate(price) && _place.zone.CheckMultiple(price, isMultiple))
+            return isMultiple;
+    }
+    return nxValidPrices(_ranges).Contains(price);
+}
+
+nxErrorEnum nxVariableTickTable::_GetNext(bool up, const nxDecimal& price, nxDecimal& next) const
+{
+    if (price.IsValid())
+    {
+        const nxMutexGuard guard(_lock);
+        if (_Relocate(price) && _place.zone.FindNext(up, price, next))
+            return nxErrorEnum();
+    }
+    return nxValidPrices(_ranges).GetNext(up, price, next);
 }
 
 nxTickPlace nxVariableTickTable::_StartPlace(const nxDecimal& price) const

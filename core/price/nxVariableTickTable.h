@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
@@ -32,6 +33,10 @@
 ///
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
 ///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 0.05.
+/// - Valid prices are the multiples of the tick at them. With bands (10, 0.01) and (100, 0.05) these are 9.99, 10.00, 10.05:
+///   10.01 is none, because its tick is 0.05. Where a bound is off its own band's grid, the first multiple of the lower
+///   tick above it is valid too, as rounding has it: with bands (9.985, 0.01) and (100, 0.05) that is 9.99. Valid prices
+///   are told by exact integers, whatever the places. IsValidTick() is a gateway's first question to an order's price.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
 ///   step lands on its bound or lower.
 /// - Places: a step away from zero gives the places of the increment of the band in which the result lies. A step
@@ -43,7 +48,8 @@
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
-/// - Limits: comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps. A price that does not fit
+/// - Limits: valid prices are known for bounds and increments of at most 19 places; otherwise no price is valid, and the next
+///   one is NX_ERR_VALUE_OUT_OF_RANGE. In the other operations comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps. A price that does not fit
 ///   them at the tick's places is garbage after the step.
 /// - Constraints: bands ascend, and bounds and increments are positive. Otherwise answers depend on earlier questions,
 ///   and those of cursors differ. _AddTopRange() then writes an error record to the log. The constructor of a derived
@@ -114,6 +120,26 @@ public:
     /// Rounds each price. Takes the lock once.
     void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
 
+    /// @return whether the price is valid: a multiple of the tick at it, so that RoundToValidTick() keeps its value. The
+    ///         places that it is written with do not matter. False for a price without a value or without a band.
+    bool IsValidTick(const nxDecimal& price) const;
+    /// Sets @p next to the closest valid price strictly below @p price, in its own band or in another one. The price
+    /// itself need not be valid. The result has the places of the tick at it, and is the same object as the price if the
+    /// caller wishes.
+    /// @return NX_ERR_OBJECT_IS_NULL for a price without a value, NX_ERR_NO_MATCH for one without a band,
+    ///         NX_ERR_VALUE_OUT_OF_RANGE when 64 bits do not hold the result; @p next is then untouched, and nothing is
+    ///         logged.
+    [[nodiscard]] nxErrorEnum GetNextBelow(const nxDecimal& price, nxDecimal& next) const
+    {
+        return _GetNext(false, price, next);
+    }
+    /// Sets @p next to the closest valid price strictly above @p price, in its own band or in another one, with the errors
+    /// of GetNextBelow().
+    [[nodiscard]] nxErrorEnum GetNextAbove(const nxDecimal& price, nxDecimal& next) const
+    {
+        return _GetNext(true, price, next);
+    }
+
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
     unsigned char NumberOfDecimalPlaces(const nxDecimal& price) const;
 
@@ -180,6 +206,7 @@ private:
     nxDecimal _StepSlowly(bool up, nxDecimal price) const;
     // By the tick, or by the decimal rules where it is null.
     nxDecimal _RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal price) const;
+    nxErrorEnum _GetNext(bool up, const nxDecimal& price, nxDecimal& next) const;
 
     // Inline functions of programs that were built before use these members: their order and their meaning stay.
     std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;

@@ -1,5 +1,6 @@
 #include "core/price/nxVariableTickTable.h"
 
+#include "core/price/nxPriceManipulator.h"
 #include "core/price/nxTickTableCursor.h"
 #include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
@@ -295,12 +296,26 @@ void ExpectEach(const nxDecimal& price, const nxDecimal& expected, const Ways&..
     (expect(ways), ...);
 }
 
+// All ways find the next price, or the same error; null means that there is none.
+template <class... Ways>
+void ExpectNext(const nxDecimal& price, bool up, bool isAsked, const nxDecimal& next, Ways&... ways)
+{
+    const nxErrorEnum error(!price.IsValid() ? NX_ERR_OBJECT_IS_NULL
+                            : !isAsked       ? NX_ERR_NO_MATCH
+                            : next.IsNull()  ? NX_ERR_VALUE_OUT_OF_RANGE
+                                             : NX_ENUM_UNDEFINED);
+    const auto getNext = [&](auto& way)
+    { return [&](nxDecimal& p) { EXPECT_EQ(up ? way.GetNextAbove(p, p) : way.GetNextBelow(p, p), error); }; };
+    ExpectEach(price, error.IsOK() ? next : price, getNext(ways)...);
+}
+
 // Compares every operation with the transcription, on one table.
 void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t seed, std::uint64_t operations)
 {
     const TranscribedTickTable rules(table.GetRangeData());
     PriceSource source(table, seed);
     nxTickTableCursor cursor(table);
+    const nxPriceManipulator manipulator(&table);
     nxDecimal walking = source.Next();
     for (; operations != 0; --operations)
     {
@@ -324,6 +339,17 @@ void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t se
             price, rules.Rounded(price, method), [&](nxDecimal& p) { table.RoundToValidTick(method, p); },
             [&](nxDecimal& p) { cursor.RoundToValidTick(method, p); },
             [&](nxDecimal& p) { table.RoundToValidTick(method, std::span(&p, 1)); }));
+
+        const bool isAsked = price.IsValid() && price.GetValue() != INT64_MIN;  // others have no band
+        const bool isValid = isAsked && rules.IsValid(price);
+        ASSERT_EQ(table.IsValidTick(price), isValid);
+        ASSERT_EQ(cursor.IsValidTick(price), isValid);
+        ASSERT_EQ(manipulator.IsValidTick(price), isValid);
+        if (source.Below(8) == 0)  // the oracle is slow
+        {
+            const nxDecimal next = isAsked ? rules.Next(price, up) : price;
+            ASSERT_NO_FATAL_FAILURE(ExpectNext(price, up, isAsked, next, table, cursor, manipulator));
+        }
 
         const nxDecimal stepped = rules.Stepped(price, up);
         ASSERT_NO_FATAL_FAILURE(ExpectEach(

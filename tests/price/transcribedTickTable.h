@@ -86,8 +86,80 @@ public:
         return price;
     }
 
+    // For a price with a value and a band, and bands of at most 19 places.
+    bool IsValid(const nxDecimal& price) const
+    {
+        const auto [floor, ceiling] = Units(price);
+        return floor == ceiling && IsValid(floor);
+    }
+
+    // The closest valid price on one side of a price; null where 64 bits do not hold it. It is the first multiple of some
+    // tick past the price, or past a point at which the tick changes: all of these are looked at.
+    nxDecimal Next(const nxDecimal& price, bool up) const
+    {
+        const auto [floor, ceiling] = Units(price);
+        std::vector<Wide> starts = {up ? floor : ceiling, 0};
+        for (std::size_t band = 0; band + 1 < _bands.size(); ++band)
+            for (const Wide point : {Bound(band), Bound(band) + Tick(band)})
+                starts.insert(starts.end(), {point - 1, point, point + 1, -point - 1, -point, 1 - point});
+        bool isFound = false;
+        Wide best = 0;
+        for (std::size_t band = 0; band < _bands.size(); ++band)
+            for (const Wide start : starts)
+                for (int ticks = -1; ticks <= 1; ++ticks)
+                {
+                    const Wide multiple = (start / Tick(band) + ticks) * Tick(band);
+                    if ((up ? multiple > floor : multiple < ceiling) &&
+                        (!isFound || (up ? multiple < best : multiple > best)) && IsValid(multiple))
+                    {
+                        best = multiple;
+                        isFound = true;
+                    }
+                }
+        if (!isFound)
+            return nxDecimal::GetNullDecimal();
+        const unsigned char places = _bands[BandOfTick(best)].second.GetDecimalPlaces();
+        best /= Units(D(1, places)).first;
+        return Fits(best) && best != INT64_MIN ? D(best, places) : nxDecimal::GetNullDecimal();
+    }
+
 private:
     __extension__ typedef __int128 Wide;
+
+    static nxDecimal D(Wide mantissa, unsigned char places)
+    {
+        return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(mantissa), places);
+    }
+
+    // A number in units of 10^-19, rounded down and up.
+    static std::pair<Wide, Wide> Units(const nxDecimal& number)
+    {
+        Wide units = number.GetValue();
+        bool hasRest = false;
+        for (int places = number.GetDecimalPlaces(); places < 19; ++places)
+            units *= 10;
+        for (int places = number.GetDecimalPlaces(); places > 19; --places, units /= 10)
+            hasRest = hasRest || units % 10 != 0;
+        return {units - (hasRest && number.IsNegative() ? 1 : 0), units + (hasRest && number.IsPositive() ? 1 : 0)};
+    }
+    Wide Bound(std::size_t band) const { return Units(_bands[band].first).first; }
+    Wide Tick(std::size_t band) const { return Units(_bands[band].second).first; }
+
+    // The band whose tick a price has, or the number of bands.
+    std::size_t BandOfTick(Wide units) const
+    {
+        const Wide magnitude = units < 0 ? -units : units;
+        std::size_t band = 0;
+        while (band < _bands.size() && Bound(band) < magnitude)
+            ++band;
+        const bool isLower = band != 0 && band < _bands.size() && magnitude < Bound(band - 1) + Tick(band - 1);
+        return isLower ? band - 1 : band;
+    }
+    bool IsValid(Wide units) const
+    {
+        const std::size_t band = BandOfTick(units);
+        return band != _bands.size() && units % Tick(band) == 0;
+    }
 
     // False beyond 10^18.
     static bool Scale(const nxDecimal& number, int places, Wide& scaled)

@@ -1,6 +1,7 @@
 #include "core/price/inline/nxTickPlace.h"
 
 #include "core/price/internal/nxTickRun.h"
+#include "core/price/internal/nxValidPrices.h"
 
 namespace
 {
@@ -75,4 +76,19 @@ nxDecimal nxTickPlace::Round(const nxTickRules& rules, const nxRoundingMethodEnu
     if (price.IsValid())
         price.Round(FindTick(rules, price), method);
     return price;
+}
+
+bool nxTickPlace::IsValidTick(const nxTickRules& rules, const nxDecimal& price)
+{
+    bool isMultiple = false;
+    if (price.IsValid() && Relocate(rules, price) && zone.CheckMultiple(price, isMultiple))
+        return isMultiple;
+    return nxValidPrices(rules.GetBands()).Contains(price);
+}
+
+nxErrorEnum nxTickPlace::GetNext(const nxTickRules& rules, bool isUp, const nxDecimal& price, nxDecimal& next)
+{
+    if (price.IsValid() && Relocate(rules, price) && zone.FindNext(isUp, price, next))
+        return nxErrorEnum();
+    return nxValidPrices(rules.GetBands()).GetNext(isUp, price, next);
 }

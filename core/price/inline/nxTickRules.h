@@ -40,6 +40,9 @@ public:
         return price.IsValid() ? nxDecimal::Abs(price) : nxDecimal();
     }
 
+    /// @return all bands.
+    const Bands& GetBands() const { return _bands; }
+
     /// @return what is found for a price that has no band.
     Band End() const { return _bands.end(); }
 

@@ -94,8 +94,37 @@ struct nxTickZone
         const std::uint64_t distance = static_cast<std::uint64_t>(value) - rounding.first;
         if (price.GetScale() != roundingPlaces || distance > rounding.span || index > 3)
             return false;
-        const std::uint64_t ticks = _MultiplyHigh(distance * factor + start[index], reciprocal) >> shift;
+        const std::uint64_t ticks = _CountTicks(distance, index);
         price =
+            nxDecimal::ConstructFromValueAndDecimalPlaces(base + static_cast<std::int64_t>(ticks) * tick, tickPlaces);
+        return true;
+    }
+
+    /// Tells whether a price is a multiple of the tick.
+    /// @return false, with @p isMultiple unchanged, when the price is outside or not valid.
+    bool CheckMultiple(const nxDecimal& price, bool& isMultiple) const
+    {
+        const std::uint64_t distance = static_cast<std::uint64_t>(price.GetValue()) - rounding.first;
+        if (price.GetScale() != roundingPlaces || distance > rounding.span)
+            return false;
+        isMultiple = _CountTicks(distance, _down) == _CountTicks(distance, _up);
+        return true;
+    }
+
+    /// Finds the closest multiple of the tick above a price, or below it, that lies in the stretch too.
+    /// @return false, with @p next unchanged, when there is none, or the price is outside or not valid.
+    bool FindNext(bool isUp, const nxDecimal& price, nxDecimal& next) const
+    {
+        const std::uint64_t distance = static_cast<std::uint64_t>(price.GetValue()) - rounding.first;
+        if (price.GetScale() != roundingPlaces || distance > rounding.span)
+            return false;
+        const std::uint64_t ticks = isUp ? _CountTicks(distance, _down) + 1 : _CountTicks(distance, _up) - 1;
+        // The dividend of the multiple, compared with those of the first and the last price. One tick below the base
+        // wraps and is beyond both.
+        const std::uint64_t oneTick = start[_up] - start[_down] + 2;
+        if (ticks * oneTick - start[_down] > rounding.span * factor)
+            return false;
+        next =
             nxDecimal::ConstructFromValueAndDecimalPlaces(base + static_cast<std::int64_t>(ticks) * tick, tickPlaces);
         return true;
     }
@@ -125,6 +154,16 @@ struct nxTickZone
     }
 
 private:
+    // Indices of `start`.
+    static constexpr std::size_t _down = 0;
+    static constexpr std::size_t _up = 1;
+
+    // The ticks from the base to a price that lies @p distance above the first one, rounded by the method of that index.
+    std::uint64_t _CountTicks(std::uint64_t distance, std::size_t method) const
+    {
+        return _MultiplyHigh(distance * factor + start[method], reciprocal) >> shift;
+    }
+
     static std::uint64_t _MultiplyHigh(std::uint64_t a, std::uint64_t b)
     {
         return static_cast<std::uint64_t>(static_cast<nxUnsignedWide>(a) * b >> 64);

@@ -1,0 +1,154 @@
+#include "core/price/internal/nxValidPrices.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "core/numeric/nxPowersOfTen.h"
+
+namespace
+{
+nxUnsignedWide GetMultipleBelow(nxUnsignedWide number, nxUnsignedWide tick) { return number / tick * tick; }
+nxUnsignedWide GetMultipleAbove(nxUnsignedWide number, nxUnsignedWide tick)
+{
+    return GetMultipleBelow(number + tick - 1, tick);
+}
+}  // namespace
+
+nxValidPrices::_Position nxValidPrices::_GetPosition(const nxDecimal& magnitude) const
+{
+    const auto mantissa = static_cast<std::uint64_t>(magnitude.GetValue());
+    const std::size_t places = magnitude.GetDecimalPlaces();
+    if (places <= _places)
+        return {nxUnsignedWide{mantissa} * nxPowersOfTen::GetInteger(_places - places), false};
+    const std::size_t surplus = places - _places;
+    if (surplus > MostPlaces)  // the power would not fit, and is larger than every mantissa
+        return {0, mantissa != 0};
+    const std::uint64_t power = nxPowersOfTen::GetInteger(surplus);
+    return {mantissa / power, mantissa % power != 0};
+}
+
+// The index of the price's band; the number of bands where it has none. The most negative mantissa has no magnitude.
+std::size_t nxValidPrices::_FindBand(const nxDecimal& price, const _Position& position) const
+{
+    if (price.GetValue() == INT64_MIN)
+        return _bands.size();
+    const auto found = std::partition_point(_bands.begin(), _bands.end(),
+                                            [&](const Band& band)
+                                            {
+                                                const _Position bound = _GetPosition(band.first);
+                                                return bound.units < position.units ||
+                                                       (bound.units == position.units && position.hasRest);
+                                            });
+    return static_cast<std::size_t>(found - _bands.begin());
+}
+
+// The number of a band in units; false when it is not positive or has more places.
+bool nxValidPrices::_GetUnits(const nxDecimal& number, nxUnsignedWide& units) const
+{
+    const _Position position = _GetPosition(number);
+    units = position.units;
+    return number.IsPositive() && !position.hasRest;
+}
+
+bool nxValidPrices::_MakeLattice(std::size_t band, _Lattice& lattice) const
+{
+    nxUnsignedWide bound = 0;
+    if (!_GetUnits(_bands[band].first, bound) || !_GetUnits(_bands[band].second, lattice.tick))
+        return false;
+    lattice.first = 0;
+    if (band != 0)
+    {
+        nxUnsignedWide lowerBound = 0, lowerTick = 0;
+        if (!_GetUnits(_bands[band - 1].first, lowerBound) || !_GetUnits(_bands[band - 1].second, lowerTick))
+            return false;
+        // In a band that is narrower than the lower tick the band's own tick holds only above the bound.
+        const nxUnsignedWide start = std::min(lowerBound + lowerTick, bound + 1);
+        lattice.first = GetMultipleAbove(start, lattice.tick);
+    }
+    // Less than one tick above the bound, but not beyond the next band.
+    nxUnsignedWide end = bound;
+    if (band + 1 != _bands.size() && !_GetUnits(_bands[band + 1].first, end))
+        return false;
+    lattice.last = GetMultipleBelow(std::min(bound + lattice.tick - 1, end), lattice.tick);
+    return true;
+}
+
+bool nxValidPrices::Contains(const nxDecimal& price) const
+{
+    if (!price.IsValid())
+        return false;
+    const _Position position = _GetPosition(nxDecimal::Abs(price));
+    const std::size_t band = _FindBand(price, position);
+    if (band == _bands.size() || position.hasRest)
+        return false;
+    // The tick at the price is its own band's or the one below.
+    for (std::size_t i = band == 0 ? 0 : band - 1; i <= band; ++i)
+        if (_Lattice lattice; _MakeLattice(i, lattice) && lattice.first <= position.units &&
+                              position.units <= lattice.last && position.units % lattice.tick == 0)
+            return true;
+    return false;
+}
+
+nxErrorEnum nxValidPrices::GetNext(bool isUp, const nxDecimal& price, nxDecimal& next) const
+{
+    if (!price.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    const _Position position = _GetPosition(nxDecimal::Abs(price));
+    const std::size_t band = _FindBand(price, position);
+    if (band == _bands.size() || !_bands[band].second.IsPositive())
+        return nxErrorEnum(NX_ERR_NO_MATCH);
+    const bool isNegative = isUp ? price.IsNegative() : !price.IsPositive();
+    nxDecimal found;
+    const nxErrorEnum error =
+        isUp != isNegative ? _GetOutwards(band, position, found) : _GetInwards(band, position, found);
+    if (error.IsOK())
+    {
+        if (isNegative)
+            found.InvertSign();
+        next = found;
+    }
+    return error;
+}
+
+nxErrorEnum nxValidPrices::_GetOutwards(std::size_t band, const _Position& position, nxDecimal& next) const
+{
+    for (std::size_t i = band == 0 ? 0 : band - 1; i != _bands.size(); ++i)
+    {
+        _Lattice lattice;
+        if (!_MakeLattice(i, lattice))
+            break;
+        const nxUnsignedWide above = GetMultipleBelow(position.units, lattice.tick) + lattice.tick;
+        if (const nxUnsignedWide candidate = std::max(above, lattice.first); candidate <= lattice.last)
+            return _Store(candidate, i, next);
+    }
+    return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+}
+
+// For a position above 0, which always has 0 below it.
+nxErrorEnum nxValidPrices::_GetInwards(std::size_t band, const _Position& position, nxDecimal& next) const
+{
+    const nxUnsignedWide highest = position.hasRest ? position.units : position.units - 1;
+    for (std::size_t i = band + 1; i-- != 0;)
+    {
+        _Lattice lattice;
+        if (!_MakeLattice(i, lattice))
+            break;
+        const nxUnsignedWide candidate = std::min(GetMultipleBelow(highest, lattice.tick), lattice.last);
+        if (lattice.first <= candidate)
+            return _Store(candidate, i, next);
+    }
+    return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+}
+
+// Writes a multiple of the band's tick, which has no digit below the tick's places.
+nxErrorEnum nxValidPrices::_Store(nxUnsignedWide units, std::size_t band, nxDecimal& next) const
+{
+    const unsigned char tickPlaces = _bands[band].second.GetDecimalPlaces();
+    const std::size_t fewer = tickPlaces < _places ? std::size_t{_places} - tickPlaces : 0;
+    const nxUnsignedWide mantissa = units / nxPowersOfTen::GetInteger(fewer);
+    if (mantissa > nxUnsignedWide{INT64_MAX})
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    next = nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<std::int64_t>(mantissa),
+                                                         std::min(tickPlaces, _places));
+    return nxErrorEnum();
+}
