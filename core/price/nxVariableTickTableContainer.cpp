@@ -1,11 +1,16 @@
 #include "core/price/nxVariableTickTableContainer.h"
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
+#include <set>
 
 #include "core/log/nxLogMacros.h"
 #include "core/price/nxCatalogueTickTables.h"
+#include "core/price/nxCustomVariableTickTable.h"
 #include "core/price/nxTickTableSource.h"
+#include "core/text/nxAlgorithm.h"
+#include "core/text/nxPrintableText.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace
@@ -53,28 +58,80 @@ nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
 void nxVariableTickTableContainer::_Register(const std::string& name, const std::string& id, nxVariableTickTable* table)
 {
     std::unique_ptr<nxVariableTickTable> owned(table);
-    if (owned == nullptr || !owned->_GetRules().KeepConstraints())
-        return;
+    if (_TryRegister(name, id, table).IsOK())
+        static_cast<void>(owned.release());
+}
+
+nxErrorEnum nxVariableTickTableContainer::_TryRegister(const std::string& name, const std::string& id,
+                                                       nxVariableTickTable* table)
+{
+    if (table == nullptr)
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (name.empty() || !table->_GetRules().KeepConstraints())
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     const nxMutexGuard guard(_lock);
     if (_names.contains(name) || _tables.contains(id))
-        return;
+        return nxErrorEnum(NX_ERR_DUPLICATE_MATCH);
     _names.emplace(name, id);
-    _tables.emplace(id, owned.get());
-    static_cast<void>(owned.release());
+    _tables.emplace(id, table);
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxVariableTickTableContainer::RegisterVariableTickTable(const std::string& name,
+                                                                    std::unique_ptr<nxVariableTickTable>& table)
+{
+    const nxErrorEnum error =
+        _GetInstance()._TryRegister(name, std::string(nxTickTableSource::IDPrefix).append(name), table.get());
+    if (error.IsOK())
+        static_cast<void>(table.release());
+    return error;
+}
+
+nxErrorEnum nxVariableTickTableContainer::RegisterVariableTickTable(std::unique_ptr<nxCustomVariableTickTable>& table)
+{
+    if (table == nullptr)
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    const nxErrorEnum error = _GetInstance()._TryRegister(table->GetName(), table->GetID(), table.get());
+    if (error.IsOK())
+        static_cast<void>(table.release());
+    return error;
 }
 
 void nxVariableTickTableContainer::_LogRegisteredEntries()
 {
     if (!nxLogManager::ShouldLog(NX_LOG_LEVEL_DEBUG))
         return;
-    // The maps no longer change, and no lock is held while logging.
-    for (const auto& [name, id] : _names)
+    // No lock is held while logging. Tables are registered meanwhile, but none is ever removed.
+    std::vector<std::pair<std::string, const nxVariableTickTable*>> entries;
     {
-        const nxVariableTickTable& table = *_tables.at(id);
-        NX_LOG_AT(NX_LOG_LEVEL_DEBUG, logSource, __LINE__) << "Registered Variable tick table. Name: " << name;
-        for (std::size_t index = 0; index < table.GetRangeData().size(); ++index)
-            NX_LOG_AT(NX_LOG_LEVEL_DEBUG, logSource, __LINE__) << GetBandText(table, index);
+        const nxMutexGuard guard(_lock);
+        for (const auto& [name, id] : _names)
+            entries.emplace_back(name, _tables.at(id));
     }
+    for (const auto& [name, table] : entries)
+    {
+        NX_LOG_AT(NX_LOG_LEVEL_DEBUG, logSource, __LINE__) << "Registered Variable tick table. Name: " << name;
+        for (std::size_t index = 0; index < table->GetRangeData().size(); ++index)
+            NX_LOG_AT(NX_LOG_LEVEL_DEBUG, logSource, __LINE__) << GetBandText(*table, index);
+    }
+}
+
+nxErrorEnum nxVariableTickTableContainer::FindVariableTickTable(const std::string& id,
+                                                                const nxVariableTickTable*& table, std::string& reason)
+{
+    if (const nxVariableTickTable* const found = GetVariableTickTable(id); found != nullptr)
+    {
+        table = found;
+        return nxErrorEnum();
+    }
+    const std::vector<std::string> all = GetVariableTickTableIDs();
+    const std::string_view prefix = nxTickTableSource::IDPrefix;
+    const std::vector<std::string> near = nxAlgorithm::GetNearMatches(
+        std::set<std::string>(all.begin(), all.end()), id.starts_with(prefix) ? id : std::string(prefix).append(id));
+    reason.assign("there is no tick table ").append(nxPrintableText::GetQuoted(id));
+    if (!near.empty())
+        reason.append("; did you mean ").append(nxPrintableText::GetQuoted(near.front())).append("?");
+    return nxErrorEnum(NX_ERR_NOT_FOUND);
 }
 
 const nxVariableTickTable* nxVariableTickTableContainer::GetVariableTickTable(const std::string& id)
@@ -96,8 +153,17 @@ std::string nxVariableTickTableContainer::GetVariableTickTableID(const std::stri
 std::vector<std::string> nxVariableTickTableContainer::GetVariableTickTableIDs()
 {
     std::vector<std::string> ids;
+    std::set<std::string> listed;
     for (const nxTickTableSource& source : nxTickTableSource::GetAll())
         if (std::string id = GetVariableTickTableID(std::string(source.GetName())); !id.empty())
+        {
+            listed.insert(id);
             ids.push_back(std::move(id));
+        }
+    nxVariableTickTableContainer& container = _GetInstance();
+    const nxMutexGuard guard(container._lock);
+    for (const auto& [id, table] : container._tables)
+        if (!listed.contains(id))
+            ids.push_back(id);
     return ids;
 }

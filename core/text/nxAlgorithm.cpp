@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <utility>
 
 #include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/text/nxByteArray.h"
@@ -197,4 +198,26 @@ unsigned long long nxAlgorithm::GetEditDistance(std::string_view a, std::string_
     const std::size_t longest = std::max(a.size(), b.size());
     const std::size_t distance = BoundedDistance(a, b, std::min<std::size_t>(maximum, longest), Character(sensitivity));
     return distance <= maximum ? distance : 1ULL + maximum;
+}
+
+std::vector<std::string> nxAlgorithm::GetNearMatches(const std::set<std::string>& candidates, const std::string& text)
+{
+    constexpr std::size_t mostMatches = 3;
+    constexpr std::size_t longestText = 100;
+    if (text.size() > longestText)
+        return {};
+    const std::size_t length = std::max<std::size_t>(1, text.size());
+    const auto bound = static_cast<unsigned>(std::min(std::max<std::size_t>(2, length / 3), length - 1));
+    std::vector<std::pair<unsigned long long, std::string>> near;
+    for (const std::string& candidate : candidates)
+        if (const auto distance = GetEditDistance(text, candidate, bound, nxCaseSensitivityEnum(CASE_INSENSITIVE));
+            distance <= bound)
+            near.emplace_back(distance, candidate);
+    std::sort(near.begin(), near.end());
+
+    std::vector<std::string> matches;
+    for (const auto& [distance, candidate] : near)
+        if (matches.size() < mostMatches && distance <= near.front().first + 1)
+            matches.push_back(candidate);
+    return matches;
 }

@@ -75,6 +75,12 @@ public:
     ///         smaller of @p maximum and the longer text.
     static unsigned long long GetEditDistance(std::string_view a, std::string_view b, unsigned int maximum,
                                               const nxCaseSensitivityEnum& sensitivity);
+
+    /// Finds the candidates that a mistyped text may mean, for a "did you mean" in a message. Case does not count.
+    /// @return at most three, the nearest by edit distance first and equally near ones in their order; none that is more than
+    ///         one character further away than the first. A candidate is near when a third of the text differs at most, or
+    ///         two characters of a short text, but never all of it. Nothing is near a text of more than 100 bytes.
+    static std::vector<std::string> GetNearMatches(const std::set<std::string>& candidates, const std::string& text);
 };
 
 #endif

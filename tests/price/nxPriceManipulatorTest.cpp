@@ -14,17 +14,23 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
 {
     nxPriceManipulator variable;
     ASSERT_TRUE(variable.SetVariableTickTable("VTT_EURONEXT_07").IsOK());
-    using Texts = std::array<const char*, 5>;  // price, rounded up, tick, two ticks above, one below
+    // price, rounded up, tick, two ticks above, one below; valid prices next below and above, and whether it is one
+    using Texts = std::array<const char*, 8>;
     const std::pair<nxPriceManipulator, Texts> rows[] = {
-        {variable, {"9.9985", "9.999", "0.001", "10.0045", "9.9975"}},
-        {nxPriceManipulator(D("0.05")), {"9.99", "10.00", "0.05", "10.09", "9.94"}},
-        {nxPriceManipulator(D("0.05")), {"-9.9", "-9.90", "0.05", "-9.80", "-9.95"}},
+        {variable, {"9.9985", "9.999", "0.001", "10.0045", "9.9975", "9.998", "9.999", ""}},
+        {nxPriceManipulator(D("0.05")), {"9.99", "10.00", "0.05", "10.09", "9.94", "9.95", "10.00", ""}},
+        {nxPriceManipulator(D("0.05")), {"-9.9", "-9.90", "0.05", "-9.80", "-9.95", "-9.95", "-9.85", "valid"}},
         {nxPriceManipulator(D("0.00000001")),  // too fine for the price's double
-         {"1000000000", "1000000000.00000000", "0.00000001", "1000000000.00000002", "999999999.99999999"}},
-        {nxPriceManipulator(), {"9.99", "9.99", "NULL", "9.99", "9.99"}},
-        {nxPriceManipulator(D("0")), {"9.99", "9.99", "0", "9.99", "9.99"}},
-        {nxPriceManipulator(D("-0.05")), {"9.99", "10.00", "-0.05", "9.99", "9.99"}},
-        {nxPriceManipulator(D("0.05")), {"", "NULL", "0.05", "NULL", "NULL"}},
+         {"1000000000", "1000000000.00000000", "0.00000001", "1000000000.00000002", "999999999.99999999",
+          "999999999.99999999", "1000000000.00000001", "valid"}},
+        {nxPriceManipulator(D("3")),  // the largest valid price, and none above
+         {"9223372036854775806", "9223372036854775806", "3", "-9223372036854775804", "9223372036854775803",
+          "9223372036854775803", "NX_ERR_VALUE_OUT_OF_RANGE", "valid"}},
+        {nxPriceManipulator(), {"9.99", "9.99", "NULL", "9.99", "9.99", "NX_ERR_NO_MATCH", "NX_ERR_NO_MATCH", ""}},
+        {nxPriceManipulator(D("0")), {"9.99", "9.99", "0", "9.99", "9.99", "NX_ERR_NO_MATCH", "NX_ERR_NO_MATCH", ""}},
+        {nxPriceManipulator(D("-0.05")), {"9.99", "10.00", "-0.05", "9.99", "9.99", "9.95", "10.00", ""}},
+        {nxPriceManipulator(D("0.05")),
+         {"", "NULL", "0.05", "NULL", "NULL", "NX_ERR_OBJECT_IS_NULL", "NX_ERR_OBJECT_IS_NULL", ""}},
     };
     for (const auto& [manipulator, texts] : rows)
     {
@@ -35,6 +41,12 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
         manipulator.Increment(up, 2);
         manipulator.Decrement(down);
         manipulator.Increment(same, 0);
+        const auto describe = [](const nxErrorEnum& error, const nxDecimal& next)
+        { return error.IsOK() ? next.GetAsLogString('.') : error.GetShortDescription(); };
+        nxDecimal below = price, above = price;
+        EXPECT_EQ(describe(manipulator.GetNextBelow(price, below), below), texts[5]);
+        EXPECT_EQ(describe(manipulator.GetNextAbove(price, above), above), texts[6]);
+        EXPECT_EQ(manipulator.IsValidTick(price), *texts[7] != '\0');
         const nxDecimal results[] = {rounded, manipulator.GetTickIncrement(price), up, down};
         for (std::size_t i = 0; i < std::size(results); ++i)
             EXPECT_EQ(results[i].GetAsLogString('.'), texts[i + 1]);

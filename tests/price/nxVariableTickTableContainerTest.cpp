@@ -1,8 +1,11 @@
 #include "core/price/nxVariableTickTableContainer.h"
 
 #include "core/price/nxCatalogueTickTables.h"
+#include "core/price/nxCustomVariableTickTable.h"
+#include "core/price/nxPriceManipulator.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/testing/nxCapturingLogDevice.h"
+#include "tests/support/nxChildProcess.h"
 #include "tests/support/nxTest.h"
 #include "tests/support/nxTestThreads.h"
 
@@ -72,6 +75,70 @@ TEST_F(nxVariableTickTableContainerTest, TheCatalogueAndItsSourcesHaveTheSameOrd
     }
     EXPECT_EQ(nxTickTableSource::Find("VTT_"), nullptr);
     EXPECT_EQ(nxTickTableSource::Find("CHIX"), nullptr);
+}
+
+TEST(nxVariableTickTableContainer, AnIdentifierWithoutATableIsAnErrorThatNamesTheOneMeant)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"VTT_CHIX_CPH1", ""},
+        {"CHIX_CPH1", "there is no tick table 'CHIX_CPH1'; did you mean 'VTT_CHIX_CPH1'?"},
+        {"VTT_euronext_77", "there is no tick table 'VTT_euronext_77'; did you mean 'VTT_EURONEXT_07'?"},
+        {"gold\n", "there is no tick table 'gold\\x0A'"},
+        {"", "there is no tick table ''"},
+    };
+    for (const auto& [id, expected] : rows)
+    {
+        const nxVariableTickTable* table = nullptr;
+        std::string reason;
+        const nxErrorEnum error = nxVariableTickTableContainer::FindVariableTickTable(id, table, reason);
+        EXPECT_EQ(error, nxErrorEnum(*expected == '\0' ? NX_ENUM_UNDEFINED : NX_ERR_NOT_FOUND)) << id;
+        EXPECT_EQ(table, nxVariableTickTableContainer::GetVariableTickTable(id)) << id;
+        EXPECT_EQ(reason, expected);
+    }
+}
+
+TEST(nxVariableTickTableContainer, TablesOfTheProgramsOwnAreFoundBesideTheCatalogues)
+{
+    if (!nxInNewProcess())
+        return;
+    using Container = nxVariableTickTableContainer;
+    int deleted = 0;
+    std::atomic<int> taken{0};
+    nxInThreads(4,
+                [&](int)
+                {
+                    nxCustomVariableTickTable::Tables tables;
+                    std::string reason;
+                    EXPECT_TRUE(nxCustomVariableTickTable::ReadText("name,band,upper_bound,increment\nMINE,1,,0.5\n",
+                                                                    tables, reason)
+                                    .IsOK());
+                    const auto* const table = tables.front().get();
+                    const nxErrorEnum error = Container::RegisterVariableTickTable(tables.front());
+                    taken += error.IsOK() ? 1 : 0;
+                    EXPECT_EQ(tables.front() == nullptr, error.IsOK());
+                    EXPECT_EQ(Container::GetVariableTickTable("VTT_MINE") == table, error.IsOK());
+                });
+    EXPECT_EQ(taken, 1);
+
+    const std::tuple<const char*, const char*, nxErrorEnum> rows[] = {
+        {"ALSO", "1 0.1; 0.2", nxErrorEnum()},
+        {"CHIX_CPH1", "0.1", NX_ERR_DUPLICATE_MATCH},
+        {"", "0.1", NX_ERR_INVALID_PARAMETER},
+        {"BAD", "2 0.1; 1 0.2; 1", NX_ERR_INVALID_PARAMETER},
+    };
+    for (const auto& [name, bands, expected] : rows)
+    {
+        std::unique_ptr<nxVariableTickTable> table = std::make_unique<TestTable>(bands, deleted);
+        EXPECT_EQ(Container::RegisterVariableTickTable(name, table), expected) << name;
+        EXPECT_EQ(table == nullptr, expected.IsOK()) << name;
+    }
+    EXPECT_EQ(deleted, 3) << "those that the test kept";
+    std::unique_ptr<nxCustomVariableTickTable> none;
+    EXPECT_TRUE(Container::RegisterVariableTickTable(none) == NX_ERR_OBJECT_IS_NULL);
+    const auto ids = Container::GetVariableTickTableIDs();
+    EXPECT_EQ(std::vector(ids.end() - 2, ids.end()), (std::vector<std::string>{"VTT_ALSO", "VTT_MINE"}));
+    EXPECT_EQ(ids.size(), nxTickTableSource::GetAll().size() + 2);
+    EXPECT_TRUE(nxPriceManipulator().SetVariableTickTable("VTT_MINE").IsOK());
 }
 
 TEST_F(nxVariableTickTableContainerTest, ATableThatIsRefusedIsDeletedAndStopsNothing)

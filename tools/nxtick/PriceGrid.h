@@ -5,8 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
+#include "core/price/nxPriceManipulator.h"
 
 namespace nxtick
 {
@@ -38,11 +40,12 @@ public:
     /// Moves a price by ticks that CheckReach() accepts, each of them the tick where it begins.
     virtual void Step(nxDecimal& price, int ticks) = 0;
 
-    bool IsOnGrid(const nxDecimal& price);
+    virtual bool IsOnGrid(const nxDecimal& price) = 0;
     /// The next price of the grid below, whether or not the price itself is on the grid.
-    nxDecimal GetBelow(const nxDecimal& price) const;
-    /// The next price of the grid above.
-    nxDecimal GetAbove(const nxDecimal& price) const;
+    /// @throws Failure when it does not fit 64 bits; of a price that ReadPrice() accepted it does.
+    nxDecimal GetBelow(const nxDecimal& price) { return _GetNext(false, price); }
+    /// The next price of the grid above, in the same manner.
+    nxDecimal GetAbove(const nxDecimal& price) { return _GetNext(true, price); }
 
 protected:
     /// Inclusive upper bounds and ticks, ascending; the last bound is the maximum decimal.
@@ -51,24 +54,14 @@ protected:
     /// @throws Failure when a tick has more digits than can be worked with.
     explicit PriceGrid(const Bands& bands);
 
-private:
-    // All prices of the grid that share a tick: multiples of it from a first to a last one. The prices from one lower
-    // tick above a band's lower bound to one tick above its own bound have the band's tick.
-    struct _Stretch
-    {
-        nxDecimal first;
-        nxDecimal last;
-        nxDecimal tick;
-    };
+    virtual nxErrorEnum FindNext(bool isUp, const nxDecimal& price, nxDecimal& next) = 0;
 
+private:
     void _AddTick(const nxDecimal& tick);
-    void _AddStretches(const Bands& bands);
-    nxDecimal _Outwards(nxDecimal price) const;
-    nxDecimal _Inwards(nxDecimal price) const;
+    nxDecimal _GetNext(bool isUp, const nxDecimal& price);
 
     unsigned char _places = 0;  // the most that a tick has
     double _largestTick = 0;
-    std::vector<_Stretch> _stretches;  // ascending, of the prices from 0; negative ones are their mirror image
 };
 
 /// The multiples of one increment.
@@ -79,12 +72,22 @@ public:
     explicit FixedGrid(const nxDecimal& increment);
 
     bool HasBands() const override { return false; }
-    nxDecimal GetTick(const nxDecimal&) override { return _increment; }
-    void Round(const nxRoundingMethodEnum& method, nxDecimal& price) override { price.Round(_increment, method); }
-    void Step(nxDecimal& price, int ticks) override;
+    nxDecimal GetTick(const nxDecimal&) override { return _manipulator.GetTickIncrement(); }
+    void Round(const nxRoundingMethodEnum& method, nxDecimal& price) override
+    {
+        _manipulator.RoundToValidTick(method, price);
+    }
+    bool IsOnGrid(const nxDecimal& price) override { return _manipulator.IsValidTick(price); }
+    void Step(nxDecimal& price, int ticks) override { _manipulator.Increment(price, ticks); }
+
+protected:
+    nxErrorEnum FindNext(bool isUp, const nxDecimal& price, nxDecimal& next) override
+    {
+        return isUp ? _manipulator.GetNextAbove(price, next) : _manipulator.GetNextBelow(price, next);
+    }
 
 private:
-    nxDecimal _increment;
+    nxPriceManipulator _manipulator;
 };
 }  // namespace nxtick
 

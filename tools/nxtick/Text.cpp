@@ -1,9 +1,7 @@
 #include "Text.h"
 
 #include <algorithm>
-#include <utility>
 
-#include "core/enum/nxCaseSensitivityEnum.h"
 #include "core/text/nxAlgorithm.h"
 #include "core/text/nxOStream.h"
 #include "core/text/nxSimpleAsciiStringWriter.h"
@@ -13,8 +11,6 @@ namespace nxtick
 namespace
 {
 constexpr std::size_t lineWidth = 78;
-constexpr std::size_t mostSuggestions = 3;
-constexpr std::size_t longestSuggestedFor = 100;
 
 // Characters that look like a blank or like nothing: no-break spaces, the soft hyphen, zero width spaces and joiners.
 constexpr std::string_view invisibles[] = {"\u00A0", "\u00AD", "\u2007", "\u200B", "\u200C",
@@ -75,28 +71,12 @@ std::string Quoted(std::string_view text)
 
 std::string Suggestion(const std::string& wrong, const std::set<std::string>& candidates)
 {
-    // A third of the text may differ, two characters in a short one, but never all of it.
-    const std::size_t length = std::max<std::size_t>(1, wrong.size());
-    const auto bound = static_cast<unsigned>(std::min(std::max<std::size_t>(2, length / 3), length - 1));
-    const nxCaseSensitivityEnum ignoreCase(CASE_INSENSITIVE);
-    std::vector<std::pair<unsigned long long, std::string>> near;
-    if (wrong.size() <= longestSuggestedFor)
-        for (const std::string& candidate : candidates)
-            if (const auto distance = nxAlgorithm::GetEditDistance(wrong, candidate, bound, ignoreCase);
-                distance <= bound)
-                near.emplace_back(distance, candidate);
+    const std::vector<std::string> near = nxAlgorithm::GetNearMatches(candidates, wrong);
     if (near.empty())
         return {};
-    std::sort(near.begin(), near.end());
-
-    // Only candidates about as near as the best one: a distant third distracts.
-    const unsigned long long farthest = near.front().first + 1;
-    std::size_t count = 0;
-    while (count < near.size() && count < mostSuggestions && near[count].first <= farthest)
-        ++count;
     std::string text = "; did you mean ";
-    for (std::size_t i = 0; i < count; ++i)
-        text.append(i == 0 ? "" : i + 1 == count ? " or " : ", ").append(Quoted(near[i].second));
+    for (std::size_t i = 0; i < near.size(); ++i)
+        text.append(i == 0 ? "" : i + 1 == near.size() ? " or " : ", ").append(Quoted(near[i]));
     return text += "?";
 }
 

@@ -58,7 +58,14 @@ public:
     {
         _cursor.RoundToValidTick(method, price);
     }
+    bool IsOnGrid(const nxDecimal& price) override { return _cursor.IsValidTick(price); }
     void Step(nxDecimal& price, int ticks) override { _cursor.Increment(price, ticks); }
+
+protected:
+    nxErrorEnum FindNext(bool isUp, const nxDecimal& price, nxDecimal& next) override
+    {
+        return isUp ? _cursor.GetNextAbove(price, next) : _cursor.GetNextBelow(price, next);
+    }
 
 private:
     nxTickTableCursor _cursor;
