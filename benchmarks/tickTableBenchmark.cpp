@@ -1,4 +1,4 @@
-// Tick tables: the tick at a price, rounding to it, one step, for tables of 1, 10 and 20 bands. One thread, and four
+// Tick tables: the tick at a price, rounding to it, one step, whether it is valid and the next valid price, for tables of 1, 10 and 20 bands. One thread, and four
 // threads on one table; and one to eight threads on a table of 10 bands.
 #include <benchmark/benchmark.h>
 #include <pthread.h>
@@ -148,6 +148,48 @@ struct Step
     }
     static std::int64_t ByInteger(std::int64_t price, std::int64_t tick) { return price + tick; }
     static double ByDouble(double price, double tick) { return price + tick; }
+};
+
+// Whether a price may be sent: the remainder by its tick is 0.
+struct IsValid
+{
+    static constexpr bool onGrid = false;
+    template <class Table>
+    static void Do(Table& table, const nxDecimal& price)
+    {
+        benchmark::DoNotOptimize(table.IsValidTick(price));
+    }
+    static void ByBand(const nxDecimal& price, const nxDecimal& tick)
+    {
+        benchmark::DoNotOptimize(price.GetValue() % tick.GetValue() == 0);
+    }
+    static bool ByInteger(std::int64_t price, std::int64_t tick) { return price % tick == 0; }
+    static bool ByDouble(double price, double tick)
+    {
+        const double ticks = price / tick;
+        return std::fabs(ticks - std::nearbyint(ticks)) < 1e-6;
+    }
+};
+
+// The next valid price above, where it lies in the same band.
+struct NextAbove
+{
+    static constexpr bool onGrid = false;
+    template <class Table>
+    static void Do(Table& table, const nxDecimal& price)
+    {
+        nxDecimal next;
+        if (table.GetNextAbove(price, next).IsOK())
+            Consume(next);
+    }
+    static void ByBand(const nxDecimal& price, const nxDecimal& tick)
+    {
+        const std::int64_t value = price.GetValue();
+        Consume(
+            nxDecimal::ConstructFromValueAndDecimalPlaces(value - value % tick.GetValue() + tick.GetValue(), places));
+    }
+    static std::int64_t ByInteger(std::int64_t price, std::int64_t tick) { return price - price % tick + tick; }
+    static double ByDouble(double price, double tick) { return (std::floor(price / tick) + 1) * tick; }
 };
 
 template <class Job>
@@ -313,7 +355,8 @@ void Register(const std::string& name, std::size_t bands, bool scattered)
         }
     };
     add("ours_locked", Locked<Job>);
-    add("ours_batched", Batched<Job>);
+    if constexpr (requires(std::span<nxDecimal> prices) { Job::DoAll(*market->table, prices); })
+        add("ours_batched", Batched<Job>);
     add("ours_cursor", Cursor<Job>);
     add("limit_mutex_alone", MutexAlone);
     add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Job>);
@@ -348,9 +391,13 @@ const bool isRegistered = []
         Register<TickAtPrice>("tick_at_price", bands, false);
         Register<Round>("tick_round", bands, false);
         Register<Step>("tick_step", bands, false);
+        Register<IsValid>("tick_is_valid", bands, false);
+        Register<NextAbove>("tick_next_above", bands, false);
     }
     Register<TickAtPrice>("tick_at_price", 20, true);
     Register<Round>("tick_round", 20, true);
+    Register<IsValid>("tick_is_valid", 20, true);
+    Register<NextAbove>("tick_next_above", 20, true);
     RegisterScaling();
     return true;
 }();

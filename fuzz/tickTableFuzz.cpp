@@ -35,6 +35,15 @@ void Ask(const nxVariableTickTable& table, nxTickTableCursor& cursor, const nxDe
     table.RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), locked);
     cursor.RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), free);
     Require(AreIdentical(locked, free));
+
+    const bool isValid = table.IsValidTick(price);
+    Require(isValid == cursor.IsValidTick(price));
+    nxDecimal above = price, alsoAbove = price, back = price;
+    const nxErrorEnum error = table.GetNextAbove(price, above);
+    Require(error == cursor.GetNextAbove(price, alsoAbove) && AreIdentical(above, alsoAbove));
+    if (error.IsOK())
+        Require(table.IsValidTick(above) && cursor.GetNextBelow(above, back).IsOK() && table.IsValidTick(back) &&
+                (!isValid || back.EqualsExactly(price)));
 }
 }  // namespace
 

@@ -23,20 +23,22 @@
 /// maximum decimal. Take a table from nxVariableTickTableContainer, make one with nxCustomVariableTickTable, or derive
 /// a class whose constructor calls _AddRange() for each band and ends with _AddTopRange().
 /// @code
-/// const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
-/// if (table == nullptr)
+/// const nxVariableTickTable* table = nullptr;
+/// std::string reason;
+/// if (!nxVariableTickTableContainer::FindVariableTickTable("VTT_CHIX_FESE1", table, reason).IsOK())
 ///     return;  // a mistyped identifier
 /// nxDecimal price("9.9985", '.');
-/// table->RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), price);  // 9.999
+/// if (!table->IsValidTick(price))
+///     table->RoundToValidTick(nxRoundingMethodEnum(NX_ROUNDING_METHOD_UP), price);  // 9.999
 /// table->Increment(price);                                                      // 10.000, now by ticks of 0.005
 /// @endcode
 ///
 /// - Tick at a price: the increment of its band, except that a price less than one lower tick above a band's lower
 ///   bound still takes the lower tick. With bands (10, 0.01) and (100, 0.05) the tick at 10.005 is 0.01, at 10.01 0.05.
-/// - Valid prices are the multiples of the tick at them. With bands (10, 0.01) and (100, 0.05) these are 9.99, 10.00, 10.05:
-///   10.01 is none, because its tick is 0.05. Where a bound is off its own band's grid, the first multiple of the lower
-///   tick above it is valid too, as rounding has it: with bands (9.985, 0.01) and (100, 0.05) that is 9.99. Valid prices
-///   are told by exact integers, whatever the places. IsValidTick() is a gateway's first question to an order's price.
+/// - Valid prices: a price is valid when it is a multiple of the tick at it. With bands (10, 0.01) and (100, 0.05) the prices
+///   9.99, 10.00 and 10.05 are valid. 10.01 is not, because the tick there is 0.05. With bands (9.985, 0.01) and
+///   (100, 0.05) the price 9.99 is valid, because the tick there is still 0.01. Bands and multiples are compared as exact
+///   integers, whatever the number of places. A gateway asks IsValidTick() before anything else.
 /// - Steps: up by the increment of the price's own band, bound included; down by that of the band below when such a
 ///   step lands on its bound or lower.
 /// - Places: a step away from zero gives the places of the increment of the band in which the result lies. A step
@@ -48,9 +50,9 @@
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
-/// - Limits: valid prices are known for bounds and increments of at most 19 places; otherwise no price is valid, and the next
-///   one is NX_ERR_VALUE_OUT_OF_RANGE. In the other operations comparisons are those of nxDecimal. A mantissa that does not fit 64 bits wraps. A price that does not fit
-///   them at the tick's places is garbage after the step.
+/// - Limits: comparisons are those of nxDecimal, except for valid prices. A mantissa that does not fit 64 bits wraps. A
+///   price that does not fit them at the tick's places is garbage after the step. Where a bound or an increment has more
+///   than 19 places no price near it is valid, and the next one is NX_ERR_VALUE_OUT_OF_RANGE.
 /// - Constraints: bands ascend, and bounds and increments are positive. Otherwise answers depend on earlier questions,
 ///   and those of cursors differ. _AddTopRange() then writes an error record to the log. The constructor of a derived
 ///   class tests _CheckConstraints() at its end and tells its user.

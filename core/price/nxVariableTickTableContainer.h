@@ -18,7 +18,7 @@ class nxVariableTickTable;
 /// @code
 /// const nxVariableTickTable* table = nullptr;
 /// std::string reason;
-/// if (!nxVariableTickTableContainer::FindVariableTickTable("VTT_CHIX_CPH1", table, reason).IsOK())
+/// if (!nxVariableTickTableContainer::FindVariableTickTable(id, table, reason).IsOK())
 ///     std::cerr << reason << '\n';  // "there is no tick table 'CHIX_CPH1'; did you mean 'VTT_CHIX_CPH1'?"
 /// @endcode
 ///

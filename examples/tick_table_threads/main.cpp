@@ -97,10 +97,11 @@ bool RoundOrderBook()
 
 int main()
 {
-    const nxVariableTickTable* table = nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1");
-    if (table == nullptr)
+    const nxVariableTickTable* table = nullptr;
+    std::string reason;
+    if (!nxVariableTickTableContainer::FindVariableTickTable("VTT_CHIX_FESE1", table, reason).IsOK())
     {
-        std::cerr << "no such table\n";
+        std::cerr << reason << '\n';
         return 1;
     }
     return QuoteFromThreads(*table) && RoundOrderBook() ? 0 : 1;
