@@ -158,14 +158,16 @@ nxDecimal nxVariableTickTable::_RoundBy(const nxDecimal* tick, const nxRoundingM
 
 bool nxVariableTickTable::IsValidTick(const nxDecimal& price) const
 {
-    bool isMultiple = false;
+    const nxDecimal* tick = nullptr;
     if (price.IsValid())
     {
+        bool isMultiple = false;
         const nxMutexGuard guard(_lock);
-        if (_Relocate(price) && _place.zone.CheckMultiple(price, isMultiple))
+        if (_place.zone.CheckMultiple(price, isMultiple))
             return isMultiple;
+        tick = _SearchTick(price);
     }
-    return nxValidPrices(_ranges).Contains(price);
+    return tick != nullptr ? nxValidPrices::IsMultiple(price, *tick) : nxValidPrices(_ranges).Contains(price);
 }
 
 nxErrorEnum nxVariableTickTable::_GetNext(bool up, const nxDecimal& price, nxDecimal& next) const

@@ -80,10 +80,11 @@ nxDecimal nxTickPlace::Round(const nxTickRules& rules, const nxRoundingMethodEnu
 
 bool nxTickPlace::IsValidTick(const nxTickRules& rules, const nxDecimal& price)
 {
-    bool isMultiple = false;
-    if (price.IsValid() && Relocate(rules, price) && zone.CheckMultiple(price, isMultiple))
-        return isMultiple;
-    return nxValidPrices(rules.GetBands()).Contains(price);
+    const std::size_t stretch = price.IsValid() ? rules.FindStretch(price) : nxTickGrid::NotFound;
+    if (stretch == nxTickGrid::NotFound)
+        return nxValidPrices(rules.GetBands()).Contains(price);
+    Note(rules, stretch, price);
+    return nxValidPrices::IsMultiple(price, rules.GetTick(stretch));
 }
 
 nxErrorEnum nxTickPlace::GetNext(const nxTickRules& rules, bool isUp, const nxDecimal& price, nxDecimal& next)

@@ -14,6 +14,14 @@ nxUnsignedWide GetMultipleAbove(nxUnsignedWide number, nxUnsignedWide tick)
 }
 }  // namespace
 
+bool nxValidPrices::IsMultiple(const nxDecimal& price, const nxDecimal& tick)
+{
+    const auto scale = [](long long mantissa, int zeros)
+    { return nxWide{mantissa} * nxPowersOfTen::GetInteger(static_cast<std::size_t>(std::max(zeros, 0))); };
+    const int morePlaces = price.GetDecimalPlaces() - tick.GetDecimalPlaces();
+    return scale(price.GetValue(), -morePlaces) % scale(tick.GetValue(), morePlaces) == 0;
+}
+
 nxValidPrices::_Position nxValidPrices::_GetPosition(const nxDecimal& magnitude) const
 {
     const auto mantissa = static_cast<std::uint64_t>(magnitude.GetValue());

@@ -27,12 +27,15 @@ public:
     /// At this many places every mantissa fits 127 bits.
     static constexpr unsigned char MostPlaces = 19;
 
-    /// @param bands at least one, ascending.
+    /// @param bands ascending.
     /// @param places of the integers, MostPlaces at most and as many as the bands need. Fewer make the divisions cheaper.
     explicit nxValidPrices(std::span<const Band> bands, unsigned char places = MostPlaces)
         : _bands(bands), _places(places)
     {
     }
+
+    /// @return whether a price is a multiple of a tick that is positive. Their places differ by MostPlaces at most.
+    static bool IsMultiple(const nxDecimal& price, const nxDecimal& tick);
 
     /// @return whether the price is valid; false for one without a value or without a band.
     bool Contains(const nxDecimal& price) const;
