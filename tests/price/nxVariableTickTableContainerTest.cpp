@@ -103,25 +103,9 @@ TEST(nxVariableTickTableContainer, TablesOfTheProgramsOwnAreFoundBesideTheCatalo
         return;
     using Container = nxVariableTickTableContainer;
     int deleted = 0;
-    std::atomic<int> taken{0};
-    nxInThreads(4,
-                [&](int)
-                {
-                    nxCustomVariableTickTable::Tables tables;
-                    std::string reason;
-                    EXPECT_TRUE(nxCustomVariableTickTable::ReadText("name,band,upper_bound,increment\nMINE,1,,0.5\n",
-                                                                    tables, reason)
-                                    .IsOK());
-                    const auto* const table = tables.front().get();
-                    const nxErrorEnum error = Container::RegisterVariableTickTable(tables.front());
-                    taken += error.IsOK() ? 1 : 0;
-                    EXPECT_EQ(tables.front() == nullptr, error.IsOK());
-                    EXPECT_EQ(Container::GetVariableTickTable("VTT_MINE") == table, error.IsOK());
-                });
-    EXPECT_EQ(taken, 1);
-
     const std::tuple<const char*, const char*, nxErrorEnum> rows[] = {
-        {"ALSO", "1 0.1; 0.2", nxErrorEnum()},
+        {"MINE", "1 0.1; 0.2", nxErrorEnum()},
+        {"MINE", "0.1", NX_ERR_DUPLICATE_MATCH},
         {"CHIX_CPH1", "0.1", NX_ERR_DUPLICATE_MATCH},
         {"", "0.1", NX_ERR_INVALID_PARAMETER},
         {"BAD", "2 0.1; 1 0.2; 1", NX_ERR_INVALID_PARAMETER},
@@ -129,16 +113,21 @@ TEST(nxVariableTickTableContainer, TablesOfTheProgramsOwnAreFoundBesideTheCatalo
     for (const auto& [name, bands, expected] : rows)
     {
         std::unique_ptr<nxVariableTickTable> table = std::make_unique<TestTable>(bands, deleted);
+        const nxVariableTickTable* const address = table.get();
         EXPECT_EQ(Container::RegisterVariableTickTable(name, table), expected) << name;
         EXPECT_EQ(table == nullptr, expected.IsOK()) << name;
+        EXPECT_EQ(Container::GetVariableTickTable("VTT_MINE") == address, expected.IsOK()) << name;
     }
-    EXPECT_EQ(deleted, 3) << "those that the test kept";
-    std::unique_ptr<nxCustomVariableTickTable> none;
-    EXPECT_TRUE(Container::RegisterVariableTickTable(none) == NX_ERR_OBJECT_IS_NULL);
+    EXPECT_EQ(deleted, 4) << "those that the test kept";
+    nxCustomVariableTickTable::Tables tables(1);
+    std::string reason;
+    EXPECT_TRUE(Container::RegisterVariableTickTable(tables.front()) == NX_ERR_OBJECT_IS_NULL);
+    const char* const text = "name,band,upper_bound,increment\nALSO,1,,0.5\n";
+    ASSERT_TRUE(nxCustomVariableTickTable::ReadText(text, tables, reason).IsOK());
+    EXPECT_TRUE(Container::RegisterVariableTickTable(tables.front()).IsOK());
     const auto ids = Container::GetVariableTickTableIDs();
     EXPECT_EQ(std::vector(ids.end() - 2, ids.end()), (std::vector<std::string>{"VTT_ALSO", "VTT_MINE"}));
-    EXPECT_EQ(ids.size(), nxTickTableSource::GetAll().size() + 2);
-    EXPECT_TRUE(nxPriceManipulator().SetVariableTickTable("VTT_MINE").IsOK());
+    EXPECT_TRUE(nxPriceManipulator().SetVariableTickTable("VTT_ALSO").IsOK());
 }
 
 TEST_F(nxVariableTickTableContainerTest, ATableThatIsRefusedIsDeletedAndStopsNothing)

@@ -93,32 +93,28 @@ public:
         return floor == ceiling && IsValid(floor);
     }
 
-    // The closest valid price on one side of a price; null where 64 bits do not hold it. It is the first multiple of some
-    // tick past the price, or past a point at which the tick changes: all of these are looked at.
+    // The closest valid price on one side of a price; null where 64 bits do not hold it. All multiples next to the price and to
+    // the points at which ticks change are looked at.
     nxDecimal Next(const nxDecimal& price, bool up) const
     {
         const auto [floor, ceiling] = Units(price);
-        std::vector<Wide> starts = {up ? floor : ceiling, 0};
+        std::vector<Wide> starts = {floor, 0};
         for (std::size_t band = 0; band + 1 < _bands.size(); ++band)
             for (const Wide point : {Bound(band), Bound(band) + Tick(band)})
-                starts.insert(starts.end(), {point - 1, point, point + 1, -point - 1, -point, 1 - point});
-        bool isFound = false;
-        Wide best = 0;
+                starts.insert(starts.end(), {point, -point});
+        const Wide farthest = Bound(_bands.size() - 1) + 1;
+        Wide best = up ? farthest : -farthest;
         for (std::size_t band = 0; band < _bands.size(); ++band)
             for (const Wide start : starts)
-                for (int ticks = -1; ticks <= 1; ++ticks)
-                {
-                    const Wide multiple = (start / Tick(band) + ticks) * Tick(band);
-                    if ((up ? multiple > floor : multiple < ceiling) &&
-                        (!isFound || (up ? multiple < best : multiple > best)) && IsValid(multiple))
-                    {
+                for (const int ticks : {-1, 0, 1})
+                    if (const Wide multiple = (start / Tick(band) + ticks) * Tick(band);
+                        (up ? floor < multiple && multiple < best : best < multiple && multiple < ceiling) &&
+                        IsValid(multiple))
                         best = multiple;
-                        isFound = true;
-                    }
-                }
-        if (!isFound)
+        const std::size_t band = BandOfTick(best);
+        if (band == _bands.size())
             return nxDecimal::GetNullDecimal();
-        const unsigned char places = _bands[BandOfTick(best)].second.GetDecimalPlaces();
+        const unsigned char places = _bands[band].second.GetDecimalPlaces();
         best /= Units(D(1, places)).first;
         return Fits(best) && best != INT64_MIN ? D(best, places) : nxDecimal::GetNullDecimal();
     }
@@ -134,13 +130,12 @@ private:
     // A number in units of 10^-19, rounded down and up.
     static std::pair<Wide, Wide> Units(const nxDecimal& number)
     {
-        Wide units = number.GetValue();
-        bool hasRest = false;
+        Wide units = number.GetValue(), rest = 0;
         for (int places = number.GetDecimalPlaces(); places < 19; ++places)
             units *= 10;
         for (int places = number.GetDecimalPlaces(); places > 19; --places, units /= 10)
-            hasRest = hasRest || units % 10 != 0;
-        return {units - (hasRest && number.IsNegative() ? 1 : 0), units + (hasRest && number.IsPositive() ? 1 : 0)};
+            rest |= units % 10;
+        return {units - (rest < 0 ? 1 : 0), units + (rest > 0 ? 1 : 0)};
     }
     Wide Bound(std::size_t band) const { return Units(_bands[band].first).first; }
     Wide Tick(std::size_t band) const { return Units(_bands[band].second).first; }
