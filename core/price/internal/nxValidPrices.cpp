@@ -89,12 +89,18 @@ bool nxValidPrices::Contains(const nxDecimal& price) const
     const std::size_t band = _FindBand(price, position);
     if (band == _bands.size() || position.hasRest)
         return false;
-    // The tick at the price is its own band's or the one below.
-    for (std::size_t i = band == 0 ? 0 : band - 1; i <= band; ++i)
-        if (_Lattice lattice; _MakeLattice(i, lattice) && lattice.first <= position.units &&
-                              position.units <= lattice.last && position.units % lattice.tick == 0)
-            return true;
-    return false;
+    nxUnsignedWide tick = 0;
+    if (!_GetUnits(_bands[band].second, tick))
+        return false;
+    if (band != 0)
+    {
+        nxUnsignedWide lowerBound = 0, lowerTick = 0;
+        if (!_GetUnits(_bands[band - 1].first, lowerBound) || !_GetUnits(_bands[band - 1].second, lowerTick))
+            return false;
+        if (position.units < lowerBound + lowerTick)
+            tick = lowerTick;
+    }
+    return position.units % tick == 0;
 }
 
 nxErrorEnum nxValidPrices::GetNext(bool isUp, const nxDecimal& price, nxDecimal& next) const
