@@ -41,9 +41,9 @@ void Ask(const nxVariableTickTable& table, nxTickTableCursor& cursor, const nxDe
     nxDecimal above = price, alsoAbove = price, back = price;
     const nxErrorEnum error = table.GetNextAbove(price, above);
     Require(error == cursor.GetNextAbove(price, alsoAbove) && AreIdentical(above, alsoAbove));
-    if (error.IsOK())
-        Require(table.IsValidTick(above) && cursor.GetNextBelow(above, back).IsOK() && table.IsValidTick(back) &&
-                (!isValid || back.EqualsExactly(price)));
+    Require(!error.IsOK() || table.IsValidTick(above));
+    if (error.IsOK() && isValid)
+        Require(cursor.GetNextBelow(above, back).IsOK() && back.EqualsExactly(price));
 }
 }  // namespace
 
