@@ -49,7 +49,8 @@ struct nxTickPlace
     nxDecimal Step(const nxTickRules& rules, bool isUp, std::uint64_t ticks, nxDecimal price);
     /// @return the price rounded to a multiple of the tick at it; one that is not valid as it is.
     nxDecimal Round(const nxTickRules& rules, const nxRoundingMethodEnum& method, nxDecimal price);
-    /// @return whether the price, which is not in the zone, is a multiple of the tick at it; false for one that is not valid or has no band.
+    /// @return whether the price, which is not in the zone, is a multiple of the tick at it; false for one that is not
+    ///         valid or has no band.
     bool IsValidTick(const nxTickRules& rules, const nxDecimal& price);
     /// Finds the closest valid price above @p price, or below it.
     /// @return the errors of nxVariableTickTable::GetNextBelow(); @p next is then untouched.
