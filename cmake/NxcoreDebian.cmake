@@ -22,10 +22,14 @@ foreach(component runtime development tools documentation)
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component})
 endforeach()
 
-# A package that links the library depends on this version or a later one.
+# A package that links the library depends on this minor version or a later one.
 set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
-file(WRITE "${shlibs}" "libnxcore ${PROJECT_VERSION_MAJOR} ${library} (>= ${PROJECT_VERSION})\n")
-# One row for all symbols: they came with one version of the interface.
+file(WRITE "${shlibs}" "libnxcore ${PROJECT_VERSION_MAJOR} ${library} (>= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.0)\n")
+# The same by symbols, one row for each version of them. A program also has inline code of the headers that it was built
+# with, so that it needs their minor version even where it uses nothing new.
 set(symbols "${PROJECT_BINARY_DIR}/debian/symbols")
-file(WRITE "${symbols}" "libnxcore.so.${PROJECT_VERSION_MAJOR} ${library} #MINVER#\n (symver)NXCORE_1 1.0.0\n")
+set(minimum "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.0")
+list(TRANSFORM NXCORE_SYMBOL_VERSIONS REPLACE "(.+)" " (symver)\\1 ${minimum}\n" OUTPUT_VARIABLE rows)
+list(JOIN rows "" rows)
+file(WRITE "${symbols}" "libnxcore.so.${PROJECT_VERSION_MAJOR} ${library} #MINVER#\n${rows}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian}/triggers;${shlibs};${symbols}")

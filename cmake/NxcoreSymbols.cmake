@@ -1,0 +1,31 @@
+# The versions of the exported symbols, by which the loader refuses a program that needs a later library.
+#
+# symbols/1.N.txt has the names that came with version 1.N. It is made once, when that version is released
+# (`cmake --build --preset release --target freeze_symbols`), and never changes again. Everything that is in none of the
+# lists gets the version that is being built, so that a new function needs no entry anywhere. A new major version begins
+# without lists.
+
+# 1.0 was released without versions: the first one names what was exported when versions were introduced.
+set(NXCORE_SYMBOL_VERSIONS NXCORE_1)
+set(frozen "${PROJECT_SOURCE_DIR}/cmake/symbols")
+file(STRINGS "${frozen}/1.0.txt" names)
+list(JOIN names ";\n    " names)
+set(script "NXCORE_1 {\n    ${names};\n};\n")
+set(previous NXCORE_1)
+foreach(minor RANGE 1 ${PROJECT_VERSION_MINOR})
+    set(node "NXCORE_1.${minor}")
+    set(names "*")
+    if(minor LESS PROJECT_VERSION_MINOR)
+        if(NOT EXISTS "${frozen}/1.${minor}.txt")
+            message(FATAL_ERROR "cmake/symbols/1.${minor}.txt is missing: build version 1.${minor} with the target freeze_symbols")
+        endif()
+        file(STRINGS "${frozen}/1.${minor}.txt" names)
+        list(JOIN names ";\n    " names)
+    endif()
+    string(APPEND script "${node} {\n    ${names};\n} ${previous};\n")
+    list(APPEND NXCORE_SYMBOL_VERSIONS ${node})
+    set(previous ${node})
+endforeach()
+set(NXCORE_VERSION_SCRIPT "${PROJECT_BINARY_DIR}/generated/nxcore.map")
+file(CONFIGURE OUTPUT "${NXCORE_VERSION_SCRIPT}" CONTENT "${script}" @ONLY)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${frozen}")
