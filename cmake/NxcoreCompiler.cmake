@@ -11,6 +11,9 @@ function(nxcore_refuse_fast_math)
 endfunction()
 nxcore_refuse_fast_math()
 
+# Where the package of the sources has them, and debuggers therefore look.
+set(NXCORE_SOURCES_DIR "/usr/src/nxcore-${PROJECT_VERSION}")
+
 # Gives `target` the project's dialect, warnings and sanitizers. NO_COVERAGE is for what is unloaded again: the memory of
 # its counters would count as lost.
 function(nxcore_configure target)
@@ -21,6 +24,11 @@ function(nxcore_configure target)
     if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         # Data touched without its lock, as core/thread/nxThreadAnnotations.h marks it, is a fault and no matter of taste.
         target_compile_options(${target} PRIVATE -Wthread-safety -Werror=thread-safety)
+    endif()
+    if(NXCORE_PACKAGED_SOURCES)
+        # The first map is for a build folder outside of the source. Of two that fit the last one counts.
+        target_compile_options(${target} PRIVATE "-ffile-prefix-map=${PROJECT_BINARY_DIR}=${NXCORE_SOURCES_DIR}/build"
+            "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=${NXCORE_SOURCES_DIR}")
     endif()
     if(NXCORE_WARNINGS_AS_ERRORS)
         target_compile_options(${target} PRIVATE -Werror)

@@ -16,10 +16,10 @@ file(WRITE "${PROJECT_BINARY_DIR}/debian/changelog" "nxcore (${PROJECT_VERSION})
 ")
 execute_process(COMMAND "${NXCORE_GZIP}" -9nc "${PROJECT_BINARY_DIR}/debian/changelog" OUTPUT_FILE "${changelog}"
     COMMAND_ERROR_IS_FATAL ANY)
-foreach(component runtime development tools documentation)
+foreach(component ${CPACK_COMPONENTS_ALL})
     string(TOUPPER ${component} name)
     install(FILES "${changelog}" "${debian}/copyright"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component})
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component} EXCLUDE_FROM_ALL)
 endforeach()
 
 # A package that links the library depends on this minor version or a later one.

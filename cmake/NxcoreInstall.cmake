@@ -1,4 +1,4 @@
-# What is installed, in four components: runtime, development, tools, documentation.
+# What is installed, in four components: runtime, development, tools, documentation. The fifth, sources, is for packages.
 
 include(CMakePackageConfigHelpers)
 
@@ -51,3 +51,8 @@ install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "main.cpp" PATTERN "output.txt" PATTERN "data" EXCLUDE)
+
+# For debuggers. Outside of packages nobody expects them below the prefix.
+string(REGEX REPLACE "^/usr/" "" sources "${NXCORE_SOURCES_DIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" "${PROJECT_SOURCE_DIR}/tools/nxtick" DESTINATION "${sources}"
+    COMPONENT sources EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "*.cpp")

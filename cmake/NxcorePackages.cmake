@@ -1,4 +1,5 @@
-# The Debian packages, made by `cpack` (scripts/release.sh): the library, its development files, the tools, the documents.
+# The Debian packages, made by `cpack` (scripts/release.sh): the library, its development files, the tools, the documents,
+# and the sources for debuggers.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME nxcore)
@@ -9,7 +10,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
 set(CPACK_STRIP_FILES OFF)  # the debug symbols go into a package of their own
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
-set(CPACK_COMPONENTS_ALL runtime development tools documentation)
+set(CPACK_COMPONENTS_ALL runtime development tools documentation sources)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
@@ -29,9 +30,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/core")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME nxcore-doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_SOURCES_PACKAGE_NAME nxcore-source)
+set(CPACK_DEBIAN_SOURCES_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_SOURCES_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "The shared library.")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, CMake and pkg-config files, debugger printers.")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "nxtick, which snaps, steps and explains prices.")
+set(CPACK_COMPONENT_SOURCES_DESCRIPTION "The sources, where debuggers find them with the packages of debug symbols.")
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "The guide, the catalogue of tick tables and the benchmark report.")
 
 include(cmake/NxcoreDebian.cmake)

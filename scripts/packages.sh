@@ -1,5 +1,18 @@
 #!/usr/bin/env bash
-# Sourced by the other scripts: installs what a fresh Debian machine lacks when it may, else says what to install.
+# Sourced by the other scripts: says which Debian packages the machine lacks, and installs them where that is allowed.
+#
+# NXCORE_INSTALL_PACKAGES=1 allows it. On a terminal root is asked. Nothing is installed otherwise.
+
+# may_install PACKAGE...: whether the packages may be installed here.
+may_install()
+{
+    [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null 2>&1 || return 1
+    [ "${NXCORE_INSTALL_PACKAGES:-}" != 1 ] || return 0
+    [ -t 0 ] && [ -t 2 ] || return 1
+    local answer
+    read -r -p "Install $*? [y/N] " answer
+    [[ $answer == [yY]* ]]
+}
 
 # need COMMAND_OR_FILE PACKAGE ... (pairs): collects the packages whose command or file is missing and installs them.
 need()
@@ -10,9 +23,10 @@ need()
         shift 2
     done
     [ ${#missing[@]} -eq 0 ] && return 0
-    if [ "$(id -u)" -ne 0 ] || ! command -v apt-get >/dev/null 2>&1; then
-        echo "Missing packages, and no right to install them here. As root, run:" >&2
+    if ! may_install "${missing[@]}"; then
+        echo "Packages are missing. Install them as root:" >&2
         echo "    apt-get install ${missing[*]}" >&2
+        echo "With NXCORE_INSTALL_PACKAGES=1 in the environment of root, this script does so itself." >&2
         return 1
     fi
     echo "Installing ${missing[*]}" >&2
@@ -20,8 +34,9 @@ need()
 }
 
 # What every build needs, and what the tests need beside it.
-need_build_tools() { need g++ g++ cmake cmake ninja ninja-build; }
-need_test_tools() { need_build_tools && need /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
+build_tools=(g++ g++ cmake cmake ninja ninja-build)
+need_build_tools() { need "${build_tools[@]}"; }
+need_test_tools() { need "${build_tools[@]}" /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
 # The major version of the second compiler, which its tools' names end in.
 clang_version() { clang++ -dumpversion | cut -d. -f1; }
 # The second compiler, with its sanitizers, coverage and formatter, in the version that the machine has.
@@ -34,7 +49,7 @@ need_clang_tools()
 # The benchmarks' library and peers.
 need_benchmark_tools()
 {
-    need_build_tools && need python3 python3 /usr/include/benchmark/benchmark.h libbenchmark-dev \
+    need "${build_tools[@]}" python3 python3 /usr/include/benchmark/benchmark.h libbenchmark-dev \
         /usr/include/spdlog/spdlog.h libspdlog-dev /usr/include/fmt/format.h libfmt-dev \
         /usr/include/absl/base/config.h libabsl-dev /usr/include/boost/version.hpp libboost-dev gperf gperf \
         /usr/include/bid_functions.h libintelrdfpmath-dev /usr/include/csv.h libcsv-dev \

@@ -12,11 +12,26 @@ libdir=$(cd "$root/usr" && dirname "$(find lib -name libnxcore.so)")
 for way in find_package pkg-config; do
     bash "$(dirname "$0")/consume.sh" "$way" "$root/usr" "$source" "$root/$way" "$libdir" g++
 done
-for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/bash-completion/completions/nxtick usr/share/doc/nxcore/docs/guide usr/share/doc/nxcore/examples; do
+for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/man/man7/nxcore.7 usr/share/bash-completion/completions/nxtick usr/share/doc/nxcore/docs/guide usr/share/doc/nxcore/examples usr/src/nxcore-; do
     ls -d "$root/$wanted"* >/dev/null
 done
 grep -qx prefix=/usr "$root/usr/$libdir/pkgconfig/nxcore.pc"
 LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/nxtick" -version
+# With the debug symbols, a debugger shows the sources of library and tool from their package.
+if ls "$packages"/*.ddeb >/dev/null 2>&1; then
+    for package in "$packages"/*.ddeb; do
+        dpkg -x "$package" "$root"
+    done
+    # listed FILE FUNCTION: the source of the function, as gdb shows it.
+    listed() {
+        gdb -q -batch -nx -iex 'set auto-load off' -ex "set debug-file-directory $root/usr/lib/debug" -ex "file $root/$1" \
+            -ex "set substitute-path /usr/src $root/usr/src" -ex "list $2" 2>&1
+    }
+    shown=$(listed "usr/$libdir/libnxcore.so" nxVersionNumber::GetVersionNumber; listed usr/bin/nxtick nxtick::OutputFile::Print)
+    if ! grep -q 'return NX_CORE_VERSION;' <<<"$shown" || ! grep -q 'OutputFile::Print(' <<<"$shown"; then
+        echo "gdb shows no sources: $shown"; exit 1
+    fi
+fi
 # Debian's own checker finds no error.
 if command -v lintian >/dev/null 2>&1; then
     lintian --fail-on error --tag-display-limit 0 --allow-root "$packages"/*.deb
