@@ -5,7 +5,7 @@
 # - a program built with today's headers does not start silently with the library of 1.0, nor does its package accept it;
 # - after a purge nothing is left.
 #
-#     scripts/upgrade.sh
+#     scripts/upgrade.sh [PACKAGES]     the folder of today's packages; without it scripts/release.sh makes them
 #
 # It runs as root, in a mount namespace with a layer above the machine's files, so that nothing is installed on the machine.
 # It needs the history of the repository back to 1.0.
@@ -68,6 +68,7 @@ dependency()
     (cd "$(mktemp -d)" && mkdir debian && printf 'Source: x\n\nPackage: x\nArchitecture: any\n' >debian/control && dpkg-shlibdeps -O "$1")
 }
 
+# inside PACKAGES
 inside()
 {
     unset QRX_LOG_DIRECTORY QRX_LOG_LEVEL QRX_LOG_TO_CONSOLE
@@ -83,7 +84,7 @@ inside()
     cp -a "$library"/libnxcore.so.1* "$work/built-with-first/"
 
     step "upgrade to $new, run the same programs"
-    apt install "$PWD"/build/packages/*deb
+    apt install "$1"/*deb
     readlink -f /usr/lib/*/libnxcore.so.1 | grep -q "\.$new\$" || fail "the library is not $new"
     run built-with-first | diff "$work/first.txt" - || fail "programs of 1.0 print something else"
 
@@ -108,22 +109,30 @@ inside()
 }
 
 if [ "${1:-}" = --inside ]; then
-    inside
+    inside "$2"
     exit
 fi
 [ "$(id -u)" -eq 0 ] || fail "only root can install packages, even in a namespace"
 ! dpkg-query -W 'libnxcore*' >/dev/null 2>&1 || fail "nxcore is installed on this machine already"
 mkdir -p "$work"
 build_first
-scripts/release.sh
+packages=${1:-}
+if [ -z "$packages" ]; then
+    scripts/release.sh
+    packages=build/packages
+fi
+rm -rf "$work/packages"
+mkdir "$work/packages"
+cp "$packages"/*deb "$work/packages/"
 
 # The layer is in memory and vanishes with the namespace.
 root=$(mktemp -d)
 trap 'rmdir "$root"' EXIT
+# shellcheck disable=SC2016
 unshare --mount bash -eu -c '
     mount -t tmpfs layer "$1"
     mkdir "$1/upper" "$1/work" "$1/all"
     mount -t overlay machine -o "lowerdir=/,upperdir=$1/upper,workdir=$1/work" "$1/all"
-    for folder in /proc /dev "$2"; do mount --bind "$folder" "$1/all$folder"; done
+    for folder in /proc /dev "$2/build/upgrade"; do mount --bind "$folder" "$1/all$folder"; done
     mount -t tmpfs scratch "$1/all/tmp"
-    exec chroot "$1/all" bash "$2/scripts/upgrade.sh" --inside' upgrade "$root" "$PWD"
+    exec chroot "$1/all" bash "$2/scripts/upgrade.sh" --inside "$2/build/upgrade/packages"' upgrade "$root" "$PWD"
