@@ -1,5 +1,5 @@
 # What a Debian package holds beside the files that are installed: copyright, changelog, the trigger of the linker's cache,
-# and the lists by which other packages depend on the library.
+# and the version on which other packages depend.
 
 set(debian "${PROJECT_SOURCE_DIR}/cmake/debian")
 set(library "libnxcore${PROJECT_VERSION_MAJOR}")
@@ -22,14 +22,9 @@ foreach(component ${CPACK_COMPONENTS_ALL})
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component} EXCLUDE_FROM_ALL)
 endforeach()
 
-# A package that links the library depends on this minor version or a later one.
+# A package that links the library depends on this minor version or a later one. There is no list by symbols beside it: a
+# program also has inline code of the headers that it was built with, so that it needs their version even where it uses
+# nothing new.
 set(shlibs "${PROJECT_BINARY_DIR}/debian/shlibs")
 file(WRITE "${shlibs}" "libnxcore ${PROJECT_VERSION_MAJOR} ${library} (>= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.0)\n")
-# The same by symbols, one row for each version of them. A program also has inline code of the headers that it was built
-# with, so that it needs their minor version even where it uses nothing new.
-set(symbols "${PROJECT_BINARY_DIR}/debian/symbols")
-set(minimum "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}.0")
-list(TRANSFORM NXCORE_SYMBOL_VERSIONS REPLACE "(.+)" " (symver)\\1 ${minimum}\n" OUTPUT_VARIABLE rows)
-list(JOIN rows "" rows)
-file(WRITE "${symbols}" "libnxcore.so.${PROJECT_VERSION_MAJOR} ${library} #MINVER#\n${rows}")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian}/triggers;${shlibs};${symbols}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${debian}/triggers;${shlibs}")

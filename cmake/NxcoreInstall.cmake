@@ -54,5 +54,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
 
 # For debuggers. Outside of packages nobody expects them below the prefix.
 string(REGEX REPLACE "^/usr/" "" sources "${NXCORE_SOURCES_DIR}")
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/core" "${PROJECT_SOURCE_DIR}/tools/nxtick" DESTINATION "${sources}"
-    COMPONENT sources EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "*.cpp")
+foreach(folder core tools/nxtick)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/" DESTINATION "${sources}/${folder}"
+        COMPONENT sources EXCLUDE_FROM_ALL FILES_MATCHING PATTERN "*.h" PATTERN "*.inc" PATTERN "*.cpp")
+endforeach()

@@ -39,5 +39,7 @@ set(CPACK_COMPONENT_TOOLS_DESCRIPTION "nxtick, which snaps, steps and explains p
 set(CPACK_COMPONENT_SOURCES_DESCRIPTION "The sources, where debuggers find them with the packages of debug symbols.")
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "The guide, the catalogue of tick tables and the benchmark report.")
 
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/NxcoreFinishPackages.cmake")
+
 include(cmake/NxcoreDebian.cmake)
 include(CPack)

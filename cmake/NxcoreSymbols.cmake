@@ -3,10 +3,8 @@
 # symbols/1.N.txt has the names that came with version 1.N. It is made once, when that version is released
 # (`cmake --build --preset release --target freeze_symbols`), and never changes again. Everything that is in none of the
 # lists gets the version that is being built, so that a new function needs no entry anywhere. A new major version begins
-# without lists.
+# without lists. 1.0 was released without versions: its list has what was exported when versions were introduced.
 
-# 1.0 was released without versions: the first one names what was exported when versions were introduced.
-set(NXCORE_SYMBOL_VERSIONS NXCORE_1)
 set(frozen "${PROJECT_SOURCE_DIR}/cmake/symbols")
 set(script "")
 set(previous "")
@@ -28,7 +26,6 @@ foreach(minor RANGE 0 ${PROJECT_VERSION_MINOR})
         string(APPEND script "    ${name};\n")
     endforeach()
     string(APPEND script "}${previous};\n")
-    list(APPEND NXCORE_SYMBOL_VERSIONS ${node})
     set(previous " ${node}")
 endforeach()
 set(NXCORE_VERSION_SCRIPT "${PROJECT_BINARY_DIR}/generated/nxcore.map")

@@ -65,7 +65,7 @@ files() { find /usr /etc /opt /var -xdev \( -path /var/lib/dpkg -o -path /var/li
 # The dependency that a package of the program gets.
 dependency()
 {
-    (cd "$(mktemp -d)" && mkdir debian && printf 'Source: x\n\nPackage: x\nArchitecture: any\n' >debian/control && dpkg-shlibdeps -O "$1")
+    (cd "$(mktemp -d)" && mkdir debian && printf 'Source: x\n\nPackage: x\nArchitecture: any\n' >debian/control && dpkg-shlibdeps -O "$1" 2>/dev/null)
 }
 
 # inside PACKAGES

@@ -17,11 +17,9 @@ for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/man/man7/nxco
 done
 grep -qx prefix=/usr "$root/usr/$libdir/pkgconfig/nxcore.pc"
 LD_LIBRARY_PATH=$root/usr/$libdir "$root/usr/bin/nxtick" -version
-# With the debug symbols, a debugger shows the sources of library and tool from their package.
-if ls "$packages"/*.ddeb >/dev/null 2>&1; then
-    for package in "$packages"/*.ddeb; do
-        dpkg -x "$package" "$root"
-    done
+# Where the build has debug information, a debugger shows the sources of library and tool from their package.
+find "$packages" -maxdepth 1 -name '*.ddeb' -exec dpkg -x {} "$root" \;
+if grep -rqs debug_info "$root/usr/lib/debug"; then
     # listed FILE FUNCTION: the source of the function, as gdb shows it.
     listed() {
         gdb -q -batch -nx -iex 'set auto-load off' -ex "set debug-file-directory $root/usr/lib/debug" -ex "file $root/$1" \
