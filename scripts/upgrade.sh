@@ -113,6 +113,8 @@ if [ "${1:-}" = --inside ]; then
     exit
 fi
 [ "$(id -u)" -eq 0 ] || fail "only root can install packages, even in a namespace"
+. scripts/packages.sh
+need "${build_tools[@]}" pkg-config pkg-config dpkg-shlibdeps dpkg-dev
 ! dpkg-query -W 'libnxcore*' >/dev/null 2>&1 || fail "nxcore is installed on this machine already"
 mkdir -p "$work"
 build_first
