@@ -1,14 +1,18 @@
 #!/usr/bin/env bash
 # Sourced by the other scripts: says which Debian packages the machine lacks, and installs them where that is allowed.
 #
-# NXCORE_INSTALL_PACKAGES=1 allows it. On a terminal root is asked. Nothing is installed otherwise.
+# Root is asked on a terminal. Without one, as in a container or in CI, root installs them.
+# NXCORE_INSTALL_PACKAGES=1 installs without a question; 0 installs nothing.
 
 # may_install PACKAGE...: whether the packages may be installed here.
 may_install()
 {
     [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null 2>&1 || return 1
-    [ "${NXCORE_INSTALL_PACKAGES:-}" != 1 ] || return 0
-    [ -t 0 ] && [ -t 2 ] || return 1
+    case ${NXCORE_INSTALL_PACKAGES:-} in
+        0) return 1 ;;
+        1) return 0 ;;
+    esac
+    [ -t 0 ] && [ -t 2 ] || return 0
     local answer
     read -r -p "Install $*? [y/N] " answer
     [[ $answer == [yY]* ]]
@@ -26,7 +30,6 @@ need()
     if ! may_install "${missing[@]}"; then
         echo "Packages are missing. Install them as root:" >&2
         echo "    apt-get install ${missing[*]}" >&2
-        echo "With NXCORE_INSTALL_PACKAGES=1 in the environment of root, this script does so itself." >&2
         return 1
     fi
     echo "Installing ${missing[*]}" >&2

@@ -34,6 +34,7 @@ class NX_CORE_API nxVariableTickTableContainer
 {
 public:
     /// Finds the table registered under @p id, and tells the user when there is none.
+    /// @param id the identifier, "VTT_CHIX_CPH1".
     /// @param[out] table the table; untouched when there is none.
     /// @param[out] reason a sentence with the identifier that was probably meant, if one is near; untouched on success. A
     ///             name without "VTT_" is not an identifier, but its identifier is named.
@@ -50,6 +51,7 @@ public:
 
     /// Takes a table of the program's own, which is then found under its identifier, "VTT_" and @p name, like those of the
     /// catalogue. A table of another library's class needs that library for the rest of the process.
+    /// @param name the table's name, without "VTT_".
     /// @param[in,out] table has all its bands. It is null after success, because the container owns it then; untouched on
     ///                failure.
     /// @return NX_ERR_OBJECT_IS_NULL for a null @p table, NX_ERR_INVALID_PARAMETER for an empty name or a table whose bands
