@@ -1,13 +1,13 @@
 #include "core/numeric/nxDecimal.h"
 
 #include <algorithm>
-#include <cfenv>
 #include <cmath>
 #include <ostream>
 #include <type_traits>
 
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/internal/nxDecimalText.h"
+#include "core/numeric/internal/nxNearestRounding.h"
 #include "core/numeric/internal/nxPriceText.h"
 #include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
@@ -25,35 +25,11 @@ constexpr double tolerance = 2.220446049250313e-16;
 constexpr std::string_view nullText = "NULL";
 constexpr std::string_view noChangeText = "NO_CHANGE";
 
-// Rounds to the nearest while it lives, whatever direction the thread is set to. Operands and results pass through
-// nxDoubleHelper::Rounded(), across which no operation moves.
-class NearestRounding
-{
-public:
-    NearestRounding()
-    {
-        if (nxDoubleHelper::RoundsToNearest()) [[likely]]
-            return;
-        _direction = std::fegetround();
-        std::fesetround(FE_TONEAREST);
-    }
-    ~NearestRounding()
-    {
-        if (_direction != FE_TONEAREST) [[unlikely]]
-            std::fesetround(_direction);
-    }
-    NearestRounding(const NearestRounding&) = delete;
-    NearestRounding& operator=(const NearestRounding&) = delete;
-
-private:
-    int _direction = FE_TONEAREST;
-};
-
 // Out of line, so that threads that round to the nearest pay nothing for it.
 template <class Result>
 [[gnu::noinline]] Result RoundedToNearest(Result (*operation)(nxDecimal, nxDecimal), nxDecimal left, nxDecimal right)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     return operation(left, right);
 }
 
@@ -132,14 +108,14 @@ const nxValueStatusEnum& nxDecimal::GetStatus() const
 
 nxDecimal::nxDecimal(long long numerator, long long denominator, unsigned char places)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     const double dividend = nxDoubleHelper::Rounded(static_cast<double>(numerator));
     _SetFromNearest(nxDoubleHelper::Rounded(dividend / static_cast<double>(denominator)), places);
 }
 
 nxDecimal nxDecimal::_FromAnyDouble(double number, unsigned char places)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     const long long whole = nxDoubleHelper::ToInteger(number);
     const double fraction = nxDoubleHelper::Rounded(number) - static_cast<double>(whole);
     const double scaled = nxDoubleHelper::Rounded(fraction * nxPowersOfTen::GetDouble(places));
@@ -200,7 +176,7 @@ nxDecimal nxDecimal::_RoundLarge(nxDecimal value, nxDecimal increment, unsigned 
 
 nxDecimal nxDecimal::_AddDoubles(nxDecimal left, nxDecimal right)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     if (left._AreValid(right))
         left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() + right.GetAsDouble()),
                              left._LargerScale(right));
@@ -209,7 +185,7 @@ nxDecimal nxDecimal::_AddDoubles(nxDecimal left, nxDecimal right)
 
 nxDecimal nxDecimal::_SubtractDoubles(nxDecimal left, nxDecimal right)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     if (left._AreValid(right))
         left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() - right.GetAsDouble()),
                              left._LargerScale(right));
@@ -218,13 +194,13 @@ nxDecimal nxDecimal::_SubtractDoubles(nxDecimal left, nxDecimal right)
 
 nxDecimal nxDecimal::_MultiplyDoubles(nxDecimal left, nxDecimal right)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     return left *= right;
 }
 
 nxDecimal nxDecimal::_DivideDoubles(nxDecimal left, nxDecimal right)
 {
-    const NearestRounding rounding;
+    const nxNearestRounding rounding;
     return left /= right;
 }
 

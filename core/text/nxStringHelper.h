@@ -10,6 +10,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/text/inline/nxDigits.h"
+#include "core/text/inline/nxIntegerText.h"
 #include "core/text/inline/nxTextTraits.h"
 
 class nxCaseSensitivityEnum;
@@ -313,23 +314,7 @@ private:
     template <class Integer>
     static nxErrorEnum _ReadInteger(std::string_view text, Integer& value)
     {
-        const char* begin = text.data();
-        const char* const end = begin + text.size();
-        const bool negative = std::is_signed_v<Integer> && begin != end && *begin == '-';
-        std::uint64_t magnitude = 0;
-        if (!nxDigits::Parse(begin + (negative ? 1 : 0), end, magnitude))
-            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-        value = static_cast<Integer>(negative ? 0 - magnitude : magnitude);
-        return nxErrorEnum();
-    }
-
-    template <class Integer>
-    static char* _WriteInteger(char* out, Integer value)
-    {
-        if constexpr (std::is_signed_v<Integer>)
-            return nxDigits::WriteSigned(out, value);
-        else
-            return nxDigits::Write(out, value);
+        return nxIntegerText::Read(text, value) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     }
 
     // Appends the text that `write` stores in a buffer of `Room` bytes: directly in the string if it has the room.
@@ -351,14 +336,14 @@ private:
     template <class Integer>
     static void _AppendInteger(std::string& out, Integer value)
     {
-        _AppendWritten<nxDigits::MaxDigits>(out, [value](char* text) { return _WriteInteger(text, value); });
+        _AppendWritten<nxDigits::MaxDigits>(out, [value](char* text) { return nxIntegerText::Write(text, value); });
     }
 
     template <class Integer>
     static std::string _GetInteger(Integer value)
     {
         char text[nxDigits::MaxDigits];
-        const char* const end = _WriteInteger(text, value);
+        const char* const end = nxIntegerText::Write(text, value);
         return std::string(text, static_cast<std::size_t>(end - text));
     }
 };

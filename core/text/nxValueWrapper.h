@@ -12,6 +12,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxValueStatusEnum.h"
+#include "core/text/inline/nxIntegerArithmetic.h"
 #include "core/text/nxInitalizers.h"
 #include "core/text/nxStringHelper.h"
 
@@ -76,7 +77,7 @@ public:
     /// Holds the number, or null when it has another type and T cannot hold it. A mark makes a null or no-change wrapper.
     template <class Number>
     requires _IsNumber<Number>
-    constexpr nxValueWrapper(Number number) : _value(_HeldOrNull(_Plain(number))) {}
+    constexpr nxValueWrapper(Number number) : _value(nxIntegerArithmetic::ConvertOr(_Plain(number), NullMark)) {}
     /// Holds the number to which an object of another class converts.
     template <class Other>
     requires(_StandsForNumber<Other> && !nxIsValueWrapper<Other>) constexpr explicit nxValueWrapper(const Other& other)
@@ -88,7 +89,7 @@ public:
     constexpr explicit nxValueWrapper(const nxValueWrapper<U, Null, NoChange>& other)
         : _value(other.IsNull()       ? NullMark
                  : other.IsNoChange() ? NoChangeMark
-                                      : _HeldOrNull(_Plain(other)))
+                                      : nxIntegerArithmetic::ConvertOr(_Plain(other), NullMark))
     {
     }
 
@@ -217,7 +218,7 @@ public:
     template <std::floating_point Number>
     friend constexpr std::partial_ordering operator<=>(const nxValueWrapper& a, Number b)
     {
-        return _Order<std::common_type_t<Number, double>>(a._value, b);
+        return nxIntegerArithmetic::Compare(a._value, static_cast<std::common_type_t<Number, double>>(b));
     }
 
     /// Calculates in the wider type, see the class; wraps silently.
@@ -293,48 +294,15 @@ private:
             return number;
     }
 
-    // Two's complement without overflow: calculated unsigned, at least as wide as the language's own arithmetic.
     template <class Result, class Number>
     static constexpr auto _Unsigned(Number number)
     {
-        return static_cast<std::common_type_t<std::make_unsigned_t<Result>, unsigned>>(number);
+        return nxIntegerArithmetic::ToUnsigned<Result>(number);
     }
-
     template <class Result>
     static constexpr Result _Quotient(Result a, Result b)
     {
-        if (b == 0)
-            return static_cast<Result>(NullMark);
-        if constexpr (std::is_signed_v<Result>)
-        {
-            // The most negative number has no positive counterpart and wraps to itself.
-            if (b == -1)
-                return static_cast<Result>(0 - _Unsigned<Result>(a));
-        }
-        return static_cast<Result>(a / b);
-    }
-
-    template <class Number>
-    static constexpr T _HeldOrNull(Number number)
-    {
-        const auto promoted = +number;
-        const T held = static_cast<T>(promoted);
-        const bool isHeld = static_cast<decltype(+number)>(held) == promoted && (held < T{}) == (promoted < Number{});
-        return isHeld ? held : NullMark;
-    }
-
-    template <class Real>
-    static constexpr std::partial_ordering _Order(T a, Real b)
-    {
-        const std::partial_ordering order = static_cast<Real>(a) <=> b;
-        if constexpr (std::numeric_limits<T>::digits > std::numeric_limits<Real>::digits)
-        {
-            // Neighbouring large integers become the same double. It is an integer, so compare integers.
-            constexpr Real end = static_cast<Real>(T{1} << (std::numeric_limits<T>::digits - 1)) * 2;
-            if (order == 0)
-                return b < end ? a <=> static_cast<T>(b) : std::strong_ordering::less;
-        }
-        return order;
+        return nxIntegerArithmetic::Divide(a, b, static_cast<Result>(NullMark));
     }
 
     T _value = NullMark;
