@@ -38,6 +38,15 @@ Value FromText(const std::string& text)
     return value;
 }
 
+nxErrorEnum FindIn(const std::map<std::string, std::string>& values, const std::string& name, std::string& text)
+{
+    const auto found = values.find(name);
+    if (found == values.end())
+        return nxErrorEnum(NX_ERR_NOT_FOUND);
+    text = found->second;
+    return text.empty() ? nxErrorEnum(NX_ERR_OBJECT_IS_NULL) : nxErrorEnum();
+}
+
 // Names of options that were found where a secret was expected: a secret that begins with a dash looks like an option.
 // They are outside the object, because its members are part of the binary interface.
 std::set<std::string>& PossibleSecrets([[maybe_unused]] const nxMutex& mutex) NX_REQUIRES(mutex)
@@ -184,9 +193,9 @@ bool nxCmdLineArgs::IsArgDefined(const std::string& name) const
 
 std::string nxCmdLineArgs::GetArgValue(const std::string& name) const
 {
-    const nxMutexGuard guard(_mutex);
-    const auto found = _args.find(name);
-    return found == _args.end() ? std::string() : found->second;
+    std::string value;
+    static_cast<void>(_FindArgValue(name, value));  // missing and empty are the same here
+    return value;
 }
 
 nxDecimal nxCmdLineArgs::GetArgValueAsDecimal(const std::string& name) const
@@ -222,24 +231,45 @@ void nxCmdLineArgs::GetUnprocessedArgs(std::vector<std::string>& words) const
     words = _unprocessedArgs;
 }
 
-std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
+nxErrorEnum nxCmdLineArgs::_FindArgValue(const std::string& name, std::string& text) const
 {
     const nxMutexGuard guard(_mutex);
-    if (!_envsRead)
-        return IsVariableName(name) ? nxEnvironment::Get(name) : std::string();
-    const auto found = _envs.find(name);
-    return found == _envs.end() ? std::string() : found->second;
+    return FindIn(_args, name, text);
+}
+
+nxErrorEnum nxCmdLineArgs::_FindEnvValue(const std::string& name, std::string& text) const
+{
+    const nxMutexGuard guard(_mutex);
+    if (_envsRead)
+        return FindIn(_envs, name, text);
+    if (!IsVariableName(name) || !nxEnvironment::Find(name, text))
+        return nxErrorEnum(NX_ERR_NOT_FOUND);
+    return text.empty() ? nxErrorEnum(NX_ERR_OBJECT_IS_NULL) : nxErrorEnum();
+}
+
+nxErrorEnum nxCmdLineArgs::_ReadExact(const std::string& text, bool& value)
+{
+    std::string word = text;
+    nxStringHelper::ToUpper(word);
+    const bool isTrue = word == "TRUE" || word == "YES";
+    if (!isTrue && word != "FALSE" && word != "NO")
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    value = isTrue;
+    return nxErrorEnum();
+}
+
+std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
+{
+    std::string value;
+    static_cast<void>(_FindEnvValue(name, value));  // missing and empty are the same here
+    return value;
 }
 
 bool nxCmdLineArgs::GetEnvValueAsBool(const std::string& name, bool defaultValue) const
 {
-    std::string value = GetEnvValue(name);
-    nxStringHelper::ToUpper(value);
-    if (value == "TRUE" || value == "YES")
-        return true;
-    if (value == "FALSE" || value == "NO")
-        return false;
-    return defaultValue;
+    bool value = defaultValue;
+    static_cast<void>(GetEnvValueExact(name, value));  // every other text leaves the default
+    return value;
 }
 
 bool nxCmdLineArgs::GetEnvValueAsBool(const std::string& name) const { return GetEnvValueAsBool(name, false); }

@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
 #include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxStringHelper.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/thread/nxMutex.h"
 #include "core/time/nxDateTime.h"
@@ -19,8 +21,8 @@
 /// is its value: `-offset -5` gives offset the value "-5". Any other word with a dash begins a new option: `-x -y`
 /// gives x and y the empty value. A repeated option keeps the last value.
 ///
-/// - Null: the typed getters give the null value for what is missing or does not parse.
-/// - Errors: none beyond the documented results.
+/// - Null: GetArgValueAs...() and GetEnvValueAs...() give the null value for what is missing or does not parse.
+/// - Errors: GetArgValueExact() and GetEnvValueExact() say why there is no value. The other operations report none.
 /// - Threads: every operation takes the object's mutex and copies what it returns. Call Initialise() once, from main,
 ///   before other threads use the object. The process environment itself has no lock: while threads run, change it only
 ///   with SetEnvValue(), never with setenv or putenv.
@@ -32,6 +34,10 @@
 /// {
 ///     nxCmdLineArgs& args = nxCmdLineArgs::GetInstance();
 ///     args.Initialise(argv, environ);  // <unistd.h>
+///     unsigned lots = 1;                                            // stays 1 without -lots
+///     const nxErrorEnum error = args.GetArgValueExact("lots", lots);
+///     if (!error.IsOK() && error != NX_ERR_NOT_FOUND)
+///         return 2;                                                 // -lots 1x, -lots 5000000000
 ///     const nxDecimal price = args.GetArgValueAsDecimal("price");   // -price 12.50
 ///     const bool quiet = args.GetEnvValueAsBool(QRX_PASSIVE_MODE, false);
 /// }
@@ -58,6 +64,21 @@ public:
     /// @param name without its dash; an option that is written with two dashes keeps the second one.
     std::string GetArgValue(const std::string& name) const;
 
+    /// Reads the option's value into any type that nxStringHelper::SetFromStringExact() reads: integers, doubles and
+    /// decimals (with "." as decimal separator), wrappers, dates, times, enumerations, texts. A `bool` is one of the words
+    /// TRUE, YES, FALSE and NO in any case.
+    /// @param name without its dash.
+    /// @return NX_ERR_NOT_FOUND when the option was not given, NX_ERR_OBJECT_IS_NULL when it was given without a value,
+    ///         NX_ERR_INVALID_PARAMETER when the value is no text of that type, NX_ERR_VALUE_OUT_OF_RANGE when the type
+    ///         cannot hold it; @p value is then untouched.
+    template <class Value>
+    [[nodiscard]] nxErrorEnum GetArgValueExact(const std::string& name, Value& value) const
+    {
+        std::string text;
+        const nxErrorEnum error = _FindArgValue(name, text);
+        return error.IsOK() ? _ReadExact(text, value) : error;
+    }
+
     /// The option's value as a number with "." as decimal separator, or null.
     nxDecimal GetArgValueAsDecimal(const std::string& name) const;
     /// The option's value as a whole volume, or null. As with every integer read from text, a number beyond 32 bits
@@ -81,6 +102,17 @@ public:
     /// An environment variable's value, or empty when it is not set. After Initialise() was given an environment, its
     /// copy answers, and changes that are not made by SetEnvValue() are not seen. Before, the system is asked.
     std::string GetEnvValue(const std::string& name) const;
+
+    /// Reads a variable as GetArgValueExact() reads an option; see GetEnvValue() for where the variable comes from.
+    /// @return NX_ERR_NOT_FOUND when the variable is not set, NX_ERR_OBJECT_IS_NULL when it is empty; otherwise as
+    ///         GetArgValueExact(). @p value is then untouched.
+    template <class Value>
+    [[nodiscard]] nxErrorEnum GetEnvValueExact(const std::string& name, Value& value) const
+    {
+        std::string text;
+        const nxErrorEnum error = _FindEnvValue(name, text);
+        return error.IsOK() ? _ReadExact(text, value) : error;
+    }
 
     /// True for "TRUE" and "YES", false for "FALSE" and "NO", in any case; @p defaultValue for everything else,
     /// including a missing variable.
@@ -130,6 +162,20 @@ protected:
 
 private:
     static nxMutex& _GetInstanceMutex() { return GetInstance()._mutex; }
+
+    // NX_ERR_NOT_FOUND for what is missing, NX_ERR_OBJECT_IS_NULL for an empty value.
+    nxErrorEnum _FindArgValue(const std::string& name, std::string& text) const;
+    nxErrorEnum _FindEnvValue(const std::string& name, std::string& text) const;
+
+    static nxErrorEnum _ReadExact(const std::string& text, bool& value);
+    template <class Value>
+    static nxErrorEnum _ReadExact(const std::string& text, Value& value)
+    {
+        if constexpr (requires { nxStringHelper::SetFromStringExact(text, value); })
+            return nxStringHelper::SetFromStringExact(text, value);
+        else
+            return nxStringHelper::SetFromStringExact(text, value, '.');
+    }
 
     bool _argsRead NX_GUARDED_BY(_mutex) = false;
     bool _envsRead NX_GUARDED_BY(_mutex) = false;

@@ -1,6 +1,7 @@
 #ifndef CORE_ENUM_NXBITMASK_H
 #define CORE_ENUM_NXBITMASK_H
 
+#include <compare>
 #include <iosfwd>
 #include <map>
 #include <string>
@@ -48,7 +49,7 @@ public:
     virtual void SetBits(unsigned bits);
     /// @copydoc SetBits(unsigned)
     /// The words are joined as they are: a null or "no change" operand passes its mark on, and the next SetBits()
-    /// empties the mask. Ask IsValid() of an update request before you merge it.
+    /// empties the mask. Ask IsValid() of an update request before you merge it, or call UpdateFrom().
     virtual void SetBits(const nxBitMask& bits);
     /// Makes the mask null; its flags are lost.
     virtual void SetNull();
@@ -87,6 +88,13 @@ public:
         return *this;
     }
 
+    /// Takes over the whole set of an update request, null included; a request with NoChangeBit changes nothing.
+    void UpdateFrom(const nxBitMask& request)
+    {
+        if (!request.IsNoChange())
+            _word = request._word;
+    }
+
     /// Removes flags.
     void ClearBits(unsigned bits) { _word &= ~bits; }
     /// @copydoc ClearBits(unsigned)
@@ -107,6 +115,9 @@ public:
     bool operator==(unsigned word) const { return _word == word; }
     /// @copydoc operator==(unsigned) const
     bool operator==(const nxBitMask& other) const { return _word == other._word; }
+    /// Orders the whole words, top bits included, so that masks can be keys of std::map and std::set. This is no test for
+    /// a subset; see AreAllBitsSet().
+    std::strong_ordering operator<=>(const nxBitMask& other) const { return _word <=> other._word; }
 
     /// @name Deleted, because a word wider than the mask's, or a fraction, would be truncated and lose its upper flags.
     /// @{

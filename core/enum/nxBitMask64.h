@@ -1,6 +1,7 @@
 #ifndef CORE_ENUM_NXBITMASK64_H
 #define CORE_ENUM_NXBITMASK64_H
 
+#include <compare>
 #include <iosfwd>
 #include <map>
 #include <string>
@@ -41,7 +42,7 @@ public:
     virtual void SetBits(unsigned long long bits);
     /// @copydoc SetBits(unsigned long long)
     /// The words are joined as they are: a null or "no change" operand passes its mark on, and the next SetBits()
-    /// empties the mask. Ask IsValid() of an update request before you merge it.
+    /// empties the mask. Ask IsValid() of an update request before you merge it, or call UpdateFrom().
     virtual void SetBits(const nxBitMask64& bits);
     /// Makes the mask null; its flags are lost.
     virtual void SetNull();
@@ -80,6 +81,13 @@ public:
         return *this;
     }
 
+    /// Takes over the whole set of an update request, null included; a request with NoChangeBit changes nothing.
+    void UpdateFrom(const nxBitMask64& request)
+    {
+        if (!request.IsNoChange())
+            _word = request._word;
+    }
+
     /// Removes flags.
     void ClearBits(unsigned long long bits) { _word &= ~bits; }
     /// @copydoc ClearBits(unsigned long long)
@@ -100,6 +108,9 @@ public:
     bool operator==(unsigned long long word) const { return _word == word; }
     /// @copydoc operator==(unsigned long long) const
     bool operator==(const nxBitMask64& other) const { return _word == other._word; }
+    /// Orders the whole words, top bits included, so that masks can be keys of std::map and std::set. This is no test for
+    /// a subset; see AreAllBitsSet().
+    std::strong_ordering operator<=>(const nxBitMask64& other) const { return _word <=> other._word; }
 
     /// @name A word wider than the mask's, or a fraction, would be cut, and a flag of the upper half would become none.
     /// @{

@@ -67,6 +67,14 @@ public:
     template <nxWiderThan<Word> Wide>
     Derived& operator=(Wide) = delete;
 
+    /// @return a copy of @p a with the flags of @p b added, as SetBits() adds them.
+    friend Derived operator|(const Derived& a, const Derived& b)
+    {
+        Derived both(a);
+        both.SetBits(b);
+        return both;
+    }
+
 protected:
     /// A flag with its short and its long description.
     struct FlagTexts

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "core/numeric/internal/nxExactDouble.h"
+#include "core/numeric/internal/nxNearestRounding.h"
 #include "core/numeric/internal/nxPriceText.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/platform/inline/nxDoubleHelper.h"
@@ -163,14 +165,46 @@ bool nxStringHelper::_ReadDouble(const std::string& text, double& value, char se
     return true;
 }
 
+nxErrorEnum nxStringHelper::SetFromStringExact(std::string_view text, double& value, char separator)
+{
+    if (IsDigit(separator) || separator == '-')
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    const nxNearestRounding rounding;
+    const bool negative = !text.empty() && text.front() == '-';
+    text.remove_prefix(negative ? 1 : 0);
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    std::uint64_t mantissa;
+    std::size_t decimals;
+    double magnitude = 0;
+    if (nxPriceText::Parse(begin, text.size(), separator, mantissa, decimals)) [[likely]]
+        magnitude = Divide(mantissa, decimals);
+    else if (text.size() > exactDigits || !ReadExactly(begin, end, separator, magnitude))
+    {
+        const nxErrorEnum error = nxExactDouble::Read(begin, end, separator, magnitude);
+        if (!error.IsOK())
+            return error;
+    }
+    magnitude = nxDoubleHelper::Rounded(magnitude);
+    value = negative ? -magnitude : magnitude;
+    return nxErrorEnum();
+}
+
 void nxStringHelper::AppendAsString(std::string& out, double value, unsigned int decimals)
 {
-    _AppendWritten<doubleTextSize>(out, [=](char* text) { return WriteDouble(text, value, decimals); });
+    nxAppendWritten<doubleTextSize>(out, [=](char* text) { return WriteDouble(text, value, decimals); });
 }
 
 std::string nxStringHelper::GetAsString(double value, unsigned int decimals)
 {
     char text[doubleTextSize];
     const char* const end = WriteDouble(text, value, decimals);
+    return std::string(text, static_cast<std::size_t>(end - text));
+}
+
+std::string nxStringHelper::GetAsExactString(double value)
+{
+    char text[nxExactDouble::MaxTextSize];
+    const char* const end = nxExactDouble::Write(text, value);
     return std::string(text, static_cast<std::size_t>(end - text));
 }

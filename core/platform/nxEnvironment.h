@@ -7,15 +7,16 @@
 /// The environment of the running process.
 ///
 /// Threads: the C library shares no lock for the environment, so a reader crashes beside a writer. nxCmdLineArgs calls
-/// Get(), Set() and GetArray() under its mutex. All other code asks nxCmdLineArgs, except for this folder, which is below
+/// Find(), Set() and GetArray() under its mutex. All other code asks nxCmdLineArgs, except for this folder, which is below
 /// it and calls Copy().
 class nxEnvironment
 {
 public:
     nxEnvironment() = delete;
 
-    /// @return a copy of the variable's value; empty when it is not set or there is no memory for the copy.
-    static std::string Get(const std::string& name);
+    /// Copies a variable's value; the copy is empty when there is no memory for it.
+    /// @return whether the variable is set; @p value is otherwise untouched.
+    static bool Find(const std::string& name, std::string& value);
 
     /// Copies a variable's value, NUL included, without allocating, without waiting, and safe beside Set().
     /// @return 0; ENOENT when it is not set, EFBIG when @p value is too small, EBUSY while another thread is in Copy() or

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "core/enum/nxErrorEnum.h"
@@ -29,11 +30,12 @@ class nxValueWrapper;
 /// - Comparison carries an absolute tolerance of 1e-08, so the wrapper makes no key for ordered or hashed containers.
 /// - The two tag constructors are exchanged, and callers rely on it: nxNoChangeInitalizer makes NULL and nxNullInitalizer
 ///   makes NO CHANGE. Prefer GetNullInstance() and GetNoChangeInstance(), which do what their names say.
-/// - Errors: only SetFromString() fails; the wrapper is then null. Dividing by zero gives an infinity or NaN.
+/// - Errors: SetFromString() makes the wrapper null when it fails. The operations with the suffix `Exact` refuse what the
+///   wrapper cannot hold exactly, the marks included, and leave it as it was. Dividing by zero gives an infinity or NaN.
 /// - Threads: like a double. Ownership: an 8-byte value that owns nothing.
 /// @code
 /// nxDoubleValueWrapper tick;                  // null
-/// if (tick.SetFromString("0.25").IsOK())
+/// if (tick.SetFromStringExact("0.25").IsOK())
 ///     tick *= 2;                              // 0.5
 /// @endcode
 class NX_CORE_API nxDoubleValueWrapper
@@ -80,6 +82,26 @@ public:
     /// The number itself, marks included. Through it `+`, `-`, `*` and `/` give plain doubles.
     constexpr operator double() const { return _value; }
 
+    /// @return the number when there is one, else @p fallback.
+    constexpr double GetValueOr(double fallback) const { return IsValid() ? _value : fallback; }
+    /// Takes over the null or the number of an update request; a no-change request changes nothing.
+    constexpr void UpdateFrom(const nxDoubleValueWrapper& request)
+    {
+        if (!request.IsNoChange())
+            _value = request._value;
+    }
+
+    /// Adds a number if the sum needs no rounding: 0.5 and 0.25 can be added, 0.1 and 0.2 cannot, because no double is
+    /// the sum of these two. Use nxDecimal for decimal fractions.
+    /// @return NX_ERR_OBJECT_IS_NULL when one of the two is not valid; NX_ERR_VALUE_OUT_OF_RANGE when the result is no
+    ///         double, or when an operand or the result is infinite, NaN or, the result, a mark; the wrapper is then
+    ///         unchanged.
+    [[nodiscard]] nxErrorEnum AddExact(const nxDoubleValueWrapper& other);
+    /// Subtracts. @copydetails AddExact
+    [[nodiscard]] nxErrorEnum SubtractExact(const nxDoubleValueWrapper& other);
+    /// Multiplies. @copydetails AddExact
+    [[nodiscard]] nxErrorEnum MultiplyExact(const nxDoubleValueWrapper& other);
+
     /// Ignores the state.
     constexpr nxDoubleValueWrapper& operator+=(double value) { return _Assign(_value + value); }
     /// Ignores the state.
@@ -110,6 +132,12 @@ public:
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text);
     /// The same; a null pointer is an empty text.
     [[nodiscard]] nxErrorEnum SetFromString(const char* text);
+    /// Reads a number with '.' as decimal separator; see nxStringHelper::SetFromStringExact().
+    /// @return NX_ERR_INVALID_PARAMETER when the text is not a number; NX_ERR_VALUE_OUT_OF_RANGE when the number is too
+    ///         large, has more digits than a double keeps, or is a mark; the wrapper is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(std::string_view text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(const char* text);
     /// @return the number with up to nine decimals; an empty text for null and no change.
     std::string GetAsString() const;
     /// Appends what GetAsString() returns.
@@ -202,6 +230,8 @@ private:
     {
         return a.IsValid() && (!b.IsValid() || better || a == b);
     }
+
+    nxErrorEnum _Take(double number);
 
     constexpr nxDoubleValueWrapper& _Assign(double value)
     {

@@ -28,6 +28,24 @@ nxErrorEnum nxStringHelper::SetFromString(const std::string& text, nxEnum& value
     return value.SetFromShortDescriptionString(text) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
 }
 
+nxErrorEnum nxStringHelper::SetFromStringExact(std::string_view text, bool& value)
+{
+    const bool isTrue = text == "TRUE";
+    if (!isTrue && text != "FALSE")
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    value = isTrue;
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxStringHelper::SetFromStringExact(std::string_view text, nxEnum& value)
+{
+    const unsigned before = value.GetValue();
+    if (value.SetFromShortDescriptionString(text))
+        return nxErrorEnum();
+    value = before;
+    return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+}
+
 void nxStringHelper::AppendAsString(std::string& out, const char* value)
 {
     if (value != nullptr)

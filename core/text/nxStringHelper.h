@@ -28,23 +28,26 @@ class nxValueWrapper;
 ///
 /// - Static operations only; no instances, no state. No operation consults a locale: letters are the 26 of ASCII,
 ///   other bytes are left alone and belong to no class.
-/// - Errors: only reading fails, and only with NX_ERR_INVALID_PARAMETER; the target is then untouched, except a `bool`,
-///   which is set to false, and an enumeration, which becomes undefined when the text belongs to another class.
-///   Only the allocation of a string can throw; a null `const char*` is read as an empty text.
+/// - Errors: only reading fails. SetFromString() fails only with NX_ERR_INVALID_PARAMETER; the target is then untouched,
+///   except a `bool`, which is set to false, and an enumeration, which becomes undefined when the text belongs to another
+///   class. Only the allocation of a string can throw; a null `const char*` is read as an empty text.
 /// - Reading is strict: no blanks are skipped, a '+' is accepted for decimals and money only, and the whole text must
 ///   be used.
-/// - Reading an integer does NOT check the range: a number too large for the target wraps modulo 2 to the number of
-///   its bits ("70000" into an `unsigned short` gives 4464). A caller that cares reads into a wider type and compares.
+/// - SetFromString() of an integer does NOT check the range: a number too large for the target wraps modulo 2 to the
+///   number of its bits ("70000" into an `unsigned short` gives 4464). Use SetFromStringExact() for text from outside: it
+///   reads every type, reports NX_ERR_VALUE_OUT_OF_RANGE for what the target does not hold, and never changes the target
+///   when it fails.
 /// - Threads: any thread, on strings of its own.
 /// - Doubles, decimals, money, dates and times belong to layers above this class. They are declared here and defined
 ///   there, in core/numeric and core/time.
 /// @code
 /// unsigned volume = 0;
-/// if (nxStringHelper::SetFromString(field, volume).IsOK())
+/// if (nxStringHelper::SetFromStringExact(field, volume).IsOK())
 ///     nxStringHelper::AppendAsString(line, volume);
 /// double price = 0;
 /// const bool read = nxStringHelper::SetFromString("1,5", price, ',').IsOK();  // true, 1.5
 /// nxStringHelper::GetAsString(0.1 + 0.2);                                     // "0.3"
+/// nxStringHelper::GetAsExactString(0.1 + 0.2);                                // "0.30000000000000004"
 /// @endcode
 class NX_CORE_API nxStringHelper
 {
@@ -152,28 +155,82 @@ public:
         return _ReadInteger(text != nullptr ? std::string_view(text) : std::string_view(), value);
     }
 
+    // ---------------------------------------------------------------- text to value, exactly
+
+    /// Reads an integer as SetFromString() does, if the type can hold it. A `char` is a number from -128 to 127.
+    /// @return NX_ERR_INVALID_PARAMETER for a text that is no integer, NX_ERR_VALUE_OUT_OF_RANGE for one beyond the type;
+    ///         @p value is then untouched.
+    template <nxTextInteger Integer>
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, Integer& value)
+    {
+        return nxIntegerText::ReadExact(text, value);
+    }
+    /// Reads exactly "TRUE" or "FALSE".
+    /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, bool& value);
+    /// Reads the form that SetFromString() reads as the nearest double, however many digits there are. It must keep
+    /// the digits: printed with as many significant digits it gives the same number. Up to 15 digits always survive; of
+    /// "9007199254740993" the nearest double is another integer. Every GetAsExactString() of a finite number is read back.
+    /// @param separator neither a digit nor '-'.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text, or a wrong separator; NX_ERR_VALUE_OUT_OF_RANGE for a number
+    ///         that is too large, or so small or long that digits are lost; @p value is then untouched.
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, double& value, char separator);
+    /// Reads a short description (identifier) of @p value's enumeration class.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text; @p value is then untouched.
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, nxEnum& value);
+    /// Reads a type that has an exact reader of its own, such as the wrappers.
+    template <class Value, std::same_as<char>... Separator>
+    requires requires(std::string_view text, Value& value, Separator... separator)
+    {
+        value.SetFromStringExact(text, separator...);
+    }
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, Value& value, Separator... separator)
+    {
+        return value.SetFromStringExact(text, separator...);
+    }
+    /// Reads a type whose SetFromString() loses nothing.
+    template <class Value>
+    requires std::same_as<Value, nxDate> || std::same_as<Value, nxTime> || std::same_as<Value, std::string>
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, Value& value)
+    {
+        return SetFromString(std::string(text), value);
+    }
+    /// Reads any of the types above; a null pointer is an empty text.
+    template <class Value, std::same_as<char>... Separator>
+    requires requires(std::string_view text, Value& value, Separator... separator)
+    {
+        nxStringHelper::SetFromStringExact(text, value, separator...);
+    }
+    [[nodiscard]] static nxErrorEnum SetFromStringExact(const char* text, Value& value, Separator... separator)
+    {
+        return SetFromStringExact(text != nullptr ? std::string_view(text) : std::string_view(), value, separator...);
+    }
+
     // ---------------------------------------------------------------- value to text
 
     /// Appends the character's NUMBER in decimal: 'A' gives "65". A `char` is signed: byte 0xFF gives "-1".
-    static void AppendAsString(std::string& out, char value) { _AppendInteger(out, static_cast<signed char>(value)); }
+    static void AppendAsString(std::string& out, char value)
+    {
+        nxIntegerText::Append(out, static_cast<signed char>(value));
+    }
     /// Appends the character's number in decimal, 0 to 255.
-    static void AppendAsString(std::string& out, unsigned char value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, unsigned char value) { nxIntegerText::Append(out, value); }
     /// Appends the number in plain decimal, with '-' when it is negative.
-    static void AppendAsString(std::string& out, short value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, short value) { nxIntegerText::Append(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, unsigned short value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, unsigned short value) { nxIntegerText::Append(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, int value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, int value) { nxIntegerText::Append(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, unsigned int value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, unsigned int value) { nxIntegerText::Append(out, value); }
     /// Deleted, because the width of `long` depends on the platform: convert to `long long`.
     static void AppendAsString(std::string& out, long value) = delete;
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, unsigned long value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, unsigned long value) { nxIntegerText::Append(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, long long value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, long long value) { nxIntegerText::Append(out, value); }
     /// @copydoc AppendAsString(std::string&, short)
-    static void AppendAsString(std::string& out, unsigned long long value) { _AppendInteger(out, value); }
+    static void AppendAsString(std::string& out, unsigned long long value) { nxIntegerText::Append(out, value); }
     /// Appends "TRUE" or "FALSE".
     static void AppendAsString(std::string& out, bool value) { out.append(value ? "TRUE" : "FALSE"); }
     /// As for a double with nine decimals.
@@ -187,6 +244,9 @@ public:
     /// An exact half is rounded away from zero where the last digit kept is odd or all decimals kept are zero, else
     /// toward zero; without decimals, to the even number (0.5 is "0", 1.5 is "2").
     static void AppendAsString(std::string& out, double value, unsigned int decimals);
+    /// Appends the shortest plain decimal, without an exponent, that SetFromStringExact() reads as @p value: at most 327
+    /// characters. NaN and the infinities have none; they give "nan", "inf" and "-inf", which no operation reads.
+    static void AppendAsExactString(std::string& out, double value) { out.append(GetAsExactString(value)); }
     /// Appends the text; nothing for a null pointer.
     static void AppendAsString(std::string& out, const char* value);
     /// Appends the text.
@@ -215,25 +275,25 @@ public:
                                                                                     Pointer value) = delete;
 
     /// @return the character's NUMBER in decimal: 'A' gives "65", byte 0xFF gives "-1".
-    static std::string GetAsString(char value) { return _GetInteger(static_cast<signed char>(value)); }
+    static std::string GetAsString(char value) { return nxIntegerText::Get(static_cast<signed char>(value)); }
     /// @return the character's number in decimal, 0 to 255.
-    static std::string GetAsString(unsigned char value) { return _GetInteger(value); }
+    static std::string GetAsString(unsigned char value) { return nxIntegerText::Get(value); }
     /// @return the number in plain decimal, with '-' when it is negative.
-    static std::string GetAsString(short value) { return _GetInteger(value); }
+    static std::string GetAsString(short value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(unsigned short value) { return _GetInteger(value); }
+    static std::string GetAsString(unsigned short value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(int value) { return _GetInteger(value); }
+    static std::string GetAsString(int value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(unsigned int value) { return _GetInteger(value); }
+    static std::string GetAsString(unsigned int value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(long value) { return _GetInteger(value); }
+    static std::string GetAsString(long value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(unsigned long value) { return _GetInteger(value); }
+    static std::string GetAsString(unsigned long value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(long long value) { return _GetInteger(value); }
+    static std::string GetAsString(long long value) { return nxIntegerText::Get(value); }
     /// @copydoc GetAsString(short)
-    static std::string GetAsString(unsigned long long value) { return _GetInteger(value); }
+    static std::string GetAsString(unsigned long long value) { return nxIntegerText::Get(value); }
     /// @return "TRUE" or "FALSE".
     static std::string GetAsString(bool value) { return value ? "TRUE" : "FALSE"; }
     /// @return the text that AppendAsString() appends for a double with nine decimals.
@@ -242,6 +302,11 @@ public:
     static std::string GetAsString(double value) { return GetAsString(value, 9); }
     /// @return the text that AppendAsString() appends for a double.
     static std::string GetAsString(double value, unsigned int decimals);
+    /// @return the text that AppendAsExactString() appends.
+    static std::string GetAsExactString(double value);
+    /// Deleted, because a double does not hold every integer. GetAsString() prints integers exactly.
+    template <std::integral Integer>
+    static std::string GetAsExactString(Integer) = delete;
     /// @return a copy; empty for a null pointer.
     static std::string GetAsString(const char* value);
     /// @return a copy.
@@ -315,36 +380,6 @@ private:
     static nxErrorEnum _ReadInteger(std::string_view text, Integer& value)
     {
         return nxIntegerText::Read(text, value) ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    }
-
-    // Appends the text that `write` stores in a buffer of `Room` bytes: directly in the string if it has the room.
-    template <std::size_t Room, class Write>
-    static void _AppendWritten(std::string& out, Write write)
-    {
-        const std::size_t size = out.size();
-        if (out.capacity() - size < Room) [[unlikely]]
-        {
-            char text[Room];
-            out.append(text, static_cast<std::size_t>(write(text) - text));
-            return;
-        }
-        out.resize(size + Room);
-        char* const begin = out.data();
-        out.erase(static_cast<std::size_t>(write(begin + size) - begin));
-    }
-
-    template <class Integer>
-    static void _AppendInteger(std::string& out, Integer value)
-    {
-        _AppendWritten<nxDigits::MaxDigits>(out, [value](char* text) { return nxIntegerText::Write(text, value); });
-    }
-
-    template <class Integer>
-    static std::string _GetInteger(Integer value)
-    {
-        char text[nxDigits::MaxDigits];
-        const char* const end = nxIntegerText::Write(text, value);
-        return std::string(text, static_cast<std::size_t>(end - text));
     }
 };
 

@@ -1,6 +1,7 @@
 #ifndef CORE_TEXT_NXSTRINGVALUE_H
 #define CORE_TEXT_NXSTRINGVALUE_H
 
+#include <compare>
 #include <cstddef>
 #include <iosfwd>
 #include <string>
@@ -44,6 +45,15 @@ public:
     bool IsNoChange() const { return _status == NX_VALUE_STATUS_NO_CHANGE; }  ///< The receiver keeps its text.
     bool IsValid() const { return _status == NX_VALUE_STATUS_VALID; }         ///< There is a text, maybe an empty one.
 
+    /// @return the text when there is one, maybe an empty one, else @p fallback.
+    std::string GetValueOr(const std::string& fallback) const { return IsValid() ? _text : fallback; }
+    /// Takes over the null or the text of an update request; a no-change request changes nothing.
+    void UpdateFrom(const nxStringValue& request)
+    {
+        if (!request.IsNoChange())
+            *this = request;
+    }
+
     /// Takes the text as the value; always succeeds.
     nxErrorEnum SetFromString(const std::string& text);
     /// Takes the text as the value, an empty one for a null pointer; always succeeds.
@@ -65,6 +75,13 @@ public:
     friend bool operator==(const nxStringValue& a, const nxStringValue& b)
     {
         return a._status == b._status && a._text == b._text;
+    }
+    /// Null comes first, no change next, then the texts, byte by byte. Agrees with `==`.
+    friend std::strong_ordering operator<=>(const nxStringValue& a, const nxStringValue& b)
+    {
+        const auto rank = [](const nxStringValue& value) { return value.IsNull() ? 0 : value.IsNoChange() ? 1 : 2; };
+        const std::strong_ordering order = rank(a) <=> rank(b);
+        return order != 0 ? order : a._text.compare(b._text) <=> 0;
     }
 
 private:

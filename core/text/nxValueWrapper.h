@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -41,14 +42,14 @@ inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>
 /// - A compound operator is its plain one with an assignment: `v += x` is `v = v + x`. With an operand as wide as T or
 ///   narrower it wraps; with a wider one a result that T cannot hold makes the wrapper null.
 /// - Unlike those of nxDoubleValueWrapper, the tag constructors do what they say: nxNullInitalizer makes null.
-/// - Errors: only SetFromString() fails; the wrapper is then null.
+/// - Errors: SetFromString() makes the wrapper null when it fails. The operations with the suffix `Exact` refuse what the
+///   wrapper cannot hold, the marks included, and leave it as it was: use them for numbers from outside.
 /// - Threads: like a T. Ownership: a value of T's size that owns nothing.
 /// @code
-/// nxValueWrapper<unsigned int> volume;   // null
-/// if (volume.SetFromString("300").IsOK())
-///     volume += 50;                      // 350
-/// volume.SetNoChange();
-/// volume.GetAsLogString();               // "NO_CHANGE"
+/// nxValueWrapper<unsigned int> volume;                           // null
+/// if (volume.SetFromStringExact("300").IsOK() && volume.AddExact(50).IsOK())
+///     book.SetVolume(volume.GetValueOr(0));                      // 350
+/// volume.UpdateFrom(nxValueWrapper<unsigned>::GetNoChangeInstance());  // still 350
 /// @endcode
 /// @tparam T an integer type except bool. With one of 8 bits everything except SetFromString() compiles.
 /// @tparam NullMark, NoChangeMark the values of T that mean null and no change.
@@ -114,6 +115,39 @@ public:
     /// The number itself, marks included.
     constexpr operator T() const { return _value; }
 
+    /// @return the number when there is one, else @p fallback.
+    constexpr T GetValueOr(T fallback) const { return IsValid() ? _value : fallback; }
+    /// Takes over the null or the number of an update request; a no-change request changes nothing.
+    constexpr void UpdateFrom(const nxValueWrapper& request)
+    {
+        if (!request.IsNoChange())
+            _value = request._value;
+    }
+
+    /// Adds an integer, or a wrapper's number, of any type.
+    /// @return NX_ERR_OBJECT_IS_NULL when one of the two is not valid; NX_ERR_VALUE_OUT_OF_RANGE when the result does not
+    ///         fit T or is a mark; the wrapper is then unchanged.
+    template <class Number>
+    requires _IsOperand<Number>
+    [[nodiscard]] nxErrorEnum AddExact(Number other)
+    {
+        return _Calculate(other, [](T a, auto b, T& sum) { return __builtin_add_overflow(a, b, &sum); });
+    }
+    /// Subtracts. @copydetails AddExact
+    template <class Number>
+    requires _IsOperand<Number>
+    [[nodiscard]] nxErrorEnum SubtractExact(Number other)
+    {
+        return _Calculate(other, [](T a, auto b, T& difference) { return __builtin_sub_overflow(a, b, &difference); });
+    }
+    /// Multiplies. @copydetails AddExact
+    template <class Number>
+    requires _IsOperand<Number>
+    [[nodiscard]] nxErrorEnum MultiplyExact(Number other)
+    {
+        return _Calculate(other, [](T a, auto b, T& product) { return __builtin_mul_overflow(a, b, &product); });
+    }
+
     /// Ignores the state: `v = v + b`.
     template <class Number>
     requires(_IsOperand<Number> || _StandsForNumber<Number>) constexpr nxValueWrapper& operator+=(const Number& b)
@@ -163,6 +197,20 @@ public:
     [[nodiscard]] nxErrorEnum SetFromString(const char* text)
     {
         return SetFromString(nxStringHelper::GetAsString(text));
+    }
+    /// Reads an integer by nxStringHelper's rule.
+    /// @return NX_ERR_INVALID_PARAMETER when the text is not a number; NX_ERR_VALUE_OUT_OF_RANGE for a number that T cannot
+    ///         hold or that is a mark; the wrapper is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(std::string_view text)
+    {
+        T number{};
+        const nxErrorEnum error = nxStringHelper::SetFromStringExact(text, number);
+        return error.IsOK() ? _Take(number) : error;
+    }
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(const char* text)
+    {
+        return SetFromStringExact(text != nullptr ? std::string_view(text) : std::string_view());
     }
     /// @return the number; an empty text for null and no change.
     std::string GetAsString() const { return IsValid() ? nxStringHelper::GetAsString(_value) : std::string(); }
@@ -281,6 +329,27 @@ public:
 private:
     template <class Number>
     using _Wider = std::conditional_t<(sizeof(Number) > sizeof(T)), Number, T>;
+
+    nxErrorEnum _Take(T number)
+    {
+        if (!nxValueWrapper(number).IsValid())
+            return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+        _value = number;
+        return nxErrorEnum();
+    }
+
+    // The operation says whether its result overflows.
+    template <class Number, class Operation>
+    nxErrorEnum _Calculate(const Number& other, Operation overflows)
+    {
+        bool areValid = IsValid();
+        if constexpr (nxIsValueWrapper<Number>)
+            areValid = areValid && other.IsValid();
+        if (!areValid)
+            return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+        T result{};
+        return overflows(_value, +_Plain(other), result) ? nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE) : _Take(result);
+    }
 
     // The integer in an operand.
     template <class Number>

@@ -166,6 +166,47 @@ TEST(nxCmdLineArgs, BooleansKnowFourWords)
     }
 }
 
+// What is read from an option and from a variable with that value: the error, and the target afterwards.
+template <class Value>
+void ExpectExact(const Words& texts, const nxErrorEnum& error, Value after)
+{
+    for (const std::string& text : texts)
+    {
+        SCOPED_TRACE(text);
+        const Args args({"prog", "-k", text}, {"K=" + text});
+        Value value{}, variable{};
+        EXPECT_EQ(args.GetArgValueExact("k", value), error);
+        EXPECT_EQ(args.GetEnvValueExact("K", variable), error);
+        EXPECT_TRUE(value == after && variable == after);
+        EXPECT_EQ(args.GetArgValueExact("K", value), nxErrorEnum(NX_ERR_NOT_FOUND));
+        EXPECT_EQ(args.GetEnvValueExact("k", value), nxErrorEnum(NX_ERR_NOT_FOUND));
+        EXPECT_EQ(value, after);
+    }
+}
+
+TEST(nxCmdLineArgs, ExactValuesSayWhatIsWrong)
+{
+    const nxErrorEnum ok, empty(NX_ERR_OBJECT_IS_NULL), invalid(NX_ERR_INVALID_PARAMETER),
+        tooLarge(NX_ERR_VALUE_OUT_OF_RANGE);
+    ExpectExact({"-7"}, ok, -7);
+    ExpectExact({""}, empty, 0);
+    ExpectExact({"7x", "1.5"}, invalid, 0);
+    ExpectExact({"4294967297", "99999999999999999999"}, tooLarge, 0U);
+    ExpectExact({"4294967295"}, tooLarge, nxValueWrapper<unsigned>());
+    ExpectExact({"1.5"}, ok, 1.5);
+    ExpectExact({"TRUE", "yes"}, ok, true);
+    ExpectExact({"maybe"}, invalid, false);
+    ExpectExact({"20240229"}, ok, nxDate(2024, 2, 29));
+    ExpectExact({"25:61:00"}, invalid, nxTime());
+    ExpectExact({"a text"}, ok, std::string("a text"));
+    const std::string name = "NX_TEST_EXACT_" + std::to_string(::getpid());
+    unsigned lots = 1;
+    EXPECT_EQ(Args().GetEnvValueExact(name, lots), nxErrorEnum(NX_ERR_NOT_FOUND));
+    ASSERT_EQ(::setenv(name.c_str(), "", 1), 0);
+    EXPECT_EQ(Args().GetEnvValueExact(name, lots), empty);
+    ::unsetenv(name.c_str());
+}
+
 TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
 {
     const std::tuple<const char*, const char*, const char*, double> rows[] = {

@@ -1,5 +1,7 @@
 #include "core/enum/nxBitMask.h"
 
+#include <set>
+
 #include "core/nxCore.h"
 #include "tests/support/nxTest.h"
 
@@ -93,6 +95,21 @@ TYPED_TEST(AnyBitMask, SettingBitsKeepsTheOthersOfAValidMaskAndEmptiesAnInvalidO
         for (const TypeParam& mask : {byWord, byMask, orWord, orMask})
             EXPECT_EQ(mask.GetValue(), after) << before;
     }
+}
+
+TYPED_TEST(AnyBitMask, AnUpdateReplacesTheSetUnlessItSaysNoChange)
+{
+    TypeParam stored(3), request;
+    request.SetNoChange();
+    stored.UpdateFrom(request);
+    EXPECT_EQ(stored, 3u);
+    stored.UpdateFrom(TypeParam(4));
+    EXPECT_EQ(stored, 4u);
+    EXPECT_EQ(stored | TypeParam(2), 6u);
+    EXPECT_EQ((std::set<TypeParam>{stored | TypeParam(2), stored, stored}.begin()->GetValue()), 4u);
+    request.SetNull();
+    stored.UpdateFrom(request);
+    EXPECT_TRUE(stored.IsNull());
 }
 
 TYPED_TEST(AnyBitMask, ClearsTestsAndComparesBits)

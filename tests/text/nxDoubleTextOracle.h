@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cfenv>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <system_error>
 
 /// The rules for the texts of doubles, written again one step at a time. nxStringHelper is compared with them.
 struct nxDoubleTextOracle
@@ -34,6 +36,37 @@ struct nxDoubleTextOracle
         if (anyDigit)
             value = negative ? -(mantissa / divisor) : mantissa / divisor;
         return anyDigit;
+    }
+
+    /// The nearest double, if it keeps the digits: printed by the C library with as many, or in the shortest form, it has
+    /// the same ones. Needs a thread that rounds to the nearest.
+    static std::errc ReadExact(std::string text, char separator, double& value)
+    {
+        double unused = 0;
+        if (separator == '-' || (separator >= '0' && separator <= '9') || !Read(text, separator, unused))
+            return std::errc::invalid_argument;
+        std::replace(text.begin(), text.end(), separator, '.');
+        double nearest = 0;
+        const char* const end = text.data() + text.size();
+        const std::errc error = std::from_chars(text.data(), end, nearest, std::chars_format::fixed).ec;
+        const auto significant = [](std::string number)
+        {
+            number.erase(std::min(number.find('e'), number.size()));
+            std::erase_if(number, [](char c) { return c == '-' || c == '.'; });
+            number.erase(0, number.find_first_not_of('0'));
+            return number.erase(number.find_last_not_of('0') + 1);
+        };
+        const std::string digits = significant(text);
+        if (error != std::errc() || digits.size() > 800)
+            return std::errc::result_out_of_range;
+        char asMany[820], shortest[32];
+        std::snprintf(asMany, sizeof asMany, "%.*e", static_cast<int>(std::max<std::size_t>(digits.size(), 1)) - 1,
+                      nearest);
+        *std::to_chars(shortest, shortest + 31, nearest, std::chars_format::scientific).ptr = '\0';
+        if (significant(asMany) != digits && significant(shortest) != digits)
+            return std::errc::result_out_of_range;
+        value = nearest;
+        return {};
     }
 
     /// With the digits made by the C library.

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cfenv>
+#include <charconv>
 #include <cstdio>
 
 #include "core/nxCore.h"
@@ -13,6 +14,7 @@ namespace
 {
 const nxErrorEnum ok;
 const nxErrorEnum invalid(NX_ERR_INVALID_PARAMETER);
+const nxErrorEnum tooLarge(NX_ERR_VALUE_OUT_OF_RANGE);
 
 template <class Integer>
 void CheckReading(const std::vector<std::pair<std::string, Integer>>& rows, const nxErrorEnum& error = ok)
@@ -22,6 +24,34 @@ void CheckReading(const std::vector<std::pair<std::string, Integer>>& rows, cons
         Integer value = 42;
         EXPECT_EQ(nxStringHelper::SetFromString(text, value), error) << "'" << text << "'";
         EXPECT_EQ(value, after) << "'" << text << "'";
+    }
+}
+
+nxErrorEnum ToError(std::errc error)
+{
+    return error == std::errc() ? ok : error == std::errc::invalid_argument ? invalid : tooLarge;
+}
+
+// The exact reader against the standard library's, which knows the limits of each type.
+template <class Integer>
+void CheckExactReading(std::mt19937_64& random)
+{
+    std::vector<std::string> texts = {"", "-", "-0", "+1", " 1", "1 ", "00000000000000000000000000000001"};
+    for (const auto limit : {std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max()})
+        for (const char last : {'0', '5', '6', '7', '8', '9', 'x'})
+            for (const char* const front : {"", "-", "1", "000"})
+                texts.push_back(front + std::to_string(limit)), texts.back().back() = last;
+    for (int i = 0; i < 300; ++i)
+        texts.push_back(std::to_string(random()).substr(0, random() % 21) +
+                        (i % 9 == 0 ? std::to_string(random()) : ""));
+    for (const std::string& text : texts)
+    {
+        Integer expected = 42, value = 42;
+        auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), expected);
+        if (end != text.data() + text.size())
+            error = std::errc::invalid_argument;
+        EXPECT_EQ(nxStringHelper::SetFromStringExact(text, value), ToError(error)) << text;
+        EXPECT_EQ(value, error == std::errc() ? expected : Integer{42}) << text;
     }
 }
 
@@ -104,6 +134,20 @@ TEST(nxStringHelper, ReadsIntegersOfEveryWidthByOneRule)
     CheckStrictness<unsigned long long>();
 }
 
+TEST(nxStringHelper, ReadsIntegersExactlyOrNotAtAll)
+{
+    std::mt19937_64 random(nxRandomTest::GetSeed(4));
+    CheckExactReading<signed char>(random);
+    CheckExactReading<unsigned char>(random);
+    CheckExactReading<short>(random);
+    CheckExactReading<unsigned short>(random);
+    CheckExactReading<int>(random);
+    CheckExactReading<unsigned>(random);
+    CheckExactReading<long>(random);
+    CheckExactReading<long long>(random);
+    CheckExactReading<unsigned long long>(random);
+}
+
 TEST(nxStringHelper, IntegersTooLargeWrap)
 {
     CheckReading<short>({{"32767", 32767}, {"32768", -32768}, {"-32768", -32768}, {"-32769", 32767}});
@@ -163,6 +207,9 @@ TEST(nxStringHelper, ReadsFlagsExactlyAndOtherwiseFalse)
         EXPECT_TRUE(value);
         EXPECT_EQ(nxStringHelper::SetFromString(text, value), invalid) << text;
         EXPECT_FALSE(value) << text;
+        value = true;
+        EXPECT_EQ(nxStringHelper::SetFromStringExact(text, value), invalid) << text;
+        EXPECT_TRUE(value) << text;
     }
     value = true;
     EXPECT_EQ(nxStringHelper::SetFromString("FALSE", value), ok);
@@ -183,6 +230,51 @@ TEST(nxStringHelper, ReadingDoublesAgreesWithTheOracleToTheLastBit)
         ASSERT_TRUE(std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(expected) ||
                     (std::isnan(value) && std::isnan(expected)))
             << text << ": " << value << ", expected " << expected;
+    }
+}
+
+TEST(nxStringHelper, DoublesAreReadExactlyOrNotAtAll)
+{
+    const std::pair<std::string, nxErrorEnum> rows[] = {
+        {"9007199254740992", ok},
+        {"9007199254740993", tooLarge},                                              // 2^53 + 1 is no double
+        {"0.1234567890123456789", tooLarge},                                         // a double has fewer digits
+        {"0.10000000000000001", ok},                                                 // as other programs print 0.1
+        {"0.1000000000000000055511151231257827021181583404541015625000000000", ok},  // all of that double
+        {"0." + std::string(323, '0') + "5", ok},                                    // the smallest one
+        {"0." + std::string(323, '0') + "2", tooLarge},
+        {"1" + std::string(308, '0'), ok},
+        {"1" + std::string(309, '0'), tooLarge},
+        {std::string(5000, '0') + "1." + std::string(5000, '0'), ok},
+        {std::string(5000, '9'), tooLarge},
+        {std::string(5000, '9') + "x", invalid},
+    };
+    for (const auto& [text, error] : rows)
+    {
+        double expected = 42, value = 42;
+        EXPECT_EQ(nxStringHelper::SetFromStringExact(text, value, '.'), error) << text;
+        EXPECT_EQ(ToError(nxDoubleTextOracle::ReadExact(text, '.', expected)), error) << text;
+        EXPECT_EQ(value, expected) << text;
+    }
+    std::mt19937_64 random(nxRandomTest::GetSeed(5));
+    constexpr int directions[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
+    for (auto n = nxRandomTest::GetOperations(100'000); n != 0; --n)
+    {
+        const char separator = random() % 32 == 0 ? static_cast<char>(random() % 256) : '.';
+        const std::string text = RandomNumberText(random, separator);
+        const double number = n % 2 == 0 ? RandomDouble(random) : std::bit_cast<double>(n % 4096 << 52);
+        double expected = 42, value = 42, back = 0;
+        const nxErrorEnum error = ToError(nxDoubleTextOracle::ReadExact(text, separator, expected));
+        std::fesetround(directions[n % std::size(directions)]);
+        const nxErrorEnum result = nxStringHelper::SetFromStringExact(text, value, separator);
+        const std::string printed = nxStringHelper::GetAsExactString(number);
+        const nxErrorEnum isBack = nxStringHelper::SetFromStringExact(printed, back, '.');
+        std::fesetround(FE_TONEAREST);
+        ASSERT_EQ(result, error) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(expected)) << text;
+        ASSERT_EQ(isBack, std::isfinite(number) ? ok : invalid) << printed;
+        ASSERT_TRUE(!isBack.IsOK() || std::bit_cast<std::uint64_t>(back) == std::bit_cast<std::uint64_t>(number))
+            << printed;
     }
 }
 
@@ -235,6 +327,11 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
         {
             EXPECT_EQ(nxStringHelper::SetFromString(text, value, separator...), invalid) << bad;
             EXPECT_EQ(value, before) << bad;
+            if constexpr (requires { nxStringHelper::SetFromStringExact(text, value, separator...); })
+            {
+                EXPECT_EQ(nxStringHelper::SetFromStringExact(text, value, separator...), invalid) << bad;
+                EXPECT_EQ(value, before) << bad;
+            }
         }
         EXPECT_EQ(nxStringHelper::SetFromString(good, value, separator...), ok) << good;
         EXPECT_EQ(value, after) << good;
@@ -244,8 +341,10 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     check(nxDate(2024, 2, 29), "20230229", "20230228", nxDate(2023, 2, 28));
     check(nxTime(1, 2, 3), "24:00:00", "23:59:59", nxTime(23, 59, 59));
     check(nxBoolEnum(NX_BOOL_TRUE), "SURELY_NOT", "FALSE", nxBoolEnum(NX_BOOL_FALSE));
-    // A name of another class: refused, and stored as that class's setter stores it.
+    // A name of another class: refused, and stored as that class's setter stores it, but not by the exact reader.
     nxBoolEnum flag(NX_BOOL_TRUE);
+    EXPECT_EQ(nxStringHelper::SetFromStringExact("CASE_SENSITIVE", flag), invalid);
+    EXPECT_EQ(flag, NX_BOOL_TRUE);
     EXPECT_EQ(nxStringHelper::SetFromString("CASE_SENSITIVE", flag), invalid);
     EXPECT_TRUE(flag.IsUndefined());
 }

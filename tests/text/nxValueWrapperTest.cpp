@@ -1,12 +1,16 @@
 #include "core/text/nxValueWrapper.h"
 
 #include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxStringValue.h"
 #include "tests/support/nxTest.h"
 
 namespace
 {
 using Unsigned = nxValueWrapper<unsigned int>;
 using Signed = nxValueWrapper<int>;
+
+const nxErrorEnum ok, invalid(NX_ERR_INVALID_PARAMETER), outOfRange(NX_ERR_VALUE_OUT_OF_RANGE),
+    isNull(NX_ERR_OBJECT_IS_NULL);
 
 template <class Value>
 void ExpectTexts(const Value& value, const std::string& text, const std::string& logText)
@@ -128,6 +132,13 @@ TEST(nxDoubleValueWrapper, ReadsTextOrBecomesNull)
     EXPECT_EQ(value.SetFromString("abc"), nxErrorEnum(NX_ERR_INVALID_PARAMETER));
     EXPECT_TRUE(value.IsNull());
     EXPECT_FALSE(value.SetFromString(static_cast<const char*>(nullptr)).IsOK());
+    value = 2.5;
+    for (const char* const text : {"4503599627370494", "4503599627370495", "9007199254740993"})
+        EXPECT_EQ(value.SetFromStringExact(text), outOfRange) << text;
+    EXPECT_EQ(value.SetFromStringExact(nullptr), invalid);
+    EXPECT_EQ(value.GetAsString(), "2.5");
+    EXPECT_EQ(value.SetFromStringExact("3.5"), ok);
+    EXPECT_EQ(value.GetAsString(), "3.5");
     EXPECT_EQ(value.SetFromString("4503599627370494"), nxErrorEnum());
     EXPECT_TRUE(value.IsNoChange());
 }
@@ -149,22 +160,114 @@ TEST(nxValueWrapper, KeepsItsStatesStraight)
 
 TEST(nxValueWrapper, PrintsAndReads)
 {
-    const std::tuple<const char*, bool, const char*, const char*> rows[] = {
-        {"300", true, "300", "300"},
-        {"4294967293", true, "4294967293", "4294967293"},
-        {"4294967294", true, "", "NO_CHANGE"},
-        {"4294967295", true, "", "NULL"},
-        {"4294967297", true, "1", "1"},
-        {"-1", false, "", "NULL"},
-        {"", false, "", "NULL"}};
-    for (const auto& [read, accepted, text, logText] : rows)
+    const std::tuple<const char*, bool, const char*, const char*, nxErrorEnum> rows[] = {
+        // text, accepted, text and log text then, the error of the exact reader
+        {"300", true, "300", "300", ok},
+        {"4294967293", true, "4294967293", "4294967293", ok},
+        {"4294967294", true, "", "NO_CHANGE", outOfRange},
+        {"4294967295", true, "", "NULL", outOfRange},
+        {"4294967297", true, "1", "1", outOfRange},
+        {"-1", false, "", "NULL", invalid},
+        {nullptr, false, "", "NULL", invalid}};
+    for (const auto& [read, accepted, text, logText, error] : rows)
     {
-        SCOPED_TRACE(read);
-        Unsigned value(7);
+        SCOPED_TRACE(text);
+        Unsigned value(7), exact(7);
+        EXPECT_EQ(exact.SetFromStringExact(read), error);
+        EXPECT_EQ(exact.GetAsString(), error.IsOK() ? text : "7");
         EXPECT_EQ(value.SetFromString(read).IsOK(), accepted);
         ExpectTexts(value, text, logText);
     }
     ExpectTexts(Signed(INT_MIN), "-2147483648", "-2147483648");
+}
+
+// Against 128 bits, with operands of three types and the limits of one.
+TEST(nxValueWrapper, CalculatesExactlyOrNotAtAll)
+{
+    __extension__ using Wide = __int128;
+    const auto check = [](Signed before, auto other, const nxErrorEnum& error, Signed after, Wide result)
+    {
+        const bool fits = result >= INT_MIN && result < Signed::NoChangeValue;
+        EXPECT_EQ(error, fits ? ok : outOfRange) << before << ' ' << +other;
+        EXPECT_EQ(after, fits ? Signed(static_cast<int>(result)) : before) << before << ' ' << +other;
+    };
+    const auto checkAll = [&check](Signed number, auto other)
+    {
+        Signed sum = number, difference = number, product = number;
+        const nxErrorEnum errors[] = {sum.AddExact(other), difference.SubtractExact(other),
+                                      product.MultiplyExact(other)};
+        check(number, other, errors[0], sum, Wide{int{number}} + other);
+        check(number, other, errors[1], difference, Wide{int{number}} - other);
+        check(number, other, errors[2], product, Wide{int{number}} * other);
+    };
+    const int edges[] = {INT_MIN, INT_MIN + 1, -46341, -1, 0, 1, 46341, 1073741823, INT_MAX - 3, INT_MAX - 2};
+    for (const int a : edges)
+        for (const int b : edges)
+        {
+            checkAll(a, b);
+            checkAll(a, 4'294'967'296LL * b);
+            checkAll(a, static_cast<unsigned>(b));
+        }
+    Signed null, value(5);
+    EXPECT_EQ(null.AddExact(1), isNull);
+    EXPECT_EQ(value.MultiplyExact(nxValueWrapper<long long>::GetNoChangeInstance()), isNull);
+    EXPECT_EQ(value.SubtractExact(nxValueWrapper<long long>(7)), ok);
+    EXPECT_TRUE(null.IsNull() && value == -2);
+}
+
+TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
+{
+    using Value = nxDoubleValueWrapper;
+    constexpr double tiny = 4.9406564584124654e-324, huge = 1.7976931348623157e308, none = HUGE_VAL;
+    // The sum, the difference and the product; infinite: refused.
+    const std::tuple<double, double, double, double, double> rows[] = {
+        {0.5, 0.25, 0.75, 0.25, 0.125},
+        {0.1, 0.2, none, -0.1, none},
+        {9007199254740992, 1, none, 9007199254740991, 9007199254740992},
+        {4503599627370494.5, 0.5, none, none, none},  // the marks
+        {huge, huge, none, 0, none},
+        {huge, 0.5, none, none, huge / 2},
+        {tiny, 1, none, none, tiny},
+        {tiny, 0.5, none, none, none},
+        {tiny, -tiny, 0, 2 * tiny, none},
+        {none, 1, none, none, none},
+        {std::nan(""), 1, none, none, none}};
+    for (const auto& [a, b, sum, difference, product] : rows)
+    {
+        Value values[] = {a, a, a};
+        const nxErrorEnum errors[] = {values[0].AddExact(b), values[1].SubtractExact(b), values[2].MultiplyExact(b)};
+        const double expected[] = {sum, difference, product};
+        for (int i = 0; i < 3; ++i)
+        {
+            SCOPED_TRACE(testing::Message() << a << ' ' << b << ' ' << i);
+            EXPECT_EQ(errors[i], expected[i] == none ? outOfRange : ok);
+            EXPECT_TRUE(std::isnan(a) || static_cast<double>(values[i]) == (errors[i].IsOK() ? expected[i] : a));
+        }
+    }
+    Value value(1), null;
+    EXPECT_EQ(value.AddExact(null), isNull);
+    EXPECT_EQ(null.MultiplyExact(1), isNull);
+}
+
+TEST(nxValueWrapper, TakesOverAllButNoChange)
+{
+    const auto check = [](auto stored, const auto& other)
+    {
+        using Value = decltype(stored);
+        stored.UpdateFrom(Value::GetNoChangeInstance());
+        EXPECT_TRUE(stored.IsValid());
+        EXPECT_EQ(stored.GetValueOr(other), stored);
+        stored.UpdateFrom(Value::GetNullInstance());
+        EXPECT_TRUE(stored.IsNull());
+        EXPECT_EQ(stored.GetValueOr(other), other);
+        stored.UpdateFrom(other);
+        EXPECT_EQ(stored, other);
+    };
+    check(Unsigned(7), 8U);
+    check(nxDoubleValueWrapper(7), 8.0);
+    check(nxStringValue("old"), std::string("new"));
+    const nxStringValue null, noChange = nxStringValue::GetNoChangeInstance();
+    EXPECT_TRUE(null < noChange && noChange < "" && nxStringValue("a") < nxStringValue("b") && null <= null);
 }
 
 TEST(nxValueWrapper, CalculatesInItsTypeAndWraps)

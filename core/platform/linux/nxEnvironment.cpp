@@ -21,15 +21,20 @@ bool Take() { return !isTaken.exchange(true, std::memory_order_acquire); }
 void GiveBack() { isTaken.store(false, std::memory_order_release); }
 }  // namespace
 
-std::string nxEnvironment::Get(const std::string& name)
-try
+bool nxEnvironment::Find(const std::string& name, std::string& value)
 {
-    const char* const value = std::getenv(name.c_str());
-    return value == nullptr ? std::string() : std::string(value);
-}
-catch (const std::exception&)
-{
-    return {};
+    const char* const found = std::getenv(name.c_str());
+    if (found == nullptr)
+        return false;
+    try
+    {
+        value = found;
+    }
+    catch (const std::exception&)
+    {
+        value.clear();
+    }
+    return true;
 }
 
 char** nxEnvironment::GetArray() { return environ; }

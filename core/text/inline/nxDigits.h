@@ -140,6 +140,19 @@ public:
         return size < 16 ? _ParseRest(begin, size, 0, value) : _ParseLong(begin, size, value);
     }
 
+    /// Whether the number that a text of digits spells is below 2^64.
+    /// @param begin the text, which Parse() has accepted; leading zeros do not count.
+    static bool FitsIn64Bits(const char* begin, const char* end)
+    {
+        while (begin != end && *begin == '0')
+            ++begin;
+        constexpr std::size_t digits = 20;
+        constexpr char largest[] = "18446744073709551615";
+        static_assert(sizeof largest == digits + 1);
+        const auto size = static_cast<std::size_t>(end - begin);
+        return size < digits || (size == digits && std::memcmp(begin, largest, digits) <= 0);
+    }
+
 private:
     static constexpr std::uint64_t _InMemoryOrder(std::uint64_t word)
     {
