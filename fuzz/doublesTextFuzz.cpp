@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <system_error>
 
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxStringHelper.h"
@@ -29,6 +30,23 @@ void CheckReading(const std::string& text, char separator)
             nxDoubleTextOracle::Read(text, separator, expected));
     Require(std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(expected) ||
             (std::isnan(value) && std::isnan(expected)));
+
+    double exact = 42;
+    double nearest = 42;
+    const std::errc error = nxDoubleTextOracle::ReadExact(text, separator, nearest);
+    Require(nxStringHelper::SetFromStringExact(text, exact, separator) ==
+            (error == std::errc()                   ? nxErrorEnum()
+             : error == std::errc::invalid_argument ? nxErrorEnum(NX_ERR_INVALID_PARAMETER)
+                                                    : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE)));
+    Require(std::bit_cast<std::uint64_t>(exact) == std::bit_cast<std::uint64_t>(nearest));
+}
+
+void CheckRoundTrip(double value)
+{
+    const std::string text = nxStringHelper::GetAsExactString(value);
+    double back = 42;
+    Require(nxStringHelper::SetFromStringExact(text, back, '.').IsOK() == std::isfinite(value));
+    Require(!std::isfinite(value) || std::bit_cast<std::uint64_t>(back) == std::bit_cast<std::uint64_t>(value));
 }
 
 void CheckPrinting(double value, unsigned decimals)
@@ -63,6 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     double value = 0;
     std::memcpy(&value, text.data(), text.size() < sizeof value ? text.size() : sizeof value);
     CheckPrinting(value, data[0] % 12);
+    CheckRoundTrip(value);
     if (nxStringHelper::SetFromString(text, value, '.').IsOK())
         CheckPrinting(value, data[0] % 12);
     return 0;

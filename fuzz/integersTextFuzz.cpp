@@ -1,10 +1,12 @@
 // Reading integers of every width against the rule one digit at a time, and what is printed read back.
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 
 #include "core/text/nxStringHelper.h"
@@ -36,9 +38,30 @@ bool ReadPlainly(std::string_view text, Integer& value)
     return true;
 }
 
+// Against the standard library's reader, which knows the limits of each type.
+template <class Integer>
+void CheckExact(const std::string& text)
+{
+    Integer expected = 42;
+    Integer value = 42;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), expected);
+    const bool isNumber = end == text.data() + text.size() && error != std::errc::invalid_argument;
+    const nxErrorEnum right = !isNumber              ? nxErrorEnum(NX_ERR_INVALID_PARAMETER)
+                              : error == std::errc() ? nxErrorEnum()
+                                                     : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    Require(nxStringHelper::SetFromStringExact(text, value) == right);
+    Require(value == (right.IsOK() ? expected : Integer{42}));
+
+    nxValueWrapper<Integer> wrapper(Integer{42});
+    const bool isMark = right.IsOK() && !nxValueWrapper<Integer>(expected).IsValid();
+    Require(wrapper.SetFromStringExact(text) == (isMark ? nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE) : right));
+    Require(wrapper == (isMark ? Integer{42} : value));
+}
+
 template <class Integer>
 void Check(const std::string& text)
 {
+    CheckExact<Integer>(text);
     Integer expected = 42;
     Integer value = 42;
     const bool readable = ReadPlainly(text, expected);
@@ -65,6 +88,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(nxStringHelper::SetFromStringView(view, value).IsOK() == readable && value == expected);
 
     const std::string text(view);
+    CheckExact<signed char>(text);
+    CheckExact<unsigned char>(text);
     Check<short>(text);
     Check<unsigned short>(text);
     Check<int>(text);

@@ -39,7 +39,7 @@ CLASSES = {
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
         ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/numeric/nxStringHelperDouble.cpp",
-         "core/text/inline/nxDigits.h",
+         "core/text/inline/nxDigits.h", "core/text/inline/nxIntegerText.h", "core/numeric/internal/nxExactDouble.cpp",
          "core/numeric/internal/nxPriceText.h"],
         ["tests/text/nxStringHelperTest.cpp", "tests/numeric/nxDecimalTest.cpp",
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),

@@ -224,7 +224,7 @@ TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
         {0.5, 0.25, 0.75, 0.25, 0.125},
         {0.1, 0.2, none, -0.1, none},
         {9007199254740992, 1, none, 9007199254740991, 9007199254740992},
-        {4503599627370494.5, 0.5, none, none, none},  // the marks
+        {4503599627370494.5, 0.5, none, none, 2251799813685247.25},  // the marks
         {huge, huge, none, 0, none},
         {huge, 0.5, none, none, huge / 2},
         {tiny, 1, none, none, tiny},
