@@ -16,6 +16,10 @@
 #if defined(NX_BENCHMARK_HAS_ABSL)
     #include <absl/strings/numbers.h>
 #endif
+#if __has_include(<fast_float/fast_float.h>)
+    #include <fast_float/fast_float.h>
+    #define NX_BENCHMARK_HAS_FAST_FLOAT
+#endif
 
 #include "core/text/nxStringHelper.h"
 
@@ -138,6 +142,15 @@ Value ReadOurs(const std::string& text, Separator... separator)
     return value;
 }
 
+template <class Value, class... Separator>
+Value ReadExact(const std::string& text, Separator... separator)
+{
+    Value value = 0;
+    if (!nxStringHelper::SetFromStringExact(text, value, separator...).IsOK())
+        std::abort();
+    return value;
+}
+
 template <class Value>
 Value ReadFromChars(const std::string& text)
 {
@@ -207,6 +220,10 @@ void RegisterIntegers(const std::string& suffix, const Ring<long long>& numbers)
     const std::string parse = "int64_parse" + suffix;
     AddReading(parse, "ours", texts, ReadOurs<long long>);
     AddReading(parse, "peer_from_chars", texts, ReadFromChars<long long>);
+    const std::string exact = "int64_parse_exact" + suffix;
+    AddReading(exact, "ours", texts, ReadExact<long long>);
+    AddReading(exact, "limit_unchecked", texts, ReadOurs<long long>);
+    AddReading(exact, "peer_from_chars", texts, ReadFromChars<long long>);
     AddReading(parse, "peer_strtoll", texts, [](auto& text) { return std::strtoll(text.c_str(), nullptr, 10); });
 
     // Into a buffer of the caller's, onto the end of a string, and as a string of its own.
@@ -258,6 +275,19 @@ void RegisterDoubles()
     const Ring<double>& numbers = Prices();
     AddReading("double_parse", "ours", texts, [](auto& text) { return ReadOurs<double>(text, '.'); });
     AddReading("double_parse", "peer_from_chars", texts, ReadFromChars<double>);
+    AddReading("double_parse_exact", "ours", texts, [](auto& text) { return ReadExact<double>(text, '.'); });
+    AddReading("double_parse_exact", "limit_unchecked", texts, [](auto& text) { return ReadOurs<double>(text, '.'); });
+    AddReading("double_parse_exact", "peer_from_chars", texts, ReadFromChars<double>);
+#if defined(NX_BENCHMARK_HAS_FAST_FLOAT)
+    AddReading("double_parse_exact", "peer_fast_float", texts,
+               [](auto& text)
+               {
+                   double value = 0;
+                   if (fast_float::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc())
+                       std::abort();
+                   return value;
+               });
+#endif
     AddReading("double_parse", "peer_strtod", texts, [](auto& text) { return std::strtod(text.c_str(), nullptr); });
 
     // All of them onto the end of a string.
