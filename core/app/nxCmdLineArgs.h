@@ -66,8 +66,7 @@ public:
 
     /// Reads the option's value into any type that nxStringHelper::SetFromStringExact() reads: integers, doubles and
     /// decimals (with "." as decimal separator), wrappers, dates, times, enumerations, texts. A `bool` is one of the words
-    /// TRUE, YES, FALSE and NO in any case.
-    /// @param name without its dash.
+    /// TRUE, YES, FALSE and NO in any case. The name is without its dash.
     /// @return NX_ERR_NOT_FOUND when the option was not given, NX_ERR_OBJECT_IS_NULL when it was given without a value,
     ///         NX_ERR_INVALID_PARAMETER when the value is no text of that type, NX_ERR_VALUE_OUT_OF_RANGE when the type
     ///         cannot hold it; @p value is then untouched.

@@ -83,6 +83,20 @@ bool ReadDigitByDigit(const char* at, const char* end, char separator, double& m
     return true;
 }
 
+// Reads a text that does not look like a price, or any text on a thread that rounds in another direction.
+[[gnu::noinline]] nxErrorEnum ReadAnyExactDouble(std::string_view text, char separator, double& magnitude)
+{
+    if (IsDigit(separator) || separator == '-')
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    const nxNearestRounding rounding;
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    if (text.size() > exactDigits || !ReadExactly(begin, end, separator, magnitude))
+        return nxExactDouble::Read(begin, end, separator, magnitude);
+    magnitude = nxDoubleHelper::Rounded(magnitude);
+    return nxErrorEnum();
+}
+
 // A magnitude rounded to a number of decimals. Both parts are smaller than 2^32.
 struct RoundedDouble
 {
@@ -167,25 +181,16 @@ bool nxStringHelper::_ReadDouble(const std::string& text, double& value, char se
 
 nxErrorEnum nxStringHelper::SetFromStringExact(std::string_view text, double& value, char separator)
 {
-    if (IsDigit(separator) || separator == '-')
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    const nxNearestRounding rounding;
     const bool negative = !text.empty() && text.front() == '-';
     text.remove_prefix(negative ? 1 : 0);
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
     std::uint64_t mantissa;
     std::size_t decimals;
-    double magnitude = 0;
-    if (nxPriceText::Parse(begin, text.size(), separator, mantissa, decimals)) [[likely]]
+    double magnitude;
+    if (separator != '-' && nxPriceText::Parse(text.data(), text.size(), separator, mantissa, decimals) &&
+        nxDoubleHelper::RoundsToNearest()) [[likely]]
         magnitude = Divide(mantissa, decimals);
-    else if (text.size() > exactDigits || !ReadExactly(begin, end, separator, magnitude))
-    {
-        const nxErrorEnum error = nxExactDouble::Read(begin, end, separator, magnitude);
-        if (!error.IsOK())
-            return error;
-    }
-    magnitude = nxDoubleHelper::Rounded(magnitude);
+    else if (const nxErrorEnum error = ReadAnyExactDouble(text, separator, magnitude); !error.IsOK())
+        return error;
     value = negative ? -magnitude : magnitude;
     return nxErrorEnum();
 }

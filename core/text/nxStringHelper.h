@@ -171,7 +171,7 @@ public:
     /// Reads the form that SetFromString() reads as the nearest double, however many digits there are. It must keep
     /// the digits: printed with as many significant digits it gives the same number. Up to 15 digits always survive; of
     /// "9007199254740993" the nearest double is another integer. Every GetAsExactString() of a finite number is read back.
-    /// @param separator neither a digit nor '-'.
+    /// The separator is neither a digit nor '-'.
     /// @return NX_ERR_INVALID_PARAMETER for any other text, or a wrong separator; NX_ERR_VALUE_OUT_OF_RANGE for a number
     ///         that is too large, or so small or long that digits are lost; @p value is then untouched.
     [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, double& value, char separator);

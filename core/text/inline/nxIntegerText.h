@@ -67,10 +67,7 @@ public:
         std::uint64_t magnitude = 0;
         if (!nxDigits::Parse(digits, end, magnitude)) [[unlikely]]
             return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-        // Any number of 19 digits fits 64 bits.
-        constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<Number>::max());
-        if (magnitude > largest + (negative ? 1 : 0) || (end - digits > 19 && !nxDigits::FitsIn64Bits(digits, end)))
-            [[unlikely]]
+        if (end - digits > std::numeric_limits<Number>::digits10 && !_Holds<Number>(digits, end, magnitude, negative))
             return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
         value = static_cast<Integer>(negative ? 0 - magnitude : magnitude);
         return nxErrorEnum();
@@ -102,6 +99,15 @@ public:
         char text[nxDigits::MaxDigits];
         const char* const end = Write(text, value);
         return std::string(text, static_cast<std::size_t>(end - text));
+    }
+
+private:
+    // Whether the type holds the number that some digits spell; `magnitude` is that number modulo 2^64.
+    template <class Number>
+    static bool _Holds(const char* digits, const char* end, std::uint64_t magnitude, bool negative)
+    {
+        constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<Number>::max());
+        return magnitude <= largest + (negative ? 1 : 0) && nxDigits::FitsIn64Bits(digits, end);
     }
 };
 
