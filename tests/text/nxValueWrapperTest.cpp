@@ -137,8 +137,6 @@ TEST(nxDoubleValueWrapper, ReadsTextOrBecomesNull)
         EXPECT_EQ(value.SetFromStringExact(text), outOfRange) << text;
     EXPECT_EQ(value.SetFromStringExact(nullptr), invalid);
     EXPECT_EQ(value.GetAsString(), "2.5");
-    EXPECT_EQ(value.SetFromStringExact("3.5"), ok);
-    EXPECT_EQ(value.GetAsString(), "3.5");
     EXPECT_EQ(value.SetFromString("4503599627370494"), nxErrorEnum());
     EXPECT_TRUE(value.IsNoChange());
 }
@@ -184,35 +182,31 @@ TEST(nxValueWrapper, PrintsAndReads)
 // Against 128 bits, with operands of three types and the limits of one.
 TEST(nxValueWrapper, CalculatesExactlyOrNotAtAll)
 {
-    __extension__ using Wide = __int128;
-    const auto check = [](Signed before, auto other, const nxErrorEnum& error, Signed after, Wide result)
+    const auto check = [](int a, auto b)
     {
-        const bool fits = result >= INT_MIN && result < Signed::NoChangeValue;
-        EXPECT_EQ(error, fits ? ok : outOfRange) << before << ' ' << +other;
-        EXPECT_EQ(after, fits ? Signed(static_cast<int>(result)) : before) << before << ' ' << +other;
-    };
-    const auto checkAll = [&check](Signed number, auto other)
-    {
-        Signed sum = number, difference = number, product = number;
-        const nxErrorEnum errors[] = {sum.AddExact(other), difference.SubtractExact(other),
-                                      product.MultiplyExact(other)};
-        check(number, other, errors[0], sum, Wide{int{number}} + other);
-        check(number, other, errors[1], difference, Wide{int{number}} - other);
-        check(number, other, errors[2], product, Wide{int{number}} * other);
+        __extension__ using Wide = __int128;
+        const Wide results[] = {Wide{a} + b, Wide{a} - b, Wide{a} * b};
+        Signed values[] = {a, a, a};
+        const nxErrorEnum errors[] = {values[0].AddExact(b), values[1].SubtractExact(b), values[2].MultiplyExact(b)};
+        for (int i = 0; i < 3; ++i)
+        {
+            const bool fits = INT_MIN <= results[i] && results[i] < Signed::NoChangeValue;
+            EXPECT_EQ(errors[i], fits ? ok : outOfRange) << a << ' ' << b << ' ' << i;
+            EXPECT_EQ(values[i], fits ? static_cast<int>(results[i]) : a) << a << ' ' << b << ' ' << i;
+        }
     };
     const int edges[] = {INT_MIN, INT_MIN + 1, -46341, -1, 0, 1, 46341, 1073741823, INT_MAX - 3, INT_MAX - 2};
     for (const int a : edges)
         for (const int b : edges)
         {
-            checkAll(a, b);
-            checkAll(a, 4'294'967'296LL * b);
-            checkAll(a, static_cast<unsigned>(b));
+            check(a, b);
+            check(a, 4'294'967'296LL * b);
+            check(a, static_cast<unsigned>(b));
         }
     Signed null, value(5);
     EXPECT_EQ(null.AddExact(1), isNull);
     EXPECT_EQ(value.MultiplyExact(nxValueWrapper<long long>::GetNoChangeInstance()), isNull);
-    EXPECT_EQ(value.SubtractExact(nxValueWrapper<long long>(7)), ok);
-    EXPECT_TRUE(null.IsNull() && value == -2);
+    EXPECT_TRUE(null.IsNull() && value == 5);
 }
 
 TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
@@ -221,17 +215,14 @@ TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
     constexpr double tiny = 4.9406564584124654e-324, huge = 1.7976931348623157e308, none = HUGE_VAL;
     // The sum, the difference and the product; infinite: refused.
     const std::tuple<double, double, double, double, double> rows[] = {
-        {0.5, 0.25, 0.75, 0.25, 0.125},
         {0.1, 0.2, none, -0.1, none},
         {9007199254740992, 1, none, 9007199254740991, 9007199254740992},
         {4503599627370494.5, 0.5, none, none, 2251799813685247.25},  // the marks
-        {huge, huge, none, 0, none},
         {huge, 0.5, none, none, huge / 2},
-        {tiny, 1, none, none, tiny},
+        {huge, huge, none, 0, none},
         {tiny, 0.5, none, none, none},
         {tiny, -tiny, 0, 2 * tiny, none},
-        {none, 1, none, none, none},
-        {std::nan(""), 1, none, none, none}};
+        {none, 1, none, none, none}};
     for (const auto& [a, b, sum, difference, product] : rows)
     {
         Value values[] = {a, a, a};
@@ -239,14 +230,13 @@ TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
         const double expected[] = {sum, difference, product};
         for (int i = 0; i < 3; ++i)
         {
-            SCOPED_TRACE(testing::Message() << a << ' ' << b << ' ' << i);
-            EXPECT_EQ(errors[i], expected[i] == none ? outOfRange : ok);
-            EXPECT_TRUE(std::isnan(a) || static_cast<double>(values[i]) == (errors[i].IsOK() ? expected[i] : a));
+            EXPECT_EQ(errors[i], expected[i] == none ? outOfRange : ok) << a << ' ' << b << ' ' << i;
+            EXPECT_EQ(static_cast<double>(values[i]), expected[i] == none ? a : expected[i])
+                << a << ' ' << b << ' ' << i;
         }
     }
-    Value value(1), null;
-    EXPECT_EQ(value.AddExact(null), isNull);
-    EXPECT_EQ(null.MultiplyExact(1), isNull);
+    Value value(1);
+    EXPECT_EQ(value.AddExact(Value()), isNull);
 }
 
 TEST(nxValueWrapper, TakesOverAllButNoChange)
