@@ -90,6 +90,13 @@ const Operation operations[] = {
          if (!nxStringHelper::SetFromString(integerText, integer).IsOK())
              std::abort();
      }},
+    {"int_parse_exact",
+     []
+     {
+         Keep(integerText);
+         if (!nxStringHelper::SetFromStringExact(integerText, integer).IsOK())
+             std::abort();
+     }},
     {"int_print",
      []
      {
@@ -101,6 +108,13 @@ const Operation operations[] = {
      {
          Keep(decimalText);
          if (!nxStringHelper::SetFromString(decimalText, number, '.').IsOK())
+             std::abort();
+     }},
+    {"double_parse_exact",
+     []
+     {
+         Keep(decimalText);
+         if (!nxStringHelper::SetFromStringExact(decimalText, number, '.').IsOK())
              std::abort();
      }},
     {"double_print",
