@@ -131,6 +131,12 @@ TEST(nxCmdLineArgs, WhatWasReadStaysAndTheLiveEnvironmentAnswersUntilThen)
     const Args live;
     EXPECT_NE(live.GetEnvValue("PATH"), "");
     EXPECT_EQ(live.GetEnvValue(std::string("PATH") + '\0' + "X"), "");
+    std::string path;
+    EXPECT_TRUE(live.GetEnvValueExact("PATH", path).IsOK() && path == live.GetEnvValue("PATH"));
+    EXPECT_EQ(live.GetEnvValueExact(name, path), nxErrorEnum(NX_ERR_NOT_FOUND));
+    ASSERT_EQ(::setenv(name.c_str(), "", 1), 0);
+    EXPECT_EQ(live.GetEnvValueExact(name, path), nxErrorEnum(NX_ERR_OBJECT_IS_NULL));
+    ::unsetenv(name.c_str());
     EXPECT_EQ(empty.GetEnvValue("PATH"), "") << "an empty environment was read; the live one is not asked";
 }
 
@@ -163,57 +169,24 @@ TEST(nxCmdLineArgs, BooleansKnowFourWords)
              {args.GetEnvValueAsBool("K", true), args.GetEnvValueAsBool("K", false), args.GetEnvValueAsBool("K")})
             found += is ? '1' : '0';
         EXPECT_EQ(found, expected) << text;
+        bool value = found == "000";
+        EXPECT_EQ(args.GetEnvValueExact("K", value).IsOK(), found != "100") << text;
+        EXPECT_EQ(value, found == "111") << text;
     }
-}
-
-// What is read from an option and from a variable with that value: the error, and the target afterwards.
-template <class Value>
-void ExpectExact(const Words& texts, const nxErrorEnum& error, Value after)
-{
-    for (const std::string& text : texts)
-    {
-        SCOPED_TRACE(text);
-        const Args args({"prog", "-k", text}, {"K=" + text});
-        Value value{}, variable{};
-        EXPECT_EQ(args.GetArgValueExact("k", value), error);
-        EXPECT_EQ(args.GetEnvValueExact("K", variable), error);
-        EXPECT_TRUE(value == after && variable == after);
-        EXPECT_EQ(args.GetArgValueExact("K", value), nxErrorEnum(NX_ERR_NOT_FOUND));
-        EXPECT_EQ(args.GetEnvValueExact("k", value), nxErrorEnum(NX_ERR_NOT_FOUND));
-        EXPECT_EQ(value, after);
-    }
-}
-
-TEST(nxCmdLineArgs, ExactValuesSayWhatIsWrong)
-{
-    const nxErrorEnum ok, empty(NX_ERR_OBJECT_IS_NULL), invalid(NX_ERR_INVALID_PARAMETER),
-        tooLarge(NX_ERR_VALUE_OUT_OF_RANGE);
-    ExpectExact({"-7"}, ok, -7);
-    ExpectExact({""}, empty, 0);
-    ExpectExact({"7x", "1.5"}, invalid, 0);
-    ExpectExact({"4294967295", "4294967297"}, tooLarge, nxValueWrapper<unsigned>());
-    ExpectExact({"1.5"}, ok, 1.5);
-    ExpectExact({"TRUE", "yes"}, ok, true);
-    ExpectExact({"maybe"}, invalid, false);
-    ExpectExact({"a text"}, ok, std::string("a text"));
-    const std::string name = "NX_TEST_EXACT_" + std::to_string(::getpid());
-    unsigned lots = 1;
-    EXPECT_EQ(Args().GetEnvValueExact(name, lots), nxErrorEnum(NX_ERR_NOT_FOUND));
-    ASSERT_EQ(::setenv(name.c_str(), "", 1), 0);
-    EXPECT_EQ(Args().GetEnvValueExact(name, lots), empty);
-    ::unsetenv(name.c_str());
 }
 
 TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
 {
-    const std::tuple<const char*, const char*, const char*, double> rows[] = {
-        {"12", "12", "12", 12},
-        {"1.50", "1.50", "NULL", 1.5},
-        {"12x", "NULL", "NULL", nxDoubleValueWrapper::NullValue},
-        {"", "NULL", "NULL", nxDoubleValueWrapper::NullValue},
-        {"4294967297", "4294967297", "1", 4294967297.0},  // whole numbers are read modulo their range
+    const nxErrorEnum ok, empty(NX_ERR_OBJECT_IS_NULL), missing(NX_ERR_NOT_FOUND);
+    const std::tuple<const char*, const char*, const char*, double, nxErrorEnum> rows[] = {
+        {"12", "12", "12", 12, ok},
+        {"1.50", "1.50", "NULL", 1.5, nxErrorEnum(NX_ERR_INVALID_PARAMETER)},
+        {"12x", "NULL", "NULL", nxDoubleValueWrapper::NullValue, nxErrorEnum(NX_ERR_INVALID_PARAMETER)},
+        {"", "NULL", "NULL", nxDoubleValueWrapper::NullValue, empty},
+        // Whole numbers are read modulo their range, but not by the exact readers.
+        {"4294967297", "4294967297", "1", 4294967297.0, nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE)},
     };
-    for (const auto& [text, decimal, volume, doubleValue] : rows)
+    for (const auto& [text, decimal, volume, doubleValue, error] : rows)
     {
         SCOPED_TRACE(text);
         const Args args({"prog", "-k", text}, {std::string("K=") + text});
@@ -223,6 +196,11 @@ TEST(nxCmdLineArgs, NumbersAreNullUnlessTheTextIsOne)
         EXPECT_EQ(args.GetArgValueAsVolume("k").GetAsLogString(), volume);
         EXPECT_EQ(static_cast<double>(args.GetEnvValueAsDoubleValue("K")), doubleValue);
         EXPECT_EQ(static_cast<double>(args.GetArgValueAsDoubleValue("k")), doubleValue);
+        nxValueWrapper<unsigned> exact(7), exactVariable(7);
+        EXPECT_EQ(args.GetArgValueExact("k", exact), error);
+        EXPECT_EQ(args.GetEnvValueExact("K", exactVariable), error);
+        EXPECT_TRUE(exact == exactVariable && exact == (error.IsOK() ? 12 : 7));
+        EXPECT_EQ(args.GetArgValueExact("K", exact), missing);
     }
     const Args args({}, {"BIG=18446744073709551613"});
     EXPECT_EQ(args.GetEnvValueAsUInteger64("BIG").GetAsLogString(), "18446744073709551613");

@@ -23,6 +23,22 @@ void ExpectTexts(const Value& value, const std::string& text, const std::string&
     value.AppendAsLogString(both);
     EXPECT_EQ(both, text + logText);
 }
+
+// The sum, the difference and the product with a number, or an error that changes nothing.
+template <class Wrapper, class Number, class Result, class IsHeld>
+void ExpectExact(Wrapper before, Number other, const Result (&results)[3], IsHeld isHeld)
+{
+    Wrapper values[] = {before, before, before};
+    const nxErrorEnum errors[] = {values[0].AddExact(other), values[1].SubtractExact(other),
+                                  values[2].MultiplyExact(other)};
+    using Plain = std::remove_const_t<decltype(Wrapper::NullValue)>;
+    for (int i = 0; i < 3; ++i)
+    {
+        SCOPED_TRACE(testing::Message() << before << ' ' << other << ' ' << i);
+        EXPECT_EQ(errors[i], isHeld(results[i]) ? ok : outOfRange);
+        EXPECT_EQ(Plain{values[i]}, isHeld(results[i]) ? static_cast<Plain>(results[i]) : Plain{before});
+    }
+}
 }  // namespace
 
 static_assert(std::is_same_v<Unsigned, nxValueWrapper<unsigned int, 0xFFFFFFFF, 0xFFFFFFFE>>);
@@ -179,21 +195,14 @@ TEST(nxValueWrapper, PrintsAndReads)
     ExpectTexts(Signed(INT_MIN), "-2147483648", "-2147483648");
 }
 
-// Against 128 bits, with operands of three types and the limits of one.
 TEST(nxValueWrapper, CalculatesExactlyOrNotAtAll)
 {
+    // Against 128 bits, with operands of three types and the limits of one.
     const auto check = [](int a, auto b)
     {
         __extension__ using Wide = __int128;
-        const Wide results[] = {Wide{a} + b, Wide{a} - b, Wide{a} * b};
-        Signed values[] = {a, a, a};
-        const nxErrorEnum errors[] = {values[0].AddExact(b), values[1].SubtractExact(b), values[2].MultiplyExact(b)};
-        for (int i = 0; i < 3; ++i)
-        {
-            const bool fits = INT_MIN <= results[i] && results[i] < Signed::NoChangeValue;
-            EXPECT_EQ(errors[i], fits ? ok : outOfRange) << a << ' ' << b << ' ' << i;
-            EXPECT_EQ(values[i], fits ? static_cast<int>(results[i]) : a) << a << ' ' << b << ' ' << i;
-        }
+        const auto isHeld = [](Wide result) { return INT_MIN <= result && result < Signed::NoChangeValue; };
+        ExpectExact(Signed(a), b, {Wide{a} + b, Wide{a} - b, Wide{a} * b}, isHeld);
     };
     const int edges[] = {INT_MIN, INT_MIN + 1, -46341, -1, 0, 1, 46341, 1073741823, INT_MAX - 3, INT_MAX - 2};
     for (const int a : edges)
@@ -211,7 +220,6 @@ TEST(nxValueWrapper, CalculatesExactlyOrNotAtAll)
 
 TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
 {
-    using Value = nxDoubleValueWrapper;
     constexpr double tiny = 4.9406564584124654e-324, huge = 1.7976931348623157e308, none = HUGE_VAL;
     // The sum, the difference and the product; infinite: refused.
     const std::tuple<double, double, double, double, double> rows[] = {
@@ -224,19 +232,9 @@ TEST(nxDoubleValueWrapper, CalculatesExactlyOrNotAtAll)
         {tiny, -tiny, 0, 2 * tiny, none},
         {none, 1, none, none, none}};
     for (const auto& [a, b, sum, difference, product] : rows)
-    {
-        Value values[] = {a, a, a};
-        const nxErrorEnum errors[] = {values[0].AddExact(b), values[1].SubtractExact(b), values[2].MultiplyExact(b)};
-        const double expected[] = {sum, difference, product};
-        for (int i = 0; i < 3; ++i)
-        {
-            EXPECT_EQ(errors[i], expected[i] == none ? outOfRange : ok) << a << ' ' << b << ' ' << i;
-            EXPECT_EQ(static_cast<double>(values[i]), expected[i] == none ? a : expected[i])
-                << a << ' ' << b << ' ' << i;
-        }
-    }
-    Value value(1);
-    EXPECT_EQ(value.AddExact(Value()), isNull);
+        ExpectExact(nxDoubleValueWrapper(a), b, {sum, difference, product},
+                    [](double result) { return result < none; });
+    EXPECT_EQ(nxDoubleValueWrapper(1).AddExact(nxDoubleValueWrapper()), isNull);
 }
 
 TEST(nxValueWrapper, TakesOverAllButNoChange)
