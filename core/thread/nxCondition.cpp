@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "core/platform/nxDeadline.h"
+#include "core/platform/nxMonotonicWait.h"
 
 namespace
 {
@@ -40,6 +41,11 @@ nxErrorEnum nxCondition::TimedWait(double seconds)
 {
     const timespec deadline = nxDeadline::After(nxDeadline::Split(seconds));
     return WithLock(_mutex, [&] { return FromTimedWait(pthread_cond_timedwait(&_condition, &_mutex, &deadline)); });
+}
+
+nxErrorEnum nxCondition::_WaitFor(std::int64_t nanoseconds)
+{
+    return WithLock(_mutex, [&] { return FromTimedWait(nxMonotonicWait::ForSignal(_condition, _mutex, nanoseconds)); });
 }
 
 nxErrorEnum nxCondition::Signal()

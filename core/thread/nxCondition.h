@@ -6,6 +6,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxNative.h"
+#include "core/thread/inline/nxWaitTime.h"
 
 /// An event without memory: threads wait, others wake them. It has a mutex of its own, which callers never see.
 ///
@@ -17,10 +18,10 @@
 /// @code
 /// while (!_stop)
 /// {
-///     const nxErrorEnum error = _wake.TimedWait(0.1);  // nxCondition _wake
+///     const nxErrorEnum error = _wake.WaitFor(std::chrono::milliseconds(100));  // nxCondition _wake
+///     DoWhatHasArrived();
 ///     if (!error.IsOK() && error != NX_ERR_THR_TIMEDOUT)
 ///         return error;
-///     DoWhatHasArrived();
 /// }
 /// @endcode
 class NX_CORE_API nxCondition
@@ -32,6 +33,24 @@ public:
     /// Waits for a signal.
     nxErrorEnum Wait();
 
+    /// Waits for a signal, at most @p time. Never times out early; the wall clock does not matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN time out at once.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; NX_ERR_UNSPECIFIED for any other failure.
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum WaitFor(const Duration& time)
+    {
+        return _WaitFor(nxWaitTime::Nanoseconds(time));
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum WaitUntil(const Moment& moment)
+    {
+        return _WaitFor(nxWaitTime::NanosecondsUntil(moment));
+    }
+
+    /// Prefer WaitFor(): this one depends on the wall clock and may refuse to wait.
+    ///
     /// Waits for a signal, at most @p seconds. Zero, negative values and NaN time out at once; more than 136 years is
     /// 136 years.
     /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; it may come up to a millisecond early, because the
@@ -55,6 +74,8 @@ public:
 private:
     nxCondition(const nxCondition&) = delete;
     nxCondition& operator=(const nxCondition&) = delete;
+
+    nxErrorEnum _WaitFor(std::int64_t nanoseconds);
 
     nxNative::Condition _condition = nxNative::FreeCondition;
     nxNative::Mutex _mutex = nxNative::FreeMutex;

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "core/platform/nxDeadline.h"
+#include "core/platform/nxMonotonicWait.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 nxErrorEnum nxConditionRaw::TimedWait(nxMutex& mutex, double seconds)
@@ -12,6 +13,11 @@ nxErrorEnum nxConditionRaw::TimedWait(nxMutex& mutex, double seconds)
     if (result == 0)
         return nxErrorEnum();
     return result == ETIMEDOUT ? nxErrorEnum(NX_ERR_THR_TIMEDOUT) : nxErrorEnum(NX_ERR_UNSPECIFIED);
+}
+
+nxErrorEnum nxConditionRaw::_WaitFor(nxMutex& mutex, std::int64_t nanoseconds)
+{
+    return mutex._WaitForSignal(_condition, nanoseconds);
 }
 
 nxErrorEnum nxConditionRaw::InitialiseAsShared()

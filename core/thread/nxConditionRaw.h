@@ -37,7 +37,28 @@ public:
         return pthread_cond_wait(&_condition, &mutex._mutex) == 0 ? nxErrorEnum() : nxErrorEnum(NX_ERR_UNSPECIFIED);
     }
 
-    /// The same, for at most @p seconds. Zero, negative values and NaN time out at once; more than 136 years is 136
+    /// The same, for at most @p time. Never times out early; the wall clock does not matter. The caller holds the mutex
+    /// afterwards.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN time out at once.
+    /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; NX_ERR_THR_OWNER_DEAD when the owner of a robust mutex
+    ///         died: as after nxMutex::Lock(), the caller repairs the data and calls Consistent(); NX_ERR_UNSPECIFIED
+    ///         for any other failure.
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum WaitFor(nxMutex& mutex, const Duration& time) NX_REQUIRES(mutex)
+    {
+        return _WaitFor(mutex, nxWaitTime::Nanoseconds(time));
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum WaitUntil(nxMutex& mutex, const Moment& moment) NX_REQUIRES(mutex)
+    {
+        return _WaitFor(mutex, nxWaitTime::NanosecondsUntil(moment));
+    }
+
+    /// Prefer WaitFor(): this one depends on the wall clock and may refuse to wait.
+    ///
+    /// Waits for at most @p seconds. Zero, negative values and NaN time out at once; more than 136 years is 136
     /// years.
     /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; it may come up to a millisecond early, because the
     ///         clock is cut to milliseconds. NX_ERR_UNSPECIFIED at once when the fraction of the deadline is exactly
@@ -70,6 +91,8 @@ public:
 
 private:
     nxConditionRaw& operator=(const nxConditionRaw&) = delete;
+
+    nxErrorEnum _WaitFor(nxMutex& mutex, std::int64_t nanoseconds) NX_REQUIRES(mutex);
 
     nxNative::Condition _condition = nxNative::FreeCondition;
 };

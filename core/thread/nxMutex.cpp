@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "core/platform/nxMonotonicWait.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 namespace
@@ -61,6 +62,22 @@ nxErrorEnum nxMutex::_LockSlowly(int result) noexcept
 {
     if (result == EBUSY && nxRobustMutex::IsRobust(_mutex))
         result = nxRobustMutex::Wait(_mutex);
+    return result == 0 ? nxErrorEnum() : _LockError(result);
+}
+
+nxErrorEnum nxMutex::_LockFor(std::int64_t nanoseconds)
+{
+    const int result = nxMonotonicWait::Lock(_mutex, nanoseconds);
+    if (result == ETIMEDOUT)
+        return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+    return result == 0 ? nxErrorEnum() : _LockError(result);
+}
+
+nxErrorEnum nxMutex::_WaitForSignal(nxNative::Condition& condition, std::int64_t nanoseconds)
+{
+    const int result = nxMonotonicWait::ForSignal(condition, _mutex, nanoseconds);
+    if (result == ETIMEDOUT)
+        return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
     return result == 0 ? nxErrorEnum() : _LockError(result);
 }
 

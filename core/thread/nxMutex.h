@@ -4,6 +4,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxNative.h"
+#include "core/thread/inline/nxWaitTime.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A mutex that reports misuse instead of hanging or corrupting: one POSIX mutex and nothing else.
@@ -23,7 +24,9 @@
 ///
 /// The cells name errors without their prefix: NX_ERR_THR_ for MISMATCH, LOCKED and OWNER_DEAD, NX_ERR_ for
 /// UNSPECIFIED.
-/// - Errors: returned, never thrown, and never logged by the four operations of the table.
+/// LockFor() and LockUntil() do what Lock() does, but where they would wait longer than they may, they return
+/// NX_ERR_THR_TIMEDOUT.
+/// - Errors: returned, never thrown, and never logged by these operations.
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once; the other
 ///   processes use the memory as it is, without a constructor. Do not unmap such a mutex while it is held. Its users
 ///   are in one process-id namespace. Make it robust if processes may be killed: the next thread that locks is then
@@ -77,6 +80,24 @@ public:
         return _TryLockError(result);
     }
 
+    /// Waits until the mutex is free, at most @p time, and takes it. Never gives up early; the wall clock does not matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN try once.
+    /// @return NX_ERR_THR_TIMEDOUT when the mutex was not free in time; otherwise as Lock().
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum LockFor(const Duration& time)
+    {
+        const nxErrorEnum error = TryLock();
+        return error == NX_ERR_THR_LOCKED ? _LockFor(nxWaitTime::Nanoseconds(time)) : error;
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum LockUntil(const Moment& moment)
+    {
+        const nxErrorEnum error = TryLock();
+        return error == NX_ERR_THR_LOCKED ? _LockFor(nxWaitTime::NanosecondsUntil(moment)) : error;
+    }
+
     /// Unlocks the mutex.
     /// @return NX_ERR_THR_MISMATCH when the calling thread does not hold it (nothing changes); NX_ERR_UNSPECIFIED for
     ///         any other failure.
@@ -108,6 +129,8 @@ private:
     friend class nxConditionRaw;
 
     nxErrorEnum _LockSlowly(int result) noexcept;
+    nxErrorEnum _LockFor(std::int64_t nanoseconds);
+    nxErrorEnum _WaitForSignal(nxNative::Condition& condition, std::int64_t nanoseconds) NX_REQUIRES(this);
 
     static nxErrorEnum _LockError(int result) noexcept;
     static nxErrorEnum _TryLockError(int result) noexcept;

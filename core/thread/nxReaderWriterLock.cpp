@@ -2,6 +2,24 @@
 
 #include <cerrno>
 
+#include "core/platform/nxMonotonicWait.h"
+
+nxErrorEnum nxReaderWriterLock::_ReadLockFor(std::int64_t nanoseconds)
+{
+    const int result = nxMonotonicWait::ReadLock(_lock, nanoseconds);
+    if (result == ETIMEDOUT)
+        return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+    return result == 0 ? nxErrorEnum() : _ReadLockError(result);
+}
+
+nxErrorEnum nxReaderWriterLock::_WriteLockFor(std::int64_t nanoseconds)
+{
+    const int result = nxMonotonicWait::WriteLock(_lock, nanoseconds);
+    if (result == ETIMEDOUT)
+        return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+    return result == 0 ? nxErrorEnum() : _WriteLockError(result);
+}
+
 // A deadlock is reported as "already locked": callers treat both alike.
 
 nxErrorEnum nxReaderWriterLock::_ReadLockError(int result) noexcept

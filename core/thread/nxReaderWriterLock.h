@@ -4,6 +4,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxNative.h"
+#include "core/thread/inline/nxWaitTime.h"
 #include "core/thread/nxThreadAnnotations.h"
 
 /// A lock that many threads hold for reading or one for writing: one POSIX reader-writer lock, process-private.
@@ -20,6 +21,8 @@
 ///
 /// Refused means NX_ERR_THR_LOCKED. An unlock that damages the lock is not detected: it returns success, and the lock
 /// fails afterwards. A thread that locks again for reading unlocks as often.
+/// The forms with For and Until wait at most that long and then return NX_ERR_THR_TIMEDOUT; where the others return
+/// NX_ERR_THR_LOCKED because this thread writes, they do too.
 /// - Readers come first: a writer may wait long while new readers arrive.
 /// - Errors: returned, never thrown and never logged.
 /// @code
@@ -73,6 +76,42 @@ public:
         return _TryLockError(result);
     }
 
+    /// Waits until the lock can be taken for reading, at most @p time. Never gives up early; the wall clock does not matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN try once.
+    /// @return NX_ERR_THR_TIMEDOUT when that was not possible in time; otherwise as ReadLock().
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum ReadLockFor(const Duration& time)
+    {
+        const nxErrorEnum error = TryReadLock();
+        return error.IsOK() ? error : _ReadLockFor(nxWaitTime::Nanoseconds(time));
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum ReadLockUntil(const Moment& moment)
+    {
+        const nxErrorEnum error = TryReadLock();
+        return error.IsOK() ? error : _ReadLockFor(nxWaitTime::NanosecondsUntil(moment));
+    }
+
+    /// Waits until the lock can be taken for writing, at most @p time. Never gives up early; the wall clock does not matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN try once.
+    /// @return NX_ERR_THR_TIMEDOUT when that was not possible in time; otherwise as WriteLock().
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum WriteLockFor(const Duration& time)
+    {
+        const nxErrorEnum error = TryWriteLock();
+        return error.IsOK() ? error : _WriteLockFor(nxWaitTime::Nanoseconds(time));
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum WriteLockUntil(const Moment& moment)
+    {
+        const nxErrorEnum error = TryWriteLock();
+        return error.IsOK() ? error : _WriteLockFor(nxWaitTime::NanosecondsUntil(moment));
+    }
+
     /// Gives back what ReadLock() took.
     /// @return NX_ERR_THR_PERMISSION when the system finds that this thread does not hold it (not on Linux);
     ///         NX_ERR_UNSPECIFIED for any other failure.
@@ -98,6 +137,9 @@ private:
             return nxErrorEnum();
         return _UnlockError(result);
     }
+
+    nxErrorEnum _ReadLockFor(std::int64_t nanoseconds);
+    nxErrorEnum _WriteLockFor(std::int64_t nanoseconds);
 
     static nxErrorEnum _ReadLockError(int result) noexcept;
     static nxErrorEnum _WriteLockError(int result) noexcept;

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "core/platform/nxDeadline.h"
+#include "core/platform/nxMonotonicWait.h"
 #include "core/thread/internal/nxThreadReport.h"
 
 // Zeroed first, so that the other operations find a defined object when the initialisation fails.
@@ -51,6 +52,17 @@ nxErrorEnum nxSemaphore::_TimedWait(timespec& relative)
         default:
             return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
     }
+}
+
+nxErrorEnum nxSemaphore::_WaitFor(std::int64_t nanoseconds)
+{
+    const int error = nxMonotonicWait::Take(_semaphore, nanoseconds);
+    if (error == 0)
+        return nxErrorEnum();
+    if (error == ETIMEDOUT)
+        return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
+    const nxErrorEnum known = _WaitError(error);
+    return known.IsOK() ? nxErrorEnum(NX_ERR_UNSPECIFIED) : known;
 }
 
 // Lenient by contract: an error that is not listed is success.

@@ -7,10 +7,11 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxNative.h"
+#include "core/thread/inline/nxWaitTime.h"
 
 /// A counting semaphore: Post() adds one, a wait takes one or waits until there is one. One POSIX semaphore.
 ///
-/// | count              | Wait()    | TryWait()         | TimedWait()                     | Post()                   |
+/// | count              | Wait()    | TryWait()         | WaitFor(), WaitUntil()          | Post()                   |
 /// |--------------------|-----------|-------------------|---------------------------------|--------------------------|
 /// | 0                  | waits     | NX_ERR_THR_LOCKED | waits, then NX_ERR_THR_TIMEDOUT | adds one, wakes a waiter |
 /// | 1 to 2,147,483,646 | takes one | takes one         | takes one                       | adds one                 |
@@ -18,12 +19,13 @@
 ///
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once. The
 ///   semaphore survives a kill of a process that waits. A count that a killed process had taken is lost.
+/// TimedWait() is an older form of WaitFor() by the wall clock, and less exact.
 /// - Errors: returned, never thrown. A signal handler that interrupts a wait ends it with NX_ERR_THR_INTERRUPTED.
 /// - No thread may wait when it is destroyed.
 /// @code
 /// nxSemaphore filled(0);
-/// const nxErrorEnum error = filled.Post();           // in the producer
-/// const nxErrorEnum error = filled.TimedWait(0.25);  // in the consumer
+/// const nxErrorEnum posted = filled.Post();                                         // in the producer
+/// const nxErrorEnum taken = filled.WaitFor(std::chrono::milliseconds(250));  // in the consumer
 /// @endcode
 class NX_CORE_API nxSemaphore
 {
@@ -62,6 +64,28 @@ public:
         return _TryWaitError(errno);
     }
 
+    /// Waits until the count is above zero, at most @p time, and takes one. Never gives up early; the wall clock does not
+    /// matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN try once.
+    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero; NX_ERR_THR_INTERRUPTED and NX_ERR_THR_DEADLOCK as Wait();
+    ///         NX_ERR_UNSPECIFIED for any other failure.
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum WaitFor(const Duration& time)
+    {
+        const nxErrorEnum error = TryWait();
+        return error == NX_ERR_THR_LOCKED ? _WaitFor(nxWaitTime::Nanoseconds(time)) : error;
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum WaitUntil(const Moment& moment)
+    {
+        const nxErrorEnum error = TryWait();
+        return error == NX_ERR_THR_LOCKED ? _WaitFor(nxWaitTime::NanosecondsUntil(moment)) : error;
+    }
+
+    /// Prefer WaitFor(): this one depends on the wall clock and may refuse to wait.
+    ///
     /// Waits until the count is above zero, at most @p seconds, and takes one. Zero, negative values and NaN do not
     /// wait; more than 136 years is 136 years.
     /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero; it may come up to a millisecond early, because the clock
@@ -97,6 +121,7 @@ private:
     nxSemaphore& operator=(const nxSemaphore&) = delete;
 
     nxErrorEnum _TimedWait(timespec& relative);
+    nxErrorEnum _WaitFor(std::int64_t nanoseconds);
 
     static nxErrorEnum _WaitError(int error);
     static nxErrorEnum _TryWaitError(int error);

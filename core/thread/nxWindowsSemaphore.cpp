@@ -26,7 +26,12 @@ nxWindowsSemaphore::~nxWindowsSemaphore() = default;
 
 nxErrorEnum nxWindowsSemaphore::TimedWait(double seconds)
 {
-    if (_semaphore == nullptr || _semaphore->Wait(WholeMilliseconds(seconds) * nxNanoseconds::PerMillisecond))
+    return _WaitFor(WholeMilliseconds(seconds) * nxNanoseconds::PerMillisecond);
+}
+
+nxErrorEnum nxWindowsSemaphore::_WaitFor(std::int64_t nanoseconds)
+{
+    if (_semaphore == nullptr || _semaphore->Wait(nanoseconds))
         return nxErrorEnum();
     return nxErrorEnum(NX_ERR_THR_TIMEDOUT);
 }

@@ -7,6 +7,7 @@
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxNative.h"
+#include "core/thread/inline/nxWaitTime.h"
 
 /// A counting semaphore with a maximum that processes of one user share by its name.
 ///
@@ -19,8 +20,9 @@
 /// - Fork: the child has the object open too.
 /// @code
 /// nxWindowsSemaphore slots("my firm's licences", 3, 3);
-/// if (slots.TimedWait(0.5).IsOK())
-///     static_cast<void>(slots.Post());
+/// nxErrorEnum error = slots.WaitFor(std::chrono::milliseconds(500));
+/// if (error.IsOK())
+///     error = slots.Post();  // after use
 /// @endcode
 class NX_CORE_API nxWindowsSemaphore
 {
@@ -41,7 +43,23 @@ public:
         return nxErrorEnum();
     }
 
-    /// The same, for at most (seconds * 1000) whole milliseconds. Zero, negative values and NaN do not wait; more than
+    /// The same, for at most @p time. Never gives up early; the wall clock does not matter.
+    /// @param time a std::chrono::duration. Zero, negative values and NaN try once.
+    /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero.
+    template <nxWaitDuration Duration>
+    [[nodiscard]] nxErrorEnum WaitFor(const Duration& time)
+    {
+        return _WaitFor(nxWaitTime::Nanoseconds(time));
+    }
+
+    /// The same until @p moment, a time point of std::chrono::steady_clock.
+    template <nxWaitMoment Moment>
+    [[nodiscard]] nxErrorEnum WaitUntil(const Moment& moment)
+    {
+        return _WaitFor(nxWaitTime::NanosecondsUntil(moment));
+    }
+
+    /// Waits at most (seconds * 1000) whole milliseconds. Zero, negative values and NaN do not wait; more than
     /// 49 days is 49 days.
     /// @return NX_ERR_THR_TIMEDOUT when the count stayed zero.
     nxErrorEnum TimedWait(double seconds);
@@ -65,6 +83,8 @@ public:
     bool IsNull() const { return _semaphore == nullptr; }
 
 private:
+    nxErrorEnum _WaitFor(std::int64_t nanoseconds);
+
     nxNamedSemaphore* _semaphore;  // in shared memory, for the life of the process
 };
 

@@ -6,28 +6,18 @@
 
 #include <algorithm>
 #include <climits>
-#include <ctime>
-#include <limits>
 
-#include "core/platform/inline/nxClock.h"
-#include "core/platform/nxNanoseconds.h"
+#include "core/platform/linux/nxMonotonicTime.h"
 #include "core/platform/nxSpin.h"
 
 namespace
 {
 constexpr std::int64_t longestSleep = 50 * nxNanoseconds::PerMillisecond;
 
-std::int64_t DeadlineAfter(std::int64_t nanoseconds)
-{
-    const std::int64_t now = nxClock::MonotonicNanoseconds();
-    const std::int64_t never = std::numeric_limits<std::int64_t>::max();
-    return nanoseconds < 0 || nanoseconds > never - now ? never : now + nanoseconds;
-}
-
 // Processes share the word, so the cheaper private form of the call does not serve.
 void Sleep(std::atomic<std::uint32_t>& word, std::uint32_t whileEqual, std::int64_t nanoseconds)
 {
-    const timespec time{nanoseconds / nxNanoseconds::PerSecond, nanoseconds % nxNanoseconds::PerSecond};
+    const timespec time = nxMonotonicTime::ToTimespec(nanoseconds);
     syscall(SYS_futex, &word, FUTEX_WAIT, whileEqual, &time, nullptr, 0);
 }
 }  // namespace
@@ -36,10 +26,10 @@ bool nxNamedSemaphore::Wait(std::int64_t nanoseconds)
 {
     if (TryWait() || (nanoseconds != 0 && nxSpin::Until([this] { return TryWait(); })))
         return true;
-    const std::int64_t deadline = DeadlineAfter(nanoseconds);
+    const std::int64_t deadline = nanoseconds < 0 ? nxMonotonicTime::Never : nxMonotonicTime::After(nanoseconds);
     while (!TryWait())
     {
-        const std::int64_t left = deadline - nxClock::MonotonicNanoseconds();
+        const std::int64_t left = deadline - nxMonotonicTime::Now();
         if (left <= 0)
             return false;
         if (_Announce())

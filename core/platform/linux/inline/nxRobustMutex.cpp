@@ -1,56 +1,35 @@
 #include "core/platform/linux/inline/nxRobustMutex.h"
 
-#include <cerrno>
-#include <ctime>
+#include <algorithm>
 
-#include "core/platform/nxNanoseconds.h"
+#include "core/platform/linux/nxMonotonicTime.h"
 #include "core/platform/nxSpin.h"
 
 namespace
 {
-#if defined(__SANITIZE_THREAD__)
-    #define NX_THREAD_SANITIZER 1
-#elif defined(__has_feature)
-    #if __has_feature(thread_sanitizer)
-        #define NX_THREAD_SANITIZER 1
-    #endif
-#endif
-
-#ifdef NX_THREAD_SANITIZER
-// The sanitizer does not follow a timed lock that takes the mutex of a dead owner, so the mutex is tried instead.
-int LockForASlice(pthread_mutex_t& mutex)
-{
-    const timespec pause{0, nxNanoseconds::PerMillisecond};
-    clock_nanosleep(CLOCK_MONOTONIC, 0, &pause, nullptr);
-    const int result = nxRobustMutex::Try(mutex);
-    return result == EBUSY ? ETIMEDOUT : result;
-}
-#else
-constexpr long waitSlice = 50 * nxNanoseconds::PerMillisecond;
-
-int LockForASlice(pthread_mutex_t& mutex)
-{
-    // Not the wall clock: the slice would last longer if that were set back.
-    timespec end{};
-    clock_gettime(CLOCK_MONOTONIC, &end);
-    end.tv_nsec += waitSlice;
-    if (end.tv_nsec >= nxNanoseconds::PerSecond)
-    {
-        end.tv_nsec -= nxNanoseconds::PerSecond;
-        ++end.tv_sec;
-    }
-    return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &end);
-}
-#endif
+constexpr std::int64_t waitSlice = 50 * nxNanoseconds::PerMillisecond;
 }  // namespace
 
-int nxRobustMutex::Wait(pthread_mutex_t& mutex)
+int nxRobustMutex::Wait(pthread_mutex_t& mutex) { return WaitUntil(mutex, nxMonotonicTime::Never); }
+
+int nxRobustMutex::WaitUntil(pthread_mutex_t& mutex, std::int64_t deadline)
 {
     int result = EBUSY;
     if (nxSpin::Until([&] { return (result = Try(mutex)) != EBUSY; }))
         return result;
-    result = LockForASlice(mutex);
-    while (result == ETIMEDOUT)
-        result = LockForASlice(mutex);
+    std::int64_t end = 0;
+    do
+    {
+        end = std::min(deadline, nxMonotonicTime::After(waitSlice));
+        result = LockUntil(mutex, end);
+    } while (result == ETIMEDOUT && end < deadline);
     return result;
+}
+
+int nxRobustMutex::LockUntil(pthread_mutex_t& mutex, std::int64_t deadline)
+{
+    if (nxMonotonicTime::IsWatched())
+        return nxMonotonicTime::TryUntil(deadline, [&] { return Try(mutex); });
+    const timespec end = nxMonotonicTime::ToTimespec(deadline);
+    return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &end);
 }

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdint>
 
 /// Takes robust mutexes so that the kill of one waiter does not stop the others.
 ///
@@ -33,6 +34,13 @@ public:
     /// Waits for a mutex that the caller has just found locked, and takes it.
     /// @return 0, EOWNERDEAD (taken as well), or the reason why it cannot be taken.
     static int Wait(pthread_mutex_t& mutex);
+
+    /// The same until @p deadline, in nanoseconds of the monotonic clock. @return also ETIMEDOUT.
+    static int WaitUntil(pthread_mutex_t& mutex, std::int64_t deadline);
+
+    /// Takes a mutex of any kind, in one wait that ends at @p deadline, in nanoseconds of the monotonic clock.
+    /// @return 0, EOWNERDEAD (taken as well), ETIMEDOUT, or the reason why it cannot be taken.
+    static int LockUntil(pthread_mutex_t& mutex, std::int64_t deadline);
 };
 
 #endif
