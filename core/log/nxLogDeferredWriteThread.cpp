@@ -16,6 +16,6 @@ nxErrorEnum nxLogDeferredWriteThread::_Start(const nxServiceThread& service)
 
 void nxLogDeferredWriteThread::_Apply(const nxServiceThread& service) noexcept
 {
-    if (_started)
+    if (_state != State::NotStarted)
         service.Apply(_handle);
 }

@@ -1,6 +1,8 @@
 #ifndef CORE_PLATFORM_NXTHISTHREAD_H
 #define CORE_PLATFORM_NXTHISTHREAD_H
 
+#include <cstddef>
+
 /// The calling thread, as the system knows it.
 class nxThisThread
 {
@@ -9,6 +11,11 @@ public:
 
     /// @return the system's number of the thread.
     static unsigned GetID();
+
+    /// The bytes of a thread's name that the system keeps.
+    static constexpr std::size_t LongestName = 15;
+    /// Gives the thread a name for process monitors and debuggers. @pre It is not longer than LongestName.
+    static void SetName(const char* name) noexcept;
 
     /// Sleeps for the whole time, whatever signals arrive. 0 yields the processor.
     static void SleepMilliseconds(unsigned milliseconds);

@@ -9,6 +9,7 @@
 #include "core/platform/inline/nxNative.h"
 
 class nxServiceThread;
+struct nxThreadOptions;
 
 /// The base of every worker thread: a subclass supplies Run(), its owner starts it with Create() and joins with Wait().
 ///
@@ -22,17 +23,18 @@ class nxServiceThread;
 /// - Run() decides itself when to end: give the subclass a stop flag and a way to wake it. An exception that leaves
 ///   Run() ends the thread and is written to the log at the fatal level; the process goes on.
 /// - Ownership: the destructor neither stops nor joins. If the object is destroyed before Wait(), the thread uses an
-///   object that no longer exists, and the system never frees the thread's stack.
+///   object that no longer exists, and the system never frees the thread's stack. nxThreadGuard waits in all cases.
 /// - Threads: the owning thread calls Create(), Wait() and the destructor. The started thread itself may call Wait(),
-///   which returns NX_ERR_THR_DEADLOCK.
+///   which returns NX_ERR_THR_DEADLOCK. If several threads call Wait() at once, one of them waits for Run().
 /// @code
 /// class Poller : public nxThread
 /// {
 ///     nxErrorEnum Run() override;
 /// };
 /// Poller poller;
-/// if (!poller.Create().IsOK() || !poller.Wait().IsOK())
-///     NX_LOG(NX_LOG_LEVEL_ERROR) << "no poller";
+/// nxErrorEnum error = poller.Create();
+/// if (error.IsOK())
+///     error = poller.Wait();
 /// @endcode
 class NX_CORE_API nxThread
 {
@@ -49,9 +51,18 @@ public:
     ///         changes nothing.
     [[nodiscard]] nxErrorEnum Create();
 
+    /// Starts a thread that executes Run(), with a name, processors, scheduling and a stack of the caller's choice. Run()
+    /// begins with all of them in force.
+    /// @return NX_ERR_INVALID_PARAMETER for a processor above nxThreadOptions::LargestProcessor or a set of which the
+    ///         thread may use none, for a priority that does not fit the scheduling, and for a stack that is too small
+    ///         for the system; NX_ERR_THR_PERMISSION when the process may not have the scheduling; otherwise as Create().
+    ///         A failure changes nothing.
+    [[nodiscard]] nxErrorEnum Create(const nxThreadOptions& options);
+
     /// Waits until Run() has returned.
     /// @return NX_ERR_THR_NOT_RUNNING when it is not started; NX_ERR_THR_DEADLOCK when the thread waits for itself;
-    ///         NX_ERR_THR_MISMATCH for any other failure. After a failure it is still started.
+    ///         NX_ERR_THR_MISMATCH when another thread waits already, and for any other failure. After a failure it is
+    ///         still started.
     virtual nxErrorEnum Wait();
 
     /// The body of the thread. The result is ignored.
@@ -67,12 +78,24 @@ public:
 private:
     friend class nxLogDeferredWriteThread;
 
+    enum class State : unsigned char
+    {
+        NotStarted,
+        Started,
+        Joining  // in a call of Wait()
+    };
+
     nxErrorEnum _Create(const nxServiceThread* attributes);
+    bool _Claim();
+    int _RenewAttributes();
+    int _Launch(int result, void* (*body)(void*), void* argument);
+    static nxErrorEnum _StartError(int result);
     static void* _ThreadProc(void* self);
+    static void* _NamedThreadProc(void* start);
 
     nxNative::ThreadAttributes _attributes;
     nxNative::Thread _handle;
-    std::atomic<bool> _started;
+    std::atomic<State> _state;
 };
 
 #endif

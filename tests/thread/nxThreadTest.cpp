@@ -2,7 +2,9 @@
 
 #include "core/thread/nxThread.h"
 
+#include "core/thread/nxThreadGuard.h"
 #include "core/thread/nxThreadIndex.h"
+#include "core/thread/nxThreadOptions.h"
 #include "core/thread/nxThreadSpecificMemoryBuffer.h"
 #include "tests/support/nxSystemTest.h"
 
@@ -63,6 +65,97 @@ TEST(nxThread, ReportsAnExceptionThatLeavesRun)
     EXPECT_EQ(TakeReports(log, "core/trunk/nxThread", false),
               (std::vector<std::string>{"FTL A thread ended with an exception: out of prices",
                                         "FTL A thread ended with an exception: of unknown type"}));
+}
+
+TEST(nxThread, AnExceptionThatLeavesRunWithoutMemoryEndsOnlyTheThread)
+{
+    // The fault is that of the thread and ends with it.
+    std::optional<nxSystemCallFault> noMemory;
+    FunctionThread thrower(
+        [&]
+        {
+            const std::runtime_error error("out of memory");
+            noMemory.emplace("malloc", ENOMEM, nxSystemCallFault::Options{.times = 1000});
+            throw error;
+        });
+    EXPECT_TRUE(thrower.Create().IsOK() && thrower.Wait().IsOK());
+}
+
+TEST(nxThread, OneOfSeveralWaitsJoins)
+{
+    for (int round = 0; round < 50; ++round)
+    {
+        std::atomic<int> waiting{0}, joined{0};
+        FunctionThread worker([&] { EXPECT_TRUE(nxEventually([&] { return waiting == 3; })); });
+        const nxThreadGuard guard(worker);
+        ASSERT_TRUE(worker.Create().IsOK());
+        nxInThreads(3,
+                    [&]
+                    {
+                        ++waiting;
+                        const nxErrorEnum error = worker.Wait();
+                        joined += error.IsOK();
+                        EXPECT_TRUE(error.IsOK() || error == NX_ERR_THR_MISMATCH || error == NX_ERR_THR_NOT_RUNNING);
+                    });
+        EXPECT_EQ(joined, 1);
+    }
+}
+
+TEST(nxThread, RunBeginsWithTheOptionsInForce)
+{
+    cpu_set_t mine;
+    ASSERT_EQ(sched_getaffinity(0, sizeof mine, &mine), 0);
+    unsigned processor = 0;
+    while (CPU_ISSET(processor, &mine) == 0)
+        ++processor;
+    FunctionThread worker(
+        [processor]
+        {
+            char name[16];
+            cpu_set_t processors;
+            pthread_attr_t attributes;
+            std::size_t stack = 0;
+            pthread_getname_np(pthread_self(), name, sizeof name);
+            sched_getaffinity(0, sizeof processors, &processors);
+            pthread_getattr_np(pthread_self(), &attributes);
+            pthread_attr_getstacksize(&attributes, &stack);
+            pthread_attr_destroy(&attributes);
+            EXPECT_STREQ(name, "market data fee");
+            EXPECT_TRUE(CPU_COUNT(&processors) == 1 && CPU_ISSET(processor, &processors));
+            EXPECT_TRUE(stack >= 1U << 20 && stack < 2U << 20) << stack;
+        });
+    nxThreadOptions options{.name = "market data feed", .processors = {processor}, .stackBytes = 1 << 20};
+    for (const auto scheduling : {nxThreadOptions::Scheduling::Inherited, nxThreadOptions::Scheduling::Ordinary})
+    {
+        options.scheduling = scheduling;
+        ASSERT_TRUE(worker.Create(options).IsOK());
+        EXPECT_EQ(worker.Create(options), NX_ERR_THR_ALREADY_STARTED);
+        EXPECT_TRUE(worker.Wait().IsOK());
+    }
+}
+
+TEST(nxThread, OptionsThatTheSystemRefusesAreErrors)
+{
+    using enum nxThreadOptions::Scheduling;
+    const std::pair<nxThreadOptions, nxEnumValue> rows[] = {
+        {{.processors = {nxThreadOptions::LargestProcessor + 1}}, NX_ERR_INVALID_PARAMETER},
+        {{.processors = {nxThreadOptions::LargestProcessor}}, NX_ERR_INVALID_PARAMETER},  // no machine of a test has it
+        {{.priority = 1}, NX_ERR_INVALID_PARAMETER},
+        {{.scheduling = Ordinary, .priority = 1}, NX_ERR_INVALID_PARAMETER},
+        {{.scheduling = RealTimeFirstIn}, NX_ERR_INVALID_PARAMETER},
+        {{.scheduling = RealTimeRoundRobin, .priority = nxThreadOptions::LargestPriority + 1},
+         NX_ERR_INVALID_PARAMETER},
+        {{.stackBytes = 1}, NX_ERR_INVALID_PARAMETER},
+        {{.stackBytes = std::size_t{1} << 60}, NX_ERR_THR_RESOURCE}};
+    FunctionThread worker([] {});
+    for (const auto& [options, expected] : rows)
+    {
+        EXPECT_EQ(worker.Create(options), expected) << &options - &rows[0].first;
+        EXPECT_EQ(worker.Wait(), NX_ERR_THR_NOT_RUNNING);
+    }
+    const nxSystemCallFault forbidden("pthread_create", EPERM);
+    EXPECT_EQ(worker.Create({.scheduling = RealTimeFirstIn, .priority = 1}), NX_ERR_THR_PERMISSION);
+    EXPECT_TRUE(worker.Create().IsOK() && worker.Wait().IsOK());
 }
 
 TEST(nxThreadIndex, NumbersAreDenseInOrderOfAskingAndKept)

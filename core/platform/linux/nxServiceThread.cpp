@@ -4,6 +4,9 @@
 
 #include <cstddef>
 
+#include "core/platform/nxThisThread.h"
+#include "core/platform/nxThreadAttributes.h"
+
 namespace
 {
 // Enough for lines and for the devices of applications, and far below the usual 8 MiB, which small memory limits refuse.
@@ -35,18 +38,14 @@ void nxServiceThread::SetProcessors(std::span<const unsigned> processors) noexce
 
 int nxServiceThread::Prepare(pthread_attr_t& attributes) const noexcept
 {
-    sched_param parameters{};
-    parameters.sched_priority = static_cast<int>(_priority);
+    using Queue = nxThreadAttributes::Queue;
     const cpu_set_t& processors = OrOfProcess(_processors);
-    int error = pthread_attr_setstacksize(&attributes, stackSize);
+    int error = nxThreadAttributes::SetStackBytes(attributes, stackSize);
     if (error == 0)
-        error = pthread_attr_setinheritsched(&attributes, PTHREAD_EXPLICIT_SCHED);
-    if (error == 0)
-        error = pthread_attr_setschedpolicy(&attributes, _priority != 0 ? SCHED_FIFO : SCHED_OTHER);
-    if (error == 0)
-        error = pthread_attr_setschedparam(&attributes, &parameters);
+        error = nxThreadAttributes::SetScheduling(attributes, _priority != 0 ? Queue::RealTimeFirstIn : Queue::Ordinary,
+                                                  _priority);
     if (error == 0 && CPU_COUNT(&processors) != 0)
-        error = pthread_attr_setaffinity_np(&attributes, sizeof processors, &processors);
+        error = nxThreadAttributes::SetProcessors(attributes, processors);
     return error;
 }
 
@@ -67,7 +66,7 @@ void nxServiceThread::Become(const char* name) noexcept
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGPROF})
         sigdelset(&kept, signal);
     pthread_sigmask(SIG_SETMASK, &kept, nullptr);
-    pthread_setname_np(pthread_self(), name);
+    nxThisThread::SetName(name);
 }
 
 void nxServiceThread::AcceptSignals() noexcept

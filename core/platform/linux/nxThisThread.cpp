@@ -21,6 +21,8 @@ extern "C" void* __dso_handle;
 
 unsigned nxThisThread::GetID() { return static_cast<unsigned>(gettid()); }
 
+void nxThisThread::SetName(const char* name) noexcept { pthread_setname_np(pthread_self(), name); }
+
 void nxThisThread::SleepMilliseconds(unsigned milliseconds)
 {
     if (milliseconds == 0)
