@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <barrier>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <semaphore>
@@ -152,6 +153,25 @@ struct BareTriedMutex
             pthread_mutex_unlock(&mutex);
     }
     pthread_mutex_t mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+    bool taken = false;
+};
+
+constexpr std::chrono::milliseconds timeLimit(100);
+
+struct OurTimedMutex : OurTriedMutex
+{
+    void Take() { taken = mutex.LockFor(timeLimit).IsOK(); }
+};
+
+struct StandardTimedMutex
+{
+    void Take() { taken = mutex.try_lock_for(timeLimit); }
+    void Give()
+    {
+        if (taken)
+            mutex.unlock();
+    }
+    std::timed_mutex mutex;
     bool taken = false;
 };
 
@@ -350,6 +370,10 @@ const bool registered = []
 
     Register<OurTriedMutex>("mutex_try", "ours", false);
     Register<BareTriedMutex>("mutex_try", "limit_errorcheck", false);
+
+    Register<OurTimedMutex>("mutex_timed", "ours", false);
+    Register<BareTriedMutex>("mutex_timed", "limit_errorcheck_try", false);
+    Register<StandardTimedMutex>("mutex_timed", "peer_std", false);
 
     Register<OurRecursiveMutex>("mutex_recursive", "ours");
     Register<BareMutex<PTHREAD_MUTEX_RECURSIVE, !isShared>>("mutex_recursive", "limit_recursive");
