@@ -44,10 +44,19 @@ struct Locks
                 {"named, until", [this](nanoseconds time) { return named.WaitUntil(Clock::now() + time); }},
                 {"condition", [this](nanoseconds time) { return condition.WaitFor(time); }},
                 {"condition, until", [this](nanoseconds time) { return condition.WaitUntil(Clock::now() + time); }},
-                {"raw", [this](nanoseconds time) { return raw.WaitFor(own, time); }},
-                {"raw, until", [this](nanoseconds time) { return raw.WaitUntil(own, Clock::now() + time); }},
-                {"both", [this](nanoseconds time) { return both.WaitFor(time); }},
-                {"both, until", [this](nanoseconds time) { return both.WaitUntil(Clock::now() + time); }}};
+                {"raw", [this](nanoseconds time) { return With(own, [&] { return raw.WaitFor(own, time); }); }},
+                {"raw, until", [this](nanoseconds time)
+                 { return With(own, [&] { return raw.WaitUntil(own, Clock::now() + time); }); }},
+                {"both", [this](nanoseconds time) { return With(both, [&] { return both.WaitFor(time); }); }},
+                {"both, until",
+                 [this](nanoseconds time) { return With(both, [&] { return both.WaitUntil(Clock::now() + time); }); }}};
+    }
+
+    template <class Wait>
+    static nxErrorEnum With(nxMutex& mutex, const Wait& wait)
+    {
+        const nxMutexGuard guard(mutex);
+        return wait();
     }
 
     nxMutex mutex, robust, own;
@@ -67,7 +76,6 @@ TEST(timedWaits, TimeOutNeverEarlyAndInEveryMillisecondOfTheWallClock)
     const nxReaderWriterLockGuard_Write writer(locks.lock);
     const auto waitInAll = [&]
     {
-        const nxMutexGuard own(locks.own), both(locks.both);
         for (const long fraction : {0L, 998'500'000L, 999'500'000L})  // TimedWait(0.001) is refused in the last one
         {
             const nxFixedWallClock clock(1'700'000'000, fraction);
