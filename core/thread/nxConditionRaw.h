@@ -39,6 +39,7 @@ public:
 
     /// The same, for at most @p time. Never times out early; the wall clock does not matter. The caller holds the mutex
     /// afterwards.
+    /// @param mutex the mutex, which the caller holds, once.
     /// @param time a std::chrono::duration. Zero, negative values and NaN time out at once.
     /// @return NX_ERR_THR_TIMEDOUT when no signal came in time; NX_ERR_THR_OWNER_DEAD when the owner of a robust mutex
     ///         died: as after nxMutex::Lock(), the caller repairs the data and calls Consistent(); NX_ERR_UNSPECIFIED

@@ -19,12 +19,12 @@
 ///
 /// - Between processes: place the object in shared memory and let its creator call InitialiseAsShared() once. The
 ///   semaphore survives a kill of a process that waits. A count that a killed process had taken is lost.
-/// TimedWait() is an older form of WaitFor() by the wall clock, and less exact.
+/// - TimedWait() is the older form of WaitFor(). It depends on the wall clock and is less exact.
 /// - Errors: returned, never thrown. A signal handler that interrupts a wait ends it with NX_ERR_THR_INTERRUPTED.
 /// - No thread may wait when it is destroyed.
 /// @code
 /// nxSemaphore filled(0);
-/// const nxErrorEnum posted = filled.Post();                                         // in the producer
+/// const nxErrorEnum posted = filled.Post();                                   // in the producer
 /// const nxErrorEnum taken = filled.WaitFor(std::chrono::milliseconds(250));  // in the consumer
 /// @endcode
 class NX_CORE_API nxSemaphore

@@ -27,6 +27,7 @@
 class nxThreadGuard
 {
 public:
+    /// Keeps @p thread, started or not, for the end of the scope.
     explicit nxThreadGuard(nxThread& thread) : _thread(thread) {}
     ~nxThreadGuard() { static_cast<void>(_thread.Wait()); }
 

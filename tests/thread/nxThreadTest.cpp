@@ -67,20 +67,6 @@ TEST(nxThread, ReportsAnExceptionThatLeavesRun)
                                         "FTL A thread ended with an exception: of unknown type"}));
 }
 
-TEST(nxThread, AnExceptionThatLeavesRunWithoutMemoryEndsOnlyTheThread)
-{
-    // The fault is that of the thread and ends with it.
-    std::optional<nxSystemCallFault> noMemory;
-    FunctionThread thrower(
-        [&]
-        {
-            const std::runtime_error error("out of memory");
-            noMemory.emplace("malloc", ENOMEM, nxSystemCallFault::Options{.times = 1000});
-            throw error;
-        });
-    EXPECT_TRUE(thrower.Create().IsOK() && thrower.Wait().IsOK());
-}
-
 TEST(nxThread, OneOfSeveralWaitsJoins)
 {
     for (int round = 0; round < 50; ++round)
