@@ -8,21 +8,26 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/inline/nxDecimalArguments.h"
+#include "core/numeric/inline/nxDecimalExact.h"
 #include "core/numeric/inline/nxDecimalQuick.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/nxInitalizers.h"
 
+class nxDoubleValueWrapper;
 class nxPriceManipulator;
 class nxSimpleAsciiStringWriter;
 class nxValueStatusEnum;
 template <class Writer>
 class nxOStream;
+template <std::integral T, T NullMark, T NoChangeMark>
+class nxValueWrapper;
 
 /// The fixed-point number in which every price, tick, rate and amount is held: a 64-bit mantissa, the number of decimal
 /// places by which it is scaled, and a status.
@@ -35,14 +40,16 @@ class nxOStream;
 ///   multiplication (unless both have 0 places) and division go through `double` and are rounded to the larger number
 ///   of places, a tie toward plus infinity. Round() is exact for every value and increment. No result depends on the
 ///   switches that a program is compiled with, -Ofast included, or on the direction of rounding of its threads.
+/// - Money and input from outside: the operations whose names end in Exact round only where a method is given, never wrap,
+///   and return an error for every result that does not fit. See "Exact operations".
 /// - Limits: a result that does not fit 64 bits wraps modulo 2^64, silently; a place count beyond 255 wraps modulo 256.
 ///   Up to 18 places the power of ten fits; from 20 places on 10^places has itself wrapped modulo 2^64, from 64 places
 ///   on it is 0: the whole mantissa is then the fraction, and GetAsDouble() is infinite or NaN. No operation traps.
 /// - Division by zero is not checked: the quotient, infinite or NaN, becomes mantissa 0 with 0 places and -2^63 with
 ///   more, and stays valid. Test the divisor.
 /// - As a key: `==` and `<` across scales allow a tolerance of 2.2e-16 and are not transitive, so there is no
-///   `std::hash<nxDecimal>`. Use ExactHash and ExactEqual for hash tables; sort only values of one scale.
-/// - Errors: only reading a text can fail, and returns its error. Nothing throws but std::string when memory runs out.
+///   `std::hash<nxDecimal>`. Use ExactHash and ExactEqual for hash tables, and ExactLess for sorted containers.
+/// - Errors: reading a text and the exact operations return theirs. Nothing throws but std::string when memory runs out.
 /// - Threads: like an int. Readers may share one; a writer needs the caller's lock.
 /// - Ownership: a trivially copyable value of 16 bytes that owns nothing. Pass it by value or by reference.
 /// @code
@@ -57,6 +64,8 @@ public:
     static constexpr std::size_t MaxTextSize = 34;
     /// The largest number of decimals that the texts show; Write() shows all.
     static constexpr unsigned char MaxTextPlaces = 12;
+    /// The largest number of places of an exact result: 10^18 is the largest power of ten that a mantissa holds.
+    static constexpr unsigned char MaxExactPlaces = 18;
 
     /// 0 with 0 places.
     constexpr nxDecimal() = default;
@@ -68,45 +77,36 @@ public:
     /// bits; a number above 2^63 - 1 wraps.
     template <class Integer>
     requires nxDecimalArguments::IsWhole<Integer>
-    constexpr nxDecimal(Integer value, unsigned char places)
-        : _number{nxDecimalQuick::Wrap(static_cast<std::uint64_t>(value) * nxPowersOfTen::GetInteger(places)), places}
-    {
-    }
+    constexpr nxDecimal(Integer value, unsigned char places);
     /// @p value rounded to @p places decimals, see SetFromDouble().
     template <std::floating_point Floating>
-    nxDecimal(Floating value, unsigned char places)
-    {
-        SetFromDouble(static_cast<double>(value), places);
-    }
+    nxDecimal(Floating value, unsigned char places);
     /// The quotient of the two numbers as doubles, rounded to @p places decimals: (1, 3, 2) is 0.33.
     nxDecimal(long long numerator, long long denominator, unsigned char places);
     /// The number that @p text spells, see SetFromString(); null when it spells none.
     nxDecimal(const std::string& text, char separator);
     /// The same; a null pointer is an empty text. No parameter of type `const char*`: a 0 is a number.
     template <std::convertible_to<const char*> Text>
-    nxDecimal(Text text, char separator) : nxDecimal(nxNullInitalizer{})
-    {
-        static_cast<void>(SetFromString(text, separator));
-    }
+    nxDecimal(Text text, char separator);
+    /// Null, no change or the whole number of the wrapper; null when it does not fit with @p places zero decimals.
+    template <class T, T NullMark, T NoChangeMark>
+    explicit nxDecimal(const nxValueWrapper<T, NullMark, NoChangeMark>& value, unsigned char places);
+    /// Null, no change or the number of the wrapper; null where SetFromDoubleExact() fails. No other type converts.
+    template <std::same_as<nxDoubleValueWrapper> Wrapper>
+    explicit nxDecimal(const Wrapper& value, unsigned char places);
 
     /// The number @p mantissa / 10^places: (5, 2) is 0.05.
-    static constexpr nxDecimal ConstructFromValueAndDecimalPlaces(long long mantissa, unsigned char places)
-    {
-        return nxDecimal(_FromParts{}, mantissa, places);
-    }
+    static constexpr nxDecimal ConstructFromValueAndDecimalPlaces(long long mantissa, unsigned char places);
 
     /// @name Arguments that would be cut silently do not compile
     /// @{
-
     /// No decimal is made of a character, a truth value, more than 64 bits, places with a fraction, or a text and places.
     template <class Value, class Places>
     requires nxDecimalArguments::AreMistaken<Value, Places> nxDecimal(Value value, Places places)
     = delete;
     /// Numerator and denominator are whole numbers.
     template <class Numerator, class Denominator, class Places>
-    requires nxDecimalArguments::IsCut<Numerator> || nxDecimalArguments::IsCut<Denominator> ||
-        std::floating_point<Places>
-        nxDecimal(Numerator numerator, Denominator denominator, Places places)
+    requires nxDecimalArguments::AreCut<Numerator, Denominator, Places> nxDecimal(Numerator, Denominator, Places)
     = delete;
     /// The mantissa is a whole number, and so is the number of places.
     template <class Mantissa, class Places>
@@ -147,6 +147,10 @@ public:
     constexpr long long GetIntegerPart() const;
     /// The decimals as an integer in units of 10^-places, without sign: 345 for -12.345, 5 for 1.05.
     constexpr unsigned long long GetFractionalPart() const;
+    /// @return this value if it is valid, and otherwise @p fallback.
+    constexpr nxDecimal GetOr(const nxDecimal& fallback) const { return IsValid() ? *this : fallback; }
+    /// Becomes @p request, null included; keeps its value when @p request is "no change".
+    constexpr void UpdateFrom(const nxDecimal& request) { *this = request.IsNoChange() ? *this : request; }
 
     /// Puts the status into the value: null is (2^63 - 1, 0), no change (2^63 - 2, 0), a number (mantissa, places).
     /// A valid number with one of these two mantissas reads back as null or no change, so never encode
@@ -155,12 +159,7 @@ public:
     /// @copydoc GetAsEncodedValues(long long&, unsigned char&) const
     template <std::signed_integral Integer>
     requires(sizeof(Integer) == sizeof(long long)) constexpr void GetAsEncodedValues(Integer& value,
-                                                                                     unsigned char& places) const
-    {
-        long long encoded = 0;
-        GetAsEncodedValues(encoded, places);
-        value = encoded;
-    }
+                                                                                     unsigned char& places) const;
     /// Reads what GetAsEncodedValues() gave.
     constexpr void SetFromEncodedValues(const long long& value, const unsigned char& places);
 
@@ -178,7 +177,6 @@ public:
 
     /// @name Changing the representation
     /// @{
-
     /// Makes @p places the number of decimal places: more places add zeros. Fewer cut decimals off, toward zero; with
     /// @p onlyDropZeros they remove trailing zeros alone and stop at the first other digit, so that no digit is lost.
     /// Nothing happens to a value that is not valid.
@@ -200,10 +198,12 @@ public:
     constexpr void Abs();
     /// @return @p value without its sign; one that is not valid as it is.
     static constexpr nxDecimal Abs(const nxDecimal& value);
+    /// @return the negated copy of @p value, see InvertSign(); a value that is not valid as it is.
+    static constexpr nxDecimal Negate(const nxDecimal& value);
     /// Negates the number. The most negative mantissa has no counterpart and stays.
     constexpr void InvertSign() { _Negate(); }
     /// Negates this object itself and returns it: after `y = -x` both are negated. Programs rely on it. A negated copy
-    /// is made by `nxDecimal y = x; y.InvertSign();`.
+    /// is made by Negate().
     constexpr nxDecimal& operator-();
 
     /// The smaller of the two; one that is not valid gives way to the other. A tie yields @p a.
@@ -215,7 +215,6 @@ public:
     /// @name Arithmetic
     /// The result has the larger of the two place counts.
     /// @{
-
     /// The exact sum where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator+=(const nxDecimal& other);
     /// The exact difference where both have one scale, else that of the doubles. It wraps modulo 2^64.
@@ -230,35 +229,50 @@ public:
     friend nxDecimal operator/(nxDecimal left, const nxDecimal& right) { return left /= right; }  ///< See operator/=.
     /// @}
 
+    /// @name Exact operations
+    /// They calculate with integers and lose nothing. On failure this object keeps its value. Results have at most
+    /// MaxExactPlaces places. Each returns
+    /// - NX_ERR_OBJECT_IS_NULL when this value or an operand is not valid, "no change" included;
+    /// - NX_ERR_INVALID_PARAMETER for a divisor or an increment of 0, an undefined method, or NaN;
+    /// - NX_ERR_VALUE_OUT_OF_RANGE when the result needs more than 64 bits, more places than there may be, or a digit less.
+    /// The rounding methods are those of Round().
+    /// @{
+    [[nodiscard]] nxErrorEnum AddExact(const nxDecimal& other);       ///< Adds; the larger scale.
+    [[nodiscard]] nxErrorEnum SubtractExact(const nxDecimal& other);  ///< Subtracts; the larger scale.
+    /// Multiplies: 1.5 * 1.5 is 2.25. The places add up; trailing zeros go while mantissa or places do not fit.
+    [[nodiscard]] nxErrorEnum MultiplyExact(const nxDecimal& other);
+    /// Becomes the exact product, rounded once to @p places decimals.
+    [[nodiscard]] nxErrorEnum MultiplyExact(const nxDecimal& other, unsigned char places,
+                                            const nxRoundingMethodEnum& method);
+    /// Becomes the exact quotient, rounded once to @p places decimals.
+    [[nodiscard]] nxErrorEnum DivideExact(const nxDecimal& divisor, unsigned char places,
+                                          const nxRoundingMethodEnum& method);
+    /// Makes @p places the number of decimal places; only zeros are cut off.
+    [[nodiscard]] nxErrorEnum SetDecimalPlacesExact(unsigned char places);
+    /// Becomes a multiple of @p increment, as Round() does.
+    [[nodiscard]] nxErrorEnum RoundExact(const nxDecimal& increment, const nxRoundingMethodEnum& method);
+    /// Becomes @p value rounded to @p places decimals, as SetFromDouble() does. An infinity does not fit.
+    [[nodiscard]] nxErrorEnum SetFromDoubleExact(double value, unsigned char places);
+    /// Gives a double from which SetFromDoubleExact() makes this number again. Every number of up to 15 digits has one.
+    [[nodiscard]] nxErrorEnum GetAsDoubleExact(double& value) const;
+    /// Gives the number as an integer; a fraction other than 0 does not fit.
+    template <class Integer>
+    requires nxDecimalArguments::IsWhole<Integer>
+    [[nodiscard]] nxErrorEnum GetAsIntegerExact(Integer& value) const;
+    /// @}
+
     /// @name Comparison
     /// Numbers of one scale compare exactly; across scales they are equal when their doubles differ by 2.2e-16 at most.
     /// Null equals null and no change equals no change; null is less than no change, and both are less than any number.
     /// @{
-
     /// Not transitive across scales; EqualsExactly() is.
-    friend bool operator==(const nxDecimal& left, const nxDecimal& right)
-    {
-        long long a, b;
-        return _AsIntegers(left, right, a, b) ? a == b : _AreEqual(left, right);
-    }
+    friend bool operator==(const nxDecimal& left, const nxDecimal& right) { return _IsEqual(left, right); }
     /// Sorts values of one scale; across scales the tolerance of `==` makes it no strict order.
-    friend bool operator<(const nxDecimal& left, const nxDecimal& right)
-    {
-        long long a, b;
-        return _AsIntegers(left, right, a, b) ? a < b : _IsLess(left, right);
-    }
+    friend bool operator<(const nxDecimal& left, const nxDecimal& right) { return _IsBelow(left, right); }
     /// Neither equal within the tolerance nor less.
-    friend bool operator>(const nxDecimal& left, const nxDecimal& right)
-    {
-        long long a, b;
-        return _AsIntegers(left, right, a, b) ? a > b : !_AreEqual(left, right) && !_IsLess(left, right);
-    }
+    friend bool operator>(const nxDecimal& left, const nxDecimal& right) { return _IsAbove(left, right); }
     /// Equal within the tolerance, or less.
-    friend bool operator<=(const nxDecimal& left, const nxDecimal& right)
-    {
-        long long a, b;
-        return _AsIntegers(left, right, a, b) ? a <= b : _AreEqual(left, right) || _IsLess(left, right);
-    }
+    friend bool operator<=(const nxDecimal& left, const nxDecimal& right) { return _IsUpTo(left, right); }
     /// The opposite of `==`.
     friend bool operator!=(const nxDecimal& left, const nxDecimal& right) { return !(left == right); }
     /// The opposite of `<`.
@@ -270,18 +284,13 @@ public:
     /// @return a hash that agrees with EqualsExactly().
     std::size_t GetExactHash() const;
 
-    /// For hash tables: `std::unordered_map<nxDecimal, Order, nxDecimal::ExactHash, nxDecimal::ExactEqual>`.
-    struct ExactHash
-    {
-        /// See GetExactHash().
-        std::size_t operator()(const nxDecimal& value) const { return value.GetExactHash(); }
-    };
-    /// @copydoc ExactHash
-    struct ExactEqual
-    {
-        /// See EqualsExactly().
-        bool operator()(const nxDecimal& left, const nxDecimal& right) const { return left.EqualsExactly(right); }
-    };
+    /// @return -1, 0 or 1 when this value is less than, exactly equal to or greater than @p other: a total order without
+    ///         tolerance. Null is less than no change, and both are less than any number.
+    int CompareExact(const nxDecimal& other) const;
+
+    struct ExactHash;   ///< For hash tables, see GetExactHash().
+    struct ExactEqual;  ///< For hash tables, see EqualsExactly().
+    struct ExactLess;   ///< For sorting and sorted containers: `std::map<nxDecimal, Order, nxDecimal::ExactLess>`.
     /// @}
 
     /// @name Text
@@ -290,28 +299,23 @@ public:
     /// trimmed forms show @p places decimals at most. The forms that fill a buffer terminate it with a NUL, use up to
     /// MaxTextSize bytes of it and return the length of the text.
     /// @{
-
     /// Reads an optional '-' or '+', then digits with at most one @p separator among them: ".5" and "5." are numbers.
     /// The number of digits after the separator becomes the number of places. There is no limit on digits: the
     /// mantissa wraps modulo 2^64 and the places modulo 256.
     /// @return NX_ERR_INVALID_PARAMETER for a text without a digit or with any other character; the object then keeps
     ///         its value.
-    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator)
-    {
-        return SetFromStringView(text, separator);
-    }
+    [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator);
     /// The same; a null pointer is an empty text.
-    [[nodiscard]] nxErrorEnum SetFromString(const char* text, char separator)
-    {
-        return SetFromStringView(text, separator);
-    }
+    [[nodiscard]] nxErrorEnum SetFromString(const char* text, char separator);
     /// The same; a null pointer is an empty text.
-    [[nodiscard]] nxErrorEnum SetFromStringView(const char* text, char separator)
-    {
-        return SetFromStringView(text != nullptr ? std::string_view(text) : std::string_view(), separator);
-    }
+    [[nodiscard]] nxErrorEnum SetFromStringView(const char* text, char separator);
     /// The same for a text that need not be terminated.
     [[nodiscard]] nxErrorEnum SetFromStringView(std::string_view text, char separator);
+    /// Reads what SetFromString() reads, and loses no digit.
+    /// @return also NX_ERR_VALUE_OUT_OF_RANGE for a number beyond 64 bits or with more than MaxExactPlaces decimals.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(std::string_view text, char separator);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(const char* text, char separator);
 
     /// What the plain and trimmed forms call: writes @p places decimals at most.
     std::size_t _GetAsString(char* buffer, char separator, const unsigned char& places) const;
@@ -331,6 +335,9 @@ public:
     /// @return the log form with @p places decimals at most, the others cut off.
     std::string GetAsTrimmedLogString(const unsigned char& places, char separator) const;
 
+    /// @return the number with all its decimals, which reads back equal; an empty text unless valid.
+    std::string GetAsExactString(char separator) const;
+    void AppendAsExactString(std::string& text, char separator) const;  ///< Appends what GetAsExactString() returns.
     /// Writes the number with all its decimals, up to 255; nothing unless valid.
     void Write(nxOStream<nxSimpleAsciiStringWriter>& stream, char separator) const;
     /// @}
@@ -348,26 +355,21 @@ private:
     static constexpr long long _encodedNull = INT64_MAX;
     static constexpr long long _encodedNoChange = INT64_MAX - 1;
 
-    constexpr bool _SharesScale(const nxDecimal& other) const
-    {
-        return _number.scale == other._number.scale && _number.scale < _null;
-    }
+    constexpr bool _SharesScale(const nxDecimal& other) const;
     constexpr bool _AreValid(const nxDecimal& other) const { return (_number.scale | other._number.scale) < _null; }
-    constexpr unsigned char _LargerScale(const nxDecimal& other) const
-    {
-        return static_cast<unsigned char>(std::max(_number.scale, other._number.scale));
-    }
+    constexpr unsigned char _LargerScale(const nxDecimal& other) const;
     constexpr std::uint64_t _GetMagnitude() const { return nxDecimalQuick::GetMagnitude(_number.mantissa); }
-    constexpr void _Negate()
-    {
-        _number.mantissa = nxDecimalQuick::Wrap(0 - static_cast<std::uint64_t>(_number.mantissa));
-    }
+    constexpr void _Negate();
 
     double _AsDouble() const;
     // SetFromDouble() in a thread that rounds to the nearest.
     void _SetFromNearest(double number, unsigned char places);
     // Integers that compare as the values do; false when the slow paths have to compare.
     static bool _AsIntegers(const nxDecimal& left, const nxDecimal& right, long long& a, long long& b);
+    static bool _IsEqual(const nxDecimal& left, const nxDecimal& right);
+    static bool _IsBelow(const nxDecimal& left, const nxDecimal& right);
+    static bool _IsAbove(const nxDecimal& left, const nxDecimal& right);
+    static bool _IsUpTo(const nxDecimal& left, const nxDecimal& right);
 
     // Everything beyond the quick paths, operands that are not valid included. These take and return values, so that an
     // object in registers stays there.

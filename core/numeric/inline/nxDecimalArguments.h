@@ -21,6 +21,9 @@ public:
     /// nothing.
     template <class Number>
     static constexpr bool IsCut = std::convertible_to<Number, long long> && !IsWhole<Number> && !std::is_enum_v<Number>;
+    /// A quotient whose numerator, denominator or places would be cut.
+    template <class Numerator, class Denominator, class Places>
+    static constexpr bool AreCut = IsCut<Numerator> || IsCut<Denominator> || std::floating_point<Places>;
     /// A number that is neither whole nor floating, places with a fraction, or a text with anything but a separator.
     template <class Value, class Places>
     static constexpr bool AreMistaken = (std::integral<Value> && !IsWhole<Value>) || std::floating_point<Places> ||

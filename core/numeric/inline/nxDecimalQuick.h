@@ -126,7 +126,8 @@ public:
     static constexpr bool IsMethod(unsigned method) { return method >= NX_ROUNDING_METHOD_DOWN; }
     /// @return the threshold that a rest exceeds when the multiple above is due, where the magnitude of a number is taken
     ///         in whole steps and a rest. The threshold @p step itself is never exceeded.
-    static constexpr std::uint64_t GetThreshold(unsigned method, bool negative, std::uint64_t step)
+    template <class Unsigned>
+    static constexpr Unsigned GetThreshold(unsigned method, bool negative, Unsigned step)
     {
         switch (method)
         {

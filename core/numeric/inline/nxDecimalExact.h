@@ -1,0 +1,179 @@
+#ifndef CORE_NUMERIC_INLINE_NXDECIMALEXACT_H
+#define CORE_NUMERIC_INLINE_NXDECIMALEXACT_H
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/numeric/inline/nxDecimalQuick.h"
+#include "core/numeric/nxPowersOfTen.h"
+#include "core/nxExport.h"
+
+/// The exact operations of nxDecimal, on plain numbers: integers of up to 128 bits, and an error for every result that
+/// does not fit. The class states the errors.
+///
+/// Small operands are calculated inline with 64 bits. All others, those without a value included, go through functions that
+/// take and return values, so that an object in registers stays there.
+/// - Failure: the first argument keeps its value.
+/// - Threads and ownership: functions of their arguments.
+class NX_CORE_API nxDecimalExact
+{
+public:
+    using Number = nxDecimalQuick::Number;  ///< A decimal in parts.
+
+    static constexpr unsigned char MaxPlaces = 18;  ///< The largest number of places of a result.
+
+    /// a += b.
+    static nxErrorEnum Add(Number& a, const Number& b)
+    {
+        long long left, right, sum;
+        if (_SharesExactScale(a, b)) [[likely]]
+        {
+            if (!__builtin_add_overflow(a.mantissa, b.mantissa, &sum)) [[likely]]
+                return _Set(a, sum, a.scale);
+        }
+        else if (nxDecimalQuick::Align(a, b, left, right))
+            return _Set(a, left + right, std::max(a.scale, b.scale));
+        Number result;
+        const nxErrorEnum error = _AddFar(a, b, false, result);
+        return _Take(error, result, a);
+    }
+    /// a -= b.
+    static nxErrorEnum Subtract(Number& a, const Number& b)
+    {
+        long long left, right, difference;
+        if (_SharesExactScale(a, b)) [[likely]]
+        {
+            if (!__builtin_sub_overflow(a.mantissa, b.mantissa, &difference)) [[likely]]
+                return _Set(a, difference, a.scale);
+        }
+        else if (nxDecimalQuick::Align(a, b, left, right))
+            return _Set(a, left - right, std::max(a.scale, b.scale));
+        Number result;
+        const nxErrorEnum error = _AddFar(a, b, true, result);
+        return _Take(error, result, a);
+    }
+    /// a *= b, with all the places that the product needs.
+    static nxErrorEnum Multiply(Number& a, const Number& b)
+    {
+        long long product;
+        const std::uint64_t places = a.scale + b.scale;
+        if (places <= MaxPlaces && !__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[likely]]
+            return _Set(a, product, places);
+        Number result;
+        const nxErrorEnum error = _MultiplyFar(a, b, result);
+        return _Take(error, result, a);
+    }
+    /// a *= b, rounded to @p places.
+    static nxErrorEnum Multiply(Number& a, const Number& b, unsigned char places, unsigned method)
+    {
+        long long product;
+        const std::uint64_t cut = a.scale + b.scale - places;
+        if (places <= MaxPlaces && cut <= MaxPlaces && nxDecimalQuick::IsMethod(method) &&
+            !__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[likely]]
+        {
+            // At most 2^63, and above that no more than a tenth of it is rounded.
+            const std::uint64_t quotient = GetRoundedQuotient(nxDecimalQuick::GetMagnitude(product),
+                                                              nxPowersOfTen::GetInteger(cut), method, product < 0);
+            return _Set(a, _GetSigned(quotient, product < 0), places);
+        }
+        Number result;
+        const nxErrorEnum error = _MultiplyFar(a, b, places, method, result);
+        return _Take(error, result, a);
+    }
+    /// a /= b, rounded to @p places.
+    static nxErrorEnum Divide(Number& a, const Number& b, unsigned char places, unsigned method)
+    {
+        // The quotient of the mantissas counts units of 10^-(a.scale - b.scale).
+        const std::uint64_t added = places + b.scale - a.scale;
+        std::uint64_t dividend;
+        if ((a.scale | b.scale | places) <= 31 && places <= MaxPlaces && added <= MaxPlaces && b.mantissa != 0 &&
+            nxDecimalQuick::IsMethod(method) &&
+            !__builtin_mul_overflow(nxDecimalQuick::GetMagnitude(a.mantissa), nxPowersOfTen::GetInteger(added),
+                                    &dividend)) [[likely]]
+        {
+            const bool isNegative = (a.mantissa < 0) != (b.mantissa < 0);
+            const std::uint64_t quotient =
+                GetRoundedQuotient(dividend, nxDecimalQuick::GetMagnitude(b.mantissa), method, isNegative);
+            if (quotient <= INT64_MAX) [[likely]]
+                return _Set(a, _GetSigned(quotient, isNegative), places);
+        }
+        Number result;
+        const nxErrorEnum error = _DivideFar(a, b, places, method, result);
+        return _Take(error, result, a);
+    }
+    /// Rounds to a multiple of the increment.
+    static nxErrorEnum Round(Number& number, const Number& increment, unsigned method)
+    {
+        if (nxDecimalQuick::Round(number, increment, method)) [[likely]]
+            return nxErrorEnum();
+        Number result;
+        const nxErrorEnum error = _RoundFar(number, increment, method, result);
+        return _Take(error, result, number);
+    }
+    /// Reads a text.
+    static nxErrorEnum Read(std::string_view text, char separator, Number& number)
+    {
+        if (nxDecimalQuick::Read(text, separator, number)) [[likely]]
+            return nxErrorEnum();
+        Number result;
+        const nxErrorEnum error = _ReadFar(text, separator, result);
+        return _Take(error, result, number);
+    }
+    /// Cuts zeros off or adds some.
+    static nxErrorEnum SetPlaces(Number& number, unsigned char places);
+    /// Sets a number to the sum of a whole number and a number of fewer units than 10^places.
+    static nxErrorEnum Join(long long whole, const Number& fraction, Number& number);
+    /// Compares any two numbers, those without a value included.
+    /// @return -1, 0 or 1.
+    static int Compare(const Number& a, const Number& b)
+    {
+        long long left = a.mantissa, right = b.mantissa;
+        if (_SharesExactScale(a, b) || nxDecimalQuick::Align(a, b, left, right)) [[likely]]
+            return left < right ? -1 : (left > right ? 1 : 0);
+        return _CompareFar(a, b);
+    }
+
+    /// Divides magnitudes, of 64 or of 128 bits.
+    /// @return the quotient, rounded once by the method of a number with this sign.
+    template <class Unsigned>
+    static constexpr Unsigned GetRoundedQuotient(Unsigned dividend, Unsigned divisor, unsigned method, bool isNegative)
+    {
+        const Unsigned quotient = dividend / divisor;
+        const Unsigned rest = dividend - quotient * divisor;
+        return quotient + (rest > nxDecimalQuick::GetThreshold(method, isNegative, divisor) ? 1 : 0);
+    }
+
+private:
+    static constexpr bool _SharesExactScale(const Number& a, const Number& b)
+    {
+        return a.scale == b.scale && a.scale <= MaxPlaces;
+    }
+    static constexpr long long _GetSigned(std::uint64_t magnitude, bool isNegative)
+    {
+        return nxDecimalQuick::Wrap(isNegative ? 0 - magnitude : magnitude);
+    }
+    static nxErrorEnum _Set(Number& number, long long mantissa, std::uint64_t scale)
+    {
+        number = {mantissa, scale};
+        return nxErrorEnum();
+    }
+    static nxErrorEnum _Take(const nxErrorEnum& error, const Number& result, Number& number)
+    {
+        if (error.IsOK())
+            number = result;
+        return error;
+    }
+
+    // Everything beyond 64 bits, and every error. They store a result only when they succeed.
+    static nxErrorEnum _AddFar(Number a, Number b, bool isSubtraction, Number& sum);
+    static nxErrorEnum _MultiplyFar(Number a, Number b, Number& product);
+    static nxErrorEnum _MultiplyFar(Number a, Number b, unsigned char places, unsigned method, Number& product);
+    static nxErrorEnum _DivideFar(Number a, Number b, unsigned char places, unsigned method, Number& quotient);
+    static nxErrorEnum _RoundFar(Number number, Number increment, unsigned method, Number& rounded);
+    static nxErrorEnum _ReadFar(std::string_view text, char separator, Number& number);
+    static int _CompareFar(Number a, Number b);
+};
+
+#endif
