@@ -56,5 +56,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(model.Matches(value));
     Require(nxDecimal(std::string(text), separator).IsValid() == isNumber);
     CheckPrinting(value, model, separator);
+
+    nxDecimalOracle exactModel(77, 1);
+    nxDecimal exact = nxDecimal::ConstructFromValueAndDecimalPlaces(77, 1);
+    Require(exact.SetFromStringExact(text, separator) == exactModel.SetFromTextExact(text, separator));
+    Require(exactModel.Matches(exact));
+    Require(exact.GetAsExactString(separator) == exactModel.ExactText(separator));
     return 0;
 }

@@ -253,7 +253,8 @@ public:
     [[nodiscard]] nxErrorEnum RoundExact(const nxDecimal& increment, const nxRoundingMethodEnum& method);
     /// Becomes @p value rounded to @p places decimals, as SetFromDouble() does. An infinity does not fit.
     [[nodiscard]] nxErrorEnum SetFromDoubleExact(double value, unsigned char places);
-    /// Gives a double from which SetFromDoubleExact() makes this number again. Every number of up to 15 digits has one.
+    /// Gives a double from which SetFromDoubleExact() makes this number again, at the places it has without trailing zeros.
+    /// Every number of up to 15 digits has one.
     [[nodiscard]] nxErrorEnum GetAsDoubleExact(double& value) const;
     /// Gives the number as an integer; a fraction other than 0 does not fit.
     template <class Integer>

@@ -24,7 +24,7 @@ nxErrorEnum nxDecimal::GetAsDoubleExact(double& value) const
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
     const nxNearestRounding rounding;
     nxDecimal number = *this;
-    number.Normalise(0);  // fewer digits make the conversion exact more often
+    number.Normalise(0);  // trailing zeros would count as digits
     const double candidate = number.GetAsDouble();
     nxDecimal readBack;
     const nxErrorEnum error = readBack.SetFromDoubleExact(candidate, number.GetDecimalPlaces());

@@ -9,9 +9,7 @@ nxMoney::nxMoney(const nxDecimal& amount, std::string_view currency) : _amount(a
 {
     if (!amount.IsValid())
         return;
-    const bool wellFormed = currency.size() == _currencySize &&
-                            std::all_of(currency.begin(), currency.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
-    if (wellFormed)
+    if (_IsCurrency(currency))
         currency.copy(_currency, _currencySize);
     else
         _amount.SetNull();
@@ -22,24 +20,49 @@ nxMoney::nxMoney(const nxDecimal& amount, const char* currency)
 {
 }
 
-nxErrorEnum nxMoney::SetFromString(const std::string& text, char separator)
+bool nxMoney::_IsCurrency(std::string_view text)
+{
+    return text.size() == _currencySize &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+nxErrorEnum nxMoney::_SetFromString(std::string_view text, char separator, _AmountReader readAmount)
 {
     // From the right: the separator may itself be a blank.
-    const std::string_view view(text);
-    const std::size_t blank = view.rfind(' ');
+    const std::size_t blank = text.rfind(' ');
+    if (blank == std::string_view::npos || !_IsCurrency(text.substr(blank + 1)))
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     nxDecimal amount;
-    if (blank == std::string_view::npos || !amount.SetFromStringView(view.substr(0, blank), separator).IsOK())
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    const nxMoney money(amount, view.substr(blank + 1));
-    if (money.IsNull())
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    *this = money;
-    return nxErrorEnum();
+    const nxErrorEnum error = (amount.*readAmount)(text.substr(0, blank), separator);
+    if (error.IsOK())
+        *this = nxMoney(amount, text.substr(blank + 1));
+    return error;
+}
+
+nxErrorEnum nxMoney::SetFromString(const std::string& text, char separator)
+{
+    return _SetFromString(text, separator, &nxDecimal::SetFromStringView);
 }
 
 nxErrorEnum nxMoney::SetFromString(const char* text, char separator)
 {
     return SetFromString(nxStringHelper::GetAsString(text), separator);
+}
+
+nxErrorEnum nxMoney::SetFromStringExact(std::string_view text, char separator)
+{
+    return _SetFromString(text, separator, &nxDecimal::SetFromStringExact);
+}
+
+nxErrorEnum nxMoney::SetFromStringExact(const char* text, char separator)
+{
+    return SetFromStringExact(text != nullptr ? std::string_view(text) : std::string_view(), separator);
+}
+
+int nxMoney::CompareExact(const nxMoney& other) const
+{
+    const int order = IsValid() && other.IsValid() ? GetCurrency().compare(other.GetCurrency()) : 0;
+    return order == 0 ? _amount.CompareExact(other._amount) : (order < 0 ? -1 : 1);
 }
 
 void nxMoney::AppendAsString(std::string& out, char separator) const
@@ -52,6 +75,20 @@ std::string nxMoney::GetAsString(char separator) const
 {
     std::string text;
     AppendAsString(text, separator);
+    return text;
+}
+
+void nxMoney::AppendAsExactString(std::string& out, char separator) const
+{
+    _amount.AppendAsExactString(out, separator);
+    if (IsValid())
+        out.append(1, ' ').append(GetCurrency());
+}
+
+std::string nxMoney::GetAsExactString(char separator) const
+{
+    std::string text;
+    AppendAsExactString(text, separator);
     return text;
 }
 

@@ -44,31 +44,62 @@ public:
     const nxDecimal& GetAmount() const { return _amount; }
     /// @return three capital letters, or an empty text unless valid. Refers into this object.
     std::string_view GetCurrency() const { return std::string_view(_currency, IsValid() ? _currencySize : 0); }
+    /// @return this money if it is valid, and otherwise @p fallback.
+    nxMoney GetOr(const nxMoney& fallback) const { return IsValid() ? *this : fallback; }
+    /// Becomes @p request, null included; keeps its value when @p request is "no change".
+    void UpdateFrom(const nxMoney& request) { *this = request.IsNoChange() ? *this : request; }
 
     /// Reads an amount as nxDecimal does, one blank, and three capital letters: "-1234.50 USD".
     /// @return NX_ERR_INVALID_PARAMETER for any other text; the money is then unchanged.
     [[nodiscard]] nxErrorEnum SetFromString(const std::string& text, char separator);
     /// The same; a null pointer is an empty text.
     [[nodiscard]] nxErrorEnum SetFromString(const char* text, char separator);
+    /// Reads what SetFromString() reads, and loses no digit.
+    /// @return also NX_ERR_VALUE_OUT_OF_RANGE for an amount beyond 64 bits or with more than nxDecimal::MaxExactPlaces
+    ///         decimals.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(std::string_view text, char separator);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromStringExact(const char* text, char separator);
 
     /// @return the amount with all its decimals (twelve at most), a blank and the currency: "-1234.50 USD"; an empty
     ///         text unless valid.
     std::string GetAsString(char separator) const;
     /// Appends what GetAsString() returns.
     void AppendAsString(std::string& out, char separator) const;
+    /// @return the same with every decimal of the amount, which reads back equal.
+    std::string GetAsExactString(char separator) const;
+    /// Appends what GetAsExactString() returns.
+    void AppendAsExactString(std::string& out, char separator) const;
     /// @return what GetAsString() returns, "NULL" or "NO_CHANGE".
     std::string GetAsLogString(char separator) const;
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out, char separator) const;
 
     /// Equal amounts of the same currency; null equals null and no change equals no change. Amounts compare as
-    /// nxDecimal's do, across scales with a tolerance, so money makes no key of a hashed container.
+    /// nxDecimal's do, across scales with a tolerance, so a sorted or hashed container needs the exact forms below.
     friend bool operator==(const nxMoney& a, const nxMoney& b)
     {
         return a._amount == b._amount && a.GetCurrency() == b.GetCurrency();
     }
+    /// @return whether CompareExact() is 0: the same currency and exactly the same number, or the same state.
+    bool EqualsExactly(const nxMoney& other) const { return CompareExact(other) == 0; }
+    /// @return -1, 0 or 1 when this money comes before @p other, equals it or comes after it, without tolerance. Null comes
+    ///         before no change, and both before any money. Money is sorted by currency first: across currencies the order
+    ///         says nothing about worth.
+    int CompareExact(const nxMoney& other) const;
+
+    /// For sorting and sorted containers: `std::set<nxMoney, nxMoney::ExactLess>`.
+    struct ExactLess
+    {
+        /// See CompareExact().
+        bool operator()(const nxMoney& left, const nxMoney& right) const { return left.CompareExact(right) < 0; }
+    };
 
 private:
+    using _AmountReader = nxErrorEnum (nxDecimal::*)(std::string_view, char);
+    static bool _IsCurrency(std::string_view text);
+    nxErrorEnum _SetFromString(std::string_view text, char separator, _AmountReader readAmount);
+
     static constexpr unsigned _currencySize = 3;
 
     nxDecimal _amount;

@@ -150,39 +150,124 @@ struct nxDecimalOracle
         if (!IsValid() || !increment.IsValid() || increment.mantissa == 0 || method < NX_ROUNDING_METHOD_DOWN ||
             method > NX_ROUNDING_METHOD_MODIFIED_NEAREST)
             return;
-        Wide quotient, rest, divisor = increment.Magnitude();
-        if (places <= increment.places)
-        {
-            std::string dividend = std::to_string(Magnitude()) + std::string(increment.places - places, '0');
-            quotient = rest = 0;
-            for (const char digit : dividend)
-            {
-                rest = rest * 10 + static_cast<unsigned>(digit - '0');
-                quotient = quotient * 10 + rest / divisor;  // modulo 2^128, of which 2^64 is asked for
-                rest %= divisor;
-            }
-        }
-        else
-        {
-            // For a dividend of 64 bits any divisor of at least 2^90 gives the same result.
-            for (unsigned n = increment.places; n < places && divisor >> 90 == 0; ++n)
-                divisor *= 10;
-            quotient = Magnitude() / divisor;
-            rest = Magnitude() % divisor;
-        }
-        const bool negative = mantissa < 0;
-        bool above = false;
-        if (method == NX_ROUNDING_METHOD_DOWN)
-            above = negative && rest != 0;
-        else if (method == NX_ROUNDING_METHOD_UP)
-            above = !negative && rest != 0;
-        else if (method == NX_ROUNDING_METHOD_NEAREST)
-            above = rest * 2 >= divisor;
-        else
-            above = rest * 2 > divisor;
-        const auto rounded = static_cast<std::uint64_t>((quotient + (above ? 1 : 0)) * increment.Magnitude());
-        mantissa = Signed(negative ? 0 - rounded : rounded);
+        std::uint64_t steps = 0;  // modulo 2^64
+        for (const char digit : Quotient(std::to_string(Magnitude()), increment.Magnitude(), increment.places, places,
+                                         method, mantissa < 0))
+            steps = steps * 10 + static_cast<unsigned>(digit - '0');
+        const std::uint64_t rounded = steps * increment.Magnitude();
+        mantissa = Signed(mantissa < 0 ? 0 - rounded : rounded);
         places = increment.places;
+    }
+
+    // --- The exact operations, with their errors; digits are calculated on paper ---
+
+    nxErrorEnum AddExact(const nxDecimalOracle& other, int sign)
+    {
+        if (!IsValid() || !other.IsValid())
+            return NX_ERR_OBJECT_IS_NULL;
+        const unsigned larger = Larger(other);
+        if (larger > 18)
+            return NX_ERR_VALUE_OUT_OF_RANGE;
+        const auto scaled = [=](const nxDecimalOracle& o)
+        { return SignedWide{o.mantissa} * static_cast<long long>(Power(larger - o.places)); };
+        const SignedWide sum = scaled(*this) + sign * scaled(other);
+        return Become(Digits(static_cast<Wide>(sum < 0 ? -sum : sum)), sum < 0, larger);
+    }
+    nxErrorEnum MultiplyExact(const nxDecimalOracle& other)
+    {
+        if (!IsValid() || !other.IsValid())
+            return NX_ERR_OBJECT_IS_NULL;
+        std::string digits = Digits(Wide{Magnitude()} * other.Magnitude());
+        unsigned needed = places + other.places;
+        if (digits == "0")
+            needed = std::min(needed, 18U);
+        const bool negative = (mantissa < 0) != (other.mantissa < 0);
+        nxErrorEnum error = Become(digits, negative, needed);
+        for (; !error.IsOK() && needed > 0 && digits.back() == '0'; error = Become(digits, negative, --needed))
+            digits.pop_back();
+        return error;
+    }
+    /// @param operation * or /, rounded to the places; | rounds to a multiple of the other and ignores the places.
+    nxErrorEnum RoundExact(char operation, const nxDecimalOracle& other, unsigned wanted, nxEnumValue method)
+    {
+        if (!IsValid() || !other.IsValid())
+            return NX_ERR_OBJECT_IS_NULL;
+        if ((other.mantissa == 0 && operation != '*') || method < NX_ROUNDING_METHOD_DOWN ||
+            method > NX_ROUNDING_METHOD_MODIFIED_NEAREST)
+            return NX_ERR_INVALID_PARAMETER;
+        const std::string digits = std::to_string(Magnitude());
+        const bool negative = (mantissa < 0) != (other.mantissa < 0 && operation != '|');
+        if (operation == '*')
+            return Become(Quotient(Digits(Wide{Magnitude()} * other.Magnitude()), 1, wanted, places + other.places,
+                                   method, negative),
+                          negative, wanted);
+        if (operation == '/')
+            return Become(Quotient(digits, other.Magnitude(), wanted + other.places, places, method, negative),
+                          negative, wanted);
+        std::string steps = Quotient(digits, other.Magnitude(), other.places, places, method, negative);
+        steps.erase(0, std::min(steps.find_first_not_of('0'), steps.size()));
+        if (steps.size() > 19)
+            return NX_ERR_VALUE_OUT_OF_RANGE;
+        return Become(Digits(Wide{std::stoull("0" + steps)} * other.Magnitude()), negative, other.places);
+    }
+    nxErrorEnum SetDecimalPlacesExact(unsigned wanted)
+    {
+        std::string digits = std::to_string(Magnitude()) + std::string(wanted > places ? wanted - places : 0, '0');
+        const std::size_t cut = places > wanted ? places - wanted : 0;
+        digits.insert(0, cut, '0');
+        if (IsValid() && digits.find_first_not_of('0', digits.size() - cut) != std::string::npos)
+            return NX_ERR_VALUE_OUT_OF_RANGE;
+        return IsValid() ? Become(digits.substr(0, digits.size() - cut), mantissa < 0, wanted) : NX_ERR_OBJECT_IS_NULL;
+    }
+    nxErrorEnum SetFromDoubleExact(double value, unsigned wanted)
+    {
+        if (std::isnan(value))
+            return NX_ERR_INVALID_PARAMETER;
+        if (std::fabs(value) > 1e19 || wanted > 18)
+            return NX_ERR_VALUE_OUT_OF_RANGE;
+        nxDecimalOracle fraction;
+        fraction.SetFromDouble(value - std::trunc(value), wanted);
+        const auto whole = static_cast<SignedWide>(value) * static_cast<long long>(Power(wanted)) + fraction.mantissa;
+        return Become(Digits(static_cast<Wide>(whole < 0 ? -whole : whole)), whole < 0, wanted);
+    }
+    nxErrorEnum SetFromTextExact(std::string_view text, char separator)
+    {
+        if (!nxDecimalOracle().SetFromText(text, separator))
+            return NX_ERR_INVALID_PARAMETER;
+        std::string digits;
+        std::size_t decimals = 0;
+        for (std::size_t i = 0; i < text.size(); ++i)
+        {
+            if (text[i] >= '0' && text[i] <= '9')
+                digits += text[i];
+            else if (text[i] == separator && (i > 0 || (separator != '-' && separator != '+')))
+                decimals = text.size() - i - 1;
+        }
+        return Become(digits, text[0] == '-', static_cast<unsigned>(decimals));
+    }
+    /// The digits of both, filled up with zeros on either side, compare as texts do.
+    int CompareExact(const nxDecimalOracle& other) const
+    {
+        const auto key = [larger = Larger(other)](const nxDecimalOracle& o)
+        {
+            std::string digits = std::to_string(o.Magnitude()) + std::string(larger - o.places, '0');
+            return digits.insert(0, 600 - digits.size(), '0');
+        };
+        const auto rank = [](const nxDecimalOracle& o) {
+            return !o.IsValid() ? (o.status == NX_VALUE_STATUS_NULL ? 0 : 1) : o.mantissa < 0 ? 2 : 3;
+        };
+        int order = rank(*this) - rank(other);
+        if (order == 0 && IsValid())
+            order = mantissa < 0 ? key(other).compare(key(*this)) : key(*this).compare(key(other));
+        return (order > 0) - (order < 0);
+    }
+    std::string ExactText(char separator) const
+    {
+        std::string digits = std::to_string(Magnitude());
+        digits.insert(0, digits.size() <= places ? places + 1 - digits.size() : 0, '0');
+        if (places > 0)
+            digits.insert(digits.size() - places, 1, separator);
+        return !IsValid() ? "" : mantissa < 0 ? "-" + digits : digits;
     }
 
     /// False, with nothing changed, when @p text is no number.
@@ -239,6 +324,57 @@ struct nxDecimalOracle
 
 private:
     __extension__ typedef unsigned __int128 Wide;
+    __extension__ typedef __int128 SignedWide;
+
+    static std::string Digits(Wide value)
+    {
+        const auto last = static_cast<char>('0' + value % 10);
+        return (value < 10 ? std::string() : Digits(value / 10)) + last;
+    }
+    // The digits of dividend / divisor * 10^(to - from), by long division, rounded once.
+    static std::string Quotient(std::string dividend, std::uint64_t divisor, unsigned to, unsigned from,
+                                nxEnumValue method, bool negative)
+    {
+        dividend.append(to > from ? to - from : 0, '0');
+        std::string quotient(from > to ? from - to : 0, '0');
+        Wide rest = 0;
+        for (const char digit : dividend)
+        {
+            rest = rest * 10 + static_cast<unsigned>(digit - '0');
+            quotient += static_cast<char>('0' + rest / divisor);
+            rest %= divisor;
+        }
+        // Two more digits tell the half, and a last one whether anything is left.
+        rest *= 100;
+        const auto next = static_cast<unsigned>(rest / divisor);
+        const std::size_t kept = quotient.size() - (from > to ? from - to : 0);
+        const std::string lost = quotient.substr(kept) + static_cast<char>('0' + next / 10) +
+                                 static_cast<char>('0' + next % 10) + (rest % divisor != 0 ? '1' : '0');
+        quotient.resize(kept);
+        const bool any = lost.find_first_not_of('0') != std::string::npos;
+        const int half = lost.compare("5" + std::string(lost.size() - 1, '0'));
+        const bool above = method == NX_ROUNDING_METHOD_DOWN      ? negative && any
+                           : method == NX_ROUNDING_METHOD_UP      ? !negative && any
+                           : method == NX_ROUNDING_METHOD_NEAREST ? half >= 0
+                                                                  : half > 0;
+        quotient.insert(0, 1, '0');
+        std::size_t at = quotient.size() - 1;
+        for (; above && quotient[at] == '9'; --at)
+            quotient[at] = '0';
+        quotient[at] = static_cast<char>(quotient[at] + (above ? 1 : 0));
+        return quotient;
+    }
+    // Takes the number over when it fits.
+    nxErrorEnum Become(std::string digits, bool negative, unsigned newPlaces)
+    {
+        digits.insert(0, digits.size() < 19 ? 19 - digits.size() : 0, '0');
+        digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 19));
+        if (digits.size() > 19 || digits > (negative ? "9223372036854775808" : "9223372036854775807") || newPlaces > 18)
+            return NX_ERR_VALUE_OUT_OF_RANGE;
+        const std::uint64_t magnitude = std::stoull(digits);
+        *this = nxDecimalOracle(Signed(negative ? 0 - magnitude : magnitude), newPlaces);
+        return nxErrorEnum();
+    }
 
     // "-0..." for a negative number below 1.
     std::string TextWithDecimals(char separator, unsigned most) const

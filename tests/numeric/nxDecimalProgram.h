@@ -152,7 +152,12 @@ private:
         const Register before = a;
         const Register operand = b;
         const int operation = code % _operationCount;
-        if (operation < _loads)
+        if (code >= 240)
+        {
+            ++_operations;
+            OperateExactly(code - 240, a, b);
+        }
+        else if (operation < _loads)
             Load(operation, a);
         else
         {
@@ -277,6 +282,73 @@ private:
                 a.value = nxDecimal(numerator, denominator, places);
                 a.model.SetFromDouble(static_cast<double>(numerator) / static_cast<double>(denominator), places);
             }
+        }
+    }
+
+    void OperateExactly(int operation, Register& a, const Register& b)
+    {
+        const nxEnumValue method = TakeMethod();
+        const unsigned char places = TakePlaces();
+        const nxDecimalOracle other(b.model);
+        const auto expect = [this, operation](const nxErrorEnum& expected, const nxErrorEnum& actual)
+        { Expect(("error of exact operation " + std::to_string(operation)).c_str(), expected, actual); };
+        switch (operation)
+        {
+            case 0:
+                return expect(a.model.AddExact(other, 1), a.value.AddExact(b.value));
+            case 1:
+                return expect(a.model.AddExact(other, -1), a.value.SubtractExact(b.value));
+            case 2:
+            case 3:
+                return expect(a.model.MultiplyExact(other), a.value.MultiplyExact(b.value));
+            case 4:
+            case 5:
+                return expect(a.model.RoundExact('*', other, places, method),
+                              a.value.MultiplyExact(b.value, places, nxRoundingMethodEnum(method)));
+            case 6:
+            case 7:
+                return expect(a.model.RoundExact('/', other, places, method),
+                              a.value.DivideExact(b.value, places, nxRoundingMethodEnum(method)));
+            case 8:
+                return expect(a.model.RoundExact('|', other, 0, method),
+                              a.value.RoundExact(b.value, nxRoundingMethodEnum(method)));
+            case 9:
+                return expect(a.model.SetDecimalPlacesExact(places), a.value.SetDecimalPlacesExact(places));
+            case 10:
+            {
+                const double from = TakeDouble();
+                return expect(a.model.SetFromDoubleExact(from, places), a.value.SetFromDoubleExact(from, places));
+            }
+            case 11:
+            case 12:
+            {
+                const char separator = TakeSeparator();
+                const std::string text = TakeText(separator);
+                return expect(a.model.SetFromTextExact(text, separator), a.value.SetFromStringExact(text, separator));
+            }
+            case 13:
+            {
+                nxDecimalOracle whole(a.model);
+                long long integer = 7;
+                expect(whole.SetDecimalPlacesExact(0), a.value.GetAsIntegerExact(integer));
+                if (a.value.GetAsIntegerExact(integer).IsOK())
+                    Expect("GetAsIntegerExact", whole.mantissa, integer);
+                double number = 0;
+                nxDecimal back, plain = a.value;
+                plain.Normalise(0);
+                const bool given = a.value.GetAsDoubleExact(number).IsOK();
+                if (given && back.SetFromDoubleExact(number, plain.GetDecimalPlaces()).IsOK())
+                    Expect("GetAsDoubleExact", true, a.value.EqualsExactly(back));
+                const bool isShort =
+                    a.model.IsValid() && a.model.places <= 18 && a.model.Magnitude() < 1'000'000'000'000'000;
+                return Expect("GetAsDoubleExact up to 15 digits", true, given || !isShort);
+            }
+            default:
+                Expect("CompareExact", a.model.CompareExact(b.model), a.value.CompareExact(b.value));
+                const std::string text = a.value.GetAsExactString('.');
+                Expect("GetAsExactString", a.model.ExactText('.'), text);
+                Expect("exact text reads back", true,
+                       nxDecimal(text, '.').EqualsExactly(a.value) || !a.value.IsValid());
         }
     }
 

@@ -3,6 +3,8 @@
 #include <cfenv>
 
 #include "core/enum/nxValueStatusEnum.h"
+#include "core/text/nxDoubleValueWrapper.h"
+#include "core/text/nxValueWrapper.h"
 #include "tests/support/nxTest.h"
 
 namespace
@@ -153,4 +155,69 @@ TEST(nxDecimal, ExactEqualityHasNoToleranceAndAHash)
         for (unsigned char places = 0; places < 4 && mantissa % 10 != 0; ++places)
             hashes.insert(Parts(mantissa, places).GetExactHash());
     EXPECT_EQ(hashes.size(), 360U);
+}
+
+TEST(nxDecimal, ExactFormsRefuseWhatTheOthersLoseAndKeepTheValue)
+{
+    const nxErrorEnum tooLarge(NX_ERR_VALUE_OUT_OF_RANGE), wrong(NX_ERR_INVALID_PARAMETER),
+        isNull(NX_ERR_OBJECT_IS_NULL);
+    using Change = nxErrorEnum (*)(nxDecimal&);
+    const std::tuple<nxDecimal, Change, nxErrorEnum> rows[] = {
+        {Parts(largest, 0), [](nxDecimal& d) { return d.AddExact(nxDecimal(1, 0)); }, tooLarge},
+        {nxDecimal(4294967296, 0), [](nxDecimal& d) { return d.MultiplyExact(d); }, tooLarge},
+        {nxDecimal(3037000500, 0), [](nxDecimal& d) { return d.MultiplyExact(d); }, tooLarge},
+        {Parts(1, 10), [](nxDecimal& d) { return d.MultiplyExact(d); }, tooLarge},  // 20 places
+        {nxDecimal(7, 2), [](nxDecimal& d) { return d.DivideExact(nxDecimal(), 2, NX_ROUNDING_METHOD_UP); }, wrong},
+        {nxDecimal(10'000'000'000, 2),
+         [](nxDecimal& d) { return d.DivideExact(Parts(1, 10), 10, NX_ROUNDING_METHOD_UP); }, tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromDoubleExact(1e19, 0); }, tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromDoubleExact(1e17, 2); }, tooLarge},
+        {Parts(largest, 2), [](nxDecimal& d) { return d.SetDecimalPlacesExact(4); }, tooLarge},
+        {Parts(largest, 0), [](nxDecimal& d) { return d.RoundExact(nxDecimal(10, 0), NX_ROUNDING_METHOD_UP); },
+         tooLarge},
+        {nxDecimal(100, 0), [](nxDecimal& d) { return d.AddExact(nxDecimal("n/a", '.')); }, isNull},
+        {noChange, [](nxDecimal& d) { return d.SubtractExact(nxDecimal()); }, isNull},
+        {Number("1.234"), [](nxDecimal& d) { return d.RoundExact(nxDecimal(1, 0), nxRoundingMethodEnum()); }, wrong},
+        {Number("1.234"), [](nxDecimal& d) { return d.RoundExact(nxDecimal(), NX_ROUNDING_METHOD_UP); }, wrong},
+        {Number("1.234"), [](nxDecimal& d) { return d.RoundExact(null, NX_ROUNDING_METHOD_UP); }, isNull},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact("9223372036854775808", '.'); }, tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact("92233720368547758.08", '.'); }, tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact("18446744073709551621", '.'); }, tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact("0.12345678901234567891234", '.'); },
+         tooLarge},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact("99999999999999999999x", '.'); }, wrong},
+        {nxDecimal(7, 0), [](nxDecimal& d) { return d.SetFromStringExact(nullptr, '.'); }, wrong}};
+    for (const auto& [before, change, expected] : rows)
+    {
+        nxDecimal value = before;
+        EXPECT_EQ(change(value), expected);
+        EXPECT_EQ(Fields(value), Fields(before));
+    }
+}
+
+TEST(nxDecimal, KeepsTheStateOfWrappersAndRequests)
+{
+    using Huge = nxValueWrapper<unsigned long long>;
+    using Volume = nxValueWrapper<unsigned>;
+    using Double = nxDoubleValueWrapper;
+    const std::pair<nxDecimal, const char*> rows[] = {{nxDecimal(Volume(300), 2), "VALID 30000e-2"},
+                                                      {nxDecimal(Volume(), 0), "NULL 0e-0"},
+                                                      {nxDecimal(Volume::GetNoChangeInstance(), 0), "NOCHANGE 0e-0"},
+                                                      {nxDecimal(Huge(1ULL << 63), 0), "NULL 0e-0"},
+                                                      {nxDecimal(Huge(1ULL << 60), 1), "NULL 0e-0"},
+                                                      {nxDecimal(Double(-1.25), 1), "VALID -12e-1"},
+                                                      {nxDecimal(Double(), 2), "NULL 0e-0"},
+                                                      {nxDecimal(Double::GetNoChangeInstance(), 2), "NOCHANGE 0e-0"},
+                                                      {nxDecimal(Double(1e19), 0), "NULL 0e-0"},
+                                                      {null.GetOr(nxDecimal(1, 1)), "VALID 10e-1"},
+                                                      {nxDecimal(2, 1).GetOr(null), "VALID 20e-1"},
+                                                      {nxDecimal::Negate(Number("-1.5")), "VALID 15e-1"},
+                                                      {nxDecimal::Negate(noChange), "NOCHANGE 0e-0"}};
+    for (const auto& [value, fields] : rows)
+        EXPECT_EQ(Fields(value), fields);
+    nxDecimal stored(5, 0);
+    stored.UpdateFrom(noChange);
+    EXPECT_EQ(Fields(stored), "VALID 5e-0");
+    stored.UpdateFrom(null);
+    EXPECT_EQ(Fields(stored), "NULL 0e-0");
 }

@@ -22,6 +22,31 @@ TEST(nxMoney, ReadsAnAmountAndACurrencyOrStaysAsItWas)
     }
 }
 
+TEST(nxMoney, ReadsExactlyAndPrintsWhatReadsBack)
+{
+    nxMoney money;
+    ASSERT_TRUE(money.SetFromStringExact("-0.000000000000000001 ETH", '.').IsOK());
+    EXPECT_EQ(money.GetAsExactString('.'), "-0.000000000000000001 ETH");
+    for (const auto& [text, error] : {std::pair("92233720368547758.08 USD", NX_ERR_VALUE_OUT_OF_RANGE),
+                                      std::pair("92233720368547758.08 usd", NX_ERR_INVALID_PARAMETER)})
+    {
+        EXPECT_EQ(money.SetFromStringExact(text, '.'), error) << text;
+        EXPECT_EQ(money.GetAsExactString('.'), "-0.000000000000000001 ETH");
+    }
+}
+
+TEST(nxMoney, SortsByStateThenCurrencyThenAmount)
+{
+    const auto euros = [](const char* amount) { return nxMoney(nxDecimal(amount, '.'), "EUR"); };
+    const nxMoney ordered[] = {nxMoney(),     nxMoney(nxNoChangeInitalizer{}),
+                               euros("-1.5"), euros("1.4999999999999999"),
+                               euros("1.5"),  nxMoney(nxDecimal(1, 0), "USD")};
+    for (const nxMoney& a : ordered)
+        for (const nxMoney& b : ordered)
+            EXPECT_EQ(a.CompareExact(b), (&a > &b) - (&a < &b)) << a << ' ' << b;
+    EXPECT_TRUE(euros("1.50").EqualsExactly(euros("1.5")));
+}
+
 TEST(nxMoney, NullAndNoChangeHaveNoCurrency)
 {
     const std::tuple<nxMoney, bool, const char*> rows[] = {
