@@ -117,16 +117,21 @@ struct nxDecimalOracle
             return mantissa < other.mantissa;
         return !Equals(other) && AsDouble() < other.AsDouble();
     }
-    /// The same number: the digits agree when the one with fewer places is filled up with zeros.
-    bool EqualsExactly(const nxDecimalOracle& other) const
+    /// The digits of both, filled up with zeros on either side, compare as texts do.
+    int CompareExact(const nxDecimalOracle& other) const
     {
-        if (!IsValid() || !other.IsValid())
-            return status == other.status;
-        if (mantissa == 0 || other.mantissa == 0)
-            return mantissa == other.mantissa;
-        const unsigned larger = Larger(other);
-        return std::to_string(mantissa) + std::string(larger - places, '0') ==
-               std::to_string(other.mantissa) + std::string(larger - other.places, '0');
+        const auto key = [larger = Larger(other)](const nxDecimalOracle& o)
+        {
+            const std::string digits = std::to_string(o.Magnitude()) + std::string(larger - o.places, '0');
+            return std::string(600 - digits.size(), '0') + digits;
+        };
+        const auto rank = [](const nxDecimalOracle& o) {
+            return o.IsValid() ? (o.mantissa < 0 ? 3 : 4) : o.status == NX_VALUE_STATUS_NULL ? 1 : 2;
+        };
+        int order = rank(*this) - rank(other);
+        if (order == 0 && IsValid())
+            order = mantissa < 0 ? key(other).compare(key(*this)) : key(*this).compare(key(other));
+        return (order > 0) - (order < 0);
     }
 
     void SetDecimalPlaces(unsigned wanted, bool onlyDropZeros)
@@ -212,54 +217,23 @@ struct nxDecimalOracle
     }
     nxErrorEnum SetDecimalPlacesExact(unsigned wanted)
     {
-        std::string digits = std::to_string(Magnitude()) + std::string(wanted > places ? wanted - places : 0, '0');
-        const std::size_t cut = places > wanted ? places - wanted : 0;
-        digits.insert(0, cut, '0');
-        if (IsValid() && digits.find_first_not_of('0', digits.size() - cut) != std::string::npos)
-            return NX_ERR_VALUE_OUT_OF_RANGE;
-        return IsValid() ? Become(digits.substr(0, digits.size() - cut), mantissa < 0, wanted) : NX_ERR_OBJECT_IS_NULL;
-    }
-    nxErrorEnum SetFromDoubleExact(double value, unsigned wanted)
-    {
-        if (std::isnan(value))
-            return NX_ERR_INVALID_PARAMETER;
-        if (std::fabs(value) > 1e19 || wanted > 18)
-            return NX_ERR_VALUE_OUT_OF_RANGE;
-        nxDecimalOracle fraction;
-        fraction.SetFromDouble(value - std::trunc(value), wanted);
-        const auto whole = static_cast<SignedWide>(value) * static_cast<long long>(Power(wanted)) + fraction.mantissa;
-        return Become(Digits(static_cast<Wide>(whole < 0 ? -whole : whole)), whole < 0, wanted);
+        nxDecimalOracle above(*this);
+        const nxDecimalOracle one(1, 0), before(*this);
+        nxErrorEnum error = above.RoundExact('*', one, wanted, NX_ROUNDING_METHOD_UP);
+        if (error.IsOK() && RoundExact('*', one, wanted, NX_ROUNDING_METHOD_DOWN).IsOK() && above.mantissa != mantissa)
+            error = NX_ERR_VALUE_OUT_OF_RANGE;
+        *this = error.IsOK() ? above : before;
+        return error;
     }
     nxErrorEnum SetFromTextExact(std::string_view text, char separator)
     {
         if (!nxDecimalOracle().SetFromText(text, separator))
             return NX_ERR_INVALID_PARAMETER;
-        std::string digits;
-        std::size_t decimals = 0;
-        for (std::size_t i = 0; i < text.size(); ++i)
-        {
-            if (text[i] >= '0' && text[i] <= '9')
-                digits += text[i];
-            else if (text[i] == separator && (i > 0 || (separator != '-' && separator != '+')))
-                decimals = text.size() - i - 1;
-        }
-        return Become(digits, text[0] == '-', static_cast<unsigned>(decimals));
-    }
-    /// The digits of both, filled up with zeros on either side, compare as texts do.
-    int CompareExact(const nxDecimalOracle& other) const
-    {
-        const auto key = [larger = Larger(other)](const nxDecimalOracle& o)
-        {
-            std::string digits = std::to_string(o.Magnitude()) + std::string(larger - o.places, '0');
-            return digits.insert(0, 600 - digits.size(), '0');
-        };
-        const auto rank = [](const nxDecimalOracle& o) {
-            return !o.IsValid() ? (o.status == NX_VALUE_STATUS_NULL ? 0 : 1) : o.mantissa < 0 ? 2 : 3;
-        };
-        int order = rank(*this) - rank(other);
-        if (order == 0 && IsValid())
-            order = mantissa < 0 ? key(other).compare(key(*this)) : key(*this).compare(key(other));
-        return (order > 0) - (order < 0);
+        const std::string_view number = text.substr(text[0] == '-' || text[0] == '+' ? 1 : 0);
+        std::string digits(number);
+        std::erase_if(digits, [](char c) { return c < '0' || c > '9'; });
+        const std::size_t whole = digits.size() < number.size() ? number.find(separator) : number.size() - 1;
+        return Become(digits, text[0] == '-', static_cast<unsigned>(number.size() - whole - 1));
     }
     std::string ExactText(char separator) const
     {
@@ -331,12 +305,13 @@ private:
         const auto last = static_cast<char>('0' + value % 10);
         return (value < 10 ? std::string() : Digits(value / 10)) + last;
     }
-    // The digits of dividend / divisor * 10^(to - from), by long division, rounded once.
+    // The digits of dividend / divisor * 10^(to - from), by long division with one decimal more, rounded once.
     static std::string Quotient(std::string dividend, std::uint64_t divisor, unsigned to, unsigned from,
                                 nxEnumValue method, bool negative)
     {
-        dividend.append(to > from ? to - from : 0, '0');
-        std::string quotient(from > to ? from - to : 0, '0');
+        dividend.append(1 + (to > from ? to - from : 0), '0');
+        const std::size_t cut = 1 + (from > to ? from - to : 0);
+        std::string quotient(cut, '0');
         Wide rest = 0;
         for (const char digit : dividend)
         {
@@ -344,20 +319,14 @@ private:
             quotient += static_cast<char>('0' + rest / divisor);
             rest %= divisor;
         }
-        // Two more digits tell the half, and a last one whether anything is left.
-        rest *= 100;
-        const auto next = static_cast<unsigned>(rest / divisor);
-        const std::size_t kept = quotient.size() - (from > to ? from - to : 0);
-        const std::string lost = quotient.substr(kept) + static_cast<char>('0' + next / 10) +
-                                 static_cast<char>('0' + next % 10) + (rest % divisor != 0 ? '1' : '0');
-        quotient.resize(kept);
+        const std::string lost = quotient.substr(dividend.size()) + (rest != 0 ? '1' : '0');
+        quotient.resize(dividend.size());
         const bool any = lost.find_first_not_of('0') != std::string::npos;
-        const int half = lost.compare("5" + std::string(lost.size() - 1, '0'));
+        const int half = lost.compare("5" + std::string(cut, '0'));
         const bool above = method == NX_ROUNDING_METHOD_DOWN      ? negative && any
                            : method == NX_ROUNDING_METHOD_UP      ? !negative && any
                            : method == NX_ROUNDING_METHOD_NEAREST ? half >= 0
                                                                   : half > 0;
-        quotient.insert(0, 1, '0');
         std::size_t at = quotient.size() - 1;
         for (; above && quotient[at] == '9'; --at)
             quotient[at] = '0';

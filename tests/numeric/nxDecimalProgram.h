@@ -155,7 +155,7 @@ private:
         if (code >= 240)
         {
             ++_operations;
-            OperateExactly(code - 240, a, b);
+            OperateExactly(code - 240U, a, b);
         }
         else if (operation < _loads)
             Load(operation, a);
@@ -285,71 +285,69 @@ private:
         }
     }
 
-    void OperateExactly(int operation, Register& a, const Register& b)
+    void OperateExactly(unsigned operation, Register& a, const Register& b)
     {
-        const nxEnumValue method = TakeMethod();
-        const unsigned char places = TakePlaces();
         const nxDecimalOracle other(b.model);
-        const auto expect = [this, operation](const nxErrorEnum& expected, const nxErrorEnum& actual)
-        { Expect(("error of exact operation " + std::to_string(operation)).c_str(), expected, actual); };
-        switch (operation)
+        const unsigned char places = TakePlaces();
+        const nxEnumValue method = TakeMethod();
+        const nxRoundingMethodEnum rounding(method);
+        const bool isOdd = operation % 2 != 0;
+        const auto expect = [this](const char* what, const nxErrorEnum& expected, const nxErrorEnum& actual)
+        { Expect(what, expected, actual); };
+        switch (operation / 2)
         {
             case 0:
-                return expect(a.model.AddExact(other, 1), a.value.AddExact(b.value));
+                return isOdd ? expect("SubtractExact", a.model.AddExact(other, -1), a.value.SubtractExact(b.value))
+                             : expect("AddExact", a.model.AddExact(other, 1), a.value.AddExact(b.value));
             case 1:
-                return expect(a.model.AddExact(other, -1), a.value.SubtractExact(b.value));
+                return expect("MultiplyExact", a.model.MultiplyExact(other), a.value.MultiplyExact(b.value));
             case 2:
+                return expect("rounded MultiplyExact", a.model.RoundExact('*', other, places, method),
+                              a.value.MultiplyExact(b.value, places, rounding));
             case 3:
-                return expect(a.model.MultiplyExact(other), a.value.MultiplyExact(b.value));
+                return expect("DivideExact", a.model.RoundExact('/', other, places, method),
+                              a.value.DivideExact(b.value, places, rounding));
             case 4:
+                return isOdd ? expect("RoundExact", a.model.RoundExact('|', other, 0, method),
+                                      a.value.RoundExact(b.value, rounding))
+                             : expect("SetDecimalPlacesExact", a.model.SetDecimalPlacesExact(places),
+                                      a.value.SetDecimalPlacesExact(places));
             case 5:
-                return expect(a.model.RoundExact('*', other, places, method),
-                              a.value.MultiplyExact(b.value, places, nxRoundingMethodEnum(method)));
-            case 6:
-            case 7:
-                return expect(a.model.RoundExact('/', other, places, method),
-                              a.value.DivideExact(b.value, places, nxRoundingMethodEnum(method)));
-            case 8:
-                return expect(a.model.RoundExact('|', other, 0, method),
-                              a.value.RoundExact(b.value, nxRoundingMethodEnum(method)));
-            case 9:
-                return expect(a.model.SetDecimalPlacesExact(places), a.value.SetDecimalPlacesExact(places));
-            case 10:
-            {
-                const double from = TakeDouble();
-                return expect(a.model.SetFromDoubleExact(from, places), a.value.SetFromDoubleExact(from, places));
-            }
-            case 11:
-            case 12:
             {
                 const char separator = TakeSeparator();
                 const std::string text = TakeText(separator);
-                return expect(a.model.SetFromTextExact(text, separator), a.value.SetFromStringExact(text, separator));
+                return expect("SetFromStringExact", a.model.SetFromTextExact(text, separator),
+                              a.value.SetFromStringExact(text, separator));
             }
-            case 13:
-            {
-                nxDecimalOracle whole(a.model);
-                long long integer = 7;
-                expect(whole.SetDecimalPlacesExact(0), a.value.GetAsIntegerExact(integer));
-                if (a.value.GetAsIntegerExact(integer).IsOK())
-                    Expect("GetAsIntegerExact", whole.mantissa, integer);
-                double number = 0;
-                nxDecimal back, plain = a.value;
-                plain.Normalise(0);
-                const bool given = a.value.GetAsDoubleExact(number).IsOK();
-                if (given && back.SetFromDoubleExact(number, plain.GetDecimalPlaces()).IsOK())
-                    Expect("GetAsDoubleExact", true, a.value.EqualsExactly(back));
-                const bool isShort =
-                    a.model.IsValid() && a.model.places <= 18 && a.model.Magnitude() < 1'000'000'000'000'000;
-                return Expect("GetAsDoubleExact up to 15 digits", true, given || !isShort);
-            }
+            case 6:
+                return ConvertExactly(a.value, a.model);
             default:
                 Expect("CompareExact", a.model.CompareExact(b.model), a.value.CompareExact(b.value));
-                const std::string text = a.value.GetAsExactString('.');
-                Expect("GetAsExactString", a.model.ExactText('.'), text);
-                Expect("exact text reads back", true,
-                       nxDecimal(text, '.').EqualsExactly(a.value) || !a.value.IsValid());
+                Expect("GetAsExactString", a.model.ExactText('.'), a.value.GetAsExactString('.'));
         }
+    }
+
+    void ConvertExactly(nxDecimal value, nxDecimalOracle model)
+    {
+        value.Normalise(0);
+        double number = 0;
+        nxDecimal back;
+        const bool isGiven = value.GetAsDoubleExact(number).IsOK();
+        const bool isShort = model.IsValid() && model.places <= 18 && model.Magnitude() < 1'000'000'000'000'000;
+        Expect("GetAsDoubleExact", isGiven || isShort, isGiven);
+        if (isGiven && back.SetFromDoubleExact(number, value.GetDecimalPlaces()).IsOK())
+            Expect("number read back", true, back.EqualsExactly(value));
+        long long whole = 0;
+        Expect("GetAsIntegerExact", model.SetDecimalPlacesExact(0), value.GetAsIntegerExact(whole));
+        Expect("integer", model.IsValid() && model.places == 0 ? model.mantissa : 0, whole);
+        // A result that fits is that of SetFromDouble(), and one that is refused lies beyond 63 bits.
+        const double from = TakeDouble();
+        const unsigned char places = TakePlaces();
+        model.SetFromDouble(from, places);
+        const bool isTaken = back.SetFromDoubleExact(from, places).IsOK();
+        const long double units = from * std::pow(10.0L, places);
+        Expect("SetFromDoubleExact", places <= 18 && units >= -0x1p63L && units < 0x1p63L, isTaken);
+        Expect("double", true, !isTaken || model.Matches(back));
     }
 
     template <class Action>
@@ -369,7 +367,7 @@ private:
         Expect("<=", equal || less, a.value <= b.value);
         Expect(">", !equal && !less, a.value > b.value);
         Expect(">=", !less, a.value >= b.value);
-        const bool exactly = a.model.EqualsExactly(b.model);
+        const bool exactly = a.model.CompareExact(b.model) == 0;
         Expect("EqualsExactly", exactly, a.value.EqualsExactly(b.value));
         if (exactly)
             Expect("GetExactHash", a.value.GetExactHash(), b.value.GetExactHash());
