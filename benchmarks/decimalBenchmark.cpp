@@ -2,9 +2,11 @@
 // the decimal's own rules carried out as they read, with doubles and a status object.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <string>
@@ -110,6 +112,7 @@ struct Ours
     static nxDecimal Add(const nxDecimal& a, const nxDecimal& b) { return a + b; }
     static bool Less(const nxDecimal& a, const nxDecimal& b) { return a < b; }
     static nxDecimal Multiply(const nxDecimal& a, const nxDecimal& b) { return a * b; }
+    static nxDecimal MultiplyRounded(const nxDecimal& a, const nxDecimal& b) { return a * b; }
     static nxDecimal Divide(const nxDecimal& a, const nxDecimal& b) { return a / b; }
     static nxDecimal Round(nxDecimal a, const nxDecimal& b)
     {
@@ -142,6 +145,34 @@ struct PlainDouble
     static double Multiply(double a, double b) { return a * b; }
     static double Divide(double a, double b) { return a / b; }
     static double Round(double a, double b) { return std::floor(a / b + 0.5) * b; }
+};
+
+// The exact operations, with their errors tested. Products and quotients are rounded to the places that Ours gives them.
+struct Exact
+{
+    static nxDecimal Make(const Number& n) { return n.AsDecimal(); }
+    static nxDecimal Add(nxDecimal a, const nxDecimal& b) { return Checked(a.AddExact(b), a); }
+    static nxDecimal Multiply(nxDecimal a, const nxDecimal& b) { return Checked(a.MultiplyExact(b), a); }
+    static nxDecimal MultiplyRounded(nxDecimal a, const nxDecimal& b)
+    {
+        return Checked(a.MultiplyExact(b, LargerScale(a, b), NX_ROUNDING_METHOD_NEAREST), a);
+    }
+    static nxDecimal Divide(nxDecimal a, const nxDecimal& b)
+    {
+        return Checked(a.DivideExact(b, LargerScale(a, b), NX_ROUNDING_METHOD_NEAREST), a);
+    }
+
+private:
+    static unsigned char LargerScale(const nxDecimal& a, const nxDecimal& b)
+    {
+        return std::max(a.GetDecimalPlaces(), b.GetDecimalPlaces());
+    }
+    static nxDecimal Checked(const nxErrorEnum& error, const nxDecimal& result)
+    {
+        if (!error.IsOK())
+            std::abort();
+        return result;
+    }
 };
 
 // The rules as they read: a status object in every value, powers by multiplication, every step of a conversion.
@@ -287,6 +318,7 @@ struct Bid64
         unsigned flags = 0;
         return bid64_mul(a, b, nearestEven, &flags);
     }
+    static BID_UINT64 MultiplyRounded(BID_UINT64 a, BID_UINT64 b) { return Multiply(a, b); }
     static BID_UINT64 Divide(BID_UINT64 a, BID_UINT64 b)
     {
         unsigned flags = 0;
@@ -338,14 +370,34 @@ std::string Joined(std::string row, const char* column)
     return row;
 }
 
+// Registers rows of one column.
 template <class Type>
-void RegisterPairs(const char* column)
+auto GetRowMaker(const char* column)
 {
-    const auto add = [column](const char* row, const Operands& operands, auto operation)
+    return [column](const char* row, const Operands& operands, auto operation)
     {
         benchmark::RegisterBenchmark(Joined(row, column).c_str(), [&operands, operation](benchmark::State& state)
                                      { RunPairs<Type>(state, operands, operation); });
     };
+}
+
+// The exact operations beside those that check nothing.
+template <class Type>
+void RegisterExact(const char* column)
+{
+    const auto add = GetRowMaker<Type>(column);
+    add("decimal_exact_add_same_scale", SameScale(), [](const auto& a, const auto& b) { return Type::Add(a, b); });
+    add("decimal_exact_add_other_scale", OtherScale(), [](const auto& a, const auto& b) { return Type::Add(a, b); });
+    add("decimal_exact_multiply", OtherScale(), [](const auto& a, const auto& b) { return Type::Multiply(a, b); });
+    add("decimal_exact_multiply_rounded", OtherScale(),
+        [](const auto& a, const auto& b) { return Type::MultiplyRounded(a, b); });
+    add("decimal_exact_divide", OtherScale(), [](const auto& a, const auto& b) { return Type::Divide(a, b); });
+}
+
+template <class Type>
+void RegisterPairs(const char* column)
+{
+    const auto add = GetRowMaker<Type>(column);
     add("decimal_add_same_scale", SameScale(), [](const auto& a, const auto& b) { return Type::Add(a, b); });
     add("decimal_add_other_scale", OtherScale(), [](const auto& a, const auto& b) { return Type::Add(a, b); });
     add("decimal_less_same_scale", SameScale(), [](const auto& a, const auto& b) { return Type::Less(a, b); });
@@ -548,6 +600,8 @@ void RegisterArrays(const char* column)
 const bool registered = []
 {
     RegisterPairs<Ours>("ours");
+    RegisterExact<Exact>("ours");
+    RegisterExact<Ours>("limit_unchecked");
     RegisterPairs<PlainInteger>("limit_int64");
     RegisterPairs<PlainDouble>("limit_double");
     RegisterPairs<Transcription>("peer_transcription");
@@ -557,6 +611,7 @@ const bool registered = []
     RegisterArrays<Transcription>("peer_transcription");
 #ifdef NX_BENCHMARK_HAS_BID
     RegisterPairs<Bid64>("peer_bid64");
+    RegisterExact<Bid64>("peer_bid64");
 #endif
 #ifdef NX_BENCHMARK_HAS_BOOST
     RegisterPairs<BoostDecimal>("peer_cpp_dec_float");

@@ -70,6 +70,46 @@ const Operation operations[] = {
          Keep(result);
          result.Round(cent, nearest);
      }},
+    {"decimal_exact_add_same_scale",
+     []
+     {
+         result = price;
+         Keep(result);
+         if (!result.AddExact(sameScale).IsOK())
+             std::abort();
+     }},
+    {"decimal_exact_add_other_scale",
+     []
+     {
+         result = price;
+         Keep(result);
+         if (!result.AddExact(otherScale).IsOK())
+             std::abort();
+     }},
+    {"decimal_exact_multiply",
+     []
+     {
+         result = price;
+         Keep(result);
+         if (!result.MultiplyExact(otherScale).IsOK())
+             std::abort();
+     }},
+    {"decimal_exact_multiply_rounded",
+     []
+     {
+         result = price;
+         Keep(result);
+         if (!result.MultiplyExact(otherScale, 5, NX_ROUNDING_METHOD_NEAREST).IsOK())
+             std::abort();
+     }},
+    {"decimal_exact_divide",
+     []
+     {
+         result = price;
+         Keep(result);
+         if (!result.DivideExact(otherScale, 5, NX_ROUNDING_METHOD_NEAREST).IsOK())
+             std::abort();
+     }},
     {"decimal_parse",
      []
      {
