@@ -24,36 +24,8 @@ public:
 
     static constexpr unsigned char MaxPlaces = 18;  ///< The largest number of places of a result.
 
-    /// a += b.
-    static nxErrorEnum Add(Number& a, const Number& b)
-    {
-        long long left, right, sum;
-        if (_SharesExactScale(a, b)) [[likely]]
-        {
-            if (!__builtin_add_overflow(a.mantissa, b.mantissa, &sum)) [[likely]]
-                return _Set(a, sum, a.scale);
-        }
-        else if (nxDecimalQuick::Align(a, b, left, right))
-            return _Set(a, left + right, std::max(a.scale, b.scale));
-        Number result;
-        const nxErrorEnum error = _AddFar(a, b, false, result);
-        return _Take(error, result, a);
-    }
-    /// a -= b.
-    static nxErrorEnum Subtract(Number& a, const Number& b)
-    {
-        long long left, right, difference;
-        if (_SharesExactScale(a, b)) [[likely]]
-        {
-            if (!__builtin_sub_overflow(a.mantissa, b.mantissa, &difference)) [[likely]]
-                return _Set(a, difference, a.scale);
-        }
-        else if (nxDecimalQuick::Align(a, b, left, right))
-            return _Set(a, left - right, std::max(a.scale, b.scale));
-        Number result;
-        const nxErrorEnum error = _AddFar(a, b, true, result);
-        return _Take(error, result, a);
-    }
+    static nxErrorEnum Add(Number& a, const Number& b) { return _Combine<false>(a, b); }      ///< a += b.
+    static nxErrorEnum Subtract(Number& a, const Number& b) { return _Combine<true>(a, b); }  ///< a -= b.
     /// a *= b, with all the places that the product needs.
     static nxErrorEnum Multiply(Number& a, const Number& b)
     {
@@ -130,7 +102,7 @@ public:
     static int Compare(const Number& a, const Number& b)
     {
         long long left = a.mantissa, right = b.mantissa;
-        if (_SharesExactScale(a, b) || nxDecimalQuick::Align(a, b, left, right)) [[likely]]
+        if (_SharesExactScale(a, b) || _Align(a, b, left, right)) [[likely]]
             return left < right ? -1 : (left > right ? 1 : 0);
         return _CompareFar(a, b);
     }
@@ -146,9 +118,40 @@ public:
     }
 
 private:
+    template <bool IsSubtraction>
+    static nxErrorEnum _Combine(Number& a, const Number& b)
+    {
+        const auto fits = [](long long left, long long right, long long& result)
+        {
+            return !(IsSubtraction ? __builtin_sub_overflow(left, right, &result)
+                                   : __builtin_add_overflow(left, right, &result));
+        };
+        long long left, right, sum;
+        if (_SharesExactScale(a, b)) [[likely]]
+        {
+            if (fits(a.mantissa, b.mantissa, sum)) [[likely]]
+                return _Set(a, sum, a.scale);
+        }
+        else if (_Align(a, b, left, right) && fits(left, right, sum))
+            return _Set(a, sum, std::max(a.scale, b.scale));
+        Number result;
+        const nxErrorEnum error = _AddFar(a, b, IsSubtraction, result);
+        return _Take(error, result, a);
+    }
     static constexpr bool _SharesExactScale(const Number& a, const Number& b)
     {
         return a.scale == b.scale && a.scale <= MaxPlaces;
+    }
+    // Scales both to the larger of their place counts, if both then fit.
+    static bool _Align(const Number& a, const Number& b, long long& left, long long& right)
+    {
+        const std::uint64_t places = std::max(a.scale, b.scale);
+        return places <= MaxPlaces && !__builtin_mul_overflow(a.mantissa, _GetPower(places - a.scale), &left) &&
+               !__builtin_mul_overflow(b.mantissa, _GetPower(places - b.scale), &right);
+    }
+    static constexpr long long _GetPower(std::uint64_t places)
+    {
+        return static_cast<long long>(nxPowersOfTen::GetInteger(places));
     }
     static constexpr long long _GetSigned(std::uint64_t magnitude, bool isNegative)
     {
