@@ -153,13 +153,14 @@ public:
     constexpr void UpdateFrom(const nxDecimal& request) { *this = request.IsNoChange() ? *this : request; }
 
     /// Puts the status into the value: null is (2^63 - 1, 0), no change (2^63 - 2, 0), a number (mantissa, places).
-    /// A valid number with one of these two mantissas reads back as null or no change, so never encode
-    /// GetMaximumDecimal().
+    /// A valid number with one of these two mantissas reads back as null or no change: GetMaximumDecimal() has one.
     constexpr void GetAsEncodedValues(long long& value, unsigned char& places) const;
     /// @copydoc GetAsEncodedValues(long long&, unsigned char&) const
     template <std::signed_integral Integer>
     requires(sizeof(Integer) == sizeof(long long)) constexpr void GetAsEncodedValues(Integer& value,
                                                                                      unsigned char& places) const;
+    /// The same. @return NX_ERR_VALUE_OUT_OF_RANGE for a number that would read back as null or no change.
+    [[nodiscard]] nxErrorEnum GetAsEncodedValuesExact(long long& value, unsigned char& places) const;
     /// Reads what GetAsEncodedValues() gave.
     constexpr void SetFromEncodedValues(const long long& value, const unsigned char& places);
 
@@ -234,11 +235,11 @@ public:
     /// MaxExactPlaces places. Each returns
     /// - NX_ERR_OBJECT_IS_NULL when this value or an operand is not valid, "no change" included;
     /// - NX_ERR_INVALID_PARAMETER for a divisor or an increment of 0, an undefined method, or NaN;
-    /// - NX_ERR_VALUE_OUT_OF_RANGE when the result needs more than 64 bits, more places than there may be, or a digit less.
+    /// - NX_ERR_VALUE_OUT_OF_RANGE when the result needs more than 64 bits or more places, or would lose a digit.
     /// The rounding methods are those of Round().
     /// @{
-    [[nodiscard]] nxErrorEnum AddExact(const nxDecimal& other);       ///< Adds; the larger scale.
-    [[nodiscard]] nxErrorEnum SubtractExact(const nxDecimal& other);  ///< Subtracts; the larger scale.
+    [[nodiscard]] nxErrorEnum AddExact(const nxDecimal& other);       ///< The sum, at the larger scale.
+    [[nodiscard]] nxErrorEnum SubtractExact(const nxDecimal& other);  ///< The difference, likewise.
     /// Multiplies: 1.5 * 1.5 is 2.25. The places add up; trailing zeros go while mantissa or places do not fit.
     [[nodiscard]] nxErrorEnum MultiplyExact(const nxDecimal& other);
     /// Becomes the exact product, rounded once to @p places decimals.
@@ -254,7 +255,7 @@ public:
     /// Becomes @p value rounded to @p places decimals, as SetFromDouble() does. An infinity does not fit.
     [[nodiscard]] nxErrorEnum SetFromDoubleExact(double value, unsigned char places);
     /// Gives a double from which SetFromDoubleExact() makes this number again, at the places it has without trailing zeros.
-    /// Every number of up to 15 digits has one.
+    /// Every number of up to 15 digits and MaxExactPlaces places has one.
     [[nodiscard]] nxErrorEnum GetAsDoubleExact(double& value) const;
     /// Gives the number as an integer; a fraction other than 0 does not fit.
     template <class Integer>
@@ -284,7 +285,6 @@ public:
     bool EqualsExactly(const nxDecimal& other) const;
     /// @return a hash that agrees with EqualsExactly().
     std::size_t GetExactHash() const;
-
     /// @return -1, 0 or 1 when this value is less than, exactly equal to or greater than @p other: a total order without
     ///         tolerance. Null is less than no change, and both are less than any number.
     int CompareExact(const nxDecimal& other) const;

@@ -188,6 +188,12 @@ TEST(nxDecimal, ExactFormsRefuseWhatTheOthersLoseAndKeepTheValue)
         EXPECT_EQ(change(value), expected);
         EXPECT_EQ(Fields(value), Fields(before));
     }
+    long long encoded = 7;
+    unsigned char places = 7;
+    EXPECT_EQ(nxDecimal::GetMaximumDecimal().GetAsEncodedValuesExact(encoded, places), tooLarge);
+    EXPECT_EQ(encoded, 7);
+    EXPECT_TRUE(noChange.GetAsEncodedValuesExact(encoded, places).IsOK());
+    EXPECT_EQ(encoded, largest - 1);
     nxDecimal value;
     for (const char* text :
          {"9223372036854775808", "92233720368547758.08", "18446744073709551621", "0.12345678901234567891234"})

@@ -45,7 +45,7 @@ public:
         if (places <= MaxPlaces && cut <= MaxPlaces && nxDecimalQuick::IsMethod(method) &&
             !__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[likely]]
         {
-            // At most 2^63, and above that no more than a tenth of it is rounded.
+            // It fits: only a tenth of the product or less is rounded up.
             const std::uint64_t quotient = GetRoundedQuotient(nxDecimalQuick::GetMagnitude(product),
                                                               nxPowersOfTen::GetInteger(cut), method, product < 0);
             return _Set(a, _GetSigned(quotient, product < 0), places);
