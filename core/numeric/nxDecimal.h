@@ -100,6 +100,7 @@ public:
 
     /// @name Arguments that would be cut silently do not compile
     /// @{
+
     /// No decimal is made of a character, a truth value, more than 64 bits, places with a fraction, or a text and places.
     template <class Value, class Places>
     requires nxDecimalArguments::AreMistaken<Value, Places> nxDecimal(Value value, Places places)
@@ -130,19 +131,16 @@ public:
     constexpr bool IsValid() const { return _number.scale < _null; }          ///< There is a number.
     /// @return one of three constants that live as long as the process.
     const nxValueStatusEnum& GetStatus() const;
-
     /// @return whether the value is valid and 0.
     constexpr bool IsZero() const { return _number.mantissa == 0 && IsValid(); }
     constexpr bool IsPositive() const { return _number.mantissa > 0; }  ///< False unless valid.
     constexpr bool IsNegative() const { return _number.mantissa < 0; }  ///< False unless valid.
-
-    constexpr long long GetValue() const { return _number.mantissa; }  ///< The mantissa; 0 unless valid.
+    constexpr long long GetValue() const { return _number.mantissa; }   ///< The mantissa; 0 unless valid.
     /// 0 unless valid.
     constexpr unsigned char GetDecimalPlaces() const { return static_cast<unsigned char>(_number.scale); }
     /// @return the number of places of a valid value, and otherwise a number above 255 for each status. One comparison
     ///         thus tells whether a value is valid and of a certain scale.
     constexpr std::uint64_t GetScale() const { return _number.scale; }
-
     /// The number without its fraction, truncated toward zero: -12 for -12.345.
     constexpr long long GetIntegerPart() const;
     /// The decimals as an integer in units of 10^-places, without sign: 345 for -12.345, 5 for 1.05.
@@ -151,7 +149,6 @@ public:
     constexpr nxDecimal GetOr(const nxDecimal& fallback) const { return IsValid() ? *this : fallback; }
     /// Becomes @p request, null included; keeps its value when @p request is "no change".
     constexpr void UpdateFrom(const nxDecimal& request) { *this = request.IsNoChange() ? *this : request; }
-
     /// Puts the status into the value: null is (2^63 - 1, 0), no change (2^63 - 2, 0), a number (mantissa, places).
     /// A valid number with one of these two mantissas reads back as null or no change: GetMaximumDecimal() has one.
     constexpr void GetAsEncodedValues(long long& value, unsigned char& places) const;
@@ -178,6 +175,7 @@ public:
 
     /// @name Changing the representation
     /// @{
+
     /// Makes @p places the number of decimal places: more places add zeros. Fewer cut decimals off, toward zero; with
     /// @p onlyDropZeros they remove trailing zeros alone and stop at the first other digit, so that no digit is lost.
     /// Nothing happens to a value that is not valid.
@@ -206,7 +204,6 @@ public:
     /// Negates this object itself and returns it: after `y = -x` both are negated. Programs rely on it. A negated copy
     /// is made by Negate().
     constexpr nxDecimal& operator-();
-
     /// The smaller of the two; one that is not valid gives way to the other. A tie yields @p a.
     static nxDecimal GetMin(const nxDecimal& a, const nxDecimal& b);
     /// The larger of the two; one that is not valid gives way to the other. A tie yields @p a.
@@ -216,6 +213,7 @@ public:
     /// @name Arithmetic
     /// The result has the larger of the two place counts.
     /// @{
+
     /// The exact sum where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator+=(const nxDecimal& other);
     /// The exact difference where both have one scale, else that of the doubles. It wraps modulo 2^64.
@@ -267,6 +265,7 @@ public:
     /// Numbers of one scale compare exactly; across scales they are equal when their doubles differ by 2.2e-16 at most.
     /// Null equals null and no change equals no change; null is less than no change, and both are less than any number.
     /// @{
+
     /// Not transitive across scales; EqualsExactly() is.
     friend bool operator==(const nxDecimal& left, const nxDecimal& right) { return _IsEqual(left, right); }
     /// Sorts values of one scale; across scales the tolerance of `==` makes it no strict order.
@@ -300,6 +299,7 @@ public:
     /// trimmed forms show @p places decimals at most. The forms that fill a buffer terminate it with a NUL, use up to
     /// MaxTextSize bytes of it and return the length of the text.
     /// @{
+
     /// Reads an optional '-' or '+', then digits with at most one @p separator among them: ".5" and "5." are numbers.
     /// The number of digits after the separator becomes the number of places. There is no limit on digits: the
     /// mantissa wraps modulo 2^64 and the places modulo 256.
