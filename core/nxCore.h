@@ -40,6 +40,7 @@
 #include "core/enum/nxHIDEventTargetFilterBitMask.h"
 #include "core/enum/nxIntraDayProductDefinitionUpdateBitMask.h"
 #include "core/enum/nxKeyboardModifierBitMask.h"
+#include "core/enum/nxListedEnum.h"
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/enum/nxOrderBookInterestBitMask.h"
 #include "core/enum/nxOrderFillSummaryFieldBitMask.h"
