@@ -20,7 +20,7 @@
 /// The base of every named enumeration: one value of the process-wide numbering, with texts kept in a registry.
 ///
 /// Every value has a short description, which is its identifier ("NX_ERR_NOT_FOUND") and can be parsed back, and a long
-/// description, which is its wording ("not found"). Derive a class of your own from nxTypedEnum.
+/// description, which is its wording ("not found"). nxListedEnum.h helps to make a class of your own.
 ///
 /// - Value 0 is "undefined": the state after construction and Clear(). Value 2 is "no change". Value 1 is never stored.
 /// - Errors: a setter that gets a value outside the class's interval silently stores 0; only the parsing setters return

@@ -4,30 +4,80 @@
 #include <atomic>
 
 #include "core/enum/inline/nxEnumTable.h"
+#include "core/enum/internal/nxEnumInterval.h"
 
 namespace
 {
-struct Refusal
+// A list that grows at its front and is never released. Constant-initialised, because rows may be refused before and
+// after any initialiser of the library.
+template <class Item>
+struct Kept
 {
-    std::string sentence;
-    Refusal* previous;
+    Item item;
+    const Kept* previous;
+};
+template <class Item>
+using KeptItems = std::atomic<const Kept<Item>*>;
+
+template <class Item>
+void KeepOnce(KeptItems<Item>& latest, const Item& item)
+{
+    const Kept<Item>* const known = latest.load(std::memory_order_acquire);
+    for (const Kept<Item>* kept = known; kept != nullptr; kept = kept->previous)
+        if (kept->item == item)
+            return;
+    auto* const added = new Kept<Item>{item, known};
+    while (!latest.compare_exchange_weak(added->previous, added, std::memory_order_release, std::memory_order_acquire))
+        continue;
+}
+
+// A class of an application or a plug-in. The name is copied, because a plug-in may be unloaded.
+struct RegisteredClass
+{
+    std::string name;
+    unsigned minimum;
+    unsigned maximum;
+
+    nxEnumInterval GetInterval() const { return {name.c_str(), minimum, maximum}; }
+    bool operator==(const RegisteredClass&) const = default;
 };
 
-// Constant-initialised and never released, because rows may be refused before and after any initialiser of the library.
-constinit std::atomic<Refusal*> latest = nullptr;
+constinit KeptItems<std::string> toldSentences = nullptr;
+constinit KeptItems<RegisteredClass> registeredClasses = nullptr;
+
+template <class Visitor>
+void VisitClasses(const Visitor& visit)
+{
+    for (const nxEnumInterval& interval : nxEnumInterval::OfLibrary())
+        visit(interval);
+    for (auto* kept = registeredClasses.load(std::memory_order_acquire); kept != nullptr; kept = kept->previous)
+        visit(kept->item.GetInterval());
+}
 
 std::string InQuotes(std::string_view text) { return std::string(1, '\'').append(text).append(1, '\''); }
 
-void Tell(const std::string& subject, std::string_view shortDescription, const std::string& reason)
+// @return " of " and the name of the class that has the value; empty when it is not known.
+std::string OfClass(unsigned value)
 {
-    const std::string sentence = subject + " " + InQuotes(shortDescription) + " is not registered: " + reason;
-    Refusal* previous = latest.load(std::memory_order_acquire);
-    for (const Refusal* refusal = previous; refusal != nullptr; refusal = refusal->previous)
-        if (refusal->sentence == sentence)
-            return;
-    Refusal* const added = new Refusal{sentence, previous};
-    while (!latest.compare_exchange_weak(added->previous, added, std::memory_order_release, std::memory_order_acquire))
-        continue;
+    std::string text;
+    VisitClasses(
+        [&](const nxEnumInterval& interval)
+        {
+            if (text.empty() && interval.Has(value))
+                text.append(" of ").append(interval.name);
+        });
+    return text;
+}
+
+std::string Describe(const nxEnumInterval& interval)
+{
+    return std::string(interval.name) + " (" + std::to_string(interval.minimum) + " to " +
+           std::to_string(interval.maximum) + ")";
+}
+
+void Tell(const std::string& subject, const std::string& reason)
+{
+    KeepOnce(toldSentences, subject + " is not registered: " + reason);
 }
 
 // When there is no memory for a sentence, registration continues without it.
@@ -49,31 +99,57 @@ std::string ReasonOf(unsigned value, std::string_view shortDescription)
         return "the value has the identifier " + InQuotes(texts->first);
     if (shortDescription.size() > nxEnumTable::MaximumTextSize)
         return "the identifier is longer than " + std::to_string(nxEnumTable::MaximumTextSize) + " characters";
-    return std::to_string(nxEnumTable::Find(shortDescription)) + " has that identifier";
+    const std::int64_t owner = nxEnumTable::Find(shortDescription);
+    return std::to_string(owner) + OfClass(static_cast<unsigned>(owner)) + " has that identifier";
 }
 }  // namespace
 
 std::vector<std::string> nxRefusedTexts::Get()
 {
-    std::vector<std::string> sentences;
-    for (const Refusal* refusal = latest.load(std::memory_order_acquire); refusal != nullptr;
-         refusal = refusal->previous)
-        sentences.push_back(refusal->sentence);
-    std::reverse(sentences.begin(), sentences.end());
-    return sentences;
+    std::vector<std::string> all;
+    for (auto* kept = toldSentences.load(std::memory_order_acquire); kept != nullptr; kept = kept->previous)
+        all.push_back(kept->item);
+    std::reverse(all.begin(), all.end());
+    return all;
+}
+
+void nxRefusedTexts::AddClass(std::string_view className, unsigned minimum, unsigned maximum) noexcept
+{
+    IfThereIsMemory(
+        [&]
+        {
+            const RegisteredClass added{std::string(className), minimum, maximum};
+            VisitClasses(
+                [&, interval = added.GetInterval()](const nxEnumInterval& known)
+                {
+                    const bool isTheSame =
+                        known.name == added.name && known.minimum == minimum && known.maximum == maximum;
+                    if (!isTheSame && known.Overlaps(interval))
+                        KeepOnce(toldSentences,
+                                 Describe(interval) + " and " + Describe(known) + " have values in common");
+                });
+            KeepOnce(registeredClasses, added);
+        });
 }
 
 void nxRefusedTexts::AddValue(unsigned value, std::string_view shortDescription) noexcept
 {
     if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value);
         texts == nullptr || texts->first != shortDescription)
-        IfThereIsMemory([&] { Tell(std::to_string(value), shortDescription, ReasonOf(value, shortDescription)); });
+        IfThereIsMemory(
+            [&]
+            {
+                Tell(std::to_string(value) + " " + InQuotes(shortDescription) + OfClass(value),
+                     ReasonOf(value, shortDescription));
+            });
 }
 
 void nxRefusedTexts::AddOutside(unsigned value, std::string_view shortDescription) noexcept
 {
-    IfThereIsMemory([&]
-                    { Tell(std::to_string(value), shortDescription, "it lies outside the interval of its class"); });
+    IfThereIsMemory(
+        [&] {
+            Tell(std::to_string(value) + " " + InQuotes(shortDescription), "it lies outside the interval of its class");
+        });
 }
 
 void nxRefusedTexts::AddFlag(std::string_view className, unsigned long long word, std::string_view shortDescription,
@@ -83,7 +159,7 @@ void nxRefusedTexts::AddFlag(std::string_view className, unsigned long long word
         IfThereIsMemory(
             [&]
             {
-                Tell(std::string(className) + " " + std::to_string(word), shortDescription,
+                Tell(std::string(className) + " " + std::to_string(word) + " " + InQuotes(shortDescription),
                      "the flag has the text " + InQuotes(kept));
             });
 }

@@ -13,7 +13,7 @@
 /// @tparam Minimum, Maximum the bounds of its values, neither of them a value itself; intervals of different classes
 ///         are disjoint. The library's own lie below 2000000.
 ///
-/// An application's own enumeration is declared as the library's are. In the header:
+/// nxListedEnum.h makes an application's own enumeration of a list. Written out, the header has:
 /// @code
 /// class mySessionEnum final : public nxTypedEnum<mySessionEnum, 3000000, 3000100>
 /// {
@@ -81,6 +81,13 @@ public:
         return static_cast<Derived&>(*this);
     }
 
+    /// Does what @p request asks for: keeps the value for "no change" and takes over any other, undefined included.
+    void UpdateFrom(const Derived& request) noexcept
+    {
+        if (!request.IsNoChange())
+            _SetAccepted(request.GetValue());
+    }
+
     /// @copydoc nxEnum::SetFromString(const std::string&)
     bool SetFromString(const std::string& text) { return _SetFromText(text, Minimum, Maximum); }
     /// @copydoc nxEnum::SetFromString(const std::string&)
@@ -129,11 +136,13 @@ protected:
     static bool _Register(Wide, const std::string&, const std::string&) = delete;
 
     /// Registers @p rows. Rows outside the class's interval and rows that _Register() refuses are left out and reported
-    /// by nxRefusedTexts.
+    /// by nxRefusedTexts, and so is an interval that overlaps with another class's.
     /// @return true, for the class's _registered to hold.
     template <std::size_t Count>
     static bool _RegisterAll(const ValueTexts (&rows)[Count])
     {
+        if constexpr (requires { Derived().GetClassName(); })
+            nxRefusedTexts::AddClass(Derived().GetClassName(), Minimum, Maximum);
         for (const ValueTexts& row : rows)
             if (_IsInside(row.value))
                 nxEnum::_RegisterAll(&row, &row + 1);

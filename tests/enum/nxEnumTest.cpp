@@ -72,6 +72,15 @@ public:
     }
 };
 
+// The list form. Its only value is the last one of RivalEnum, too.
+#define NX_VALUES_QuoteEnum(VALUE) VALUE(FIRM, 3000299, "QUOTE_FIRM", "firm quote")
+
+class QuoteEnum final : public nxTypedEnum<QuoteEnum, 3000298, 3000300>
+{
+    NX_ENUM(QuoteEnum);
+};
+NX_ENUM_SOURCE(QuoteEnum)
+
 template <class Enum>
 std::vector<unsigned> Registered()
 {
@@ -178,6 +187,35 @@ TEST(nxEnum, ParsesIdentifiersOfItsClass)
     EXPECT_TRUE(SessionEnum().SetFromString(std::string_view()));
 }
 
+TEST(nxEnum, AListMakesAClass)
+{
+    QuoteEnum quote;
+    EXPECT_TRUE(quote.SetFromString("QUOTE_FIRM"));
+    EXPECT_EQ(quote, QuoteEnum::FIRM);
+    EXPECT_EQ(quote.GetClassName() + ": " + quote.GetLongDescription(), "QuoteEnum: firm quote");
+}
+
+TEST(nxEnum, ForeignNumbersNeverReadAsSuccessAndRequestsThatChangeNothingKeepTheValue)
+{
+    const std::tuple<unsigned long long, unsigned, unsigned> rows[] = {
+        {0, 0, 0},
+        {2, NX_ERR_UNSPECIFIED, NX_ERR_INTERNAL},
+        {1000000, NX_ERR_UNSPECIFIED, 0},
+        {1000001, 1000001, 1000001},
+        {1999998, 1999998, 1999998},
+        {1999999, NX_ERR_UNSPECIFIED, 0},
+        {(1ull << 32) + 1000001, NX_ERR_UNSPECIFIED, 0},
+    };
+    for (const auto& [number, error, updated] : rows)
+    {
+        SCOPED_TRACE(number);
+        EXPECT_EQ(nxErrorEnum::FromForeignValue(number), error);
+        nxErrorEnum value(NX_ERR_INTERNAL);
+        value.UpdateFrom(nxErrorEnum(number));
+        EXPECT_EQ(value, updated);
+    }
+}
+
 TEST(nxEnum, EveryRegisteredTextLeadsBackToItsValueAndOtherValuesHaveNone)
 {
     const auto expect = [](auto parsed)
@@ -207,18 +245,23 @@ TEST(nxEnum, RefusedRowsAreToldOnce)
     EXPECT_FALSE(RivalEnum::_Register(1500000, "NX_ERR_RIVAL", "an error code"));
     EXPECT_FALSE(RivalEnum::_Register(3000205, "NX_ERR_NOT_FOUND", "taken by another class"));
     EXPECT_TRUE(RivalEnum::_Register(3000300, "RIVAL_BOUND", "a bound, as the list of values has it"));
-    EXPECT_EQ(Registered<RivalEnum>(), (std::vector<unsigned>{3000202, 3000204}));
+    EXPECT_EQ(Registered<RivalEnum>(), (std::vector<unsigned>{3000202, 3000204, QuoteEnum::FIRM}));
     EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(3000205));
     EXPECT_EQ(nxErrorEnum(1500000).GetAsString(), "NOT_REGISTERED");
+    nxRefusedTexts::AddClass("TouchingEnum", 3000099, 3000201);
+    nxRefusedTexts::AddClass("UpperBoolEnum", 5001, 5010);
     std::vector<std::string> told = nxRefusedTexts::Get();
     std::erase_if(told, [](const std::string& sentence) { return sentence.find("BitMask") != sentence.npos; });
-    EXPECT_EQ(told, (std::vector<std::string>{
-                        "3000201 'SESSION_DAY' is not registered: 3000001 has that identifier",
-                        "3000202 'OTHER' is not registered: the value has the identifier 'RIVAL'",
-                        "1500000 'NX_ERR_RIVAL' is not registered: it lies outside the interval of its class",
-                        std::string("3000203 '")
-                            .append(65, 'R')
-                            .append("' is not registered: the identifier is longer than 64 characters")}));
+    EXPECT_EQ(told,
+              (std::vector<std::string>{
+                  "RivalEnum (3000200 to 3000300) and QuoteEnum (3000298 to 3000300) have values in common",
+                  "3000201 'SESSION_DAY' of RivalEnum is not registered: 3000001 of SessionEnum has that identifier",
+                  "3000202 'OTHER' of RivalEnum is not registered: the value has the identifier 'RIVAL'",
+                  "1500000 'NX_ERR_RIVAL' is not registered: it lies outside the interval of its class",
+                  std::string("3000203 '")
+                      .append(65, 'R')
+                      .append("' of RivalEnum is not registered: the identifier is longer than 64 characters"),
+                  "UpperBoolEnum (5001 to 5010) and nxBoolEnum (5000 to 5003) have values in common"}));
     SessionEnum session;
     RivalEnum rival;
     EXPECT_TRUE(session.SetFromString("SESSION_DAY") && session.GetLongDescription() == "day session");

@@ -16,7 +16,7 @@ bool IsComplete()
     return nxErrorEnum(1000112).GetShortDescription() == "NOT_REGISTERED" &&
            nxErrorEnum(NX_ERR_NOT_FOUND).GetLongDescription() == "not found" &&
            parsed.SetFromString("NX_ERR_NO_MATCH") && parsed == NX_ERR_NO_MATCH &&
-           nxEnum::IsRegisteredEnumValue(NX_BOOL_TRUE) && values.size() == 581;
+           nxEnum::IsRegisteredEnumValue(NX_BOOL_TRUE) && values.size() == 581 && nxRefusedTexts::Get().empty();
 }
 
 struct EarlyAndLate
@@ -26,7 +26,7 @@ struct EarlyAndLate
     {
         if (!wasComplete || !IsComplete())
         {
-            std::fputs("a text was missing before or after main\n", stderr);
+            std::fputs("a text was missing or refused before or after main\n", stderr);
             std::_Exit(1);
         }
     }
