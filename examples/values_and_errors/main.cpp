@@ -8,9 +8,9 @@
 namespace
 {
 // An operation that can fail returns an nxErrorEnum and writes its result through a reference, which it leaves alone on
-// failure. [[nodiscard]] makes the compiler warn when the error is ignored.
-[[nodiscard]] nxErrorEnum ReadOrder(const std::string& priceText, const std::string& volumeText, nxDecimal& price,
-                                    nxValueWrapper<unsigned int>& volume)
+// failure. The compiler warns of a call whose error is ignored.
+nxErrorEnum ReadOrder(const std::string& priceText, const std::string& volumeText, nxDecimal& price,
+                      nxValueWrapper<unsigned int>& volume)
 {
     nxDecimal newPrice;
     if (const nxErrorEnum error = newPrice.SetFromString(priceText, '.'); !error.IsOK())
@@ -38,7 +38,7 @@ void Decimals()
     for (const char* const text : {"99.87", "-36.98"})
     {
         nxDecimal price(text, '.');
-        price.Round(nxDecimal("0.05", '.'), nxRoundingMethodEnum(NX_ROUNDING_METHOD_DOWN));
+        price.Round(nxDecimal("0.05", '.'), NX_ROUNDING_METHOD_DOWN);
         std::cout << text << " down to a step of 0.05 is " << price << '\n';
     }
 
@@ -64,6 +64,15 @@ void Orders()
     }
 }
 
+// An enumeration of one's own is a list of values; the class takes constants, texts and parsing from it.
+#define NX_VALUES_SideEnum(VALUE) VALUE(BUY, 3000001, "MY_SIDE_BUY", "Buy") VALUE(SELL, 3000002, "MY_SIDE_SELL", "Sell")
+
+class SideEnum final : public nxTypedEnum<SideEnum, 3000000, 3000003>
+{
+    NX_ENUM(SideEnum);
+};
+NX_ENUM_SOURCE(SideEnum)
+
 void Enumerations()
 {
     nxRoundingMethodEnum method;
@@ -71,6 +80,11 @@ void Enumerations()
         std::cout << method << " means " << method.GetLongDescription() << '\n';
     method = NX_LOG_LEVEL_INFO;  // belongs to another enumeration: not accepted
     std::cout << "a value of another enumeration becomes " << method << '\n';
+
+    SideEnum side = SideEnum::BUY, request;
+    if (request.SetFromString("MY_SIDE_SELL"))
+        side.UpdateFrom(request);  // a request that is "no change" would keep the value
+    std::cout << side << " means " << side.GetLongDescription() << '\n';
 }
 }  // namespace
 
