@@ -9,6 +9,22 @@
 #include "core/log/inline/nxLogStream.h"
 #include "core/log/nxLog.h"
 
+/// Whether values of the type have a text in the log of their own: the library's types, and what converts to them.
+template <class Value, class Statement>
+concept nxLogStreams = requires(nxLogStream<Statement>& stream, const Value& value)
+{
+    stream.operator<<(value);
+};
+
+/// Whether an application has declared `nxLog& operator<<(nxLog&, const Value&)`.
+template <class Value>
+concept nxLogsItself = requires(nxLog& record, const Value& value)
+{
+    {
+        operator<<(record, value)
+        } -> std::same_as<nxLog&>;
+};
+
 /// One statement of NX_LOG: begins a record, takes what is streamed straight into the calling thread's ring and hands
 /// it over when the statement ends, also when an argument throws. Use the macros of nxLogMacros.h.
 ///
@@ -39,6 +55,22 @@ public:
     {
         return *this << static_cast<int>(value);
     }
+
+    /// What a value becomes that has no text in the log; it does not compile, and the compiler says so in few lines. The
+    /// conversion ranks below all others, so that it takes no value from another operator.
+    struct Textless
+    {
+        /// Reports the type.
+        template <class Value>
+        requires(!nxLogStreams<Value, nxLogStatement> && !nxLogsItself<Value> && !nxMisprinted<Value>)
+            Textless(const Value&)
+        {
+            static_assert(sizeof(Value*) == 0,
+                          "this type has no text in the log: declare nxLog& operator<<(nxLog&, const Type&) beside it");
+        }
+    };
+    /// Does not compile: see Textless.
+    nxLogStatement& operator<<(Textless) { return *this; }
 
     /// The statement as an lvalue, so that << can be applied to a temporary.
     nxLogStatement& Stream() { return *this; }
@@ -88,14 +120,7 @@ private:
 
 /// Values of an application's own types, by their `nxLog& operator<<(nxLog&, const Value&)`.
 template <class Statement, class Value>
-requires(
-    std::same_as<Statement, nxLogStatement> &&
-    !requires(nxLogStream<Statement> & stream, const Value& value) { stream.operator<<(value); } &&
-    requires(nxLog & record, const Value& value) {
-        {
-            record << value
-            } -> std::same_as<nxLog&>;
-    }) Statement&
+requires(std::same_as<Statement, nxLogStatement> && !nxLogStreams<Value, Statement> && nxLogsItself<Value>) Statement&
 operator<<(Statement& statement, const Value& value)
 {
     nxLog record{nxLogLevelEnum(), nullptr, 0, nxTimeStamp(0, 0)};

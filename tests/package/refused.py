@@ -9,6 +9,7 @@ begins a case, which ends at the next mark and is compiled as the body of a func
     // accepted: TITLE    compiles without a warning
     // warned: TITLE      compiles with a warning
     // refused: TITLE     does not compile
+    // says: TEXT         the compiler's message about the case above has this text and few lines
 """
 
 import os
@@ -18,6 +19,8 @@ import subprocess
 import sys
 
 MARK = re.compile(r"// (accepted|warned|refused): (.+)")
+SAYS = re.compile(r"// says: (.+)")
+FEW_LINES = 10
 LOCATION = re.compile(r"([^\s:][^:]*):(\d+):(?:\d+:)?\s+(.*)")
 # GCC names the place that asked for a template before the fault in it, clang after it.
 BEFORE = re.compile(r"required (from|by)|[Ii]n (instantiation|substitution|.constexpr. expansion)")
@@ -28,7 +31,7 @@ FLAGS = ["-std=gnu++20", "-fsyntax-only", "-Wall", "-Wextra", "-Wconversion", "-
 
 class Case:
     def __init__(self, kind, title, line):
-        self.kind, self.title, self.line, self.text, self.lines = kind, title, line, "", {line}
+        self.kind, self.title, self.line, self.text, self.lines, self.says = kind, title, line, "", {line}, None
 
     def add(self, number, text):
         self.text += text
@@ -42,6 +45,8 @@ def read(path):
         for number, line in enumerate(file, 1):
             if mark := MARK.match(line):
                 cases.append(Case(mark[1], mark[2].strip(), number))
+            elif cases and (says := SAYS.match(line)):
+                cases[-1].says = says[1].strip()
             elif cases:
                 cases[-1].add(number, line)
             else:
@@ -99,6 +104,11 @@ def check(compiler, path):
         if case.kind == "refused" and not case.lines & found["error"] \
                 and not compiler.diagnose(path, shared, [case])[0]["error"]:
             faults.append((case, "compiles"))
+        elif case.says:
+            alone = compiler.diagnose(path, shared, [case])[1]
+            if case.says not in alone or len(alone.splitlines()) > FEW_LINES:
+                print(alone)
+                faults.append((case, f"is not explained in {FEW_LINES} lines"))
     return tell(path, faults), len(cases)
 
 
