@@ -9,6 +9,8 @@
 #include "core/app/nxApplicationData.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
+#include "core/app/nxOption.h"
+#include "core/app/nxOptions.h"
 #include "core/enum/nxAPIConnectionTypeEnum.h"
 #include "core/enum/nxAccountNodeDefinitionFieldsBitMask.h"
 #include "core/enum/nxAccountNodeFlagBitMask.h"

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/app/nxCmdLineArgs.h"
+#include "core/app/nxOptions.h"
 
 namespace
 {
@@ -64,6 +65,26 @@ void AskForEverything(const Args& args, const std::string& name)
     args.GetEnvValueAsDoubleValue(name);
     args.GetEnvValueAsHHMMSS(name);
 }
+
+// A failed reading changes nothing and says why; what is accepted is in its range.
+void ReadDeclared(const Args& args)
+{
+    unsigned lots = 5;
+    bool isQuiet = false;
+    nxLogLevelEnum level;
+    std::chrono::milliseconds wait{};
+    std::vector<std::string> words;
+    nxOptions options("Does nothing.");
+    options.Add("a", lots, "N", "").Between(1, 1000).FromEnvironment("A");
+    options.Add("quiet", isQuiet, "");
+    options.Add("level", level, "LEVEL", "");
+    options.Add("wait", wait, "TIME", "");
+    options.AddWords(words, "WORD...", "");
+    const bool isRead = options.Read(args).IsOK();
+    Require(isRead == options.GetMessages().empty() && isRead == options.GetErrorText().empty());
+    Require(isRead ? 1 <= lots && lots <= 1000 : lots == 5 && words.empty());
+    Require(!options.GetHelp().empty());
+}
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -94,6 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     for (const std::string& word : words)
         Require(word.empty() || word.front() != '-');
+    ReadDeclared(args);
     args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_ERROR));
     return 0;
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <set>
 
+#include "core/app/internal/nxOptionWord.h"
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
 #include "core/text/nxPrintableText.h"
@@ -26,8 +27,6 @@ bool IsVariableName(const std::string& name)
 {
     return !name.empty() && name.find('=') == std::string::npos && !HasNul(name);
 }
-
-bool IsNumber(const char* word) { return nxDecimal().SetFromString(word, '.').IsOK(); }
 
 // For a wrapper that reads itself from text. A text that is not a number gives null.
 template <class Value>
@@ -140,7 +139,7 @@ void nxCmdLineArgs::_ReadArgs(char** argv)
     while (*++argv != nullptr)
     {
         const char* const word = *argv;
-        const bool isValue = word[0] != '-' || (isPending && IsNumber(word));
+        const bool isValue = !nxIsOptionWord(word, isPending);
         if (isPending)
             _args[option] = isValue ? word : "";
         else if (isValue)

@@ -3,58 +3,21 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <map>
 
 #include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxChildProcess.h"
 #include "tests/support/nxFunctionLogDevice.h"
 #include "tests/support/nxSystemCallFault.h"
 #include "tests/support/nxTest.h"
+#include "tests/support/nxTestArguments.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
 {
-using Map = std::map<std::string, std::string>;
-using Words = std::vector<std::string>;
-
-// argv or envp: writable texts with a null at the end.
-class Vector
-{
-public:
-    Vector(Words texts) : _texts(std::move(texts))
-    {
-        for (std::string& text : _texts)
-            _pointers.push_back(text.data());
-        _pointers.push_back(nullptr);
-    }
-    char** Get() { return _pointers.data(); }
-
-private:
-    Words _texts;
-    std::vector<char*> _pointers;
-};
-
-// A separate object, because the one of the process reads its arguments only once.
-class Args : public nxCmdLineArgs
-{
-public:
-    Args() = default;
-    Args(const Words& argv, const Words& envp) : _argvStore(argv), _envpStore(envp)
-    {
-        Initialise(_argvStore.Get(), _envpStore.Get());
-    }
-
-    Map Options() const
-    {
-        Map options;
-        GetArgs(options);
-        return options;
-    }
-
-private:
-    Vector _argvStore{{}};
-    Vector _envpStore{{}};
-};
+using Args = nxTestArguments;
+using Map = Args::Map;
+using Vector = nxTestPointers;
+using Words = Args::Words;
 
 TEST(nxCmdLineArgs, WordsBecomeOptionsValuesAndTheRest)
 {
