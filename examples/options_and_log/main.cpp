@@ -1,5 +1,6 @@
 // A process with options and a log: what main does before the work begins.
 //
+//     example_options_and_log -help
 //     example_options_and_log -symbol WTI -price -36.98 -verbose
 //     QRX_LOG_DIRECTORY=/var/log/quotes QRX_LOG_LEVEL=DBG example_options_and_log -symbol WTI
 //
@@ -10,47 +11,46 @@
 
 #include <iostream>
 #include <string>
-#include <vector>
 
-#include "core/log/nxLogMacros.h"
 #include "core/nxCore.h"
 
 namespace
 {
-int Usage(const std::string& complaint)
+// What the command line and the environment say; here are the defaults.
+struct Settings
 {
-    std::cerr << complaint << "\nusage: example_options_and_log -symbol NAME [-price P] [-verbose]\n";
-    return 2;
+    std::string symbol;
+    nxDecimal price = nxDecimal::GetNullDecimal();
+    unsigned lots = 1;
+    bool isPassive = true;
+    bool isVerbose = false;
+};
+
+// For statements of NX_LOG.
+nxLog& operator<<(nxLog& record, const Settings& settings)
+{
+    return record << settings.lots << " of " << settings.symbol << " at " << settings.price
+                  << (settings.isPassive ? ", passively" : "");
 }
 
-int Run(const nxCmdLineArgs& args)
+void Declare(nxOptions& options, Settings& settings)
 {
-    std::vector<std::string> rest;
-    args.GetUnprocessedArgs(rest);
-    if (!rest.empty())
-        return Usage("'" + rest.front() + "' belongs to no option");
+    options.Add("symbol", settings.symbol, "NAME", "what is quoted").Required();
+    options.Add("price", settings.price, "P", "price of the quote");  // a negative number is a value: -price -36.98
+    options.Add("lots", settings.lots, "N", "size of the quote").Between(1, 1000);
+    options.Add("passive", settings.isPassive, "never crosses the market").FromEnvironment(QRX_PASSIVE_MODE);
+    options.Add("verbose", settings.isVerbose, "writes options and environment to the log");
+}
 
-    const std::string symbol = args.GetArgValue("symbol");
-    if (symbol.empty())
-        return Usage("-symbol is missing");
-
-    // A negative number is a value, not an option: -price -36.98 works. What is missing or no number is null.
-    const nxDecimal price = args.GetArgValueAsDecimal("price");
-    if (args.IsArgDefined("price") && price.IsNull())
-        return Usage("-price wants a number");
-
-    // Environment settings have defaults of the application's choice.
-    const bool passive = args.GetEnvValueAsBool(QRX_PASSIVE_MODE, true);
-
+void Run(const Settings& settings)
+{
     // Arguments of a record below the threshold are not even evaluated.
     NX_LOG(NX_LOG_LEVEL_DEBUG) << "host " << nxApplicationData::GetHostName();
-    NX_LOG(NX_LOG_LEVEL_INFO) << nxApplicationData::GetApplicationName() << " quotes " << symbol << " at " << price
-                              << (passive ? ", passively" : "");
-    if (price.IsNegative())
-        NX_LOG(NX_LOG_LEVEL_WARNING) << "a negative price: " << price;
+    NX_LOG(NX_LOG_LEVEL_INFO) << nxApplicationData::GetApplicationName() << " quotes " << settings;
+    if (settings.price.IsNegative())
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "a negative price: " << settings.price;
 
-    std::cout << symbol << ' ' << price << '\n';
-    return 0;
+    std::cout << settings.symbol << ' ' << settings.price << '\n';
 }
 }  // namespace
 
@@ -58,14 +58,30 @@ int main(int, char** argv)
 {
     nxCmdLineArgs& args = nxCmdLineArgs::GetInstance();
     args.Initialise(argv, environ);  // first of all: everybody else reads settings through it
+
+    Settings settings;
+    nxOptions options("Quotes one symbol.");
+    Declare(options, settings);
+    if (!options.Read().IsOK())
+    {
+        std::cerr << options.GetErrorText();
+        return 2;
+    }
+    if (options.IsHelpWanted())
+    {
+        std::cout << options.GetHelp();
+        return 0;
+    }
+
     nxApplicationData::SetApplicationName("quoter");
     if (args.GetEnvValue(QRX_LOG_DIRECTORY).empty())
         args.SetEnvValue(QRX_LOG_DIRECTORY, "logs");  // the application's own default
     if (!nxLogSetUp())
         std::cerr << "no log file; going on without\n";
-    if (args.IsArgDefined("verbose"))
+    if (settings.isVerbose)
         args.Dump(nxLogLevelEnum(NX_LOG_LEVEL_INFO));  // one record an entry, passwords masked
 
     // Records travel through a thread of their own; what waits when main returns is still written.
-    return Run(args);
+    Run(settings);
+    return 0;
 }

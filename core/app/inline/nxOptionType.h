@@ -139,7 +139,7 @@ struct nxOptionType<bool> : nxPlainOptionType
         return nxOptionReader::ReadFlag(text, value);
     }
     static std::string GetKind() { return "TRUE, YES, FALSE or NO"; }                 ///< The words.
-    static std::string GetText(bool value) { return value ? "YES" : std::string(); }  ///< Off is no news.
+    static std::string GetText(bool value) { return value ? "YES" : std::string(); }  ///< Nothing for false.
 };
 
 /// Integers, but not single characters.
