@@ -55,11 +55,12 @@ void nxOptions::_Add(std::unique_ptr<nxOption> option)
 {
     const std::string name = option->GetName();
     const bool isName = IsOptionName(name);
-    if (isName && _options.emplace(name, std::move(option)).second)
+    // A refused option is kept, because the caller may still refer to it. try_emplace() leaves it alone.
+    if (isName && _options.try_emplace(name, std::move(option)).second)
         return;
     _declarationFaults.push_back("option " + nxPrintableText::GetQuoted(DashedName(name)) +
                                  (isName ? " is declared twice" : " cannot have this name"));
-    _refused.push_back(std::move(option));  // the caller may still refer to it
+    _refused.push_back(std::move(option));
 }
 
 void nxOptions::AddWords(std::vector<std::string>& target, std::string_view label, std::string_view meaning)

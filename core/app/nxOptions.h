@@ -1,7 +1,6 @@
 #ifndef CORE_APP_NXOPTIONS_H
 #define CORE_APP_NXOPTIONS_H
 
-#include <concepts>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,7 +16,7 @@
 /// The options of a program, declared once: from the declarations come the checked values, the help and the messages.
 ///
 /// Each option is declared with the variable that receives its value. The type of the variable is the type of the option,
-/// and what the variable holds at that time is the default. These types are known: `bool` for a flag, the integers, `double`,
+/// and what the variable holds at that time is the default, which is not checked. These types are known: `bool` for a flag, the integers, `double`,
 /// nxDecimal, nxValueWrapper, nxDoubleValueWrapper, `std::string`, the enumerations by their identifiers, and
 /// `std::chrono` durations ("250ms"). Every other type needs a member `nxErrorEnum SetFromString(const std::string&)`, as
 /// dates, times and nxStringValue have.
@@ -63,15 +62,22 @@ public:
     /// @param label stands for the value in the help: "N", "PRICE".
     /// @param meaning what the option means, in one line.
     /// @return the option, to say more about it.
-    template <class Value>
-    requires(!std::same_as<Value, bool>) nxTypedOption<Value>
-    &Add(std::string_view name, Value& target, std::string_view label, std::string_view meaning)
+    template <nxOptionWithLabel Value>
+    nxTypedOption<Value>& Add(std::string_view name, Value& target, std::string_view label, std::string_view meaning)
     {
         std::unique_ptr<nxTypedOption<Value>> option(
             new nxTypedOption<Value>(name, target, label.empty() ? "VALUE" : label, meaning));
         nxTypedOption<Value>& added = *option;
         _Add(std::move(option));
         return added;
+    }
+
+    /// Does not compile, and says what the type lacks.
+    template <class Value>
+    requires(!nxOptionValue<Value>) void Add(std::string_view, Value&, std::string_view, std::string_view)
+    {
+        static_assert(sizeof(Value*) == 0,
+                      "an option of this type needs a member: nxErrorEnum SetFromString(const std::string& text)");
     }
 
     /// Declares a flag, an option that is on when it is given.

@@ -83,13 +83,25 @@ concept nxReadsItself = std::copyable<Value> && requires(Value& value, const std
         } -> std::same_as<nxErrorEnum>;
 };
 
-/// The values of an option: how they are read, described and printed. This one serves types that read themselves.
+/// The values of an option: how they are read, described and printed.
 template <class Value>
-struct nxOptionType
-{
-    static_assert(nxReadsItself<Value>,
-                  "an option of this type needs a member: nxErrorEnum SetFromString(const std::string& text)");
+struct nxOptionType;
 
+/// A type that an option can have.
+template <class Value>
+concept nxOptionValue = requires
+{
+    sizeof(nxOptionType<Value>);
+};
+
+/// A type whose options have a value on the command line: all but flags.
+template <class Value>
+concept nxOptionWithLabel = nxOptionValue<Value> && !std::same_as<Value, bool>;
+
+/// Types that read themselves.
+template <nxReadsItself Value>
+struct nxOptionType<Value>
+{
     /// Reads the whole text.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, Value& value)
     {
