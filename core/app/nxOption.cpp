@@ -1,7 +1,6 @@
 #include "core/app/nxOption.h"
 
 #include "core/app/internal/nxOptionHelp.h"
-#include "core/text/internal/nxClosestText.h"
 #include "core/text/nxPrintableText.h"
 
 nxOption::nxOption(Texts texts) : _texts(std::move(texts)) {}
@@ -46,8 +45,7 @@ nxErrorEnum nxOption::_Check(const std::string& text, const std::string& source,
     if (!_texts.words.empty() && error == NX_ERR_INVALID_PARAMETER)
     {
         message.append(" ").append(nxOptionHelp::GetList(_texts.words));
-        if (const std::string closest = nxClosestText::Find(text, _texts.words); !closest.empty())
-            message.append("; did you mean ").append(closest).append("?");
+        message += nxOptionHelp::GetSuggestion(text, {_texts.words.begin(), _texts.words.end()});
     }
     messages.push_back(std::move(message));
     return error;

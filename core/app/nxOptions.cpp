@@ -1,10 +1,10 @@
 #include "core/app/nxOptions.h"
 
 #include <algorithm>
+#include <set>
 
 #include "core/app/internal/nxOptionHelp.h"
 #include "core/app/internal/nxOptionWord.h"
-#include "core/text/internal/nxClosestText.h"
 #include "core/text/nxPrintableText.h"
 
 namespace
@@ -110,13 +110,12 @@ nxOptions::Words nxOptions::_Split(const char* const* argv) const
 
 std::string nxOptions::_GetUnknownText(std::string_view word) const
 {
-    std::vector<std::string> known = {"-help"};
+    std::set<std::string> known = {"-help"};
     for (const auto& [name, option] : _options)
-        known.push_back(DashedName(name));
+        known.insert(DashedName(name));
     // Other programs take a value after an equals sign.
-    const std::string closest = nxClosestText::Find(word.substr(0, word.find('=')), known);
-    std::string text = "unknown option " + nxPrintableText::GetQuoted(word);
-    return closest.empty() ? text : text.append("; did you mean ").append(closest).append("?");
+    const std::string name(word.substr(0, word.find('=')));
+    return "unknown option " + nxPrintableText::GetQuoted(word) + nxOptionHelp::GetSuggestion(name, known);
 }
 
 void nxOptions::_CheckUnknown(const Words& words)

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/text/nxAlgorithm.h"
+
 namespace
 {
 constexpr std::size_t helpWidth = 80;
@@ -86,4 +88,10 @@ std::string nxOptionHelp::GetList(const std::vector<std::string>& words)
     for (std::size_t i = 0; i < count; ++i)
         text.append(i == 0 ? "" : i + 1 == words.size() ? " or " : ", ").append(words[i]);
     return count < words.size() ? text.append(", ...") : text;
+}
+
+std::string nxOptionHelp::GetSuggestion(const std::string& text, const std::set<std::string>& candidates)
+{
+    const std::vector<std::string> near = nxAlgorithm::GetNearMatches(candidates, text);
+    return near.empty() ? std::string() : "; did you mean " + GetList(near) + "?";
 }

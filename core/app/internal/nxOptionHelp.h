@@ -1,6 +1,7 @@
 #ifndef CORE_APP_INTERNAL_NXOPTIONHELP_H
 #define CORE_APP_INTERNAL_NXOPTIONHELP_H
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,6 +22,9 @@ public:
 
     /// @return "a, b or c"; at most twelve words, then "...".
     static std::string GetList(const std::vector<std::string>& words);
+
+    /// @return "; did you mean a or b?" with the candidates that a mistyped text may mean; empty without any.
+    static std::string GetSuggestion(const std::string& text, const std::set<std::string>& candidates);
 
 private:
     static void _AppendWords(const std::vector<std::string>& words, std::size_t indent, std::string& out);
