@@ -166,7 +166,8 @@ TEST(nxOptions, HelpIsMadeOfTheDeclarations)
         EXPECT_TRUE(program.options.Read(nxTestArguments({"quoter", "-lots", "x", word}, {})).IsOK());
         EXPECT_TRUE(program.options.IsHelpWanted() && program.lots == 1);
     }
-    EXPECT_EQ(program.options.GetHelp(), R"(usage: quoter -a-name-of-many-characters TEXT [-expiry YYYYMMDD] [-level LEVEL]
+    EXPECT_EQ(program.options.GetHelp(),
+              R"(usage: quoter -a-name-of-many-characters TEXT [-expiry YYYYMMDD] [-level LEVEL]
        [-lots N] [-minutes TIME] [-price P] [-quiet] [-ratio R] [-small N]
        [-strict] [-symbol NAME] [-total N] [-volatility V] [-volume N]
        [-wait TIME] [FILE...]
