@@ -36,7 +36,7 @@ nxErrorEnum nxOptionReader::ReadNanoseconds(std::string_view text, std::int64_t&
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     long long count = 0;
     const std::string digits(text.substr(0, text.size() - name.size()));
-    if (const nxErrorEnum error = ReadNumber(digits, count); !error.IsOK())
+    if (const nxErrorEnum error = nxStringHelper::SetFromStringExact(digits, count); !error.IsOK())
         return error;
     std::int64_t nanoseconds = 0;
     if (__builtin_mul_overflow(count, unit->nanoseconds, &nanoseconds))

@@ -1,7 +1,6 @@
 #ifndef CORE_APP_INLINE_NXOPTIONTYPE_H
 #define CORE_APP_INLINE_NXOPTIONTYPE_H
 
-#include <charconv>
 #include <chrono>
 #include <concepts>
 #include <cstdint>
@@ -36,24 +35,6 @@ public:
     [[nodiscard]] static nxErrorEnum ReadNanoseconds(std::string_view text, std::int64_t& value);
     /// @return the text that ReadNanoseconds() reads back, with the largest unit that gives a whole number.
     static std::string GetNanosecondsText(std::int64_t value);
-
-    /// Reads a number, see nxStringHelper.
-    template <std::integral Number>
-    [[nodiscard]] static nxErrorEnum ReadNumber(const std::string& text, Number& value)
-    {
-        Number number{};
-        if (const nxErrorEnum error = nxStringHelper::SetFromString(text, number); !error.IsOK())
-            return error;
-        if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc())
-            return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-        value = number;
-        return nxErrorEnum();
-    }
-    /// Reads a number with "." as decimal separator, see nxStringHelper.
-    [[nodiscard]] static nxErrorEnum ReadNumber(const std::string& text, double& value)
-    {
-        return nxStringHelper::SetFromString(text, value, '.');
-    }
 
     /// @return " from 0 to 100".
     template <std::integral Integer>
@@ -161,7 +142,7 @@ requires(sizeof(Integer) > 1) struct nxOptionType<Integer> : nxPlainOptionType
     /// Reads digits, for signed types after an optional '-'.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, Integer& value)
     {
-        return nxOptionReader::ReadNumber(text, value);
+        return nxStringHelper::SetFromStringExact(text, value);
     }
     static std::string GetKind() { return "a whole number"; }  ///< Without a fraction.
     /// @return what fits.
@@ -178,9 +159,11 @@ struct nxOptionType<double> : nxPlainOptionType
     /// Reads digits with an optional '-' and point.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, double& value)
     {
-        return nxOptionReader::ReadNumber(text, value);
+        return nxStringHelper::SetFromStringExact(text, value, '.');
     }
-    static std::string GetKind() { return "a number"; }  ///< Without an exponent.
+    static std::string GetKind() { return "a number of at most 15 digits"; }  ///< All of these fit.
+    /// @return all digits.
+    static std::string GetText(double value) { return nxStringHelper::GetAsExactString(value); }
 };
 
 /// Decimals.
@@ -190,9 +173,11 @@ struct nxOptionType<nxDecimal> : nxPlainOptionType
     /// Reads digits with an optional sign and point.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, nxDecimal& value)
     {
-        return value.SetFromString(text, '.');
+        return value.SetFromStringExact(text, '.');
     }
     static std::string GetKind() { return "a number of at most 18 digits"; }  ///< All of these fit.
+    /// @return all digits; empty unless the number is valid.
+    static std::string GetText(const nxDecimal& value) { return value.GetAsExactString('.'); }
 };
 
 /// Integers that may be null; a text is always a number.
@@ -204,13 +189,7 @@ struct nxOptionType<nxValueWrapper<Integer, NullMark, NoChangeMark>> : nxPlainOp
     /// Reads digits. The two numbers that mean null and no change do not fit.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, Wrapper& value)
     {
-        Integer number{};
-        if (const nxErrorEnum error = nxOptionReader::ReadNumber(text, number); !error.IsOK())
-            return error;
-        if (!Wrapper(number).IsValid())
-            return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-        value = number;
-        return nxErrorEnum();
+        return value.SetFromStringExact(text);
     }
     static std::string GetKind() { return "a whole number"; }  ///< Without a fraction.
     /// @return what fits, without the marks.
@@ -233,13 +212,12 @@ struct nxOptionType<nxDoubleValueWrapper> : nxOptionType<double>
     /// Reads a double. The two numbers that mean null and no change do not fit.
     [[nodiscard]] static nxErrorEnum Read(const std::string& text, nxDoubleValueWrapper& value)
     {
-        double number = 0;
-        if (const nxErrorEnum error = nxOptionReader::ReadNumber(text, number); !error.IsOK())
-            return error;
-        if (!nxDoubleValueWrapper(number).IsValid())
-            return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-        value = number;
-        return nxErrorEnum();
+        return value.SetFromStringExact(text);
+    }
+    /// @return the number; empty for null and no change.
+    static std::string GetText(const nxDoubleValueWrapper& value)
+    {
+        return value.IsValid() ? nxStringHelper::GetAsExactString(static_cast<double>(value)) : std::string();
     }
 };
 
