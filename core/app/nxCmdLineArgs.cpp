@@ -5,6 +5,7 @@
 #include <cstring>
 #include <set>
 
+#include "core/app/inline/nxOptionType.h"
 #include "core/app/internal/nxOptionWord.h"
 #include "core/log/nxLogMacros.h"
 #include "core/platform/nxEnvironment.h"
@@ -248,13 +249,7 @@ nxErrorEnum nxCmdLineArgs::_FindEnvValue(const std::string& name, std::string& t
 
 nxErrorEnum nxCmdLineArgs::_ReadExact(const std::string& text, bool& value)
 {
-    std::string word = text;
-    nxStringHelper::ToUpper(word);
-    const bool isTrue = word == "TRUE" || word == "YES";
-    if (!isTrue && word != "FALSE" && word != "NO")
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    value = isTrue;
-    return nxErrorEnum();
+    return nxOptionReader::ReadFlag(text, value);
 }
 
 std::string nxCmdLineArgs::GetEnvValue(const std::string& name) const
