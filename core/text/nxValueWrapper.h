@@ -23,6 +23,7 @@ class nxValueWrapper;
 /// Whether @p Type is a wrapper of an integer.
 template <class Type>
 inline constexpr bool nxIsValueWrapper = false;
+/// Every wrapper is one.
 template <class T, T NullMark, T NoChangeMark>
 inline constexpr bool nxIsValueWrapper<nxValueWrapper<T, NullMark, NoChangeMark>> = true;
 
