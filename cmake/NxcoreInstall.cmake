@@ -50,7 +50,12 @@ install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "main.cpp" PATTERN "output.txt" PATTERN "data" EXCLUDE)
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "main.cpp" PATTERN "output.txt" PATTERN "data" EXCLUDE PATTERN "reference" EXCLUDE)
+# The reference, if it was made: cmake --build ... --target reference
+add_custom_target(reference COMMAND bash "${PROJECT_SOURCE_DIR}/scripts/reference.sh" "${PROJECT_BINARY_DIR}/reference"
+    VERBATIM USES_TERMINAL)
+install(DIRECTORY "${PROJECT_BINARY_DIR}/reference/html/" DESTINATION "${CMAKE_INSTALL_DOCDIR}/reference"
+    COMPONENT documentation OPTIONAL)
 
 # For debuggers. Outside of packages nobody expects them below the prefix.
 string(REGEX REPLACE "^/usr/" "" sources "${NXCORE_SOURCES_DIR}")

@@ -17,7 +17,7 @@
 
 namespace
 {
-constexpr const char* introduction = R"(# Tick tables
+constexpr const char* introduction = R"(# The catalogue of tick tables
 
 <!-- Made by tick_table_page from core/price/nxTickTables.inc; change it there. -->
 
@@ -32,6 +32,8 @@ Not every exchange publishes its regimes, and names outlive rules. Look at the s
 | published | found in a source that names the regime |
 | derived | follows from another table or from the table's name |
 | assumed | values from a source, or from a sibling table, whose link to the regime is our assumption |
+
+The data does not record the day on which a source was read. Where a source has a year, the text of the source names it.
 
 If your exchange says otherwise, use a table of your own: `nxCustomVariableTickTable` reads it from a file, and
 `nxtick -tables FILE` uses it. Programs ask for a status with `nxTickTableSource::Find(id)`.

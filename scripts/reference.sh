@@ -15,15 +15,15 @@ if [ "$folder" = --check ]; then
     trap 'rm -rf "$folder"' EXIT
 fi
 rm -rf "$folder/html" "$folder/input"
-python3 docs/reference/input.py "$folder/input"
-python3 docs/reference/pages.py "$folder/input/docs/reference"
+python3 -B docs/reference/input.py "$folder/input"
+python3 -B docs/reference/pages.py "$folder/input/docs/reference"
 NXCORE_VERSION=$(sed -n 's/^project(nxcore VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 NXCORE_SOURCE=$PWD
 NXCORE_REFERENCE=$(cd "$folder" && pwd)
 export NXCORE_VERSION NXCORE_SOURCE NXCORE_REFERENCE
 (cd "$folder/input" && doxygen "$NXCORE_SOURCE/docs/Doxyfile")
-python3 docs/reference/search.py "$folder/html"
+python3 -B docs/reference/search.py "$folder/html"
 # The results of a search are a document of their own, which gets no style sheet but this one.
 cat docs/reference/reference.css >>"$folder/html/search/search.css"
-python3 tests/docs/reference.py "$folder/html" tests/package/texts.txt
+python3 -B tests/docs/reference.py "$folder/html" tests/package/texts.txt
 [ "${1:-}" = --check ] || echo "$folder/html/index.html"

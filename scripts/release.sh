@@ -8,7 +8,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
-need "${build_tools[@]}" dpkg-deb dpkg file file dpkg-shlibdeps dpkg-dev objcopy binutils gdb gdb pkg-config pkg-config
+need "${build_tools[@]}" doxygen doxygen python3 python3 dpkg-deb dpkg file file dpkg-shlibdeps dpkg-dev objcopy binutils gdb gdb pkg-config pkg-config
 
 # All files get the time of the commit.
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || date +%s)}
@@ -19,6 +19,7 @@ export CCACHE_DISABLE=1
 
 cmake --preset package
 cmake --build --preset package
+cmake --build --preset package --target reference
 # The libraries and tools of an earlier run are kept; cpack writes all packages again.
 rm -rf build/packages
 cpack --config build/package/CPackConfig.cmake -B build/packages

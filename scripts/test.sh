@@ -87,6 +87,8 @@ coverage()
 # The packages of the Release build; those that scripts/release.sh makes hold debug symbols beside.
 packages()
 {
+    cmake --build --preset release --target reference >build/release/reference.log 2>&1 ||
+        { cat build/release/reference.log; return 1; }
     cpack --config build/release/CPackConfig.cmake -B build/release/packages >build/release/packages.log 2>&1 ||
         { tail -n 20 build/release/packages.log; return 1; }
     bash tests/package/debs.sh "$PWD/build/release/packages" "$PWD" || return 1
