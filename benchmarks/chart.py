@@ -7,14 +7,15 @@ WIDTH, HEIGHT = 900, 400
 LEFT, RIGHT, TOP, BOTTOM = 330, 870, 74, 346
 LETTER = 6.2  # pixels, the mean width of a letter of 11 pixels
 
+# Plain colours first, because not every viewer knows the reader's choice of a dark page.
 STYLE = """<style>
-svg{--page:#ffffff;--text:#1f2328;--quiet:#57606a;--line:#d0d7de;--ours:#0b57d0;--peer:#c2560c;--limit:#8c959f}
-@media (prefers-color-scheme:dark){svg{--page:#0f141a;--text:#dde3ea;--quiet:#98a3af;--line:#313a45;--ours:#7db4ff;--peer:#f5a35c;--limit:#7d8894}}
-text{font:12px 'DejaVu Sans',Verdana,Helvetica,sans-serif;fill:var(--text)}
-.title{font-size:16px;font-weight:bold}.quiet{fill:var(--quiet);font-size:11px}
-.page{fill:var(--page)}.line{stroke:var(--line)}.one{stroke:var(--ours);stroke-width:1.5}
-.name{fill:var(--peer);font-size:11px;stroke:var(--page);stroke-width:5;paint-order:stroke;stroke-linejoin:round}
-.ours{fill:var(--ours)}.peer{fill:var(--peer)}.limit{fill:none;stroke:var(--limit);stroke-width:2}
+text{font:12px 'DejaVu Sans',Verdana,Helvetica,sans-serif;fill:#1f2328}
+.title{font-size:16px;font-weight:bold}.quiet{fill:#57606a;font-size:11px}
+.page{fill:#ffffff}.line{stroke:#d0d7de}.one{stroke:#0b57d0;stroke-width:1.5}
+.name{fill:#c2560c;font-size:11px;stroke:#ffffff;stroke-width:5;paint-order:stroke;stroke-linejoin:round}
+.ours{fill:#0b57d0}.peer{fill:#c2560c}.limit{fill:none;stroke:#8c959f;stroke-width:2}
+@media (prefers-color-scheme:dark){text{fill:#dde3ea}.quiet{fill:#98a3af}.page{fill:#0f141a}.line{stroke:#313a45}.one{stroke:#7db4ff}
+.name{fill:#f5a35c;stroke:#0f141a}.ours{fill:#7db4ff}.peer{fill:#f5a35c}.limit{stroke:#7d8894}}
 </style>"""
 
 

@@ -21,12 +21,15 @@ constexpr double right = 912;
 constexpr double top = 84;
 constexpr double bottom = 476;
 
+// Plain colours first, because not every viewer knows variables or the reader's choice of a dark page.
 constexpr char style[] =
     "<style>text{font-family:'DejaVu Sans',Verdana,Helvetica,sans-serif;font-size:13px;fill:#57606a}"
-    ".tick{font-size:12px}.title{font-size:20px;font-weight:bold;fill:#1f2328}.tick{fill:#0b57d0}"
+    ".page{fill:#ffffff}.title{font-size:20px;font-weight:bold;fill:#1f2328}.tick{font-size:12px;fill:#0b57d0}"
     ".grid{stroke:#d0d7de;stroke-width:1}.fine{stroke:#eef1f4;stroke-width:1}"
     ".line{stroke:#0b57d0;stroke-width:3;stroke-linecap:round}"
-    ".rise{stroke:#0b57d0;stroke-width:1;stroke-dasharray:3 4}.bound{fill:#0b57d0}</style>\n";
+    ".rise{stroke:#0b57d0;stroke-width:1;stroke-dasharray:3 4}.bound{fill:#0b57d0}\n"
+    "@media (prefers-color-scheme:dark){text{fill:#98a3af}.page{fill:#0f141a}.title{fill:#dde3ea}.grid{stroke:#313a45}"
+    ".fine{stroke:#1d242c}.line,.rise{stroke:#7db4ff}.tick,.bound{fill:#7db4ff}}</style>\n";
 
 // A character as XML allows it; empty for bytes that are not a character.
 std::string_view Escaped(std::string_view character)
@@ -200,6 +203,13 @@ std::string TickGridLines(const Axis& axis)
     return svg;
 }
 
+// As the axis writes it, without the zeros that only say how prices are shown.
+std::string TickText(nxDecimal tick)
+{
+    tick.Normalise(0);
+    return DecimalText(tick);
+}
+
 // The steps: a dot where a band ends says that its bound belongs to it.
 std::string Steps(const std::vector<Band>& bands, const Axis& prices, const Axis& ticks)
 {
@@ -215,7 +225,7 @@ std::string Steps(const std::vector<Band>& bands, const Axis& prices, const Axis
         svg += Line("line", x1, y, x2, y);
         if (!bands[i].isTop)
             svg += "<circle class='bound' cx='" + Pixels(x2) + "' cy='" + Pixels(y) + "' r='4'/>\n";
-        const std::string text = DecimalText(bands[i].tick);
+        const std::string text = TickText(bands[i].tick);
         const double half = static_cast<double>(text.size()) * 3.9;
         const double middle = (x1 + x2) / 2;
         if (middle - half > labelsEnd || (i > 0 && bands[i - 1].tick != bands[i].tick && x2 - x1 > half))
@@ -235,13 +245,15 @@ std::string Picture(const TableEntry& entry)
     const std::size_t count = entry.table->GetRangeData().size();
     const std::string_view source = nxPrintableText::Cut(entry.source, 80);
     return "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 " + size + "' width='960' height='540'>\n" + style +
-           "<rect width='100%' height='100%' fill='#ffffff'/>\n" + Label("title", left, 36, "start", entry.id) +
+           "<rect class='page' width='100%' height='100%'/>\n" + Label("title", left, 36, "start", entry.id) +
            Label("axis", left, 60, "start",
                  "Tick size over price, " + std::to_string(count) + (count == 1 ? " band; " : " bands; ") +
                      entry.status + ": " + std::string(source) + (source.size() < entry.source.size() ? "..." : "")) +
            PriceGridLines(prices) + TickGridLines(ticks) + Steps(MakeBands(*entry.table, prices), prices, ticks) +
-           Label("axis", (left + right) / 2, bottom + 46, "middle", "price") + "<text transform='translate(24 " +
-           Pixels((top + bottom) / 2) + ") rotate(-90)' text-anchor='middle'>tick</text>\n</svg>\n";
+           Label("axis", (left + right) / 2, bottom + 46, "middle", "price") +
+           // A logarithmic axis has no place for 0, where the lowest band begins.
+           Label("axis", left, bottom + 38, "middle", "down to 0") + Label("axis", left - 10, top - 6, "end", "tick") +
+           "</svg>\n";
 }
 }  // namespace
 
