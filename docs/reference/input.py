@@ -75,6 +75,19 @@ def without_own_members(text):
     return "\n".join(lines)
 
 
+def with_linked_errors(text):
+    """Makes links of the error codes that comments name, outside blocks of code."""
+    codes = {identifier for group in lists.error_codes(ROOT) for _, identifier, _ in group}
+    lines, is_code = text.split("\n"), False
+    for at, line in enumerate(lines):
+        is_code = "@code" in line or (is_code and "@endcode" not in line)
+        code, slashes, comment = line.partition("///")
+        if not is_code:
+            lines[at] = code + slashes + re.sub(r"(?<![\w#`])NX_ERR_\w+",
+                                                lambda name: ("#" if name[0] in codes else "") + name[0], comment)
+    return "\n".join(lines)
+
+
 def header(path, text):
     if path.endswith("/nxEnumValue.h"):
         text = re.sub(r"#define NX_ENUM_VALUE.*#undef NX_ERROR_CODE", lambda _: enumerators(), text, flags=re.S)
@@ -85,7 +98,7 @@ def header(path, text):
     text = re.sub(r"; (@return)", r". \1", text)
     # Else a brief would end with the first dot.
     text = re.sub(r"(///.*\be\.g\.) ", r"\1\\ ", text)
-    text = without_own_members(text)
+    text = with_linked_errors(without_own_members(text))
     begin, end = f"\n/** @addtogroup {group_of(path)}\n@{{ */\n", "\n/** @} */\n#endif"
     text = re.sub(r"(#define CORE_\w+_H)\n", lambda match: match.group(1) + begin, text, count=1)
     return end.join(text.rsplit("\n#endif", 1))

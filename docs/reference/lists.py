@@ -84,6 +84,18 @@ def key_readers(root):
     return found
 
 
+def key_meanings(root):
+    """{key: meaning}: the first sentence of comments that begin with a key and a colon, in the headers of the log."""
+    found = {}
+    for folder in ("app", "log"):
+        for file in sorted(os.listdir(os.path.join(root, "core", folder))):
+            if file.endswith(".h"):
+                text = re.sub(r"\n *///", "", _read(root, f"core/{folder}/{file}"))
+                for key, meaning in re.findall(r"\b(QRX_\w+): ([^;.\n]*)", text):
+                    found.setdefault(key, meaning[0].upper() + meaning[1:])
+    return found
+
+
 def page_label(path):
     """By which the reference links to the page of a document: page_getting_started, page_guide_tick_tables."""
     folder = "guide_" if os.path.basename(os.path.dirname(path)) == "guide" else ""

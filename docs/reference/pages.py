@@ -70,14 +70,15 @@ def bit_text(value):
 
 
 def configuration_keys():
-    groups, readers = lists.keys(ROOT), lists.key_readers(ROOT)
+    groups, readers, meanings = lists.keys(ROOT), lists.key_readers(ROOT), lists.key_meanings(ROOT)
     count = sum(len(group) for _, group in groups)
     parts = [f"# Configuration keys {{#configuration_keys}}\n\nThe names of the {count} environment settings of the applications, "
              "each a constant of core/app/nxConfigurationKeys.h. They are all here so that applications share one spelling and a "
              f"mistyped key does not compile. The library itself reads the {len(readers)} keys of the first table; for the others "
              "the application that reads a key decides on its meaning and its default. [Options](@ref page_guide_options) shows how to "
              "read them.\n\n## Read by the library {#keys_of_the_library}\n\n" +
-             table(("Key", "Read by"), [(f"@ref {key}", f"#{readers[key]}") for key in sorted(readers)])]
+             table(("Key", "Read by", "Meaning"),
+                   [(f"@ref {key}", f"#{readers[key]}", meanings.get(key, "")) for key in sorted(readers)])]
     for name, group in groups:
         title = "Other keys" if name == "Others" else f"QRX_{name}..."
         rest = [key for key in group if key not in readers]
