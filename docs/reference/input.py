@@ -94,6 +94,7 @@ def header(path, text):
     elif path.endswith("/nxConfigurationKeys.h"):
         text = text.replace('#include "core/process/inline/nxConfigurationKeys.h"', keys())
     text = re.sub(r"    NX_BIT_MASK\((\w+)\);", lambda match: flags(match.group(1)), text)
+    text = re.sub(r"^    friend (class|struct) \w+;.*\n", "", text, flags=re.M)
     # Where a sentence goes on with @return, the brief ends before it.
     text = re.sub(r"; (@return)", r". \1", text)
     # Else a brief would end with the first dot.
