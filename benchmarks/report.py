@@ -177,7 +177,8 @@ def description(figures):
     told = [("date", machine.get("date")), ("commit", machine.get("commit")),
             ("processor", f"{machine['processor']}, {machine['processors']} processors"), ("kernel", machine.get("kernel")),
             ("frequency governor", machine.get("governor")), ("compiler", f"{machine['compiler']}; Release (`-O3 -DNDEBUG`)"),
-            ("peers", machine.get("peers")), ("repetitions", str(machine["repetitions"])), ("goals", goals_met(figures))]
+            ("peers", machine.get("peers")), ("repetitions", str(machine["repetitions"])),
+            ("ratios", machine["ratios"]), ("goals", goals_met(figures))]
     return markdown([("of the run", ""), *((what, value or "not recorded") for what, value in told)])
 
 
