@@ -11,6 +11,7 @@ import os
 import re
 import sys
 
+sys.dont_write_bytecode = True
 import chart
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))

@@ -46,8 +46,11 @@ def keys():
 
 
 def group_of(path):
-    folder = os.path.basename(os.path.dirname(path))
-    return {"core": "library", "enum": "bitmasks" if path.endswith("BitMask.h") else "enum"}.get(folder, folder)
+    """The folder's group. The concrete bit masks have one of their own, because they would hide the other enumerations."""
+    folder, stem = os.path.basename(os.path.dirname(path)), os.path.splitext(os.path.basename(path))[0]
+    if "BitMask" in stem and stem not in ("nxBitMask", "nxBitMask64", "nxTypedBitMask"):
+        return "bitmasks"
+    return "library" if folder == "core" else folder
 
 
 def end_of_declaration(lines, at):
