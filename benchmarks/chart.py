@@ -50,7 +50,7 @@ def axis(low, high):
 
 
 def label(x, y, words, others):
-    """The name of a dot, after the dots that touch it, on the side where there is room; none where there is none."""
+    """The name of a dot, after the dots that touch it, on the side where there is room; else above it."""
     size = LETTER * len(words)
     right, left = x + 11, x - 11
     for other in sorted(others):
@@ -60,7 +60,7 @@ def label(x, y, words, others):
     for start, place, anchor in ((right, right, "start"), (left - size, left, "end")):
         if LEFT - 4 <= start and start + size <= WIDTH - 4 and not any(start - 6 < other < start + size + 6 for other in others):
             return text(place, y + 4, words, anchor, "name")
-    return ""
+    return text(min(max(x, LEFT + size / 2), WIDTH - 4 - size / 2), y - 9, words, "middle", "name")
 
 
 def draw(rows):
@@ -80,4 +80,4 @@ def draw(rows):
                 parts.append(label(place, y, name, [other for other in places if other != place]))
     return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {HEIGHT}" width="{WIDTH}" height="{HEIGHT}">\n{STYLE}\n'
             f'<rect class="page" width="100%" height="100%"/>\n{text(20, 28, "Time of one call relative to nxcore, logarithmic", kind="title")}\n'
-            + "\n".join(part for part in parts if part) + "\n</svg>\n")
+            + "\n".join(parts) + "\n</svg>\n")
