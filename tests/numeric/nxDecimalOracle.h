@@ -322,7 +322,7 @@ private:
         const std::string lost = quotient.substr(dividend.size()) + (rest != 0 ? '1' : '0');
         quotient.resize(dividend.size());
         const bool any = lost.find_first_not_of('0') != std::string::npos;
-        const int half = lost.compare("5" + std::string(cut, '0'));
+        const int half = lost.compare(std::string(1, '5').append(cut, '0'));
         const bool above = method == NX_ROUNDING_METHOD_DOWN      ? negative && any
                            : method == NX_ROUNDING_METHOD_UP      ? !negative && any
                            : method == NX_ROUNDING_METHOD_NEAREST ? half >= 0
