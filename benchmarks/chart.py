@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The chart of the benchmarks: one dot for each contender, on one logarithmic axis."""
 
 import html

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rows of a price file: finding them and their price field, and snapping the price.
 
 #include <benchmark/benchmark.h>

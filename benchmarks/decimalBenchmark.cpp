@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // nxDecimal beside plain integers and doubles (the limits), a decimal floating-point library, Boost's decimal type, and
 // the decimal's own rules carried out as they read, with doubles and a status object.
 #include <benchmark/benchmark.h>

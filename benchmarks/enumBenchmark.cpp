@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Enumerations: from value to text and back, over the 600 names that are about the library's own and over 4000, as a
 // process with its applications' enumerations has them.
 #include <benchmark/benchmark.h>

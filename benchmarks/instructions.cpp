@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs one named operation a given number of times, for counting its instructions: instructions OPERATION COUNT.
 // Without arguments it lists the operations. scripts/instructions.sh runs it under callgrind.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each lock beside the bare primitive of its type and what the standard library offers, alone and with two threads that
 // do nothing but take it; and the number of the calling thread.
 

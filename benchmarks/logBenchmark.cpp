@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log: what a record costs its caller, and how many records a second reach the system.
 //
 // The record is a literal, an integer, a decimal and a short string; its line has level, time, thread and source line.

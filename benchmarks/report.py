@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes what the documents say of a run of the benchmarks: report.py [--check]
 
 docs/benchmarks.json has the figures of the run; `benchmarks/run --document` writes it. From it come the marked blocks of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers as text, both ways, beside what a program would otherwise call.
 #include <benchmark/benchmark.h>
 

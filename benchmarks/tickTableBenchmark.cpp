@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tick tables: the tick at a price, rounding to it, one step, whether a price is valid and the next valid one, for tables of 1,
 // 10 and 20 bands. One thread, and four threads on one table; and one to eight threads on a table of 10 bands.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time stamps: taking one and printing one.
 #include <benchmark/benchmark.h>
 

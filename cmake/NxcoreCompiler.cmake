@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What every target of the project is compiled with. Users of the library inherit none of it.
 
 # Arithmetic that may be regrouped, or that knows no NaN, makes other prices.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What a Debian package holds beside the files that are installed: copyright, changelog, the trigger of the linker's cache,
 # and the version on which other packages depend.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # An absolute folder inside the prefix, as some packagers pass it, becomes the relative one that all else is written for: the
 # package may be moved. One outside cannot move with it.
 

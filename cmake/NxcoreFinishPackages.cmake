@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Run by cpack when the packages are made. It takes out of them what cpack puts in and Debian does not want: in the checksums
 # of debug packages the folder where they were packed, and scripts that renew the linker's cache beside the trigger that does.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What is installed, in four components: runtime, development, tools, documentation. The fifth, sources, is for packages.
 
 include(CMakePackageConfigHelpers)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Manual pages, which the tools' package has.
 
 find_program(NXCORE_GZIP gzip)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The Debian packages, made by `cpack` (scripts/release.sh): the library, its development files, the tools, the documents,
 # and the sources for debuggers.
 

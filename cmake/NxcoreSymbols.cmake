@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The versions of the exported symbols, by which the loader refuses a program that needs a later library.
 #
 # symbols/1.N.txt has the names that came with version 1.N. It is made once, when that version is released

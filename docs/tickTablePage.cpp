@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes docs/tick-tables.md, the catalogue of tick tables for people to read, from what the library holds:
 //
 //     tick_table_page > docs/tick-tables.md        after a change to core/price/nxTickTables.inc

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # check.sh PROGRAM EXPECTED [ARGUMENT...]: runs an example in an empty directory, and compares what it prints with the file
 # where there is one.
 set -eu

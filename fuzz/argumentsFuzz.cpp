@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line and the environment: any words, any variables, every getter.
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dates, times of day, money and patterns: what is accepted comes back the same, what is refused changes nothing.
 
 #include <cstddef>

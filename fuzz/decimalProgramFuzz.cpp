@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The input is a program of decimal operations; every result is compared with the oracle's.
 
 #include <cstddef>

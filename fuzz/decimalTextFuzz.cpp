@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading decimals against the oracle, every text form against the oracle's, and what is printed read back. The first
 // byte of the input is the separator.
 

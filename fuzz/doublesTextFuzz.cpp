@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Doubles: any text with any separator against the rule one digit at a time, and any bits as text, with any number of
 // decimals, against the exact value.
 

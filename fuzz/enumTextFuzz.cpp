@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Outside text into enumerations, and outside words into masks: nothing but a registered identifier is taken, and what
 // is printed leads back to what was stored.
 #include <cstddef>

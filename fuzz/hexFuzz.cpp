@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One byte of hex from any text, and the search for the best match.
 
 #include <cstddef>

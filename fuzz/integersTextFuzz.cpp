@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading integers of every width against the rule one digit at a time, and what is printed read back.
 
 #include <charconv>

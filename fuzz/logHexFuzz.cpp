@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Log records made of any values, as messages and as lines, and hex dumps of any bytes, against references that share
 // nothing with the log.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The price file that nxtick reads: whatever it holds, the rows come out byte for byte, and it makes no difference in
 // which pieces they arrive.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Splitting any text at any separators: the fields and separators put together again are the text.
 
 #include <cstddef>

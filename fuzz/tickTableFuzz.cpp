@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files of tick tables: any text either gives tables or a reason, and the tables answer alike by every way of asking.
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time stamps of any moment against the C library, and zones from any bytes.
 #include <cstdint>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Version numbers: any text has three parts, and only those of the library's own major and minor number go with it.
 
 #include <cstddef>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The main job, for a newcomer: builds nxtick and snaps forty years of oil prices to an exchange's tick table.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Looks for crashes, hangs, wrong results and lost data, for as many minutes as it is told.
 #
 #     scripts/endure.sh [--minutes N] [--only ROW]...      N from 1

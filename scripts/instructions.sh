@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Counts the instructions of single operations under callgrind, which are the same on every run, and compares them with
 # benchmarks/instructions.json. An operation that takes over five per cent more is reported, and the exit code is 1.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Breaks the code on purpose and counts how many breaks the tests notice.
 
     scripts/mutants.py [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]

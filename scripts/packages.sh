@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Sourced by the other scripts: says which Debian packages the machine lacks, and installs them where that is allowed.
 #
 # Root is asked on a terminal. Without one, as in a container or in CI, root installs them.

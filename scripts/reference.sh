@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the reference of the public headers, the constants and the documents with Doxygen. Fails on every warning, an
 # undocumented entity included, on a link that leads nowhere and on text that was left as markdown.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the Debian packages into build/packages, then unpacks them elsewhere and compiles and runs a program with them.
 #
 #     scripts/release.sh                the packages

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the library and everything on it, then runs every test, with both compilers and under the sanitizers.
 #
 #     scripts/test.sh            everything
@@ -56,6 +57,15 @@ format()
     git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run -Werror
 }
 
+# Every source names its licence.
+licences()
+{
+    local without
+    without=$(git ls-files '*.h' '*.cpp' '*.inc' '*.in' '*.py' '*.sh' '*.cmake' '*CMakeLists.txt' |
+        xargs grep -L 'SPDX-License-Identifier: Apache-2.0')
+    [ -z "$without" ] || { echo "without a licence line:"; echo "$without"; return 1; }
+}
+
 # One fuzz target over its kept corpus and a bounded number of new inputs.
 fuzz_one()
 {
@@ -106,11 +116,13 @@ sizes()
 need_test_tools || exit 1
 if [ "${1:-}" = --quick ]; then
     stage "format" format
+    stage "licences" licences
     stage "tests, g++ Release" tests release
     stage "size" sizes
 else
     need_clang_tools || exit 1
     stage "format" format
+    stage "licences" licences
     stage "reference" bash scripts/reference.sh --check
     stage "tests, g++ Release" tests release
     mkdir -p build/clang-sanitize

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs clang-tidy with the checks of .clang-tidy over core/ and tools/, or over the files and folders named; fails on a finding.
 #
 #     scripts/tidy.sh [FILE_OR_FOLDER]...

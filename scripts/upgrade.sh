@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Upgrades the Debian packages of version 1.0 to today's, as apt does on a user's machine, and fails on a difference:
 #
 # - programs built with 1.0 print the same with today's library, and so do they when they are built with today's headers;

@@ -1,2 +1,3 @@
+// SPDX-License-Identifier: Apache-2.0
 // A library that does nothing when it is loaded.
 int NothingToDo() { return 0; }

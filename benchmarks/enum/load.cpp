@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loads the library named by the argument and prints how many nanoseconds that took. The C++ run-time is there already.
 #include <dlfcn.h>
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes the names that the enumeration benchmark looks up, and the gperf input for each table size.
 
     names.py ERROR_CODES_INC OUTPUT_FOLDER

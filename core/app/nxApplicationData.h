@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_APP_NXAPPLICATIONDATA_H
 #define CORE_APP_NXAPPLICATIONDATA_H
 

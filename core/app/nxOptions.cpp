@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/app/nxOptions.h"
 
 #include <algorithm>

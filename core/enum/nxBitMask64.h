@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_ENUM_NXBITMASK64_H
 #define CORE_ENUM_NXBITMASK64_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxBoolEnum.h"
 
 const bool nxBoolEnum::_registered = _RegisterValues();

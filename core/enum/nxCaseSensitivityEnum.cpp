@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxCaseSensitivityEnum.h"
 
 const bool nxCaseSensitivityEnum::_registered = _RegisterValues();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxErrorEnum.h"
 
 const bool nxErrorEnum::_registered = _RegisterValues();

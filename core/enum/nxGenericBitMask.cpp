@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxGenericBitMask.h"
 
 std::string nxGenericBitMask::GetClassName() const { return "nxGenericBitMask"; }

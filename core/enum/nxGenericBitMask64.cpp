@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxGenericBitMask64.h"
 
 std::string nxGenericBitMask64::GetClassName() const { return "nxGenericBitMask64"; }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxGenericEnum.h"
 
 const bool nxGenericEnum::_registered = _RegisterValues();

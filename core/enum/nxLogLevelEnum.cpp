@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxLogLevelEnum.h"
 
 const bool nxLogLevelEnum::_registered = _RegisterValues();

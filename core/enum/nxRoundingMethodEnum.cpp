@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxRoundingMethodEnum.h"
 
 const bool nxRoundingMethodEnum::_registered = _RegisterValues();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxValueStatusEnum.h"
 
 const bool nxValueStatusEnum::_registered = _RegisterValues();

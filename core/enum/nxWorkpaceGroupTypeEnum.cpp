@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxWorkpaceGroupTypeEnum.h"
 
 const bool nxWorkpaceGroupTypeEnum::_registered = _RegisterValues();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_FORMAT_NXFMT_H
 #define CORE_FORMAT_NXFMT_H
 

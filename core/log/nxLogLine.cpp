@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/log/nxLogLine.h"
 
 #include "core/log/internal/nxLogConversion.h"

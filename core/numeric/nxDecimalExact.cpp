@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/numeric/internal/nxNearestRounding.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/platform/inline/nxDoubleHelper.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/price/nxCatalogueTickTables.h"
 
 #define NX_TICK_TABLE(name, status, source, note, bands) \

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/price/nxTickTableCursor.h"
 
 const nxDecimal& nxTickTableCursor::_FindTick(nxDecimal price) { return _place.FindTick(_table->_GetRules(), price); }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/process/nxApplicationName.h"
 
 #include "core/thread/internal/nxForkMutex.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_PROCESS_NXENVIRONMENTCOPY_H
 #define CORE_PROCESS_NXENVIRONMENTCOPY_H
 

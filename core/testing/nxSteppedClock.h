@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_TESTING_NXSTEPPEDCLOCK_H
 #define CORE_TESTING_NXSTEPPEDCLOCK_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/text/nxByteArray.h"
 
 void nxByteArray::Append(const unsigned char* data, std::size_t size)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_TEXT_NXPRINTABLETEXT_H
 #define CORE_TEXT_NXPRINTABLETEXT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/thread/nxBarrier.h"
 
 nxBarrier::nxBarrier(unsigned count)

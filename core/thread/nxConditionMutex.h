@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_THREAD_NXCONDITIONMUTEX_H
 #define CORE_THREAD_NXCONDITIONMUTEX_H
 
@@ -8,7 +9,7 @@
 /// - A wake-up promises nothing: test the condition in a loop. A signal is lost when no thread waits.
 /// - Between processes: InitialiseAsShared() makes the mutex shared, not the condition. Never wait across processes.
 /// - The destructor hangs while a thread waits.
-/// - WaitFor() and WaitUntil() return with the mutex held whatever happens, so that a guard serves. Wait() and
+/// - The caller holds the mutex after WaitFor() and WaitUntil(), whatever they return, so that a guard serves. Wait() and
 ///   LockAndWait() unlock it when they fail.
 /// @code
 /// nxMutexGuard guard(_ready);  // nxConditionMutex _ready

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_THREAD_NXTHREADOPTIONS_H
 #define CORE_THREAD_NXTHREADOPTIONS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_TIME_NXELAPSEDTIMECOUNTER_H
 #define CORE_TIME_NXELAPSEDTIMECOUNTER_H
 

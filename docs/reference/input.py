@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes what Doxygen reads, a copy of public headers and documents: input.py FOLDER
 
 A public header goes into the group of its folder. Constants that macros make of the library's lists become declarations

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads the lists of the library: error codes, enumeration values, flags and configuration keys.
 
 Every function takes the root of the source tree. A row that is not understood ends the program, so that none is lost.

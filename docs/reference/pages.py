@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes the pages of the reference that list constants: pages.py FOLDER
 
 They are made whenever the reference is, so that what the library's lists say is nowhere said twice.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Lets the search of the reference find the tick tables, which are headings: search.py HTML_FOLDER"""
 
 import os

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process with options and a log: what main does before the work begins.
 //
 //     example_options_and_log -help

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One tick table under several threads: a shared table is safe as it is, a cursor for each thread makes it fast, and a
 // whole list of prices is one call.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values and errors: exact prices, values that may be missing, and operations that say how they ended.
 
 #include <iostream>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The Conan recipe, for Conan 2, of the source tree that it lies in:
 
     conan create packaging/conan -s compiler.cppstd=20

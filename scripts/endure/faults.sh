@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Locks and named objects of processes that are killed, and system calls that fail.
 
 # The test prints what it did in lines that begin with three blanks.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Fuzz targets under address and undefined-behaviour sanitizers, and the comparison with independent exact arithmetic.
 
 # libFuzzer prints "stat::number_of_executed_units: N" for every job.

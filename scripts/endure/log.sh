@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The log in processes that are killed, that exit and fork while they log, on full disks, and in thousands of files.
 
 # log_row NAME PROGRAM FILTER WHAT: NX_... settings come before it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs every operation of a trading thread's steady state and counts allocations: there must be none.
 
 #include <functional>

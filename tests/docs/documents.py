@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Makes programs of the code blocks of a document, and holds what they print against the document.
 
     documents.py generate DOCUMENT.md OUTPUT.cpp    one translation unit with every ```cpp block of the document

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Every test that a document names exists: named_tests.sh DOCUMENT TESTS_FOLDER
 set -u
 missing=0

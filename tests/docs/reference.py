@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Looks over the pages of the reference: reference.py HTML_FOLDER AGREED_TEXTS
 
 No link leads nowhere, no text was left as markdown, and every agreed code, flag and key is on a page.

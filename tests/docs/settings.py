@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Holds the manual page nxcore(7) against the settings that the sources read and the guide explains: settings.py SOURCE"""
 
 import pathlib

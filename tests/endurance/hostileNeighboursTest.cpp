@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Neighbours on the same machine: a second user who plants files and links where the library looks, reads what it writes,
 // and starts a program of ours with settings of his own.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory that runs out at the first, the second, ... every allocation of an operation: nothing crashes, nothing but
 // std::bad_alloc comes out, and afterwards everything works as before.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The log in processes that are killed, exit, fork and rotate. Each test's number of rounds comes from
 // the environment, so that the endurance script can ask for more.
 

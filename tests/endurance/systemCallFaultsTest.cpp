@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // System calls that fail, the nth of every kind for every n, once and from there on, in everything that the library
 // does with the system: nothing crashes or hangs, a line of the log is in the file or counted as lost, and once the
 // system works again so does the library.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Compares what gdb shows for values of the library: check.sh PROGRAM PRINTERS
 set -u
 export TZ=UTC

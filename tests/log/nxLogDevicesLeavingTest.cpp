@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Devices that are unregistered while other threads use them: no thread is inside a device, or enters it, after its owner
 // has it back.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/numeric/nxDecimalProgram.h"
 #include "tests/support/nxRandomTest.h"
 #include "tests/support/nxTest.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef TESTS_NUMERIC_NXDECIMALPROGRAM_H
 #define TESTS_NUMERIC_NXDECIMALPROGRAM_H
 

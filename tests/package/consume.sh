@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds and runs the consumer against the library in one of three ways. As a part of the consumer's build it is static.
 #
 #     consume.sh find_package|pkg-config PREFIX SOURCE SCRATCH LIBDIR CXX     against an installation

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Unpacks the Debian packages into a scratch root and consumes them, in a multi-arch library folder: debs.sh PACKAGES SOURCE
 set -eu
 packages=$1 source=$2

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Absolute folders inside the prefix are installed like relative ones, and folders outside the prefix are refused:
 # directories.sh SOURCE SCRATCH CXX. Nothing is built.
 set -eu

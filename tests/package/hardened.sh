@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installed files are compiled and linked so that a fault in them is hard to exploit: hardened.sh FILE PROCESSOR
 set -u
 file=$1 processor=$2

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the development files and checks which headers they contain: headers.sh BUILD SOURCE SCRATCH INCLUDEDIR
 set -eu
 build=$1 source=$2 scratch=$3 includedir=$4

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Holds the includes of core/ to docs/architecture.md.
 
 A unit is a header with its source and lists: one path without extension. Includes point sideways or down, units form no

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the build into a scratch prefix, moves it and consumes it: installed.sh WAY BUILD SOURCE SCRATCH LIBDIR CXX
 set -eu
 way=$1 build=$2 source=$3 scratch=$4 libdir=$5 cxx=$6

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares the binary interface with the agreed lists: exported symbols, and size and virtual slots of public classes.
 
     interface.py check LIBRARY CXX SOURCE GENERATED    shows what was added or is missing, and fails then

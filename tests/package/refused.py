@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Checks which uses of the headers do not compile, which compile without a message, and which bring a warning.
 
     refused.py COMPILER FOLDER INCLUDE_FOLDER...    exit code 77: there is no such compiler

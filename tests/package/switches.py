@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Builds the gateway of switches/ with every usual switch and both compilers: all must link and print the same.
 
     switches.py LIBRARY INCLUDE_FOLDER...

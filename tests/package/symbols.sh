@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The library exports only its own classes, never ends the process and never writes to std::cout: symbols.sh LIBRARY
 # It calls exit() in one place, where the log's thread is the last thread of a process that has already ended.
 set -u

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Prints every text that programs, users' files and support desks rely on: enumerations, flags, settings. The agreed texts
 // are in texts.txt. The catalogue of tick tables is compared with docs/tick-tables.md in the same way.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Unsupported switches and compilers are reported first, in one line: unsupported.sh CXX SOURCE
 set -u
 cxx=$1 source=$2

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef TESTS_SUPPORT_NXZONEOFPROCESS_H
 #define TESTS_SUPPORT_NXZONEOFPROCESS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef TESTS_TEXT_NXDOUBLETEXTORACLE_H
 #define TESTS_TEXT_NXDOUBLETEXTORACLE_H
 

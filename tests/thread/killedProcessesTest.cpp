@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that makes, takes and waits for shared locks is killed between any two of its system calls and at any
 // instruction after them. No living process may get stuck, two may never be inside at once, and the first one that comes
 // after all have died finds everything as new, at once.

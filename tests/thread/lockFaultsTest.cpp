@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What locks and threads make of the errors of their primitives: the code that they return and the record that they write.
 
 #include "core/thread/nxCondition.h"

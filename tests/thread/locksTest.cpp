@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mutexes, conditions, semaphores, spin lock, reader-writer lock and barrier between threads.
 
 #include "core/thread/nxBarrier.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the named objects of nxWindowsMutex and nxWindowsSemaphore lie, and everything that may be in the way.
 
 #include "core/thread/nxWindowsMutex.h"

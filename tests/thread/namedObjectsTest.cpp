@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // nxWindowsMutex and nxWindowsSemaphore: names, life and owners.
 
 #include "core/thread/nxWindowsMutex.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Threads, their numbers and their buffers, with what they write to the log.
 
 #include "core/thread/nxThread.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Locks in memory that processes share, with processes that are killed.
 
 #include "core/thread/nxConditionRaw.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The waits with a limit by the monotonic clock: their times, their results, and that the wall clock does not matter.
 
 #include "core/thread/nxCondition.h"

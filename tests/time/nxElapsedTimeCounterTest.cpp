@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/time/nxElapsedTimeCounter.h"
 
 #include "tests/support/nxTest.h"

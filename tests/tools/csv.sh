@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Rows of prices and what nxtick makes of them.
 set -u
 . "$(dirname "$0")/cases.sh"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The output file: complete or absent, without a trace of an attempt.
 set -u
 . "$(dirname "$0")/cases.sh"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Valid and invalid options.
 set -u
 . "$(dirname "$0")/cases.sh"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Tick tables: lists, bands, prices, ladders, charts and added columns.
 set -u
 . "$(dirname "$0")/cases.sh"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Shows the values of nxcore in gdb as they print themselves: 12.50 rather than a mantissa and a scale.
 
 gdb loads this file by itself when the library was installed under its own prefix; elsewhere: source nxcore_printers.py.

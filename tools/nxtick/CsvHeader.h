@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef NXTICK_CSVHEADER_H
 #define NXTICK_CSVHEADER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef NXTICK_SNAPREPORT_H
 #define NXTICK_SNAPREPORT_H
 

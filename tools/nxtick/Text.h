@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef NXTICK_TEXT_H
 #define NXTICK_TEXT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef NXTICK_WIDEMANTISSA_H
 #define NXTICK_WIDEMANTISSA_H
 

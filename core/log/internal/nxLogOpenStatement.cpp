@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The part of nxLogChannel that statements call. It is not beside its header, because it uses the parts that are built
 // on channels.
 

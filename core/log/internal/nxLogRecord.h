@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_LOG_INTERNAL_NXLOGRECORD_H
 #define CORE_LOG_INTERNAL_NXLOGRECORD_H
 

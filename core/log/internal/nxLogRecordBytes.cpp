@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/log/internal/nxLogRecordBytes.h"
 
 void nxLogRecordBytes::WriteElsewhere(char* out, char* block) noexcept

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_NUMERIC_INLINE_NXWIDE_H
 #define CORE_NUMERIC_INLINE_NXWIDE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/platform/linux/nxMonotonicTime.h"
 
 // The sanitizer's own entry, which only its run-time defines. Asked for when the program runs, because the library may be

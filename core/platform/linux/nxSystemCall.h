@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_PLATFORM_LINUX_NXSYSTEMCALL_H
 #define CORE_PLATFORM_LINUX_NXSYSTEMCALL_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #ifndef CORE_PRICE_INLINE_NXTICKGRID_H
 #define CORE_PRICE_INLINE_NXTICKGRID_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/price/inline/nxTickPlace.h"
 
 #include "core/price/internal/nxTickRun.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Builds and runs the consumer of the library's own tests against the Conan package. It has not been run yet."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The vcpkg port of the source tree that it lies in: vcpkg install nxcore --overlay-ports=packaging/vcpkg
 # It has not been run yet.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that logs in one of several ways and ends, or is ended: logger MODE [ARGUMENT]. The directory and the other
 // settings come from the environment. With the log's own file device every line of ours holds "t<thread> n<number>;";
 // modes with devices of their own write what these are given to standard output.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in that reports while it is loaded, when it is asked to and while it is unloaded.
 
 #include "core/log/nxLogMacros.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Built from the sources of the library, so that the object below is initialised before their objects and destroyed after
 // them. It must find every text in both places.
 #include <cstdio>

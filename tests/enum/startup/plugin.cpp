@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plug-in that uses the library in its static initialisers and registers its own values and mask there.
 #include <string>
 

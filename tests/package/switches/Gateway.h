@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A small gateway, as a user of the library writes one: it is built with every usual switch and must say the same. Its third
 // source is the plug-in of tests/enum.
 #ifndef TESTS_PACKAGE_SWITCHES_GATEWAY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compiled by clang++ twice: as it stands it must compile, with NX_MISUSE it must not. Nobody runs it.
 
 #include "core/thread/nxConditionalMutexGuard.h"
