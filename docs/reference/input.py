@@ -68,7 +68,8 @@ def without_own_members(text):
     lines, hidden = text.split("\n"), []
     for at, line in enumerate(lines):
         name = re.match(r"    (?:[^\s/#][^({=/]*\b(?=_\w*\()|struct )(_[A-Z]\w*)", line)
-        if name and name.group(1) not in DERIVING:
+        in_macro = line.endswith("\\") or lines[at - 1].endswith("\\")
+        if name and name.group(1) not in DERIVING and not in_macro:
             first = at
             while re.match(r"    (///(?! @[{}])|template|requires)", lines[first - 1]):
                 first -= 1
