@@ -17,10 +17,10 @@
 /// The options of a program, declared once: from the declarations come the checked values, the help and the messages.
 ///
 /// Each option is declared with the variable that receives its value. The type of the variable is the type of the option,
-/// and what the variable holds at that time is the default, which is not checked. These types are known: `bool` for a flag, the integers, `double`,
-/// nxDecimal, nxValueWrapper, nxDoubleValueWrapper, `std::string`, the enumerations by their identifiers, and
-/// `std::chrono` durations ("250ms"). Every other type needs a member `nxErrorEnum SetFromString(const std::string&)`, as
-/// dates, times and nxStringValue have.
+/// and what the variable holds at that time is the default, which is not checked. These types are known: `bool` for a
+/// flag, the integers, `double`, nxDecimal, nxValueWrapper, nxDoubleValueWrapper, `std::string`, the enumerations by
+/// their identifiers, and `std::chrono` durations ("250ms"). Every other type needs a member
+/// `nxErrorEnum SetFromString(const std::string&)`, as dates, times and nxStringValue have.
 ///
 /// The command line is read as nxCmdLineArgs reads it: `-name value`, where a negative number is a value and any other word
 /// with a dash is an option; the last value of a repeated option counts. Two rules differ, because the options are known. A

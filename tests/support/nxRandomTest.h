@@ -5,11 +5,17 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "tests/support/nxSanitizer.h"
+
 /// How long a random test runs and where it starts: NX_TEST_OPERATIONS is the number of operations of each test in
-/// all, NX_TEST_SEED the seed. Unset, a test does what takes a second at most, the same on every run.
+/// all, NX_TEST_SEED the seed. Unset, a test does what takes a second at most, the same on every run. Under the thread
+/// sanitizer, which makes these tests of one thread ten times as slow and has nothing to find in them, it does a fifth.
 struct nxRandomTest
 {
-    static std::uint64_t GetOperations(std::uint64_t otherwise) { return Get("NX_TEST_OPERATIONS", otherwise); }
+    static std::uint64_t GetOperations(std::uint64_t otherwise)
+    {
+        return Get("NX_TEST_OPERATIONS", nxUnderThreadSanitizer ? otherwise / 5 : otherwise);
+    }
     static std::uint64_t GetSeed(std::uint64_t otherwise) { return Get("NX_TEST_SEED", otherwise); }
 
 private:
