@@ -2,10 +2,12 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
 #define CORE_LOG_INTERNAL_NXLOGQUICKTEXT_H
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -16,56 +18,45 @@
 
 /// How much room the text of a value takes, for each byte that tag and value take in a record.
 ///
-/// Invariant: PerByte suffices for every tag. A tag that is added does not compile before it is considered here.
+/// Invariant: PerByte suffices for every tag. Each tag has its row.
 struct nxLogTextRoom
 {
     static constexpr std::size_t PerByte = 8;
 
-    /// @return the bytes that the longest text of a value touches, with those that are overwritten after it; of a Text
-    ///         without its characters, each of which takes a byte here and there.
-    static consteval std::size_t GetTouched(nxLogTag tag)
+    /// The bytes that the longest text of a value touches, with those that are overwritten after it; of a Text without its
+    /// characters, each of which takes a byte here and there.
+    struct Row
     {
-        switch (tag)
-        {
-            case nxLogTag::True:
-            case nxLogTag::False:
-                return sizeof "FALSE";
-            case nxLogTag::Signed32:
-            case nxLogTag::Signed64:
-                return 1 + nxDigits::MaxDigits;
-            case nxLogTag::Unsigned32:
-            case nxLogTag::Unsigned64:
-                return nxDigits::MaxDigits;
-            case nxLogTag::Address:
-                return sizeof "0x0123456789abcdef";
-            case nxLogTag::Decimal:
-                return nxDecimal::MaxTextSize;
-            case nxLogTag::KeptText:
-                return nxEnumTable::MaximumTextSize + sizeof(std::uint64_t);
-            case nxLogTag::Text:
-                return sizeof(std::uint64_t);
-            case nxLogTag::DestinationUser:
-            case nxLogTag::SourceApplication:
-            case nxLogTag::End:
-                return 0;  // no text
-            case nxLogTag::Double:
-            case nxLogTag::Cut:
-                return 0;  // refused
-        }
-        return 0;
-    }
+        nxLogTag tag;
+        std::size_t touched;
 
-    static consteval bool SufficesForAll()
-    {
-        for (unsigned number = 0; number <= static_cast<unsigned>(nxLogTag::SourceApplication); ++number)
+        constexpr bool IsRight(std::size_t index) const
         {
-            const auto tag = static_cast<nxLogTag>(number);
-            if (GetTouched(tag) > PerByte * (sizeof tag + nxLogSizeOf(tag)))
-                return false;
+            return tag == static_cast<nxLogTag>(index) && touched <= PerByte * (sizeof tag + nxLogSizeOf(tag));
         }
-        return true;
-    }
+    };
+    /// In the order of the tags.
+    static constexpr Row Rows[] = {
+        {nxLogTag::Cut, 0},  // refused
+        {nxLogTag::End, 0},  // no text
+        {nxLogTag::Text, sizeof(std::uint64_t)},
+        {nxLogTag::True, sizeof "FALSE"},
+        {nxLogTag::False, sizeof "FALSE"},
+        {nxLogTag::Signed32, 1 + nxDigits::MaxDigits},
+        {nxLogTag::Unsigned32, nxDigits::MaxDigits},
+        {nxLogTag::Signed64, 1 + nxDigits::MaxDigits},
+        {nxLogTag::Unsigned64, nxDigits::MaxDigits},
+        {nxLogTag::Double, 0},  // refused
+        {nxLogTag::Address, sizeof "0x0123456789abcdef"},
+        {nxLogTag::Decimal, nxDecimal::MaxTextSize},
+        {nxLogTag::KeptText, nxEnumTable::MaximumTextSize + sizeof(std::uint64_t)},
+        {nxLogTag::DestinationUser, 0},    // no text
+        {nxLogTag::SourceApplication, 0},  // no text
+    };
 };
+static_assert(std::size(nxLogTextRoom::Rows) == static_cast<std::size_t>(nxLogTag::SourceApplication) + 1);
+static_assert(std::ranges::all_of(nxLogTextRoom::Rows, [index = std::size_t{0}](const nxLogTextRoom::Row& row) mutable
+                                  { return row.IsRight(index++); }));
 
 /// The text of nearly every message: of short records that hold nothing to be escaped. One pass that keeps its place in a
 /// register and checks neither room nor length. What needs more care is refused and left to nxLogLineBuffer.
@@ -164,8 +155,6 @@ public:
     }
 
 private:
-    static_assert(nxLogTextRoom::SufficesForAll());
-
     template <class Value>
     static Value _Take(const char*& at)
     {
