@@ -102,7 +102,7 @@ public:
         _AddCondition(std::string_view(_range).substr(1));
         _conditions.emplace_back([lowest, highest](const Value& value)
                                  { return !_IsLess(value, lowest) && !_IsLess(highest, value); },
-                                 _GetWanted());
+                                 std::string_view(_range).substr(1));
         return *this;
     }
 

@@ -2,6 +2,7 @@
 #include "core/app/nxOptions.h"
 
 #include "core/enum/nxLogLevelEnum.h"
+#include "core/enum/nxRoundingMethodEnum.h"
 #include "core/time/nxDate.h"
 #include "tests/support/nxTest.h"
 #include "tests/support/nxTestArguments.h"
@@ -24,6 +25,7 @@ struct Program
     nxValueWrapper<unsigned> volume;
     nxDoubleValueWrapper volatility;
     nxLogLevelEnum level{NX_LOG_LEVEL_INFO};
+    nxRoundingMethodEnum method;
     std::chrono::milliseconds wait{1500};
     std::chrono::duration<unsigned char, std::ratio<60>> minutes{2};
     nxDate expiry;
@@ -45,7 +47,9 @@ struct Program
         options.Add("volume", volume, "N", "largest volume");
         options.Add("volatility", volatility, "V", "");
         options.Add("level", level, "LEVEL", "records from this level on are written");
-        options.Add("wait", wait, "TIME", "pause between two quotes");
+        options.Add("method", method, "METHOD", "how prices are rounded");
+        options.Add("wait", wait, "TIME", "pause between two quotes")
+            .Between(std::chrono::milliseconds(0), std::chrono::hours(24));
         options.Add("minutes", minutes, "TIME", "time of a session");
         options.Add("expiry", expiry, "YYYYMMDD", "last day on which the order is valid");
         if (hasFiles)
@@ -103,15 +107,14 @@ TEST(nxOptions, TellsEveryErrorAndChangesNothing)
          {"unknown option '-priec'; did you mean -price?", "unknown option '-h'",
           "unknown option '--lots=3'; did you mean -lots?", "unknown option '-'"}},
         {{"-symbol", "WTI", "-lots", "0", "-small", "32768", "-total", "18446744073709551616", "-volume", "4294967294",
-          "-price", "1234567890123456789.0", "-ratio", "9007199254740993"},
+          "-price", "1234567890123456789.0", "-ratio", "9007199254740993", "-wait", "25h"},
          {},
          range,
-         {"-lots '0' is not a whole number from 1 to 1000",
-          "-price '1234567890123456789.0' is not a number of at most 18 digits",
+         {"-lots '0' is not from 1 to 1000", "-price '1234567890123456789.0' is not a number of at most 18 digits",
           "-ratio '9007199254740993' is not a number of at most 15 digits",
           "-small '32768' is not a whole number from -32768 to 32767",
           "-total '18446744073709551616' is not a whole number from 0 to 18446744073709551615",
-          "-volume '4294967294' is not a whole number from 0 to 4294967293"}},
+          "-volume '4294967294' is not a whole number from 0 to 4294967293", "-wait '25h' is not from 0s to 24h"}},
         {{"-lots", "ten", "-small", "", "-total", "-1", "-ratio", "1e5", "-price", "-0.01", "-volatility", "x\ny"},
          {},
          invalid,
@@ -125,18 +128,20 @@ TEST(nxOptions, TellsEveryErrorAndChangesNothing)
          {"-expiry '2024-02-29' is not YYYYMMDD",
           "-level 'INFO' is not one of DBG, INF, PB1, PB2, PB3, WRN, ERR or FTL; did you mean INF?",
           "-minutes '256min' is not a duration such as 5s in multiples of 1min", "-symbol needs a value, NAME",
-          "-wait '1500us' is not a duration such as 5s in multiples of 1ms"}},
-        {{"-level", "CASE_SENSITIVE", "-wait", "9999999h", "-minutes", "5"},
+          "-wait '1500us' is not a duration such as 5s in multiples of 1ms from 0s to 24h"}},
+        {{"-level", "CASE_SENSITIVE", "-wait", "9999999h", "-minutes", "5", "-method", "nearest"},
          {},
          invalid,
          {"-level 'CASE_SENSITIVE' is not one of DBG, INF, PB1, PB2, PB3, WRN, ERR or FTL",
+          "-method 'nearest' is not one of NX_ROUNDING_METHOD_DOWN, NX_ROUNDING_METHOD_UP, NX_ROUNDING_METHOD_NEAREST "
+          "or "
+          "NX_ROUNDING_METHOD_MODIFIED_NEAREST; did you mean NX_ROUNDING_METHOD_NEAREST?",
           "-minutes '5' is not a duration such as 5s in multiples of 1min",
-          "-wait '9999999h' is not a duration such as 5s in multiples of 1ms"}},
+          "-wait '9999999h' is not a duration such as 5s in multiples of 1ms from 0s to 24h"}},
         {{"-quiet"},
          {"NX_TEST_LOTS=1001", "NX_TEST_STRICT=maybe"},
          range,
-         {"NX_TEST_LOTS '1001' is not a whole number from 1 to 1000",
-          "NX_TEST_STRICT 'maybe' is not TRUE, YES, FALSE or NO"}},
+         {"NX_TEST_LOTS '1001' is not from 1 to 1000", "NX_TEST_STRICT 'maybe' is not TRUE, YES, FALSE or NO"}},
     };
     for (const auto& [words, variables, error, messages] : rows)
     {
@@ -173,9 +178,9 @@ TEST(nxOptions, HelpIsMadeOfTheDeclarations)
     }
     EXPECT_EQ(program.options.GetHelp(),
               R"(usage: quoter -a-name-of-many-characters TEXT [-expiry YYYYMMDD] [-level LEVEL]
-       [-lots N] [-minutes TIME] [-price P] [-quiet] [-ratio R] [-small N]
-       [-strict] [-symbol NAME] [-total N] [-volatility V] [-volume N]
-       [-wait TIME] [FILE...]
+       [-lots N] [-method METHOD] [-minutes TIME] [-price P] [-quiet] [-ratio R]
+       [-small N] [-strict] [-symbol NAME] [-total N] [-volatility V]
+       [-volume N] [-wait TIME] [FILE...]
 
 Quotes one symbol at a price and keeps quoting it until a signal tells it to
 stop, whatever happens.
@@ -189,6 +194,9 @@ stop, whatever happens.
                     PB1, PB2, PB3, WRN, ERR or FTL; default INF)
   -lots N           size of each quote (from 1 to 1000; default 1; or by
                     NX_TEST_LOTS in the environment)
+  -method METHOD    how prices are rounded (one of NX_ROUNDING_METHOD_DOWN,
+                    NX_ROUNDING_METHOD_UP, NX_ROUNDING_METHOD_NEAREST or
+                    NX_ROUNDING_METHOD_MODIFIED_NEAREST)
   -minutes TIME     time of a session (default 2min)
   -price P          price of the quote (a price of 0 or more; default 0)
   -quiet            says nothing
@@ -200,7 +208,7 @@ stop, whatever happens.
   -total N          size of all quotes (default 0)
   -volatility V
   -volume N         largest volume
-  -wait TIME        pause between two quotes (default 1500ms)
+  -wait TIME        pause between two quotes (from 0s to 24h; default 1500ms)
 )");
 }
 

@@ -27,6 +27,18 @@ std::vector<std::string> WordsOf(std::string_view text)
     }
     return words;
 }
+
+// What all candidates begin with, up to an underscore.
+std::string PrefixOf(const std::set<std::string>& candidates)
+{
+    if (candidates.empty())
+        return {};
+    const std::string& first = *candidates.begin();
+    const std::string& last = *candidates.rbegin();
+    const auto end = std::mismatch(first.begin(), first.end(), last.begin(), last.end()).first;
+    const std::string common(first.begin(), end);
+    return common.substr(0, common.rfind('_') + 1);
+}
 }  // namespace
 
 // Continues a line that has as many characters as further lines are indented.
@@ -93,6 +105,14 @@ std::string nxOptionHelp::GetList(const std::vector<std::string>& words)
 
 std::string nxOptionHelp::GetSuggestion(const std::string& text, const std::set<std::string>& candidates)
 {
-    const std::vector<std::string> near = nxAlgorithm::GetNearMatches(candidates, text);
+    std::vector<std::string> near = nxAlgorithm::GetNearMatches(candidates, text);
+    if (const std::string prefix = PrefixOf(candidates); near.empty() && !prefix.empty())
+    {
+        std::set<std::string> endings;
+        for (const std::string& candidate : candidates)
+            endings.insert(candidate.substr(prefix.size()));
+        for (const std::string& ending : nxAlgorithm::GetNearMatches(endings, text))
+            near.push_back(prefix + ending);
+    }
     return near.empty() ? std::string() : "; did you mean " + GetList(near) + "?";
 }

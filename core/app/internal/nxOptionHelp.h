@@ -24,7 +24,8 @@ public:
     /// @return "a, b or c"; at most twelve words, then "...".
     static std::string GetList(const std::vector<std::string>& words);
 
-    /// @return "; did you mean a or b?" with the candidates that a mistyped text may mean; empty without any.
+    /// @return "; did you mean a or b?" with the candidates that a mistyped text may mean; empty without any. A text may
+    ///         lack what all candidates begin with up to an underscore: "nearest" for NX_ROUNDING_METHOD_NEAREST.
     static std::string GetSuggestion(const std::string& text, const std::set<std::string>& candidates);
 
 private:
