@@ -8,6 +8,8 @@
 ///
 /// Declare it after the thread's object and after everything that the thread uses: it is then destroyed first. The thread
 /// has to be told to end. A subclass of nxThread overrides Wait() for that, which the guard calls.
+/// - Several threads: a `std::deque` of threads and, declared after it, a `std::deque` of guards. Neither moves its
+///   elements, and the guards are destroyed first.
 /// - A thread that is not started, or that was waited for already, is left alone.
 /// - Ownership: the thread's object must outlive the guard.
 /// @code

@@ -14,11 +14,11 @@ nxErrorEnum ReadOrder(const std::string& priceText, const std::string& volumeTex
                       nxValueWrapper<unsigned int>& volume)
 {
     nxDecimal newPrice;
-    if (const nxErrorEnum error = newPrice.SetFromString(priceText, '.'); !error.IsOK())
+    if (const nxErrorEnum error = newPrice.SetFromStringExact(priceText, '.'); !error.IsOK())
         return error;
     nxValueWrapper<unsigned int> newVolume;  // null: a market maker's "any volume"
     if (!volumeText.empty())
-        if (const nxErrorEnum error = newVolume.SetFromString(volumeText); !error.IsOK())
+        if (const nxErrorEnum error = newVolume.SetFromStringExact(volumeText); !error.IsOK())
             return error;
     if (!newPrice.IsPositive())
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
@@ -77,13 +77,13 @@ NX_ENUM_SOURCE(SideEnum)
 void Enumerations()
 {
     nxRoundingMethodEnum method;
-    if (method.SetFromString("NX_ROUNDING_METHOD_UP"))
+    if (nxStringHelper::SetFromStringExact("NX_ROUNDING_METHOD_UP", method).IsOK())
         std::cout << method << " means " << method.GetLongDescription() << '\n';
     method = NX_LOG_LEVEL_INFO;  // belongs to another enumeration: not accepted
     std::cout << "a value of another enumeration becomes " << method << '\n';
 
     SideEnum side = SideEnum::BUY, request;
-    if (request.SetFromString("MY_SIDE_SELL"))
+    if (nxStringHelper::SetFromStringExact("MY_SIDE_SELL", request).IsOK())
         side.UpdateFrom(request);  // a request that is "no change" would keep the value
     std::cout << side << " means " << side.GetLongDescription() << '\n';
 }
