@@ -18,6 +18,9 @@ nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMu
 {
 }
 
+// Threads leave by dropping their reference, and the last one destroys the lock.
+nxLogDeviceEntry::~nxLogDeviceEntry() { nxThreadSanitizer::Acquire(_mutex.get()); }
+
 nxLogDeviceEntry::Visit::Visit(nxLogDeviceEntry& entry, std::int64_t limit) noexcept
     : _entry(entry), _outer(_innermost), _inside(!entry._IsThreadInside() && nxLogTimedLock::Take(*entry._mutex, limit))
 {
@@ -34,6 +37,7 @@ nxLogDeviceEntry::Visit::~Visit()
     _innermost = _outer;
     nxLogBell::SetCallerInsideDevice(_outer != nullptr);
     static_cast<void>(_entry._mutex->Unlock());
+    nxThreadSanitizer::Release(_entry._mutex.get());
 }
 
 bool nxLogDeviceEntry::_IsThreadInside() const noexcept

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "core/platform/nxThreadSanitizer.h"
 #include "core/thread/nxMutex.h"
 
 class nxLogDevice;
@@ -27,6 +28,9 @@ class nxLogDeviceEntry
 {
 public:
     nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex) noexcept;
+    ~nxLogDeviceEntry();
+    nxLogDeviceEntry(const nxLogDeviceEntry&) = delete;
+    nxLogDeviceEntry& operator=(const nxLogDeviceEntry&) = delete;
 
     /// Calls @p action(device). Not when the device is unregistered by now or this thread is inside it already, nor when
     /// this thread is inside another device and waited too long; the last counts as a dropped record.
@@ -43,6 +47,7 @@ public:
         if (IsRemoved())
             return false;
         _CallGuarded([&] { action(*_device); });
+        nxThreadSanitizer::Release(_device);
         return true;
     }
 

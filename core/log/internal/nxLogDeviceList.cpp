@@ -9,6 +9,7 @@
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/platform/inline/nxClock.h"
+#include "core/platform/nxThreadSanitizer.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -136,7 +137,10 @@ void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
         _ForEachRemoved(device, [&any](const auto& entry) { any = entry; });
     }
     if (any == nullptr)
+    {
+        nxThreadSanitizer::Acquire(device);  // the last caller has dropped its reference
         return;
+    }
     const bool isEnding = _isEnding.load(std::memory_order_relaxed);
     const std::int64_t limit = isEnding ? nxLogLimits::DeviceAtEnd : nxLogTimedLock::Forever;
     // The mark is set under the device's lock, under which End() looks at it.

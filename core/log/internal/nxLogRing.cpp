@@ -40,7 +40,7 @@ bool nxLogRing::_HasRoomAtStart(const char* head, const char* tail, std::size_t 
 char* nxLogRing::_GoToStart(char* head) noexcept
 {
     nxLogRecordBytes::WriteJump(head, _segment->begin);
-    _head.store(_segment->begin, std::memory_order_release);
+    _MoveHead(_segment->begin);
     return _segment->begin;
 }
 
@@ -70,6 +70,7 @@ bool nxLogRing::_LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, b
 
     char* head = GetHead();
     char* const tail = _tail.load(std::memory_order_acquire);
+    nxThreadSanitizer::Acquire(&_tail);
     if (mayMove && _HasRoomAtStart(head, tail, bytes))
         head = _GoToStart(head);
 
@@ -105,7 +106,7 @@ bool nxLogRing::AppendSegment(nxLogRingMemory& memory) noexcept
     nxLogRecordBytes::WriteJump(GetHead(), segment->begin);
     _segment = segment;
     _limit = segment->begin;
-    _head.store(segment->begin, std::memory_order_release);
+    _MoveHead(segment->begin);
     return true;
 }
 

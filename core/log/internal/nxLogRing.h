@@ -8,6 +8,7 @@
 #include "core/log/inline/nxLogChannel.h"
 #include "core/log/internal/nxLogRecordBytes.h"
 #include "core/log/internal/nxLogRingMemory.h"
+#include "core/platform/nxThreadSanitizer.h"
 
 /// The ring of a channel: one thread fills it at the head, one thread at a time empties it at the tail. All channels
 /// are rings; nxLogChannel is the part of a ring that statements see.
@@ -60,10 +61,7 @@ public:
     /// Continues in a new, large segment.
     bool AppendSegment(nxLogRingMemory& memory) noexcept;
     /// Publishes a record of @p size bytes, not rounded, that begins at the head.
-    void Publish(std::size_t size) noexcept
-    {
-        _head.store(GetHead() + nxLogRecordBytes::RoundUp(size), std::memory_order_release);
-    }
+    void Publish(std::size_t size) noexcept { _MoveHead(GetHead() + nxLogRecordBytes::RoundUp(size)); }
     /// While the writer does not run, closes the fast path: the next statement then comes by _OpenSlowly(), which tries
     /// to start it.
     void CloseFastPathIfStopped() noexcept;
@@ -71,7 +69,11 @@ public:
     void ForgetWaiting() noexcept;
 
     /// The thread has ended; it will publish nothing more.
-    void End() noexcept { _ended.store(true, std::memory_order_release); }
+    void End() noexcept
+    {
+        nxThreadSanitizer::Release(&_ended);
+        _ended.store(true, std::memory_order_release);
+    }
 
     // The emptying thread.
 
@@ -82,9 +84,19 @@ public:
         return _head.load(std::memory_order_acquire) == _tail.load(std::memory_order_relaxed);
     }
     /// Whether the thread has ended, and no record waits.
-    bool IsFinished() const noexcept { return _ended.load(std::memory_order_acquire) && IsEmpty(); }
+    bool IsFinished() const noexcept
+    {
+        if (!_ended.load(std::memory_order_acquire))
+            return false;
+        nxThreadSanitizer::Acquire(&_ended);
+        return IsEmpty();
+    }
     /// Gives the bytes before the read position back to the filling thread. @return whether there were any.
-    bool MoveTail() noexcept { return _tail.exchange(_read, std::memory_order_release) != _read; }
+    bool MoveTail() noexcept
+    {
+        nxThreadSanitizer::Release(&_tail);
+        return _tail.exchange(_read, std::memory_order_release) != _read;
+    }
     /// Calls @p action with the bytes of each record that waits.
     template <class Action>
     void ForEachWaiting(const Action& action) const;
@@ -92,7 +104,7 @@ public:
     /// Looks how far records have been published. @return whether any wait to be read.
     bool Look() noexcept
     {
-        _seen = _head.load(std::memory_order_acquire);
+        _seen = _LoadHead();
         _finished = _read == _seen;
         return !_finished;
     }
@@ -108,6 +120,18 @@ private:
     // A record may take 1/_recordDivisor of a segment.
     static constexpr std::size_t _recordDivisor = 4;
 
+    // Publishes all before `head`, and takes what has been published. Statements store the head inline.
+    void _MoveHead(char* head) noexcept
+    {
+        nxThreadSanitizer::Release(&_head);
+        _head.store(head, std::memory_order_release);
+    }
+    char* _LoadHead() const noexcept
+    {
+        char* const head = _head.load(std::memory_order_acquire);
+        nxThreadSanitizer::Acquire(&_head);
+        return head;
+    }
     bool _LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, bool mayMove) noexcept;
     bool _HasRoomAtStart(const char* head, const char* tail, std::size_t bytes) const noexcept;
     char* _GoToStart(char* head) noexcept;
@@ -121,7 +145,7 @@ static_assert(sizeof(nxLogRing) == sizeof(nxLogChannel));
 template <class Action>
 void nxLogRing::ForEachWaiting(const Action& action) const
 {
-    const char* const head = _head.load(std::memory_order_acquire);
+    const char* const head = _LoadHead();
     const char* at = _tail.load(std::memory_order_relaxed);
     while (at != head)
     {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/log/internal/nxLogEscape.h"
+#include "core/platform/nxThreadSanitizer.h"
 #include "core/thread/nxMutexGuard.h"
 
 nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept
@@ -46,6 +47,7 @@ const nxLogSource* nxLogSite::_Keep() noexcept
     try
     {
         const nxLogSource* const source = nxLogSourceTable::GetInstance().Keep(_file, _line);
+        nxThreadSanitizer::Release(&_source);  // GetSource() is inlined into the application
         _source.store(source, std::memory_order_release);
         return source;
     }

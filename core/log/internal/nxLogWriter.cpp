@@ -13,6 +13,7 @@
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWait.h"
 #include "core/platform/inline/nxClock.h"
+#include "core/platform/nxThreadSanitizer.h"
 #include "core/platform/nxWaitWord.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -63,6 +64,7 @@ void nxLogWriter::RunRoundHere(std::int64_t limit) noexcept
 bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
 {
     const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
+    nxThreadSanitizer::Acquire(&_wanted);
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
     _isInRound.store(true, std::memory_order_seq_cst);
     const Outcome outcome = _DoRound(everything || isAwaited);
@@ -70,6 +72,7 @@ bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
     _upkeep.AfterRound(_batches != nullptr && _batches->TakeHasWritten(), isAwaited);
     if (isAwaited && outcome != Outcome::NoMemory)
     {
+        nxThreadSanitizer::Release(&_reached);
         _reached.store(wanted, std::memory_order_release);
         nxWaitWord::WakeAll(_reached);
     }
@@ -171,6 +174,7 @@ bool nxLogWriter::WriteOutAtEnd(nxLogAwakeTime& time) noexcept
 
 bool nxLogWriter::_WaitUntilReached(const nxLogLimits::Wait& limit, nxLogAwakeTime& time, bool mayStart) noexcept
 {
+    nxThreadSanitizer::Release(&_wanted);
     const std::uint32_t ticket = _wanted.fetch_add(1, std::memory_order_acq_rel) + 1;
     nxLogWait wait(limit.inAll, limit.withoutProgress, time);
     for (;;)
@@ -179,6 +183,7 @@ bool nxLogWriter::_WaitUntilReached(const nxLogLimits::Wait& limit, nxLogAwakeTi
             RunRoundHere(0);
         nxLogBell::Ring();
         const std::uint32_t reached = _reached.load(std::memory_order_acquire);
+        nxThreadSanitizer::Acquire(&_reached);
         if (HasReached(reached, ticket))
             return true;
         const std::int64_t left = wait.Step();

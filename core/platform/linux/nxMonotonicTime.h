@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "core/platform/nxNanoseconds.h"
+#include "core/platform/nxThreadSanitizer.h"
 
 /// Moments of the system's monotonic clock, in nanoseconds.
 struct nxMonotonicTime
@@ -36,7 +37,7 @@ struct nxMonotonicTime
 
     /// Whether the program runs under the thread sanitizer. Its versions up to now do not follow pthread_mutex_clocklock,
     /// pthread_rwlock_clockrdlock, pthread_rwlock_clockwrlock and sem_clockwait, and would report what their callers do next.
-    static bool IsWatched();
+    static bool IsWatched() { return nxThreadSanitizer::IsActive(); }
 
     /// Calls @p attempt each millisecond while it returns EBUSY. @return its result; ETIMEDOUT after @p deadline.
     template <class Attempt>
