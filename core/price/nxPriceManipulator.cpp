@@ -73,6 +73,33 @@ void nxPriceManipulator::RoundToValidTick(const nxRoundingMethodEnum& method, nx
         price.Round(_tickIncrement, method);
 }
 
+nxErrorEnum nxPriceManipulator::RoundToValidTickExact(const nxRoundingMethodEnum& method, nxDecimal& price) const
+{
+    if (_table != nullptr)
+        return _table->RoundToValidTickExact(method, price);
+    if (!price.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (!_tickIncrement.IsValid() || _tickIncrement.IsZero())
+        return nxErrorEnum(NX_ERR_NO_MATCH);
+    return price.RoundExact(_tickIncrement, method);
+}
+
+nxErrorEnum nxPriceManipulator::IncrementExact(nxDecimal& price, int ticks) const
+{
+    if (_table != nullptr)
+        return _table->IncrementExact(price, ticks);
+    if (!price.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (ticks == 0)
+        return nxErrorEnum();
+    if (!_tickIncrement.IsPositive())
+        return nxErrorEnum(NX_ERR_NO_MATCH);
+    const bool isTooFine =
+        std::max(price.GetDecimalPlaces(), _tickIncrement.GetDecimalPlaces()) > nxDecimal::MaxExactPlaces;
+    return !isTooFine && nxExactSum::TryAddMany(price, _tickIncrement, ticks) ? nxErrorEnum()
+                                                                              : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+}
+
 bool nxPriceManipulator::IsValidTick(const nxDecimal& price) const
 {
     if (_table != nullptr)

@@ -24,6 +24,8 @@ class nxVariableTickTable;
 /// - Null: without a table and with an increment that is null or zero, as default-constructed, prices are left alone, and
 ///   none is valid. A negative one takes no steps; it rounds, and tells which prices are valid, as its magnitude does.
 /// - Places: rounding gives the tick's. A table's steps do so too, but drop only zeros. Fixed steps give the larger number.
+/// - Limits: a mantissa that does not fit 64 bits wraps, after steps and after rounding. The operations whose names end in
+///   Exact return an error instead; use them for prices from outside.
 /// - Threads: readers may share one; a writer needs the caller's lock.
 /// - Ownership: a value that does not own the table, which outlives it; those of the catalogue always do.
 class NX_CORE_API nxPriceManipulator
@@ -61,6 +63,18 @@ public:
     void Decrement(nxDecimal& price) const { Increment(price, -1); }
     /// Rounds the price to a multiple of the tick at it.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+
+    /// Rounds the price as RoundToValidTick() does, but returns an error where that would do nothing or wrap.
+    /// @return the errors of nxVariableTickTable::RoundToValidTickExact(); NX_ERR_NO_MATCH too without a table when the
+    ///         fixed tick is null or 0. @p price is then untouched. A fixed tick takes prices of any number of places.
+    [[nodiscard]] nxErrorEnum RoundToValidTickExact(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+    /// Moves the price up by @p ticks steps, down when they are negative, as Increment() does, but returns an error where
+    /// that would do nothing, wrap or lose a digit. A count of 0 does nothing to a price with a value.
+    /// @return the errors of nxVariableTickTable::IncrementExact(); NX_ERR_NO_MATCH too without a table when the fixed tick
+    ///         is not positive. @p price is then untouched.
+    [[nodiscard]] nxErrorEnum IncrementExact(nxDecimal& price, int ticks = 1) const;
+    /// Moves the price down by one step, with the errors of IncrementExact().
+    [[nodiscard]] nxErrorEnum DecrementExact(nxDecimal& price) const { return IncrementExact(price, -1); }
 
     /// @return whether the price is valid: with a table see nxVariableTickTable::IsValidTick(), otherwise whether it is a
     ///         multiple of the fixed tick. False without either, because nothing then says which prices are.

@@ -19,6 +19,16 @@ nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecima
     return _place.Round(_table->_GetRules(), method, price);
 }
 
+nxErrorEnum nxTickTableCursor::_StepExact(int ticks, nxDecimal& price)
+{
+    return _place.StepExact(_table->_GetRules(), ticks, price);
+}
+
+nxErrorEnum nxTickTableCursor::_RoundExact(const nxRoundingMethodEnum& method, nxDecimal& price)
+{
+    return _place.RoundExact(_table->_GetRules(), method, price);
+}
+
 bool nxTickTableCursor::_IsValidTick(nxDecimal price) { return _place.IsValidTick(_table->_GetRules(), price); }
 
 nxErrorEnum nxTickTableCursor::_GetNext(bool up, nxDecimal price, nxDecimal& next)

@@ -66,6 +66,16 @@ public:
             price = _Round(method, price);
     }
 
+    /// Rounds the price to a multiple of the tick at it; see nxVariableTickTable::RoundToValidTickExact().
+    [[nodiscard]] nxErrorEnum RoundToValidTickExact(const nxRoundingMethodEnum& method, nxDecimal& price)
+    {
+        return _place.zone.Round(method, price) ? nxErrorEnum() : _RoundExact(method, price);
+    }
+    /// Moves the price up by @p ticks single steps, down when they are negative; see nxVariableTickTable::IncrementExact().
+    [[nodiscard]] nxErrorEnum IncrementExact(nxDecimal& price, int ticks = 1) { return _StepExact(ticks, price); }
+    /// Moves the price down by one step; see nxVariableTickTable::IncrementExact().
+    [[nodiscard]] nxErrorEnum DecrementExact(nxDecimal& price) { return _StepExact(-1, price); }
+
     /// @return whether the price is valid; see nxVariableTickTable::IsValidTick().
     bool IsValidTick(const nxDecimal& price)
     {
@@ -94,6 +104,8 @@ private:
     const nxDecimal& _FindTick(nxDecimal price);
     nxDecimal _Step(bool up, std::uint64_t ticks, nxDecimal price);
     nxDecimal _Round(const nxRoundingMethodEnum& method, nxDecimal price);
+    nxErrorEnum _StepExact(int ticks, nxDecimal& price);
+    nxErrorEnum _RoundExact(const nxRoundingMethodEnum& method, nxDecimal& price);
     bool _IsValidTick(nxDecimal price);
     nxErrorEnum _GetNext(bool up, nxDecimal price, nxDecimal& next);
 

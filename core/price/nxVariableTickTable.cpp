@@ -157,6 +157,18 @@ nxDecimal nxVariableTickTable::_RoundBy(const nxDecimal* tick, const nxRoundingM
     return price;
 }
 
+nxErrorEnum nxVariableTickTable::_RoundExactlyBy(const nxDecimal* tick, const nxRoundingMethodEnum& method,
+                                                 nxDecimal& price) const
+{
+    return _GetRules().RoundExactly(tick, method, price);
+}
+
+nxErrorEnum nxVariableTickTable::IncrementExact(nxDecimal& price, int ticks) const
+{
+    nxTickPlace place = _StartPlace(price);
+    return place.StepExact(_GetRules(), ticks, price);
+}
+
 bool nxVariableTickTable::IsValidTick(const nxDecimal& price) const
 {
     const nxDecimal* tick = nullptr;

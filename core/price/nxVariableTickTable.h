@@ -51,9 +51,11 @@
 /// - Null: a price that is not valid is left alone by steps and rounding, and counts as 0 where a tick is asked for.
 /// - A price without a band (any in an empty table; the most negative mantissa, whose magnitude exceeds every bound)
 ///   has a null tick and is left alone; a fatal record is written to the log. No operation throws.
-/// - Limits: comparisons are those of nxDecimal, except for valid prices. A mantissa that does not fit 64 bits wraps. A
-///   price that does not fit them at the tick's places is garbage after the step. Where a bound or an increment has more
-///   than 19 places no price near it is valid, and the next one is NX_ERR_VALUE_OUT_OF_RANGE.
+/// - Limits: comparisons are those of nxDecimal, except for valid prices. A mantissa that does not fit 64 bits wraps, after
+///   a step and after rounding: 922337203685477580.7 rounded up by a tick of 0.500 is 0.200. A price that does not fit 64
+///   bits at the tick's places is garbage after a step. The operations whose names end in Exact return an error instead;
+///   use them for prices from outside. Where a bound or an increment has more than 19 places no price near it is valid,
+///   and the next one is NX_ERR_VALUE_OUT_OF_RANGE.
 /// - Constraints: bands ascend, and bounds and increments are positive. Otherwise answers depend on earlier questions,
 ///   and those of cursors differ. _AddTopRange() then writes an error record to the log. The constructor of a derived
 ///   class tests _CheckConstraints() at its end and tells its user.
@@ -122,6 +124,36 @@ public:
     }
     /// Rounds each price. Takes the lock once.
     void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
+
+    /// Rounds the price to a multiple of the tick at it, as RoundToValidTick() does, but returns an error where that would
+    /// do nothing or wrap. @p price is then untouched, and nothing is logged.
+    /// @return NX_ERR_OBJECT_IS_NULL for a price without a value, NX_ERR_NO_MATCH for one without a band,
+    ///         NX_ERR_INVALID_PARAMETER when @p method is none of the four, NX_ERR_VALUE_OUT_OF_RANGE when 64 bits do not
+    ///         hold the multiple at the tick's places, or when price or tick have more than nxDecimal::MaxExactPlaces
+    ///         places.
+    [[nodiscard]] nxErrorEnum RoundToValidTickExact(const nxRoundingMethodEnum& method, nxDecimal& price) const
+    {
+        const nxDecimal* tick = nullptr;
+        {
+            const nxMutexGuard guard(_lock);
+            if (_place.zone.Round(method, price)) [[likely]]
+                return nxErrorEnum();
+            tick = _SearchTick(price);
+        }
+        return _RoundExactlyBy(tick, method, price);
+    }
+    /// Moves the price up by @p ticks single steps, down when they are negative, as Increment() does, but returns an error
+    /// where a step would do nothing, wrap or lose a digit. @p price is then untouched, and nothing is logged. A count of 0
+    /// does nothing to a price with a value. The cost does not grow with the number of ticks, as that of Increment().
+    ///
+    /// A step fits when 64 bits hold the price, the tick and their sum at the larger number of places, and the result at
+    /// the places that it gets. These are nxDecimal::MaxExactPlaces at most. The most negative mantissa does not fit,
+    /// because it has no band.
+    /// @return NX_ERR_OBJECT_IS_NULL for a price without a value, NX_ERR_NO_MATCH when the price, or one on the way, has no
+    ///         band, NX_ERR_VALUE_OUT_OF_RANGE when one of the steps does not fit.
+    [[nodiscard]] nxErrorEnum IncrementExact(nxDecimal& price, int ticks = 1) const;
+    /// Moves the price down by one step, with the errors of IncrementExact().
+    [[nodiscard]] nxErrorEnum DecrementExact(nxDecimal& price) const { return IncrementExact(price, -1); }
 
     /// @return whether the price is valid: a multiple of the tick at it, so that RoundToValidTick() keeps its value. The
     ///         places that it is written with do not matter. False for a price without a value or without a band.
@@ -209,6 +241,7 @@ private:
     nxDecimal _StepSlowly(bool up, nxDecimal price) const;
     // By the tick, or by the decimal rules where it is null.
     nxDecimal _RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal price) const;
+    nxErrorEnum _RoundExactlyBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal& price) const;
     nxErrorEnum _GetNext(bool up, const nxDecimal& price, nxDecimal& next) const;
 
     // Inline functions of programs that were built before use these members: their order and their meaning stay.

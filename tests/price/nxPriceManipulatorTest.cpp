@@ -52,6 +52,10 @@ TEST(nxPriceManipulator, StepsAndRoundsByATableOrByAFixedTick)
         for (std::size_t i = 0; i < std::size(results); ++i)
             EXPECT_EQ(results[i].GetAsLogString('.'), texts[i + 1]);
         EXPECT_EQ(same.GetAsLogString('.'), price.GetAsLogString('.'));
+        const bool isStepped = manipulator.IncrementExact(same, 2).IsOK();
+        EXPECT_EQ(isStepped, price.CompareExact(up) < 0);  // not where it wraps or does nothing
+        EXPECT_TRUE(same.EqualsExactly(isStepped ? up : price));
+        EXPECT_EQ(manipulator.RoundToValidTickExact(NX_ROUNDING_METHOD_UP, below = price).IsOK(), *texts[5] != 'N');
     }
 }
 

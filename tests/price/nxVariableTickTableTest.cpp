@@ -305,6 +305,13 @@ void ExpectEach(const nxDecimal& price, const nxDecimal& expected, const Ways&..
     (expect(ways), ...);
 }
 
+// All ways give the result if it is exact. Otherwise they refuse the price and leave it alone.
+template <class... Ways>
+void ExpectExact(const nxDecimal& price, const nxDecimal& expected, bool isExact, const Ways&... ways)
+{
+    ExpectEach(price, isExact ? expected : price, [&](nxDecimal& p) { EXPECT_EQ(ways(p).IsOK(), isExact); }...);
+}
+
 // Compares every operation with the transcription, on one table.
 void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t seed, std::uint64_t operations)
 {
@@ -336,6 +343,12 @@ void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t se
             [&](nxDecimal& p) { cursor.RoundToValidTick(method, p); },
             [&](nxDecimal& p) { table.RoundToValidTick(method, std::span(&p, 1)); }));
 
+        const nxDecimal rounded = rules.Rounded(price, method);
+        ASSERT_NO_FATAL_FAILURE(ExpectExact(
+            price, rounded, price.IsValid() && method != methods[4] && rules.IsExact(price, rounded, tick, 0),
+            [&](nxDecimal& p) { return table.RoundToValidTickExact(method, p); },
+            [&](nxDecimal& p) { return cursor.RoundToValidTickExact(method, p); }));
+
         const bool isAsked = price.IsValid() && price.GetValue() != INT64_MIN;  // others have no band
         const bool isValid = isAsked && rules.IsValid(price);
         ASSERT_EQ(table.IsValidTick(price), isValid);
@@ -356,9 +369,16 @@ void CompareWithTranscription(const nxVariableTickTable& table, std::uint64_t se
             price, stepped, [&](nxDecimal& p) { up ? table.Increment(p) : table.Decrement(p); },
             [&](nxDecimal& p) { up ? cursor.Increment(p) : cursor.Decrement(p); }));
         walking = stepped;
-        nxDecimal many = price;
+        nxDecimal many = price, before;
+        bool isExact = price.IsValid();
         for (int step = 0; step < std::abs(ticks); ++step)
-            many = rules.Stepped(many, ticks > 0);
+        {
+            before = std::exchange(many, rules.Stepped(many, ticks > 0));
+            isExact = isExact && rules.IsExactStep(before, many, ticks > 0 ? 1 : -1);
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectExact(
+            price, many, isExact, [&](nxDecimal& p) { return table.IncrementExact(p, ticks); },
+            [&](nxDecimal& p) { return cursor.IncrementExact(p, ticks); }));
         ASSERT_NO_FATAL_FAILURE(ExpectEach(
             price, many, [&](nxDecimal& p) { table.Increment(p, ticks); },
             [&](nxDecimal& p) { cursor.Increment(p, ticks); },
@@ -523,8 +543,12 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
             EXPECT_EQ(Exact(run), Exact(single)) << steps;
 
             const int first = static_cast<int>(random() % INT_MAX);
-            nxDecimal whole = D(mantissa, places), halves = whole;
+            nxDecimal whole = D(mantissa, places), halves = whole, exact = whole;
             table.Increment(whole, up ? INT_MAX : INT_MIN);
+            const bool isExact = table.IncrementExact(exact, up ? first : -first).IsOK() &&
+                                 table.IncrementExact(exact, up ? INT_MAX - first : INT_MIN + first).IsOK();
+            ExpectExact(halves, whole, isExact,
+                        [&](nxDecimal& p) { return cursor.IncrementExact(p, up ? INT_MAX : INT_MIN); });
             table.Increment(halves, up ? first : -first);
             table.Increment(halves, up ? INT_MAX - first : INT_MIN + first);
             EXPECT_EQ(Exact(halves), Exact(whole)) << first;
@@ -533,6 +557,29 @@ TEST(nxVariableTickTable, LongRunsOfStepsAreCutShort)
     nxDecimal wrapped = D(INT64_MAX - 5, 0);
     Table("10 0.01; 1").Increment(wrapped, 6);
     EXPECT_EQ(Exact(wrapped), Exact(D(INT64_MIN, 0)));
+}
+
+TEST(nxVariableTickTable, ExactFormsRefuseWhatDoesNotFit)
+{
+    const Table table("9.990 0.010; 0.500");
+    const std::tuple<nxDecimal, nxErrorEnum, nxErrorEnum> rows[] = {
+        // rounded up, one tick up
+        {D("922337203685477580.7"), NX_ERR_VALUE_OUT_OF_RANGE, NX_ERR_VALUE_OUT_OF_RANGE},
+        {D("92233720368547758.07"), NX_ERR_VALUE_OUT_OF_RANGE, NX_ERR_VALUE_OUT_OF_RANGE},
+        {D("9223372036854775807"), NX_ERR_VALUE_OUT_OF_RANGE, NX_ERR_VALUE_OUT_OF_RANGE},
+        {D("99999999999999999"), NX_ERR_VALUE_OUT_OF_RANGE, NX_ERR_VALUE_OUT_OF_RANGE},
+        {D("922337203685477.5800"), nxErrorEnum(), NX_ERR_VALUE_OUT_OF_RANGE},
+        {D("9223372036854775.000"), nxErrorEnum(), nxErrorEnum()},
+        {D(1, 19), NX_ERR_VALUE_OUT_OF_RANGE, NX_ERR_VALUE_OUT_OF_RANGE},
+        {D(INT64_MIN, 2), NX_ERR_NO_MATCH, NX_ERR_NO_MATCH},
+        {nxDecimal::GetNoChangeDecimal(), NX_ERR_OBJECT_IS_NULL, NX_ERR_OBJECT_IS_NULL},
+    };
+    for (const auto& [price, rounded, stepped] : rows)
+    {
+        nxDecimal p = price, q = price;
+        EXPECT_EQ(nxPriceManipulator(&table).RoundToValidTickExact(methods[1], p), rounded) << price;
+        EXPECT_EQ(nxPriceManipulator(&table).IncrementExact(q), stepped) << price;
+    }
 }
 
 TEST(nxVariableTickTable, SpansAreTakenAsFarAsTheyReach)

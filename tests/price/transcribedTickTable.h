@@ -87,6 +87,22 @@ public:
         return price;
     }
 
+    // Whether the result lies one tick above the price (1) or below it (-1), or less than one tick away (0), and fits.
+    static bool IsExact(const nxDecimal& price, const nxDecimal& result, const nxDecimal& tick, int ticks)
+    {
+        const int places = std::max({price.GetDecimalPlaces(), result.GetDecimalPlaces(), tick.GetDecimalPlaces()});
+        Wide p = 0, r = 0, t = 0;
+        if (places > 18 || !Scale(price, places, p) || !Scale(result, places, r) || !Scale(tick, places, t))
+            return false;
+        return ticks == 0 ? r - p < t && p - r < t : Fits(p) && Fits(t) && Fits(r) && Fits(-r) && r == p + ticks * t;
+    }
+    bool IsExactStep(const nxDecimal& price, const nxDecimal& stepped, int ticks) const
+    {
+        return Find(price) != _bands.size() &&
+               std::any_of(_bands.begin(), _bands.end(),
+                           [&](const auto& band) { return IsExact(price, stepped, band.second, ticks); });
+    }
+
     // For a price with a value and a band, and bands of at most 19 places.
     bool IsValid(const nxDecimal& price) const
     {

@@ -37,10 +37,12 @@ const nxDecimal& nxTickPlace::FindTick(const nxTickRules& rules, nxDecimal price
     return rules.GetTick(stretch);
 }
 
-nxDecimal nxTickPlace::Step(const nxTickRules& rules, bool isUp, std::uint64_t ticks, nxDecimal price)
+// Takes the steps by integers where it can, and one step by the function elsewhere. Ends when the function returns false.
+template <class StepOnce>
+inline void nxTickPlace::_StepMany(const nxTickRules& rules, nxTickRun& run, bool isUp, std::uint64_t ticks,
+                                   nxDecimal& price, const StepOnce& stepOnce)
 {
     unsigned relocations = mostRelocationsOfARun;
-    nxTickRun run(rules, isUp);
     while (ticks != 0 && price.IsValid())
     {
         std::uint64_t done = run.Leap(price, ticks);
@@ -49,13 +51,40 @@ nxDecimal nxTickPlace::Step(const nxTickRules& rules, bool isUp, std::uint64_t t
         if (done == 0)
         {
             run.Watch(price);
-            if (!_StepByDecimals(rules, isUp, price))
+            if (!stepOnce(price))
                 break;
             done = 1;
         }
         ticks -= done;
     }
+}
+
+nxDecimal nxTickPlace::Step(const nxTickRules& rules, bool isUp, std::uint64_t ticks, nxDecimal price)
+{
+    nxTickRun run(rules, isUp);
+    _StepMany(rules, run, isUp, ticks, price, [&](nxDecimal& p) { return _StepByDecimals(rules, isUp, p); });
     return price;
+}
+
+nxErrorEnum nxTickPlace::StepExact(const nxTickRules& rules, int ticks, nxDecimal& price)
+{
+    if (!price.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (ticks != 0 && price.GetDecimalPlaces() > nxDecimal::MaxExactPlaces)
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    const bool isUp = ticks > 0;
+    nxErrorEnum error;
+    nxDecimal moved = price;
+    nxTickRun run(rules, isUp, nxTickRun::Overflow::IsLeft);
+    _StepMany(rules, run, isUp, CountSteps(ticks), moved,
+              [&](nxDecimal& p)
+              {
+                  error = rules.StepExactlyFrom(FindBand(rules, p), isUp, p);
+                  return error.IsOK();
+              });
+    if (error.IsOK())
+        price = moved;
+    return error;
 }
 
 // False when the price stays as it is, as it then does at every further step.
@@ -77,6 +106,15 @@ nxDecimal nxTickPlace::Round(const nxTickRules& rules, const nxRoundingMethodEnu
     if (price.IsValid())
         price.Round(FindTick(rules, price), method);
     return price;
+}
+
+nxErrorEnum nxTickPlace::RoundExact(const nxTickRules& rules, const nxRoundingMethodEnum& method, nxDecimal& price)
+{
+    const std::size_t stretch = price.IsValid() ? rules.FindStretch(price) : nxTickGrid::NotFound;
+    if (stretch == nxTickGrid::NotFound)
+        return rules.RoundExactly(nullptr, method, price);
+    Note(rules, stretch, price);
+    return rules.RoundExactly(&rules.GetTick(stretch), method, price);
 }
 
 bool nxTickPlace::IsValidTick(const nxTickRules& rules, const nxDecimal& price)

@@ -12,6 +12,8 @@
 #include "core/price/inline/nxTickRules.h"
 #include "core/price/inline/nxTickZone.h"
 
+class nxTickRun;
+
 /// A place in a tick table: the memory of the last searches. A table has one under its lock, and every cursor and every
 /// operation on a span has one of its own.
 ///
@@ -48,8 +50,15 @@ struct nxTickPlace
     nxTickRules::Band FindBand(const nxTickRules& rules, const nxDecimal& price);
     /// @return the price moved by @p ticks single steps; one without a band is reported and returned as it is.
     nxDecimal Step(const nxTickRules& rules, bool isUp, std::uint64_t ticks, nxDecimal price);
+    /// Moves the price by @p ticks single steps, down when they are negative.
+    /// @return the errors of nxVariableTickTable::IncrementExact(); @p price is then untouched.
+    [[nodiscard]] nxErrorEnum StepExact(const nxTickRules& rules, int ticks, nxDecimal& price);
     /// @return the price rounded to a multiple of the tick at it; one that is not valid as it is.
     nxDecimal Round(const nxTickRules& rules, const nxRoundingMethodEnum& method, nxDecimal price);
+    /// Rounds the price to a multiple of the tick at it.
+    /// @return the errors of nxVariableTickTable::RoundToValidTickExact(); @p price is then untouched.
+    [[nodiscard]] nxErrorEnum RoundExact(const nxTickRules& rules, const nxRoundingMethodEnum& method,
+                                         nxDecimal& price);
     /// @return whether the price, which is not in the zone, is a multiple of the tick at it; false for one that is not
     ///         valid or has no band.
     bool IsValidTick(const nxTickRules& rules, const nxDecimal& price);
@@ -58,6 +67,9 @@ struct nxTickPlace
     [[nodiscard]] nxErrorEnum GetNext(const nxTickRules& rules, bool isUp, const nxDecimal& price, nxDecimal& next);
 
 private:
+    template <class StepOnce>
+    void _StepMany(const nxTickRules& rules, nxTickRun& run, bool isUp, std::uint64_t ticks, nxDecimal& price,
+                   const StepOnce& stepOnce);
     bool _StepByDecimals(const nxTickRules& rules, bool isUp, nxDecimal& price);
 };
 

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/price/inline/nxTickGrid.h"
 
@@ -78,6 +80,8 @@ public:
     Band FindBand(const nxDecimal& price) const;
     /// @return the band of a magnitude.
     Band FindBandByDecimals(const nxDecimal& magnitude) const;
+    /// @return the tick at a price; a null pointer when the price has no band.
+    const nxDecimal* LookUpTickByDecimals(const nxDecimal& price) const;
     /// @return the tick at a price; a null decimal, after a fatal record in the log, when the price has no band.
     const nxDecimal& FindTickByDecimals(const nxDecimal& price) const;
     /// @return the tick at a magnitude that lies in @p band.
@@ -95,6 +99,14 @@ public:
     void Move(bool isIncrease, nxDecimal& price, Band band) const;
     /// Moves a price that lies in @p band by one step.
     void StepFrom(Band band, bool isUp, nxDecimal& price) const;
+    /// Moves a price that lies in @p band by one step, as StepFrom() does where that is exact.
+    /// @return NX_ERR_NO_MATCH for End() or a band whose increment is not positive, NX_ERR_VALUE_OUT_OF_RANGE when the
+    ///         sum does not fit 64 bits or has too many places; the price is then unchanged.
+    [[nodiscard]] nxErrorEnum StepExactlyFrom(Band band, bool isUp, nxDecimal& price) const;
+    /// Rounds a price with the errors of nxVariableTickTable::RoundToValidTickExact().
+    /// @param tick at the price, if integers found it; a null pointer asks for the decimal rules.
+    [[nodiscard]] nxErrorEnum RoundExactly(const nxDecimal* tick, const nxRoundingMethodEnum& method,
+                                           nxDecimal& price) const;
     /// Writes the fatal record about a price without a band.
     /// @return a null decimal that lives as long as the process.
     static const nxDecimal& ReportUnknownBand();

@@ -34,7 +34,23 @@ public:
         return true;
     }
 
-    /// The same, but a sum that does not fit wraps modulo 2^64. A price that cannot take the tick's places goes through
+    /// Adds the tick @p count times, or subtracts it when the count is negative, at the larger number of places.
+    /// @return false, with the price unchanged, when 64 bits do not hold the price, the tick or the sum at these places.
+    static bool TryAddMany(nxDecimal& price, const nxDecimal& tick, int count)
+    {
+        const unsigned char places = std::max(price.GetDecimalPlaces(), tick.GetDecimalPlaces());
+        long long start = 0;
+        long long addend = 0;
+        if (!_ScaleUp(price, places, start) || !_ScaleUp(tick, places, addend))
+            return false;
+        const nxWide sum = nxWide{start} + nxWide{addend} * count;
+        if (sum != static_cast<long long>(sum))
+            return false;
+        price = nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<long long>(sum), places);
+        return true;
+    }
+
+    /// Adds or subtracts the tick as TryAdd(), but a sum that does not fit wraps modulo 2^64. A price that cannot take the tick's places goes through
     /// the doubles of decimal arithmetic.
     static void Add(nxDecimal& price, const nxDecimal& tick, bool isUp)
     {

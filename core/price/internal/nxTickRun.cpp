@@ -93,6 +93,9 @@ void nxTickRun::_Learn(const nxDecimal& price)
     stretch.mayDropZeros = places > tickPlaces;
     stretch.changesLastDigit = stretch.mayDropZeros && stretch.step % 10 != 0;
     stretch.staysInItsBand = places == tickPlaces && nextPlaces != places;
+    if (_overflow == Overflow::IsLeft && stretch.step / nxPowersOfTen::GetInteger(std::size_t{places} - tickPlaces) !=
+                                             static_cast<std::uint64_t>(band->second.GetValue()))
+        return;
     if (stretch.step == 0 || (places > tickPlaces && nextPlaces > places) || !_GoesBy(band, stretch, price))
         return;
 
@@ -130,6 +133,25 @@ void nxTickRun::_Learn(const nxDecimal& price)
         stretch.first = isNegative ? 0 - most : least;
         stretch.span = most - least;
     }
+    if (_overflow == Overflow::IsLeft && !_CutToFittingSteps(stretch))
+        return;
     _last = _learnt++ % _stretches.size();
     _stretches[_last] = stretch;
+}
+
+// Leaves only the prices from which a step fits; false when there is none.
+bool nxTickRun::_CutToFittingSteps(_Stretch& stretch) const
+{
+    if (stretch.step > std::uint64_t{INT64_MAX})
+        return false;
+    const auto step = static_cast<std::int64_t>(stretch.step);
+    auto first = static_cast<std::int64_t>(stretch.first);
+    auto last = static_cast<std::int64_t>(stretch.first + stretch.span);
+    if (_isUp)
+        last = std::min(last, INT64_MAX - step);
+    else
+        first = std::max(first, -INT64_MAX + step);
+    stretch.first = static_cast<std::uint64_t>(first);
+    stretch.span = static_cast<std::uint64_t>(last) - stretch.first;
+    return first <= last;
 }

@@ -27,8 +27,18 @@
 class nxTickRun
 {
 public:
+    /// What becomes of a step whose sum does not fit 64 bits.
+    enum class Overflow
+    {
+        Wraps,   ///< It is taken modulo 2^64.
+        IsLeft,  ///< No leap takes it. Prices have at most nxDecimal::MaxExactPlaces places.
+    };
+
     /// @param isUp the direction of all steps.
-    nxTickRun(const nxTickRules& rules, bool isUp) : _rules(rules), _isUp(isUp) {}
+    nxTickRun(const nxTickRules& rules, bool isUp, Overflow overflow = Overflow::Wraps)
+        : _rules(rules), _isUp(isUp), _overflow(overflow)
+    {
+    }
 
     /// Moves the price by as many of the @p wanted steps as the stretches that were learnt allow.
     /// @return the number of steps; 0 when the price lies in none of them.
@@ -70,9 +80,11 @@ private:
     Band _BandOfStep(const nxDecimal& price) const;
     bool _GoesBy(Band band, const _Stretch& stretch, const nxDecimal& price) const;
     void _Learn(const nxDecimal& price);
+    bool _CutToFittingSteps(_Stretch& stretch) const;
 
     const nxTickRules& _rules;
     bool _isUp;
+    Overflow _overflow;
     unsigned _watched = 0;
     std::size_t _learnt = 0;
     std::size_t _last = 0;
