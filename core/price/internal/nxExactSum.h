@@ -50,8 +50,8 @@ public:
         return true;
     }
 
-    /// Adds or subtracts the tick as TryAdd(), but a sum that does not fit wraps modulo 2^64. A price that cannot take the tick's places goes through
-    /// the doubles of decimal arithmetic.
+    /// Adds or subtracts the tick as TryAdd(), but a sum that does not fit wraps modulo 2^64. A price that cannot take the
+    /// tick's places goes through the doubles of decimal arithmetic.
     static void Add(nxDecimal& price, const nxDecimal& tick, bool isUp)
     {
         const std::uint64_t present = price.GetScale();
