@@ -46,7 +46,8 @@ CLASSES = {
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (
         ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/inline/nxTickRules.h",
-         "core/price/inline/nxTickRules.cpp", "core/price/inline/nxTickPlace.h", "core/price/inline/nxTickPlace.cpp",
+         "core/price/inline/nxTickRules.cpp", "core/price/inline/nxTickRulesExact.cpp",
+         "core/price/inline/nxTickPlace.h", "core/price/inline/nxTickPlace.cpp",
          "core/price/inline/nxTickGrid.h", "core/price/inline/nxTickGrid.cpp", "core/price/inline/nxTickZone.h",
          "core/price/nxTickTableCursor.h", "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h",
          "core/price/internal/nxTickRun.cpp"],
