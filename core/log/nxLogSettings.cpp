@@ -1,42 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/nxLogSettings.h"
 
-#include <algorithm>
 #include <charconv>
 #include <system_error>
 
-#include "core/platform/nxEnvironment.h"
+#include "core/log/internal/nxLogEnvironment.h"
 #include "core/process/inline/nxConfigurationKeys.h"
-#include "core/process/nxEnvironmentCopy.h"
 
 namespace
 {
-std::string Get(const std::string& key)
-{
-    return nxEnvironment::IsSecureExecution() ? std::string() : nxEnvironmentCopy::GetValue(key);
-}
-
-bool GetBool(const std::string& key, bool defaultValue)
-{
-    return nxEnvironment::IsSecureExecution() ? defaultValue : nxEnvironmentCopy::GetBool(key, defaultValue);
-}
-
-std::uint64_t GetNumber(const std::string& key, std::uint64_t defaultValue, std::uint64_t smallest,
-                        std::uint64_t largest)
-{
-    const std::string text = Get(key);
-    const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-    if (!isNumber)
-        return defaultValue;
-    std::uint64_t number = 0;
-    if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc())
-        return largest;
-    return std::clamp(number, smallest, largest);
-}
-
 nxLogLevelEnum GetLevel()
 {
-    const std::string text = Get(QRX_LOG_LEVEL);
+    const std::string text = nxLogEnvironment::Get(QRX_LOG_LEVEL);
     for (unsigned value = NX_LOG_LEVEL_DEBUG; value <= NX_LOG_LEVEL_FATAL; ++value)
         if (const nxLogLevelEnum level(static_cast<nxEnumValue>(value)); text == level.GetShortDescription())
             return level;
@@ -45,10 +20,7 @@ nxLogLevelEnum GetLevel()
 
 nxLogSettings::Console GetConsole()
 {
-    std::string text = Get(QRX_LOG_TO_CONSOLE);
-    for (char& c : text)
-        if ('a' <= c && c <= 'z')
-            c = static_cast<char>(c - 'a' + 'A');
+    const std::string text = nxLogEnvironment::GetCapitals(QRX_LOG_TO_CONSOLE);
     if (text == "TRUE" || text == "YES")
         return nxLogSettings::Console::Verbose;
     if (text == "BRIEF")
@@ -61,7 +33,7 @@ nxLogSettings::Console GetConsole()
 // "0,2-5". A text that is anything else gives none at all.
 std::vector<unsigned> GetProcessors()
 {
-    const std::string text = Get("NX_LOG_THREAD_PROCESSORS");
+    const std::string text = nxLogEnvironment::Get("NX_LOG_THREAD_PROCESSORS");
     std::vector<unsigned> processors;
     const char* at = text.data();
     const char* const end = at + text.size();
@@ -92,21 +64,23 @@ nxLogSettings nxLogSettings::Read()
 {
     nxLogSettings settings;
     settings.level = GetLevel();
-    settings.directory = Get(QRX_LOG_DIRECTORY);
+    settings.directory = nxLogEnvironment::Get(QRX_LOG_DIRECTORY);
     settings.console = GetConsole();
-    settings.forceFlush = GetBool(QRX_LOG_FORCE_FLUSH, settings.forceFlush);
-    settings.secondsBetweenFlushes =
-        GetNumber(QRX_LOG_TIME_BETWEEN_FLUSHES, settings.secondsBetweenFlushes, 0, LargestTimeBetweenFlushes);
-    settings.fileBufferMegabytes =
-        GetNumber(QRX_LOG_FILE_BUFF_SIZE_MB, settings.fileBufferMegabytes, 1, LargestFileBufferMegabytes);
+    settings.forceFlush = nxLogEnvironment::GetBool(QRX_LOG_FORCE_FLUSH, settings.forceFlush);
+    settings.secondsBetweenFlushes = nxLogEnvironment::GetNumber(
+        QRX_LOG_TIME_BETWEEN_FLUSHES, settings.secondsBetweenFlushes, 0, LargestTimeBetweenFlushes);
+    settings.fileBufferMegabytes = nxLogEnvironment::GetNumber(QRX_LOG_FILE_BUFF_SIZE_MB, settings.fileBufferMegabytes,
+                                                               1, LargestFileBufferMegabytes);
     settings.reservedEntries =
-        GetNumber(QRX_LOG_BUFF_RESERVE_ENTRIES, settings.reservedEntries, 0, LargestReservedEntries);
-    settings.threadIndex = GetBool(QRX_LOG_THREAD_INDEX, settings.threadIndex);
-    settings.recreateOnChangeOfDate = GetBool(QRX_LOG_RECREATE_ON_CHANGE_OF_DATE, settings.recreateOnChangeOfDate);
+        nxLogEnvironment::GetNumber(QRX_LOG_BUFF_RESERVE_ENTRIES, settings.reservedEntries, 0, LargestReservedEntries);
+    settings.threadIndex = nxLogEnvironment::GetBool(QRX_LOG_THREAD_INDEX, settings.threadIndex);
+    settings.recreateOnChangeOfDate =
+        nxLogEnvironment::GetBool(QRX_LOG_RECREATE_ON_CHANGE_OF_DATE, settings.recreateOnChangeOfDate);
     return settings;
 }
 
 nxLogThreadSettings nxLogThreadSettings::Read()
 {
-    return {GetProcessors(), static_cast<unsigned>(GetNumber("NX_LOG_THREAD_PRIORITY", 0, 0, LargestPriority))};
+    return {GetProcessors(),
+            static_cast<unsigned>(nxLogEnvironment::GetNumber("NX_LOG_THREAD_PRIORITY", 0, 0, LargestPriority))};
 }

@@ -8,7 +8,7 @@ import sys
 
 source = pathlib.Path(sys.argv[1])
 code = "".join(file.read_text(encoding="utf-8") for file in sorted((source / "core").rglob("*.cpp")))
-read = set(re.findall(r'\b(?:Get|GetBool|GetNumber|GetEnvValue\w*|Copy|GetValue)\(\s*"?((?:QRX|NX|TZ)[A-Z_]*)\b', code))
+read = set(re.findall(r'\b(?:Get|GetCapitals|GetBool|GetNumber|GetEnvValue\w*|Copy|GetValue)\(\s*"?((?:QRX|NX|TZ)[A-Z_]*)\b', code))
 
 page = (source / "docs/nxcore.7").read_text(encoding="utf-8").replace(r"\-", "-").replace(r"\(rs", "\\")
 page = page[page.index(".SH ENVIRONMENT"):page.index(".SH FILES")]
@@ -17,7 +17,7 @@ for names, text in re.findall(r"^\.TP\n(.*)\n((?:(?!\.[TP]P).*\n)*)", page, re.M
     default = re.search(r"^Default: (.*)\.$", text, re.M)
     shown.update((name, default and default.group(1)) for name in re.findall(r"\\fB(\w+)\\fR", names))
 
-guide = (source / "docs/guide/logging.md").read_text(encoding="utf-8")
+guide = "".join((source / "docs/guide" / page).read_text(encoding="utf-8") for page in ("logging.md", "operating.md"))
 explained = {}
 for name, default in re.findall(r"^\| `((?:QRX|NX)_\w+)` \|[^|]*\| *([^|]*?) *\|", guide, re.M):
     literal = re.match(r"`([^`]*)`", default)
@@ -25,8 +25,8 @@ for name, default in re.findall(r"^\| `((?:QRX|NX)_\w+)` \|[^|]*\| *([^|]*?) *\|
 
 faults = [f"{name}: read, not in nxcore.7" for name in sorted(read - shown.keys())]
 faults += [f"{name}: in nxcore.7, never read" for name in sorted(shown.keys() - read)]
-faults += [f"{name}: the default is '{shown.get(name)}' in nxcore.7, '{default}' in logging.md"
+faults += [f"{name}: the default is '{shown.get(name)}' in nxcore.7, '{default}' in the guide"
            for name, default in sorted(explained.items()) if shown.get(name) != default]
-faults += [f"{name}: not in logging.md" for name in sorted(read - explained.keys()) if "_LOG_" in name]
+faults += [f"{name}: neither in logging.md nor in operating.md" for name in sorted(read - explained.keys()) if "_LOG_" in name]
 print("\n".join(faults))
 sys.exit(1 if faults or not read else 0)

@@ -34,7 +34,7 @@ LOG_PARTS = (
     ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
     ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
                "inline/nxLogSource internal/nxLogSourceTable internal/nxLogEscape"),
-    ("counters, switches, limits", "internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
+    ("counters, switches, limits", "internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("bell", "internal/nxLogBell internal/nxLogWait"),
     ("memory", "internal/nxLogRingMemory"),
     ("ring", "inline/nxLogChannel internal/nxLogRing"),
