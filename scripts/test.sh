@@ -119,6 +119,7 @@ sizes()
 }
 
 need_test_tools || exit 1
+want_test_programs
 if [ "${1:-}" = --quick ]; then
     stage "format" format
     stage "licences" licences
