@@ -70,11 +70,16 @@ nxErrorEnum nxVariableTickTableContainer::_TryRegister(const std::string& name, 
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
     if (name.empty() || !table->_GetRules().KeepConstraints())
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    // Both entries are made before either is added: merging needs no memory, so none is ever added alone.
+    std::map<std::string, std::string> newName;
+    std::map<std::string, nxVariableTickTable*> newTable;
+    newName.emplace(name, id);
+    newTable.emplace(id, table);
     const nxMutexGuard guard(_lock);
     if (_names.contains(name) || _tables.contains(id))
         return nxErrorEnum(NX_ERR_DUPLICATE_MATCH);
-    _names.emplace(name, id);
-    _tables.emplace(id, table);
+    _names.merge(newName);
+    _tables.merge(newTable);
     return nxErrorEnum();
 }
 

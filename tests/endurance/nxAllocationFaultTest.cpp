@@ -95,6 +95,19 @@ TEST_F(nxAllocationFault, WhatCouldNotBeRegisteredCanBeRegisteredAgain)
     }
 }
 
+TEST_F(nxAllocationFault, ATickTableThatCouldNotBeRegisteredCanBeRegisteredAgain)
+{
+    std::unique_ptr<nxCustomVariableTickTable> table;
+    std::string reason;
+    ASSERT_TRUE(nxCustomVariableTickTable::Create("A_NAME_TOO_LONG_FOR_A_SMALL_BUFFER",
+                                                  {{nxDecimal::GetMaximumDecimal(), nxDecimal(1, 2)}}, table, reason)
+                    .IsOK());
+    using Container = nxVariableTickTableContainer;
+    ASSERT_FALSE(Container::GetVariableTickTableIDs().empty());  // makes the catalogue, with memory of its own
+    EXPECT_TRUE(RegisterAtLast([&] { return Container::RegisterVariableTickTable(table).IsOK(); }));
+    EXPECT_NE(Container::GetVariableTickTable("VTT_A_NAME_TOO_LONG_FOR_A_SMALL_BUFFER"), nullptr);
+}
+
 TEST_F(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
     const std::string longText(200, '7'), camel = "aLongNameInCamelCaseThatNeedsMoreThanASmallBuffer";
