@@ -38,7 +38,12 @@
 /// - Bounds: the last price of the band, one tick below the next band's first. Where an exchange says "up to and including
 ///   T" by ticks of I, the bound is T - I. A bound plus its tick that is no multiple of the next tick is accepted, with
 ///   one warning in the log: just above such a bound prices are rounded off the next band's grid.
-/// - Lines end in LF or CR LF; empty lines and a byte order mark at the start are skipped. A file has at most 4 MiB.
+/// - Lower bounds: exchanges often print the price from which a tick applies. With the column `lower_bound` in place of
+///   `upper_bound` a band has that price, a multiple of the tick below it, and the band below ends one tick before it.
+///   Whether the exchange gives the lower or the upper tick to the price itself makes no difference to the valid prices.
+///   The first lower bound is empty, 0 or one increment.
+/// - Lines end in LF or CR LF; empty lines, lines that begin with '#' and a byte order mark at the start are skipped. A
+///   field may be in double quotes. A file has at most 4 MiB.
 /// - Errors: returned, with the reason as a sentence for the user; the result argument is then left as it is.
 /// - Threads and prices: as nxVariableTickTable.
 class NX_CORE_API nxCustomVariableTickTable final : public nxVariableTickTable

@@ -34,7 +34,7 @@ std::string Describe(const Custom::Tables& tables)
     return text;
 }
 
-const std::string header = "name,band,upper_bound,increment\n";
+const std::string header = "name,band,upper_bound,increment\n", lowerHeader = "name,band,lower_bound,increment\n";
 
 }  // namespace
 
@@ -44,6 +44,7 @@ TEST(nxCustomVariableTickTable, ReadsTablesWithTheirDecimalPlaces)
         {"A,1,,0.010", "A: 0.010; "},
         {"A,1,4.990,0.010\r\nA,2,,5\r\n", "A: 4.990 0.010; 5; "},
         {"\nA,1,4.990,0.010\n\n\nA,2,,5\n\n", "A: 4.990 0.010; 5; "},
+        {"# A, as printed\n\"A\",\"1\",\"4.990\",\"0.010\"\n#\nA,2,\"\",5", "A: 4.990 0.010; 5; "},
         {"A,1,10,1\nA,2,,5\nb.C-2_x,1,,.5\n", "A: 10 1; 5; b.C-2_x: 0.5; "},
         {"A,1,92233,0.00000000000001\nA,2,,1\n", "A: 92233 0.000000000000; 1; "},
         {"A,1,0.000000000000001,0.000000000000001\nA,2,999999999999999999,1\nA,3,,999999999999999999\n",
@@ -58,6 +59,23 @@ TEST(nxCustomVariableTickTable, ReadsTablesWithTheirDecimalPlaces)
             EXPECT_EQ(Describe(tables), described);
             EXPECT_EQ(reason, "none");
         }
+}
+
+// A band ends one tick below the next one.
+TEST(nxCustomVariableTickTable, LowerBoundsGiveTheSameTableAsUpperBounds)
+{
+    const char* const rows[][2] = {
+        {"A,1,0,0.01\n", "A: 0.01; "},
+        {"A,1,,1\nA,2,3000,5\nA,3,5000,10\nB,1,0.0010,0.001\nB,2,1,0.05\n",
+         "A: 2999 1; 4995 5; 10; B: 0.999 0.001; 0.05; "},
+    };
+    for (const auto& [text, described] : rows)
+    {
+        Custom::Tables tables;
+        std::string reason = "none";
+        EXPECT_TRUE(Custom::ReadText("#\n" + lowerHeader + text, tables, reason).IsOK()) << reason;
+        EXPECT_EQ(Describe(tables), described);
+    }
 }
 
 TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
@@ -91,7 +109,20 @@ TEST(nxCustomVariableTickTable, ABadTextIsRefusedWholeWithLineAndReason)
         {good + "A,3,,1\nA,4,,1\n", "line 5: a band follows the one without an upper bound"},
         {good + "A,3,,1\nB,1,,1\nA,1,,1\n", "line 6: table A stands twice, or its bands do not stand together"},
         {good + "A,3,,1\n,1,,1\n", "line 5: '' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
-        {good + "A,3,,1\n\"B\",1,,1\n", "line 5: '\"B\"' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
+        {good + "A,3,,1\nB\",1,,1\n", "line 5: 'B\"' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
+        {good + "A,3,,\"1\n", "line 4: a quote is not closed, or text follows it"},
+        {good + "A,3,\"\"\"\",1\n", "line 4: a quote is not closed, or text follows it"},
+        {good + "#\n\"A\",3,\"9,95\",1\n", "line 5: '9,95' is not a number"},
+        {lowerHeader + "A,1,2,1\n", "line 2: the first lower bound 2 is neither 0 nor one increment"},
+        {lowerHeader + "A,1,0,1\nA,2,,5\n", "line 3: '' is not a number"},
+        {lowerHeader + "A,1,0,0.2\nA,2,0.5,1\n",
+         "line 3: lower bound 0.5 is no multiple of the increment 0.2 below it"},
+        {lowerHeader + "A,1,0,1\nA,2,1,5\n", "line 3: the band below 1 has no price"},
+        {lowerHeader + "A,1,0,1\nA,2,10,5\nA,3,10,10\n", "line 4: the band below 10 has no price"},
+        {lowerHeader + "A,1,,0.0000000000000001\n",
+         "line 2: increment 0.0000000000000001 has more than 18 digits or 15 decimals"},
+        {lowerHeader + "A,1,,0.00000000000001\nA,2,99999999,1\n",
+         "line 3: 99999999 minus increment 0.00000000000001 has more digits than a price can hold"},
         {good + "A,3,,1\n" + std::string("\x1B[2J\0\xFF", 6) + ",1,,1\n",
          "line 5: '\\x1B[2J\\x00\\xFF' is not a name: 1 to 64 letters, digits, '_', '-' or '.'"},
         {good + "A,3,," + std::string(100, 'x') + "\n",

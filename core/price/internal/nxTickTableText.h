@@ -24,8 +24,9 @@ public:
     const std::vector<std::pair<std::string, nxBandRules::Bands>>& GetTables() const { return _tables; }
 
 private:
-    static std::string _ReadHeader(std::string_view line);
+    std::string _ReadHeader(std::string_view line);
     std::string _ReadBand(std::string_view line);
+    std::string _EndBand(std::string_view lowerBound);
     std::string _StartTable(std::string_view name);
     std::string _CheckComplete() const;
 
@@ -33,6 +34,7 @@ private:
     std::set<std::string, std::less<>> _names;
     std::size_t _line = 0;
     std::size_t _lastLine = 0;
+    bool _hasLowerBounds = false;  // the column of bounds; a table's last band is then complete at any time
 };
 
 #endif
