@@ -19,18 +19,19 @@ constexpr double width = 960;
 constexpr double height = 540;
 constexpr double left = 96;
 constexpr double right = 912;
-constexpr double top = 84;
+constexpr double top = 100;
 constexpr double bottom = 476;
 
 // Plain colours first, because not every viewer knows variables or the reader's choice of a dark page.
 constexpr char style[] =
     "<style>text{font-family:'DejaVu Sans',Verdana,Helvetica,sans-serif;font-size:13px;fill:#57606a}"
-    ".page{fill:#ffffff}.title{font-size:20px;font-weight:bold;fill:#1f2328}.tick{font-size:12px;fill:#0b57d0}"
+    ".page{fill:#ffffff}.title{font-size:20px;font-weight:bold;fill:#1f2328}.tick{font-size:12px;fill:#0b57d0}.doubt{"
+    "fill:#b42318;font-weight:bold}"
     ".grid{stroke:#d0d7de;stroke-width:1}.fine{stroke:#eef1f4;stroke-width:1}"
     ".line{stroke:#0b57d0;stroke-width:3;stroke-linecap:round}"
     ".rise{stroke:#0b57d0;stroke-width:1;stroke-dasharray:3 4}.bound{fill:#0b57d0}\n"
     "@media (prefers-color-scheme:dark){text{fill:#98a3af}.page{fill:#0f141a}.title{fill:#dde3ea}.grid{stroke:#313a45}"
-    ".fine{stroke:#1d242c}.line,.rise{stroke:#7db4ff}.tick,.bound{fill:#7db4ff}}</style>\n";
+    ".fine{stroke:#1d242c}.line,.rise{stroke:#7db4ff}.tick,.bound{fill:#7db4ff}.doubt{fill:#ff8a7a}}</style>\n";
 
 // A character as XML allows it; empty for bytes that are not a character.
 std::string_view Escaped(std::string_view character)
@@ -238,19 +239,33 @@ std::string Steps(const std::vector<Band>& bands, const Axis& prices, const Axis
     return svg;
 }
 
+std::string Subtitle(const TableEntry& entry)
+{
+    const std::size_t count = entry.table->GetRangeData().size();
+    const std::string_view source = nxPrintableText::Cut(entry.facts.source, 80);
+    return "Tick size over price, " + std::to_string(count) + (count == 1 ? " band; " : " bands; ") +
+           entry.facts.status + ": " + std::string(source) + (source.size() < entry.facts.source.size() ? "..." : "");
+}
+
+// Until when the table counts, and what is doubtful about it.
+std::string Validity(const TableFacts& facts)
+{
+    if (const std::string doubt = GetDoubt(facts); !doubt.empty())
+        return Label("doubt", left, 79, "start", doubt);
+    return facts.expires.empty()
+               ? ""
+               : Label("axis", left, 79, "start", "Looked up on " + facts.lookedUp + ", expires on " + facts.expires);
+}
+
 std::string Picture(const TableEntry& entry)
 {
     const Axis prices = PriceAxis(*entry.table);
     const Axis ticks = TickAxis(*entry.table);
     const std::string size = Pixels(width) + " " + Pixels(height);
-    const std::size_t count = entry.table->GetRangeData().size();
-    const std::string_view source = nxPrintableText::Cut(entry.source, 80);
     return "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 " + size + "' width='960' height='540'>\n" + style +
            "<rect class='page' width='100%' height='100%'/>\n" + Label("title", left, 36, "start", entry.id) +
-           Label("axis", left, 60, "start",
-                 "Tick size over price, " + std::to_string(count) + (count == 1 ? " band; " : " bands; ") +
-                     entry.status + ": " + std::string(source) + (source.size() < entry.source.size() ? "..." : "")) +
-           PriceGridLines(prices) + TickGridLines(ticks) + Steps(MakeBands(*entry.table, prices), prices, ticks) +
+           Label("axis", left, 60, "start", Subtitle(entry)) + Validity(entry.facts) + PriceGridLines(prices) +
+           TickGridLines(ticks) + Steps(MakeBands(*entry.table, prices), prices, ticks) +
            Label("axis", (left + right) / 2, bottom + 46, "middle", "price") +
            // A logarithmic axis has no place for 0, where the lowest band begins.
            Label("axis", left, bottom + 38, "middle", "down to 0") + Label("axis", left - 10, top - 6, "end", "tick") +
@@ -260,7 +275,7 @@ std::string Picture(const TableEntry& entry)
 
 int Chart(const Request& request)
 {
-    const TickTables tables(request.tablesFile);
+    const TickTables tables(request);
     const TableEntry& entry = tables.Find(request.table);
     OutputFile output(request.chartFile);
     output.Append(Picture(entry));

@@ -13,7 +13,7 @@ GridChoice::GridChoice(const Request& request)
         _name = "ticks of " + DecimalText(request.increment);
         return;
     }
-    _tables.emplace(request.tablesFile);
+    _tables.emplace(request);
     const TableEntry& entry = _tables->Find(request.table);
     _grid = std::make_unique<TableGrid>(*entry.table);
     _name = entry.id;

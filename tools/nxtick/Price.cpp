@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Commands.h"
@@ -8,6 +10,7 @@
 #include "GridChoice.h"
 #include "OutputFile.h"
 #include "PriceGrid.h"
+#include "Records.h"
 #include "Terminal.h"
 #include "Text.h"
 
@@ -79,36 +82,9 @@ std::string ChangeText(const nxDecimal& above, const nxDecimal& below)
 {
     return "--- ticks of " + DecimalText(above) + " above, " + DecimalText(below) + " below ---";
 }
-}  // namespace
 
-int Price(const Request& request)
+std::string LadderText(const GridChoice& choice, const nxDecimal& middle, const std::vector<Rung>& rungs)
 {
-    const GridChoice choice(request);
-    PriceGrid& grid = choice.GetGrid();
-    const nxDecimal price = ReadPrice(grid, request);
-    Rows rows = {
-        {"tick", DecimalText(grid.GetTick(price))},
-        {"next below", DecimalText(grid.GetBelow(price))},
-        {"next above", DecimalText(grid.GetAbove(price))},
-        {"nearest", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_NEAREST, price))},
-        {"modified nearest", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_MODIFIED_NEAREST, price))},
-        {"rounded up", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_UP, price))},
-        {"rounded down", DecimalText(Rounded(grid, NX_ROUNDING_METHOD_DOWN, price))},
-    };
-    if (request.step)
-        rows.push_back({TicksText(*request.step), DecimalText(Moved(grid, *request.step, price))});
-    OutputFile::Print(Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) +
-                      (grid.IsOnGrid(price) ? ", on the grid\n\n" : ", off the grid\n\n") + Columns(rows, {}, {1}));
-    return 0;
-}
-
-int Ladder(const Request& request)
-{
-    const GridChoice choice(request);
-    PriceGrid& grid = choice.GetGrid();
-    const nxDecimal middle = ReadPrice(grid, request);
-    const std::vector<Rung> rungs = MakeLadder(grid, middle, request.ladder);
-
     Rows rows = {{"", "price", "tick"}};
     for (const Rung& rung : rungs)
         rows.push_back({rung.isMiddle ? ">" : "", DecimalText(rung.price), DecimalText(rung.tick),
@@ -124,7 +100,95 @@ int Ladder(const Request& request)
             text += terminal.Styled(Terminal::Style::Marked, ChangeText(rungs[i - 1].tick, rungs[i].tick)) + "\n";
         text += (rungs[i].isMiddle ? terminal.Styled(Terminal::Style::Bold, lines[i + 1]) : lines[i + 1]) + "\n";
     }
-    OutputFile::Print(text);
+    return text;
+}
+
+Records LadderRecords(const std::string& table, const std::vector<Rung>& rungs)
+{
+    using Kind = Records::Kind;
+    Records records(
+        {{"table"}, {"price", Kind::Number}, {"tick", Kind::Number}, {"given", Kind::Truth}, {"on_grid", Kind::Truth}});
+    for (const Rung& rung : rungs)
+        records.Add({table, DecimalText(rung.price), DecimalText(rung.tick), TruthText(rung.isMiddle),
+                     TruthText(rung.isOnGrid)});
+    return records;
+}
+
+// The names of an answer, for people and for programs.
+struct Answer
+{
+    const char* title;
+    std::string_view name;
+    nxDecimal price;
+};
+
+std::vector<Answer> Answers(PriceGrid& grid, const nxDecimal& price)
+{
+    return {
+        {"tick", "tick", grid.GetTick(price)},
+        {"next below", "below", grid.GetBelow(price)},
+        {"next above", "above", grid.GetAbove(price)},
+        {"nearest", "nearest", Rounded(grid, NX_ROUNDING_METHOD_NEAREST, price)},
+        {"modified nearest", "modified_nearest", Rounded(grid, NX_ROUNDING_METHOD_MODIFIED_NEAREST, price)},
+        {"rounded up", "rounded_up", Rounded(grid, NX_ROUNDING_METHOD_UP, price)},
+        {"rounded down", "rounded_down", Rounded(grid, NX_ROUNDING_METHOD_DOWN, price)},
+    };
+}
+
+Records PriceRecords(const std::string& table, bool isOnGrid, const nxDecimal& price,
+                     const std::vector<Answer>& answers, const std::optional<int>& step, const std::string& stepped)
+{
+    constexpr auto number = Records::Kind::Number;
+    std::vector<Records::Column> columns = {{"table"}, {"price", number}, {"on_grid", Records::Kind::Truth}};
+    std::vector<std::string> cells = {table, DecimalText(price), TruthText(isOnGrid)};
+    for (const Answer& answer : answers)
+    {
+        columns.push_back({answer.name, number});
+        cells.push_back(DecimalText(answer.price));
+    }
+    columns.push_back({"step", number});
+    columns.push_back({"stepped", number});
+    cells.push_back(step ? std::to_string(*step) : "");
+    cells.push_back(stepped);
+    Records records(std::move(columns));
+    records.Add(std::move(cells));
+    return records;
+}
+}  // namespace
+
+int Price(const Request& request)
+{
+    const GridChoice choice(request);
+    PriceGrid& grid = choice.GetGrid();
+    const nxDecimal price = ReadPrice(grid, request);
+    const bool isOnGrid = grid.IsOnGrid(price);
+    const std::vector<Answer> answers = Answers(grid, price);
+    const std::string stepped = request.step ? DecimalText(Moved(grid, *request.step, price)) : "";
+    if (request.format != Request::Format::Text)
+    {
+        const std::string table = request.table.empty() ? "" : choice.GetName();
+        OutputFile::Print(PriceRecords(table, isOnGrid, price, answers, request.step, stepped).GetText(request.format));
+        return 0;
+    }
+    Rows rows;
+    for (const Answer& answer : answers)
+        rows.push_back({answer.title, DecimalText(answer.price)});
+    if (request.step)
+        rows.push_back({TicksText(*request.step), stepped});
+    OutputFile::Print(Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) +
+                      (isOnGrid ? ", on the grid\n\n" : ", off the grid\n\n") + Columns(rows, {}, {1}));
+    return 0;
+}
+
+int Ladder(const Request& request)
+{
+    const GridChoice choice(request);
+    PriceGrid& grid = choice.GetGrid();
+    const nxDecimal middle = ReadPrice(grid, request);
+    const std::vector<Rung> rungs = MakeLadder(grid, middle, request.ladder);
+    const std::string table = request.table.empty() ? "" : choice.GetName();
+    OutputFile::Print(request.format == Request::Format::Text ? LadderText(choice, middle, rungs)
+                                                              : LadderRecords(table, rungs).GetText(request.format));
     return 0;
 }
 }  // namespace nxtick

@@ -7,6 +7,7 @@
 #include <set>
 #include <string_view>
 
+#include "Day.h"
 #include "Failure.h"
 #include "PriceGrid.h"
 #include "Text.h"
@@ -32,6 +33,7 @@ constexpr Actions never = 0;
 constexpr Actions list = never | Action::List;
 constexpr Actions onGrid = Action::Price | Action::Ladder | Action::Snap;
 constexpr Actions onTable = onGrid | Action::Bands | Action::Chart;
+constexpr Actions shown = list | Action::Bands | Action::Price | Action::Ladder;
 
 struct OptionRule
 {
@@ -50,7 +52,13 @@ constexpr OptionRule rules[] = {
     {"-version", false, onTable | list},
     {"list", false, list},
     {"filter", true, list},
+    {"status", true, list},
+    {"venue", true, list},
+    {"format", true, shown},
     {"tables", true, onTable | list},
+    {"tables-today", true, onTable | list},
+    {"today", true, onTable | list},
+    {"quiet", false, onTable},
     {"table", true, onTable},
     {"increment", true, onGrid},
     {"price", true, Action::Price | Action::Ladder, never | Action::Ladder, "the middle of the ladder"},
@@ -63,17 +71,31 @@ constexpr OptionRule rules[] = {
     {"method", true, never | Action::Snap},
 };
 
-struct Method
+// A word that an option takes, and what it means.
+template <class Value>
+struct Word
 {
-    std::string_view name;
-    nxEnumValue value;
+    std::string_view word;
+    Value value;
 };
 
-constexpr Method methods[] = {
+constexpr Word<nxEnumValue> methods[] = {
     {"nearest", NX_ROUNDING_METHOD_NEAREST},
     {"modified-nearest", NX_ROUNDING_METHOD_MODIFIED_NEAREST},
     {"up", NX_ROUNDING_METHOD_UP},
     {"down", NX_ROUNDING_METHOD_DOWN},
+};
+
+constexpr Word<Request::Format> formats[] = {
+    {"text", Request::Format::Text},
+    {"csv", Request::Format::Csv},
+    {"json", Request::Format::Json},
+};
+
+// The words are the values.
+constexpr Word<std::string_view> statuses[] = {
+    {"given", "given"},     {"published", "published"}, {"derived", "derived"}, {"secondary", "secondary"},
+    {"assumed", "assumed"}, {"custom", "custom"},       {"expired", "expired"},
 };
 
 // An option as the user writes it.
@@ -168,18 +190,28 @@ int ReadCount(const Options& options, const char* name, int least, int most)
                   std::to_string(most));
 }
 
-nxRoundingMethodEnum ReadMethod(const std::string& text)
+// @param what the option's name in a sentence.
+template <class Value, std::size_t count>
+Value ReadWord(const Word<Value> (&words)[count], const std::string& what, const std::string& text)
 {
     std::set<std::string> known;
-    for (const Method& method : methods)
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i)
     {
-        if (method.name == text)
-            return nxRoundingMethodEnum(method.value);
-        known.insert(std::string(method.name));
+        if (words[i].word == text)
+            return words[i].value;
+        known.insert(std::string(words[i].word));
+        (all += i == 0 ? "" : i + 1 == count ? " and " : ", ") += words[i].word;
     }
     const std::string suggestion = Suggestion(text, known);
-    throw Failure("unknown method " + Quoted(text) +
-                  (suggestion.empty() ? "; there are nearest, modified-nearest, up and down" : suggestion));
+    throw Failure("unknown " + what + " " + Quoted(text) + (suggestion.empty() ? "; there are " + all : suggestion));
+}
+
+std::string ReadDay(const std::string& text)
+{
+    if (!IsDay(text))
+        throw Failure("-today " + Quoted(text) + " is not a day, such as 2026-11-22");
+    return text;
 }
 
 bool Contains(Actions set, Action action) { return (set | action) == set; }
@@ -188,8 +220,9 @@ void CheckGrid(const Options& options, const Choice& choice)
 {
     if (Has(options, "table") && Has(options, "increment"))
         throw Failure("-table and -increment exclude each other");
-    if (Has(options, "tables") && Has(options, "increment"))
-        throw Failure("option -tables does not go with -increment");
+    for (const char* const ofTables : {"tables", "tables-today"})
+        if (Has(options, ofTables) && Has(options, "increment"))
+            throw Failure("option " + Dashed(ofTables) + " does not go with -increment");
     if (!Has(options, "table") && !Has(options, "increment"))
         throw Failure(Dashed(choice.option) + " needs -table ID" +
                       (choice.action == Action::Chart ? "" : " or -increment I"));
@@ -208,6 +241,19 @@ void CheckTogether(const Options& options, const Choice& choice)
     for (const OptionRule& rule : rules)
         if (Contains(rule.requiredBy, choice.action) && !Has(options, rule.name.data()))
             throw Failure("option " + Dashed(rule.name) + " is missing: " + rule.purpose);
+}
+
+// What the options say about lists and tables.
+void ReadTableOptions(const Options& options, Request& request)
+{
+    request.todayFile = Value(options, "tables-today");
+    request.today = Has(options, "today") ? ReadDay(Value(options, "today")) : Today();
+    request.isQuiet = Has(options, "quiet");
+    request.venue = Value(options, "venue");
+    if (Has(options, "status"))
+        request.status = ReadWord(statuses, "status", Value(options, "status"));
+    if (Has(options, "format"))
+        request.format = ReadWord(formats, "format", Value(options, "format"));
 }
 }  // namespace
 
@@ -248,7 +294,8 @@ Request ReadRequest(const Options& options, const std::vector<std::string>& word
     if (Has(options, "ladder"))
         request.ladder = ReadCount(options, "ladder", 1, 1000);
     if (Has(options, "method"))
-        request.method = ReadMethod(Value(options, "method"));
+        request.method = nxRoundingMethodEnum(ReadWord(methods, "method", Value(options, "method")));
+    ReadTableOptions(options, request);
     return request;
 }
 
@@ -257,7 +304,7 @@ std::string GetHelp()
     return "nxtick " NX_CORE_VERSION
            ": prices on an exchange's tick grid\n"
            "\n"
-           "  nxtick -list [-filter TEXT]              the tick tables that it knows\n"
+           "  nxtick -list [-filter TEXT] [-status WORD] [-venue TEXT]   the tick tables\n"
            "  nxtick -table ID                         the bands of one\n"
            "  nxtick -table ID -price P [-step N]      tick, neighbours, roundings there\n"
            "  nxtick -table ID -price P -ladder N      N ticks up and down from a price\n"
@@ -267,6 +314,7 @@ std::string GetHelp()
            "\n"
            "  -increment I   one fixed tick, in place of -table ID\n"
            "  -tables FILE   tables of your own, lines of name,band,upper_bound,increment\n"
+           "  -format csv    or json: the first four for programs\n"
            "  -method        nearest (the default), modified-nearest, up or down\n"
            "  -csv, -out     by default standard input and standard output\n"
            "\n"

@@ -27,11 +27,25 @@ struct Request
         Snap     ///< a column of prices
     };
 
+    /// Of lists, tables, explanations and ladders.
+    enum class Format
+    {
+        Text,
+        Csv,
+        Json
+    };
+
     Action action = Action::Help;
+    Format format = Format::Text;
     std::string table;       ///< Empty: the fixed increment.
     nxDecimal increment;     ///< Positive where there is no table.
     std::string tablesFile;  ///< Tables of the user's own; empty: none.
+    std::string todayFile;   ///< The tables of today; empty: those that are installed.
+    std::string today;       ///< YYYY-MM-DD, with which the days of expiry are compared.
+    bool isQuiet = false;    ///< No warnings of tables.
     std::string filter;
+    std::string status;
+    std::string venue;
     std::string price;  ///< As given; the grid reads it.
     std::optional<int> step;
     int ladder = 0;

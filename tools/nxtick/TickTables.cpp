@@ -12,11 +12,42 @@
 
 namespace nxtick
 {
-TickTables::TickTables(const std::string& fileName)
+namespace
 {
-    if (!fileName.empty())
-        _AddCustom(fileName);
-    _AddCatalogue();
+std::vector<TableEntry> CatalogueEntries()
+{
+    std::vector<TableEntry> entries;
+    for (const nxTickTableSource& source : nxTickTableSource::GetAll())
+    {
+        TableFacts facts;
+        facts.list = "catalogue";
+        facts.status = source.GetStatus();
+        facts.source = source.GetSource();
+        facts.note = source.GetNote();
+        const std::string id = source.GetID();
+        if (const auto* const table = nxVariableTickTableContainer::GetVariableTickTable(id); table != nullptr)
+            entries.push_back({id, table, facts, ""});
+    }
+    return entries;
+}
+}  // namespace
+
+TickTables::TickTables(const Request& request) : _isQuiet(request.isQuiet), _today(request.todayFile)
+{
+    if (!request.tablesFile.empty())
+        _AddCustom(request.tablesFile);
+    std::set<std::string> replaced;
+    for (const TableEntry& custom : _entries)
+        replaced.insert(custom.id);
+    const auto add = [&](TableEntry entry)
+    {
+        if (replaced.count(entry.id) == 0)
+            _entries.push_back(std::move(entry));
+    };
+    for (TableEntry& entry : CatalogueEntries())
+        add(std::move(entry));
+    for (TableEntry& entry : _today.GetEntries(request.today))
+        add(std::move(entry));
 }
 
 void TickTables::_AddCustom(const std::string& fileName)
@@ -24,23 +55,20 @@ void TickTables::_AddCustom(const std::string& fileName)
     std::string reason;
     if (!nxCustomVariableTickTable::ReadFile(fileName, _custom, reason).IsOK())
         throw Failure(reason);
+    TableFacts facts;
+    facts.list = "own";
+    facts.status = "custom";
+    facts.source = fileName;
     for (const auto& table : _custom)
-        _entries.push_back({table->GetID(), table.get(), "custom", fileName, "", table->GetGridWarning()});
+        _entries.push_back({table->GetID(), table.get(), facts, table->GetGridWarning()});
 }
 
-void TickTables::_AddCatalogue()
+void TickTables::_Warn(const TableEntry& entry) const
 {
-    std::set<std::string> replaced;
-    for (const TableEntry& custom : _entries)
-        replaced.insert(custom.id);
-    for (const nxTickTableSource& source : nxTickTableSource::GetAll())
-    {
-        const std::string id = source.GetID();
-        const nxVariableTickTable* const table = nxVariableTickTableContainer::GetVariableTickTable(id);
-        if (table != nullptr && replaced.count(id) == 0)
-            _entries.push_back({id, table, std::string(source.GetStatus()), std::string(source.GetSource()),
-                                std::string(source.GetNote()), ""});
-    }
+    if (!entry.gridWarning.empty())
+        WriteError("nxtick: " + nxPrintableText::GetEscaped(entry.facts.source) + ": " + entry.gridWarning + "\n");
+    if (const std::string doubt = GetDoubt(entry.facts); !doubt.empty())
+        WriteError("nxtick: " + entry.id + ": " + nxPrintableText::GetEscaped(doubt) + "\n");
 }
 
 const TableEntry& TickTables::Find(const std::string& nameOrID) const
@@ -51,8 +79,8 @@ const TableEntry& TickTables::Find(const std::string& nameOrID) const
         std::find_if(_entries.begin(), _entries.end(), [&id](const TableEntry& entry) { return entry.id == id; });
     if (found != _entries.end())
     {
-        if (!found->warning.empty())
-            WriteError("nxtick: " + nxPrintableText::GetEscaped(found->source) + ": " + found->warning + "\n");
+        if (!_isQuiet)
+            _Warn(*found);
         return *found;
     }
     std::set<std::string> known;

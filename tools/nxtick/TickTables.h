@@ -7,41 +7,35 @@
 #include <vector>
 
 #include "PriceGrid.h"
+#include "Request.h"
+#include "TableEntry.h"
+#include "TodayTables.h"
 #include "core/price/nxCustomVariableTickTable.h"
 #include "core/price/nxTickTableCursor.h"
-#include "core/price/nxVariableTickTable.h"
 
 namespace nxtick
 {
-/// A table and what is known of it.
-struct TableEntry
-{
-    std::string id;
-    const nxVariableTickTable* table = nullptr;
-    std::string status;  ///< One word: "given", "published", "derived", "assumed", or "custom" for the user's own.
-    std::string source;
-    std::string note;
-    std::string warning;  ///< Of roundings that leave the grid; empty when none does.
-};
-
-/// The tick tables that a run knows: those of the user's file, then those of the catalogue that the file does not
-/// replace.
+/// The tick tables that a run knows: those of the user's file, then those of the catalogue and those of today that the
+/// file does not replace.
 class TickTables
 {
 public:
-    /// @param fileName empty for the catalogue alone. @throws Failure naming the line of the file that is wrong.
-    explicit TickTables(const std::string& fileName);
+    /// @throws Failure naming the file that is wrong, with the line if one is.
+    explicit TickTables(const Request& request);
 
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
-    /// Writes the table's warning, if it has one, to standard error.
+    /// Writes to standard error what the user should know before using the table, if anything: the bound that leaves the
+    /// grid, an assumed table, an expired one. Quiet requests leave it out.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 
 private:
     void _AddCustom(const std::string& fileName);
-    void _AddCatalogue();
+    void _Warn(const TableEntry& entry) const;
 
+    bool _isQuiet;
+    TodayTables _today;
     nxCustomVariableTickTable::Tables _custom;
     std::vector<TableEntry> _entries;
 };
