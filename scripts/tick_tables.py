@@ -8,6 +8,8 @@
                                                     what the program answers at every price where the tick changes
     scripts/tick_tables.py page [--check FILE]      writes docs/tick-tables-today.md, or compares it
 
+--data FOLDER looks after the files of another folder.
+
 Each list is two files. tick-tables-LIST.csv has the bands, as nxtick -tables and nxCustomVariableTickTable read them.
 tick-tables-LIST-sources.csv has one row for each table:
 
@@ -326,8 +328,8 @@ def page():
     lines += ["", "## Tables", ""]
     for row in rows:
         lines += table_text(row, tables[row["name"]])
-    lines += ["## Held back", "", "Values for these were found, and are not installed. Most are probably right. To use one, compare it "
-              "with the exchange's own document and put it into a file of your own.", "",
+    lines += ["## Held back", "", "These tables are not installed, although values for them were found. Most are probably right. To "
+              "use one, compare it with the exchange's own document and put it into a file of your own.", "",
               "| Table | Venue | Instruments | Why |", "|---|---|---|---|"]
     for row in held:
         cells = [row["name"], row["venue"], row["instruments"], why_held_back(row) or row["notes"]]
@@ -335,13 +337,21 @@ def page():
     return "\n".join(lines) + "\n"
 
 
+def take(arguments, option, default):
+    """Removes the option and its value, and returns the value."""
+    if option not in arguments[:-1]:
+        return default
+    at = arguments.index(option)
+    value = arguments[at + 1]
+    del arguments[at:at + 2]
+    return value
+
+
 def main():
+    global FOLDER
     arguments = sys.argv[1:]
-    today = datetime.date.today().isoformat()
-    if "--today" in arguments[:-1]:
-        at = arguments.index("--today")
-        today = datetime.date.fromisoformat(arguments[at + 1]).isoformat()
-        del arguments[at:at + 2]
+    today = datetime.date.fromisoformat(take(arguments, "--today", datetime.date.today().isoformat())).isoformat()
+    FOLDER = take(arguments, "--data", FOLDER)
     if arguments == ["check"]:
         check()
     elif arguments == ["expired"]:

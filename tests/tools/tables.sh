@@ -7,11 +7,35 @@ set -u
 cp "$cases/own.csv" own.csv
 own='-tables own.csv'
 
-# The catalogue, with the user's own tables first.
+# The catalogue and the tables of today.
 run 0 -list
-same "heading and tables" "151 identifier bands smallest tick largest tick source" \
-    "$(wc -l <out) $(head -n 1 out | tr -s ' ')"
-same "one of them" "VTT_CHIX_CPH1 7 0.010 5.000 given" "$(grep CHIX_CPH1 out | tr -s ' ')"
+same "tables" "$((150 + $(tail -n +2 "$cases/../../data/tick-tables/tick-tables-today-sources.csv" | wc -l)))" \
+    "$(tail -n +2 out | wc -l)"
+
+# A table that is expired or assumed says so once where it is used; its day is the last on which it counts.
+cp "$cases"/today*.csv .
+expired="VTT_LATE: expired on 2026-12-21, looked up on 2026-11-21: compare it with the exchange's own document"
+while IFS="|" read -r options message; do
+    run 0 -tables-today today.csv $options
+    err_is "${message:+nxtick: ${message/EXPIRED/$expired}\n}"
+done <<'END'
+-table LATE -today 2026-12-21|
+-table LATE -today 2026-12-22|EXPIRED
+-table VTT_LATE -price 1 -today 2026-12-22|EXPIRED
+-table LATE -price 1 -ladder 1 -format json -today 2026-12-22|EXPIRED
+-table LATE -today 2026-12-22 -quiet|
+-table LATE -today 2026-12-22 -chart late.svg|EXPIRED
+-list -status expired -today 2026-12-22|
+-table CHIX_ETF1|VTT_CHIX_ETF1: assumed: the link of its values to this table is not confirmed; compare it with the exchange's own document
+END
+same "the chart says so too" "1" "$(grep -c 'This table: expired on 2026-12-21' late.svg)"
+run 2 -tables-today today.csv -table LATE -today 2026-12-22 -csv /dev/null -column Price
+same "one warning" "nxtick: $expired" "$(head -n 1 err)"
+sed 's/^LATE,/LATER,/' today.csv >other.csv
+sed 's/2026-12-21/soon/' today-sources.csv >other-sources.csv
+refused "other-sources.csv: no row for table LATER" -tables-today other.csv -list
+cp today.csv other.csv
+refused "other-sources.csv: no expires_on for table LATE" -tables-today other.csv -list
 
 # Using a table whose roundings leave the grid causes a warning; the name of its file is made safe to show.
 cp own.csv $'own\x1b.csv'

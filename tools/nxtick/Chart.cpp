@@ -251,7 +251,7 @@ std::string Subtitle(const TableEntry& entry)
 std::string Validity(const TableFacts& facts)
 {
     if (const std::string doubt = GetDoubt(facts); !doubt.empty())
-        return Label("doubt", left, 79, "start", doubt);
+        return Label("doubt", left, 79, "start", "This table: " + doubt);
     return facts.expires.empty()
                ? ""
                : Label("axis", left, 79, "start", "Looked up on " + facts.lookedUp + ", expires on " + facts.expires);

@@ -112,8 +112,8 @@ std::string RecordsOf(const std::vector<TableEntry>& entries, Request::Format fo
                      {"bands", Kind::Number},
                      {"smallest_tick", Kind::Number},
                      {"largest_tick", Kind::Number},
-                     {"venue"},
                      {"mic"},
+                     {"venue"},
                      {"instruments"},
                      {"currency"},
                      {"unit"},
@@ -126,7 +126,7 @@ std::string RecordsOf(const std::vector<TableEntry>& entries, Request::Format fo
     for (const auto& [id, table, facts, warning] : entries)
         records.Add({id, facts.list, facts.status, TruthText(facts.isExpired),
                      std::to_string(table->GetRangeData().size()), DecimalText(table->GetMinimumTickIncrement()),
-                     DecimalText(LargestTick(*table)), facts.venue, facts.markets, facts.instruments, facts.currency,
+                     DecimalText(LargestTick(*table)), facts.markets, facts.venue, facts.instruments, facts.currency,
                      facts.unit, facts.validFrom, facts.evidence, facts.lookedUp, facts.expires, facts.source,
                      facts.note});
     return records.GetText(format);

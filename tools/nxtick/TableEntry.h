@@ -36,7 +36,7 @@ struct TableEntry
     std::string gridWarning;  ///< Of roundings that leave the grid; empty when none does.
 };
 
-/// Why the table should be compared with the exchange's own document before use, as a sentence; empty for no reason.
+/// Why the table should be compared with the exchange's own document before use; empty for no reason.
 std::string GetDoubt(const TableFacts& facts);
 }  // namespace nxtick
 
