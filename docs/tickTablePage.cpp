@@ -35,6 +35,7 @@ Not every exchange publishes its regimes, and names outlive rules. Look at the s
 | assumed | values from a source, or from a sibling table, whose link to the regime is our assumption |
 
 The data does not record the day on which a source was read. Where a source has a year, the text of the source names it.
+[The tables of today](tick-tables-today.md) have such days.
 
 If your exchange says otherwise, use a table of your own: `nxCustomVariableTickTable` reads it from a file, and
 `nxtick -tables FILE` uses it. Programs ask for a status with `nxTickTableSource::Find(id)`.

@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# The main job, for a newcomer: builds nxtick and snaps forty years of oil prices to an exchange's tick table.
+# The main job, for a newcomer: builds nxtick and snaps forty years of oil prices to the tick that oil trades in.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 need_build_tools
 
 build=build/demo
-table=VTT_CHIX_CPH1
 prices=examples/data/wti-daily.csv
+oil=(-tables examples/data/oil-ticks.csv -table NYMEX_CL)
+shares=JPX_TOPIX500
+averages=$build/wti-averages.csv
 snapped=$build/wti-snapped.csv
 nxtick=$build/tools/nxtick/nxtick
 
@@ -33,26 +35,34 @@ if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNXCORE_BUILD
     exit 1
 fi
 
-heading "A tick table: how large one price step is depends on the price"
-show -table $table
+heading "What oil trades in: the tick of the futures on a barrel, from a file with its source"
+show "${oil[@]}"
 
-heading "The daily price of a barrel of oil since 1986, every price snapped to that table"
-show -table $table -csv $prices -column Price -out $snapped
+heading "Is every daily price since 1986 one that an order could have? What is off the grid would be moved"
+show "${oil[@]}" -csv $prices -column Price -out "$build/wti-prices.csv"
 
-heading "The first rows: the price, its tick, the price on the grid, the distance, the grid below and above"
+# A mean of five prices has a tenth of a cent, which no order may have.
+awk -F, 'NR == 1 {print "Date,Price,Average"; next}
+    {sum += $2 - last[NR % 5]; last[NR % 5] = $2; if (NR > 5) printf "%s,%s,%.3f\n", $1, $2, sum / 5}' $prices >"$averages"
+heading "The average of five days is no price of an order. Snapped, it is one"
+show "${oil[@]}" -csv "$averages" -column Average -out "$snapped"
+
+heading "The first rows: the average, its tick, the price on the grid, the distance, the grid below and above"
 head -n 6 "$snapped" | rows
 
 heading "April 2020, when a barrel cost less than nothing"
 { head -n 1 "$snapped"; grep -B 3 -A 3 '^2020-04-20' "$snapped"; } | rows
 
-heading "A price ladder where the tick changes"
-show -table $table -price 249.75 -ladder 3
+heading "Where the tick depends on the price: shares in Tokyo, one of the tables of today"
+show -table $shares
 
-last=$(tail -n 1 "$prices" | cut -d, -f2)
-heading "A ladder around the last price, $last"
-show -table $table -price "$last" -ladder 5
+heading "A price ladder where that tick changes"
+show -table $shares -price 3001 -ladder 3
 
-"$nxtick" -table $table -chart "$build/tick-sizes.svg"
+heading "The same for a program"
+show -table $shares -price 3001 -ladder 1 -format json
+
+"$nxtick" -quiet -table $shares -chart "$build/tick-sizes.svg"
 heading "Next"
-printf '  %-36s %s\n' "$snapped" "the rows, all of them" "$build/tick-sizes.svg" "the table as a picture" \
-    "$nxtick -help" "what else it can do" "examples/" "programs to copy from"
+printf '  %-36s %s\n' "$snapped" "the rows, all of them" "$build/tick-sizes.svg" "the shares' table as a picture" \
+    "$nxtick -list" "the other tables, with sources" "$nxtick -help" "what else it can do" "examples/" "programs to copy from"

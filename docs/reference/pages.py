@@ -99,13 +99,13 @@ def guide():
 
 def constants():
     return contents("Constants", "constants", "Every name that the library defines as data. The search finds each of them.",
-                    ["error_codes", "enumerations", "bit_masks", "configuration_keys", "page_tick_tables"])
+                    ["error_codes", "enumerations", "bit_masks", "configuration_keys", "page_tick_tables", "page_tick_tables_today"])
 
 
 def project():
     documents = lists.linked_documents(ROOT, "docs") + lists.linked_documents(ROOT, "")
     return contents("Project", "project", "How the library is built, measured and maintained.",
-                    [lists.page_label(path) for path in documents if not path.endswith("/tick-tables.md")])
+                    [lists.page_label(path) for path in documents if not path.endswith(("/tick-tables.md", "/tick-tables-today.md"))])
 
 
 def main():

@@ -8,4 +8,5 @@ rm -rf "$scratch" && mkdir -p "$scratch"
 cmake --install "$build" --prefix "$scratch/installed" >"$scratch/install.log"
 grep -qx "prefix=$scratch/installed" "$scratch/installed/$libdir/pkgconfig/nxcore.pc"
 mv "$scratch/installed" "$scratch/moved"  # CMake finds it there by itself, pkg-config is told
+if [ -x "$scratch/moved/bin/nxtick" ]; then "$scratch/moved/bin/nxtick" -list -venue XTKS >/dev/null; fi  # finds its data
 bash "$(dirname "$0")/consume.sh" "$way" "$scratch/moved" "$source" "$scratch/consumer" "$libdir" "$cxx"
