@@ -88,7 +88,8 @@ const TableEntry& TickTables::Find(const std::string& nameOrID) const
         known.insert(entry.id);
     const std::string suggestion = Suggestion(id, known);
     throw Failure("there is no tick table " + Quoted(nameOrID) +
-                  (suggestion.empty() ? "; nxtick -list shows all" : suggestion));
+                  (suggestion.empty() ? "; nxtick -list shows all" : suggestion) +
+                  (_today.IsEmpty() ? " (the tables of today are not installed)" : ""));
 }
 
 TableGrid::TableGrid(const nxVariableTickTable& table) : PriceGrid(table.GetRangeData()), _cursor(table) {}

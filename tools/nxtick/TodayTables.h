@@ -20,6 +20,8 @@ public:
     /// @throws Failure naming the file, when one cannot be read or the two do not fit.
     explicit TodayTables(const std::string& fileName);
 
+    bool IsEmpty() const { return _tables.empty(); }
+
     /// @param today the day with which the days of expiry are compared, as YYYY-MM-DD.
     /// @return one entry for each table, in the files' order. They refer to this object's tables.
     std::vector<TableEntry> GetEntries(const std::string& today) const;
