@@ -207,7 +207,7 @@ Value ReadWord(const Word<Value> (&words)[count], const std::string& what, const
     throw Failure("unknown " + what + " " + Quoted(text) + (suggestion.empty() ? "; there are " + all : suggestion));
 }
 
-std::string ReadDay(const std::string& text)
+std::string ReadToday(const std::string& text)
 {
     if (!IsDay(text))
         throw Failure("-today " + Quoted(text) + " is not a day, such as 2026-11-22");
@@ -247,7 +247,7 @@ void CheckTogether(const Options& options, const Choice& choice)
 void ReadTableOptions(const Options& options, Request& request)
 {
     request.todayFile = Value(options, "tables-today");
-    request.today = Has(options, "today") ? ReadDay(Value(options, "today")) : Today();
+    request.today = Has(options, "today") ? ReadToday(Value(options, "today")) : Today();
     request.isQuiet = Has(options, "quiet");
     request.venue = Value(options, "venue");
     if (Has(options, "status"))

@@ -2,13 +2,13 @@
 #include "TickTables.h"
 
 #include <algorithm>
-#include <set>
 
 #include "Failure.h"
 #include "Terminal.h"
 #include "Text.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/price/nxVariableTickTableContainer.h"
+#include "core/thread/nxMutexGuard.h"
 
 namespace nxtick
 {
@@ -65,6 +65,9 @@ void TickTables::_AddCustom(const std::string& fileName)
 
 void TickTables::_Warn(const TableEntry& entry) const
 {
+    const nxMutexGuard guard(_toldMutex);
+    if (!_told.insert(&entry).second)
+        return;
     if (!entry.gridWarning.empty())
         WriteError("nxtick: " + nxPrintableText::GetEscaped(entry.facts.source) + ": " + entry.gridWarning + "\n");
     if (const std::string doubt = GetDoubt(entry.facts); !doubt.empty())

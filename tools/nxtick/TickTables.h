@@ -3,6 +3,7 @@
 #define NXTICK_TICKTABLES_H
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@
 #include "TodayTables.h"
 #include "core/price/nxCustomVariableTickTable.h"
 #include "core/price/nxTickTableCursor.h"
+#include "core/thread/nxMutex.h"
+#include "core/thread/nxThreadAnnotations.h"
 
 namespace nxtick
 {
@@ -26,7 +29,8 @@ public:
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
     /// Writes to standard error what the user should know before using the table, if anything: the bound that leaves the
-    /// grid, an assumed table, an expired one. Quiet requests leave it out.
+    /// grid, an assumed table, an expired one. It does so the first time for each table, and not at all for quiet requests.
+    /// Several threads may call it.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 
@@ -35,6 +39,8 @@ private:
     void _Warn(const TableEntry& entry) const;
 
     bool _isQuiet;
+    mutable nxMutex _toldMutex;
+    mutable std::set<const TableEntry*> _told NX_GUARDED_BY(_toldMutex);
     TodayTables _today;
     nxCustomVariableTickTable::Tables _custom;
     std::vector<TableEntry> _entries;
