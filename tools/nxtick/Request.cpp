@@ -11,6 +11,7 @@
 #include "Failure.h"
 #include "PriceGrid.h"
 #include "Text.h"
+#include "Words.h"
 #include "core/nxVersion.h"
 
 namespace nxtick
@@ -69,14 +70,6 @@ constexpr OptionRule rules[] = {
     {"column", true, never | Action::Snap, never | Action::Snap, "the column that holds the prices"},
     {"out", true, never | Action::Snap},
     {"method", true, never | Action::Snap},
-};
-
-// A word that an option takes, and what it means.
-template <class Value>
-struct Word
-{
-    std::string_view word;
-    Value value;
 };
 
 constexpr Word<nxEnumValue> methods[] = {
@@ -188,23 +181,6 @@ int ReadCount(const Options& options, const char* name, int least, int most)
         return static_cast<int>(number.GetValue());
     throw Failure(Dashed(name) + " " + Quoted(text) + " is not a whole number from " + std::to_string(least) + " to " +
                   std::to_string(most));
-}
-
-// @param what the option's name in a sentence.
-template <class Value, std::size_t count>
-Value ReadWord(const Word<Value> (&words)[count], const std::string& what, const std::string& text)
-{
-    std::set<std::string> known;
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (words[i].word == text)
-            return words[i].value;
-        known.insert(std::string(words[i].word));
-        (all += i == 0 ? "" : i + 1 == count ? " and " : ", ") += words[i].word;
-    }
-    const std::string suggestion = Suggestion(text, known);
-    throw Failure("unknown " + what + " " + Quoted(text) + (suggestion.empty() ? "; there are " + all : suggestion));
 }
 
 std::string ReadToday(const std::string& text)
