@@ -27,7 +27,6 @@ struct Request
         Snap     ///< a column of prices
     };
 
-    /// Of lists, tables, explanations and ladders.
     enum class Format
     {
         Text,
@@ -37,12 +36,12 @@ struct Request
 
     Action action = Action::Help;
     Format format = Format::Text;
+    bool isQuiet = false;    ///< Failures alone are told.
     std::string table;       ///< Empty: the fixed increment.
     nxDecimal increment;     ///< Positive where there is no table.
     std::string tablesFile;  ///< Tables of the user's own; empty: none.
     std::string todayFile;   ///< The tables of today; empty: those that are installed.
     std::string today;       ///< YYYY-MM-DD, with which the days of expiry are compared.
-    bool isQuiet = false;    ///< No warnings of tables.
     std::string filter;
     std::string status;
     std::string venue;
