@@ -24,7 +24,7 @@ struct Request
         Price,   ///< what a grid says at one price
         Ladder,  ///< the prices around one
         Chart,   ///< tick size over price, as a picture
-        Snap     ///< a column of prices
+        Snap     ///< columns of prices in CSV files
     };
 
     enum class Format
