@@ -2,12 +2,14 @@
 #include "TickTables.h"
 
 #include <algorithm>
+#include <set>
 
 #include "Failure.h"
 #include "Terminal.h"
 #include "Text.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/price/nxVariableTickTableContainer.h"
+#include "core/thread/nxMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
 namespace nxtick
@@ -29,6 +31,16 @@ std::vector<TableEntry> CatalogueEntries()
             entries.push_back({id, table, facts, ""});
     }
     return entries;
+}
+
+// Writes a line to standard error the first time. Several workers may find the same table.
+void TellOnce(const std::string& text)
+{
+    static nxMutex mutex;
+    static std::set<std::string> told;
+    const nxMutexGuard guard(mutex);
+    if (told.insert(text).second)
+        WriteError("nxtick: " + text + "\n");
 }
 }  // namespace
 
@@ -63,15 +75,12 @@ void TickTables::_AddCustom(const std::string& fileName)
         _entries.push_back({table->GetID(), table.get(), facts, table->GetGridWarning()});
 }
 
-void TickTables::_Warn(const TableEntry& entry) const
+void TickTables::_Warn(const TableEntry& entry)
 {
-    const nxMutexGuard guard(_toldMutex);
-    if (!_told.insert(&entry).second)
-        return;
     if (!entry.gridWarning.empty())
-        WriteError("nxtick: " + nxPrintableText::GetEscaped(entry.facts.source) + ": " + entry.gridWarning + "\n");
+        TellOnce(nxPrintableText::GetEscaped(entry.facts.source) + ": " + entry.gridWarning);
     if (const std::string doubt = GetDoubt(entry.facts); !doubt.empty())
-        WriteError("nxtick: " + entry.id + ": " + nxPrintableText::GetEscaped(doubt) + "\n");
+        TellOnce(entry.id + ": " + nxPrintableText::GetEscaped(doubt));
 }
 
 const TableEntry& TickTables::Find(const std::string& nameOrID) const

@@ -3,7 +3,6 @@
 #define NXTICK_TICKTABLES_H
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -13,8 +12,6 @@
 #include "TodayTables.h"
 #include "core/price/nxCustomVariableTickTable.h"
 #include "core/price/nxTickTableCursor.h"
-#include "core/thread/nxMutex.h"
-#include "core/thread/nxThreadAnnotations.h"
 
 namespace nxtick
 {
@@ -29,18 +26,16 @@ public:
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
     /// Writes to standard error what the user should know before using the table, if anything: the bound that leaves the
-    /// grid, an assumed table, an expired one. It does so the first time for each table, and not at all for quiet requests.
-    /// Several threads may call it.
+    /// grid, an assumed table, an expired one. The whole run says it once, and quiet requests say nothing. Several threads
+    /// may call it.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 
 private:
     void _AddCustom(const std::string& fileName);
-    void _Warn(const TableEntry& entry) const;
+    static void _Warn(const TableEntry& entry);
 
     bool _isQuiet;
-    mutable nxMutex _toldMutex;
-    mutable std::set<const TableEntry*> _told NX_GUARDED_BY(_toldMutex);
     TodayTables _today;
     nxCustomVariableTickTable::Tables _custom;
     std::vector<TableEntry> _entries;
