@@ -16,7 +16,7 @@ class TodayTables
 {
 public:
     /// @param fileName of the bands; the sources' file has "-sources" before the ending ".csv". Empty: the files that are
-    ///        installed with this program, where there are none there are no tables.
+    ///        installed with this program; without them there are no tables.
     /// @throws Failure naming the file, when one cannot be read or the two do not fit.
     explicit TodayTables(const std::string& fileName);
 
