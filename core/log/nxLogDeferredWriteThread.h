@@ -7,8 +7,10 @@
 /// The one thread that the library starts: it takes queued records and writes them to the devices.
 ///
 /// It starts with the first device or record. Applications do not control it; see nxLogManager. While records come it
-/// looks every one or two milliseconds, otherwise ten times a second; a warning, a large ring that is a quarter full, or a
-/// thread that waits makes it look at once. It blocks all signals but those of faults and profilers. Its stack, on which
+/// looks every one or two milliseconds. After a tenth of a second without any it sleeps until the next record, whose thread
+/// calls it, and wakes once a second to look after its devices. Where the system has no membarrier(), and in a process
+/// with modules that were built with version 1.0, it looks ten times a second instead. A warning, a large ring that is a
+/// quarter full, or a thread that waits makes it look at once. It blocks all signals but those of faults and profilers. Its stack, on which
 /// it calls the devices, has 256 KiB.
 class nxLogDeferredWriteThread final : public nxThread
 {

@@ -20,6 +20,7 @@
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogSettings.h"
 #include "core/platform/nxNanoseconds.h"
+#include "core/platform/nxProcessBarrier.h"
 #include "core/platform/nxServiceThread.h"
 
 namespace
@@ -49,6 +50,8 @@ nxLogManager& nxLogManager::GetInstance() noexcept
 nxLogManager::nxLogManager() noexcept
 {
     nxServiceThread::RememberProcessors();
+    // Here the process has one thread as a rule, and then this costs nothing. What comes of it is seen later.
+    static_cast<void>(nxProcessBarrier::Prepare());
     try
     {
         Apply(nxLogSettings::Read());
@@ -194,6 +197,7 @@ std::uint64_t nxLogManager::GetMaximumQueueBytes() const noexcept
 void nxLogManager::SetTimeBetweenFlushes(double seconds) noexcept
 {
     nxLogWriter::GetInstance().SetFlushInterval(seconds);
+    nxLogBell::Ring();  // the deferred-write thread may sleep until the end of the old interval
 }
 
 void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned realTimePriority) noexcept

@@ -45,15 +45,15 @@ public:
     {
         nxLogChannel* const channel = _current;
         if (channel == nullptr) [[unlikely]]
-            return _OpenFirst(source);
+            return _BeginFirst(source);
         _current = channel->_nested;
         // A signal handler that logs here finds the nested channel, or has finished with this one.
         std::atomic_signal_fence(std::memory_order_seq_cst);
         char* const begin = channel->_head.load(std::memory_order_relaxed);
-        if (channel->_limit - begin < static_cast<std::ptrdiff_t>(MinimumRoom)) [[unlikely]]
-            return _OpenSlowly(channel, source);
+        if (channel->_roomEnd - begin < static_cast<std::ptrdiff_t>(MinimumRoom)) [[unlikely]]
+            return _BeginSlowly(channel, source);
         _WriteHeader(begin, source);
-        return {channel, begin + sizeof(nxLogRecordHeader), channel->_limit, nullptr};
+        return {channel, begin + sizeof(nxLogRecordHeader), channel->_roomEnd, nullptr};
     }
 
     /// Publishes the record and gives the channel back. May wait for room when the record did not fit, and waits for a
@@ -72,8 +72,12 @@ public:
                                    static_cast<std::uint64_t>(level & 0xFF) << 48;
         std::memcpy(begin, &word, sizeof word);
         channel->_head.store(begin + ((size + 7) & ~std::uint64_t{7}), std::memory_order_release);
+        // Keeps the compiler from reading the flag first. The processor is kept from it by nxLogIdleSleep, which alone
+        // pays for a barrier.
         std::atomic_signal_fence(std::memory_order_seq_cst);
         _current = channel;
+        if (channel->_isCallWanted.load(std::memory_order_relaxed)) [[unlikely]]
+            _CallWriter(channel);
         if (level >= NX_LOG_LEVEL_WARNING)
             Urge(level);
     }
@@ -111,6 +115,11 @@ protected:
                                                               std::size_t bytes) noexcept;
     [[gnu::cold, gnu::noinline]] static void _CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill,
                                                           nxEnumValue level) noexcept;
+    [[gnu::cold, gnu::noinline]] static nxLogRoom _BeginFirst(const nxLogSource* source) noexcept;
+    [[gnu::cold, gnu::noinline]] static nxLogRoom _BeginSlowly(nxLogChannel* channel,
+                                                               const nxLogSource* source) noexcept;
+    [[gnu::cold, gnu::noinline]] static void _CallWriter(nxLogChannel* channel) noexcept;
+    // The same two for statements that were compiled with version 1.0: they do not look at _isCallWanted.
     [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenFirst(const nxLogSource* source) noexcept;
     [[gnu::cold, gnu::noinline]] static nxLogRoom _OpenSlowly(nxLogChannel* channel,
                                                               const nxLogSource* source) noexcept;
@@ -121,13 +130,16 @@ protected:
     // taken. Initial-exec: read without a call, from any module that the code is inlined into.
     static constinit thread_local nxLogChannel* _current __attribute__((tls_model("initial-exec")));
 
-    // Written by the filling thread only.
+    // Written by the filling thread only, but for _isCallWanted.
     std::atomic<char*> _head{nullptr};              // where the next record will begin; all before it is published
-    char* _limit = nullptr;                         // up to where it may write without looking
+    char* _limit = nullptr;                         // _roomEnd for statements of version 1.0; null before the first one
     nxLogChannel* _nested = nullptr;                // the one that serves the thread while this one is taken
     const volatile unsigned* _processor = nullptr;  // the number of the processor the thread runs on
     nxLogSegment* _segment = nullptr;               // where the head is
     std::atomic<bool> _ended{false};                // the thread has ended: nothing will follow
+    // Whether the emptying thread sleeps until it is called. Set by that thread, cleared by both.
+    std::atomic<bool> _isCallWanted{false};
+    char* _roomEnd = nullptr;  // up to where the filling thread may write without looking
 
     // Written by the emptying thread only, while there are records. What it reads for each of them must be here:
     // reading the cache line above would take it from the filling thread every time.

@@ -16,6 +16,7 @@ constinit thread_local bool isCallerInsideDevice = false;
 
 constinit std::atomic<nxLogBell::State> nxLogBell::_state{State::Stopped};
 constinit std::atomic<std::uint32_t> nxLogBell::_word{writerAwake};
+constinit std::atomic<bool> nxLogBell::_mustKeepLooking{false};
 
 nxLogBell::State nxLogBell::ChangeState(State from, State to) noexcept
 {
@@ -37,6 +38,12 @@ void nxLogBell::Sleep(std::int64_t nanoseconds) noexcept
         nxWaitWord::Wait(_word, writerAsleep, nanoseconds);
     // Not a plain store, which could reach memory after the exchange of a caller and so overwrite a call.
     _word.exchange(writerAwake, std::memory_order_acq_rel);
+}
+
+void nxLogBell::KeepLooking() noexcept
+{
+    if (!MustKeepLooking() && !_mustKeepLooking.exchange(true, std::memory_order_relaxed))
+        Ring();  // the thread may be about to sleep longer; the exchange in Ring() orders the flag before its next look
 }
 
 bool nxLogBell::IsCallerWriter() noexcept { return isCallerWriter; }

@@ -38,6 +38,10 @@ public:
 
     /// Makes the deferred-write thread look at the queue at once.
     static void Ring() noexcept;
+    /// From now on the deferred-write thread looks at the queue every nxLogLimits::LookInterval at least: there are
+    /// statements in the process that do not call it.
+    static void KeepLooking() noexcept;
+    static bool MustKeepLooking() noexcept { return _mustKeepLooking.load(std::memory_order_relaxed); }
     /// Returns when the bell rings or has rung since the last call, after @p nanoseconds, or for no reason. Called by
     /// the deferred-write thread.
     static void Sleep(std::int64_t nanoseconds) noexcept;
@@ -68,7 +72,8 @@ public:
 
 private:
     static constinit std::atomic<State> _state;
-    static constinit std::atomic<std::uint32_t> _word;  // the deferred-write thread sleeps on it
+    static constinit std::atomic<std::uint32_t> _word;    // the deferred-write thread sleeps on it
+    static constinit std::atomic<bool> _mustKeepLooking;  // never cleared; a new value is followed by Ring()
 };
 
 #endif

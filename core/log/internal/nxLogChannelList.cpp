@@ -60,6 +60,7 @@ nxLogRing* nxLogChannelList::_MakeRing() noexcept
         return nullptr;
     }
     auto* const ring = ::new (memory) nxLogRing(*segment);
+    ring->WantCall(_areCallsWanted);
     ring->_next = _rings;
     _rings = ring;
     return ring;
@@ -108,6 +109,14 @@ bool nxLogChannelList::IsEmpty() noexcept
     return true;
 }
 
+void nxLogChannelList::WantCalls(bool areWanted) noexcept
+{
+    const nxMutexGuard guard(_mutex);
+    _areCallsWanted = areWanted;
+    for (nxLogRing* ring = _rings; ring != nullptr; ring = ring->_next)
+        ring->WantCall(areWanted);
+}
+
 std::uint64_t nxLogChannelList::DropWaiting(std::uint64_t inHand) noexcept
 {
     std::uint64_t waiting = 0;
@@ -122,6 +131,7 @@ std::uint64_t nxLogChannelList::DropWaiting(std::uint64_t inHand) noexcept
 std::size_t nxLogChannelList::AfterForkInChild() noexcept
 {
     nxForkMutex::Renew(_mutex);
+    _areCallsWanted = false;
     // Rings of the parent's other threads are abandoned: their contents may be half written. They are kept in a list,
     // for leak checkers.
     [[gnu::used]] static nxLogRing* abandoned;

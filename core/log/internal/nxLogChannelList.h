@@ -36,6 +36,9 @@ public:
 
     /// Whether no ring holds a record.
     bool IsEmpty() noexcept;
+    /// Whether threads are to call the deferred-write thread after they have published a record: those that have a ring,
+    /// and those that get one later.
+    void WantCalls(bool areWanted) noexcept;
     /// Calls @p visit with a view of every record that waits. The order is kept within each thread. What @p visit
     /// throws comes through.
     template <class Visitor>
@@ -56,6 +59,7 @@ private:
     nxMutex _mutex;
     nxLogRing* _rings NX_GUARDED_BY(_mutex) = nullptr;
     nxLogRing* _unusedRings NX_GUARDED_BY(_mutex) = nullptr;  // of threads that have ended
+    bool _areCallsWanted NX_GUARDED_BY(_mutex) = false;
 };
 
 template <class Visitor>

@@ -175,7 +175,7 @@ void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::s
 // Once a second: has the file been removed, can it be written again?
 void nxLogFile::Maintain(std::int64_t now)
 {
-    if (!_isCreated || now < _nextCheck)
+    if (!_isCreated || now + nxLogLimits::UpkeepSlack < _nextCheck)
         return;
     _nextCheck = now + nxLogLimits::MaintenanceInterval;
     _mayOpen = true;

@@ -48,9 +48,12 @@ struct nxLogLimits
     /// How long a fork waits for all devices together.
     static constexpr std::int64_t DevicesAtFork = nxNanoseconds::PerSecond;
 
-    /// nxLogDeferredWriteThread: how long it sleeps between two looks at the queue, while records come and otherwise.
+    /// nxLogDeferredWriteThread: how long it sleeps between two looks at the queue while records come.
     static constexpr std::int64_t BusySleep = 3 * nxNanoseconds::PerMillisecond / 2;
-    static constexpr std::int64_t IdleSleep = 100 * nxNanoseconds::PerMillisecond;
+    /// The same while none come, where threads that report cannot call it.
+    static constexpr std::int64_t LookInterval = 100 * nxNanoseconds::PerMillisecond;
+    /// What is done once a second may be done this much early, so that one wake-up serves all of it.
+    static constexpr std::int64_t UpkeepSlack = 100 * nxNanoseconds::PerMillisecond;
     /// How long after a failure the deferred-write thread is started again.
     static constexpr std::int64_t RestartInterval = nxNanoseconds::PerSecond;
     /// nxLogManager: how often the deferred-write thread looks whether it is the last thread of the process.

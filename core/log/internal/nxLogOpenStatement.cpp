@@ -90,18 +90,40 @@ void QueueSpill(nxLogRing& ring, nxLogSpill* spill, const char* end, nxEnumValue
 }
 }  // namespace
 
-nxLogRoom nxLogChannel::_OpenFirst(const nxLogSource* source) noexcept
+nxLogRoom nxLogChannel::_BeginFirst(const nxLogSource* source) noexcept
 {
     nxLogBell::EnsureRunning();
     nxLogRing* const ring = nxLogChannelList::GetInstance().Attach();
     return ring != nullptr ? OpenRecord(*ring, source) : nxLogRoom{nullptr, nullptr, nullptr, nullptr};
 }
 
-nxLogRoom nxLogChannel::_OpenSlowly(nxLogChannel* channel, const nxLogSource* source) noexcept
+nxLogRoom nxLogChannel::_BeginSlowly(nxLogChannel* channel, const nxLogSource* source) noexcept
 {
     nxLogBell::EnsureRunning();
     return OpenRecord(static_cast<nxLogRing&>(*channel), source);
 }
+
+// Statements of version 1.0 come here with the first record of each ring, because its _limit is null until then. They
+// call nobody after they have published it, so the deferred-write thread must go on looking.
+
+nxLogRoom nxLogChannel::_OpenFirst(const nxLogSource* source) noexcept
+{
+    nxLogBell::KeepLooking();
+    const nxLogRoom room = _BeginFirst(source);
+    if (room.channel != nullptr)
+        static_cast<nxLogRing*>(room.channel)->ServeFirstVersion();
+    return room;
+}
+
+nxLogRoom nxLogChannel::_OpenSlowly(nxLogChannel* channel, const nxLogSource* source) noexcept
+{
+    nxLogBell::KeepLooking();
+    const nxLogRoom room = _BeginSlowly(channel, source);
+    static_cast<nxLogRing*>(channel)->ServeFirstVersion();
+    return room;
+}
+
+void nxLogChannel::_CallWriter(nxLogChannel* channel) noexcept { static_cast<nxLogRing*>(channel)->CallWriter(); }
 
 nxLogRoom nxLogChannel::_GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill, std::size_t bytes) noexcept
 {

@@ -16,7 +16,7 @@ constexpr std::ptrdiff_t headToTailGap = 24;
 nxLogRing::nxLogRing(nxLogSegment& segment) noexcept
 {
     _head.store(segment.begin, std::memory_order_relaxed);
-    _limit = segment.begin;
+    _roomEnd = segment.begin;
     _processor = nxThisThread::GetProcessorWord();
     _segment = &segment;
     _threadIndex = nxThreadIndex::GetIndexOfCurrentThread();
@@ -84,7 +84,7 @@ bool nxLogRing::_LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, b
     // The limit stops at every quarter, so that the writer is woken in time.
     const std::size_t most = mayOverflow ? capacity : std::max(bytes, quarter);
     const std::size_t room = std::min(nxLogRecordBytes::Count(head, _GetFreeEnd(head, tail)), most);
-    _limit = head + room;
+    _SetLimit(head + room);
     return room >= bytes;
 }
 
@@ -105,7 +105,7 @@ bool nxLogRing::AppendSegment(nxLogRingMemory& memory) noexcept
         return false;
     nxLogRecordBytes::WriteJump(GetHead(), segment->begin);
     _segment = segment;
-    _limit = segment->begin;
+    _SetLimit(segment->begin);
     _MoveHead(segment->begin);
     return true;
 }
@@ -113,13 +113,21 @@ bool nxLogRing::AppendSegment(nxLogRingMemory& memory) noexcept
 void nxLogRing::CloseFastPathIfStopped() noexcept
 {
     if (!nxLogBell::IsRunning())
-        _limit = GetHead();
+        _SetLimit(GetHead());
+}
+
+void nxLogRing::CallWriter() noexcept
+{
+    // A late clearing does no harm: the bell rings after it, and the emptying thread sets the flag again before it sleeps.
+    _isCallWanted.store(false, std::memory_order_relaxed);
+    nxLogBell::Ring();
 }
 
 void nxLogRing::ForgetWaiting() noexcept
 {
+    _isCallWanted.store(false, std::memory_order_relaxed);
     char* const head = GetHead();
-    _limit = head;
+    _SetLimit(head);
     _tail.store(head, std::memory_order_relaxed);
     _read = _seen = head;
     _readSegment = _segment;

@@ -43,7 +43,7 @@ public:
     void SetNested(nxLogRing* nested) noexcept { _nested = nested; }
 
     char* GetHead() const noexcept { return _head.load(std::memory_order_relaxed); }
-    char* GetLimit() const noexcept { return _limit; }
+    char* GetLimit() const noexcept { return _roomEnd; }
     unsigned GetProcessor() const noexcept { return *_processor; }
     std::size_t GetCapacity() const noexcept { return _segment->capacity; }
     using nxLogChannel::_WriteHeader;
@@ -60,8 +60,19 @@ public:
     bool FindRoom(nxLogRingMemory& memory, std::size_t bytes, std::size_t preferred) noexcept;
     /// Continues in a new, large segment.
     bool AppendSegment(nxLogRingMemory& memory) noexcept;
-    /// Publishes a record of @p size bytes, not rounded, that begins at the head.
-    void Publish(std::size_t size) noexcept { _MoveHead(GetHead() + nxLogRecordBytes::RoundUp(size)); }
+    /// Publishes a record of @p size bytes, not rounded, that begins at the head, and calls the emptying thread if that
+    /// sleeps until it is called.
+    void Publish(std::size_t size) noexcept
+    {
+        _MoveHead(GetHead() + nxLogRecordBytes::RoundUp(size));
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        if (_isCallWanted.load(std::memory_order_relaxed))
+            CallWriter();
+    }
+    /// Calls the emptying thread, once for each time that it wants calls.
+    void CallWriter() noexcept;
+    /// From now on the ring has room for statements of version 1.0 without a look, too.
+    void ServeFirstVersion() noexcept { _limit = _roomEnd; }
     /// While the writer does not run, closes the fast path: the next statement then comes by _OpenSlowly(), which tries
     /// to start it.
     void CloseFastPathIfStopped() noexcept;
@@ -108,6 +119,13 @@ public:
         _finished = _read == _seen;
         return !_finished;
     }
+    /// Whether the filling thread is to call the emptying thread after it has published a record. Does not write to the
+    /// filling thread's cache line when nothing changes.
+    void WantCall(bool isWanted) noexcept
+    {
+        if (_isCallWanted.load(std::memory_order_relaxed) != isWanted)
+            _isCallWanted.store(isWanted, std::memory_order_relaxed);
+    }
     using nxLogChannel::_finished;
     using nxLogChannel::_next;
     using nxLogChannel::_nextInRound;
@@ -131,6 +149,12 @@ private:
         char* const head = _head.load(std::memory_order_acquire);
         nxThreadSanitizer::Acquire(&_head);
         return head;
+    }
+    void _SetLimit(char* limit) noexcept
+    {
+        _roomEnd = limit;
+        if (_limit != nullptr)
+            _limit = limit;
     }
     bool _LookForRoom(const nxLogRingMemory& memory, std::size_t bytes, bool mayMove) noexcept;
     bool _HasRoomAtStart(const char* head, const char* tail, std::size_t bytes) const noexcept;

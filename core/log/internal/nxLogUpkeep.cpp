@@ -44,6 +44,16 @@ void nxLogUpkeep::AfterRound(bool hasWritten, bool flushNow) noexcept
     _ReportLosses();
 }
 
+std::int64_t nxLogUpkeep::GetTimeUntilDue() const noexcept
+{
+    std::int64_t due = _state.nextMaintenance;
+    if (_state.isUnflushed)
+        due = std::min(due, _state.lastFlush + _flushInterval.load(std::memory_order_relaxed));
+    if (_GetUntoldDrops() != 0 || _GetUntoldWaits() != 0)
+        due = std::min(due, _state.lastReport + nxLogLimits::LossReportInterval);
+    return due - nxClock::MonotonicNanoseconds();
+}
+
 void nxLogUpkeep::FlushDevices(Devices devices) noexcept
 {
     const std::shared_ptr<const nxLogDeviceList::Entries> entries = nxLogDeviceList::GetInstance().Get();
@@ -85,11 +95,18 @@ void nxLogUpkeep::_MaintainWhereDue() noexcept
             entry->Call([sink](nxLogDevice&) { sink->Maintain(); });
 }
 
+std::uint64_t nxLogUpkeep::_GetUntoldDrops() const noexcept
+{
+    return nxLogCounters::GetDropped() - _state.reportedDrops;
+}
+
+std::uint64_t nxLogUpkeep::_GetUntoldWaits() const noexcept { return nxLogCounters::GetWaits() - _state.reportedWaits; }
+
 // Tells in the log what the log has lost and how many callers had to wait, in one record for LossReportInterval.
 void nxLogUpkeep::_ReportLosses() noexcept
 {
-    const std::uint64_t drops = nxLogCounters::GetDropped() - _state.reportedDrops;
-    const std::uint64_t waits = nxLogCounters::GetWaits() - _state.reportedWaits;
+    const std::uint64_t drops = _GetUntoldDrops();
+    const std::uint64_t waits = _GetUntoldWaits();
     if (drops == 0 && waits == 0)
         return;
     const std::int64_t now = nxClock::MonotonicNanoseconds();

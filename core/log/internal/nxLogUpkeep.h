@@ -23,6 +23,9 @@ public:
     /// @param hasWritten whether a device was given a record. @param flushNow whether the flush is due in any case.
     void AfterRound(bool hasWritten, bool flushNow) noexcept;
 
+    /// Nanoseconds until something of AfterRound() is due although no record comes; 0 or less means now.
+    std::int64_t GetTimeUntilDue() const noexcept;
+
     /// Which devices FlushDevices() flushes.
     enum class Devices
     {
@@ -48,6 +51,8 @@ private:
     void _FlushWhereDue(bool now) noexcept;
     void _MaintainWhereDue() noexcept;
     void _ReportLosses() noexcept;
+    std::uint64_t _GetUntoldDrops() const noexcept;
+    std::uint64_t _GetUntoldWaits() const noexcept;
 
     State _state;
     std::atomic<std::int64_t> _flushInterval{nxLogLimits::FlushInterval};

@@ -41,10 +41,11 @@ nxLogWriter& nxLogWriter::GetInstance() noexcept
     return writer;
 }
 
-bool nxLogWriter::RunRound() noexcept
+nxLogWriter::Look nxLogWriter::RunRound() noexcept
 {
     const nxMutexGuard guard(_roundMutex);
-    return _RunRoundAndUpkeep(false);
+    const bool hasFound = _RunRoundAndUpkeep(false);
+    return {hasFound, _upkeep.GetTimeUntilDue()};
 }
 
 // Takes everything that is in the queue when the mutex is locked. A record that was queued while another thread was in a

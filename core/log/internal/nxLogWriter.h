@@ -28,8 +28,14 @@ class nxLogWriter
 public:
     static nxLogWriter& GetInstance() noexcept;
 
-    /// Does a round in the deferred-write thread. @return whether there was a record.
-    bool RunRound() noexcept;
+    /// What the deferred-write thread knows after a round.
+    struct Look
+    {
+        bool hasFound;             ///< There was a record.
+        std::int64_t untilUpkeep;  ///< Nanoseconds until the next round is due although no record comes.
+    };
+    /// Does a round in the deferred-write thread.
+    Look RunRound() noexcept;
     /// See nxLogBell.
     void RunRoundHere(std::int64_t limit) noexcept;
 

@@ -6,7 +6,9 @@
 #include <new>
 
 #include "core/log/internal/nxLogBell.h"
+#include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogExit.h"
+#include "core/log/internal/nxLogIdleSleep.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogUpkeep.h"
@@ -129,22 +131,29 @@ void nxLogWriterThread::Run() noexcept
 {
     nxServiceThread::Become("nxlog");
     nxLogBell::SetCallerWriter(true);
+    nxLogIdleSleep idleSleep(nxLogChannelList::GetInstance());
     unsigned emptyLooks = 0;
     std::int64_t nextLookAround = nxClock::MonotonicNanoseconds() + nxLogLimits::LastThreadInterval;
     while (nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Stopped) != ThreadState::Stopping)
     {
-        emptyLooks = nxLogWriter::GetInstance().RunRound() ? 0 : emptyLooks + 1;
-        const bool busy = emptyLooks < emptyLooksUntilIdle;
+        const nxLogWriter::Look look = nxLogWriter::GetInstance().RunRound();
+        emptyLooks = look.hasFound ? 0 : std::min(emptyLooks + 1, emptyLooksUntilIdle + 1);
+        if (emptyLooks < emptyLooksUntilIdle)
+        {
+            idleSleep.End();
+            nxLogBell::Sleep(nxLogLimits::BusySleep);
+            continue;
+        }
         if (emptyLooks == emptyLooksUntilIdle)
             nxLogRingMemory::GetInstance().Trim();
-        emptyLooks = std::min(emptyLooks, emptyLooksUntilIdle + 1);
-        if (const std::int64_t now = nxClock::MonotonicNanoseconds(); !busy && now >= nextLookAround)
+        if (const std::int64_t now = nxClock::MonotonicNanoseconds(); now + nxLogLimits::UpkeepSlack >= nextLookAround)
         {
             nextLookAround = now + nxLogLimits::LastThreadInterval;
             _EndProcessIfLast();
         }
-        nxLogBell::Sleep(busy ? nxLogLimits::BusySleep : nxLogLimits::IdleSleep);
+        idleSleep.Sleep(look.untilUpkeep);
     }
+    idleSleep.End();
     nxLogBell::SetCallerWriter(false);
 }
 
