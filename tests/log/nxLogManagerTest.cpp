@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/nxLogManager.h"
 
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+
 #include <barrier>
 #include <cmath>
 
@@ -37,7 +40,11 @@ public:
     void Flush() override {}
     void Destroy() override {}
 
-    nxLogLineStyle GetLineStyle() const override { return style; }
+    nxLogLineStyle GetLineStyle() const override
+    {
+        ++looks;
+        return style;
+    }
     void WriteLines(const nxLogLineBatch& batch) override
     {
         std::this_thread::sleep_for(delay);
@@ -56,6 +63,13 @@ public:
     nxEnumValue worstLevel = NX_ENUM_UNDEFINED;
     std::vector<long long> batches;
     std::size_t largest = 0;
+    mutable std::atomic<unsigned> looks{0};  // of the log's thread at the queue
+};
+
+// A statement of version 1.0 begins a thread's first record by this function, and calls nobody when it has ended.
+struct FirstVersion : nxLogChannel
+{
+    using nxLogChannel::_OpenFirst;
 };
 }  // namespace
 
@@ -621,6 +635,33 @@ TEST(nxLogManager, IdleThreadsLeaveTheQueueToTheBusyOnes)
                     }
                     together.arrive_and_wait();
                 });
+}
+
+TEST(nxLogManager, SleepsInAnIdleProcessExceptForStatementsOfTheFirstVersion)
+{
+    if (syscall(SYS_membarrier, MEMBARRIER_CMD_QUERY, 0, 0) < 0)
+        GTEST_SKIP() << "the system has no membarrier()";
+    if (!nxInNewProcess())  // it has statements of the first version afterwards
+        return;
+    LineDevice device({});
+    const auto looksInHalfASecond = [&device]
+    {
+        const unsigned before = device.looks;
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        return device.looks - before;
+    };
+    EXPECT_TRUE(nxEventually([&] { return looksInHalfASecond() <= 2; }));
+    const std::uint64_t written = Manager().GetStatistics().written;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "after silence";
+    EXPECT_TRUE(nxEventually([&] { return Manager().GetStatistics().written == written + 1; }));
+    nxLogSite site("old", 1);
+    nxLogChannel::Close(FirstVersion::_OpenFirst(site.GetSource()), NX_LOG_LEVEL_INFO);
+    EXPECT_TRUE(nxEventually(
+        [&]
+        {
+            const unsigned looks = looksInHalfASecond();
+            return 4 <= looks && looks <= 10;
+        }));
 }
 
 // From the warning level on, by the thread that reports it.

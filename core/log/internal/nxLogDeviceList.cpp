@@ -22,6 +22,15 @@ std::shared_ptr<const nxLogDeviceList::Entries> NoEntries() noexcept
     alignas(Entries) static unsigned char storage[sizeof(Entries)];
     return {std::shared_ptr<void>(), ::new (storage) Entries};
 }
+
+// A weak pointer tells that its object is gone by a relaxed load. The threads that dropped the object did so with a
+// release; the fence pairs with that, so that all they did in the device happened before what follows.
+void AcquireFromLastOwners() noexcept
+{
+#if !defined(__SANITIZE_THREAD__)  // which knows no fences, and is told by nxThreadSanitizer
+    std::atomic_thread_fence(std::memory_order_acquire);
+#endif
+}
 }  // namespace
 
 nxLogDeviceList::nxLogDeviceList() noexcept : _entries(NoEntries()) {}
@@ -51,6 +60,7 @@ bool nxLogDeviceList::Contains(const nxLogDevice* device) noexcept
 std::shared_ptr<nxLogDeviceList::Entries> nxLogDeviceList::_CopyLive()
 {
     std::erase_if(_leaving, [](const auto& each) { return each.expired(); });
+    AcquireFromLastOwners();  // for the threads that find them erased
     _leaving.reserve(_leaving.size() + _entries->size());
     auto live = std::make_shared<Entries>();
     live->reserve(_entries->size());
@@ -138,6 +148,7 @@ void nxLogDeviceList::WaitUntilLeft(const nxLogDevice* device) noexcept
     }
     if (any == nullptr)
     {
+        AcquireFromLastOwners();
         nxThreadSanitizer::Acquire(device);  // the last caller has dropped its reference
         return;
     }
