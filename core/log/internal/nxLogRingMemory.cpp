@@ -213,7 +213,8 @@ void nxLogRingMemory::Trim() noexcept
 {
     const std::size_t kept = std::max(spareSegments, _reservedSegments.load(std::memory_order_relaxed));
     const nxMutexGuard guard(_mutex);
-    while (_freeSegmentCount > kept)
+    const std::size_t left = _freeSegmentCount > kept ? kept + (_freeSegmentCount - kept) / 2 : kept;
+    while (_freeSegmentCount > left)
         _FreeSegment(_PopFreeSegment());
 }
 

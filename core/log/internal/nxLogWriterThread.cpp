@@ -137,18 +137,17 @@ void nxLogWriterThread::Run() noexcept
     while (nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Stopped) != ThreadState::Stopping)
     {
         const nxLogWriter::Look look = nxLogWriter::GetInstance().RunRound();
-        emptyLooks = look.hasFound ? 0 : std::min(emptyLooks + 1, emptyLooksUntilIdle + 1);
+        emptyLooks = look.hasFound ? 0 : std::min(emptyLooks + 1, emptyLooksUntilIdle);
         if (emptyLooks < emptyLooksUntilIdle)
         {
             idleSleep.End();
             nxLogBell::Sleep(nxLogLimits::BusySleep);
             continue;
         }
-        if (emptyLooks == emptyLooksUntilIdle)
-            nxLogRingMemory::GetInstance().Trim();
         if (const std::int64_t now = nxClock::MonotonicNanoseconds(); now + nxLogLimits::UpkeepSlack >= nextLookAround)
         {
             nextLookAround = now + nxLogLimits::LastThreadInterval;
+            nxLogRingMemory::GetInstance().Trim();
             _EndProcessIfLast();
         }
         idleSleep.Sleep(look.untilUpkeep);
