@@ -298,6 +298,32 @@ TEST(nxLogManager, LargeRecordsDoNotWaitForRingsThatAreHeldButEmpty)
                 });
 }
 
+TEST(nxLogManager, CountsARecordForWhichThereIsNeitherRoomNorMemory)
+{
+    if (nxUnderThreadSanitizer || nxUnderAddressSanitizer)
+        GTEST_SKIP() << "sanitizers need more memory";
+    if (!nxInNewProcess())
+        return;
+    Manager().SetMaximumQueueBytes(leastRoom);
+    Gate gate;
+    Device stuck([&gate](const nxLog&) { gate.Pass(); });
+    while (Manager().GetStatistics().dropped == 0)
+        NX_LOG(NX_LOG_LEVEL_INFO) << std::string(1'000, 'f');
+    const rlimit none{0, RLIM_INFINITY}, unlimited{RLIM_INFINITY, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &none), 0);
+    void* taken = nullptr;
+    for (const std::size_t size : {std::size_t{1} << 16, std::size_t{1} << 12, std::size_t{1} << 9})
+        while (void** const block = static_cast<void**>(std::malloc(size)))
+            *block = std::exchange(taken, block);
+    const std::uint64_t dropped = Manager().GetStatistics().dropped;
+    NX_LOG(NX_LOG_LEVEL_INFO) << "neither";
+    EXPECT_EQ(Manager().GetStatistics().dropped, dropped + 1);
+    setrlimit(RLIMIT_AS, &unlimited);
+    while (taken != nullptr)
+        std::free(std::exchange(taken, *static_cast<void**>(taken)));
+    gate.Open();
+}
+
 TEST(nxLogManager, LetsDevicesLogAndLeave)
 {
     std::vector<std::string> texts;

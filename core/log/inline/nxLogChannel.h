@@ -23,7 +23,7 @@ struct nxLogRoom
     class nxLogChannel* channel;  ///< The channel that the statement has taken; null when there was no memory for one.
     char* cursor;                 ///< Where the next value goes.
     char* end;                    ///< The end of the room.
-    nxLogSpill* spill;            ///< The block, when the channel's own room did not suffice.
+    nxLogSpill* spill;            ///< The block, when the channel's own room did not suffice or there is none.
 };
 
 /// The way of one thread's records to the deferred-write thread, as statements see it: a ring in memory that one thread
@@ -60,7 +60,7 @@ public:
     /// fatal record to be written.
     [[gnu::always_inline]] static void Close(const nxLogRoom& room, nxEnumValue level) noexcept
     {
-        if (room.spill != nullptr || room.channel == nullptr) [[unlikely]]
+        if (room.spill != nullptr) [[unlikely]]
         {
             _CloseSlowly(room.channel, room.cursor, room.spill, level);
             return;

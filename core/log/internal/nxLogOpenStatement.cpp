@@ -29,12 +29,15 @@ struct nxLogSpill
 namespace
 {
 constexpr std::size_t firstSpillCapacity = 1024;
+// Stands for the block of a record that has no memory at all. It takes no values, and the record's end finds it and counts
+// the record as dropped.
+constinit nxLogSpill noMemory{nullptr, 0, true};
 
 nxLogRoom OpenSpill(nxLogRing& ring, const nxLogSource* source)
 {
     auto* const spill = static_cast<nxLogSpill*>(std::malloc(sizeof(nxLogSpill) + firstSpillCapacity));
     if (spill == nullptr)
-        return {&ring, nullptr, nullptr, nullptr};
+        return {&ring, nullptr, nullptr, &noMemory};
     ::new (spill) nxLogSpill{reinterpret_cast<char*>(spill + 1), firstSpillCapacity, false};
     nxLogRing::_WriteHeader(spill->begin, source);
     return {&ring, spill->begin + sizeof(nxLogRecordHeader), spill->begin + firstSpillCapacity, spill};
@@ -94,7 +97,7 @@ nxLogRoom nxLogChannel::_BeginFirst(const nxLogSource* source) noexcept
 {
     nxLogBell::EnsureRunning();
     nxLogRing* const ring = nxLogChannelList::GetInstance().Attach();
-    return ring != nullptr ? OpenRecord(*ring, source) : nxLogRoom{nullptr, nullptr, nullptr, nullptr};
+    return ring != nullptr ? OpenRecord(*ring, source) : nxLogRoom{nullptr, nullptr, nullptr, &noMemory};
 }
 
 nxLogRoom nxLogChannel::_BeginSlowly(nxLogChannel* channel, const nxLogSource* source) noexcept
@@ -155,7 +158,7 @@ nxLogRoom nxLogChannel::_GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSp
 
 void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill, nxEnumValue level) noexcept
 {
-    if (channel == nullptr || spill == nullptr)
+    if (spill == &noMemory)
         nxLogCounters::CountDropped();
     else
         QueueSpill(static_cast<nxLogRing&>(*channel), spill, cursor, level);
