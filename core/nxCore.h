@@ -73,6 +73,7 @@
 #include "core/log/nxLogCharLenPair.h"
 #include "core/log/nxLogDeferredWriteThread.h"
 #include "core/log/nxLogDevice.h"
+#include "core/log/nxLogIdleSettings.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"

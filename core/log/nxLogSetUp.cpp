@@ -6,6 +6,7 @@
 #include "core/enum/nxRefusedTexts.h"
 #include "core/log/nxConsoleLogDevice.h"
 #include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLogIdleSettings.h"
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSettings.h"
@@ -39,6 +40,7 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
     const nxLogSettings settings = nxLogSettings::Read();
     nxLogManager::GetInstance().Apply(settings);
     nxLogManager::GetInstance().Apply(nxLogThreadSettings::Read());
+    nxLogIdleSettings::Read().Apply();
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
     file.Create(maximumFileSize, SetUpConsole(settings.console));
     TellRefusedTexts();

@@ -35,7 +35,7 @@ LOG_PARTS = (
     ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
                "inline/nxLogSource internal/nxLogSourceTable internal/nxLogEscape"),
     ("counters, switches, limits", "internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
-    ("bell", "internal/nxLogBell internal/nxLogWait"),
+    ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
     ("memory", "internal/nxLogRingMemory"),
     ("ring", "inline/nxLogChannel internal/nxLogRing"),
     ("channels", "internal/nxLogChannelList"),
@@ -45,7 +45,7 @@ LOG_PARTS = (
     ("record for people", "nxLog internal/nxLogConversion nxLogStatement nxLogLine internal/nxLogHexDump"),
     ("devices", "nxLogDevice internal/nxLogTimedLock internal/nxLogForkLock internal/nxLogDeviceEntry internal/nxLogDeviceList"),
     ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogUpkeep"),
-    ("writer", "internal/nxLogWriter internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
+    ("writer", "internal/nxLogWriter internal/nxLogIdleSleep internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
     ("manager", "nxLogManager nxLogSettings"),
     ("statements", "nxLogMacros"),
     ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile internal/nxLogFileNames nxLogSetUp"),
