@@ -72,8 +72,11 @@ public:
 
 private:
     static constinit std::atomic<State> _state;
-    static constinit std::atomic<std::uint32_t> _word;    // the deferred-write thread sleeps on it
-    static constinit std::atomic<bool> _mustKeepLooking;  // never cleared; a new value is followed by Ring()
+    // The deferred-write thread sleeps on it. Each exchange of Ring() pairs with the next one of Sleep(): what was done
+    // before the call is seen after the sleep.
+    static constinit std::atomic<std::uint32_t> _word;
+    static constinit std::atomic<bool>
+        _mustKeepLooking;  // never cleared; ordered by the Ring() that follows its change
 };
 
 #endif

@@ -26,7 +26,10 @@ bool nxLogIdleSleep::_AskForCalls() noexcept
     if (!std::exchange(_isPrepared, true))
         _hasBarrier = nxProcessBarrier::Prepare();
     if (!_hasBarrier || nxLogBell::MustKeepLooking())
+    {
+        End();
         return false;
+    }
     _areCallsWanted = true;
     _list.WantCalls(true);
     _hasBarrier = nxProcessBarrier::Pass();
