@@ -42,7 +42,11 @@ build_tools=(g++ g++ cmake cmake ninja ninja-build)
 need_build_tools() { need "${build_tools[@]}"; }
 need_test_tools() { need "${build_tools[@]}" /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
 # Programs of the system with which single tests work. A test whose program is missing is skipped by name.
-want_test_programs() { need logrotate logrotate spin spin zsh zsh || echo "The tests that need them are skipped." >&2; }
+want_test_programs()
+{
+    need logrotate logrotate zsh zsh spin spin /usr/lib/python3/dist-packages/z3/z3.py python3-z3 ||
+        echo "The tests that need them are skipped." >&2
+}
 # The major version of the second compiler, which its tools' names end in.
 clang_version() { clang++ -dumpversion | cut -d. -f1; }
 # The second compiler, with its sanitizers, coverage and formatter, in the version that the machine has.
