@@ -5,34 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
-#include <string_view>
 #include <vector>
+
+#include "CsvRow.h"
 
 namespace nxtick
 {
-/// One row of a CSV file, byte for byte. Valid until the reader is asked for the next row.
-struct CsvRow
-{
-    std::string_view content;     ///< Everything but the line end; may hold line ends inside quotes.
-    std::string_view terminator;  ///< "\n", "\r\n", or empty where the file ends without one.
-    std::uint64_t line = 0;       ///< The line on which the row begins, from 1.
-    bool hasQuotes = false;       ///< Whether any byte of the row is a quote.
-
-    /// Finds a field, removes its quotes, and counts the fields.
-    /// @param index from 0.
-    /// @param scratch holds the text if quotes had to be removed from it.
-    /// @param field the text; untouched when the row has no such field.
-    /// @return how many fields the row has.
-    std::size_t FindField(std::size_t index, std::string& scratch, std::string_view& field) const;
-
-    /// All fields, without quotes.
-    std::vector<std::string> GetFields() const;
-
-private:
-    std::size_t _FindQuoted(std::size_t index, std::string& scratch, std::string_view& field) const;
-};
-
 /// Reads CSV row by row in bounded memory. Fields are separated by commas; a field in double quotes may hold commas,
 /// line ends and doubled quotes; lines end with LF or CRLF. A quote inside an unquoted field is an ordinary character.
 ///
