@@ -12,9 +12,12 @@
 #include <string>
 #include <string_view>
 
+#include "CsvHeader.h"
 #include "CsvReader.h"
-#include "PriceGrid.h"
 #include "PriceSnapper.h"
+#include "Request.h"
+#include "RowGrids.h"
+#include "SnapPlan.h"
 
 #if defined(NX_BENCHMARK_HAS_LIBCSV)
     #include <csv.h>
@@ -61,11 +64,10 @@ void ReadOurs(benchmark::State& state)
     {
         nxtick::CsvReader reader(Blocks());
         nxtick::CsvRow row;
-        std::string scratch;
-        std::string_view field;
+        nxtick::WantedFields fields({priceColumn});
         while (reader.Next(row))
-            if (row.FindField(priceColumn, scratch, field) > priceColumn)
-                benchmark::DoNotOptimize(field);
+            if (row.Find(fields) > priceColumn)
+                benchmark::DoNotOptimize(fields[0]);
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
@@ -122,19 +124,21 @@ void SnapOurs(benchmark::State& state)
 {
     std::string out;
     out.reserve(2 * File().size());
+    nxtick::Request request;
+    request.increment = nxDecimal("0.05", '.');
+    request.csv.columns = {"Price"};
+    const nxtick::GridSource source(request);
     for (auto _ : state)
     {
         out.clear();
-        nxtick::FixedGrid grid(nxDecimal("0.05", '.'));
-        nxtick::PriceSnapper snapper(
-            grid, nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST), [&](std::string_view text) { out.append(text); },
-            [](std::uint64_t, const std::string&) {});
+        nxtick::RowGrids grids(source);
         nxtick::CsvReader reader(Blocks());
         nxtick::CsvRow row;
-        if (reader.Next(row))
-            snapper.Header(row, "Price");
+        reader.Next(row);
+        const nxtick::SnapPlan plan(request.csv, nxtick::CsvHeader(row, true), source.HasBands());
+        nxtick::PriceSnapper snapper(plan, grids, [](std::uint64_t, const std::string&) {});
         while (reader.Next(row))
-            snapper.Row(row);
+            snapper.Row(row, out);
         benchmark::DoNotOptimize(out.data());
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
@@ -152,8 +156,7 @@ void SnapDouble(benchmark::State& state)
         out.clear();
         nxtick::CsvReader reader(Blocks());
         nxtick::CsvRow row;
-        std::string scratch;
-        std::string_view field;
+        nxtick::WantedFields fields({priceColumn});
         const auto add = [&out](double value)
         {
             char text[32];
@@ -165,8 +168,8 @@ void SnapDouble(benchmark::State& state)
         {
             double price = 0;
             out.append(row.content);
-            if (row.FindField(priceColumn, scratch, field) > priceColumn &&
-                std::from_chars(field.data(), field.data() + field.size(), price).ec == std::errc())
+            if (row.Find(fields) > priceColumn &&
+                std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), price).ec == std::errc())
             {
                 const double snapped = std::floor(price / increment + 0.5) * increment;
                 add(increment);

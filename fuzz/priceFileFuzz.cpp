@@ -7,13 +7,19 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <iterator>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "CsvHeader.h"
 #include "CsvReader.h"
 #include "Failure.h"
 #include "PriceSnapper.h"
+#include "Request.h"
+#include "RowGrids.h"
+#include "SnapPlan.h"
 #include "TickTables.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 
@@ -31,20 +37,36 @@ constexpr std::size_t maximumRowSize = 1024;
 
 struct Outcome
 {
-    std::string rows;      // as they came
-    std::string added;     // columns
+    std::string text;      // the rows with what was added
     std::string messages;  // and the failure that ended the run
     bool isWhole = true;
 };
 
-Outcome Run(std::string_view file, PriceGrid& grid, const nxRoundingMethodEnum& method, std::size_t pieceSize)
+// A grid that many files share.
+struct SharedGrid
+{
+    explicit SharedGrid(unsigned char choice)
+    {
+        static const TickTables tables{Request()};
+        static const nxDecimal increments[] = {nxDecimal("0.05", '.'), nxDecimal("3", '.'),
+                                               nxDecimal("0.000000000000001", '.'), nxDecimal("1000000000000000", '.')};
+        request.isQuiet = true;
+        if (choice < std::size(increments))
+            request.increment = increments[choice];
+        else
+            request.table = tables.GetAll()[choice % tables.GetAll().size()].id;
+        source.emplace(request);
+        grids.emplace(*source);
+    }
+
+    Request request;
+    std::optional<GridSource> source;
+    std::optional<RowGrids> grids;
+};
+
+Outcome Run(std::string_view file, const CsvRequest& request, SharedGrid& grid, std::size_t pieceSize)
 {
     Outcome outcome;
-    int part = 0;  // content, added columns, line end
-    PriceSnapper snapper(
-        grid, method, [&](std::string_view text) { (part++ % 3 == 1 ? outcome.added : outcome.rows).append(text); },
-        [&](std::uint64_t line, const std::string& reason)
-        { outcome.messages += std::to_string(line) + ": " + reason + "\n"; });
     std::size_t done = 0;
     CsvReader reader(
         [&](char* buffer, std::size_t size)
@@ -54,20 +76,29 @@ Outcome Run(std::string_view file, PriceGrid& grid, const nxRoundingMethodEnum& 
             done += count;
             return count;
         },
-        maximumRowSize);
+        request.dialect, maximumRowSize);
+    std::optional<SnapPlan> plan;
+    std::optional<PriceSnapper> snapper;
     try
     {
         CsvRow row;
-        bool hasHeader = false;
         while (reader.Next(row))
         {
-            if (!hasHeader && !row.content.empty())
-            {
-                snapper.Header(row, "P");
-                hasHeader = true;
-            }
+            const std::size_t start = outcome.text.size();
+            if (snapper)
+                snapper->Row(row, outcome.text);
+            else if (row.content.empty())
+                outcome.text += row.terminator;
             else
-                snapper.Row(row);
+            {
+                plan.emplace(request, CsvHeader(row, true), grid.source->HasBands());
+                snapper.emplace(*plan, *grid.grids,
+                                [&](std::uint64_t line, const std::string& reason)
+                                { outcome.messages += std::to_string(line) + ": " + reason + "\n"; });
+                ((outcome.text += row.content) += plan->GetHeaderAddition()) += row.terminator;
+            }
+            const std::string_view written = std::string_view(outcome.text).substr(start);
+            Require(written.substr(0, row.content.size()) == row.content && written.ends_with(row.terminator));
         }
     }
     catch (const Failure& failure)
@@ -75,8 +106,8 @@ Outcome Run(std::string_view file, PriceGrid& grid, const nxRoundingMethodEnum& 
         outcome.messages += failure.what();
         outcome.isWhole = false;
     }
-    const SnapCounts& counts = snapper.GetCounts();
-    Require(counts.rows == counts.onGrid + counts.moved + counts.rejected);
+    const SnapCounts counts = snapper ? snapper->GetCounts() : SnapCounts();
+    Require(counts.rows == counts.onGrid + counts.moved + counts.empty + counts.rejected);
     return outcome;
 }
 }  // namespace
@@ -85,20 +116,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 2)
         return 0;
-    static const TickTables tables("");
-    static const nxDecimal increments[] = {nxDecimal("0.05", '.'), nxDecimal("3", '.'),
-                                           nxDecimal("0.000000000000001", '.'), nxDecimal("1000000000000000", '.')};
-    std::unique_ptr<PriceGrid> grid;
-    if (data[0] < 4)
-        grid = std::make_unique<FixedGrid>(increments[data[0]]);
-    else
-        grid = std::make_unique<TableGrid>(*tables.GetAll()[data[0] % tables.GetAll().size()].table);
-    const nxRoundingMethodEnum method(static_cast<nxEnumValue>(NX_ROUNDING_METHOD_DOWN + data[1] % 4));
+    static std::map<unsigned char, SharedGrid> grids;
+    SharedGrid& grid = grids.try_emplace(data[0], data[0]).first->second;
+    CsvRequest request;
+    request.columns = {"P"};
+    request.method = nxRoundingMethodEnum(static_cast<nxEnumValue>(NX_ROUNDING_METHOD_DOWN + data[1] % 4));
+    request.numbers.hasExponents = data[1] / 4 % 2 != 0;
+    request.numbers.point = data[1] / 8 % 2 != 0 ? ',' : '.';
+    request.dialect.separator = data[1] / 16 % 2 != 0 ? ';' : ',';
     const std::string_view file(reinterpret_cast<const char*>(data + 2), size - 2);
 
-    const Outcome atOnce = Run(file, *grid, method, file.size() + 1);
-    const Outcome inPieces = Run(file, *grid, method, 1U + data[1] / 4U);
-    Require(atOnce.rows == inPieces.rows && atOnce.added == inPieces.added && atOnce.messages == inPieces.messages);
-    Require(atOnce.isWhole ? atOnce.rows == file : file.substr(0, atOnce.rows.size()) == atOnce.rows);
+    const Outcome atOnce = Run(file, request, grid, file.size() + 1);
+    const Outcome inPieces = Run(file, request, grid, 1U + data[1] / 4U);
+    Require(atOnce.text == inPieces.text && atOnce.messages == inPieces.messages && atOnce.isWhole == inPieces.isWhole);
     return 0;
 }

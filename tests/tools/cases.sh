@@ -39,7 +39,7 @@ out_is() { same "standard output" "$(printf '%b' "$1" | visible)" "$(visible <ou
 err_is()
 {
     same "standard error" "$(printf '%b' "$1" | visible)" \
-        "$(sed -E 's/^(time|prices a second) +[0-9.,]+( s)?$/\1/; s/  +/  /' err | visible)"
+        "$(sed -E 's/^(time|rows a second) +[0-9.,]+( s)?$/\1/; s/  +/  /' err | visible)"
 }
 # A run that ends with one line on standard error and leaves nothing but the files out and err.
 refused()

@@ -42,7 +42,7 @@ same "rows, all alike" "60001 1.25" "$(awk -F, 'NR > 1 {++n; seen[$4] = 1} END {
 # A rejected row goes through, a message names its line and the reason, and the run ends with 1.
 cp "$cases/rejected.csv" .
 run 1 -increment 0.05 -csv rejected.csv -column Price
-same "rows and messages" "" "$({ cat out; sed -E '/^(time|prices a second)/d' err; } | diff "$cases/rejected.txt" -)"
+same "rows and messages" "" "$({ cat out; sed -E '/^(time|rows a second)/d; s/  +/  /' err; } | diff "$cases/rejected.txt" -)"
 run 1 -increment 0.05 -column Price < <(printf "$header\na,x\n")
 same "first line" "stdin:2: 'x' is not a price" "$(head -n 1 err)"
 

@@ -14,8 +14,11 @@ namespace
 constexpr std::size_t usualBufferSize = std::size_t{1} << 20;
 }  // namespace
 
-CsvReader::CsvReader(Source source, std::size_t maximumRowSize)
-    : _source(std::move(source)), _maximumRowSize(maximumRowSize), _buffer(std::min(usualBufferSize, maximumRowSize))
+CsvReader::CsvReader(Source source, const CsvDialect& dialect, std::size_t maximumRowSize)
+    : _source(std::move(source)),
+      _dialect(dialect),
+      _maximumRowSize(maximumRowSize),
+      _buffer(std::min(usualBufferSize, maximumRowSize))
 {
 }
 
@@ -69,12 +72,12 @@ bool CsvReader::_FindLineEndOutsideQuotes()
     return false;
 }
 
-CsvReader::State CsvReader::_GetNext(State state, char c)
+CsvReader::State CsvReader::_GetNext(State state, char c) const
 {
-    const bool isQuote = c == '"';
+    const bool isQuote = c == _dialect.quote;
     if (state == State::Quoted)
         return isQuote ? State::QuoteInQuoted : State::Quoted;
-    if (c == ',')
+    if (c == _dialect.separator)
         return State::FieldStart;
     return isQuote && state != State::Plain ? State::Quoted : State::Plain;
 }
@@ -86,7 +89,8 @@ const char* CsvReader::_NextQuote()
     if (_quote == nullptr || _quote < from)
     {
         const char* const end = _buffer.data() + _end;
-        const void* const found = std::memchr(from, '"', static_cast<std::size_t>(end - from));
+        const void* const found =
+            _dialect.hasQuotes ? std::memchr(from, _dialect.quote, static_cast<std::size_t>(end - from)) : nullptr;
         _quote = found == nullptr ? end : static_cast<const char*>(found);
     }
     return _quote;
@@ -126,6 +130,7 @@ void CsvReader::_TakeRow(CsvRow& row, std::size_t size, std::size_t terminatorSi
     const char* const begin = _buffer.data() + _begin;
     row.line = _line;
     row.hasQuotes = _rowHasQuotes;
+    row.dialect = _dialect;
     _line += terminatorSize + (_rowHasQuotes ? static_cast<std::uint64_t>(std::count(begin, begin + size, '\n')) : 0);
     _begin += size + terminatorSize;
     if (size != 0 && begin[size - 1] == '\r')

@@ -11,8 +11,8 @@
 
 namespace nxtick
 {
-/// Reads CSV row by row in bounded memory. Fields are separated by commas; a field in double quotes may hold commas,
-/// line ends and doubled quotes; lines end with LF or CRLF. A quote inside an unquoted field is an ordinary character.
+/// Reads CSV row by row in bounded memory. A field in quotes may hold separators, line ends and doubled quotes; lines
+/// end with LF or CRLF. A quote inside an unquoted field is an ordinary character.
 ///
 /// Why not a library: rows are copied byte for byte, so the reader must say where each row begins and ends in the
 /// input. The available CSV libraries return fields without their quotes, blanks and line ends, skip empty lines, or
@@ -29,7 +29,7 @@ public:
     /// @param source is called once for each block and lives at least as long as the reader.
     /// @param maximumRowSize the longest row in bytes, its line end included. The reader takes 1 MiB of memory, and up
     ///        to this size when rows are longer.
-    explicit CsvReader(Source source, std::size_t maximumRowSize = usualMaximumRowSize);
+    explicit CsvReader(Source source, const CsvDialect& dialect = {}, std::size_t maximumRowSize = usualMaximumRowSize);
 
     /// Reads the next row; empty lines are rows with empty content.
     /// @return false at the end of the input.
@@ -47,13 +47,14 @@ private:
 
     bool _FindLineEnd();
     bool _FindLineEndOutsideQuotes();
-    static State _GetNext(State state, char c);
+    State _GetNext(State state, char c) const;
     const char* _NextQuote();
     bool _Refill();
     void _MakeRoom();
     void _TakeRow(CsvRow& row, std::size_t size, std::size_t terminatorSize);
 
     Source _source;
+    CsvDialect _dialect;
     std::size_t _maximumRowSize;
     std::vector<char> _buffer;
     std::size_t _begin = 0;  // the current row in _buffer

@@ -24,11 +24,18 @@ public:
     using Failure::Failure;
 };
 
-/// @throws Failure "cannot write NAME: " and what errno says.
+/// A failure of the output, which a run over several files cannot go on after.
+class OutputFailure : public Failure
+{
+public:
+    using Failure::Failure;
+};
+
+/// @throws OutputFailure "cannot write NAME: " and what errno says.
 [[noreturn]] inline void FailToWrite(const std::string& name)
 {
     const std::string reason = std::strerror(errno);  // before anything else can change errno
-    throw Failure("cannot write " + name + ": " + reason);
+    throw OutputFailure("cannot write " + name + ": " + reason);
 }
 }  // namespace nxtick
 

@@ -2,6 +2,7 @@
 #include "InputFile.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,14 +15,17 @@
 namespace nxtick
 {
 InputFile::InputFile(const std::string& path)
-    : _name(path.empty() ? "stdin" : nxPrintableText::GetEscaped(path)),
-      _file(path.empty() ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : _name(path == "-" ? "stdin" : nxPrintableText::GetEscaped(path)),
+      _file(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (_file < 0)
         _Fail();
     struct stat status = {};
     if (::fstat(_file, &status) == 0 && S_ISREG(status.st_mode))
+    {
+        _isRegular = true;
         _size = static_cast<std::uint64_t>(status.st_size);
+    }
 }
 
 InputFile::~InputFile()
@@ -40,6 +44,12 @@ std::size_t InputFile::Read(char* buffer, std::size_t size)
         _Fail();
     _read += static_cast<std::uint64_t>(count);
     return static_cast<std::size_t>(count);
+}
+
+bool InputFile::WouldWait() const
+{
+    pollfd readiness = {_file, POLLIN, 0};
+    return !_isRegular && ::poll(&readiness, 1, 0) == 0;
 }
 
 bool InputFile::IsSameFile(int descriptor) const

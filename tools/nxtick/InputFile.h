@@ -12,7 +12,7 @@ namespace nxtick
 class InputFile
 {
 public:
-    /// @param path empty for standard input. @throws Failure when it cannot be opened.
+    /// @param path "-" for standard input. @throws Failure when it cannot be opened.
     explicit InputFile(const std::string& path);
     ~InputFile();
     InputFile(const InputFile&) = delete;
@@ -23,6 +23,11 @@ public:
 
     /// Reads at most @p size bytes. @return how many came, 0 at the end. @throws Failure.
     std::size_t Read(char* buffer, std::size_t size);
+
+    bool IsRegular() const { return _isRegular; }
+
+    /// Whether nothing can be read at present, so that Read() waits. Never true of a regular file.
+    bool WouldWait() const;
 
     /// Whether it is a regular file, and the descriptor is open on the same one.
     bool IsSameFile(int descriptor) const;
@@ -35,6 +40,7 @@ private:
 
     std::string _name;
     int _file;
+    bool _isRegular = false;
     std::uint64_t _size = 0;
     std::uint64_t _read = 0;
 };

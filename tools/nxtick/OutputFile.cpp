@@ -4,8 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "Failure.h"
 #include "FileCopy.h"
@@ -25,9 +25,9 @@ std::string Reason() { return std::strerror(errno); }
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path)
-    : _name(path.empty() ? "stdout" : nxPrintableText::GetEscaped(path)), _medium(_name), _buffer(bufferSize)
+    : _name(path == "-" ? "stdout" : nxPrintableText::GetEscaped(path)), _medium(_name), _buffer(bufferSize)
 {
-    if (path.empty())
+    if (path == "-")
     {
         _out = STDOUT_FILENO;
         return;
@@ -73,33 +73,40 @@ void OutputFile::_OpenTemporaryElsewhere(const std::string& why)
 
 void OutputFile::_AppendInPieces(std::string_view text)
 {
-    while (!text.empty())
-    {
-        const std::size_t size = std::min(text.size(), _buffer.size() - _used);
-        std::memcpy(_buffer.data() + _used, text.data(), size);
-        _used += size;
-        text.remove_prefix(size);
-        if (_used == _buffer.size())
-            _Flush();
-    }
+    _WriteBuffer();
+    if (text.size() >= _buffer.size())
+        return _Write(text);
+    std::memcpy(_buffer.data(), text.data(), text.size());
+    _used = text.size();
 }
 
-void OutputFile::_Flush()
+void OutputFile::_WriteBuffer()
 {
-    for (std::size_t done = 0; done < _used;)
+    const std::size_t size = std::exchange(_used, 0);
+    _Write({_buffer.data(), size});
+}
+
+void OutputFile::_Write(std::string_view text)
+{
+    while (!text.empty())
     {
-        const ssize_t count = ::write(_out, _buffer.data() + done, _used - done);
+        const ssize_t count = ::write(_out, text.data(), text.size());
         if (count > 0)
-            done += static_cast<std::size_t>(count);
+            text.remove_prefix(static_cast<std::size_t>(count));
         else if (count == 0 || errno != EINTR)
             FailToWrite(_medium);
     }
-    _used = 0;
+}
+
+void OutputFile::Flush()
+{
+    if (!_temporary.IsOpen())
+        _WriteBuffer();
 }
 
 void OutputFile::Complete()
 {
-    _Flush();
+    _WriteBuffer();
     if (_target.stream.IsOpen() && !_target.stream.Close())
         FailToWrite(_name);
     if (!_temporary.IsOpen())
@@ -148,7 +155,7 @@ void OutputFile::_WriteInPlace()
 
 void OutputFile::Print(std::string_view text)
 {
-    OutputFile output("");
+    OutputFile output("-");
     output.Append(text);
     output.Complete();
 }

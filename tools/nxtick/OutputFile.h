@@ -35,7 +35,7 @@ namespace nxtick
 class OutputFile
 {
 public:
-    /// @param path empty for standard output. @throws Failure when it cannot be written.
+    /// @param path "-" for standard output. @throws Failure when it cannot be written.
     explicit OutputFile(const std::string& path);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -45,6 +45,9 @@ public:
 
     /// The descriptor of a stream, -1 for a file.
     int GetStream() const { return _temporary.IsOpen() ? -1 : _out; }
+
+    /// The descriptor of the file that is replaced at the end; -1 if there is none.
+    int GetReplaced() const { return _target.file.Get(); }
 
     /// Adds text. @throws Failure when the system does not take it, e.g. a full disk.
     void Append(std::string_view text)
@@ -58,6 +61,9 @@ public:
         }
     }
 
+    /// Hands over what was added to a stream so far; does nothing for a file. @throws Failure.
+    void Flush();
+
     /// Hands everything over and makes the file appear. @throws Failure.
     void Complete();
 
@@ -68,7 +74,8 @@ private:
     void _OpenTemporary();
     void _OpenTemporaryElsewhere(const std::string& why);
     void _AppendInPieces(std::string_view text);
-    void _Flush();
+    void _Write(std::string_view text);
+    void _WriteBuffer();
     void _Publish();
     void _Replace();
     void _WriteInPlace();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "Failure.h"
@@ -16,13 +17,6 @@ namespace
 // Numbers stay below this many units, so that a tick can be added to any of them and still fits 64 bits.
 constexpr std::int64_t maximumUnits = 1'000'000'000'000'000'000;
 constexpr int maximumDigits = 18;
-
-std::string_view WithoutBlanks(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(" \t");
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
 
 // Counts digits after leading zeros, because the decimal reads any number of them and would wrap silently.
 int SignificantDigits(std::string_view number)
@@ -44,14 +38,56 @@ bool Fits(const nxDecimal& number, unsigned char places)
 }
 
 constexpr char notANumber[] = "is not a number";
+
+// The number after the "e", or nothing. Beyond 99 it is 99, which no price can have either.
+std::optional<int> ReadExponent(std::string_view text)
+{
+    const bool isNegative = text.substr(0, 1) == "-";
+    if (isNegative || text.substr(0, 1) == "+")
+        text.remove_prefix(1);
+    if (text.empty() || !std::all_of(text.begin(), text.end(), &IsDigit))
+        return std::nullopt;
+    int value = 0;
+    for (const char c : text)
+        value = std::min(value * 10 + (c - '0'), 99);
+    return isNegative ? -value : value;
+}
+
+// Writes a number that ends in an exponent without it; empty if the text is none.
+std::string WithoutExponent(std::string_view text, char point)
+{
+    const std::size_t mark = text.find_first_of("eE");
+    const std::optional<int> exponent =
+        mark == std::string_view::npos ? std::nullopt : ReadExponent(text.substr(mark + 1));
+    std::string digits(text.substr(0, mark));
+    const bool hasSign = !digits.empty() && (digits.front() == '-' || digits.front() == '+');
+    const std::string sign = hasSign ? digits.substr(0, 1) : "";
+    digits.erase(0, sign.size());
+    const std::size_t places = std::min(digits.find(point), digits.size());
+    digits.erase(places, 1);
+    if (!exponent || digits.empty() || !std::all_of(digits.begin(), digits.end(), &IsDigit))
+        return {};
+    const int before = static_cast<int>(places) + *exponent;
+    if (before < 0)
+        digits.insert(0, static_cast<std::size_t>(-before), '0');
+    else if (static_cast<std::size_t>(before) > digits.size())
+        digits.append(static_cast<std::size_t>(before) - digits.size(), '0');
+    const std::size_t at = before < 0 ? 0 : static_cast<std::size_t>(before);
+    if (at < digits.size())
+        digits.insert(at, at == 0 ? std::string("0") + point : std::string(1, point));
+    return sign + digits;
+}
 }  // namespace
 
-const char* ReadNumber(std::string_view text, nxDecimal& number)
+const char* ReadNumber(std::string_view text, nxDecimal& number, const NumberForm& form)
 {
     nxDecimal value;
-    if (!value.SetFromStringView(text, '.').IsOK())
-        return notANumber;
-    const std::size_t point = text.find('.');
+    if (!value.SetFromStringView(text, form.point).IsOK())
+    {
+        const std::string plain = form.hasExponents ? WithoutExponent(text, form.point) : std::string();
+        return plain.empty() ? notANumber : ReadNumber(plain, number, {form.point});
+    }
+    const std::size_t point = text.find(form.point);
     const std::size_t places = point == std::string_view::npos ? 0 : text.size() - point - 1;
     if (SignificantDigits(text) > maximumDigits)
         return "has more than 18 digits";
@@ -67,10 +103,10 @@ PriceGrid::PriceGrid(const Bands& bands)
         _AddTick(tick);
 }
 
-const char* PriceGrid::ReadPrice(std::string_view text, nxDecimal& price) const
+const char* PriceGrid::ReadPrice(std::string_view text, nxDecimal& price, const NumberForm& form) const
 {
     nxDecimal value;
-    const char* const reason = ReadNumber(WithoutBlanks(text), value);
+    const char* const reason = ReadNumber(WithoutBlanks(text), value, form);
     if (reason == notANumber)
         return "is not a price";
     if (reason != nullptr || !Fits(value, _places))

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "CsvDialect.h"
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
 #include "core/numeric/nxDecimal.h"
@@ -15,7 +16,7 @@ namespace nxtick
 {
 /// Reads a number of at most 18 digits and 18 decimals, leading zeros aside.
 /// @return null on success, else what is wrong with the text, to follow it in a sentence; @p number is then untouched.
-const char* ReadNumber(std::string_view text, nxDecimal& number);
+const char* ReadNumber(std::string_view text, nxDecimal& number, const NumberForm& form = {});
 
 /// The prices that an instrument may have: the multiples of one increment, or the grid of a tick table.
 class PriceGrid
@@ -28,7 +29,7 @@ public:
     /// Reads a price, blanks around it allowed.
     /// @return null on success, else what is wrong with the text, to follow it in a sentence: the number has to leave
     ///         room in 64 bits for its neighbours at the grid's number of decimals.
-    const char* ReadPrice(std::string_view text, nxDecimal& price) const;
+    const char* ReadPrice(std::string_view text, nxDecimal& price, const NumberForm& form = {}) const;
 
     /// @return whether the two neighbours are worth columns of their own.
     virtual bool HasBands() const = 0;

@@ -2,11 +2,12 @@
 #include "Request.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <set>
 #include <string_view>
 
+#include "CommandLine.h"
+#include "CsvOptions.h"
 #include "Day.h"
 #include "Failure.h"
 #include "PriceGrid.h"
@@ -19,7 +20,6 @@ namespace nxtick
 namespace
 {
 using Action = Request::Action;
-using Options = std::map<std::string, std::string>;
 
 // A set of actions, one bit each.
 using Actions = unsigned;
@@ -34,7 +34,7 @@ constexpr Actions never = 0;
 constexpr Actions list = never | Action::List;
 constexpr Actions onGrid = Action::Price | Action::Ladder | Action::Snap;
 constexpr Actions onTable = onGrid | Action::Bands | Action::Chart;
-constexpr Actions shown = list | Action::Bands | Action::Price | Action::Ladder;
+constexpr Actions shown = list | Action::Bands | Action::Price | Action::Ladder | Action::Snap;
 
 struct OptionRule
 {
@@ -43,14 +43,14 @@ struct OptionRule
     Actions actions;             // that it goes with
     Actions requiredBy = never;  // with which it must be given
     const char* purpose = "";    // of a required option
+    bool isRepeatable = false;
+    std::string_view onlyValue = {};  // that an option without a value may have after "="
 };
 
 constexpr OptionRule rules[] = {
     {"help", false, onTable | list},
-    {"-help", false, onTable | list},
     {"h", false, onTable | list},
     {"version", false, onTable | list},
-    {"-version", false, onTable | list},
     {"list", false, list},
     {"filter", true, list},
     {"status", true, list},
@@ -66,9 +66,23 @@ constexpr OptionRule rules[] = {
     {"step", true, never | Action::Price},
     {"ladder", true, never | Action::Ladder},
     {"chart", true, never | Action::Chart},
-    {"csv", true, never | Action::Snap},
-    {"column", true, never | Action::Snap, never | Action::Snap, "the column that holds the prices"},
+    {"csv", true, never | Action::Snap, never, "", true},
+    {"column", true, never | Action::Snap, never | Action::Snap, "the column that holds the prices", true},
     {"out", true, never | Action::Snap},
+    {"in-place", false, never | Action::Snap},
+    {"check", false, never | Action::Snap, never, "", false, "count"},
+    {"separator", true, never | Action::Snap},
+    {"quote", true, never | Action::Snap},
+    {"decimal-comma", false, never | Action::Snap},
+    {"exponents", false, never | Action::Snap},
+    {"no-header", false, never | Action::Snap},
+    {"add", true, never | Action::Snap, never, "", true},
+    {"names", true, never | Action::Snap, never, "", true},
+    {"prefix", true, never | Action::Snap},
+    {"table-column", true, never | Action::Snap},
+    {"mapping", true, never | Action::Snap},
+    {"symbol-column", true, never | Action::Snap},
+    {"date-column", true, never | Action::Snap},
     {"method", true, never | Action::Snap},
 };
 
@@ -91,21 +105,6 @@ constexpr Word<std::string_view> statuses[] = {
     {"assumed", "assumed"}, {"custom", "custom"},       {"expired", "expired"},
 };
 
-// An option as the user writes it.
-std::string Dashed(std::string_view name)
-{
-    std::string text = "-";
-    return text += name;
-}
-
-bool Has(const Options& options, const char* name) { return options.count(name) != 0; }
-
-std::string Value(const Options& options, const char* name)
-{
-    const auto found = options.find(name);
-    return found == options.end() ? std::string() : found->second;
-}
-
 const OptionRule* FindRule(const std::string& name)
 {
     const auto* const found =
@@ -113,33 +112,29 @@ const OptionRule* FindRule(const std::string& name)
     return found == std::end(rules) ? nullptr : found;
 }
 
-void CheckOption(const std::string& name, const std::string& value)
+bool TakesValue(const std::string& name)
 {
     const OptionRule* const rule = FindRule(name);
-    if (name.empty())
-        throw Failure("'-' is no file name here; without -csv and -out, standard input and output are used");
+    return rule != nullptr && rule->hasValue;
+}
+
+void CheckOption(const std::string& name, const std::vector<std::string>& values)
+{
+    const OptionRule* const rule = FindRule(name);
     if (rule == nullptr)
     {
         std::set<std::string> known;
         for (const OptionRule& each : rules)
-            if (each.name.front() != '-')
-                known.insert(Dashed(each.name));
+            known.insert(Dashed(each.name));
         throw Failure("unknown option " + Quoted(Dashed(name)) + Suggestion(Dashed(name), known));
     }
-    if (rule->hasValue && value.empty())
+    const std::string& value = values.front();
+    if (rule->hasValue && std::find(values.begin(), values.end(), "") != values.end())
         throw Failure("option " + Dashed(name) + " needs a value");
-    if (!rule->hasValue && !value.empty())
-        throw Failure("option " + Dashed(name) + " takes no value, yet " + Quoted(value) + " follows it");
-}
-
-// A value that begins with a dash is a number and therefore not the name of an option.
-void CheckOnce(const char* const* argv)
-{
-    std::set<std::string> seen;
-    for (; *argv != nullptr; ++argv)
-        if (const std::string word = *argv;
-            word[0] == '-' && FindRule(word.substr(1)) != nullptr && !seen.insert(word).second)
-            throw Failure("option " + word + " is given twice");
+    if (!rule->hasValue && !value.empty() && value != rule->onlyValue)
+        throw Failure("option " + Dashed(name) + " takes no value " + Quoted(value));
+    if (values.size() > 1 && !rule->isRepeatable)
+        throw Failure("option " + Dashed(name) + " is given twice");
 }
 
 // The action of the run, and the option that chose it.
@@ -152,9 +147,11 @@ struct Choice
 std::optional<Choice> FindChoice(const Options& options)
 {
     constexpr Choice choices[] = {
-        {Action::List, "list"},      {Action::Chart, "chart"}, {Action::Ladder, "ladder"}, {Action::Price, "price"},
-        {Action::Snap, "csv"},       {Action::Snap, "column"}, {Action::Snap, "out"},      {Action::Snap, "method"},
-        {Action::Snap, "increment"}, {Action::Bands, "table"},
+        {Action::List, "list"},     {Action::Chart, "chart"},    {Action::Ladder, "ladder"},
+        {Action::Price, "price"},   {Action::Snap, "csv"},       {Action::Snap, "column"},
+        {Action::Snap, "out"},      {Action::Snap, "method"},    {Action::Snap, "check"},
+        {Action::Snap, "in-place"}, {Action::Snap, "increment"}, {Action::Snap, "table-column"},
+        {Action::Snap, "mapping"},  {Action::Bands, "table"},
     };
     for (const Choice& choice : choices)
         if (Has(options, choice.option))
@@ -194,14 +191,23 @@ bool Contains(Actions set, Action action) { return (set | action) == set; }
 
 void CheckGrid(const Options& options, const Choice& choice)
 {
-    if (Has(options, "table") && Has(options, "increment"))
-        throw Failure("-table and -increment exclude each other");
+    constexpr const char* grids[] = {"table", "increment", "table-column", "mapping"};
+    const char* chosen = nullptr;
+    for (const char* const grid : grids)
+    {
+        if (chosen != nullptr && Has(options, grid))
+            throw Failure(Dashed(chosen) + " and " + Dashed(grid) + " exclude each other");
+        if (Has(options, grid))
+            chosen = grid;
+    }
     for (const char* const ofTables : {"tables", "tables-today"})
         if (Has(options, ofTables) && Has(options, "increment"))
             throw Failure("option " + Dashed(ofTables) + " does not go with -increment");
-    if (!Has(options, "table") && !Has(options, "increment"))
+    if (chosen == nullptr)
         throw Failure(Dashed(choice.option) + " needs -table ID" +
-                      (choice.action == Action::Chart ? "" : " or -increment I"));
+                      (choice.action == Action::Chart  ? ""
+                       : choice.action == Action::Snap ? ", -increment I, -table-column NAME or -mapping FILE"
+                                                       : " or -increment I"));
 }
 
 void CheckTogether(const Options& options, const Choice& choice)
@@ -209,7 +215,7 @@ void CheckTogether(const Options& options, const Choice& choice)
     const bool isGridAlone = choice.action == Action::Bands || std::string_view(choice.option) == "increment";
     if (isGridAlone && Has(options, "step"))
         throw Failure("option -price is missing: where to step from");
-    for (const auto& [name, value] : options)
+    for (const auto& [name, values] : options)
         if (!Contains(FindRule(name)->actions, choice.action))
             throw Failure("option " + Dashed(name) + " does not go with " + Dashed(choice.option));
     if (choice.action != Action::List)
@@ -231,24 +237,34 @@ void ReadTableOptions(const Options& options, Request& request)
     if (Has(options, "format"))
         request.format = ReadWord(formats, "format", Value(options, "format"));
 }
+
+void CheckOperands(const CommandLine& line, Action action)
+{
+    if (line.operands.empty() || action == Action::Snap)
+        return;
+    const std::string operand = Quoted(line.operands.front());
+    if (line.optionBeforeOperand.empty())
+        throw Failure(operand + " belongs to no option; try nxtick -help");
+    throw Failure("option " + Dashed(line.optionBeforeOperand) + " takes no value, yet " + operand + " follows it");
+}
 }  // namespace
 
-Request ReadRequest(const Options& options, const std::vector<std::string>& words, const char* const* argv)
+Request ReadRequest(const char* const* argv)
 {
+    const CommandLine line = ReadCommandLine(argv, &TakesValue);
+    const Options& options = line.options;
     Request request;
-    for (const auto& [name, value] : options)
-        CheckOption(name, value);
-    if (!words.empty())
-        throw Failure(Quoted(words.front()) + " belongs to no option; try nxtick -help");
-    if (Has(options, "help") || Has(options, "-help") || Has(options, "h"))
+    for (const auto& [name, values] : options)
+        CheckOption(name, values);
+    if (Has(options, "help") || Has(options, "h"))
         return request;
-    if (Has(options, "version") || Has(options, "-version"))
+    if (Has(options, "version"))
     {
         request.action = Action::Version;
         return request;
     }
-    CheckOnce(argv);
     const std::optional<Choice> choice = FindChoice(options);
+    CheckOperands(line, choice ? choice->action : Action::Help);
     if (!choice)
         throw Failure(options.empty() ? "nothing to do; try nxtick -help"
                                       : Dashed(options.begin()->first) + " does nothing by itself; try nxtick -help");
@@ -259,9 +275,6 @@ Request ReadRequest(const Options& options, const std::vector<std::string>& word
     request.tablesFile = Value(options, "tables");
     request.filter = Value(options, "filter");
     request.chartFile = Value(options, "chart");
-    request.csvFile = Value(options, "csv");
-    request.column = Value(options, "column");
-    request.outFile = Value(options, "out");
     request.price = Value(options, "price");
     if (Has(options, "increment"))
         request.increment = ReadIncrement(Value(options, "increment"));
@@ -269,9 +282,13 @@ Request ReadRequest(const Options& options, const std::vector<std::string>& word
         request.step = ReadCount(options, "step", -1000000, 1000000);
     if (Has(options, "ladder"))
         request.ladder = ReadCount(options, "ladder", 1, 1000);
+    if (request.action == Action::Snap)
+        request.csv = ReadCsvRequest(line);
     if (Has(options, "method"))
-        request.method = nxRoundingMethodEnum(ReadWord(methods, "method", Value(options, "method")));
+        request.csv.method = nxRoundingMethodEnum(ReadWord(methods, "method", Value(options, "method")));
     ReadTableOptions(options, request);
+    if (Has(options, "format") && request.csv.check == CsvRequest::Check::None && request.action == Action::Snap)
+        throw Failure("option -format needs -check");
     return request;
 }
 
@@ -285,21 +302,20 @@ std::string GetHelp()
            "  nxtick -table ID -price P [-step N]      tick, neighbours, roundings there\n"
            "  nxtick -table ID -price P -ladder N      N ticks up and down from a price\n"
            "  nxtick -table ID -chart FILE.svg         tick size over price, as a picture\n"
-           "  nxtick -table ID -column NAME [-csv FILE] [-out FILE] [-method METHOD]\n"
-           "                                           snap a column of prices to the grid\n"
+           "  nxtick -table ID -column NAME [FILE...]  snaps columns of prices in CSV files\n"
+           "  nxtick -table ID -column NAME -check [FILE...]   lists those off the grid\n"
            "\n"
-           "  -increment I   one fixed tick, in place of -table ID\n"
+           "  -increment I   one fixed tick, in place of -table ID; or for each row its own:\n"
+           "                 -table-column NAME, or -mapping FILE -symbol-column NAME\n"
            "  -tables FILE   tables of your own, lines of name,band,upper_bound,increment\n"
-           "  -format csv    or json: the first four for programs\n"
+           "  -out FILE      or -in-place; else, and without FILE, the standard streams\n"
            "  -method        nearest (the default), modified-nearest, up or down\n"
-           "  -csv, -out     by default standard input and standard output\n"
+           "  -separator, -quote, -decimal-comma, -exponents, -no-header: forms of a file\n"
            "\n"
-           "Examples\n"
-           "  nxtick -increment 0.05 -csv wti-daily.csv -column Price -out snapped.csv\n"
+           "  nxtick -increment 0.05 -column Price -csv wti-daily.csv -out snapped.csv\n"
            "  nxtick -table VTT_EURONEXT_07 -price 9.999 -step 2\n"
-           "  nxtick -list -filter CME\n"
            "\n"
-           "Exit status  0 done, 1 some rows were rejected, 2 failed: no file was made,\n"
-           "             but rows may have gone to standard output before\n";
+           "Exit status  0 done, 1 rows were rejected or are off the grid, 2 failed\n"
+           "All options: man nxtick\n";
 }
 }  // namespace nxtick

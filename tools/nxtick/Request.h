@@ -2,12 +2,10 @@
 #ifndef NXTICK_REQUEST_H
 #define NXTICK_REQUEST_H
 
-#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "core/enum/nxRoundingMethodEnum.h"
+#include "CsvRequest.h"
 #include "core/numeric/nxDecimal.h"
 
 namespace nxtick
@@ -49,18 +47,13 @@ struct Request
     std::optional<int> step;
     int ladder = 0;
     std::string chartFile;
-    std::string csvFile;  ///< Empty: standard input.
-    std::string column;
-    std::string outFile;  ///< Empty: standard output.
-    nxRoundingMethodEnum method = nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST);
+    CsvRequest csv;
 };
 
 /// Checks the options and turns them into a request.
-/// @param options name without its first dash, and value; @param words what belongs to no option.
-/// @param argv the words that both come from, up to a null entry; the first is the command.
+/// @param argv the words of the command line up to a null entry; the first is the command.
 /// @throws Failure naming the first thing that is wrong, with the closest option or value where one is near.
-Request ReadRequest(const std::map<std::string, std::string>& options, const std::vector<std::string>& words,
-                    const char* const* argv);
+Request ReadRequest(const char* const* argv);
 
 /// What -help prints; fits a screen of 80 by 24 characters.
 std::string GetHelp();

@@ -1,72 +1,237 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Commands.h"
-#include "CsvReader.h"
+#include "CsvHeader.h"
 #include "Failure.h"
-#include "GridChoice.h"
 #include "InputFile.h"
+#include "OffGridListing.h"
 #include "OutputFile.h"
-#include "PriceGrid.h"
+#include "Passage.h"
 #include "PriceSnapper.h"
+#include "RowGrids.h"
+#include "SnapPlan.h"
 #include "SnapReport.h"
 
 namespace nxtick
 {
 namespace
 {
-// Finds the header. Empty lines before it are copied.
-void PassHeader(CsvReader& reader, PriceSnapper& snapper, const std::string& column)
+// One run over all files of a request.
+class SnapRun
 {
-    CsvRow row;
-    while (reader.Next(row))
+public:
+    explicit SnapRun(const Request& request)
+        : _request(request), _csv(request.csv), _source(request), _grids(_source), _report(request.isQuiet)
     {
-        if (!row.content.empty())
-            return snapper.Header(row, column);
-        snapper.Row(row);
     }
-    throw FileFailure("1: there is no header line");
-}
 
-int SnapFile(InputFile& input, PriceGrid& grid, const Request& request)
-{
-    OutputFile output(request.outFile);
-    if (input.IsSameFile(output.GetStream()))
-        throw Failure("cannot write " + output.GetName() +
-                      ": it is the input file; to replace that, name it with -out");
-    SnapReport report(input.GetName());
-    PriceSnapper snapper(
-        grid, request.method, [&output](std::string_view text) { output.Append(text); },
-        [&report](std::uint64_t line, const std::string& reason) { report.Rejected(line, reason); });
-    CsvReader reader(
-        [&](char* buffer, std::size_t size)
+    // All files to one output with one header.
+    int SnapTogether()
+    {
+        std::optional<InputFile> first;  // opened before the output is made
+        first.emplace(_csv.files.front());
+        OutputFile output(_csv.outFile);
+        _ForOne(*first, [&] { _Snap(*first, output, false); });
+        first.reset();
+        for (std::size_t i = 1; i < _csv.files.size(); ++i)
         {
-            report.Progress(snapper.GetCounts(), input.GetShareRead());
-            return input.Read(buffer, size);
-        });
-    PassHeader(reader, snapper, request.column);
-    CsvRow row;
-    while (reader.Next(row))
-        snapper.Row(row);
-    report.ClearProgress();
-    output.Complete();
-    report.Summary(snapper.GetCounts());
-    return snapper.GetCounts().rejected == 0 ? 0 : 1;
-}
+            InputFile input(_csv.files[i]);
+            _ForOne(input, [&] { _Snap(input, output, true); });
+        }
+        output.Complete();
+        _report.Summary("moved");
+        return _GetStatus(false);
+    }
+
+    // Each file is replaced; one that cannot be is as it was, and the others are done.
+    int SnapInPlace()
+    {
+        for (const std::string& file : _csv.files)
+            _Try(
+                [&]
+                {
+                    InputFile input(file);
+                    if (!input.IsRegular())
+                        throw Failure("cannot replace " + input.GetName() + ": it is no regular file");
+                    OutputFile output(file);
+                    _ForOne(input, [&] { _Snap(input, output, false); });
+                    output.Complete();
+                });
+        _report.Summary("moved");
+        return _GetStatus(false);
+    }
+
+    int Check()
+    {
+        const bool isCount = _csv.check == CsvRequest::Check::Count;
+        OutputFile output(_csv.outFile);
+        OffGridListing listing(_request.format,
+                               _csv.columns.size() > 1 || _csv.columns[0].find(',') != std::string::npos);
+        std::string text;
+        if (!isCount)
+            listing.Begin(text);
+        output.Append(text);
+        for (const std::string& file : _csv.files)
+            _Try(
+                [&]
+                {
+                    InputFile input(file);
+                    _ForOne(input, [&] { _Check(file, input, output, isCount ? nullptr : &listing); });
+                });
+        text = isCount ? OffGridListing::GetCounts(_request.format, _report.GetTotal()) : std::string();
+        if (!isCount)
+            listing.End(text);
+        output.Append(text);
+        output.Complete();
+        if (!isCount)
+            _report.Summary("off the grid");
+        return _GetStatus(true);
+    }
+
+private:
+    // What a file's failure says begins with the file's name.
+    template <class Work>
+    void _ForOne(const InputFile& input, const Work& work)
+    {
+        _report.BeginFile(input.GetName());
+        try
+        {
+            work();
+        }
+        catch (const FileFailure& failure)
+        {
+            throw Failure(input.GetName() + ":" + failure.what());
+        }
+    }
+
+    // Goes on after a failure, but not when the output that all files share fails.
+    template <class Work>
+    void _Try(const Work& work)
+    {
+        try
+        {
+            work();
+        }
+        catch (const Failure& failure)
+        {
+            if (!_csv.isInPlace && dynamic_cast<const OutputFailure*>(&failure) != nullptr)
+                throw;
+            _report.Failed(failure.what());
+            _hasFailed = true;
+        }
+    }
+
+    void _Snap(InputFile& input, OutputFile& output, bool isContinued)
+    {
+        if (input.IsSameFile(output.GetStream()))
+            throw Failure("cannot write " + output.GetName() +
+                          ": it is the input file; to replace that, name it with -out");
+        Passage passage(input, output, _report, _csv.dialect);
+        CsvRow row;
+        if (!_FindFirst(passage, row, !isContinued))
+            return passage.HandOver();
+        const CsvHeader header(row, _csv.hasHeader);
+        const SnapPlan plan(_csv, header, _source.HasBands());
+        if (isContinued)
+            _Continue(header, row, passage.GetText());
+        else
+            _firstNames = header.GetNames();
+        PriceSnapper snapper(plan, _grids, _Complaint());
+        if (_csv.hasHeader && !isContinued)
+            ((passage.GetText() += row.content) += plan.GetHeaderAddition()) += row.terminator;
+        else if (!_csv.hasHeader)
+        {
+            if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
+            {
+                row.content.remove_prefix(byteOrderMark.size());
+                passage.GetText() += isContinued ? "" : byteOrderMark;
+            }
+            snapper.Row(row, passage.GetText());
+        }
+        _lineEnd = row.terminator.empty() ? "\n" : row.terminator;
+        passage.PassAll(snapper, row);
+        _endsInLine = row.terminator.empty();
+        _report.EndFile(snapper.GetCounts());
+    }
+
+    void _Check(const std::string& file, InputFile& input, OutputFile& output, OffGridListing* listing)
+    {
+        if (input.IsSameFile(output.GetReplaced()) || input.IsSameFile(output.GetStream()))
+            throw OutputFailure("cannot write " + output.GetName() + ": it is the input file");
+        Passage passage(input, output, _report, _csv.dialect);
+        CsvRow row;
+        if (!_FindFirst(passage, row, false))
+            return;
+        const CsvHeader header(row, _csv.hasHeader);
+        const SnapPlan plan(_csv, header, _source.HasBands());
+        PriceChecker checker(plan, _grids, _Complaint(), file, listing);
+        if (!_csv.hasHeader)
+        {
+            if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
+                row.content.remove_prefix(byteOrderMark.size());
+            checker.Row(row, passage.GetText());
+        }
+        passage.PassAll(checker, row);
+        _report.EndFile(checker.GetCounts());
+    }
+
+    // Finds the first row that is not an empty line. @return false if there is none and none is needed.
+    bool _FindFirst(Passage& passage, CsvRow& row, bool copiesEmptyLines) const
+    {
+        while (passage.Next(row))
+        {
+            if (!row.content.empty())
+                return true;
+            if (copiesEmptyLines)
+                passage.GetText() += row.terminator;
+        }
+        if (_csv.hasHeader)
+            throw FileFailure("1: there is no header line");
+        return false;
+    }
+
+    // Rows after those of another file need the same columns, and a line of their own.
+    void _Continue(const CsvHeader& header, const CsvRow& row, std::string& text)
+    {
+        if (!_firstNames.empty() && header.GetNames() != _firstNames)
+            throw FileFailure(std::to_string(row.line) +
+                              ": the columns are not those of the first file; -in-place takes each file by itself");
+        if (_endsInLine)
+            text += _lineEnd;
+    }
+
+    RowPrices::Complaint _Complaint()
+    {
+        return [this](std::uint64_t line, const std::string& reason) { _report.Rejected(line, reason); };
+    }
+
+    int _GetStatus(bool isCheck) const
+    {
+        const SnapCounts& counts = _report.GetTotal();
+        return _hasFailed ? 2 : counts.rejected != 0 || (isCheck && counts.moved != 0) ? 1 : 0;
+    }
+
+    const Request& _request;
+    const CsvRequest& _csv;
+    GridSource _source;
+    RowGrids _grids;
+    SnapReport _report;
+    bool _hasFailed = false;
+    std::vector<std::string> _firstNames;  // of the columns of the first file
+    std::string _lineEnd;
+    bool _endsInLine = false;  // the last row so far has no line end
+};
 }  // namespace
 
 int Snap(const Request& request)
 {
-    InputFile input(request.csvFile);
-    const GridChoice choice(request);
-    try
-    {
-        return SnapFile(input, choice.GetGrid(), request);
-    }
-    catch (const FileFailure& failure)
-    {
-        throw Failure(input.GetName() + ":" + failure.what());
-    }
+    SnapRun run(request);
+    if (request.csv.check != CsvRequest::Check::None)
+        return run.Check();
+    return request.csv.isInPlace ? run.SnapInPlace() : run.SnapTogether();
 }
 }  // namespace nxtick

@@ -30,25 +30,26 @@ std::uint64_t Rate(std::uint64_t count, double seconds)
 }
 }  // namespace
 
-SnapReport::SnapReport(const std::string& fileName) : _fileName(fileName), _isWatched(IsErrorTerminal()) {}
+SnapReport::SnapReport(bool isQuiet) : _isQuiet(isQuiet), _isWatched(!isQuiet && IsErrorTerminal()) {}
 
 // Also when the run failed: the report names the rows that were rejected until then.
-SnapReport::~SnapReport()
+SnapReport::~SnapReport() { Flush(); }
+
+void SnapReport::BeginFile(const std::string& name)
 {
-    ClearProgress();
-    _FlushRejected();
+    _fileName = name;
+    ++_files;
 }
 
 void SnapReport::Rejected(std::uint64_t line, const std::string& reason)
 {
     const std::string message = _fileName + ":" + std::to_string(line) + ": " + reason;
     NX_LOG(NX_LOG_LEVEL_WARNING) << message;
+    if (_isQuiet)
+        return;
     _rejected += message + "\n";
     if (_isWatched || _rejected.size() > rejectedAtOnce)
-    {
-        ClearProgress();
-        _FlushRejected();
-    }
+        Flush();
 }
 
 void SnapReport::Progress(const SnapCounts& counts, double share)
@@ -60,36 +61,53 @@ void SnapReport::Progress(const SnapCounts& counts, double share)
         return;
     _nextProgress = seconds + secondsBetweenProgress;
     _isProgressShown = true;
+    const std::uint64_t rows = _total.rows + counts.rows;
+    const std::string file = _files > 1 ? _fileName + ": " : "";
     const std::string percent = share < 0 ? "" : std::to_string(static_cast<int>(std::min(share, 1.0) * 100)) + " %, ";
-    WriteError(clearLine + percent + CountText(counts.rows) + " rows, " + CountText(Rate(counts.rows, seconds)) +
-               " prices a second");
+    WriteError(clearLine + file + percent + CountText(rows) + " rows, " + CountText(Rate(rows, seconds)) +
+               " rows a second");
 }
 
-void SnapReport::Summary(const SnapCounts& counts)
+void SnapReport::Failed(const std::string& reason)
 {
-    ClearProgress();
-    _FlushRejected();
-    const double seconds = _Seconds();
-    const std::vector<std::vector<std::string>> lines = {
-        {"rows", CountText(counts.rows)},   {"on the grid", CountText(counts.onGrid)},
-        {"moved", CountText(counts.moved)}, {"rejected", CountText(counts.rejected)},
-        {"time", SecondsText(seconds)},     {"prices a second", CountText(Rate(counts.rows, seconds))},
-    };
-    WriteError(Columns(lines, {1}, {}));
-    NX_LOG(NX_LOG_LEVEL_INFO) << _fileName << ": " << counts.rows << " rows, " << counts.onGrid << " on the grid, "
-                              << counts.moved << " moved, " << counts.rejected << " rejected, " << SecondsText(seconds);
+    NX_LOG(NX_LOG_LEVEL_ERROR) << reason;
+    Flush();
+    WriteError("nxtick: " + reason + "\n");
 }
 
-void SnapReport::ClearProgress()
+void SnapReport::Summary(const char* nameOfMoved)
+{
+    Flush();
+    const double seconds = _Seconds();
+    const SnapCounts& counts = _total;
+    const std::vector<std::vector<std::string>> lines = {
+        {"rows", CountText(counts.rows)},
+        {"on the grid", CountText(counts.onGrid)},
+        {nameOfMoved, CountText(counts.moved)},
+        {"empty", CountText(counts.empty)},
+        {"rejected", CountText(counts.rejected)},
+        {"time", SecondsText(seconds)},
+        {"rows a second", CountText(Rate(counts.rows, seconds))},
+    };
+    if (!_isQuiet)
+        WriteError(Columns(lines, {1}, {}));
+    NX_LOG(NX_LOG_LEVEL_INFO) << (_files == 1 ? _fileName : CountText(_files) + " files") << ": " << counts.rows
+                              << " rows, " << counts.onGrid << " on the grid, " << counts.moved << " " << nameOfMoved
+                              << ", " << counts.empty << " empty, " << counts.rejected << " rejected, "
+                              << SecondsText(seconds);
+}
+
+void SnapReport::Flush()
+{
+    _ClearProgress();
+    WriteError(_rejected);
+    _rejected.clear();
+}
+
+void SnapReport::_ClearProgress()
 {
     if (_isProgressShown)
         WriteError(clearLine);
     _isProgressShown = false;
-}
-
-void SnapReport::_FlushRejected()
-{
-    WriteError(_rejected);
-    _rejected.clear();
 }
 }  // namespace nxtick

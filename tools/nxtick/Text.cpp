@@ -46,10 +46,10 @@ std::string Padded(const std::string& cell, const Width& width, bool onPoint, bo
 }
 }  // namespace
 
-std::string DecimalText(const nxDecimal& value)
+std::string DecimalText(const nxDecimal& value, char point)
 {
     nxOStream<nxSimpleAsciiStringWriter> stream;
-    value.Write(stream, '.');
+    value.Write(stream, point);
     return stream.GetWriter().GetText();
 }
 

@@ -14,10 +14,23 @@
 namespace nxtick
 {
 /// The number with all its decimals.
-std::string DecimalText(const nxDecimal& value);
+std::string DecimalText(const nxDecimal& value, char point = '.');
 
 /// 1234567 as "1,234,567".
 std::string CountText(std::uint64_t count);
+
+/// The text without blanks and tabs around it.
+inline std::string_view WithoutBlanks(std::string_view text)
+{
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+inline bool IsDigit(char c) { return '0' <= c && c <= '9'; }
 
 /// Text of unknown origin for a message: in quotes, cut to 40 bytes, safe to show. Characters that look like a blank or
 /// like nothing are shown as \xNN too, because a no-break space is often the reason why a number cannot be read.

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <csignal>
 #include <exception>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
@@ -29,11 +27,7 @@ void OpenLog(const nxCmdLineArgs& args)
 
 int Run()
 {
-    std::map<std::string, std::string> options;
-    std::vector<std::string> words;
-    nxCmdLineArgs::GetInstance().GetArgs(options);
-    nxCmdLineArgs::GetInstance().GetUnprocessedArgs(words);
-    const nxtick::Request request = nxtick::ReadRequest(options, words, nxCmdLineArgs::GetInstance().GetRawArgv());
+    const nxtick::Request request = nxtick::ReadRequest(nxCmdLineArgs::GetInstance().GetRawArgv());
     switch (request.action)
     {
         case nxtick::Request::Action::Version:

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef NXTICK_CSVDIALECT_H
+#define NXTICK_CSVDIALECT_H
+
+#include <string>
+#include <string_view>
+
+namespace nxtick
+{
+/// How the fields of a CSV file are divided and quoted.
+struct CsvDialect
+{
+    char separator = ',';
+    char quote = '"';
+    bool hasQuotes = true;  ///< false: a quote is a character like any other.
+
+    /// How text is written in a field: in quotes if it would read as something else without them.
+    /// @throws Failure when that needs quotes and there are none.
+    std::string GetField(std::string_view text) const;
+};
+
+/// How numbers are written in a file.
+struct NumberForm
+{
+    char point = '.';
+    bool hasExponents = false;  ///< Whether 1.5e3 is a number.
+};
+}  // namespace nxtick
+
+#endif

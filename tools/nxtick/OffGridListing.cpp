@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "OffGridListing.h"
+
+#include <utility>
+#include <vector>
+
+#include "Json.h"
+#include "Text.h"
+
+namespace nxtick
+{
+void OffGridListing::Begin(std::string& text) const
+{
+    if (_format == Request::Format::Csv)
+        text += "file,line,column,price,below,above\n";
+    else if (_format == Request::Format::Json)
+        text += "[";
+}
+
+void OffGridListing::Add(const OffGridPrice& price, std::string& text)
+{
+    const std::string line = std::to_string(price.line);
+    const std::string numbers[] = {DecimalText(price.price), DecimalText(price.below), DecimalText(price.above)};
+    switch (_format)
+    {
+        case Request::Format::Text:
+            text += nxPrintableText::GetEscaped(price.file) + ":" + line + ": " +
+                    (_hasColumns ? "column " + Quoted(price.column) + ": " : "") + numbers[0] +
+                    " is off the grid, between " + numbers[1] + " and " + numbers[2] + "\n";
+            break;
+        case Request::Format::Csv:
+            text += CsvDialect().GetField(price.file) + "," + line + "," + CsvDialect().GetField(price.column) + "," +
+                    numbers[0] + "," + numbers[1] + "," + numbers[2] + "\n";
+            break;
+        case Request::Format::Json:
+            AppendJson(price.file, text += _isEmpty ? "\n{\"file\":" : ",\n{\"file\":");
+            AppendJson(price.column, text += ",\"line\":" + line + ",\"column\":");
+            text += ",\"price\":" + numbers[0] + ",\"below\":" + numbers[1] + ",\"above\":" + numbers[2] + "}";
+            break;
+    }
+    _isEmpty = false;
+}
+
+void OffGridListing::End(std::string& text) const
+{
+    if (_format == Request::Format::Json)
+        text += "\n]\n";
+}
+
+std::string OffGridListing::GetCounts(Request::Format format, const SnapCounts& counts)
+{
+    const std::pair<const char*, std::uint64_t> all[] = {{"rows", counts.rows},
+                                                         {"on_grid", counts.onGrid},
+                                                         {"off_grid", counts.moved},
+                                                         {"empty", counts.empty},
+                                                         {"rejected", counts.rejected}};
+    std::vector<std::vector<std::string>> lines;
+    std::string names;
+    std::string numbers;
+    std::string members;
+    for (const auto& [name, count] : all)
+    {
+        const char* const between = names.empty() ? "" : ",";
+        lines.push_back({name, std::to_string(count)});
+        names.append(between).append(name);
+        numbers.append(between).append(lines.back()[1]);
+        members.append(between).append("\"").append(name).append("\":").append(lines.back()[1]);
+    }
+    return format == Request::Format::Text  ? Columns(lines, {1}, {})
+           : format == Request::Format::Csv ? names + "\n" + numbers + "\n"
+                                            : "[\n{" + members + "}\n]\n";
+}
+
+void PriceChecker::Row(const CsvRow& row, std::string& out)
+{
+    if (row.content.empty())
+        return;
+    if (PriceGrid* const grid = _prices.Begin(row); grid != nullptr)
+        for (std::size_t column = 0; column < _plan.GetPrices().size(); ++column)
+            _Check(row, column, *grid, out);
+}
+
+void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid, std::string& out)
+{
+    nxDecimal price;
+    if (!_prices.Read(row, column, grid, price))
+        return;
+    const bool isOnGrid = grid.IsOnGrid(price);
+    ++(isOnGrid ? _prices.GetCounts().onGrid : _prices.GetCounts().moved);
+    if (!isOnGrid && _listing != nullptr)
+        _listing->Add(
+            {_file, row.line, _plan.GetPrices()[column].name, price, grid.GetBelow(price), grid.GetAbove(price)}, out);
+}
+}  // namespace nxtick

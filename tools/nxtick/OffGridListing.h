@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef NXTICK_OFFGRIDLISTING_H
+#define NXTICK_OFFGRIDLISTING_H
+
+#include <cstdint>
+#include <string>
+
+#include "Request.h"
+#include "RowPrices.h"
+#include "core/numeric/nxDecimal.h"
+
+namespace nxtick
+{
+/// A price that is off the grid, and where it is.
+struct OffGridPrice
+{
+    const std::string& file;
+    std::uint64_t line;
+    const std::string& column;
+    nxDecimal price;
+    nxDecimal below;
+    nxDecimal above;
+};
+
+/// The text of a list of prices off the grid: lines for people, CSV with a header, or an array of JSON with one object a
+/// line. Numbers have a point and all their digits.
+class OffGridListing
+{
+public:
+    /// @param hasColumns whether a line for people names the column.
+    OffGridListing(Request::Format format, bool hasColumns) : _format(format), _hasColumns(hasColumns) {}
+
+    void Begin(std::string& text) const;
+    void Add(const OffGridPrice& price, std::string& text);
+    void End(std::string& text) const;
+
+    /// The counts instead of the prices, whole.
+    static std::string GetCounts(Request::Format format, const SnapCounts& counts);
+
+private:
+    Request::Format _format;
+    bool _hasColumns;
+    bool _isEmpty = true;
+};
+
+/// Finds the prices of rows that are off their grids.
+class PriceChecker
+{
+public:
+    /// @param listing null if the prices are only counted. All but @p complaint must outlive the object.
+    PriceChecker(const SnapPlan& plan, RowGrids& grids, RowPrices::Complaint complaint, const std::string& file,
+                 OffGridListing* listing)
+        : _plan(plan), _prices(plan, grids, std::move(complaint)), _file(file), _listing(listing)
+    {
+    }
+
+    /// Appends what the listing says of the row.
+    void Row(const CsvRow& row, std::string& out);
+
+    const SnapCounts& GetCounts() const { return _prices.GetCounts(); }
+
+private:
+    void _Check(const CsvRow& row, std::size_t column, PriceGrid& grid, std::string& out);
+
+    const SnapPlan& _plan;
+    RowPrices _prices;
+    const std::string& _file;
+    OffGridListing* _listing;
+};
+}  // namespace nxtick
+
+#endif
