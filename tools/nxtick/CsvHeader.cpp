@@ -39,7 +39,7 @@ constexpr Foreign foreign[] = {
 };
 
 // Of text without a byte order mark, whose first character is one of ASCII.
-constexpr Foreign withoutMark[] = {
+constexpr Foreign unmarked[] = {
     {"x\0\0\0"sv, foreign[5].name, foreign[5].command},
     {"\0\0\0x"sv, foreign[6].name, foreign[6].command},
     {"x\0"sv, foreign[7].name, foreign[7].command},
@@ -51,7 +51,7 @@ const Foreign* FindForeign(std::string_view start)
     for (const Foreign& each : foreign)
         if (start.substr(0, each.start.size()) == each.start)
             return &each;
-    for (const Foreign& each : withoutMark)
+    for (const Foreign& each : unmarked)
     {
         const auto isAlike = [](char pattern, char c) { return (pattern == '\0') == (c == '\0'); };
         if (start.size() >= each.start.size() &&
