@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OffGridListing.h"
 
-#include <utility>
 #include <vector>
 
 #include "Json.h"

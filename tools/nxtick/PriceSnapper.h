@@ -3,6 +3,7 @@
 #define NXTICK_PRICESNAPPER_H
 
 #include <string>
+#include <utility>
 
 #include "RowPrices.h"
 
