@@ -74,6 +74,8 @@
 #include "core/log/nxLogDeferredWriteThread.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogIdleSettings.h"
+#include "core/log/nxLogLevelRule.h"
+#include "core/log/nxLogLevels.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"

@@ -6,9 +6,9 @@
 
 #include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogHexDump.h"
+#include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLineBuffer.h"
 #include "core/log/internal/nxLogRecord.h"
-#include "core/log/internal/nxLogSwitches.h"
 #include "core/log/internal/nxLogValueReader.h"
 #include "core/platform/nxThisThread.h"
 #include "core/thread/nxThreadIndex.h"
@@ -93,17 +93,18 @@ nxErrorEnum nxLog::LogBufferAsHex(const char* buffer, unsigned length, const uns
         (record << ... << values);
         nxLogFilling::Write(record._GetRecord());
     };
+    const std::string_view place = sourceFile != nullptr ? sourceFile : "";
     const char* const fault = buffer == nullptr ? "Unable to dump memory as hex and ascii. A null buffer was passed in"
                               : bytesPerLine == 0 || bytesPerLine > MaximumBytesPerLine
                                   ? "Unable to dump memory as hex and ascii. Bytes per line value is not valid"
                                   : nullptr;
     if (fault != nullptr)
     {
-        if (nxLogSwitches::ShouldLog(NX_LOG_LEVEL_ERROR))
+        if (nxLogLevelState::ShouldLog(NX_LOG_LEVEL_ERROR, place))
             log(NX_LOG_LEVEL_ERROR, fault);
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     }
-    if (!nxLogSwitches::ShouldLog(level))
+    if (!nxLogLevelState::ShouldLog(level.GetEnumValue(), place))
         return nxErrorEnum();
 
     const unsigned size = std::min(length, MaximumDump);

@@ -11,6 +11,7 @@
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogFork.h"
+#include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogSwitches.h"
@@ -18,6 +19,7 @@
 #include "core/log/internal/nxLogWriterThread.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogDevice.h"
+#include "core/log/nxLogLevels.h"
 #include "core/log/nxLogSettings.h"
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxProcessBarrier.h"
@@ -56,6 +58,9 @@ nxLogManager::nxLogManager() noexcept
     {
         Apply(nxLogSettings::Read());
         Apply(nxLogThreadSettings::Read());
+        // A mistake is told by nxLogSetUp(), which reads them again.
+        if (const std::string rules = nxLogLevelSettings::Read().rules; !rules.empty())
+            static_cast<void>(nxLogLevels::Set(rules));
     }
     catch (...)
     {
@@ -65,7 +70,7 @@ nxLogManager::nxLogManager() noexcept
     nxLogFork::Register();
 }
 
-bool nxLogSwitches::ShouldLog(const nxLogLevelEnum& level) noexcept { return nxLogManager::ShouldLog(level); }
+void nxLogSwitches::SetThreshold(nxEnumValue level) noexcept { nxLogManager::_threshold.store(level); }
 
 bool nxLogSwitches::IsThreadIndexLogged() noexcept { return nxLogManager::GetInstance().GetLogThreadIndex(); }
 
@@ -93,13 +98,10 @@ void nxLogManager::Apply(const nxLogThreadSettings& settings) noexcept
 void nxLogManager::SetLogLevel(const nxLogLevelEnum& level) noexcept
 {
     if (level.IsSpecificTypeForInstance())
-        _threshold.store(level.GetValue(), std::memory_order_relaxed);
+        nxLogLevelState::SetLevelForAll(level.GetEnumValue());
 }
 
-nxLogLevelEnum nxLogManager::GetLogLevel() noexcept
-{
-    return nxLogLevelEnum(static_cast<nxEnumValue>(_threshold.load(std::memory_order_relaxed)));
-}
+nxLogLevelEnum nxLogManager::GetLogLevel() noexcept { return nxLogLevelEnum(nxLogLevelState::GetLevelForAll()); }
 
 void nxLogManager::Write(nxLog& record) noexcept
 {

@@ -63,7 +63,8 @@ public:
     /// The manager; made when the library is loaded, never destroyed.
     static nxLogManager& GetInstance() noexcept;
 
-    /// Whether records of @p level are wanted: at or above the threshold, at first NX_LOG_LEVEL_INFO.
+    /// Whether records of @p level are wanted: at or above the threshold, at first NX_LOG_LEVEL_INFO. Where rules of
+    /// nxLogLevels are set, whether any source wants them.
     static bool ShouldLog(const nxLogLevelEnum& level)
     {
         return level.GetEnumValue() >= _threshold.load(std::memory_order_relaxed);
@@ -73,9 +74,10 @@ public:
     {
         return level >= _threshold.load(std::memory_order_relaxed) && level < nxLogLevelEnum::MaximumValue;
     }
-    /// Changes the threshold. An undefined level changes nothing.
+    /// Changes the threshold, for all sources that no rule of nxLogLevels fits. An undefined level changes nothing. While a
+    /// level file names a threshold, that one holds.
     static void SetLogLevel(const nxLogLevelEnum& level) noexcept;
-    /// The threshold.
+    /// The threshold that holds.
     static nxLogLevelEnum GetLogLevel() noexcept;
 
     /// Queues @p record for the deferred-write thread. The record gives up its message: written again, it is empty.
@@ -155,10 +157,13 @@ public:
     void Destroy() noexcept;
 
 private:
+    friend class nxLogSwitches;
+
     nxLogManager() noexcept;
     ~nxLogManager() = default;
 
-    // Invariant: the manager holds the threshold and the two switches; all else is in the parts that it calls.
+    // Invariant: the manager holds the threshold and the two switches; all else is in the parts that it calls. The threshold
+    // is the lowest level that any source reports. Programs that were built with version 1.0 test it in each statement.
     static std::atomic<unsigned> _threshold;
     std::atomic<bool> _logThreadIndex{true};
     std::atomic<bool> _logThreadCPU{false};

@@ -7,6 +7,7 @@
 #include "core/log/nxConsoleLogDevice.h"
 #include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLogIdleSettings.h"
+#include "core/log/nxLogLevels.h"
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSettings.h"
@@ -41,6 +42,7 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
     nxLogManager::GetInstance().Apply(settings);
     nxLogManager::GetInstance().Apply(nxLogThreadSettings::Read());
     nxLogIdleSettings::Read().Apply();
+    nxLogLevels::Apply(nxLogLevelSettings::Read());
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
     file.Create(maximumFileSize, SetUpConsole(settings.console));
     TellRefusedTexts();

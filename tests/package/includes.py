@@ -33,9 +33,10 @@ LAYERS = (
 LOG_PARTS = (
     ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
     ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
-               "inline/nxLogSource internal/nxLogSourceTable internal/nxLogEscape"),
+               "inline/nxLogSource nxLogLevelRule internal/nxLogLevelRules internal/nxLogSourceTable internal/nxLogEscape"),
     ("counters, switches, limits", "internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
+    ("levels", "inline/nxLogGate internal/nxLogLevelState"),
     ("memory", "internal/nxLogRingMemory"),
     ("ring", "inline/nxLogChannel internal/nxLogRing"),
     ("channels", "internal/nxLogChannelList"),
@@ -44,9 +45,9 @@ LOG_PARTS = (
     ("text", "internal/nxLogTimeText internal/nxLogQuickText internal/nxLogLineBuffer nxLogLineSink"),
     ("record for people", "nxLog internal/nxLogConversion nxLogStatement nxLogLine internal/nxLogHexDump"),
     ("devices", "nxLogDevice internal/nxLogTimedLock internal/nxLogForkLock internal/nxLogDeviceEntry internal/nxLogDeviceList"),
-    ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogUpkeep"),
+    ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogOwnReport internal/nxLogLevelFile internal/nxLogUpkeep"),
     ("writer", "internal/nxLogWriter internal/nxLogIdleSleep internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
-    ("manager", "nxLogManager nxLogSettings"),
+    ("manager", "nxLogManager nxLogSettings nxLogLevels"),
     ("statements", "nxLogMacros"),
     ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile internal/nxLogFileNames nxLogSetUp"),
     ("reports from below", "internal/nxThreadReport"),

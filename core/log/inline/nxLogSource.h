@@ -26,7 +26,12 @@ class NX_CORE_API nxLogSite
 {
 public:
     /// @param file a literal. @param line its line.
-    constexpr nxLogSite(const char* file, unsigned line) noexcept : _file(file), _line(line) {}
+    constexpr nxLogSite(const char* file, unsigned line) noexcept : nxLogSite(file, line, 0) {}
+    /// @param path a literal, of which lines show what follows its first @p folders bytes. @param line its line.
+    constexpr nxLogSite(const char* path, unsigned line, unsigned long folders) noexcept
+        : _file(path + folders), _line(line), _folders(static_cast<unsigned>(folders) + 1)
+    {
+    }
 
     /// @return the kept place; the first statement that runs here has it made.
     const nxLogSource* GetSource() noexcept
@@ -41,6 +46,8 @@ private:
     std::atomic<const nxLogSource*> _source{nullptr};
     const char* _file;
     unsigned _line;
+    // 1 and the bytes of the path that are in front of the file. It was padding in version 1.0, where it is 0.
+    unsigned _folders;
 };
 
 #endif

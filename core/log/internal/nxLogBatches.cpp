@@ -6,6 +6,7 @@
 
 #include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogSwitches.h"
 #include "core/log/nxLogDevice.h"
 
@@ -32,7 +33,8 @@ void nxLogBatches::Prepare()
         if (!(*_devices)[index]->IsRemoved())
             _PrepareDevice(index);
     const auto isOther = [this](const Batch* batch) { return batch != _onlyBatch; };
-    if (std::any_of(_batchOfDevice.begin(), _batchOfDevice.end(), isOther))
+    _mustSift = nxLogLevelState::HasRules() && nxLogSourceTable::GetInstance().HasOldPrograms();
+    if (_mustSift || std::any_of(_batchOfDevice.begin(), _batchOfDevice.end(), isOther))
         _onlyBatch = nullptr;
 }
 
@@ -87,6 +89,8 @@ void nxLogBatches::_BeginDay() noexcept
 
 bool nxLogBatches::_DeliverToAll(const nxLogRecord& record) noexcept
 {
+    if (_mustSift && nxLogLevelState::IsUnwanted(static_cast<nxEnumValue>(record.level), record.source))
+        return true;
     if (!_hasDevices)
         return false;
     bool isForLines = false, isInLines = false;

@@ -89,6 +89,7 @@ private:
     std::vector<Batch*> _batchOfDevice;            // null for a device that takes records
     bool _hasDevices = false;                      // that are still registered
     bool _hasRecordDevices = false;
+    bool _mustSift = false;       // records may be in the queue that the rules do not want
     Batch* _onlyBatch = nullptr;  // when records go into this one and nowhere else
     unsigned _inLinesAlone = 0;   // records in batches that no device has been given yet; unused with _onlyBatch
     nxLogTimeText _time;          // of the record at hand

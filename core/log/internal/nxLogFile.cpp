@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
-#include "core/log/nxLogManager.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxDirectory.h"
 #include "core/platform/nxNanoseconds.h"
@@ -161,7 +161,7 @@ void nxLogFile::Reopen()
 // Writes a record of the device itself.
 void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::string& text)
 {
-    if (!nxLogManager::ShouldLog(level))
+    if (!nxLogLevelState::ShouldLog(level.GetEnumValue(), fileDeviceSource))
         return;
     nxLog record(level, fileDeviceSource, line, nxTimeStamp::Now());
     record << text;

@@ -8,6 +8,8 @@
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogLevelFile.h"
+#include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogMerge.h"
 #include "core/log/internal/nxLogRingMemory.h"
 #include "core/log/internal/nxLogSourceTable.h"
@@ -23,12 +25,16 @@ void BeforeFork()
     nxLogDeviceList::GetInstance().BeforeFork();
     nxLogChannelList::GetInstance().BeforeFork();
     nxLogRingMemory::GetInstance().BeforeFork();
+    nxLogLevelFile::GetInstance().BeforeFork();
+    nxLogLevelState::GetInstance().BeforeFork();
     nxLogSourceTable::GetInstance().BeforeFork();
 }
 
 void AfterForkInParent()
 {
     nxLogSourceTable::GetInstance().AfterForkInParent();
+    nxLogLevelState::GetInstance().AfterForkInParent();
+    nxLogLevelFile::GetInstance().AfterForkInParent();
     nxLogRingMemory::GetInstance().AfterForkInParent();
     nxLogChannelList::GetInstance().AfterForkInParent();
     nxLogDeviceList::GetInstance().AfterForkInParent();
@@ -39,6 +45,8 @@ void AfterForkInChild()
     nxLogCounters::AfterForkInChild();
     nxLogBell::AfterForkInChild();
     nxLogSourceTable::GetInstance().AfterForkInChild();
+    nxLogLevelState::GetInstance().AfterForkInChild();
+    nxLogLevelFile::GetInstance().AfterForkInChild();
     const std::size_t bytesInUse = nxLogChannelList::GetInstance().AfterForkInChild();
     nxLogRingMemory::GetInstance().AfterForkInChild(bytesInUse);
     nxLogBackpressure::AfterForkInChild();

@@ -18,23 +18,39 @@ nxLogSourceTable& nxLogSourceTable::GetInstance() noexcept
     return table;
 }
 
-const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line)
+const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line, std::size_t folders, bool isOld)
 {
     const nxMutexGuard guard(_mutex);
-    const auto found = _sources.find({file, line});
+    const char* const path = file - folders;
+    const std::size_t pathSize = folders + std::strlen(file);
+    const auto found = _sources.find({{path, pathSize}, line, folders, isOld});
     if (found != _sources.end())
         return &found->second;
-    const std::size_t fileSize = std::strlen(file);
-    std::string suffix(nxLogEscape::GetSuffixRoom(fileSize), '\0');
+    std::string suffix(nxLogEscape::GetSuffixRoom(pathSize - folders), '\0');
     suffix.resize(static_cast<std::size_t>(nxLogEscape::PutSuffix(suffix.data(), file, line) - suffix.data()));
-    auto texts = std::make_unique<char[]>(fileSize + 1 + std::max(suffix.size(), nxLogSource::SuffixRoom));
-    std::memcpy(texts.get(), file, fileSize + 1);
-    std::memcpy(texts.get() + fileSize + 1, suffix.data(), suffix.size());
-    const nxLogSource source{texts.get(), line, texts.get() + fileSize + 1, suffix.size()};
-    const nxLogSource* const kept = &_sources.emplace(Key({texts.get(), fileSize}, line), source).first->second;
+    auto texts = std::make_unique<char[]>(pathSize + 1 + std::max(suffix.size(), nxLogSource::SuffixRoom));
+    char* const keptSuffix = texts.get() + pathSize + 1;
+    std::memcpy(texts.get(), path, pathSize + 1);
+    std::memcpy(keptSuffix, suffix.data(), suffix.size());
+    const std::string_view keptPath(texts.get(), pathSize);
+    const nxLogSource source{texts.get() + folders, line, keptSuffix, suffix.size()};
+    nxLogKeptSource& kept = _sources.try_emplace(Key(keptPath, line, folders, isOld), source, isOld).first->second;
     // The texts are never freed, as the place is not.
     static_cast<void>(texts.release());
-    return kept;
+    if (_rules != nullptr)
+        kept.level.store(_rules->Find(keptPath), std::memory_order_relaxed);
+    if (isOld)
+        _hasOldPrograms.store(true, std::memory_order_relaxed);
+    return &kept;
+}
+
+void nxLogSourceTable::SetRules(std::shared_ptr<const nxLogLevelRules> rules) noexcept
+{
+    const nxMutexGuard guard(_mutex);
+    for (auto& [key, source] : _sources)
+        source.level.store(rules != nullptr ? rules->Find(std::get<0>(key)) : NX_ENUM_UNDEFINED,
+                           std::memory_order_relaxed);
+    _rules.swap(rules);
 }
 
 void nxLogSourceTable::AfterForkInChild() noexcept { nxForkMutex::Renew(_mutex); }
@@ -43,10 +59,12 @@ void nxLogSourceTable::AfterForkInChild() noexcept { nxForkMutex::Renew(_mutex);
 const nxLogSource* nxLogSite::_Keep() noexcept
 {
     static constexpr char none[nxLogSource::SuffixRoom] = "";
-    static constexpr nxLogSource unknown{none, 0, none, 0};
+    static constinit const nxLogKeptSource unknown({none, 0, none, 0}, false);
     try
     {
-        const nxLogSource* const source = nxLogSourceTable::GetInstance().Keep(_file, _line);
+        const bool isOld = _folders == 0;
+        const nxLogSource* const source =
+            nxLogSourceTable::GetInstance().Keep(_file, _line, isOld ? 0 : _folders - 1, isOld);
         nxThreadSanitizer::Release(&_source);  // GetSource() is inlined into the application
         _source.store(source, std::memory_order_release);
         return source;

@@ -2,17 +2,43 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGSOURCETABLE_H
 #define CORE_LOG_INTERNAL_NXLOGSOURCETABLE_H
 
+#include <atomic>
 #include <map>
+#include <memory>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
+#include "core/enum/nxEnumValue.h"
 #include "core/log/inline/nxLogSource.h"
+#include "core/log/internal/nxLogLevelRules.h"
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutex.h"
 
+/// A place with what the library alone knows of it.
+///
+/// Invariant: every nxLogSource is part of one.
+struct nxLogKeptSource : nxLogSource
+{
+    constexpr nxLogKeptSource(const nxLogSource& source, bool isOld) noexcept
+        : nxLogSource(source), isOfOldProgram(isOld)
+    {
+    }
+
+    static const nxLogKeptSource& Of(const nxLogSource& source) noexcept
+    {
+        return static_cast<const nxLogKeptSource&>(source);
+    }
+
+    /// The level of the rule that fits the place best; NX_ENUM_UNDEFINED where none fits.
+    std::atomic<nxEnumValue> level{NX_ENUM_UNDEFINED};
+    /// Whether the program was built with version 1.0: its statements know neither rules nor the folders of the file.
+    bool isOfOldProgram;
+};
+
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
 ///
-/// Invariant: a place that was kept is never changed and never freed, so that queued records may point to it.
+/// Invariant: a place that was kept is never changed, but for its level, and never freed, so that queued records may point
+/// to it. Its level is that of the rules.
 ///
 /// Threads: any.
 class nxLogSourceTable
@@ -20,21 +46,31 @@ class nxLogSourceTable
 public:
     static nxLogSourceTable& GetInstance() noexcept;
 
+    /// @param folders bytes in front of @p file that belong to its path. @param isOld whether the program was built with
+    ///        version 1.0; there are no folders then.
     /// @return the place, the same object for equal arguments. Throws std::bad_alloc.
-    const nxLogSource* Keep(const char* file, unsigned line);
+    const nxLogSource* Keep(const char* file, unsigned line, std::size_t folders, bool isOld);
+
+    /// Gives all places, and those that are kept from now on, their levels. Null for no rules.
+    void SetRules(std::shared_ptr<const nxLogLevelRules> rules) noexcept;
+    /// Whether a program that was built with version 1.0 has reported.
+    bool HasOldPrograms() const noexcept { return _hasOldPrograms.load(std::memory_order_relaxed); }
 
     void BeforeFork() noexcept { nxForkMutex::Take(_mutex); }
     void AfterForkInParent() noexcept { nxForkMutex::GiveBack(_mutex); }
     void AfterForkInChild() noexcept;
 
 private:
-    using Key = std::pair<std::string_view, unsigned>;
+    using Key =
+        std::tuple<std::string_view, unsigned, std::size_t, bool>;  // the path, and the other arguments of Keep()
 
     nxLogSourceTable() noexcept = default;
     ~nxLogSourceTable() = delete;
 
     nxMutex _mutex;
-    std::map<Key, nxLogSource> _sources NX_GUARDED_BY(_mutex);
+    std::map<Key, nxLogKeptSource> _sources NX_GUARDED_BY(_mutex);
+    std::shared_ptr<const nxLogLevelRules> _rules NX_GUARDED_BY(_mutex);
+    std::atomic<bool> _hasOldPrograms{false};
 };
 
 #endif

@@ -2,7 +2,7 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGSWITCHES_H
 #define CORE_LOG_INTERNAL_NXLOGSWITCHES_H
 
-#include "core/enum/nxLogLevelEnum.h"
+#include "core/enum/nxEnumValue.h"
 
 /// The switches of nxLogManager, for the parts of the log below it.
 ///
@@ -15,9 +15,9 @@ class nxLogSwitches
 public:
     nxLogSwitches() = delete;
 
-    static bool ShouldLog(const nxLogLevelEnum& level) noexcept;  ///< Whether records of @p level are wanted.
-    static bool IsThreadIndexLogged() noexcept;                   ///< Whether lines carry the index of the thread.
-    static bool IsProcessorLogged() noexcept;  ///< Whether lines carry the processor of the thread, too.
+    static void SetThreshold(nxEnumValue level) noexcept;  ///< The lowest level that any source reports.
+    static bool IsThreadIndexLogged() noexcept;            ///< Whether lines carry the index of the thread.
+    static bool IsProcessorLogged() noexcept;              ///< Whether lines carry the processor of the thread, too.
 };
 
 #endif

@@ -5,12 +5,10 @@
 #include <cmath>
 #include <memory>
 
-#include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
-#include "core/log/internal/nxLogFilling.h"
-#include "core/log/internal/nxLogSwitches.h"
-#include "core/log/nxLog.h"
+#include "core/log/internal/nxLogLevelFile.h"
+#include "core/log/internal/nxLogOwnReport.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/platform/inline/nxClock.h"
@@ -18,15 +16,7 @@
 
 namespace
 {
-template <class... Values>
-void ReportForManager(const nxLogLevelEnum& level, unsigned line, const Values&... values)
-{
-    if (!nxLogSwitches::ShouldLog(level))
-        return;
-    nxLog record(level, "core/trunk/nxLogManager", line, nxTimeStamp::Now());
-    (record << ... << values);
-    nxLogFilling::Write(nxLogConversion::View(record));
-}
+constexpr const char* managerSource = "core/trunk/nxLogManager";
 }  // namespace
 
 void nxLogUpkeep::SetFlushInterval(double seconds) noexcept
@@ -89,6 +79,7 @@ void nxLogUpkeep::_MaintainWhereDue() noexcept
     if (time < _state.nextMaintenance)
         return;
     _state.nextMaintenance = time + nxLogLimits::MaintenanceInterval;
+    nxLogLevelFile::GetInstance().Look();
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
     for (const auto& entry : *devices)
         if (nxLogLineSink* const sink = entry->GetLineSink())
@@ -116,9 +107,10 @@ void nxLogUpkeep::_ReportLosses() noexcept
     _state.reportedDrops += drops;
     _state.reportedWaits += waits;
     if (drops != 0)
-        ReportForManager(NX_LOG_LEVEL_WARNING, 211,
-                         "Log records dropped because the queue was full and a device had stalled: ", drops,
-                         ", callers that waited: ", waits);
+        nxLogOwnReport::Write(NX_LOG_LEVEL_WARNING, managerSource, 211,
+                              "Log records dropped because the queue was full and a device had stalled: ", drops,
+                              ", callers that waited: ", waits);
     else
-        ReportForManager(NX_LOG_LEVEL_INFO, 215, "Callers that waited because the log's queue was full: ", waits);
+        nxLogOwnReport::Write(NX_LOG_LEVEL_INFO, managerSource, 215,
+                              "Callers that waited because the log's queue was full: ", waits);
 }
