@@ -2,6 +2,7 @@
 #ifndef CORE_LOG_INLINE_NXLOGGATE_H
 #define CORE_LOG_INLINE_NXLOGGATE_H
 
+#include <array>
 #include <atomic>
 
 #include "core/enum/nxLogLevelEnum.h"
@@ -24,29 +25,34 @@ public:
     template <class GetSite>
     [[gnu::always_inline]] static bool Wants(nxEnumValue level, const GetSite& getSite) noexcept
     {
-        const unsigned index = level - nxLogLevelEnum::MinimumValue;
-        if (index >= _levels)
-            return false;
-        const signed char verdict = _verdicts[index].load(std::memory_order_relaxed);
-        return verdict > 0 || (verdict < 0 && _Ask(level, getSite()));
+        return level < _levels && _Wants(level, getSite);
     }
     /// @copydoc Wants(nxEnumValue, const GetSite&)
     template <class GetSite>
     [[gnu::always_inline]] static bool Wants(const nxLogLevelEnum& level, const GetSite& getSite) noexcept
     {
-        return Wants(level.GetEnumValue(), getSite);
+        return _Wants(level.GetEnumValue(), getSite);
     }
 
     /// Sets the verdicts: "no" below @p lowest, "yes" from @p certain on, which is not below it.
     static void Set(nxEnumValue lowest, nxEnumValue certain) noexcept;
 
 private:
-    [[gnu::cold, gnu::noinline]] static bool _Ask(nxEnumValue level, nxLogSite& site) noexcept;
+    // A level enumeration holds no larger numbers, so that it needs no comparison.
+    static constexpr unsigned _levels = 64;
+    static_assert(nxLogLevelEnum::MaximumValue < _levels);
 
-    static constexpr unsigned _levels = nxLogLevelEnum::MaximumValue - nxLogLevelEnum::MinimumValue;
+    template <class GetSite>
+    [[gnu::always_inline]] static bool _Wants(nxEnumValue level, const GetSite& getSite) noexcept
+    {
+        const signed char verdict = _verdicts[level % _levels].load(std::memory_order_relaxed);
+        return verdict > 0 || (verdict != 0 && _Ask(level, getSite()));
+    }
+    [[gnu::noinline]] static bool _Ask(nxEnumValue level, nxLogSite& site) noexcept;
 
-    // 1 for yes, 0 for no, -1 for ask. All statements read it, and it is written when levels change.
-    alignas(64) static constinit std::atomic<signed char> _verdicts[_levels];
+    // By the number of the level: 1 for yes, 0 for no, -1 for ask. One cache line, which all statements read, and which is
+    // written when levels change.
+    alignas(64) static std::array<std::atomic<signed char>, _levels> _verdicts;
 };
 
 #endif

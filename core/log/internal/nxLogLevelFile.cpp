@@ -26,8 +26,11 @@ void nxLogLevelFile::Watch(const std::string& path)
     std::string copy = path;
     {
         const nxMutexGuard guard(_mutex);
-        _path.swap(copy);
-        _seen = Seen();
+        if (_path != path)
+        {
+            _path.swap(copy);
+            _seen = Seen();
+        }
         _isWatched.store(!_path.empty(), std::memory_order_relaxed);
         if (_path.empty())
             nxLogLevelState::GetInstance().SetFileRules(nullptr);

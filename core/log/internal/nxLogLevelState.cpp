@@ -54,6 +54,13 @@ void PublishLevels() noexcept
     }
 }
 
+// For NX_LOG_LEVEL_INFO, the level for all at first.
+template <std::size_t... Level>
+constexpr std::array<std::atomic<signed char>, sizeof...(Level)> MakeFirstVerdicts(std::index_sequence<Level...>)
+{
+    return {std::atomic<signed char>(NX_LOG_LEVEL_INFO <= Level && Level < nxLogLevelEnum::MaximumValue)...};
+}
+
 template <class Change>
 void ChangeLevels(const Change& change) noexcept
 {
@@ -68,15 +75,13 @@ void ChangeLevels(const Change& change) noexcept
 }
 }  // namespace
 
-constinit std::atomic<signed char> nxLogGate::_verdicts[] = {0, 0, 1, 1, 1, 1, 1, 1, 1};
+constinit std::array<std::atomic<signed char>, nxLogGate::_levels> nxLogGate::_verdicts =
+    MakeFirstVerdicts(std::make_index_sequence<_levels>());
 
 void nxLogGate::Set(nxEnumValue lowest, nxEnumValue certain) noexcept
 {
-    for (unsigned index = 1; index < _levels; ++index)
-    {
-        const unsigned level = nxLogLevelEnum::MinimumValue + index;
-        _verdicts[index].store(level >= certain ? 1 : level >= lowest ? -1 : 0);
-    }
+    for (unsigned level = nxLogLevelEnum::MinimumValue + 1; level < nxLogLevelEnum::MaximumValue; ++level)
+        _verdicts[level].store(level >= certain ? 1 : level >= lowest ? -1 : 0);
 }
 
 bool nxLogGate::_Ask(nxEnumValue level, nxLogSite& site) noexcept
