@@ -74,6 +74,7 @@
 #include "core/log/nxLogDeferredWriteThread.h"
 #include "core/log/nxLogDevice.h"
 #include "core/log/nxLogIdleSettings.h"
+#include "core/log/nxLogFigures.h"
 #include "core/log/nxLogLevelRule.h"
 #include "core/log/nxLogLevels.h"
 #include "core/log/nxLogLine.h"

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogForkLock.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
@@ -16,7 +17,10 @@
 #include "core/platform/nxStandardStream.h"
 #include "core/thread/nxMutexGuard.h"
 
-nxConsoleLogDevice::nxConsoleLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this)) {}
+nxConsoleLogDevice::nxConsoleLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this))
+{
+    nxLogManager::SetDeviceName(this, "console");
+}
 
 nxConsoleLogDevice::~nxConsoleLogDevice() { nxLogManager::GetInstance().UnregisterLogDevice(this); }
 
@@ -43,7 +47,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    _lostLines.fetch_add(1, std::memory_order_relaxed);
+    _CountLost(1);
 }
 
 void nxConsoleLogDevice::WriteLines(const nxLogLineBatch& batch)
@@ -53,7 +57,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    _lostLines.fetch_add(1, std::memory_order_relaxed);
+    _CountLost(1);
 }
 
 // When standard output takes only the beginning of a line, the next call writes the rest of it first. The other lines that
@@ -71,8 +75,14 @@ void nxConsoleLogDevice::_Write(std::string_view lines)
         _rest = left.substr(0, end);
         left.remove_prefix(end);
     }
-    _lostLines.fetch_add(static_cast<std::uint64_t>(std::count(left.begin(), left.end(), '\n')),
-                         std::memory_order_relaxed);
+    if (!left.empty())
+        _CountLost(static_cast<std::uint64_t>(std::count(left.begin(), left.end(), '\n')));
+}
+
+void nxConsoleLogDevice::_CountLost(std::uint64_t lines) noexcept
+{
+    _lostLines.fetch_add(lines, std::memory_order_relaxed);
+    nxLogDeviceBook::GetInstance().CountLost(this, lines);
 }
 
 void nxConsoleLogDevice::Flush() {}

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogFile.h"
 #include "core/log/internal/nxLogForkLock.h"
 #include "core/log/internal/nxLogLimits.h"
@@ -49,6 +50,15 @@ struct nxFileLogDevice::Parts
     void Publish(std::unique_ptr<const nxLogFile::Plan> next) { delete plan.exchange(next.release()); }
 
     std::unique_ptr<nxLogFile> file = std::make_unique<nxLogFile>();
+    /// Counts the lines that were lost since the last call. Called with the mutex held.
+    void CountLost(const nxLogDevice* device)
+    {
+        const std::uint64_t lost = file->GetLostLines();
+        if (const std::uint64_t before = std::exchange(countedLines, lost); lost > before)
+            nxLogDeviceBook::GetInstance().CountLost(device, lost - before);
+    }
+
+    std::uint64_t countedLines = 0;
     std::atomic<const nxLogFile::Plan*> plan{nullptr};
     bool isLockedForFork = false;  // by the thread that forks
 };
@@ -61,6 +71,7 @@ nxFileLogDevice& nxFileLogDevice::GetInstance()
 
 nxFileLogDevice::nxFileLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this)), _parts(std::make_unique<Parts>())
 {
+    nxLogManager::SetDeviceName(this, "file");
     endOfDevice.store(&nxFileLogDevice::_EndProcess);
 }
 
@@ -98,6 +109,7 @@ void nxFileLogDevice::Write(const nxLog& record)
     const nxMutexGuard guard(_mutex);
     nxLogFile& file = _parts->GetFile(_mutex);
     WithoutThrowing([&] { file.WriteRecord(record); });
+    _parts->CountLost(this);
 }
 
 void nxFileLogDevice::WriteLines(const nxLogLineBatch& batch)
@@ -106,6 +118,7 @@ void nxFileLogDevice::WriteLines(const nxLogLineBatch& batch)
     nxLogFile& file = _parts->GetFile(_mutex);
     const bool atOnce = batch.worstLevel >= NX_LOG_LEVEL_WARNING;
     WithoutThrowing([&] { file.Write({batch.text, batch.size}, atOnce, batch.seconds); });
+    _parts->CountLost(this);
 }
 
 void nxFileLogDevice::Maintain()
@@ -113,6 +126,7 @@ void nxFileLogDevice::Maintain()
     const nxMutexGuard guard(_mutex);
     nxLogFile& file = _parts->GetFile(_mutex);
     WithoutThrowing([&] { file.Maintain(nxClock::MonotonicNanoseconds()); });
+    _parts->CountLost(this);
 }
 
 void nxFileLogDevice::Flush()

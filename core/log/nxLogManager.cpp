@@ -78,7 +78,11 @@ bool nxLogSwitches::IsProcessorLogged() noexcept { return nxLogManager::GetInsta
 
 // A safety net: the derived class is gone by now, but the log keeps no pointer to the device. It is defined here because
 // devices do not know the manager.
-nxLogDevice::~nxLogDevice() { nxLogManager::GetInstance().UnregisterLogDevice(this); }
+nxLogDevice::~nxLogDevice()
+{
+    nxLogManager::GetInstance().UnregisterLogDevice(this);
+    nxLogDeviceBook::GetInstance().Close(this);
+}
 
 void nxLogManager::Apply(const nxLogSettings& settings) noexcept
 {
@@ -113,7 +117,7 @@ void nxLogManager::ImmediateWrite(const nxLog& record) noexcept
 {
     const std::shared_ptr<const nxLogDeviceList::Entries> devices = nxLogDeviceList::GetInstance().Get();
     for (const auto& entry : *devices)
-        entry->Call([&record](nxLogDevice& device) { device.Write(record); });
+        entry->CallToWrite(1, 0, [&record](nxLogDevice& device) { device.Write(record); });
 }
 
 void nxLogManager::ImmediateWrite(const std::vector<nxLog*>& records) noexcept
@@ -154,6 +158,17 @@ void nxLogManager::UnregisterAllLogDevices() noexcept
     const std::shared_ptr<const nxLogDeviceList::Entries> taken = devices.TakeAll();
     for (const auto& entry : *taken)
         devices.WaitUntilLeft(entry->GetDevice());
+}
+
+void nxLogManager::SetDeviceName(const nxLogDevice* device, std::string_view name) noexcept
+try
+{
+    if (device != nullptr)
+        nxLogDeviceBook::GetInstance().SetName(device, name);
+}
+catch (...)
+{
+    // The device keeps the name that it has.
 }
 
 void nxLogManager::FlushDevices() noexcept

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "core/enum/nxLogLevelEnum.h"
@@ -104,6 +105,10 @@ public:
     /// The same for all devices.
     void UnregisterAllLogDevices() noexcept;
 
+    /// Gives @p device, which need not be registered yet, its name in the figures (nxLogFigures). Where another device has the
+    /// name, "#2" or so is appended. Null, and a lack of memory, change nothing; an empty name means one of the log's choice.
+    static void SetDeviceName(const nxLogDevice* device, std::string_view name) noexcept;
+
     /// Makes every device hand what it has buffered to the operating system. What is queued is not waited for.
     void FlushDevices() noexcept;
 
@@ -148,7 +153,7 @@ public:
     /// Does what SetWriteThread() does, if @p settings sets anything.
     void Apply(const nxLogThreadSettings& settings) noexcept;
 
-    /// Counters of what was written, lost and waited for.
+    /// Counters of what was written, lost and waited for. nxLogFigures has more.
     nxLogStatistics GetStatistics() const noexcept;
 
     /// Writes out what is queued, within the limits named above for the end of the process, stops the deferred-write

@@ -83,14 +83,17 @@ void nxLogBatches::_BeginDay() noexcept
     Send();
     if (batch.lines.AppendLine(record, _time))
         return true;
-    nxLogCounters::CountDropped();
+    nxLogCounters::CountDropped(1, nxLogCounters::Reason::NoMemory);
     return false;
 }
 
 bool nxLogBatches::_DeliverToAll(const nxLogRecord& record) noexcept
 {
     if (_mustSift && nxLogLevelState::IsUnwanted(static_cast<nxEnumValue>(record.level), record.source))
+    {
+        nxLogCounters::CountUnwanted();
         return true;
+    }
     if (!_hasDevices)
         return false;
     bool isForLines = false, isInLines = false;
@@ -129,7 +132,7 @@ bool nxLogBatches::_DeliverAsRecord(const nxLogRecord& record) noexcept
         if (_batchOfDevice[index] != nullptr)
             continue;
         const nxLog borrowed = nxLogConversion::Borrow(record);
-        isTaken |= (*_devices)[index]->Call([&](nxLogDevice& device) { device.Write(borrowed); });
+        isTaken |= (*_devices)[index]->CallToWrite(1, 0, [&](nxLogDevice& device) { device.Write(borrowed); });
         nxLogCounters::CountProgress();
     }
     return isTaken;
@@ -146,7 +149,8 @@ void nxLogBatches::Send() noexcept
         nxLogDeviceEntry& entry = *(*_devices)[index];
         const nxLogLineBatch lines{batch->lines.GetText(), batch->lines.GetSize(), batch->count, batch->gravestLevel,
                                    batch->seconds};
-        isTaken |= entry.Call([&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
+        isTaken |=
+            entry.CallToWrite(lines.lines, lines.size, [&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
         nxLogCounters::CountProgress();
     }
     _Count(_onlyBatch != nullptr ? _onlyBatch->count : std::exchange(_inLinesAlone, 0), isTaken);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -124,8 +125,18 @@ std::uint64_t nxLogChannelList::DropWaiting(std::uint64_t inHand) noexcept
     for (const nxLogRing* ring = _rings; ring != nullptr; ring = ring->_next)
         ring->ForEachWaiting([&waiting](const char*) { ++waiting; });
     waiting -= std::min(waiting, inHand);
-    nxLogCounters::CountDropped(waiting);
+    nxLogCounters::CountDropped(waiting, nxLogCounters::Reason::AtEnd);
     return waiting;
+}
+
+std::uint64_t nxLogChannelList::GetOldestTicks() noexcept
+{
+    std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
+    const nxMutexGuard guard(_mutex);
+    for (const nxLogRing* ring = _rings; ring != nullptr; ring = ring->_next)
+        if (const char* const first = ring->GetFirstWaiting(); first != nullptr)
+            oldest = std::min(oldest, nxLogRecordBytes::ReadTicks(first));
+    return oldest;
 }
 
 std::size_t nxLogChannelList::AfterForkInChild() noexcept

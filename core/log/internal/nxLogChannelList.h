@@ -43,6 +43,8 @@ public:
     /// throws comes through.
     template <class Visitor>
     void VisitWaiting(const Visitor& visit);
+    /// When the oldest record that waits was begun; the largest number when none waits. Looks at one record of each ring.
+    std::uint64_t GetOldestTicks() noexcept;
     /// Counts as dropped all records that wait, except @p inHand that the writer has given to devices: at the end of
     /// the process no thread will write them. @return how many these are.
     std::uint64_t DropWaiting(std::uint64_t inHand) noexcept;

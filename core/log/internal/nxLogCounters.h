@@ -3,14 +3,15 @@
 #define CORE_LOG_INTERNAL_NXLOGCOUNTERS_H
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
 #include "core/platform/nxWaitWord.h"
 
-/// The figures of nxLogStatistics, and the progress of the devices.
+/// The figures of nxLogStatistics and nxLogFigures that belong to no device, and the progress of the devices.
 ///
-/// Invariant: a record that was reported is either counted once, as written, dropped or undelivered, or it still waits.
+/// Invariant: a record that was reported is either counted once, as written, dropped, undelivered or unwanted, or it still waits.
 ///
 /// Errors: none. Threads: any; two operations belong to the thread that holds the round. It calls no other part of the
 /// log, and works before and after all static objects live.
@@ -19,10 +20,18 @@ class nxLogCounters
 public:
     nxLogCounters() = delete;
 
-    /// Records that could not be queued, or that a device could not be given.
-    static void CountDropped(std::uint64_t records = 1) noexcept
+    /// Why records are lost.
+    enum class Reason : std::size_t
     {
-        _counts.dropped.fetch_add(records, std::memory_order_relaxed);
+        QueueFull,   ///< A device has stalled.
+        NoMemory,    ///< To queue a record, or to make a line of it.
+        DeviceBusy,  ///< A thread inside another device waited too long.
+        AtEnd        ///< The process ends and does not wait any longer.
+    };
+    /// Records that could not be queued, or that a device could not be given.
+    static void CountDropped(std::uint64_t records = 1, Reason reason = Reason::QueueFull) noexcept
+    {
+        _counts.dropped[static_cast<std::size_t>(reason)].fetch_add(records, std::memory_order_relaxed);
     }
     /// A caller that waits for room in the queue.
     static void CountWait() noexcept { _counts.waits.fetch_add(1, std::memory_order_relaxed); }
@@ -31,7 +40,28 @@ public:
     /// Records that no device was there for. Called by the thread that holds the round.
     static void CountUndelivered(std::uint64_t records) noexcept { _Add(_counts.undelivered, records); }
 
-    static std::uint64_t GetDropped() noexcept { return _counts.dropped.load(std::memory_order_relaxed); }
+    /// Records that the rules of nxLogLevels do not want, found in the queue. Called by the thread that holds the round.
+    static void CountUnwanted() noexcept { _Add(_counts.unwanted, 1); }
+    /// A round has ended whose oldest record was reported @p nanoseconds before. Called by the thread that holds the round.
+    static void SetRoundLag(std::int64_t nanoseconds) noexcept
+    {
+        _counts.roundLag.store(nanoseconds, std::memory_order_relaxed);
+    }
+
+    static std::uint64_t GetDropped(Reason reason) noexcept
+    {
+        return _counts.dropped[static_cast<std::size_t>(reason)].load(std::memory_order_relaxed);
+    }
+    /// For all reasons together.
+    static std::uint64_t GetDropped() noexcept
+    {
+        std::uint64_t all = 0;
+        for (const std::atomic<std::uint64_t>& dropped : _counts.dropped)
+            all += dropped.load(std::memory_order_relaxed);
+        return all;
+    }
+    static std::uint64_t GetUnwanted() noexcept { return _counts.unwanted.load(std::memory_order_relaxed); }
+    static std::int64_t GetRoundLag() noexcept { return _counts.roundLag.load(std::memory_order_relaxed); }
     static std::uint64_t GetWaits() noexcept { return _counts.waits.load(std::memory_order_relaxed); }
     static std::uint64_t GetWritten() noexcept { return _counts.written.load(std::memory_order_relaxed); }
     static std::uint64_t GetUndelivered() noexcept { return _counts.undelivered.load(std::memory_order_relaxed); }
@@ -72,10 +102,12 @@ public:
 private:
     struct Counts  // all 0 at first
     {
-        std::atomic<std::uint64_t> dropped;
+        std::atomic<std::uint64_t> dropped[4];  // by reason
         std::atomic<std::uint64_t> waits;
         std::atomic<std::uint64_t> written;
         std::atomic<std::uint64_t> undelivered;
+        std::atomic<std::uint64_t> unwanted;
+        std::atomic<std::int64_t> roundLag;
     };
 
     // One thread at a time adds.

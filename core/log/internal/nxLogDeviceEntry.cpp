@@ -13,8 +13,9 @@
 
 constinit thread_local const nxLogDeviceEntry::Visit* nxLogDeviceEntry::_innermost = nullptr;
 
-nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex) noexcept
-    : _device(registered), _lineSink(registered->GetLineSink()), _mutex(std::move(mutex))
+nxLogDeviceEntry::nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex,
+                                   nxLogDeviceBook::Counts counts) noexcept
+    : _device(registered), _lineSink(registered->GetLineSink()), _mutex(std::move(mutex)), _counts(std::move(counts))
 {
 }
 
@@ -56,8 +57,10 @@ std::int64_t nxLogDeviceEntry::GetLongestWait() noexcept
 // A record that a device writes immediately while it is called is not meant for the device itself: that is no loss.
 void nxLogDeviceEntry::_CountMissed() const noexcept
 {
-    if (!_IsThreadInside())
-        nxLogCounters::CountDropped();
+    if (_IsThreadInside())
+        return;
+    nxLogCounters::CountDropped(1, nxLogCounters::Reason::DeviceBusy);
+    _counts->missed.fetch_add(1, std::memory_order_relaxed);
 }
 
 void nxLogDeviceEntry::End(bool wait) noexcept

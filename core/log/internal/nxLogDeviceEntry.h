@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "core/log/internal/nxLogDeviceBook.h"
 #include "core/platform/nxThreadSanitizer.h"
 #include "core/thread/nxMutex.h"
 
@@ -27,7 +28,7 @@ class nxLogLineSink;
 class nxLogDeviceEntry
 {
 public:
-    nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex) noexcept;
+    nxLogDeviceEntry(nxLogDevice* registered, std::shared_ptr<nxMutex> mutex, nxLogDeviceBook::Counts counts) noexcept;
     ~nxLogDeviceEntry();
     nxLogDeviceEntry(const nxLogDeviceEntry&) = delete;
     nxLogDeviceEntry& operator=(const nxLogDeviceEntry&) = delete;
@@ -51,6 +52,21 @@ public:
         return true;
     }
 
+    /// The same, and counts what the device is given.
+    template <class Action>
+    bool CallToWrite(std::uint64_t records, std::uint64_t bytes, const Action& action) noexcept
+    {
+        return Call(
+            [&](nxLogDevice& device)
+            {
+                nxLogDeviceCounts::AddInside(_counts->records, records);
+                nxLogDeviceCounts::AddInside(_counts->bytes, bytes);
+                action(device);
+            });
+    }
+
+    /// What was counted for the device.
+    const nxLogDeviceCounts& GetCounts() const { return *_counts; }
     nxLogLineSink* GetLineSink() const { return _lineSink; }
     const nxLogDevice* GetDevice() const { return _device; }
 
@@ -107,7 +123,7 @@ private:
 
     // A device that throws loses what it was given; the log goes on.
     template <class Action>
-    static void _CallGuarded(const Action& action) noexcept
+    void _CallGuarded(const Action& action) const noexcept
     {
         try
         {
@@ -115,6 +131,7 @@ private:
         }
         catch (...)
         {
+            _counts->errors.fetch_add(1, std::memory_order_relaxed);
         }
     }
 
@@ -126,6 +143,7 @@ private:
     nxLogDevice* const _device;
     nxLogLineSink* const _lineSink;
     const std::shared_ptr<nxMutex> _mutex;  // held during every call
+    const nxLogDeviceBook::Counts _counts;
     std::atomic<bool> _removed{false};
     std::atomic<bool> _ended{false};
     bool _lockedForFork = false;  // touched by the forking thread only

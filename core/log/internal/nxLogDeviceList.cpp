@@ -106,7 +106,8 @@ void nxLogDeviceList::Add(std::span<nxLogDevice* const> devices) noexcept
             _ForEachRemoved(device, [&mutex](const auto& entry) { mutex = entry->GetMutex(); });
             if (mutex == nullptr)
                 mutex = std::make_shared<nxMutex>();
-            entries->push_back(std::make_shared<nxLogDeviceEntry>(device, std::move(mutex)));
+            entries->push_back(std::make_shared<nxLogDeviceEntry>(device, std::move(mutex),
+                                                                  nxLogDeviceBook::GetInstance().Open(device)));
         }
         _Publish(entries);
     }

@@ -50,11 +50,14 @@ bool AppendBlock(nxLogRing& ring, char* block, std::size_t size)
 }
 
 template <class Fill>
-bool AppendInBlock(nxLogRing& ring, std::size_t size, const Fill& fill)
+bool AppendInBlock(nxLogRing& ring, std::size_t size, const Fill& fill, nxLogCounters::Reason& reason)
 {
     char* const block = static_cast<char*>(std::malloc(size));
     if (block == nullptr)
+    {
+        reason = nxLogCounters::Reason::NoMemory;
         return false;
+    }
     fill(block);
     return AppendBlock(ring, block, size);
 }
@@ -69,8 +72,9 @@ void AppendRecord(nxLogRing& ring, std::size_t size, const Fill& fill)
     // A record that is too large for a small segment alone gets the thread a large one.
     if (!fits() && nxLogRing::MayHold(large, rounded) && ring.GetCapacity() < large)
         ring.AppendSegment(nxLogRingMemory::GetInstance());
-    if (!(fits() ? AppendToRing(ring, size, fill) : AppendInBlock(ring, size, fill)))
-        nxLogCounters::CountDropped();
+    auto reason = nxLogCounters::Reason::QueueFull;
+    if (!(fits() ? AppendToRing(ring, size, fill) : AppendInBlock(ring, size, fill, reason)))
+        nxLogCounters::CountDropped(1, reason);
 }
 }  // namespace
 
@@ -87,7 +91,7 @@ void nxLogFilling::Write(const nxLogRecord& record) noexcept
         ring = nxLogChannelList::GetInstance().Attach();
     if (ring == nullptr)
     {
-        nxLogCounters::CountDropped();
+        nxLogCounters::CountDropped(1, nxLogCounters::Reason::NoMemory);
         return;
     }
     // A signal handler that logs meanwhile finds the nested ring.

@@ -25,6 +25,7 @@ void BeforeFork()
     nxLogDeviceList::GetInstance().BeforeFork();
     nxLogChannelList::GetInstance().BeforeFork();
     nxLogRingMemory::GetInstance().BeforeFork();
+    nxLogDeviceBook::GetInstance().BeforeFork();
     nxLogLevelFile::GetInstance().BeforeFork();
     nxLogLevelState::GetInstance().BeforeFork();
     nxLogSourceTable::GetInstance().BeforeFork();
@@ -35,6 +36,7 @@ void AfterForkInParent()
     nxLogSourceTable::GetInstance().AfterForkInParent();
     nxLogLevelState::GetInstance().AfterForkInParent();
     nxLogLevelFile::GetInstance().AfterForkInParent();
+    nxLogDeviceBook::GetInstance().AfterForkInParent();
     nxLogRingMemory::GetInstance().AfterForkInParent();
     nxLogChannelList::GetInstance().AfterForkInParent();
     nxLogDeviceList::GetInstance().AfterForkInParent();
@@ -47,6 +49,7 @@ void AfterForkInChild()
     nxLogSourceTable::GetInstance().AfterForkInChild();
     nxLogLevelState::GetInstance().AfterForkInChild();
     nxLogLevelFile::GetInstance().AfterForkInChild();
+    nxLogDeviceBook::GetInstance().AfterForkInChild();
     const std::size_t bytesInUse = nxLogChannelList::GetInstance().AfterForkInChild();
     nxLogRingMemory::GetInstance().AfterForkInChild(bytesInUse);
     nxLogBackpressure::AfterForkInChild();

@@ -33,12 +33,19 @@ void nxLogMerge::Begin(bool everything) noexcept
     _round.cutOff = everything ? _noTicks : nxClock::Ticks() - counterSkew;
     _round.rings = nullptr;
     _round.current = nullptr;
+    _round.oldest = _noTicks;
     const nxMutexGuard guard(_list.GetMutex());
     _list.RemoveFinished();
     for (nxLogRing* ring = _list.GetFirst(); ring != nullptr; ring = ring->_next)
         if (ring->Look())
+        {
             ring->_nextInRound = std::exchange(_round.rings, ring);
+            if (const char* const first = ring->GetFirstWaiting(); first != nullptr)
+                _round.oldest = std::min(_round.oldest, nxLogRecordBytes::ReadTicks(first));
+        }
 }
+
+std::int64_t nxLogMerge::GetLag() const noexcept { return nxLogRecordBytes::GetAge(_round.oldest, _round.scale); }
 
 // Continues where the jump leads. When that is in another segment, the one before has been read to its end.
 void nxLogMerge::_FollowJump(nxLogRing& ring) noexcept

@@ -28,6 +28,8 @@ public:
     /// moment wait for the next round, so that the threads' records go out in the order of time.
     /// @param everything takes these, too, and asks no clock; the order across threads may suffer.
     void Begin(bool everything) noexcept;
+    /// How many nanoseconds ago the oldest record of the round was begun; 0 for a round without records.
+    std::int64_t GetLag() const noexcept;
     /// Sets @p record to the oldest one that is left. @return whether there was one.
     bool Next(nxLogRecord& record) noexcept;
     /// Gives the room of all that has been read back to the filling threads, and wakes those that wait for it.
@@ -51,9 +53,10 @@ private:
     {
         nxLogRing* rings = nullptr;  // those that had records when it began
         nxLogRing* current = nullptr;
-        char* block = nullptr;          // where the record is that Next() returned last, if not in the ring
-        std::uint64_t otherOldest = 0;  // up to these ticks `current` goes before another ring's turn
-        std::uint64_t cutOff = 0;       // records begun later belong to the next round
+        char* block = nullptr;            // where the record is that Next() returned last, if not in the ring
+        std::uint64_t otherOldest = 0;    // up to these ticks `current` goes before another ring's turn
+        std::uint64_t oldest = _noTicks;  // when its first record was begun
+        std::uint64_t cutOff = 0;         // records begun later belong to the next round
         nxClockScale scale;
         long long second = 0;  // of the statement that Next() returned last; most are of the same
     };

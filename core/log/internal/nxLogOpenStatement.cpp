@@ -159,7 +159,7 @@ nxLogRoom nxLogChannel::_GrowSlowly(nxLogChannel* channel, char* cursor, nxLogSp
 void nxLogChannel::_CloseSlowly(nxLogChannel* channel, char* cursor, nxLogSpill* spill, nxEnumValue level) noexcept
 {
     if (spill == &noMemory)
-        nxLogCounters::CountDropped();
+        nxLogCounters::CountDropped(1, nxLogCounters::Reason::NoMemory);
     else
         QueueSpill(static_cast<nxLogRing&>(*channel), spill, cursor, level);
     if (channel != nullptr)

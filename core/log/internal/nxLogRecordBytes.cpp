@@ -1,6 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/internal/nxLogRecordBytes.h"
 
+#include <algorithm>
+#include <limits>
+
+#include "core/platform/nxNanoseconds.h"
+
+// The wall clock may have been set back since.
+std::int64_t nxLogRecordBytes::GetAge(std::uint64_t ticks, const nxClockScale& scale) noexcept
+{
+    if (ticks == std::numeric_limits<std::uint64_t>::max())
+        return 0;
+    const nxClockTime then = scale.ToTime(ticks), now = nxClock::Now();
+    const std::int64_t age = (now.seconds - then.seconds) * nxNanoseconds::PerSecond +
+                             static_cast<std::int64_t>(now.nanoseconds) - static_cast<std::int64_t>(then.nanoseconds);
+    return std::max<std::int64_t>(age, 0);
+}
+
 void nxLogRecordBytes::WriteElsewhere(char* out, char* block) noexcept
 {
     nxLogRecordHeader header = ReadHeader(block);

@@ -51,6 +51,8 @@ public:
     {
         return _Read<std::uint64_t>(bytes + offsetof(nxLogRecordHeader, ticks));
     }
+    /// How many nanoseconds ago a record was begun; 0 for the largest number of ticks, which no record has.
+    static std::int64_t GetAge(std::uint64_t ticks, const nxClockScale& scale) noexcept;
     static nxLogRecordHeader::Kind ReadKind(const char* bytes)
     {
         return static_cast<nxLogRecordHeader::Kind>(bytes[offsetof(nxLogRecordHeader, kind)]);

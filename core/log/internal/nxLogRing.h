@@ -108,6 +108,15 @@ public:
         nxThreadSanitizer::Release(&_tail);
         return _tail.exchange(_read, std::memory_order_release) != _read;
     }
+    /// @return the bytes of the oldest record that waits; null when there is none.
+    const char* GetFirstWaiting() const noexcept
+    {
+        const char* const head = _LoadHead();
+        const char* at = _tail.load(std::memory_order_relaxed);
+        while (at != head && nxLogRecordBytes::ReadKind(at) == nxLogRecordHeader::Jump)
+            at = nxLogRecordBytes::ReadJump(at);
+        return at != head ? at : nullptr;
+    }
     /// Calls @p action with the bytes of each record that waits.
     template <class Action>
     void ForEachWaiting(const Action& action) const;

@@ -142,6 +142,8 @@ bool nxLogWriter::_DeliverQueued() noexcept
             release();
     }
     batches.Send();
+    if (found)
+        nxLogCounters::SetRoundLag(merge.GetLag());
     // Also after no record at all: a thread may have moved on to the start of its ring.
     release();
     return found;

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/log/nxLogFigures.h"
+
+#include <string_view>
+
+#include "core/log/internal/nxLogChannelList.h"
+#include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogLevelState.h"
+#include "core/log/internal/nxLogOpenMetrics.h"
+#include "core/log/internal/nxLogRingMemory.h"
+
+namespace
+{
+using Family = nxLogOpenMetrics::Family;
+using Kind = Family::Kind;
+using Reason = nxLogCounters::Reason;
+
+std::uint64_t GetOldestWaiting()
+{
+    const std::uint64_t ticks = nxLogChannelList::GetInstance().GetOldestTicks();
+    return static_cast<std::uint64_t>(nxLogRecordBytes::GetAge(ticks, nxClock::GetScale()));
+}
+
+std::uint64_t CountRules()
+{
+    const nxLogLevelState::Rules rules = nxLogLevelState::GetInstance().GetRules();
+    return rules != nullptr ? rules->GetRules().size() : 0;
+}
+
+// A figure of the log. Rows of one family follow each other.
+struct FigureRow
+{
+    Family family;
+    const char* reason;  // the label's value; empty for none
+    std::uint64_t (*get)();
+};
+
+constexpr Family droppedRecords{"nxcore_log_records_dropped", Kind::Counter, "",
+                                "Records that were lost before a device had them."};
+
+// In the order of nxLogFigures::Figure.
+constexpr FigureRow figureRows[] = {
+    {{"nxcore_log_records_written", Kind::Counter, "", "Records that at least one device was given."},
+     "",
+     [] { return nxLogCounters::GetWritten(); }},
+    {{"nxcore_log_records_unheard", Kind::Counter, "", "Records that found no device."},
+     "",
+     [] { return nxLogCounters::GetUndelivered(); }},
+    {{"nxcore_log_records_unwanted", Kind::Counter, "", "Queued records that the rules of levels left out."},
+     "",
+     [] { return nxLogCounters::GetUnwanted(); }},
+    {droppedRecords, "queue_full", [] { return nxLogCounters::GetDropped(Reason::QueueFull); }},
+    {droppedRecords, "no_memory", [] { return nxLogCounters::GetDropped(Reason::NoMemory); }},
+    {droppedRecords, "device_busy", [] { return nxLogCounters::GetDropped(Reason::DeviceBusy); }},
+    {droppedRecords, "end_of_process", [] { return nxLogCounters::GetDropped(Reason::AtEnd); }},
+    {{"nxcore_log_waits", Kind::Counter, "", "How often a caller waited because the queue was full."},
+     "",
+     [] { return nxLogCounters::GetWaits(); }},
+    {{"nxcore_log_queue_bytes", Kind::Gauge, "bytes", "The memory that the queue takes."},
+     "",
+     [] { return std::uint64_t{nxLogRingMemory::GetInstance().GetBytes()}; }},
+    {{"nxcore_log_queue_limit_bytes", Kind::Gauge, "bytes", "The bound of the queue."},
+     "",
+     [] { return std::uint64_t{nxLogRingMemory::GetInstance().GetMaximumBytes()}; }},
+    {{"nxcore_log_oldest_waiting_seconds", Kind::Nanoseconds, "seconds",
+      "How long the oldest queued record has waited."},
+     "",
+     GetOldestWaiting},
+    {{"nxcore_log_last_round_seconds", Kind::Nanoseconds, "seconds",
+      "The age of the oldest record of the last round when the round was written."},
+     "",
+     [] { return static_cast<std::uint64_t>(nxLogCounters::GetRoundLag()); }},
+    {{"nxcore_log_level_rules", Kind::Gauge, "", "Rules of levels in force."}, "", CountRules},
+};
+static_assert(std::size(figureRows) == nxLogFigures::Figures);
+
+// A figure of a device.
+struct DeviceRow
+{
+    Family family;
+    std::atomic<std::uint64_t> nxLogDeviceCounts::*count;
+};
+
+// In the order of nxLogFigures::DeviceFigure.
+constexpr DeviceRow deviceRows[] = {
+    {{"nxcore_log_device_records", Kind::Counter, "", "Records that the device was given."},
+     &nxLogDeviceCounts::records},
+    {{"nxcore_log_device_written_bytes", Kind::Counter, "bytes", "The lines that the device was given."},
+     &nxLogDeviceCounts::bytes},
+    {{"nxcore_log_device_missed_records", Kind::Counter, "", "Records that the device could not be given."},
+     &nxLogDeviceCounts::missed},
+    {{"nxcore_log_device_lost_lines", Kind::Counter, "", "Lines that the device was given and could not write."},
+     &nxLogDeviceCounts::lost},
+    {{"nxcore_log_device_errors", Kind::Counter, "", "How often the device failed."}, &nxLogDeviceCounts::errors},
+};
+static_assert(std::size(deviceRows) == nxLogFigures::DeviceFigures);
+}  // namespace
+
+nxLogFigures nxLogFigures::Read()
+{
+    nxLogFigures figures;
+    for (const FigureRow& row : figureRows)
+        figures._values.push_back(row.get());
+    const std::shared_ptr<const nxLogDeviceList::Entries> entries = nxLogDeviceList::GetInstance().Get();
+    for (const auto& entry : *entries)
+    {
+        Device device{nxLogDeviceBook::GetInstance().GetName(entry->GetDevice()), {}};
+        if (entry->IsRemoved() || device.name.empty())
+            continue;
+        for (const DeviceRow& row : deviceRows)
+            device.values.push_back((entry->GetCounts().*row.count).load(std::memory_order_relaxed));
+        figures._devices.push_back(std::move(device));
+    }
+    return figures;
+}
+
+std::uint64_t nxLogFigures::Get(Figure figure) const noexcept
+{
+    const auto index = static_cast<std::size_t>(figure);
+    return index < _values.size() ? _values[index] : 0;
+}
+
+std::size_t nxLogFigures::GetDevices() const noexcept { return _devices.size(); }
+
+std::string nxLogFigures::GetDeviceName(std::size_t device) const
+{
+    return device < _devices.size() ? _devices[device].name : std::string();
+}
+
+std::uint64_t nxLogFigures::GetOfDevice(std::size_t device, DeviceFigure figure) const noexcept
+{
+    const auto index = static_cast<std::size_t>(figure);
+    return device < _devices.size() && index < _devices[device].values.size() ? _devices[device].values[index] : 0;
+}
+
+std::string nxLogFigures::GetAsOpenMetrics() const
+{
+    nxLogOpenMetrics text;
+    std::string_view family;
+    for (std::size_t index = 0; index < _values.size(); ++index)
+    {
+        const FigureRow& row = figureRows[index];
+        if (family != row.family.name)
+            text.Begin(row.family);
+        family = row.family.name;
+        text.Add(*row.reason != '\0' ? "reason" : "", row.reason, _values[index]);
+    }
+    for (std::size_t index = 0; index < std::size(deviceRows); ++index)
+    {
+        text.Begin(deviceRows[index].family);
+        for (const Device& device : _devices)
+            text.Add("device", device.name, device.values[index]);
+    }
+    return text.End();
+}
