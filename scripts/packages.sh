@@ -44,7 +44,12 @@ need_test_tools() { need "${build_tools[@]}" /usr/include/fmt/format.h libfmt-de
 # Programs of the system with which single tests work. A test whose program is missing is skipped by name.
 want_test_programs()
 {
-    need logrotate logrotate zsh zsh spin spin /usr/lib/python3/dist-packages/z3/z3.py python3-z3 ||
+    local modules=/usr/lib/python3/dist-packages
+    need logrotate logrotate \
+        zsh zsh \
+        spin spin \
+        $modules/z3/z3.py python3-z3 \
+        $modules/prometheus_client/__init__.py python3-prometheus-client ||
         echo "The tests that need them are skipped." >&2
 }
 # The major version of the second compiler, which its tools' names end in.

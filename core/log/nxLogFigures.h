@@ -15,8 +15,8 @@
 /// - A forked child starts again at 0. Counts only grow otherwise, up to 64 bits.
 /// - Devices have the names that nxLogManager::SetDeviceName() gave them. The library's own are called "file" and "console",
 ///   others without a name "device1", "device2" and so on. Two devices never have one name.
-/// - Cost: about a microsecond, and as much again for every ten threads that have reported. Read() takes locks that the log's
-///   thread holds for less than that, and waits for no device. So it may be called every second, or much more often.
+/// - Cost: a few microseconds, about ten with 300 threads that have reported. Read() shares locks with the log's thread for at
+///   most that time, and waits for no device. So it may be called every second, or more often.
 /// - Errors: std::bad_alloc is thrown by Read() and GetAsOpenMetrics(). Threads: any may call Read(); an object is like any
 ///   value. The figures of one object are read one after the other, so that sums may differ by what happens meanwhile.
 /// @code
