@@ -17,6 +17,15 @@
 #include "core/platform/nxStandardStream.h"
 #include "core/thread/nxMutexGuard.h"
 
+namespace
+{
+void CountLostLines(std::atomic<std::uint64_t>& count, const nxLogDevice* device, std::uint64_t lines) noexcept
+{
+    count.fetch_add(lines, std::memory_order_relaxed);
+    nxLogDeviceBook::GetInstance().CountLost(device, lines);
+}
+}  // namespace
+
 nxConsoleLogDevice::nxConsoleLogDevice() : nxLogDevice(static_cast<nxLogLineSink*>(this))
 {
     nxLogManager::SetDeviceName(this, "console");
@@ -47,7 +56,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    _CountLost(1);
+    CountLostLines(_lostLines, this, 1);
 }
 
 void nxConsoleLogDevice::WriteLines(const nxLogLineBatch& batch)
@@ -57,7 +66,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    _CountLost(1);
+    CountLostLines(_lostLines, this, 1);
 }
 
 // When standard output takes only the beginning of a line, the next call writes the rest of it first. The other lines that
@@ -76,13 +85,7 @@ void nxConsoleLogDevice::_Write(std::string_view lines)
         left.remove_prefix(end);
     }
     if (!left.empty())
-        _CountLost(static_cast<std::uint64_t>(std::count(left.begin(), left.end(), '\n')));
-}
-
-void nxConsoleLogDevice::_CountLost(std::uint64_t lines) noexcept
-{
-    _lostLines.fetch_add(lines, std::memory_order_relaxed);
-    nxLogDeviceBook::GetInstance().CountLost(this, lines);
+        CountLostLines(_lostLines, this, static_cast<std::uint64_t>(std::count(left.begin(), left.end(), '\n')));
 }
 
 void nxConsoleLogDevice::Flush() {}

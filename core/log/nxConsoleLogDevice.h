@@ -65,7 +65,6 @@ private:
     void AfterForkInChild() override NX_NO_THREAD_SAFETY_ANALYSIS;
 
     void _Write(std::string_view lines);
-    void _CountLost(std::uint64_t lines) noexcept;
 
     nxMutex _mutex;                           // held during a write, so that lines do not mix
     std::string _rest NX_GUARDED_BY(_mutex);  // of a line of which standard output took the beginning

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/nxLogFigures.h"
 
+#include <atomic>
+#include <iterator>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"

@@ -34,10 +34,9 @@ public:
         return _Wants(level.GetEnumValue(), getSite);
     }
 
-    /// Sets the verdicts: "no" below @p lowest, "yes" from @p certain on, which is not below it.
-    static void Set(nxEnumValue lowest, nxEnumValue certain) noexcept;
-
 private:
+    friend class nxLogLevelState;
+
     // A level enumeration holds no larger numbers, so that it needs no comparison.
     static constexpr unsigned _levels = 64;
     static_assert(nxLogLevelEnum::MaximumValue < _levels);

@@ -2,6 +2,10 @@
 #include "core/log/internal/nxLogLevelState.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <new>
 #include <utility>
 
@@ -36,53 +40,16 @@ bool IsSameWord(const LevelWord& one, const LevelWord& other)
            one.highest == other.highest;
 }
 
-// A thread that was overtaken while it stored looks again, so that the last store follows from the last word. Needs all
-// these operations in one order, as the default of atomics is.
-void PublishLevels() noexcept
-{
-    for (LevelWord word = levelWord.load();;)
-    {
-        const nxEnumValue forAll = word.GetForAll();
-        const bool hasRules = word.lowest != 0;
-        const nxEnumValue lowest = hasRules ? std::min(forAll, static_cast<nxEnumValue>(word.lowest)) : forAll;
-        nxLogGate::Set(lowest, std::max(forAll, static_cast<nxEnumValue>(word.highest)));
-        nxLogSwitches::SetThreshold(lowest);
-        const LevelWord now = levelWord.load();
-        if (IsSameWord(now, word))
-            return;
-        word = now;
-    }
-}
-
 // For NX_LOG_LEVEL_INFO, the level for all at first.
 template <std::size_t... Level>
 constexpr std::array<std::atomic<signed char>, sizeof...(Level)> MakeFirstVerdicts(std::index_sequence<Level...>)
 {
     return {std::atomic<signed char>(NX_LOG_LEVEL_INFO <= Level && Level < nxLogLevelEnum::MaximumValue)...};
 }
-
-template <class Change>
-void ChangeLevels(const Change& change) noexcept
-{
-    LevelWord before = levelWord.load();
-    LevelWord after;
-    do
-    {
-        after = before;
-        change(after);
-    } while (!levelWord.compare_exchange_weak(before, after));
-    PublishLevels();
-}
 }  // namespace
 
 constinit std::array<std::atomic<signed char>, nxLogGate::_levels> nxLogGate::_verdicts =
     MakeFirstVerdicts(std::make_index_sequence<_levels>());
-
-void nxLogGate::Set(nxEnumValue lowest, nxEnumValue certain) noexcept
-{
-    for (unsigned level = nxLogLevelEnum::MinimumValue + 1; level < nxLogLevelEnum::MaximumValue; ++level)
-        _verdicts[level].store(level >= certain ? 1 : level >= lowest ? -1 : 0);
-}
 
 bool nxLogGate::_Ask(nxEnumValue level, nxLogSite& site) noexcept
 {
@@ -96,9 +63,42 @@ nxLogLevelState& nxLogLevelState::GetInstance() noexcept
     return state;
 }
 
+// A thread that was overtaken while it stored looks again, so that the last store follows from the last word. Needs all
+// these operations in one order, as the default of atomics is.
+void nxLogLevelState::_Publish() noexcept
+{
+    for (LevelWord word = levelWord.load();;)
+    {
+        const nxEnumValue forAll = word.GetForAll();
+        const bool hasRules = word.lowest != 0;
+        const nxEnumValue lowest = hasRules ? std::min(forAll, static_cast<nxEnumValue>(word.lowest)) : forAll;
+        const nxEnumValue certain = std::max(forAll, static_cast<nxEnumValue>(word.highest));
+        for (unsigned level = nxLogLevelEnum::MinimumValue + 1; level < nxLogLevelEnum::MaximumValue; ++level)
+            nxLogGate::_verdicts[level].store(level >= certain ? 1 : level >= lowest ? -1 : 0);
+        nxLogSwitches::SetThreshold(lowest);
+        const LevelWord now = levelWord.load();
+        if (IsSameWord(now, word))
+            return;
+        word = now;
+    }
+}
+
+template <class Change>
+void nxLogLevelState::_Change(const Change& change) noexcept
+{
+    LevelWord before = levelWord.load();
+    LevelWord after;
+    do
+    {
+        after = before;
+        change(after);
+    } while (!levelWord.compare_exchange_weak(before, after));
+    _Publish();
+}
+
 void nxLogLevelState::SetLevelForAll(nxEnumValue level) noexcept
 {
-    ChangeLevels([level](LevelWord& word) { word.program = ToByte(level); });
+    _Change([level](LevelWord& word) { word.program = ToByte(level); });
 }
 
 nxEnumValue nxLogLevelState::GetLevelForAll() noexcept { return levelWord.load().GetForAll(); }
@@ -142,7 +142,7 @@ void nxLogLevelState::_Enforce() noexcept
     const std::uint8_t file = ToByte(_fileRules != nullptr ? _fileRules->GetLevelForAll() : NX_ENUM_UNDEFINED);
     const std::uint8_t lowest = ToByte(rules != nullptr ? rules->GetLowest() : NX_ENUM_UNDEFINED);
     const std::uint8_t highest = ToByte(rules != nullptr ? rules->GetHighest() : NX_ENUM_UNDEFINED);
-    ChangeLevels([=](LevelWord& word) { word = {word.program, file, lowest, highest}; });
+    _Change([=](LevelWord& word) { word = {word.program, file, lowest, highest}; });
 }
 
 nxLogLevelState::Rules nxLogLevelState::GetRules() noexcept

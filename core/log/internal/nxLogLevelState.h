@@ -2,8 +2,6 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGLEVELSTATE_H
 #define CORE_LOG_INTERNAL_NXLOGLEVELSTATE_H
 
-#include <atomic>
-#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -62,6 +60,9 @@ private:
 
     const Rules& _GetInForce() const NX_REQUIRES(_mutex) { return _fileRules != nullptr ? _fileRules : _rules; }
     void _Enforce() noexcept NX_REQUIRES(_mutex);
+    static void _Publish() noexcept;
+    template <class Change>
+    static void _Change(const Change& change) noexcept;
 
     nxMutex _mutex;
     Rules _rules NX_GUARDED_BY(_mutex);
