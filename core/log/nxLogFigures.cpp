@@ -10,6 +10,7 @@
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogFileFigures.h"
 #include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogOpenMetrics.h"
 #include "core/log/internal/nxLogRingMemory.h"
@@ -32,6 +33,12 @@ std::uint64_t CountRules()
     return rules != nullptr ? rules->GetRules().size() : 0;
 }
 
+template <nxLogFileFigures::Figure Figure>
+std::uint64_t GetOfFiles()
+{
+    return nxLogFileFigures::Get(Figure);
+}
+
 // A figure of the log. Rows of one family follow each other.
 struct FigureRow
 {
@@ -42,6 +49,8 @@ struct FigureRow
 
 constexpr Family droppedRecords{"nxcore_log_records_dropped", Kind::Counter, "",
                                 "Records that were lost before a device had them."};
+
+constexpr Family fileErrors{"nxcore_log_file_errors", Kind::Counter, "", "What failed with log files."};
 
 // In the order of nxLogFigures::Figure.
 constexpr FigureRow figureRows[] = {
@@ -76,6 +85,24 @@ constexpr FigureRow figureRows[] = {
      "",
      [] { return static_cast<std::uint64_t>(nxLogCounters::GetRoundLag()); }},
     {{"nxcore_log_level_rules", Kind::Gauge, "", "Rules of levels in force."}, "", CountRules},
+    {{"nxcore_log_files_opened", Kind::Counter, "", "Log files that were begun."},
+     "",
+     GetOfFiles<nxLogFileFigures::Opened>},
+    {{"nxcore_log_files_rotated", Kind::Counter, "", "Log files that took the place of an open one."},
+     "",
+     GetOfFiles<nxLogFileFigures::Rotations>},
+    {{"nxcore_log_files_removed", Kind::Counter, "", "Log files that a limit has removed."},
+     "",
+     GetOfFiles<nxLogFileFigures::Removed>},
+    {{"nxcore_log_files_removed_bytes", Kind::Counter, "bytes", "The size of the removed log files."},
+     "",
+     GetOfFiles<nxLogFileFigures::RemovedBytes>},
+    {{"nxcore_log_files_compressed", Kind::Counter, "", "Log files that were compressed."},
+     "",
+     GetOfFiles<nxLogFileFigures::Compressed>},
+    {fileErrors, "opening", GetOfFiles<nxLogFileFigures::OpeningErrors>},
+    {fileErrors, "writing", GetOfFiles<nxLogFileFigures::WritingErrors>},
+    {fileErrors, "compressing", GetOfFiles<nxLogFileFigures::CompressErrors>},
 };
 static_assert(std::size(figureRows) == nxLogFigures::Figures);
 

@@ -42,9 +42,17 @@ public:
         QueueLimitBytes,    ///< Its bound: nxLogManager::GetMaximumQueueBytes().
         OldestWaitingNanoseconds,  ///< How long the oldest record in the queue has waited; 0 when none waits.
         LastRoundNanoseconds,  ///< How old the oldest record was when the log's thread last had written all it found.
-        LevelRules             ///< Rules of nxLogLevels in force.
+        LevelRules,            ///< Rules of nxLogLevels in force.
+        FilesOpened,           ///< Log files that were begun.
+        FilesRotated,          ///< Of these, the ones that took the place of a file that was still open.
+        FilesRemoved,          ///< Log files that a limit on their number, size or age has removed.
+        FilesRemovedBytes,     ///< Their size.
+        FilesCompressed,       ///< Log files that were compressed.
+        FileOpeningErrors,     ///< Times that no log file could be begun, each counted once until it has ended.
+        FileWritingErrors,     ///< Times that the log file could not be written, each counted once until it has ended.
+        FileCompressingErrors  ///< Attempts to compress a log file that failed.
     };
-    static constexpr std::size_t Figures = 13;  ///< The number of figures in this version.
+    static constexpr std::size_t Figures = 21;  ///< The number of figures in this version.
 
     /// A figure of one device.
     enum class DeviceFigure : std::size_t

@@ -14,7 +14,9 @@ row_crashes() { NX_TEST_CRASHES=${NX_ENDURE_CRASHES:-5000} NX_TEST_SEED=$RANDOM 
 row_disk() { GTEST_REPEAT=${NX_ENDURE_DISK_CYCLES:-100} log_row disk test_log '*OnAFullDisk*' "${NX_ENDURE_DISK_CYCLES:-100} times full and free again"; }
 row_exits() { NX_TEST_EXITS=${NX_ENDURE_EXITS:-1000} log_row exits test_endurance 'nxLogEndurance.ExitWhile*:nxLogEndurance.ForkWhile*:nxLogProcess.NeedsNothingOfAPlugin*' "${NX_ENDURE_EXITS:-1000} exits and plug-ins unloaded, four times as many forks, while 8 threads log"; }
 row_rotation() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} log_row rotation test_endurance 'nxLogEndurance.Rotation*' "${NX_ENDURE_ROTATIONS:-10000} files' worth of lines"; }
+row_levels() { GTEST_REPEAT=${NX_ENDURE_LEVEL_CYCLES:-200} log_row levels test_log 'nxLogLevels.EachThread*' "${NX_ENDURE_LEVEL_CYCLES:-200} times 8,000 changes of levels in 4 threads that log, and 5 forks"; }
 add_row crashes 1
 add_row disk 1
 add_row exits 1
+add_row levels 1
 add_row rotation 1

@@ -37,7 +37,7 @@ LOG_PARTS = (
     ("counters, switches, limits", "internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
     ("levels", "inline/nxLogGate internal/nxLogLevelState"),
-    ("counters, switches, limits, levels", "inline/nxLogGate internal/nxLogLevelState internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
+    ("counters, switches, limits, levels", "inline/nxLogGate internal/nxLogLevelState internal/nxLogEnvironment internal/nxLogCounters internal/nxLogFileFigures internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("memory", "internal/nxLogRingMemory"),
     ("ring", "inline/nxLogChannel internal/nxLogRing"),
     ("channels", "internal/nxLogChannelList"),

@@ -48,7 +48,7 @@ constexpr std::array<std::atomic<signed char>, sizeof...(Level)> MakeFirstVerdic
 }
 }  // namespace
 
-constinit std::array<std::atomic<signed char>, nxLogGate::_levels> nxLogGate::_verdicts =
+alignas(64) constinit std::array<std::atomic<signed char>, nxLogGate::_levels> nxLogGate::_verdicts =
     MakeFirstVerdicts(std::make_index_sequence<_levels>());
 
 bool nxLogGate::_Ask(nxEnumValue level, nxLogSite& site) noexcept
