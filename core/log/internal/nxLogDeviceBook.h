@@ -61,7 +61,7 @@ public:
     void BeforeFork() noexcept;
     void AfterForkInParent() noexcept;
     /// The counts begin at 0.
-    void AfterForkInChild() noexcept;
+    void AfterForkInChild() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 
 private:
     struct Page

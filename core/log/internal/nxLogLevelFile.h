@@ -36,7 +36,7 @@ public:
     void BeforeFork() noexcept;
     void AfterForkInParent() noexcept;
     /// The child looks at the same file, but at none if another thread was inside this object for too long.
-    void AfterForkInChild() noexcept;
+    void AfterForkInChild() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 
 private:
     /// What the log is to be told.

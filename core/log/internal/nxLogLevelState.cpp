@@ -18,7 +18,7 @@ namespace
 {
 // What the verdicts follow from, in one word, so that a signal handler may change it. NX_ENUM_UNDEFINED, which is 0, means
 // that there is none; all levels fit into a byte.
-struct LevelWord
+struct alignas(std::uint32_t) LevelWord
 {
     std::uint8_t program;  // the level for all
     std::uint8_t file;     // the same, in the level file
