@@ -149,8 +149,8 @@ TEST(nxLogLevels, EachThreadObeysAtOnceWhileOthersChangeTheirs)
                     const std::string folder = "thread" + std::to_string(thread) + "/";
                     for (int i = 0; i < 2'000; ++i)
                     {
-                        if (thread == 0 && i % 400 == 0)  // a child finds no lock held
-                            ASSERT_TRUE(nxInChild([] { EXPECT_EQ(LevelOf("child/a"), "INF"); }));
+                        const bool mustFork = thread == 0 && i % 400 == 0;  // a child finds no lock held
+                        ASSERT_TRUE(!mustFork || nxInChild([] { EXPECT_EQ(LevelOf("child/a"), "INF"); }));
                         const nxEnumValue level = i % 2 == 0 ? NX_LOG_LEVEL_DEBUG : NX_LOG_LEVEL_ERROR;
                         ASSERT_TRUE(nxLogLevels::SetLevelFor(folder, level).IsOK());
                         bool reports[4] = {};
