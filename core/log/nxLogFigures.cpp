@@ -136,12 +136,12 @@ nxLogFigures nxLogFigures::Read()
     const std::shared_ptr<const nxLogDeviceList::Entries> entries = nxLogDeviceList::GetInstance().Get();
     for (const auto& entry : *entries)
     {
-        Device device{nxLogDeviceBook::GetInstance().GetName(entry->GetDevice()), {}};
-        if (entry->IsRemoved() || device.name.empty())
+        std::string name = nxLogDeviceBook::GetInstance().GetName(entry->GetDevice());
+        if (entry->IsRemoved() || name.empty())
             continue;
+        figures._devices.push_back(std::move(name));
         for (const DeviceRow& row : deviceRows)
-            device.values.push_back((entry->GetCounts().*row.count).load(std::memory_order_relaxed));
-        figures._devices.push_back(std::move(device));
+            figures._deviceValues.push_back((entry->GetCounts().*row.count).load(std::memory_order_relaxed));
     }
     return figures;
 }
@@ -156,13 +156,13 @@ std::size_t nxLogFigures::GetDevices() const noexcept { return _devices.size(); 
 
 std::string nxLogFigures::GetDeviceName(std::size_t device) const
 {
-    return device < _devices.size() ? _devices[device].name : std::string();
+    return device < _devices.size() ? _devices[device] : std::string();
 }
 
 std::uint64_t nxLogFigures::GetOfDevice(std::size_t device, DeviceFigure figure) const noexcept
 {
     const auto index = static_cast<std::size_t>(figure);
-    return device < _devices.size() && index < _devices[device].values.size() ? _devices[device].values[index] : 0;
+    return device < _devices.size() && index < DeviceFigures ? _deviceValues[device * DeviceFigures + index] : 0;
 }
 
 std::string nxLogFigures::GetAsOpenMetrics() const
@@ -180,8 +180,8 @@ std::string nxLogFigures::GetAsOpenMetrics() const
     for (std::size_t index = 0; index < std::size(deviceRows); ++index)
     {
         text.Begin(deviceRows[index].family);
-        for (const Device& device : _devices)
-            text.Add("device", device.name, device.values[index]);
+        for (std::size_t device = 0; device < _devices.size(); ++device)
+            text.Add("device", _devices[device], _deviceValues[device * DeviceFigures + index]);
     }
     return text.End();
 }

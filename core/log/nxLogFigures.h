@@ -82,16 +82,11 @@ public:
     std::string GetAsOpenMetrics() const;
 
 private:
-    struct Device
-    {
-        std::string name;
-        std::vector<std::uint64_t> values;
-    };
-
     nxLogFigures() = default;
 
     std::vector<std::uint64_t> _values;
-    std::vector<Device> _devices;
+    std::vector<std::string> _devices;         // their names
+    std::vector<std::uint64_t> _deviceValues;  // all of one device after those of the device before it
 };
 
 #endif
