@@ -108,6 +108,9 @@ TEST(nxLogLevels, ATextWithAMistakeChangesNothing)
     EXPECT_EQ(nxLogLevels::SetLevelFor("y,z/", NX_LOG_LEVEL_DEBUG), NX_ERR_INVALID_PARAMETER);
     EXPECT_EQ(nxLogLevels::SetLevelFor("y/", nxLogLevelEnum()), NX_ERR_INVALID_PARAMETER);
     EXPECT_EQ(nxLogLevels::SetFile("relative"), NX_ERR_INVALID_PARAMETER);
+    nxCapturingLogDevice log;
+    nxLogLevels::Apply({"x/=LOUD", "relative"});
+    EXPECT_EQ(TakeReports(log, "core/trunk/nxLogLevels").size(), 2U) << "each is told";
     ASSERT_EQ(nxLogLevels::GetRules().size(), 1U);
     EXPECT_EQ(nxLogLevels::GetRules()[0].where, "x/");
 }
