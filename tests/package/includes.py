@@ -34,10 +34,8 @@ LOG_PARTS = (
     ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
     ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
                "inline/nxLogSource nxLogLevelRule internal/nxLogLevelRules internal/nxLogSourceTable internal/nxLogEscape"),
-    ("counters, switches, limits", "internal/nxLogEnvironment internal/nxLogCounters internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
-    ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
-    ("levels", "inline/nxLogGate internal/nxLogLevelState"),
     ("counters, switches, limits, levels", "inline/nxLogGate internal/nxLogLevelState internal/nxLogEnvironment internal/nxLogCounters internal/nxLogFileFigures internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
+    ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
     ("memory", "internal/nxLogRingMemory"),
     ("ring", "inline/nxLogChannel internal/nxLogRing"),
     ("channels", "internal/nxLogChannelList"),
