@@ -82,6 +82,7 @@
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogMarkers.h"
+#include "core/log/nxLogRetention.h"
 #include "core/log/nxLogSetUp.h"
 #include "core/log/nxLogSettings.h"
 #include "core/log/nxLogStatement.h"

@@ -7,11 +7,13 @@
 
 #include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogFile.h"
+#include "core/log/internal/nxLogFileFigures.h"
 #include "core/log/internal/nxLogForkLock.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogManager.h"
+#include "core/log/nxLogRetention.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxOneInstance.h"
 #include "core/thread/nxMutexGuard.h"
@@ -45,6 +47,8 @@ struct nxFileLogDevice::Parts
 {
     /// @param mutex the device's, which guards the file; not in a child that was just forked.
     nxLogFile& GetFile([[maybe_unused]] const nxMutex& mutex) const NX_REQUIRES(mutex) { return *file; }
+    /// That of the program, for the next plan. @param mutex the device's, which guards it.
+    nxLogRetention& GetRetention([[maybe_unused]] const nxMutex& mutex) NX_REQUIRES(mutex) { return retention; }
 
     /// A child that is forked at any moment finds a plan that is whole.
     void Publish(std::unique_ptr<const nxLogFile::Plan> next) { delete plan.exchange(next.release()); }
@@ -60,6 +64,7 @@ struct nxFileLogDevice::Parts
 
     std::uint64_t countedLines = 0;
     std::atomic<const nxLogFile::Plan*> plan{nullptr};
+    nxLogRetention retention;      // see GetRetention()
     bool isLockedForFork = false;  // by the thread that forks
 };
 
@@ -88,9 +93,15 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
     WithoutThrowing(
         [&]
         {
+            nxLogRetention retention;
+            {
+                const nxMutexGuard guard(_mutex);
+                retention = _parts->GetRetention(_mutex);
+            }
             // Read before the device's lock is taken, so that the device is not locked while the environment is read.
             auto plan = std::make_unique<const nxLogFile::Plan>(nxLogFile::Plan::Read(
-                DefaultDirectory, maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0));
+                DefaultDirectory, maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0,
+                retention));
             const nxMutexGuard guard(_mutex);
             nxLogFile& file = _parts->GetFile(_mutex);
             if (file.IsOpen())
@@ -165,6 +176,25 @@ void nxFileLogDevice::CloseAndReopenLogFile()
     WithoutThrowing([&] { file.Reopen(); });
 }
 
+void nxFileLogDevice::SetRetention(const nxLogRetention& retention)
+{
+    const nxMutexGuard guard(_mutex);
+    nxLogFile& file = _parts->GetFile(_mutex);
+    nxLogRetention& kept = _parts->GetRetention(_mutex);
+    WithoutThrowing(
+        [&]
+        {
+            kept = retention;
+            file.SetRetention(retention);
+            if (const nxLogFile::Plan* const plan = _parts->plan.load(); plan != nullptr)
+            {
+                auto next = std::make_unique<nxLogFile::Plan>(*plan);
+                next->retention = retention;
+                _parts->Publish(std::move(next));
+            }
+        });
+}
+
 std::string nxFileLogDevice::GenerateLogDirectoryFilenamePrefix() const
 {
     const nxLogFile::Plan plan = nxLogFile::Plan::Read(DefaultDirectory);
@@ -207,6 +237,7 @@ void nxFileLogDevice::AfterForkInParent()
 void nxFileLogDevice::AfterForkInChild()
 {
     const bool isWhole = std::exchange(_parts->isLockedForFork, false);
+    nxLogFileFigures::AfterForkInChild();
     nxLogForkLock::RenewInChild(_mutex, isWhole);
     if (isWhole)
         return _parts->file->ForgetInChild();

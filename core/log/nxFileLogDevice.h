@@ -15,6 +15,8 @@
 template <class Object>
 class nxOneInstance;
 
+struct nxLogRetention;
+
 /// The log file of the process.
 ///
 /// Each record is one line, "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]" and CR LF; the thread's
@@ -81,6 +83,24 @@ public:
     /// Closes the file and opens the next one. At the info level, the last line of the old file names it and the first
     /// line of the new file names both; these two do not count for the size of a file. Does nothing before Create().
     void CloseAndReopenLogFile();
+
+    /// Limits the number, the size and the age of the log files, and has closed files compressed.
+    ///
+    /// Set before Create(), they count for the keys that the environment does not set: see nxLogRetention::Read(). After it
+    /// they take effect within a second, whatever the environment says, until Destroy().
+    ///
+    /// - The device checks the limits when it opens a file, and once a minute. The thread that writes the file does it. It
+    ///   spends 10 milliseconds a second on it, and a millisecond at a rotation, plus the time of one removal at most. In a
+    ///   directory of many thousand files, the limits hold some time later. A process that ends sooner leaves the rest to
+    ///   the next.
+    /// - A directory of a date that is empty is removed, but not that of today or yesterday.
+    /// - A compressor runs beside the process at the lowest priority, one at a time, and is no child of it. When it ends,
+    ///   `application_090703_4711_1.log.gz` (or .zst, .xz) has taken the place of the file. If it fails, the file stays, the
+    ///   error stream tells of it once, and the next attempt comes a minute later. The same holds if it is killed.
+    /// - A lock of the system, which a process holds on its open file, distinguishes it from the file of a killed process.
+    ///   Versions of the library before 1.1 do not hold it. Set no limits for a directory in which such a process writes
+    ///   under the same application's name.
+    void SetRetention(const nxLogRetention& retention);
 
     /// The beginning of a file name: directory, local date and the application's name (that of the program when
     /// nxApplicationData has none), e.g. "/var/log/05Mar2024/application".

@@ -25,6 +25,14 @@ public:
     /// everybody may write without the sticky bit (EPERM). Unchanged when it fails.
     [[nodiscard]] int Enter(const std::string& name);
 
+    /// Opens a directory like Open(), but makes none.
+    [[nodiscard]] int OpenExisting(const std::string& path);
+    /// Opens the subdirectory of @p parent that Enter() would continue into, but makes none.
+    [[nodiscard]] int OpenExisting(const nxDirectory& parent, const std::string& name);
+
+    /// Whether a directory is open and no other code of the process has closed it.
+    bool IsSound() const;
+
     /// Whether others may remove or replace the files of this user: whether one of the directories that were opened or
     /// entered has another owner or can be written by the group or by everybody.
     bool IsOpenToOthers() const { return _isOpenToOthers; }
@@ -33,6 +41,7 @@ public:
     int GetDescriptor() const { return _descriptor.Get(); }
 
 private:
+    int _EnterExisting(const nxDirectory& parent, const std::string& name);
     int _Take(nxDescriptor&& descriptor);
 
     nxDescriptor _descriptor;

@@ -34,7 +34,8 @@ public:
 
     /// Creates a file that the owner may write and the group may read, and opens it; in secure execution (see
     /// nxEnvironment) the group may not read it either. An existing file, symbolic link or device is never opened: that is
-    /// EEXIST. On success the file that was open before is closed; on failure it stays open.
+    /// EEXIST. On success the file that was open before is closed; on failure it stays open. As long as the file is open,
+    /// nobody can claim it (see nxFileClaim).
     /// @param directory where the last part of @p path is created: the directory that the rest of @p path names.
     [[nodiscard]] int CreateNew(const nxDirectory& directory, const std::string& path);
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The log in processes that are killed, exit, fork and rotate. Each test's number of rounds comes from
+// The log in processes that are killed, exit, fork, rotate and remove files. Each test's number of rounds comes from
 // the environment, so that the endurance script can ask for more.
 
-#include "tests/support/nxSystemTest.h"
+#include "tests/support/nxLogFolderTest.h"
 
 namespace
 {
@@ -43,6 +43,18 @@ Found ReadLines(const std::filesystem::path& directory)
         found.torn += begin != text.size();
     }
     return found;
+}
+
+// Every number of every thread from 0 on is there exactly once.
+void ExpectEachOnce(const Found& found)
+{
+    for (const auto& [thread, numbers] : found.numbers)
+    {
+        SCOPED_TRACE(thread);
+        EXPECT_EQ(numbers.rbegin()->first + 1, static_cast<int>(numbers.size()));
+        for (const auto& [number, times] : numbers)
+            EXPECT_EQ(times, 1) << number;
+    }
 }
 
 // A logger at work on a directory of its own, with its standard output in a file there.
@@ -86,17 +98,11 @@ public:
 
     std::string GetOutput() const { return nxReadFile(_GetOutputFile()); }
 
-    // What is in its log files: every number of every thread from 0 on is there exactly once.
+    // What is in its log files.
     Found GetFound() const
     {
-        Found found = ReadLines(_scratch.GetPath() / "log");
-        for (const auto& [thread, numbers] : found.numbers)
-        {
-            SCOPED_TRACE(thread);
-            EXPECT_EQ(numbers.rbegin()->first + 1, static_cast<int>(numbers.size()));
-            for (const auto& [number, times] : numbers)
-                EXPECT_EQ(times, 1) << number;
-        }
+        const Found found = ReadLines(_scratch.GetPath() / "log");
+        ExpectEachOnce(found);
         return found;
     }
 
@@ -128,6 +134,27 @@ Texts OutputOf(const Texts& words, int status, const Texts& settings = {})
         lines.push_back(line);
     return lines;
 }
+// A log directory that is kept small by the library or by logrotate, while processes write, rotate and are killed.
+class nxLogFolder : public nxLogFolderTest
+{
+protected:
+    static void LogNumbers(int thread, int first, int count)
+    {
+        for (int number = first; number < first + count; ++number)
+            NX_LOG(NX_LOG_LEVEL_INFO) << "t" << thread << " n" << number << "; some text to fill the line with";
+        WaitUntilWritten();
+    }
+
+    // All lines, those of compressed files too.
+    Found Read() const
+    {
+        const std::string expand = "find " + GetDirectory().string() + " -name '*.gz' -size +4c -exec gzip -df {} +";
+        EXPECT_EQ(std::system(expand.c_str()), 0);
+        Found found = ReadLines(GetDirectory());
+        ExpectEachOnce(found);
+        return found;
+    }
+};
 }  // namespace
 
 // Whatever the signal: the library installs no handler.
@@ -189,6 +216,136 @@ TEST(nxLogEndurance, RotationBySizeKeepsEveryRecordExactlyOnce)
     for (const auto& [thread, numbers] : found.numbers)
         EXPECT_EQ(numbers.size(), static_cast<std::size_t>(lines)) << thread;
     EXPECT_GT(found.files, rotations / 4);  // a batch is not divided, so files may grow beyond the limit
+}
+
+// The recipes are those of the page for operators.
+TEST_F(nxLogFolder, LogrotateLosesNothing)
+{
+    if (!std::filesystem::exists("/usr/sbin/logrotate"))
+        GTEST_SKIP() << "logrotate is not installed";
+    const std::string page = nxReadFile(NX_OPERATING_PAGE), fence = "```logrotate\n", place = "/var/log/orders";
+    std::size_t begin = 0;
+    for (const bool renames : {true, false})
+    {
+        SCOPED_TRACE(renames);
+        begin = page.find(fence, begin) + fence.size();
+        std::string recipe = page.substr(begin, page.find("```", begin) - begin);
+        for (std::size_t at; (at = recipe.find(place)) != std::string::npos;)
+            recipe.replace(at, place.size(), GetDirectory());
+        nxWriteFile(GetRoot() / "conf", recipe);
+        std::filesystem::permissions(GetRoot() / "conf", std::filesystem::perms::owner_read);
+        std::filesystem::remove_all(GetDirectory());
+        Create({});
+        LogNumbers(0, 0, 1'000);
+        Device().Flush();
+        std::atomic<bool> done{false};
+        int number = 1'000;
+        std::thread meanwhile(
+            [&]
+            {
+                for (; renames && !done; number += 10, usleep(1'000))
+                    LogNumbers(0, number, 10);
+            });
+        const std::string rotate = "/usr/sbin/logrotate -f -s " + (GetRoot() / "state").string() + " ";
+        EXPECT_EQ(std::system((rotate + (GetRoot() / "conf").string()).c_str()), 0) << GetErrors();
+        done = true;
+        meanwhile.join();
+        LogNumbers(0, number, 1'000);
+        Device().Destroy();
+        EXPECT_EQ(
+            FindFiles([](const std::filesystem::path& path) { return path.string().ends_with(".log.1.gz"); }).size(),
+            1U);
+        EXPECT_EQ(static_cast<int>(Read().numbers[0].size()), number + 1'000);
+    }
+}
+
+TEST_F(nxLogFolder, ProcessesThatRotateAtOnceKeepTheLimitAndTheirFiles)
+{
+    constexpr std::size_t limit = 6;
+    const int lines = Rounds("NX_TEST_ROTATIONS", 50) * 40;  // in files of 4000 bytes
+    {
+        std::deque<nxChildProcess> children;
+        for (int child = 0; child < 4; ++child)
+            children.emplace_back(
+                [child, lines]
+                {
+                    Create({limit, 0, 0, child == 0 ? "gzip" : ""}, 4'000);
+                    for (int number = 0; number < lines; number += 20)
+                        LogNumbers(child, number, 20);
+                    ASSERT_TRUE(std::filesystem::exists(Device().GetFileName()));
+                    Device().Destroy();
+                });
+        for (nxChildProcess& child : children)
+            EXPECT_TRUE(child.Succeeds());
+    }
+    EXPECT_EQ(GetErrors().find("removed"), std::string::npos) << GetErrors();
+    Create({limit, 0, 0, ""});
+    EXPECT_TRUE(nxEventually([&] { return CountFiles() <= limit; }));
+}
+
+TEST_F(nxLogFolder, KillsDuringCompressionLoseNoRecord)
+{
+    // Every other compressor is killed when it has written a part.
+    const std::string compressor = MakeCompressor(
+        "[ $(($$ % 2)) = 0 ] && exec /usr/bin/gzip \"$@\"\nprintf half > \"$2.gz\"\n"
+        "touch -d '1 hour ago' \"$2.gz\"\nkill -9 $$\n");
+    const int rounds = Rounds("NX_TEST_COMPRESSIONS", 10);
+    std::mt19937 random(static_cast<unsigned>(Rounds("NX_TEST_SEED", 1)));
+    std::vector<int> written;
+    for (int round = 0; round < rounds; ++round)
+    {
+        const nxStage stage;
+        nxChildProcess child(
+            [&]
+            {
+                Create({0, 0, 0, compressor});
+                for (int number = 0;; Device().CloseAndReopenLogFile())
+                {
+                    LogNumbers(round, number, 20);
+                    Device().Flush();
+                    const_cast<nxStage&>(stage).Reach(number += 20);
+                }
+            });
+        stage.WaitFor(100);
+        std::this_thread::sleep_for(std::chrono::milliseconds(random() % 20));
+        child.Kill();
+        written.push_back(stage.Get());
+    }
+    const auto isBeingMade = [](const std::filesystem::path& path)
+    {
+        return path.extension() == ".gz" && std::filesystem::exists(std::filesystem::path(path).replace_extension()) &&
+               nxReadFile(path) != "half";
+    };
+    EXPECT_TRUE(nxEventually([&] { return FindFiles(isBeingMade).empty(); }));
+    Found found = Read();
+    for (int round = 0; round < rounds; ++round)
+        EXPECT_GE(static_cast<int>(found.numbers[round].size()), written[static_cast<std::size_t>(round)]) << round;
+}
+
+// While a thousand files are removed the log goes on. The longest time that it took is printed.
+TEST_F(nxLogFolder, GoesOnInADirectoryOfManyFiles)
+{
+    const int count = Rounds("NX_TEST_SMALL_FILES", 600);
+    for (int i = 1; i <= count; ++i)
+        Make("01Mar2024/orders_090703_1_" + std::to_string(i) + ".log.gz", 1, 2);
+    Create({100, 0, 0, ""});
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point begin = Clock::now();
+    Clock::duration longest{};
+    int number = 0;
+    const std::size_t left = static_cast<std::size_t>(std::max(100, count - 1'000));
+    for (std::size_t looks = 0; looks % 1'000 != 0 || CountFiles() > left; ++looks, number += 100)
+    {
+        const Clock::time_point before = Clock::now();
+        LogNumbers(0, number, 100);
+        longest = std::max(longest, Clock::now() - before);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    using Seconds = std::chrono::duration<double>;
+    std::printf("%zu of %d files are left after %.1f s; a hundred records were written in %.3f s at most\n", left,
+                count, Seconds(Clock::now() - begin).count(), Seconds(longest).count());
+    Device().Destroy();
+    EXPECT_EQ(static_cast<int>(Read().numbers[0].size()), number);
 }
 
 TEST(nxLogProcess, WritesEverythingAtAnOrderlyEnd)

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/log/internal/nxLogErrorLine.h"
+#include "core/log/internal/nxLogFileFigures.h"
 #include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/nxLog.h"
@@ -13,18 +15,11 @@
 #include "core/platform/nxNanoseconds.h"
 #include "core/platform/nxStandardStream.h"
 #include "core/process/inline/nxConfigurationKeys.h"
-#include "core/text/nxPrintableText.h"
 #include "core/time/nxTimeStamp.h"
 
 namespace
 {
 constexpr const char* fileDeviceSource = "core/trunk/nxFileLogDevice";
-
-// Tells one line. It may hold file names of any origin.
-void TellOnErrorStream(const std::string& line)
-{
-    nxStandardStream::GetErrors().Write(nxPrintableText::GetEscaped(line) + '\n');
-}
 
 std::string LostLinesText(std::uint64_t lost)
 {
@@ -32,9 +27,11 @@ std::string LostLinesText(std::uint64_t lost)
 }
 }  // namespace
 
-nxLogFile::Plan nxLogFile::Plan::Read(const char* defaultDirectory, std::uint64_t limit)
+nxLogFile::Plan nxLogFile::Plan::Read(const char* defaultDirectory, std::uint64_t limit,
+                                      const nxLogRetention& retention)
 {
-    return {nxLogSettings::Read(), nxLogFileNames::ReadApplication(), defaultDirectory, limit};
+    return {nxLogSettings::Read(), nxLogFileNames::ReadApplication(), defaultDirectory, limit,
+            nxLogRetention::Read(retention)};
 }
 
 void nxLogFile::_SetPlan(const Plan& plan)
@@ -43,8 +40,9 @@ void nxLogFile::_SetPlan(const Plan& plan)
     _limit = plan.limit;
     _names.Set(_settings.directory, plan.defaultDirectory, plan.application);
     _names.ReadProcess();
+    _keeper.Set({_names.GetRoot(), _names.GetFolder(), _names.GetApplication()}, plan.retention);
     if (!_file.SetBufferSize(static_cast<std::size_t>(_settings.fileBufferMegabytes) << 20))
-        TellOnErrorStream("Failed to set a buffer for the log file, performance may be degraded.");
+        nxLogErrorLine::Tell("Failed to set a buffer for the log file, performance may be degraded.");
     _isCreated = true;
     _openingFailureIsTold = false;
     _openDirectoryIsTold = false;
@@ -54,10 +52,12 @@ bool nxLogFile::Create(const Plan& plan)
 {
     _SetPlan(plan);
     if (_settings.directory.empty())
-        TellOnErrorStream(std::string("No Log Directory defined - use the ") + QRX_LOG_DIRECTORY +
-                          " environment variable. Logging to " + plan.defaultDirectory);
+        nxLogErrorLine::Tell(std::string("No Log Directory defined - use the ") + QRX_LOG_DIRECTORY +
+                             " environment variable. Logging to " + plan.defaultDirectory);
     _MustHandOver(true, nxClock::MonotonicNanoseconds());
-    return _StartNextFile();
+    const bool isOpen = _StartNextFile();
+    _keeper.Work(nxLogLimits::RetentionSlice);
+    return isOpen;
 }
 
 void nxLogFile::CreateInChild(const Plan& plan) { _SetPlan(plan); }
@@ -107,18 +107,20 @@ bool nxLogFile::_StartNextFile()
     nxFile file;
     int error = _OpenDirectory(directory, date);
     if (error != 0 && !_openingFailureIsTold)
-        TellOnErrorStream("Failed to create directory " + _names.GetDirectory(date) +
-                          ", errno: " + std::to_string(error));
+        nxLogErrorLine::Tell("Failed to create directory " + _names.GetDirectory(date) +
+                             ", errno: " + std::to_string(error));
     if ((error == EPERM || error == ELOOP) && !_openingFailureIsTold)
-        TellOnErrorStream(
+        nxLogErrorLine::Tell(
             "Directories for log files must be this user's or root's, no links, and not for everybody to write.");
     if (error == 0)
         error = _TryNextNames(directory, date, file, name);
     if (error != 0)
     {
-        if (!_openingFailureIsTold)
-            TellOnErrorStream("Failed to create log file. Filename: " + name);
-        _openingFailureIsTold = true;
+        if (!std::exchange(_openingFailureIsTold, true))
+        {
+            nxLogErrorLine::Tell("Failed to create log file. Filename: " + name);
+            nxLogFileFigures::Add(nxLogFileFigures::OpeningErrors);
+        }
         return false;
     }
     _openingFailureIsTold = false;
@@ -132,8 +134,11 @@ bool nxLogFile::_StartNextFile()
 
 void nxLogFile::_BeginFile(nxFile&& file, const std::string& name, const std::string& date)
 {
-    if (_file.IsOpen())
+    nxLogFileFigures::Add(nxLogFileFigures::Opened);
+    const bool isRotation = _file.IsOpen();
+    if (isRotation)
     {
+        nxLogFileFigures::Add(nxLogFileFigures::Rotations);
         _Report(NX_LOG_LEVEL_INFO, __LINE__, "Closing log file: " + _fileName);
         _file.Flush();
     }
@@ -148,6 +153,9 @@ void nxLogFile::_BeginFile(nxFile&& file, const std::string& name, const std::st
     if (std::exchange(_closingIsUntold, false))
         _Report(NX_LOG_LEVEL_WARNING, __LINE__,
                 "Log file was closed by other code of the process, lines may be lost: " + previous);
+    _keeper.Begin();
+    if (isRotation)
+        _keeper.Work(nxLogLimits::RetentionSliceAtRotation);
 }
 
 void nxLogFile::Reopen()
@@ -184,6 +192,7 @@ void nxLogFile::Maintain(std::int64_t now)
     if (_file.GetError() != 0)
         _file.Flush();
     _TellFailures();
+    _keeper.Work(nxLogLimits::RetentionSlice);
 }
 
 // Starts the next file if this one is no longer there under its name, or too large.
@@ -213,7 +222,7 @@ void nxLogFile::_TellFate(nxFile::Fate fate)
                                                              : "closed by other code of the process";
     _closingIsUntold = _closingIsUntold || fate == nxFile::Fate::Closed;
     if (!std::exchange(_fateIsTold, true))
-        TellOnErrorStream(std::string("Log file was ") + what + ". Filename: " + _fileName);
+        nxLogErrorLine::Tell(std::string("Log file was ") + what + ". Filename: " + _fileName);
 }
 
 // Tells on the error stream that a failure begins, and in the log after its end what was lost.
@@ -224,9 +233,11 @@ void nxLogFile::_TellFailures()
     const int error = _file.GetError();
     if (error != 0)
     {
-        if (!_writingFailureIsTold)
-            TellOnErrorStream("Failed to write log file " + _fileName + ", errno: " + std::to_string(error));
-        _writingFailureIsTold = true;
+        if (!std::exchange(_writingFailureIsTold, true))
+        {
+            nxLogErrorLine::Tell("Failed to write log file " + _fileName + ", errno: " + std::to_string(error));
+            nxLogFileFigures::Add(nxLogFileFigures::WritingErrors);
+        }
         return;
     }
     _writingFailureIsTold = false;
@@ -329,12 +340,19 @@ void nxLogFile::End()
     _TellFailures();
     const std::uint64_t lost = _file.GetLostLines() + _file.GetWaitingLines() - _toldLostLines;
     if (lost != 0)
-        TellOnErrorStream(LostLinesText(lost));
+        nxLogErrorLine::Tell(LostLinesText(lost));
     _toldLostLines += lost;
+}
+
+void nxLogFile::SetRetention(const nxLogRetention& retention)
+{
+    if (_isCreated)
+        _keeper.Set({_names.GetRoot(), _names.GetFolder(), _names.GetApplication()}, retention);
 }
 
 void nxLogFile::Destroy() noexcept
 {
+    _keeper.Stop();
     _file.Close();
     _isCreated = false;
     _fileName.clear();
@@ -343,6 +361,7 @@ void nxLogFile::Destroy() noexcept
 void nxLogFile::ForgetInChild()
 {
     _file.Forget();
+    _keeper.ForgetInChild();
     _fileName.clear();
     _nextCheck = 0;
     _closingIsUntold = false;

@@ -6,8 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/log/internal/nxLogFileKeeper.h"
 #include "core/log/internal/nxLogFileNames.h"
 #include "core/log/nxLogLineSink.h"
+#include "core/log/nxLogRetention.h"
 #include "core/log/nxLogSettings.h"
 #include "core/platform/nxLineFile.h"
 
@@ -31,9 +33,11 @@ public:
         std::string application;
         const char* defaultDirectory = nullptr;  ///< Where files go when the settings name no directory.
         std::uint64_t limit = 0;                 ///< The size of a file in bytes; 0 for none.
+        nxLogRetention retention;
 
         /// What the environment and nxApplicationData say, both of which have locks.
-        static Plan Read(const char* defaultDirectory, std::uint64_t limit = 0);
+        /// @param retention counts where the environment says nothing.
+        static Plan Read(const char* defaultDirectory, std::uint64_t limit = 0, const nxLogRetention& retention = {});
     };
     static constexpr nxLogLineStyle Style{nxLogLineStyle::Full, true};
 
@@ -50,6 +54,8 @@ public:
     void Flush();
     void Maintain(std::int64_t now);
     void Reopen();
+    /// Takes effect from now on, until the next Create().
+    void SetRetention(const nxLogRetention& retention);
     /// Attempts once more to write what waits, and tells what stays unwritten.
     void End();
     /// Closes the file. Nothing is written before the next Create().
@@ -94,6 +100,7 @@ private:
     bool _closingIsUntold = false;  // in the log: the last file was closed by other code
     bool _openDirectoryIsTold = false;
     std::uint64_t _toldLostLines = 0;
+    nxLogFileKeeper _keeper;
     std::string _line;
 };
 

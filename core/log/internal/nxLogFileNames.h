@@ -22,7 +22,8 @@ public:
     const std::string& GetRoot() const { return _root; }
     /// The directory between it and those of the dates; empty for none.
     const std::string& GetFolder() const { return _folder; }
-    /// Both.
+    const std::string& GetApplication() const { return _application; }
+    /// Root and folder.
     std::string GetDirectory() const;
 
     std::string GetDirectory(const std::string& date) const { return GetDirectory() + '/' + date; }

@@ -60,6 +60,16 @@ struct nxLogLimits
     static constexpr std::int64_t LastThreadInterval = nxNanoseconds::PerSecond;
     /// nxLogLineSink::Maintain(), nxFileLogDevice: how often a device looks after its trouble.
     static constexpr std::int64_t MaintenanceInterval = nxNanoseconds::PerSecond;
+    /// nxFileLogDevice::SetRetention(): how often it looks for files to remove besides every new file, and how long it waits
+    /// after a file could not be compressed.
+    static constexpr std::int64_t RetentionInterval = 60 * nxNanoseconds::PerSecond;
+    /// How long that takes the log's thread at most in every MaintenanceInterval, and for every file that takes the place of
+    /// another.
+    static constexpr std::int64_t RetentionSlice = 10 * nxNanoseconds::PerMillisecond;
+    static constexpr std::int64_t RetentionSliceAtRotation = nxNanoseconds::PerMillisecond;
+    /// An empty file that was written to so recently may be one that a process is just opening; and a compressed file,
+    /// one that is being written.
+    static constexpr std::int64_t FreshFileSeconds = 60;
     /// nxLogManager: losses and waits of this time are told in one record.
     static constexpr std::int64_t LossReportInterval = nxNanoseconds::PerSecond;
     /// nxLogManager::SetTimeBetweenFlushes(): at first.

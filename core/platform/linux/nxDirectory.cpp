@@ -55,13 +55,16 @@ int nxDirectory::_Take(nxDescriptor&& descriptor)
 
 int nxDirectory::Open(const std::string& path)
 {
+    int error = OpenExisting(path);
+    if (error != ENOENT)
+        return error;
+    error = Make(path);
+    return error != 0 ? error : OpenExisting(path);
+}
+
+int nxDirectory::OpenExisting(const std::string& path)
+{
     nxDescriptor opened = OpenAt(AT_FDCWD, path.c_str(), O_DIRECTORY);
-    if (!opened.IsOpen() && errno == ENOENT)
-    {
-        if (const int error = Make(path); error != 0)
-            return error;
-        opened = OpenAt(AT_FDCWD, path.c_str(), O_DIRECTORY);
-    }
     if (!opened.IsOpen())
         return errno;
     _isOpenToOthers = false;
@@ -70,13 +73,26 @@ int nxDirectory::Open(const std::string& path)
 
 int nxDirectory::Enter(const std::string& name)
 {
-    nxDescriptor entered = OpenAt(GetDescriptor(), name.c_str(), O_NOFOLLOW);
-    if (!entered.IsOpen() && errno == ENOENT)
-    {
-        if (mkdirat(GetDescriptor(), name.c_str(), DirectoryMode()) != 0 && errno != EEXIST)
-            return errno;
-        entered = OpenAt(GetDescriptor(), name.c_str(), O_NOFOLLOW);
-    }
+    const int error = _EnterExisting(*this, name);
+    if (error != ENOENT)
+        return error;
+    if (mkdirat(GetDescriptor(), name.c_str(), DirectoryMode()) != 0 && errno != EEXIST)
+        return errno;
+    return _EnterExisting(*this, name);
+}
+
+int nxDirectory::OpenExisting(const nxDirectory& parent, const std::string& name)
+{
+    const bool isOpenToOthers = std::exchange(_isOpenToOthers, parent._isOpenToOthers);
+    const int error = _EnterExisting(parent, name);
+    if (error != 0)
+        _isOpenToOthers = isOpenToOthers;
+    return error;
+}
+
+int nxDirectory::_EnterExisting(const nxDirectory& parent, const std::string& name)
+{
+    nxDescriptor entered = OpenAt(parent.GetDescriptor(), name.c_str(), O_NOFOLLOW);
     if (!entered.IsOpen())
         return errno;
     struct stat status = {};
@@ -89,4 +105,10 @@ int nxDirectory::Enter(const std::string& name)
     if (!IsOurs(status) || MayWrite(status, S_IWOTH))
         return EPERM;
     return _Take(std::move(entered));
+}
+
+bool nxDirectory::IsSound() const
+{
+    struct stat status = {};
+    return _descriptor.IsOpen() && _descriptor.Check(status) == 0;
 }

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "core/platform/linux/nxRecordLock.h"
 #include "core/platform/linux/nxSystemCall.h"
 #include "core/platform/linux/nxWriteSignals.h"
 #include "core/platform/nxEnvironment.h"
@@ -46,6 +47,8 @@ int nxFile::CreateNew(const nxDirectory& directory, const std::string& path)
         }));
     if (!created.IsOpen())
         return errno;
+    // A file system without locks has no claims either.
+    static_cast<void>(nxRecordLock::TryExclusive(created.Get(), 0));
     _descriptor = std::move(created);
     _path = std::move(absolute);
     _root = IdentityOf("/");
