@@ -46,6 +46,8 @@ want_test_programs()
 {
     local modules=/usr/lib/python3/dist-packages
     need logrotate logrotate \
+        zstd zstd \
+        xz xz-utils \
         zsh zsh \
         spin spin \
         $modules/z3/z3.py python3-z3 \

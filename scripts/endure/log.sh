@@ -15,8 +15,10 @@ row_disk() { GTEST_REPEAT=${NX_ENDURE_DISK_CYCLES:-100} log_row disk test_log '*
 row_exits() { NX_TEST_EXITS=${NX_ENDURE_EXITS:-1000} log_row exits test_endurance 'nxLogEndurance.ExitWhile*:nxLogEndurance.ForkWhile*:nxLogProcess.NeedsNothingOfAPlugin*' "${NX_ENDURE_EXITS:-1000} exits and plug-ins unloaded, four times as many forks, while 8 threads log"; }
 row_rotation() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} log_row rotation test_endurance 'nxLogEndurance.Rotation*' "${NX_ENDURE_ROTATIONS:-10000} files' worth of lines"; }
 row_levels() { GTEST_REPEAT=${NX_ENDURE_LEVEL_CYCLES:-200} log_row levels test_log 'nxLogLevels.EachThread*' "${NX_ENDURE_LEVEL_CYCLES:-200} times 8,000 changes of levels in 4 threads that log, and 5 forks"; }
+row_folder() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} NX_TEST_SMALL_FILES=${NX_ENDURE_SMALL_FILES:-1000000} NX_TEST_COMPRESSIONS=${NX_ENDURE_COMPRESSIONS:-300} NX_TEST_SEED=$RANDOM log_row folder test_endurance 'nxLogFolder.*' "${NX_ENDURE_ROTATIONS:-10000} rotations of 4 processes, ${NX_ENDURE_SMALL_FILES:-1000000} small files cleaned up, ${NX_ENDURE_COMPRESSIONS:-300} kills while compressing"; }
 add_row crashes 1
 add_row disk 1
 add_row exits 1
 add_row levels 1
 add_row rotation 1
+add_row folder 1

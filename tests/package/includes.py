@@ -33,7 +33,6 @@ LAYERS = (
 LOG_PARTS = (
     ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
     ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
-               "inline/nxLogSource nxLogLevelRule internal/nxLogLevelRules internal/nxLogSourceTable internal/nxLogEscape"),
     ("counters, switches, limits, levels", "inline/nxLogGate internal/nxLogLevelState internal/nxLogEnvironment internal/nxLogCounters internal/nxLogFileFigures internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
     ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
     ("memory", "internal/nxLogRingMemory"),
@@ -48,7 +47,9 @@ LOG_PARTS = (
     ("writer", "internal/nxLogWriter internal/nxLogIdleSleep internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
     ("manager", "nxLogManager nxLogSettings nxLogLevels nxLogFigures internal/nxLogOpenMetrics"),
     ("statements", "nxLogMacros"),
-    ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile internal/nxLogFileNames nxLogSetUp"),
+    ("files", "internal/nxLogErrorLine internal/nxLogFileNames nxLogRetention internal/nxLogKeptFile internal/nxLogOldestFiles "
+              "internal/nxLogFileSurvey internal/nxLogFileCompressor internal/nxLogFileKeeper"),
+    ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile nxLogSetUp"),
     ("reports from below", "internal/nxThreadReport"),
 )
 
