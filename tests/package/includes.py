@@ -3,7 +3,7 @@
 """Holds the includes of core/ to docs/architecture.md.
 
 A unit is a header with its source and lists: one path without extension. Includes point sideways or down, units form no
-circle and folders form none, the parts of the log are in the order below, the operating system is named in its folder
+circle and folders form none, the parts of the log are in the order of that page, the operating system is named in its folder
 alone, and the umbrella header names exactly the public headers. No header calls the virtual bounds of an enumeration,
 which g++ -O3 may turn into calls of functions that nobody instantiated.
 
@@ -29,29 +29,13 @@ LAYERS = (
     ("format", "testing"),
 )
 
-# The parts of the log, bottom first, each with its units. A part includes itself and the parts before it.
-LOG_PARTS = (
-    ("values", "inline/nxLogTag inline/nxLogStream nxLogMarkers nxLogCharLenPair inline/nxLogTexts internal/nxLogValueReader"),
-    ("record", "inline/nxLogRecordHeader internal/nxLogRecord internal/nxLogRecordBytes inline/nxLogMessage "
-    ("counters, switches, limits, levels", "inline/nxLogGate internal/nxLogLevelState internal/nxLogEnvironment internal/nxLogCounters internal/nxLogFileFigures internal/nxLogSwitches internal/nxLogLimits internal/nxLogAwakeTime"),
-    ("bell", "internal/nxLogBell internal/nxLogWait nxLogIdleSettings"),
-    ("memory", "internal/nxLogRingMemory"),
-    ("ring", "inline/nxLogChannel internal/nxLogRing"),
-    ("channels", "internal/nxLogChannelList"),
-    ("filling", "internal/nxLogBackpressure internal/nxLogFilling internal/nxLogOpenStatement"),
-    ("merge", "internal/nxLogMerge"),
-    ("text", "internal/nxLogTimeText internal/nxLogQuickText internal/nxLogLineBuffer nxLogLineSink"),
-    ("record for people", "nxLog internal/nxLogConversion nxLogStatement nxLogLine internal/nxLogHexDump"),
-    ("devices", "nxLogDevice internal/nxLogTimedLock internal/nxLogForkLock internal/nxLogDeviceBook internal/nxLogDeviceEntry internal/nxLogDeviceList"),
-    ("delivery", "internal/nxLogBatches internal/nxLogEarlyRecords internal/nxLogOwnReport internal/nxLogLevelFile internal/nxLogUpkeep"),
-    ("writer", "internal/nxLogWriter internal/nxLogIdleSleep internal/nxLogWriterThread nxLogDeferredWriteThread internal/nxLogExit internal/nxLogFork"),
-    ("manager", "nxLogManager nxLogSettings nxLogLevels nxLogFigures internal/nxLogOpenMetrics"),
-    ("statements", "nxLogMacros"),
-    ("files", "internal/nxLogErrorLine internal/nxLogFileNames nxLogRetention internal/nxLogKeptFile internal/nxLogOldestFiles "
-              "internal/nxLogFileSurvey internal/nxLogFileCompressor internal/nxLogFileKeeper"),
-    ("own devices", "nxConsoleLogDevice nxFileLogDevice internal/nxLogFile nxLogSetUp"),
-    ("reports from below", "internal/nxThreadReport"),
-)
+
+def log_parts(root):
+    """The parts of the log as the page has them, bottom first: [(name, [unit])]. A part includes itself and those before it."""
+    with open(os.path.join(root, "docs/architecture.md"), encoding="utf-8") as page:
+        rows = re.findall(r"^\| \d+ \| ([^|]+?) \| (`[^|]+`) \| [^|]+\|$", page.read(), re.M)
+    return [(name, ["core/log/" + stem for stem in re.findall(r"`([^`]+)`", units)]) for name, units in rows]
+
 
 # What belongs to the system: its folder, and the header that gives the locks their primitives.
 SYSTEM_FOLDER = "core/platform/linux/"
@@ -152,13 +136,13 @@ def faults_of_layers(tree):
                      if target.startswith(SYSTEM_FOLDER) and not path.startswith("core/platform/") and "/inline/" not in target]
 
 
-def faults_of_log(tree):
+def faults_of_log(tree, log_parts):
     """The log's units are each in one part, and include what is in their own part or in one before it."""
-    parts = {"core/log/" + stem: number for number, (_, stems) in enumerate(LOG_PARTS) for stem in stems.split()}
+    parts = {stem: number for number, (_, stems) in enumerate(log_parts) for stem in stems}
     units = {unit(path) for path in tree.texts if folder(path) == "log"}
     faults = [f"{stem} is in no part of the log" for stem in sorted(units - set(parts))]
     faults += [f"{stem} is in a part of the log and not in the tree" for stem in sorted(set(parts) - units)]
-    return faults + [f"{path} ({LOG_PARTS[parts[unit(path)]][0]}) includes {target} ({LOG_PARTS[parts[unit(target)]][0]}): that is up"
+    return faults + [f"{path} ({log_parts[parts[unit(path)]][0]}) includes {target} ({log_parts[parts[unit(target)]][0]}): that is up"
                      for path, target in tree.includes()
                      if unit(path) in parts and unit(target) in parts and parts[unit(path)] < parts[unit(target)]]
 
@@ -193,9 +177,9 @@ def faults_of_calls(tree):
             for call in re.findall(r"(?<!unsigned )\b_M(?:in|ax)Value\(\)", text)]
 
 
-def faults_of_source(tree):
+def faults_of_source(root, tree):
     return (faults_of_layers(tree) + faults_of_circles(tree, unit, "units") + faults_of_circles(tree, folder, "folders") +
-            faults_of_log(tree) + faults_of_system(tree) + faults_of_forks(tree) + faults_of_umbrella(tree.headers()) +
+            faults_of_log(tree, log_parts(root)) + faults_of_system(tree) + faults_of_forks(tree) + faults_of_umbrella(tree.headers()) +
             faults_of_calls(tree))
 
 
@@ -213,7 +197,7 @@ def faults_of_installation(graph, installed):
 
 def main():
     tree = Tree(sys.argv[1])
-    faults = faults_of_installation(tree.headers(), Tree(sys.argv[2]).headers()) if len(sys.argv) > 2 else faults_of_source(tree)
+    faults = faults_of_installation(tree.headers(), Tree(sys.argv[2]).headers()) if len(sys.argv) > 2 else faults_of_source(sys.argv[1], tree)
     print("\n".join(faults))
     return 1 if faults else 0
 
