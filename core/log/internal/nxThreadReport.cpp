@@ -56,6 +56,19 @@ void nxThreadReport::ExceptionLeftRun(const char* what)
     NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxThread", 14) << "A thread ended with an exception: " << what;
 }
 
+void nxThreadReport::SignalsNotBlocked(unsigned thread)
+{
+    NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxSignalThread", 1)
+        << "Thread " << thread
+        << " was started before signals were blocked. A signal that it gets has its former effect.";
+}
+
+void nxThreadReport::ExceptionLeftHandler(int signal, const char* what)
+{
+    NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxSignalThread", 2)
+        << "The handler of signal " << signal << " ended with an exception: " << what;
+}
+
 void nxThreadReport::BufferAllocated(unsigned size, void* address)
 {
     NX_LOG_AT(NX_LOG_LEVEL_INFO, "core/trunk/nxThreadSpecificMemoryBuffer", 95)

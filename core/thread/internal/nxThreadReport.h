@@ -29,6 +29,10 @@ public:
     /// @param what the exception's own text, or "of unknown type".
     static void ExceptionLeftRun(const char* what);
 
+    // Threads that wait for signals. `thread` is the system's number of one in which a signal is not blocked.
+    static void SignalsNotBlocked(unsigned thread);
+    static void ExceptionLeftHandler(int signal, const char* what);
+
     // Buffers of one thread. Sizes are bytes.
     static void BufferAllocated(unsigned size, void* address);
     static void BufferGrownByItsIncrement(unsigned before, unsigned after);
