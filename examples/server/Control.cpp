@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Control.h"
+
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <system_error>
+
+#include "core/nxCore.h"
+
+namespace
+{
+// Each takes the text of a value and leaves everything as it is if it does not understand it.
+using Setting = std::function<nxErrorEnum(const std::string& value)>;
+
+nxErrorEnum SetLevel(const std::string& value)
+{
+    nxLogLevelEnum level;
+    if (!level.SetFromString(value))
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    nxLogManager::SetLogLevel(level);
+    return nxErrorEnum();
+}
+
+nxErrorEnum SetFlushTime(const std::string& value)
+{
+    nxDecimal seconds;
+    const nxErrorEnum error = seconds.SetFromString(value, '.');
+    if (error.IsOK())
+        nxLogManager::GetInstance().SetTimeBetweenFlushes(seconds.GetAsDouble());
+    return error;
+}
+
+// A setting that is on or off.
+template <class Set>
+Setting Switch(Set set)
+{
+    return [set](const std::string& value)
+    {
+        if (value != "on" && value != "off")
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        set(value == "on");
+        return nxErrorEnum();
+    };
+}
+
+void SetConsole(bool isOn)
+{
+    nxConsoleLogDevice& console = nxConsoleLogDevice::GetInstance();
+    if (isOn)
+        nxLogManager::GetInstance().RegisterLogDevice(&console);
+    else
+        nxLogManager::GetInstance().UnregisterLogDevice(&console);
+}
+
+const std::map<std::string, Setting>& GetSettings()
+{
+    static const std::map<std::string, Setting> settings = {
+        {"console", Switch(SetConsole)},
+        {"flush", SetFlushTime},
+        {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
+        {"level", SetLevel},
+        {"processor", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadCPU(isOn); })},
+    };
+    return settings;
+}
+
+void CarryOutLine(const std::string& line)
+{
+    std::istringstream words(line);
+    std::string name, value;
+    words >> name >> value;
+    const auto setting = GetSettings().find(name);
+    const nxErrorEnum error = setting == GetSettings().end() ? nxErrorEnum(NX_ERR_NOT_FOUND) : setting->second(value);
+    if (error.IsOK())
+        NX_LOG(NX_LOG_LEVEL_INFO) << "setting '" << name << "' is now '" << value << "'";
+    else
+        NX_LOG(NX_LOG_LEVEL_WARNING) << "setting '" << name << "' stays, '" << value << "' is refused: " << error;
+}
+}  // namespace
+
+void Control::CarryOut() const
+{
+    std::ifstream file(_file);
+    for (std::string line; std::getline(file, line);)
+        CarryOutLine(line);
+    std::error_code ignored;
+    std::filesystem::remove(_file, ignored);
+}
