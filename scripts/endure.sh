@@ -59,6 +59,7 @@ for file in scripts/endure/*.sh; do
 done
 
 need_test_tools && need_clang_tools || exit 1
+need /usr/sbin/logrotate logrotate gzip gzip xz xz-utils zstd zstd
 
 wanted() { [ ${#only[@]} -eq 0 ] || printf '%s\n' "${only[@]}" | grep -qx "$1"; }
 parts=0

@@ -26,6 +26,8 @@ class nxSignalWorker;
 ///   after it.
 /// - Signals of the nxBlockedSignals without a function are kept by the system, and the destructor of that object gives them
 ///   their former effect.
+/// - A signal that is sent to one thread, as by std::raise() and pthread_kill(), stays with that thread. A program sends
+///   one to itself by `kill(getpid(), SIGTERM)`.
 /// - Exceptions: one that leaves a function is written to the log at the fatal level. The thread goes on, because the
 ///   process could not be ended by a signal otherwise.
 /// - Errors: those of SetHandler() are kept for Start(), so that there is one place to look.

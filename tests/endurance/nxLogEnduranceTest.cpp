@@ -404,7 +404,7 @@ TEST(nxLogProcess, WritesAFatalRecordBeforeTheStatementIsOver)
     int inTime = 0;
     for (int round = 0; inTime < rounds && round < 10 * rounds; ++round)
     {
-        Logger logger({"abort-after-a-fatal-record"});
+        Logger logger({round % 2 == 0 ? "abort-after-a-fatal-record" : "end-by-an-exception"});
         const int status = logger.Wait();
         if (status == tookTooLong)
             continue;

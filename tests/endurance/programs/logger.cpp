@@ -15,10 +15,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -231,6 +233,13 @@ int AbortAfterAFatalRecord()
     std::abort();
 }
 
+// An exception that nothing catches, with a handler as the guide shows it.
+int EndByAnException()
+{
+    std::set_terminate([] { static_cast<void>(AbortAfterAFatalRecord()); });
+    throw std::runtime_error("not caught");
+}
+
 // The main thread ends first, and a worker later.
 int EndByTheLastThread()
 {
@@ -395,6 +404,7 @@ int main(int argc, char** argv)
         {"exit-inside-a-device", ExitInsideADevice},
         {"unload-a-plugin", [&] { return UnloadAPlugin(argument, std::atoi(argv[3])); }},
         {"abort-after-a-fatal-record", AbortAfterAFatalRecord},
+        {"end-by-an-exception", EndByAnException},
         {"end-by-the-last-thread", EndByTheLastThread},
         {"fault-in-a-device", FaultInADevice},
         {"pinned", ReportFirstFromAPinnedThread},

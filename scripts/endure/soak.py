@@ -1,0 +1,242 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Runs example_server under load while every setting of its log changes, ends it by SIGTERM, and finds every order once.
+
+    soak.py SERVER [--seconds N] [--seed N] [--rate N] [--folder DIRECTORY]
+
+Each function below with the mark @changer changes one thing. They are called in a random order, with a short pause after
+each, until the time is over. What the server wrote stays in the folder if a fault was found.
+"""
+
+import argparse
+import collections
+import os
+import random
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+RECORDS = os.path.join(HERE, "..", "..", "examples", "server", "records.py")
+CHANGERS = []
+
+
+def changer(function):
+    """Marks a function that changes something; it returns False where the machine lacks what it needs."""
+    CHANGERS.append(function)
+    return function
+
+
+class Fault(Exception):
+    """The server has not done what it was told."""
+
+
+class Soak:
+    """A running server and the folder of its files."""
+
+    def __init__(self, arguments, folder):
+        self.random = random.Random(arguments.seed)
+        self.folder = folder
+        self.log = os.path.join(folder, "log")
+        self.kept = os.path.join(folder, "kept")  # files that were taken from the log's folder
+        self.control = os.path.join(folder, "control")
+        os.mkdir(self.kept)
+        self.output = open(os.path.join(folder, "output"), "wb")
+        environment = {name: value for name, value in os.environ.items() if not name.startswith(("QRX_", "NX_"))}
+        environment["QRX_LOG_DIRECTORY"] = self.log
+        self.server = subprocess.Popen(
+            [arguments.server, "-feeds", "4", "-workers", "4", "-rate", str(arguments.rate),
+             "-filesize", "4000000", "-control", self.control],
+            env=environment, stdout=subprocess.DEVNULL, stderr=self.output)
+        self.wait(self.open_files, "an open log file")
+
+    def wait(self, condition, what):
+        """Waits until a condition holds, half a minute at most."""
+        end = time.monotonic() + 30
+        while not condition():
+            if self.server.poll() is not None:
+                raise Fault(f"the server has ended with status {self.server.returncode}")
+            if time.monotonic() > end:
+                raise Fault(f"waited half a minute for {what}")
+            time.sleep(0.01)
+
+    def open_files(self):
+        """The log files that the server has open."""
+        folder = f"/proc/{self.server.pid}/fd"
+        names = []
+        for number in os.listdir(folder):
+            try:
+                names.append(os.readlink(os.path.join(folder, number)))
+            except FileNotFoundError:
+                pass
+        return [name for name in names if name.startswith(self.log + "/")]
+
+    def closed_files(self):
+        """The plain log files that the server has closed, the oldest first. A file that it makes meanwhile is left out."""
+        names = [os.path.join(folder, name) for folder, _, names in os.walk(self.log) for name in names
+                 if name.endswith(".log")]
+        names.sort(key=os.path.getmtime)
+        still_open = self.open_files()
+        return [name for name in names if name not in still_open and os.path.getmtime(name) < time.time() - 2]
+
+    def set(self, *lines):
+        """Has the server carry out lines of its control file."""
+        with open(self.control + ".new", "w", encoding="ascii") as file:
+            file.write("".join(f"{line}\n" for line in lines))
+        os.rename(self.control + ".new", self.control)
+        self.server.send_signal(signal.SIGUSR1)
+        self.wait(lambda: not os.path.exists(self.control), f"the server to carry out {lines}")
+
+    def set_one_of(self, name, *values):
+        self.set(f"{name} {self.random.choice(values)}")
+
+    def finish(self):
+        """Ends the server in the orderly way."""
+        self.set("level INF")
+        self.server.send_signal(signal.SIGTERM)
+        try:
+            status = self.server.wait(60)
+        except subprocess.TimeoutExpired:
+            raise Fault("the server has not ended within a minute") from None
+        if status != 0:
+            raise Fault(f"the server has ended with status {status}")
+
+    def close(self):
+        self.server.kill()
+        self.server.wait()
+        self.output.close()
+
+
+@changer
+def level(soak):
+    soak.set_one_of("level", "DBG", "INF")
+
+
+@changer
+def flush_time(soak):
+    soak.set_one_of("flush", "0", "0.1", "1", "3")
+
+
+@changer
+def thread_index(soak):
+    soak.set_one_of("index", "on", "off")
+
+
+@changer
+def processor(soak):
+    soak.set_one_of("processor", "on", "off")
+
+
+@changer
+def console(soak):
+    """A device that comes and goes."""
+    soak.set_one_of("console", "on", "off")
+
+
+@changer
+def hang_up(soak):
+    before = soak.open_files()
+    soak.server.send_signal(signal.SIGHUP)
+    soak.wait(lambda: soak.open_files() != before, "a new file after SIGHUP")
+
+
+@changer
+def rename(soak):
+    """As tools that rotate do: the server follows by itself."""
+    name = soak.random.choice(soak.open_files())
+    os.rename(name, os.path.join(soak.kept, f"renamed_{time.monotonic_ns()}.log"))
+    soak.wait(lambda: any(os.path.exists(name) for name in soak.open_files()), "a new file after a rename")
+
+
+@changer
+def compress(soak):
+    """From outside, files that are closed."""
+    for name in soak.closed_files()[:3]:
+        program = soak.random.choice([program for program in ("gzip", "xz", "zstd") if shutil.which(program)])
+        subprocess.run([program, "-q", *(["--rm"] if program == "zstd" else []), name], check=True)
+
+
+@changer
+def logrotate(soak):
+    """Its rename, its compression and its signal."""
+    program = shutil.which("logrotate", path=os.environ.get("PATH", "") + ":/usr/sbin")
+    if program is None:
+        return False
+    configuration = os.path.join(soak.folder, "logrotate.conf")
+    with open(configuration, "w", encoding="ascii") as file:
+        file.write(f"""{soak.log}/*/*.log {{
+    rotate 1000000
+    size 1
+    nocreate
+    olddir {soak.kept}
+    dateext
+    dateformat _%s_{time.monotonic_ns()}
+    sharedscripts
+    postrotate
+        kill -HUP {soak.server.pid}
+    endscript
+}}
+""")
+    os.chmod(configuration, 0o600)
+    before = soak.open_files()
+    result = subprocess.run([program, "-f", "-s", os.path.join(soak.folder, "logrotate.state"), configuration],
+                            capture_output=True, text=True)
+    if result.returncode != 0:
+        raise Fault(f"logrotate: {result.stderr}")
+    soak.wait(lambda: soak.open_files() != before, "a new file after logrotate")
+
+
+def change_until(soak, end):
+    """Calls the changers until the time is over. Returns how often each was called, and those that cannot be."""
+    counts, missing = collections.Counter(), set()
+    while time.monotonic() < end:
+        function = soak.random.choice([function for function in CHANGERS if function.__name__ not in missing])
+        if function(soak) is False:
+            missing.add(function.__name__)
+        else:
+            counts[function.__name__] += 1
+        time.sleep(soak.random.uniform(0, 0.3))
+    return counts, missing
+
+
+def run(arguments, folder):
+    soak = Soak(arguments, folder)
+    try:
+        counts, missing = change_until(soak, time.monotonic() + arguments.seconds)
+        soak.finish()
+    finally:
+        soak.close()
+    print("   changed:", ", ".join(f"{name} {count}" for name, count in sorted(counts.items())))
+    for name in sorted(missing):
+        print(f"   left out: {name}, because the machine lacks the program")
+    result = subprocess.run([sys.executable, RECORDS, folder], capture_output=True, text=True)
+    print("   found:", "; ".join(result.stdout.splitlines()))
+    with open(os.path.join(folder, "output"), encoding="utf-8", errors="replace") as file:
+        lost = [line for line in file if re.search("lost|dropped|left", line)]
+    if result.returncode != 0 or lost:
+        raise Fault("; ".join(["records are missing or double", *lost]))
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("server")
+    parser.add_argument("--seconds", type=int, default=600)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--rate", type=int, default=1000, help="orders of each of the four feeds in a second")
+    parser.add_argument("--folder", default=None, help="an empty folder for the files; made unless given")
+    arguments = parser.parse_args()
+    folder = arguments.folder or tempfile.mkdtemp(prefix="nxsoak.")
+    try:
+        run(arguments, os.path.abspath(folder))
+    except Fault as fault:
+        print(f"   seed {arguments.seed}: {fault}; the files are in {folder}")
+        sys.exit(1)
+    shutil.rmtree(folder)
+
+
+if __name__ == "__main__":
+    main()
