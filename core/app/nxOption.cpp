@@ -8,6 +8,8 @@ nxOption::nxOption(Texts texts) : _texts(std::move(texts)) {}
 
 nxOption::~nxOption() = default;
 
+nxRepeatedOption::~nxRepeatedOption() = default;
+
 // As the user writes it: "-lots N".
 std::string nxOption::_GetUse() const
 {

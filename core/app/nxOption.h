@@ -66,6 +66,16 @@ private:
     bool _isRequired = false;
 };
 
+/// An option that may be given several times. nxOptions::Add() makes it for a vector.
+class NX_CORE_API nxRepeatedOption : public nxOption
+{
+public:
+    ~nxRepeatedOption() override;
+
+protected:
+    using nxOption::nxOption;
+};
+
 /// One declared option with a variable of type Value. Its operations return the option itself, so that they can be chained:
 /// @code
 /// options.Add("lots", lots, "N", "size of each quote").Between(1, 1000).Required();
@@ -118,6 +128,7 @@ public:
 
 private:
     friend class nxOptions;
+    friend class nxTypedOption<std::vector<Value>>;
 
     nxTypedOption(std::string_view name, Value& target, std::string_view label, std::string_view meaning)
         : nxOption(Texts{std::string(name), std::string(label), std::string(meaning), Type::GetText(target),
@@ -169,6 +180,83 @@ private:
     std::optional<Value> _value;
     std::string _range = Type::GetRange();
     std::vector<std::pair<std::function<bool(const Value&)>, std::string>> _conditions;
+};
+
+/// An option with a vector, which receives a value for each time that the option is given, in their order:
+/// `-symbol WTI -symbol BRN`. Its operations are those of an option with a single value and concern each value.
+///
+/// - Environment: the variable gives one value.
+/// - Default: the vector keeps what it holds if no value is given. The help does not show it.
+/// - Errors, threads, ownership: as for other options.
+template <class Element>
+class nxTypedOption<std::vector<Element>> final : public nxRepeatedOption
+{
+    using Type = nxOptionType<Element>;
+
+public:
+    /// The option must be given at least once, or by its variable of the environment.
+    nxTypedOption& Required()
+    {
+        _Require();
+        return *this;
+    }
+
+    /// Takes one value from a variable of the environment when the command line gives none.
+    /// @param key the variable's name.
+    nxTypedOption& FromEnvironment(std::string_view key)
+    {
+        _SetKey(key);
+        return *this;
+    }
+
+    /// Accepts the values from @p lowest to @p highest, both included. Declare it once.
+    nxTypedOption& Between(const Element& lowest, const Element& highest)
+    {
+        _reader.Between(lowest, highest);
+        _AddCondition("from " + Type::GetText(lowest) + " to " + Type::GetText(highest));
+        return *this;
+    }
+
+    /// Accepts the values that meet a condition.
+    /// @param condition must not throw.
+    /// @param wording completes the sentence "the value is not ...": "a positive number".
+    nxTypedOption& Where(std::function<bool(const Element&)> condition, std::string_view wording)
+    {
+        _reader.Where(std::move(condition), wording);
+        _AddCondition(wording);
+        return *this;
+    }
+
+private:
+    friend class nxOptions;
+
+    nxTypedOption(std::string_view name, std::vector<Element>& target, std::string_view label, std::string_view meaning)
+        : nxRepeatedOption(Texts{std::string(name), std::string(label), std::string(meaning), {}, Type::GetWords()}),
+          _target(&target),
+          _reader(name, _element, label, meaning)
+    {
+    }
+
+    nxErrorEnum _Read(const std::string& text, std::string& wanted) override
+    {
+        const nxErrorEnum error = _reader._Read(text, wanted);
+        _reader._Finish(error.IsOK());
+        if (error.IsOK())
+            _values.push_back(_element);
+        return error;
+    }
+
+    void _Finish(bool isAccepted) override
+    {
+        if (isAccepted && !_values.empty())
+            *_target = std::move(_values);
+        _values.clear();
+    }
+
+    std::vector<Element>* _target;
+    std::vector<Element> _values;
+    Element _element{};
+    nxTypedOption<Element> _reader;  // of one value, which it stores in _element
 };
 
 #endif

@@ -28,13 +28,25 @@ bool IsOptionName(std::string_view name)
 // The words of a command line, told apart.
 struct nxOptions::Words
 {
-    // What was given last for an option.
+    // What was given for an option: each time for one that is repeated, the last time for others.
     struct Value
     {
-        std::string text;
-        bool isGiven = false;
+        std::size_t times = 0;
+        std::vector<std::string> texts;  // fewer when a value is missing
+
+        bool IsComplete() const { return texts.size() == times; }
     };
     std::map<const nxOption*, Value> values;
+
+    // The option is here once more, perhaps with a value after it.
+    void Begin(const nxOption& option)
+    {
+        Value& value = values[&option];
+        if (dynamic_cast<const nxRepeatedOption*>(&option) == nullptr)
+            value = {};
+        ++value.times;
+    }
+
     std::vector<std::string> unknownOptions;
     std::vector<std::string> others;
     bool hasHelp = false;
@@ -93,7 +105,7 @@ nxOptions::Words nxOptions::_Split(const char* const* argv) const
             if (IsHelpName(word + 1))
                 words.hasHelp = true;
             else if (pending != nullptr)
-                words.values[pending] = {};
+                words.Begin(*pending);
             else
                 words.unknownOptions.emplace_back(word);
             continue;
@@ -104,7 +116,7 @@ nxOptions::Words nxOptions::_Split(const char* const* argv) const
         if (isFree)
             words.others.emplace_back(word);
         else if (pending != nullptr)
-            words.values[pending] = {word, true};
+            words.values[pending].texts.emplace_back(word);
     }
     return words;
 }
@@ -141,8 +153,11 @@ nxErrorEnum nxOptions::_CheckValues(const Words& words, const nxCmdLineArgs& arg
     {
         const auto found = words.values.find(option.get());
         const std::string variable = option->_key.empty() ? std::string() : args.GetEnvValue(option->_key);
-        if (found != words.values.end() && (found->second.isGiven || option->_IsFlag()))
-            keep(option->_Check(found->second.isGiven ? found->second.text : "YES", DashedName(name), _messages));
+        if (found != words.values.end() && found->second.IsComplete())
+            for (const std::string& text : found->second.texts)
+                keep(option->_Check(text, DashedName(name), _messages));
+        else if (found != words.values.end() && option->_IsFlag())
+            keep(option->_Check("YES", DashedName(name), _messages));
         else if (found != words.values.end())
         {
             _messages.push_back(DashedName(name) + " needs a value, " + option->_texts.label);

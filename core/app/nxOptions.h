@@ -19,11 +19,11 @@
 /// Each option is declared with the variable that receives its value. The type of the variable is the type of the option,
 /// and what the variable holds at that time is the default, which is not checked. These types are known: `bool` for a
 /// flag, the integers, `double`, nxDecimal, nxValueWrapper, nxDoubleValueWrapper, `std::string`, the enumerations by
-/// their identifiers, and `std::chrono` durations ("250ms"). Every other type needs a member
+/// their identifiers, and `std::chrono` durations ("250ms"); also a `std::vector` of these, but for flags. Every other type needs a member
 /// `nxErrorEnum SetFromString(const std::string&)`, as dates, times and nxStringValue have.
 ///
 /// The command line is read as nxCmdLineArgs reads it: `-name value`, where a negative number is a value and any other word
-/// with a dash is an option; the last value of a repeated option counts. Two rules differ, because the options are known. A
+/// with a dash is an option; the last value of a repeated option counts, and all of them if the variable is a vector. Two rules differ, because the options are known. A
 /// flag takes no value but TRUE, YES, FALSE or NO; any other word after it is a word of its own. A word that belongs to no
 /// option is an error where the program has not declared words. `-help` and `--help` are always known.
 ///
@@ -69,6 +69,19 @@ public:
         std::unique_ptr<nxTypedOption<Value>> option(
             new nxTypedOption<Value>(name, target, label.empty() ? "VALUE" : label, meaning));
         nxTypedOption<Value>& added = *option;
+        _Add(std::move(option));
+        return added;
+    }
+
+    /// Declares an option that may be given several times: `-symbol WTI -symbol BRN`.
+    /// @param target receives the values in their order, in place of what it holds. What it holds is the default.
+    template <nxOptionWithLabel Value>
+    nxTypedOption<std::vector<Value>>& Add(std::string_view name, std::vector<Value>& target, std::string_view label,
+                                           std::string_view meaning)
+    {
+        std::unique_ptr<nxTypedOption<std::vector<Value>>> option(
+            new nxTypedOption<std::vector<Value>>(name, target, label.empty() ? "VALUE" : label, meaning));
+        nxTypedOption<std::vector<Value>>& added = *option;
         _Add(std::move(option));
         return added;
     }

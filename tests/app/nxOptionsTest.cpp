@@ -227,3 +227,40 @@ TEST(nxOptions, ADeclarationThatCannotWorkFailsAtOnce)
                                             "option '--help' cannot have this name"}));
 }
 }  // namespace
+
+TEST(nxOptions, AVectorReceivesEveryValue)
+{
+    const struct
+    {
+        Words words;
+        std::string error;
+        Words symbols;
+        std::vector<int> lots;
+    } rows[] = {
+        {{}, "", {"none"}, {7}},
+        {{"-symbol", "A", "-lots", "2", "-symbol", "B", "-lots", "1", "-symbol", "A"}, "", {"A", "B", "A"}, {2, 1}},
+        {{"-lots", "1", "-lots", "0", "-lots", "x"},
+         "-lots '0' is not from 1 to 5;-lots 'x' is not a whole number from 1 to 5;",
+         {"none"},
+         {7}},
+        {{"-symbol", "-symbol", "A"}, "-symbol needs a value, NAME;", {"none"}, {7}},
+        {{"-symbol", "A", "B"}, "'B' belongs to no option;", {"none"}, {7}},
+    };
+    for (const auto& row : rows)
+    {
+        Words symbols{"none"};
+        std::vector<int> lots{7};
+        nxOptions options("Quotes.");
+        options.Add("symbol", symbols, "NAME", "what is quoted");
+        options.Add("lots", lots, "N", "sizes").Between(1, 5);
+        Words argv{"prog"};
+        argv.insert(argv.end(), row.words.begin(), row.words.end());
+        std::string error;
+        EXPECT_EQ(options.Read(nxTestArguments(argv, {})).IsOK(), row.error.empty());
+        for (const std::string& message : options.GetMessages())
+            error.append(message).append(";");
+        EXPECT_EQ(error, row.error);
+        EXPECT_EQ(symbols, row.symbols);
+        EXPECT_EQ(lots, row.lots);
+    }
+}
