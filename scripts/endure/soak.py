@@ -52,7 +52,7 @@ class Soak:
             [arguments.server, "-feeds", "4", "-workers", "4", "-rate", str(arguments.rate),
              "-filesize", "4000000", "-control", self.control],
             env=environment, stdout=subprocess.DEVNULL, stderr=self.output)
-        self.wait(self.open_files, "an open log file")
+        self.wait_for_new_file([], "the start")
 
     def wait(self, condition, what):
         """Waits until a condition holds, half a minute at most."""
@@ -74,6 +74,9 @@ class Soak:
             except FileNotFoundError:
                 pass
         return [name for name in names if name.startswith(self.log + "/")]
+
+    def wait_for_new_file(self, before, why):
+        self.wait(lambda: set(self.open_files()) - set(before), f"a new file after {why}")
 
     def closed_files(self):
         """The plain log files that the server has closed, the oldest first. A file that it makes meanwhile is left out."""
@@ -141,15 +144,15 @@ def console(soak):
 def hang_up(soak):
     before = soak.open_files()
     soak.server.send_signal(signal.SIGHUP)
-    soak.wait(lambda: soak.open_files() != before, "a new file after SIGHUP")
+    soak.wait_for_new_file(before, "SIGHUP")
 
 
 @changer
 def rename(soak):
     """As tools that rotate do: the server follows by itself."""
-    name = soak.random.choice(soak.open_files())
-    os.rename(name, os.path.join(soak.kept, f"renamed_{time.monotonic_ns()}.log"))
-    soak.wait(lambda: any(os.path.exists(name) for name in soak.open_files()), "a new file after a rename")
+    before = soak.open_files()
+    os.rename(before[0], os.path.join(soak.kept, f"renamed_{time.monotonic_ns()}.log"))
+    soak.wait_for_new_file(before, "a rename")
 
 
 @changer
@@ -187,7 +190,7 @@ def logrotate(soak):
                             capture_output=True, text=True)
     if result.returncode != 0:
         raise Fault(f"logrotate: {result.stderr}")
-    soak.wait(lambda: soak.open_files() != before, "a new file after logrotate")
+    soak.wait_for_new_file(before, "logrotate")
 
 
 def change_until(soak, end):
