@@ -6,6 +6,7 @@
 #include <map>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 #include "core/nxCore.h"
 
@@ -32,17 +33,24 @@ nxErrorEnum SetFlushTime(const std::string& value)
     return error;
 }
 
-// A setting that is on or off.
+// A setting with few values, each with its word.
+template <class Value, class Set>
+Setting OneOf(std::map<std::string, Value> values, Set set)
+{
+    return [values = std::move(values), set](const std::string& word)
+    {
+        const auto value = values.find(word);
+        if (value == values.end())
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        set(value->second);
+        return nxErrorEnum();
+    };
+}
+
 template <class Set>
 Setting Switch(Set set)
 {
-    return [set](const std::string& value)
-    {
-        if (value != "on" && value != "off")
-            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-        set(value == "on");
-        return nxErrorEnum();
-    };
+    return OneOf<bool>({{"on", true}, {"off", false}}, set);
 }
 
 void SetConsole(bool isOn)
