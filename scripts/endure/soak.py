@@ -22,6 +22,7 @@ import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 RECORDS = os.path.join(HERE, "..", "..", "examples", "server", "records.py")
+PACKED = (".gz", ".xz", ".zst")
 CHANGERS = []
 
 
@@ -64,8 +65,8 @@ class Soak:
                 raise Fault(f"waited half a minute for {what}")
             time.sleep(0.01)
 
-    def open_files(self):
-        """The log files that the server has open."""
+    def files_in_use(self):
+        """The files that the server has open."""
         folder = f"/proc/{self.server.pid}/fd"
         names = []
         for number in os.listdir(folder):
@@ -73,18 +74,20 @@ class Soak:
                 names.append(os.readlink(os.path.join(folder, number)))
             except FileNotFoundError:
                 pass
-        return [name for name in names if name.startswith(self.log + "/")]
+        return names
+
+    def open_files(self):
+        """The log files among them; not one that was moved elsewhere."""
+        return [name for name in self.files_in_use() if name.startswith(self.log + "/")]
 
     def wait_for_new_file(self, before, why):
         self.wait(lambda: set(self.open_files()) - set(before), f"a new file after {why}")
 
-    def closed_files(self):
-        """The plain log files that the server has closed, the oldest first. A file that it makes meanwhile is left out."""
-        names = [os.path.join(folder, name) for folder, _, names in os.walk(self.log) for name in names
-                 if name.endswith(".log")]
-        names.sort(key=os.path.getmtime)
-        still_open = self.open_files()
-        return [name for name in names if name not in still_open and os.path.getmtime(name) < time.time() - 2]
+    def kept_files(self):
+        """The plain files that were taken from the log's folder, and that the server has closed."""
+        in_use = self.files_in_use()
+        return [name for name in (os.path.join(self.kept, name) for name in sorted(os.listdir(self.kept)))
+                if ".log" in name and not name.endswith(PACKED) and name not in in_use]
 
     def set(self, *lines):
         """Has the server carry out lines of its control file."""
@@ -157,35 +160,34 @@ def rename(soak):
 
 @changer
 def compress(soak):
-    """From outside, files that are closed."""
-    for name in soak.closed_files()[:3]:
+    """From outside, files that were taken away."""
+    for name in soak.kept_files()[:3]:
         program = soak.random.choice([program for program in ("gzip", "xz", "zstd") if shutil.which(program)])
         subprocess.run([program, "-q", *(["--rm"] if program == "zstd" else []), name], check=True)
 
 
 @changer
 def logrotate(soak):
-    """Its rename, its compression and its signal."""
+    """Its rename and its signal, for the open file."""
     program = shutil.which("logrotate", path=os.environ.get("PATH", "") + ":/usr/sbin")
     if program is None:
         return False
+    before = soak.open_files()
     configuration = os.path.join(soak.folder, "logrotate.conf")
     with open(configuration, "w", encoding="ascii") as file:
-        file.write(f"""{soak.log}/*/*.log {{
+        file.write(f"""{before[0]} {{
     rotate 1000000
     size 1
     nocreate
     olddir {soak.kept}
     dateext
     dateformat _%s_{time.monotonic_ns()}
-    sharedscripts
     postrotate
         kill -HUP {soak.server.pid}
     endscript
 }}
 """)
     os.chmod(configuration, 0o600)
-    before = soak.open_files()
     result = subprocess.run([program, "-f", "-s", os.path.join(soak.folder, "logrotate.state"), configuration],
                             capture_output=True, text=True)
     if result.returncode != 0:
