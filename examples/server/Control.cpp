@@ -18,16 +18,16 @@ using Setting = std::function<nxErrorEnum(const std::string& value)>;
 nxErrorEnum SetLevel(const std::string& value)
 {
     nxLogLevelEnum level;
-    if (!level.SetFromString(value))
-        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-    nxLogManager::SetLogLevel(level);
-    return nxErrorEnum();
+    const nxErrorEnum error = nxStringHelper::SetFromStringExact(value, level);
+    if (error.IsOK())
+        nxLogManager::SetLogLevel(level);
+    return error;
 }
 
 nxErrorEnum SetFlushTime(const std::string& value)
 {
     nxDecimal seconds;
-    const nxErrorEnum error = seconds.SetFromString(value, '.');
+    const nxErrorEnum error = seconds.SetFromStringExact(value, '.');
     if (error.IsOK())
         nxLogManager::GetInstance().SetTimeBetweenFlushes(seconds.GetAsDouble());
     return error;
