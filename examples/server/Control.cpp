@@ -53,19 +53,21 @@ Setting Switch(Set set)
     return OneOf<bool>({{"on", true}, {"off", false}}, set);
 }
 
-void SetConsole(bool isOn)
+// A device that is registered while the setting is on.
+Setting Device(nxLogDevice& device)
 {
-    nxConsoleLogDevice& console = nxConsoleLogDevice::GetInstance();
-    if (isOn)
-        nxLogManager::GetInstance().RegisterLogDevice(&console);
-    else
-        nxLogManager::GetInstance().UnregisterLogDevice(&console);
+    return Switch(
+        [&device](bool isOn)
+        {
+            nxLogManager& manager = nxLogManager::GetInstance();
+            isOn ? manager.RegisterLogDevice(&device) : manager.UnregisterLogDevice(&device);
+        });
 }
 
 const std::map<std::string, Setting>& GetSettings()
 {
     static const std::map<std::string, Setting> settings = {
-        {"console", Switch(SetConsole)},
+        {"console", Device(nxConsoleLogDevice::GetInstance())},
         {"flush", SetFlushTime},
         {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
         {"level", SetLevel},

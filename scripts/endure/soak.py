@@ -221,7 +221,7 @@ def run(arguments, folder):
     result = subprocess.run([sys.executable, RECORDS, folder], capture_output=True, text=True)
     print("   found:", "; ".join(result.stdout.splitlines()))
     with open(os.path.join(folder, "output"), encoding="utf-8", errors="replace") as file:
-        lost = [line for line in file if re.search("lost|dropped|left", line)]
+        lost = [line for line in file if re.search("lost|not written|not take", line)]
     if result.returncode != 0 or lost:
         raise Fault("; ".join(["records are missing or double", *lost]))
 
