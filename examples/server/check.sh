@@ -39,7 +39,7 @@ finish()
     wait "$server" || status=$?
     server=
     [ "$status" -eq 0 ] || fail "$1: ended with status $status"
-    logged 'ended: ' || fail "$1: the last record is missing"
+    logged '\] ended' || fail "$1: the last record is missing"
     python3 "$here/records.py" "$QRX_LOG_DIRECTORY" || fail "$1"
 }
 

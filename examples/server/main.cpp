@@ -80,7 +80,10 @@ nxErrorEnum Run(const nxBlockedSignals& blocked, const Settings& settings)
         return error;
 
     const nxErrorEnum error = server.Run();
-    NX_LOG(NX_LOG_LEVEL_INFO) << "ended: " << error;
+    if (error.IsOK())
+        NX_LOG(NX_LOG_LEVEL_INFO) << "ended";
+    else
+        NX_LOG(NX_LOG_LEVEL_ERROR) << "ended with an error: " << error;
     nxFileLogDevice::GetInstance().Destroy();  // writes what waits, while the signals are still held back
     return error;
 }
