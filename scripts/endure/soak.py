@@ -77,8 +77,8 @@ class Soak:
         return names
 
     def open_files(self):
-        """The log files among them; not one that was moved elsewhere."""
-        return [name for name in self.files_in_use() if name.startswith(self.log + "/")]
+        """The log files among them; neither folders nor a file that was moved elsewhere."""
+        return [name for name in self.files_in_use() if name.startswith(self.log + "/") and name.endswith(".log")]
 
     def wait_for_new_file(self, before, why):
         self.wait(lambda: set(self.open_files()) - set(before), f"a new file after {why}")
