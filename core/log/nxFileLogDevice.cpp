@@ -4,6 +4,7 @@
 #include <atomic>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogFile.h"
@@ -89,6 +90,12 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
 
 bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFileSize, nxLogDevice* other)
 {
+    return Create(maximumFileSize, {&other, 1});
+}
+
+bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFileSize,
+                             std::span<nxLogDevice* const> others)
+{
     bool created = false;
     WithoutThrowing(
         [&]
@@ -109,9 +116,14 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
             _parts->Publish(std::move(plan));
             created = file.Create(*_parts->plan.load());
         });
-    // The file comes first, so that it gets each batch first.
-    nxLogDevice* const devices[] = {this, other};
-    nxLogManager::GetInstance().RegisterLogDevices(devices);
+    WithoutThrowing(
+        [&]
+        {
+            // The file comes first, so that it gets each batch first.
+            std::vector<nxLogDevice*> devices{this};
+            devices.insert(devices.end(), others.begin(), others.end());
+            nxLogManager::GetInstance().RegisterLogDevices(devices);
+        });
     return created;
 }
 

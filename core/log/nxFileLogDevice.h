@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "core/log/nxLogDevice.h"
@@ -69,6 +70,8 @@ public:
 
     /// The same, and registers @p other in the same step, so that what was reported before reaches both; null for none.
     bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize, nxLogDevice* other);
+    /// The same for several others; null ones are left out.
+    bool Create(const nxValueWrapper<unsigned long long>& maximumFileSize, std::span<nxLogDevice* const> others);
 
     /// Writes a record, and hands it to the operating system with all before it.
     void Write(const nxLog& record) override;

@@ -4,7 +4,8 @@
 
 #include "core/thread/nxThread.h"
 
-/// The one thread that the library starts: it takes queued records and writes them to the devices.
+/// The log's thread: it takes queued records and writes them to the devices. The library starts no other thread but those
+/// of an nxSeparateLogDevice.
 ///
 /// It starts with the first device or record. Applications do not control it; see nxLogManager. While records come it
 /// looks every one or two milliseconds. After a tenth of a second without any it sleeps until the next record, whose thread

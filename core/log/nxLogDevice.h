@@ -18,6 +18,7 @@ class nxLogLineSink;
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
 ///   meanwhile go to the other devices only. It does not fork meanwhile.
 /// - A device that does not return holds up the queue; after a second of that the manager drops records and counts them.
+///   An nxSeparateLogDevice keeps it from holding up others.
 /// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager
 ///   has left it.
 ///

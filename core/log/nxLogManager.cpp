@@ -186,7 +186,7 @@ void nxLogManager::WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapp
         return;
     const auto limit = static_cast<std::int64_t>(std::min(wanted, nxLogLimits::LongestWaitSeconds) *
                                                  static_cast<double>(nxNanoseconds::PerSecond));
-    nxLogWriter::GetInstance().WaitUntilWritten({limit, limit});
+    nxLogWriter::GetInstance().WaitUntilAllHave({limit, limit});
 }
 
 std::vector<nxLog> nxLogManager::GetLogEntriesQueue() const

@@ -112,7 +112,8 @@ public:
     /// Makes every device hand what it has buffered to the operating system. What is queued is not waited for.
     void FlushDevices() noexcept;
 
-    /// Waits until everything that was queued before the call has been written to the devices and flushed by them.
+    /// Waits until everything that was queued before the call has been written to the devices and flushed by them; for an
+    /// nxSeparateLogDevice no longer than two seconds without progress.
     /// @param seconds how long at most; capped at a day. Null, no change, NaN and 0 or less do not wait. A thread inside a
     ///        device does not wait either.
     void WaitForWriteThreadToWriteQueueToDisk(const nxDoubleValueWrapper& seconds) noexcept;

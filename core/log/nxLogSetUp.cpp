@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/nxLogSetUp.h"
 
+#include <array>
 #include <atomic>
 
 #include "core/enum/nxRefusedTexts.h"
 #include "core/log/nxConsoleLogDevice.h"
 #include "core/log/nxFileLogDevice.h"
+#include "core/log/nxJournalLogDevice.h"
+#include "core/log/nxLogDeviceSettings.h"
 #include "core/log/nxLogIdleSettings.h"
 #include "core/log/nxLogLevels.h"
 #include "core/log/nxLogMacros.h"
 #include "core/log/nxLogManager.h"
 #include "core/log/nxLogSettings.h"
+#include "core/log/nxSyslogLogDevice.h"
 
 namespace
 {
@@ -34,6 +38,19 @@ nxLogDevice* SetUpConsole(nxLogSettings::Console form)
                                                                      : nxConsoleLogDevice::ShortForm::Level);
     return &console;
 }
+
+// @return the devices of the log services that the environment asks for; null for the others.
+std::array<nxLogDevice*, 2> SetUpServices()
+{
+    const nxLogDeviceSettings settings = nxLogDeviceSettings::Read();
+    const auto setUp = [&settings](nxSeparateLogDevice& device)
+    {
+        device.SetMaximumBytes(settings.megabytes << 20);
+        return &device;
+    };
+    return {settings.journal.empty() ? nullptr : setUp(nxJournalLogDevice::GetInstance()),
+            settings.syslog.empty() ? nullptr : setUp(nxSyslogLogDevice::GetInstance())};
+}
 }  // namespace
 
 bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
@@ -44,7 +61,9 @@ bool nxLogSetUp(const nxValueWrapper<unsigned long long>& maximumFileSize)
     nxLogIdleSettings::Read().Apply();
     nxLogLevels::Apply(nxLogLevelSettings::Read());
     nxFileLogDevice& file = nxFileLogDevice::GetInstance();
-    file.Create(maximumFileSize, SetUpConsole(settings.console));
+    const auto [journal, syslog] = SetUpServices();
+    nxLogDevice* const others[] = {SetUpConsole(settings.console), journal, syslog};
+    file.Create(maximumFileSize, others);
     TellRefusedTexts();
     return !file.GetFileName().empty();
 }

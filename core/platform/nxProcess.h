@@ -21,8 +21,9 @@ public:
     /// The process's number. A forked child has its own.
     static unsigned GetID();
 
-    /// Whether the main thread has ended and the calling thread is the only one left. False when the system does not tell.
-    static bool IsOnlyThreadLeft();
+    /// Whether the main thread has ended, and the calling thread and @p others are the only ones left. False when the system
+    /// does not tell.
+    static bool IsOnlyThreadLeft(unsigned others);
 
     /// The moment at which the system started the process, to a hundredth of a second. It is calculated from the wall
     /// clock and the age of the process, so that calls before and after a clock step differ: ask once and keep the answer.

@@ -78,6 +78,7 @@ public:
 
 private:
     friend class nxLogDeferredWriteThread;
+    friend class nxLogDeviceThread;
 
     enum class State : unsigned char
     {

@@ -12,6 +12,7 @@ log_row()
 
 row_crashes() { NX_TEST_CRASHES=${NX_ENDURE_CRASHES:-5000} NX_TEST_SEED=$RANDOM log_row crashes test_endurance 'nxLogEndurance.WhatWasAcknowledged*' "${NX_ENDURE_CRASHES:-5000} processes killed by 6 signals in turn"; }
 row_disk() { GTEST_REPEAT=${NX_ENDURE_DISK_CYCLES:-100} log_row disk test_log '*OnAFullDisk*' "${NX_ENDURE_DISK_CYCLES:-100} times full and free again"; }
+row_services() { NX_TEST_AWAY_ROUNDS=${NX_ENDURE_AWAY_ROUNDS:-200} log_row services test_log 'nxLogServiceDevices.*' "${NX_ENDURE_AWAY_ROUNDS:-200} times the journal is killed and back while threads log and fork"; }
 row_exits() { NX_TEST_EXITS=${NX_ENDURE_EXITS:-1000} log_row exits test_endurance 'nxLogEndurance.ExitWhile*:nxLogEndurance.ForkWhile*:nxLogProcess.NeedsNothingOfAPlugin*' "${NX_ENDURE_EXITS:-1000} exits and plug-ins unloaded, four times as many forks, while 8 threads log"; }
 row_rotation() { NX_TEST_ROTATIONS=${NX_ENDURE_ROTATIONS:-10000} log_row rotation test_endurance 'nxLogEndurance.Rotation*' "${NX_ENDURE_ROTATIONS:-10000} files' worth of lines"; }
 row_levels() { GTEST_REPEAT=${NX_ENDURE_LEVEL_CYCLES:-200} log_row levels test_log 'nxLogLevels.EachThread*' "${NX_ENDURE_LEVEL_CYCLES:-200} times 8,000 changes of levels in 4 threads that log, and 5 forks"; }

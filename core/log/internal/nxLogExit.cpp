@@ -10,6 +10,7 @@
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogDeviceQueues.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/platform/nxProcess.h"
@@ -28,6 +29,8 @@ bool WriteOutInStep()
     if (waited.Look() >= nxLogLimits::End.inAll || (stalled && nxLogCounters::GetProgress() == progressAtStall))
         return false;
     stalled = !nxLogWriter::GetInstance().WriteOutAtEnd(waited);
+    // What the log's thread has handed to the threads of devices.
+    static_cast<void>(nxLogDeviceQueues::WaitUntilWritten(nxLogLimits::End, waited));
     progressAtStall = nxLogCounters::GetProgress();
     return !stalled;
 }
@@ -48,8 +51,12 @@ void TellLostRecords(std::uint64_t lost)
 [[gnu::destructor]] void WriteOutAtUnload()
 {
     nxLogWriter& writer = nxLogWriter::GetInstance();
+    const bool isWritten = WriteOutInStep();
+    nxLogDeviceQueues::BlockForGood();
+    if (const std::uint64_t lost = nxLogDeviceQueues::CountWaiting(); lost != 0)
+        nxLogDeviceQueues::TellDropped(lost);
     // From here the process may end at any instruction of its threads. Make sure that none of them is writing a line.
-    if (WriteOutInStep())
+    if (isWritten)
         return writer.BlockRoundsForGood();
     // A device has stalled, or there is no memory to write with.
     if (const std::uint64_t lost = nxLogChannelList::GetInstance().DropWaiting(writer.GetInHand()); lost != 0)

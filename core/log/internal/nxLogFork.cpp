@@ -8,6 +8,7 @@
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
+#include "core/log/internal/nxLogDeviceQueues.h"
 #include "core/log/internal/nxLogLevelFile.h"
 #include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogMerge.h"
@@ -22,6 +23,7 @@ namespace
 // No part of the log is in the middle of a change while the process is copied, but for a round: the child drops it.
 void BeforeFork()
 {
+    nxLogDeviceQueues::BeforeFork();
     nxLogDeviceList::GetInstance().BeforeFork();
     nxLogChannelList::GetInstance().BeforeFork();
     nxLogRingMemory::GetInstance().BeforeFork();
@@ -29,6 +31,7 @@ void BeforeFork()
     nxLogLevelFile::GetInstance().BeforeFork();
     nxLogLevelState::GetInstance().BeforeFork();
     nxLogSourceTable::GetInstance().BeforeFork();
+    nxLogDeviceQueues::LockForFork();
 }
 
 void AfterForkInParent()
@@ -40,6 +43,7 @@ void AfterForkInParent()
     nxLogRingMemory::GetInstance().AfterForkInParent();
     nxLogChannelList::GetInstance().AfterForkInParent();
     nxLogDeviceList::GetInstance().AfterForkInParent();
+    nxLogDeviceQueues::AfterForkInParent();
 }
 
 void AfterForkInChild()
@@ -57,6 +61,7 @@ void AfterForkInChild()
     nxLogWriter::GetInstance().AfterForkInChild();
     nxLogWriterThread::GetInstance().AfterForkInChild();
     nxLogDeviceList::GetInstance().AfterForkInChild();
+    nxLogDeviceQueues::AfterForkInChild();
 }
 }  // namespace
 

@@ -4,8 +4,8 @@
 
 /// What the log does around a fork.
 ///
-/// Invariant: a fork takes the locks of the log in the order devices, list of devices, list of channels, memory of the
-/// rings, table of places; in the child each part starts again with what it needs to serve the only thread there.
+/// Invariant: a fork takes the locks of the log in the order queues of devices that have a thread, devices, list of
+/// devices, list of channels, memory of the rings, table of places, items in those queues; in the child each part starts again with what it needs to serve the only thread there.
 class nxLogFork
 {
 public:

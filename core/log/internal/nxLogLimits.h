@@ -45,6 +45,10 @@ struct nxLogLimits
     static constexpr std::int64_t RoundAtEnd = nxNanoseconds::PerSecond;
     /// nxLogManager::Destroy(): how long it waits for the deferred-write thread to end.
     static constexpr std::int64_t ThreadAtEnd = 2 * nxNanoseconds::PerSecond;
+    /// nxSeparateLogDevice: how long its end waits for a device that has stalled already.
+    static constexpr std::int64_t StalledDeviceAtEnd = 100 * nxNanoseconds::PerMillisecond;
+    /// nxSeparateLogDevice: how often a service that is away is looked for.
+    static constexpr std::int64_t DeviceRetryInterval = nxNanoseconds::PerSecond;
     /// How long a fork waits for all devices together.
     static constexpr std::int64_t DevicesAtFork = nxNanoseconds::PerSecond;
 
@@ -81,6 +85,8 @@ struct nxLogLimits
     static constexpr std::size_t LongestMessage = std::size_t{1} << 20;
     /// nxLogLineBatch: with this many bytes a batch of lines goes to its devices.
     static constexpr std::size_t BatchSize = std::size_t{1} << 20;
+    /// nxSeparateLogDevice: the bytes that wait for one device, at first.
+    static constexpr std::uint64_t DeviceBytes = std::uint64_t{8} << 20;
     /// nxLogManager: the bytes that are kept for the first device, each record counted with its overhead.
     static constexpr std::size_t EarlyRecords = std::size_t{1} << 20;
 };

@@ -9,6 +9,7 @@
 #include "core/log/internal/nxLogChannelList.h"
 #include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogCounters.h"
+#include "core/log/internal/nxLogDeviceQueues.h"
 #include "core/log/internal/nxLogMerge.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWait.h"
@@ -159,6 +160,14 @@ bool nxLogWriter::WaitUntilWritten(const nxLogLimits::Wait& limit) noexcept
 {
     nxLogAwakeTime time;
     return nxLogBell::CallerMayWait() && _WaitUntilReached(limit, time, true);
+}
+
+bool nxLogWriter::WaitUntilAllHave(const nxLogLimits::Wait& limit) noexcept
+{
+    nxLogAwakeTime time;
+    const nxLogLimits::Wait ofDevices{limit.inAll, std::min(limit.withoutProgress, nxLogLimits::End.withoutProgress)};
+    return nxLogBell::CallerMayWait() && _WaitUntilReached(limit, time, true) &&
+           nxLogDeviceQueues::WaitUntilWritten(ofDevices, time);
 }
 
 bool nxLogWriter::WriteOutAtEnd() noexcept

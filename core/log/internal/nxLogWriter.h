@@ -48,6 +48,8 @@ public:
     /// it does not run. Time in which the process itself did not run does not count.
     /// @return whether it has been.
     bool WaitUntilWritten(const nxLogLimits::Wait& limit) noexcept;
+    /// The same, and then until devices with a thread of their own have it, while they make progress.
+    bool WaitUntilAllHave(const nxLogLimits::Wait& limit) noexcept;
     /// The same at the end of the process or of a device: starts no thread, and waits for nothing where nothing was ever
     /// written. @return whether all has been written.
     bool WriteOutAtEnd() noexcept;

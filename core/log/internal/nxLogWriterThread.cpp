@@ -7,6 +7,7 @@
 
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogChannelList.h"
+#include "core/log/internal/nxLogDeviceQueues.h"
 #include "core/log/internal/nxLogExit.h"
 #include "core/log/internal/nxLogIdleSleep.h"
 #include "core/log/internal/nxLogLimits.h"
@@ -113,7 +114,7 @@ void nxLogWriterThread::Urge(nxEnumValue level) noexcept
     const bool running = nxLogBell::EnsureRunning();
     nxLogBell::Ring();
     if (level >= NX_LOG_LEVEL_FATAL)
-        nxLogWriter::GetInstance().WaitUntilWritten(nxLogLimits::Urgent);
+        nxLogWriter::GetInstance().WaitUntilAllHave(nxLogLimits::Urgent);
     else if (!running && _couldNotStart.load(std::memory_order_relaxed))
         nxLogBell::RunRoundHere(nxLogLimits::Urgent.inAll);
 }
@@ -156,12 +157,12 @@ void nxLogWriterThread::Run() noexcept
     nxLogBell::SetCallerWriter(false);
 }
 
-// Ends the process if the calling thread, the deferred-write thread, is the only one left: main and all others have ended
+// Ends the process if the calling thread, the deferred-write thread, is the only one left but for those of devices: main and all others have ended
 // by pthread_exit(). Without this thread the system would end the process now, with status 0.
 void nxLogWriterThread::_EndProcessIfLast() noexcept
 {
     // No thread is left that could start another one meanwhile.
-    if (!nxProcess::IsOnlyThreadLeft())
+    if (!nxProcess::IsOnlyThreadLeft(nxLogDeviceQueues::CountThreads()))
         return;
     _Leave();
     // Signals that no thread could take meanwhile have their effect now, as have those that come while the process ends.

@@ -108,7 +108,7 @@ std::string AddressText(const sockaddr& any)
 
 unsigned nxProcess::GetID() { return static_cast<unsigned>(::getpid()); }
 
-bool nxProcess::IsOnlyThreadLeft()
+bool nxProcess::IsOnlyThreadLeft(unsigned others)
 {
     // The link cannot be read once the main thread has ended. This comes first because it opens no file: other code of
     // the process may rely on the number that its next descriptor gets.
@@ -119,7 +119,7 @@ bool nxProcess::IsOnlyThreadLeft()
     // The state is that of the main thread, which is counted as a thread until the process ends.
     const char* const state = status.GetField(3);
     const char* const threads = status.GetField(20);
-    return state != nullptr && threads != nullptr && *state == 'Z' && std::strtol(threads, nullptr, 10) == 2;
+    return state != nullptr && threads != nullptr && *state == 'Z' && std::strtol(threads, nullptr, 10) == 2L + others;
 }
 
 nxProcess::StartTime nxProcess::GetStartTime()
