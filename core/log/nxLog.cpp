@@ -2,8 +2,10 @@
 #include "core/log/nxLog.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
+#include "core/log/internal/nxLogFieldReader.h"
 #include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogHexDump.h"
 #include "core/log/internal/nxLogLevelState.h"
@@ -55,6 +57,25 @@ std::string nxLog::GetText() const
         !buffer.AppendMessage(_message.GetValues(), _message.GetEnd(), false))
         return std::string();
     return std::string(buffer.GetText(), buffer.GetSize());
+}
+
+void nxLog::_VisitFields(void (*visit)(const void* with, const nxLogFieldView& field), const void* with) const
+{
+    for (nxLogFieldReader reader(_message.GetValues(), _message.GetEnd()); reader.Next();)
+        visit(with, reader.Get());
+}
+
+std::size_t nxLog::_GetGroupSize() const noexcept
+{
+    return 1 + sizeof(std::uint32_t) + static_cast<std::size_t>(_message.GetEnd() - _message.GetValues());
+}
+
+void nxLog::_WriteGroup(char* out) const noexcept
+{
+    const auto size = static_cast<std::uint32_t>(_message.GetEnd() - _message.GetValues());
+    *out = static_cast<char>(nxLogTag::Group);
+    std::memcpy(out + 1, &size, sizeof size);
+    std::memcpy(out + 1 + sizeof size, _message.GetValues(), size);
 }
 
 nxValueWrapper<unsigned> nxLog::GetDestinationUserID() const

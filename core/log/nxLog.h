@@ -9,6 +9,7 @@
 #include "core/enum/nxLogLevelEnum.h"
 #include "core/log/inline/nxLogMessage.h"
 #include "core/log/inline/nxLogStream.h"
+#include "core/log/nxLogFieldView.h"
 #include "core/log/nxLogMarkers.h"
 #include "core/nxExport.h"
 #include "core/text/nxValueWrapper.h"
@@ -42,7 +43,8 @@ public:
     nxLog(const nxLogLevelEnum& level, const char* sourceFile, unsigned line, const nxTimeStamp& timeStamp) noexcept;
 
     const nxLogLevelEnum& GetLogLevel() const { return _level; }  ///< How grave it is.
-    /// The message: the texts of all values, one after the other, control bytes as they are. Made at every call.
+    /// The message: the texts of all values, one after the other, control bytes as they are; fields as in a line. Made at
+    /// every call.
     std::string GetText() const;
     const char* GetSourceFile() const { return _message.GetFile(); }  ///< Never null; valid until the record changes.
     unsigned GetLineNumber() const { return _line; }                  ///< The reporting line.
@@ -54,6 +56,15 @@ public:
     nxValueWrapper<unsigned> GetDestinationUserID() const;
     /// The application that the record comes from; empty when none was streamed.
     std::string GetSourceApplication() const;
+
+    /// Calls @p visit(field) for each field of the record, in the order in which they were streamed: see nxField.
+    /// @param visit takes a `const nxLogFieldView&`, which is valid during its call.
+    template <class Visit>
+    void VisitFields(const Visit& visit) const
+    {
+        _VisitFields([](const void* with, const nxLogFieldView& field) { (*static_cast<const Visit*>(with))(field); },
+                     &visit);
+    }
 
     /// @return a copy that the caller owns and deletes, with the message; this record's message is empty afterwards,
     ///         all else stays. Null, and nothing changed, without memory.
@@ -85,8 +96,21 @@ private:
     friend class nxLogManager;
 
     explicit nxLog(const nxLogRecord& record) noexcept;
+    void _VisitFields(void (*visit)(const void* with, const nxLogFieldView& field), const void* with) const;
     nxLogRecord _GetRecord() const noexcept;
     char* _Take(std::size_t bytes) noexcept { return _message.Take(bytes); }
+    // A field's value of an application's own type.
+    template <class Value>
+    nxLog& _PutGroup(const Value& value)
+    {
+        nxLog record{_level, nullptr, 0, _timeStamp};
+        record << value;
+        if (char* const at = _Take(record._GetGroupSize()))
+            record._WriteGroup(at);
+        return *this;
+    }
+    std::size_t _GetGroupSize() const noexcept;
+    void _WriteGroup(char* out) const noexcept;  // _GetGroupSize() bytes: the values as one
 
     nxLogLevelEnum _level;
     nxLogMessage _message;

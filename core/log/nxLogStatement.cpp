@@ -10,3 +10,9 @@ void nxLogStatement::AppendValuesOf(const nxLog& record) noexcept
     if (char* const at = size == 0 ? nullptr : _Take(size))
         std::memcpy(at, values, size);
 }
+
+void nxLogStatement::_PutGroupOf(const nxLog& record) noexcept
+{
+    if (char* const at = _Take(record._GetGroupSize()))
+        record._WriteGroup(at);
+}

@@ -10,22 +10,6 @@
 #include "core/log/inline/nxLogStream.h"
 #include "core/log/nxLog.h"
 
-/// Whether values of the type have a text in the log of their own: the library's types, and what converts to them.
-template <class Value, class Statement>
-concept nxLogStreams = requires(nxLogStream<Statement>& stream, const Value& value)
-{
-    stream.operator<<(value);
-};
-
-/// Whether an application has declared `nxLog& operator<<(nxLog&, const Value&)`.
-template <class Value>
-concept nxLogsItself = requires(nxLog& record, const Value& value)
-{
-    {
-        operator<<(record, value)
-        } -> std::same_as<nxLog&>;
-};
-
 /// One statement of NX_LOG: begins a record, takes what is streamed straight into the calling thread's ring and hands
 /// it over when the statement ends, also when an argument throws. Use the macros of nxLogMacros.h.
 ///
@@ -114,6 +98,17 @@ private:
         _room.cursor += bytes;
         return at;
     }
+
+    // A field's value of an application's own type.
+    template <class Value>
+    nxLogStatement& _PutGroup(const Value& value)
+    {
+        nxLog record{nxLogLevelEnum(), nullptr, 0, nxTimeStamp(0, 0)};
+        record << value;
+        _PutGroupOf(record);
+        return *this;
+    }
+    NX_CORE_API void _PutGroupOf(const nxLog& record) noexcept;
 
     nxEnumValue _level;
     nxLogRoom _room;

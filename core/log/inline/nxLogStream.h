@@ -3,9 +3,11 @@
 #define CORE_LOG_INLINE_NXLOGSTREAM_H
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -13,6 +15,7 @@
 #include "core/enum/nxEnum.h"
 #include "core/log/inline/nxLogTag.h"
 #include "core/log/inline/nxLogTexts.h"
+#include "core/log/nxField.h"
 #include "core/log/nxLogCharLenPair.h"
 #include "core/log/nxLogMarkers.h"
 #include "core/numeric/nxDecimal.h"
@@ -20,6 +23,26 @@
 #include "core/text/inline/nxTextTraits.h"
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxValueWrapper.h"
+
+class nxLog;
+template <class Record>
+class nxLogStream;
+
+/// Whether values of the type have a text in the log of their own: the library's types, and what converts to them.
+template <class Value, class Record>
+concept nxLogStreams = requires(nxLogStream<Record>& stream, const Value& value)
+{
+    stream.operator<<(value);
+};
+
+/// Whether an application has declared `nxLog& operator<<(nxLog&, const Value&)`.
+template <class Value>
+concept nxLogsItself = requires(nxLog& record, const Value& value)
+{
+    {
+        operator<<(record, value)
+        } -> std::same_as<nxLog&>;
+};
 
 /// The values that can be streamed into a log record, for nxLog and for the statements of NX_LOG alike.
 ///
@@ -31,12 +54,7 @@ class nxLogStream
 {
 public:
     /// "TRUE" or "FALSE".
-    [[gnu::always_inline]] Record& operator<<(bool value)
-    {
-        if (char* const at = _Self()._Take(1))
-            *at = static_cast<char>(value ? nxLogTag::True : nxLogTag::False);
-        return _Self();
-    }
+    [[gnu::always_inline]] Record& operator<<(bool value) { return _PutTag(value ? nxLogTag::True : nxLogTag::False); }
 
     /// A decimal number, like all integers: 'a' is 97. In a statement of NX_LOG the compiler warns about it.
     [[gnu::always_inline]] Record& operator<<(char value) { return *this << static_cast<int>(value); }
@@ -152,11 +170,26 @@ public:
         return _Put<nxLogTag::DestinationUser>(static_cast<unsigned>(marker.destinationUserID));
     }
     /// Ends the record: values that are streamed after it are left out.
-    Record& operator<<(nxLogMarkers::nxLogTerminator)
+    Record& operator<<(nxLogMarkers::nxLogTerminator) { return _PutTag(nxLogTag::End); }
+
+    /// A value with a name. See nxField.
+    template <class Value>
+    [[gnu::always_inline]] Record& operator<<(const nxField<Value>& field)
     {
-        if (char* const at = _Self()._Take(1))
-            *at = static_cast<char>(nxLogTag::End);
-        return _Self();
+        static_assert(!std::is_same_v<Value, char>,
+                      "a char is logged as its number: give a text, or the number as an int");
+        static_assert(nxLogStreams<Value, Record> || nxLogsItself<Value>,
+                      "this type has no text in the log: declare nxLog& operator<<(nxLog&, const Type&) beside it");
+        _PutName(field.GetLines() == nxFieldLines::All ? nxLogTag::Field : nxLogTag::UnshownField, field.GetName());
+        const Value& value = field.GetValue();
+        if constexpr (!nxLogStreams<Value, Record>)
+            return _Self()._PutGroup(value);
+        else
+        {
+            if (const nxLogTag mark = _GetMark(value); mark != nxLogTag::Field)
+                return _PutTag(mark);
+            return _Self() << value;
+        }
     }
 
 protected:
@@ -193,10 +226,46 @@ protected:
         return _Self();
     }
 
+    /// Puts a tag that nothing follows.
+    [[gnu::always_inline]] Record& _PutTag(nxLogTag tag)
+    {
+        if (char* const at = _Self()._Take(1))
+            *at = static_cast<char>(tag);
+        return _Self();
+    }
+
     /// A message is cut here, in bytes.
     static constexpr std::size_t MaximumText = std::size_t{1} << 20;
 
 private:
+    [[gnu::always_inline]] void _PutName(nxLogTag tag, std::string_view name)
+    {
+        static_assert(nxFieldName::MaximumSize <= std::numeric_limits<std::uint8_t>::max());
+        char* const at = _Self()._Take(2 + name.size());
+        if (at == nullptr)
+            return;
+        at[0] = static_cast<char>(tag);
+        at[1] = static_cast<char>(name.size());
+        _Copy(at + 2, name.data(), name.size());
+    }
+
+    // The tag of a value that has none, which no line shows as a number or text; Field for all others.
+    template <class Value>
+    [[gnu::always_inline]] static nxLogTag _GetMark(const Value& value)
+    {
+        if constexpr (std::is_pointer_v<Value>)
+            return value == nullptr ? nxLogTag::Null : nxLogTag::Field;
+        // The record keeps a decimal with its mark.
+        else if constexpr (std::is_same_v<Value, nxDecimal>)
+            return nxLogTag::Field;
+        else if constexpr (requires { value.IsNull(), value.IsNoChange(); })
+            return value.IsNull() ? nxLogTag::Null : value.IsNoChange() ? nxLogTag::NoChange : nxLogTag::Field;
+        else if constexpr (requires { value.IsNull(); })
+            return value.IsNull() ? nxLogTag::Null : nxLogTag::Field;
+        else
+            return nxLogTag::Field;
+    }
+
     // A memcpy for texts that are mostly short: up to 16 bytes are copied without a call, as two pieces that may
     // overlap.
     [[gnu::always_inline]] static void _Copy(char* to, const char* from, std::size_t size)

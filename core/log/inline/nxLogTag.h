@@ -10,7 +10,7 @@
 
 /// How values are held in a record: a tag, then the value's bytes as they are in memory.
 ///
-/// Invariant: nxLogSizeOf() and the length of a text decide alone how many bytes follow a tag.
+/// Invariant: nxLogSizeOf() and the length of a text, group or name decide alone how many bytes follow a tag.
 enum class nxLogTag : std::uint8_t
 {
     Cut,                ///< The message was longer than allowed, or memory ran out. Nothing follows.
@@ -28,9 +28,14 @@ enum class nxLogTag : std::uint8_t
     KeptText,           ///< A pointer to a std::string that lives as long as the process.
     DestinationUser,    ///< An unsigned int; not part of the message.
     SourceApplication,  ///< A 32-bit length and the bytes; not part of the message.
+    Null,               ///< A field's value that is null. Nothing more.
+    NoChange,           ///< A field's value that is no change. Nothing more.
+    Group,              ///< A 32-bit length and tagged values with this many bytes: the one value of a field.
+    Field,              ///< An 8-bit length and a field's name. The field's value is the next one.
+    UnshownField,       ///< The same for a field that lines of text leave out.
 };
 
-/// @return the bytes of the value that follow @p tag; of a text those of its length alone. For a number that is no tag
+/// @return the bytes of the value that follow @p tag; of what has a length those of the length alone. For a number that is no tag
 ///         the largest size.
 constexpr std::size_t nxLogSizeOf(nxLogTag tag) noexcept
 {
@@ -40,9 +45,15 @@ constexpr std::size_t nxLogSizeOf(nxLogTag tag) noexcept
         case nxLogTag::End:
         case nxLogTag::True:
         case nxLogTag::False:
+        case nxLogTag::Null:
+        case nxLogTag::NoChange:
             return 0;
+        case nxLogTag::Field:
+        case nxLogTag::UnshownField:
+            return sizeof(std::uint8_t);
         case nxLogTag::Text:
         case nxLogTag::SourceApplication:
+        case nxLogTag::Group:
         case nxLogTag::Signed32:
         case nxLogTag::Unsigned32:
         case nxLogTag::DestinationUser:

@@ -17,8 +17,7 @@ char* PutText(char* out, std::string_view text)
 }
 }  // namespace
 
-// Writes the character or byte at the start of the text, which is not empty. @return its bytes.
-std::size_t nxLogEscape::_PutCharacter(char*& out, std::string_view text) noexcept
+std::size_t nxLogEscape::PutCharacter(char*& out, std::string_view text) noexcept
 {
     const std::size_t hidden = text[0] == '\t' ? 0 : nxPrintableText::GetHiddenSize(text);
     for (const char c : text.substr(0, hidden))
@@ -42,7 +41,7 @@ std::size_t nxLogEscape::_PutCharacter(char*& out, std::string_view text) noexce
     // The piece's last character may go three bytes beyond it; four bytes are written for each byte at most.
     static_assert(4 * (sizeof(std::uint64_t) + 3) <= LongestPiece);
     while (at < pieceEnd)
-        at += _PutCharacter(out, {at, static_cast<std::size_t>(end - at)});
+        at += PutCharacter(out, {at, static_cast<std::size_t>(end - at)});
     return {out, at};
 }
 

@@ -54,6 +54,10 @@ public:
     /// @param out has room for GetSuffixRoom() bytes. @return the end of what was written.
     static char* PutSuffix(char* out, std::string_view file, unsigned line) noexcept;
 
+    /// Writes the character or byte at the start of @p text, which is not empty, and moves @p out past it.
+    /// @param out has room for four bytes for each that is read. @return the bytes that were read.
+    static std::size_t PutCharacter(char*& out, std::string_view text) noexcept;
+
     /// @return whether PutPiece() would change the text. Errs on the side of yes, for tabs.
     static bool NeedsEscape(std::string_view text) noexcept;
 
@@ -105,7 +109,6 @@ private:
     // Characters beyond ASCII need a closer look: some are control characters, and their bytes may be no UTF-8.
     static bool _NeedsCare(std::uint64_t word) { return ((FindControl(word) | word) & AnswerBits) != 0; }
     static Place _PutCarefully(char* out, const char* at, const char* pieceEnd, const char* end) noexcept;
-    static std::size_t _PutCharacter(char*& out, std::string_view text) noexcept;
     static bool _HidesBeyondASCII(std::string_view text) noexcept;
 };
 

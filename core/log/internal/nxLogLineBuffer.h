@@ -10,6 +10,7 @@
 #include "core/log/inline/nxLogSource.h"
 #include "core/log/internal/nxLogQuickText.h"
 #include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogTextBytes.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLogLineSink.h"
 
@@ -29,20 +30,15 @@ struct nxLogLineThread
 class nxLogLineBuffer
 {
 public:
-    nxLogLineBuffer() = default;
-    ~nxLogLineBuffer();
-    nxLogLineBuffer(const nxLogLineBuffer&) = delete;
-    nxLogLineBuffer& operator=(const nxLogLineBuffer&) = delete;
-
-    const char* GetText() const { return _begin; }
-    std::size_t GetSize() const { return static_cast<std::size_t>(_cursor - _begin); }
+    const char* GetText() const { return _bytes.GetText(); }
+    std::size_t GetSize() const { return _bytes.GetSize(); }
 
     /// Keeps the memory.
-    void Clear() { _cursor = _begin; }
+    void Clear() { _bytes.Clear(); }
     /// Makes room for @p bytes, so that appending them takes no further memory.
-    bool Reserve(std::size_t bytes) noexcept { return _Ensure(bytes); }
+    bool Reserve(std::size_t bytes) noexcept { return _bytes.Ensure(bytes); }
     /// Gives back the memory beyond @p bytes that a giant line has taken.
-    void ShrinkTo(std::size_t bytes) noexcept;
+    void ShrinkTo(std::size_t bytes) noexcept { _bytes.ShrinkTo(bytes); }
 
     /// Sets how the lines that follow look.
     void SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept
@@ -60,12 +56,12 @@ public:
         // Nearly every line: the room for all of it is tested once, and the place in it stays in a register.
         if (size <= nxLogQuickText::LargestRecord && record.source != nullptr &&
             record.source->suffixSize <= nxLogSource::SuffixRoom && !time.IsEmpty() &&
-            _Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
+            _bytes.Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
         {
-            char* const begin = _PutPrefix(_cursor, record, time);
+            char* const begin = _PutPrefix(_bytes.GetCursor(), record, time);
             if (char* const end = nxLogQuickText::Write(begin, record.values, record.end, true)) [[likely]]
             {
-                _cursor = _PutEnd(end, *record.source);
+                _bytes.SetCursor(_PutEnd(end, *record.source));
                 return true;
             }
         }
@@ -88,18 +84,7 @@ private:
         char text[Longest] = {};
     };
 
-    // Makes room for at least `bytes` bytes after the cursor.
-    bool _Ensure(std::size_t bytes) noexcept
-    {
-        return static_cast<std::size_t>(_end - _cursor) >= bytes || _Grow(bytes);
-    }
-    bool _Grow(std::size_t bytes) noexcept;
-
-    bool _AppendText(std::string_view text, bool escape) noexcept;
-    bool _AppendEscaped(std::string_view text) noexcept;
-    bool _AppendSuffix(std::string_view file, unsigned line) noexcept;
-    bool _AppendCarefully(const char* values, const char* end, bool escape) noexcept;
-    bool _AppendDouble(double value) noexcept;
+    bool _AppendSuffix(const nxLogRecord& record) noexcept;
     bool _AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
     bool _AppendParts(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
 
@@ -145,17 +130,9 @@ private:
         return out;
     }
 
-    void _PutPrefixSlowly(const nxLogRecord& record, const nxLogTimeText& time, char*& timeAt) noexcept;
-    void _PutLevel(unsigned level) noexcept;
-    void _Put(std::string_view text)
-    {
-        std::memcpy(_cursor, text.data(), text.size());
-        _cursor += text.size();
-    }
+    char* _PutPrefixSlowly(char* out, const nxLogRecord& record, std::string_view time, char*& timeAt) const noexcept;
 
-    char* _begin = nullptr;
-    char* _cursor = nullptr;
-    char* _end = nullptr;
+    nxLogTextBytes _bytes;
     nxLogLineStyle _style;
     nxLogLineThread _thread{};
     Prefix _prefix;

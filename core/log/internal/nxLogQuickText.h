@@ -14,6 +14,7 @@
 #include "core/enum/inline/nxEnumTable.h"
 #include "core/log/inline/nxLogTag.h"
 #include "core/log/internal/nxLogEscape.h"
+#include "core/log/internal/nxLogFieldText.h"
 #include "core/text/inline/nxDigits.h"
 
 /// How much room the text of a value takes, for each byte that tag and value take in a record.
@@ -23,8 +24,8 @@ struct nxLogTextRoom
 {
     static constexpr std::size_t PerByte = 8;
 
-    /// The bytes that the longest text of a value touches, with those that are overwritten after it; of a Text without its
-    /// characters, each of which takes a byte here and there.
+    /// The bytes that the longest text of a value touches, with those that are overwritten after it; of a Text or name without
+    /// its characters, each of which takes a byte here and four there at most.
     struct Row
     {
         nxLogTag tag;
@@ -52,9 +53,14 @@ struct nxLogTextRoom
         {nxLogTag::KeptText, nxEnumTable::MaximumTextSize + sizeof(std::uint64_t)},
         {nxLogTag::DestinationUser, 0},    // no text
         {nxLogTag::SourceApplication, 0},  // no text
+        {nxLogTag::Null, sizeof "NULL"},
+        {nxLogTag::NoChange, 0},  // refused
+        {nxLogTag::Group, 0},     // refused
+        {nxLogTag::Field, sizeof " ="},
+        {nxLogTag::UnshownField, 0},  // refused
     };
 };
-static_assert(std::size(nxLogTextRoom::Rows) == static_cast<std::size_t>(nxLogTag::SourceApplication) + 1);
+static_assert(std::size(nxLogTextRoom::Rows) == static_cast<std::size_t>(nxLogTag::UnshownField) + 1);
 static_assert(std::ranges::all_of(nxLogTextRoom::Rows, [index = std::size_t{0}](const nxLogTextRoom::Row& row) mutable
                                   { return row.IsRight(index++); }));
 
@@ -102,6 +108,9 @@ public:
             case nxLogTag::Decimal:
                 out += _Take<nxDecimal>(at).GetAsLogString(out, '.');
                 return true;
+            case nxLogTag::Null:
+                out = _WriteText(out, "NULL");
+                return true;
             case nxLogTag::Address:
                 out = _WriteAddress(out, _Take<std::uint64_t>(at));
                 return true;
@@ -146,7 +155,7 @@ public:
             }
             else if (tag == nxLogTag::End)
                 break;
-            else
+            else if (tag != nxLogTag::Field || (out = _WriteField(out, at, end)) == nullptr)
                 return nullptr;
         }
         if (escape && (suspicion & nxLogEscape::AnswerBits) != 0 && nxLogEscape::NeedsEscape({begin, out})) [[unlikely]]
@@ -156,10 +165,17 @@ public:
 
 private:
     template <class Value>
-    static Value _Take(const char*& at)
+    static Value _Load(const char* at)
     {
         Value value;
         std::memcpy(static_cast<void*>(&value), at, sizeof value);
+        return value;
+    }
+
+    template <class Value>
+    static Value _Take(const char*& at)
+    {
+        const Value value = _Load<Value>(at);
         at += sizeof value;
         return value;
     }
@@ -177,6 +193,26 @@ private:
         for (; shift >= 0; shift -= 4)
             *out++ = "0123456789abcdef"[(address >> shift) & 15];
         return out;
+    }
+
+    // ` name=`, and the value where it is a Text. @return null when the value needs care.
+    static char* _WriteField(char* out, const char*& at, const char* end)
+    {
+        const std::size_t size = nxLogEscape::Load<std::uint8_t>(at);
+        *out++ = ' ';
+        static_cast<void>(_Copy(out, at + 1, size));
+        at += 1 + size;
+        out += size;
+        *out++ = '=';
+        if (at != end && static_cast<nxLogTag>(*at) == nxLogTag::Text)
+        {
+            const std::size_t textSize = nxLogEscape::Load<std::uint32_t>(at + 1);
+            at += 1 + sizeof(std::uint32_t);
+            out = nxLogFieldText::PutValue(out, {at, textSize});
+            at += textSize;
+        }
+        const bool isKept = at != end && static_cast<nxLogTag>(*at) == nxLogTag::KeptText;
+        return isKept && !nxLogFieldText::IsPlain(*_Load<const std::string*>(at + 1)) ? nullptr : out;
     }
 
     static std::uint64_t _CopyWord(char* out, std::uint64_t word)

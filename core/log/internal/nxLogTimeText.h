@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/nxNanoseconds.h"
@@ -39,6 +40,7 @@ public:
     /// Size bytes: the text, or zeros where it is empty.
     const char* GetBytes() const { return _text; }
     bool IsEmpty() const { return !_isText; }
+    std::string_view Get() const { return {_text, _isText ? Size : 0}; }
 
 private:
     void _SetWhole(const nxClockTime& time) noexcept

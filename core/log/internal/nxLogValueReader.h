@@ -33,18 +33,19 @@ public:
             return false;
         }
         _at = _tag == nxLogTag::Cut ? _end : _value + size;
-        if (_tag == nxLogTag::Text || _tag == nxLogTag::SourceApplication)
-        {
-            _size = Get<std::uint32_t>();
-            _value = _at;
-            _at += _size;
-        }
+        if (_tag == nxLogTag::Text || _tag == nxLogTag::SourceApplication || _tag == nxLogTag::Group)
+            _TakeText(Get<std::uint32_t>());
+        else if (IsField())
+            _TakeText(Get<std::uint8_t>());
         return true;
     }
 
+    /// Whether it is the name of a field, whose value is the next one.
+    bool IsField() const { return _tag == nxLogTag::Field || _tag == nxLogTag::UnshownField; }
+
     nxLogTag GetTag() const { return _tag; }
 
-    /// The text of Text and SourceApplication.
+    /// The text of Text and SourceApplication, the values of a Group, the name of a field.
     std::string_view GetText() const { return {_value, _size}; }
 
     const char* GetBytes() const { return _value; }  ///< The first byte of the value.
@@ -58,7 +59,17 @@ public:
         return value;
     }
 
+    /// Where the next tag is.
+    const char* GetPlace() const { return _at; }
+
 private:
+    void _TakeText(std::size_t size)
+    {
+        _size = size;
+        _value = _at;
+        _at += size;
+    }
+
     const char* _at;
     const char* _end;
     nxLogTag _tag = nxLogTag::End;
