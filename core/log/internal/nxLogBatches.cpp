@@ -53,15 +53,24 @@ void nxLogBatches::_PrepareDevice(std::size_t index)
     _onlyBatch->lines.SetStyle(style, _thread);
 }
 
-// The batch of lines in this style. There are few styles, so a batch is kept once it is made.
+// The batch of lines in this style. A batch that no device has asked for yet changes its style, so that there are no more
+// batches than styles at a time.
 nxLogBatches::Batch& nxLogBatches::_GetBatch(const nxLogLineStyle& style)
 {
-    for (const auto& batch : _batches)
-        if (batch->style == style)
-        {
-            batch->isWanted = true;
-            return *batch;
-        }
+    const auto found = [&](const auto& isRight) -> Batch*
+    {
+        const auto at = std::find_if(_batches.begin(), _batches.end(), isRight);
+        return at == _batches.end() ? nullptr : at->get();
+    };
+    Batch* kept = found([&](const auto& batch) { return batch->style == style; });
+    if (kept == nullptr)
+        kept = found([](const auto& batch) { return !batch->isWanted; });
+    if (kept != nullptr)
+    {
+        kept->style = style;
+        kept->isWanted = true;
+        return *kept;
+    }
     auto batch = std::make_unique<Batch>();
     batch->style = style;
     batch->isWanted = true;

@@ -85,7 +85,7 @@ private:
     void _Count(unsigned records, bool isTaken) noexcept;
 
     std::shared_ptr<const nxLogDeviceList::Entries> _devices;
-    std::vector<std::unique_ptr<Batch>> _batches;  // of all styles that were ever wanted
+    std::vector<std::unique_ptr<Batch>> _batches;  // empty, but in a round
     std::vector<Batch*> _batchOfDevice;            // null for a device that takes records
     bool _hasDevices = false;                      // that are still registered
     bool _hasRecordDevices = false;

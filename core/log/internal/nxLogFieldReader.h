@@ -20,8 +20,6 @@ public:
     bool Next() noexcept;
     /// Valid until the next call of Next().
     const nxLogFieldView& Get() const { return _field; }
-    /// Whether a value that was to follow the last one was left out.
-    bool IsCut() const { return _reader.GetTag() == nxLogTag::Cut; }
 
 private:
     nxLogFieldView::Value _GetValue() noexcept;

@@ -49,28 +49,56 @@ bool nxLogLineBuffer::_AppendSuffix(const nxLogRecord& record) noexcept
     return true;
 }
 
+void nxLogLineBuffer::SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept
+{
+    _style = style;
+    _thread = thread;
+    _prefix.key = nxLogLineThread::NoKey;
+    _json.SetThread(thread);
+    const bool isJson = style.GetParts() == nxLogLineStyle::Json;
+    _hasOtherTime = isJson || style.GetTime() != nxLogLineStyle::Time::Local;
+    _quickSizes = _hasOtherTime || style.IsColoured() ? 0 : _allQuickSizes;
+    // JSON has one of the forms of ISO 8601.
+    const bool isUTC = isJson && style.GetTime() != nxLogLineStyle::Time::ISO;
+    _otherTime.SetForm(isUTC ? nxLogLineStyle::Time::ISOInUTC : style.GetTime());
+}
+
+// What turns the colour of a level on; empty for none.
+std::string_view nxLogLineBuffer::_GetColour(unsigned level) const noexcept
+{
+    if (!_style.IsColoured() || level < NX_LOG_LEVEL_WARNING)
+        return {};
+    if (level == NX_LOG_LEVEL_WARNING)
+        return "\x1B[33m";                                                // yellow
+    return level == NX_LOG_LEVEL_ERROR ? "\x1B[1;31m" : "\x1B[1;37;41m";  // red; white on red
+}
+
 // @param timeAt becomes the place of the time, null for a line without one. @return the end.
 char* nxLogLineBuffer::_PutPrefixSlowly(char* out, const nxLogRecord& record, std::string_view time,
                                         char*& timeAt) const noexcept
 {
+    const nxLogLineStyle::Form form = _style.GetParts();
+    const std::string_view colour = _GetColour(record.level);
+    const std::string_view colourEnd = colour.empty() ? "" : "\x1B[0m";
     timeAt = nullptr;
-    *out++ = '[';
-    if (_style.form != nxLogLineStyle::TimeAndText)
+    out = PutPart(PutPart(out, colour), "[");
+    if (form != nxLogLineStyle::TimeAndText)
         out = PutLevel(out, record.level);
-    if (_style.form == nxLogLineStyle::Full)
-        out = PutPart(out, "][");
-    if (_style.form != nxLogLineStyle::LevelAndText && !time.empty())
+    if (form == nxLogLineStyle::Full)
+        out = PutPart(PutPart(PutPart(out, "]"), colourEnd), "[");
+    if (form != nxLogLineStyle::LevelAndText && !time.empty())
     {
         timeAt = out;
         out = PutPart(out, time);
     }
-    if (_style.form == nxLogLineStyle::Full && _thread.index)
+    if (form == nxLogLineStyle::Full && _thread.index)
     {
         out = nxDigits::Write(PutPart(out, "]["), record.threadIndex);
         if (_thread.processor)
             out = nxDigits::Write(PutPart(out, "/"), record.processor);
     }
-    return PutPart(out, "] ");
+    out = PutPart(out, "]");
+    return PutPart(PutPart(out, form == nxLogLineStyle::Full ? "" : colourEnd), " ");
 }
 
 void nxLogLineBuffer::_MakePrefix(std::uint64_t key, const nxLogRecord& record, const nxLogTimeText& time) noexcept
@@ -84,20 +112,24 @@ void nxLogLineBuffer::_MakePrefix(std::uint64_t key, const nxLogRecord& record, 
     _prefix.timeAt = timeAt != nullptr ? static_cast<std::size_t>(timeAt - _prefix.text) : _prefix.size;
 }
 
-bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeText& time) noexcept
+bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, std::string_view time) noexcept
 {
+    if (_style.GetParts() == nxLogLineStyle::Json)
+        return _json.Append(_bytes, record, time);
     if (!_bytes.Ensure(longestValue))
         return false;
     char* timeAt;
-    _bytes.SetCursor(_PutPrefixSlowly(_bytes.GetCursor(), record, time.Get(), timeAt));
+    _bytes.SetCursor(_PutPrefixSlowly(_bytes.GetCursor(), record, time, timeAt));
     return AppendMessage(record.values, record.end, true) &&
-           (_style.form != nxLogLineStyle::Full || _AppendSuffix(record));
+           (_style.GetParts() != nxLogLineStyle::Full || _AppendSuffix(record));
 }
 
-bool nxLogLineBuffer::_AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept
+// A line of another form, or one that needs care.
+[[gnu::noinline]] bool nxLogLineBuffer::_AppendOtherLine(const nxLogRecord& record, const nxLogTimeText& local) noexcept
 {
     const std::size_t start = GetSize();
-    if (!_AppendParts(record, time) || !_bytes.Ensure(longestValue))
+    if (!_AppendParts(record, _hasOtherTime ? _otherTime.Get(record.time, local) : local.Get()) ||
+        !_bytes.Ensure(longestValue))
     {
         _bytes.CutTo(start);
         return false;

@@ -8,23 +8,19 @@
 #include <string_view>
 
 #include "core/log/inline/nxLogSource.h"
+#include "core/log/internal/nxLogJsonLine.h"
+#include "core/log/internal/nxLogLineThread.h"
+#include "core/log/internal/nxLogOtherTime.h"
 #include "core/log/internal/nxLogQuickText.h"
 #include "core/log/internal/nxLogRecord.h"
 #include "core/log/internal/nxLogTextBytes.h"
 #include "core/log/internal/nxLogTimeText.h"
 #include "core/log/nxLogLineSink.h"
 
-/// What full lines tell about the reporting thread: "[7]", or "[7/1]" with the processor. Nothing without the index.
-struct nxLogLineThread
-{
-    bool index;
-    bool processor;
-};
-
 /// A growing piece of memory in which records become text: the one place that knows how each line looks. nxLogQuickText
-/// knows how each short value looks.
+/// knows how each short value looks, nxLogJsonLine how JSON does.
 ///
-/// Invariant: the text is whole lines, one a record, and none holds a control character but the tab.
+/// Invariant: the text is whole lines, one a record, and none holds a control character but the tab and those of colours.
 ///
 /// Errors: without memory a line is refused, and an incomplete one is taken back. Threads: none.
 class nxLogLineBuffer
@@ -41,12 +37,7 @@ public:
     void ShrinkTo(std::size_t bytes) noexcept { _bytes.ShrinkTo(bytes); }
 
     /// Sets how the lines that follow look.
-    void SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept
-    {
-        _style = style;
-        _thread = thread;
-        _prefix.key = Prefix::None;
-    }
+    void SetStyle(const nxLogLineStyle& style, nxLogLineThread thread) noexcept;
 
     /// Appends one ended line. Inlined into the loop over the records. @param time the record's.
     /// @return false, with nothing appended, when there is no memory for it.
@@ -54,9 +45,8 @@ public:
     {
         const auto size = static_cast<std::size_t>(record.end - record.values);
         // Nearly every line: the room for all of it is tested once, and the place in it stays in a register.
-        if (size <= nxLogQuickText::LargestRecord && record.source != nullptr &&
-            record.source->suffixSize <= nxLogSource::SuffixRoom && !time.IsEmpty() &&
-            _bytes.Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
+        if (size < _quickSizes && record.source != nullptr && record.source->suffixSize <= nxLogSource::SuffixRoom &&
+            !time.IsEmpty() && _bytes.Ensure(nxLogQuickText::GetRoom(size) + _longestFrame)) [[likely]]
         {
             char* const begin = _PutPrefix(_bytes.GetCursor(), record, time);
             if (char* const end = nxLogQuickText::Write(begin, record.values, record.end, true)) [[likely]]
@@ -65,7 +55,7 @@ public:
                 return true;
             }
         }
-        return _AppendLineSlowly(record, time);
+        return _AppendOtherLine(record, time);
     }
 
     /// Appends the message of a record alone. @param escape whether it is written as nxLogEscape says.
@@ -75,18 +65,20 @@ private:
     // How the last line began. Lines of one thread and level begin alike but for the time.
     struct Prefix
     {
-        static constexpr std::uint64_t None = ~std::uint64_t{0};
         static constexpr std::size_t Longest = 72;
 
-        std::uint64_t key = None;
+        std::uint64_t key = nxLogLineThread::NoKey;
         std::size_t size = 0;
         std::size_t timeAt = 0;  // where the time goes; after the prefix when it has none
         char text[Longest] = {};
     };
 
     bool _AppendSuffix(const nxLogRecord& record) noexcept;
-    bool _AppendLineSlowly(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
-    bool _AppendParts(const nxLogRecord& record, const nxLogTimeText& time) noexcept;
+    bool _AppendOtherLine(const nxLogRecord& record, const nxLogTimeText& local) noexcept;
+    bool _AppendParts(const nxLogRecord& record, std::string_view time) noexcept;
+    std::string_view _GetColour(unsigned level) const noexcept;
+
+    static constexpr std::size_t _allQuickSizes = nxLogQuickText::LargestRecord + 1;
 
     // Room for all of a line but its message. Fixed sizes are copied, which costs less than the right ones.
     static constexpr std::size_t _longestFrame =
@@ -94,7 +86,7 @@ private:
 
     char* _PutPrefix(char* out, const nxLogRecord& record, const nxLogTimeText& time) noexcept
     {
-        const std::uint64_t key = _GetPrefixKey(record);
+        const std::uint64_t key = _thread.GetKey(record);
         if (key != _prefix.key) [[unlikely]]
             _MakePrefix(key, record, time);
         char* const timeAt = out + _prefix.timeAt;
@@ -103,12 +95,6 @@ private:
         std::memcpy(out, _prefix.text, sizeof _prefix.text);
         std::memcpy(timeAt, time.GetBytes(), nxLogTimeText::Size);
         return end;
-    }
-    // Equal for lines of one style that begin alike but for the time.
-    std::uint64_t _GetPrefixKey(const nxLogRecord& record) const
-    {
-        const std::uint64_t processor = _thread.processor ? record.processor & 0xFFFF : 0;
-        return std::uint64_t{record.threadIndex} << 32 | processor << 16 | (record.level & 0xFFFF);
     }
     void _MakePrefix(std::uint64_t key, const nxLogRecord& record, const nxLogTimeText& time) noexcept;
 
@@ -135,7 +121,11 @@ private:
     nxLogTextBytes _bytes;
     nxLogLineStyle _style;
     nxLogLineThread _thread{};
+    std::size_t _quickSizes = _allQuickSizes;  // records with fewer bytes of values may be written quickly
     Prefix _prefix;
+    bool _hasOtherTime = false;
+    nxLogOtherTime _otherTime;
+    nxLogJsonLine _json;
 };
 
 #endif

@@ -94,25 +94,25 @@ public:
                 out = _WriteText(out, "FALSE");
                 return true;
             case nxLogTag::Signed32:
-                out = nxDigits::WriteSigned(out, _Take<std::int32_t>(at));
+                out = nxDigits::WriteSigned(out, Take<std::int32_t>(at));
                 return true;
             case nxLogTag::Unsigned32:
-                out = nxDigits::Write(out, _Take<std::uint32_t>(at));
+                out = nxDigits::Write(out, Take<std::uint32_t>(at));
                 return true;
             case nxLogTag::Signed64:
-                out = nxDigits::WriteSigned(out, _Take<std::int64_t>(at));
+                out = nxDigits::WriteSigned(out, Take<std::int64_t>(at));
                 return true;
             case nxLogTag::Unsigned64:
-                out = nxDigits::Write(out, _Take<std::uint64_t>(at));
+                out = nxDigits::Write(out, Take<std::uint64_t>(at));
                 return true;
             case nxLogTag::Decimal:
-                out += _Take<nxDecimal>(at).GetAsLogString(out, '.');
+                out += Take<nxDecimal>(at).GetAsLogString(out, '.');
                 return true;
             case nxLogTag::Null:
                 out = _WriteText(out, "NULL");
                 return true;
             case nxLogTag::Address:
-                out = _WriteAddress(out, _Take<std::uint64_t>(at));
+                out = _WriteAddress(out, Take<std::uint64_t>(at));
                 return true;
             case nxLogTag::DestinationUser:
                 at += sizeof(std::uint32_t);
@@ -138,7 +138,7 @@ public:
             {
                 const std::size_t size = nxLogEscape::Load<std::uint32_t>(at);
                 at += sizeof(std::uint32_t);
-                suspicion |= _CopyOfRecord(out, at, size);
+                suspicion |= CopyOfRecord<nxLogEscape::Suspect>(out, at, size);
                 out += size;
                 at += size;
             }
@@ -146,11 +146,11 @@ public:
                 continue;
             else if (tag == nxLogTag::KeptText)
             {
-                const auto& text = *_Take<const std::string*>(at);
+                const auto& text = *Take<const std::string*>(at);
                 // GetRoom() counts nine bytes for it, which is enough for texts up to here.
                 if (text.size() > nxEnumTable::MaximumTextSize)
                     return nullptr;
-                suspicion |= _Copy(out, text.data(), text.size());
+                suspicion |= Copy<nxLogEscape::Suspect>(out, text.data(), text.size());
                 out += text.size();
             }
             else if (tag == nxLogTag::End)
@@ -163,21 +163,67 @@ public:
         return out;
     }
 
-private:
+    /// @return the value at @p at, which is not aligned.
     template <class Value>
-    static Value _Load(const char* at)
+    static Value Load(const char* at)
     {
         Value value;
         std::memcpy(static_cast<void*>(&value), at, sizeof value);
         return value;
     }
-
+    /// The same, and moves @p at past it.
     template <class Value>
-    static Value _Take(const char*& at)
+    static Value Take(const char*& at)
     {
-        const Value value = _Load<Value>(at);
+        const Value value = Load<Value>(at);
         at += sizeof value;
         return value;
+    }
+
+    /// Tells in nxLogEscape::AnswerBits which bytes of a word need care.
+    using Suspect = std::uint64_t(std::uint64_t word);
+
+    /// Copies a text from anywhere; up to eight bytes after it are overwritten. @return what @p suspect finds.
+    template <Suspect suspect>
+    [[gnu::always_inline]] static std::uint64_t Copy(char* out, const char* text, std::size_t size)
+    {
+        return size < 8 ? _CopyWord<suspect>(out, nxLogEscape::LoadShort(text, size))
+                        : _CopyWords<suspect>(out, text, size);
+    }
+
+    /// The same for a text that follows its tag and length. There is no branch on the size, which is unpredictable: a word
+    /// that ends with the text may begin in tag and length, and is shifted until it begins with the text.
+    template <Suspect suspect>
+    [[gnu::always_inline]] static std::uint64_t CopyOfRecord(char* out, const char* text, std::size_t size)
+    {
+        if (size - 3 >= 6) [[unlikely]]
+            return Copy<suspect>(out, text, size);
+        static_assert(sizeof(nxLogTag) + sizeof(std::uint32_t) == 8 - 3, "the word reads so far before the text");
+        const std::size_t others = 64 - 8 * size;
+        const std::uint64_t word = nxLogEscape::Load<std::uint64_t>(text + size - 8) >> others;
+        std::memcpy(out, &word, sizeof word);
+        // The zeros after the text would be suspected; they are shifted out.
+        return suspect(word) << others;
+    }
+
+private:
+    template <Suspect suspect>
+    static std::uint64_t _CopyWord(char* out, std::uint64_t word)
+    {
+        std::memcpy(out, &word, sizeof word);
+        return suspect(word);
+    }
+
+    // At least eight bytes.
+    template <Suspect suspect>
+    static std::uint64_t _CopyWords(char* out, const char* text, std::size_t size)
+    {
+        constexpr std::size_t word = sizeof(std::uint64_t);
+        std::uint64_t found = 0;
+        for (std::size_t at = 0; at + word < size; at += word)
+            found |= _CopyWord<suspect>(out + at, nxLogEscape::Load<std::uint64_t>(text + at));
+        // The last one ends with the text.
+        return found | _CopyWord<suspect>(out + size - word, nxLogEscape::Load<std::uint64_t>(text + size - word));
     }
 
     static char* _WriteText(char* out, std::string_view text)
@@ -200,7 +246,7 @@ private:
     {
         const std::size_t size = nxLogEscape::Load<std::uint8_t>(at);
         *out++ = ' ';
-        static_cast<void>(_Copy(out, at + 1, size));
+        static_cast<void>(Copy<nxLogEscape::Suspect>(out, at + 1, size));
         at += 1 + size;
         out += size;
         *out++ = '=';
@@ -212,44 +258,7 @@ private:
             at += textSize;
         }
         const bool isKept = at != end && static_cast<nxLogTag>(*at) == nxLogTag::KeptText;
-        return isKept && !nxLogFieldText::IsPlain(*_Load<const std::string*>(at + 1)) ? nullptr : out;
-    }
-
-    static std::uint64_t _CopyWord(char* out, std::uint64_t word)
-    {
-        std::memcpy(out, &word, sizeof word);
-        return nxLogEscape::Suspect(word);
-    }
-
-    // At least eight bytes.
-    static std::uint64_t _CopyWords(char* out, const char* text, std::size_t size)
-    {
-        constexpr std::size_t word = sizeof(std::uint64_t);
-        std::uint64_t found = 0;
-        for (std::size_t at = 0; at + word < size; at += word)
-            found |= _CopyWord(out + at, nxLogEscape::Load<std::uint64_t>(text + at));
-        // The last one ends with the text.
-        return found | _CopyWord(out + size - word, nxLogEscape::Load<std::uint64_t>(text + size - word));
-    }
-
-    // Copies a text from anywhere; up to eight bytes after it are overwritten. @return what nxLogEscape::Suspect() finds.
-    static std::uint64_t _Copy(char* out, const char* text, std::size_t size)
-    {
-        return size < 8 ? _CopyWord(out, nxLogEscape::LoadShort(text, size)) : _CopyWords(out, text, size);
-    }
-
-    // The same for a text that follows its tag and length. There is no branch on the size, which is unpredictable: a word
-    // that ends with the text may begin in tag and length, and is shifted until it begins with the text.
-    static std::uint64_t _CopyOfRecord(char* out, const char* text, std::size_t size)
-    {
-        if (size - 3 >= 6) [[unlikely]]
-            return _Copy(out, text, size);
-        static_assert(sizeof(nxLogTag) + sizeof(std::uint32_t) == 8 - 3, "the word reads so far before the text");
-        const std::size_t others = 64 - 8 * size;
-        const std::uint64_t word = nxLogEscape::Load<std::uint64_t>(text + size - 8) >> others;
-        std::memcpy(out, &word, sizeof word);
-        // The zeros after the text would be suspected; they are shifted out.
-        return nxLogEscape::Suspect(word) << others;
+        return isKept && !nxLogFieldText::IsPlain(*Load<const std::string*>(at + 1)) ? nullptr : out;
     }
 };
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/log/internal/nxLogEscape.h"
+#include "core/log/internal/nxLogJsonText.h"
 #include "core/platform/nxThreadSanitizer.h"
 #include "core/thread/nxMutexGuard.h"
 
@@ -28,13 +29,19 @@ const nxLogSource* nxLogSourceTable::Keep(const char* file, unsigned line, std::
         return &found->second;
     std::string suffix(nxLogEscape::GetSuffixRoom(pathSize - folders), '\0');
     suffix.resize(static_cast<std::size_t>(nxLogEscape::PutSuffix(suffix.data(), file, line) - suffix.data()));
-    auto texts = std::make_unique<char[]>(pathSize + 1 + std::max(suffix.size(), nxLogSource::SuffixRoom));
-    char* const keptSuffix = texts.get() + pathSize + 1;
+    std::string json(nxLogJsonText::GetSourceRoom(pathSize - folders), '\0');
+    json.resize(static_cast<std::size_t>(nxLogJsonText::PutSource(json.data(), file, line) - json.data()));
+    const std::size_t suffixAt = pathSize + 1;
+    const std::size_t jsonAt = suffixAt + std::max(suffix.size(), nxLogSource::SuffixRoom);
+    auto texts = std::make_unique<char[]>(jsonAt + std::max(json.size(), nxLogKeptSource::JsonRoom));
     std::memcpy(texts.get(), path, pathSize + 1);
-    std::memcpy(keptSuffix, suffix.data(), suffix.size());
+    std::memcpy(texts.get() + suffixAt, suffix.data(), suffix.size());
+    std::memcpy(texts.get() + jsonAt, json.data(), json.size());
     const std::string_view keptPath(texts.get(), pathSize);
-    const nxLogSource source{texts.get() + folders, line, keptSuffix, suffix.size()};
-    nxLogKeptSource& kept = _sources.try_emplace(Key(keptPath, line, folders, isOld), source, isOld).first->second;
+    const nxLogSource source{texts.get() + folders, line, texts.get() + suffixAt, suffix.size()};
+    nxLogKeptSource& kept =
+        _sources.try_emplace(Key(keptPath, line, folders, isOld), source, isOld, texts.get() + jsonAt, json.size())
+            .first->second;
     // The texts are never freed, as the place is not.
     static_cast<void>(texts.release());
     if (_rules != nullptr)
@@ -59,7 +66,9 @@ void nxLogSourceTable::AfterForkInChild() noexcept { nxForkMutex::Renew(_mutex);
 const nxLogSource* nxLogSite::_Keep() noexcept
 {
     static constexpr char none[nxLogSource::SuffixRoom] = "";
-    static constinit const nxLogKeptSource unknown({none, 0, none, 0}, false);
+    static constexpr char noneInJson[nxLogKeptSource::JsonRoom] = R"(,"source":":0","message":")";
+    static constinit const nxLogKeptSource unknown({none, 0, none, 0}, false, noneInJson,
+                                                   std::char_traits<char>::length(noneInJson));
     try
     {
         const bool isOld = _folders == 0;

@@ -19,8 +19,8 @@
 /// Invariant: every nxLogSource is part of one.
 struct nxLogKeptSource : nxLogSource
 {
-    constexpr nxLogKeptSource(const nxLogSource& source, bool isOld) noexcept
-        : nxLogSource(source), isOfOldProgram(isOld)
+    constexpr nxLogKeptSource(const nxLogSource& source, bool isOld, const char* jsonText, std::size_t size) noexcept
+        : nxLogSource(source), isOfOldProgram(isOld), json(jsonText), jsonSize(size)
     {
     }
 
@@ -33,12 +33,21 @@ struct nxLogKeptSource : nxLogSource
     std::atomic<nxEnumValue> level{NX_ENUM_UNDEFINED};
     /// Whether the program was built with version 1.0: its statements know neither rules nor the folders of the file.
     bool isOfOldProgram;
+
+    const char* json;  ///< What follows the level and thread in a line of JSON: `,"source":"nxMutex:107","message":"`.
+    std::size_t jsonSize;  ///< Bytes of it. At least JsonRoom bytes may be read.
+
+    static constexpr std::size_t JsonRoom = 64;  ///< Copying this many costs less than the right number.
 };
 
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
 ///
+<<<<<<< HEAD
 /// Invariant: a place that was kept is never changed, but for its level, and never freed, so that queued records may point
 /// to it. Its level is that of the rules.
+=======
+/// Invariant: every place in a record is an nxLogKeptSource. A place that was kept is never changed and never freed, so that queued records may point to it.
+>>>>>>> 78decb8 (Log: lines can be JSON objects, show UTC or ISO 8601, and be coloured by level)
 ///
 /// Threads: any.
 class nxLogSourceTable
@@ -69,8 +78,11 @@ private:
 
     nxMutex _mutex;
     std::map<Key, nxLogKeptSource> _sources NX_GUARDED_BY(_mutex);
+<<<<<<< HEAD
     std::shared_ptr<const nxLogLevelRules> _rules NX_GUARDED_BY(_mutex);
     std::atomic<bool> _hasOldPrograms{false};
+=======
+>>>>>>> 78decb8 (Log: lines can be JSON objects, show UTC or ISO 8601, and be coloured by level)
 };
 
 #endif
