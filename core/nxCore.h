@@ -81,6 +81,7 @@
 #include "core/log/nxLogLevelRule.h"
 #include "core/log/nxLogLevels.h"
 #include "core/log/nxLogFieldView.h"
+#include "core/log/nxLogFormSettings.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"

@@ -9,6 +9,7 @@
 
 #include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogForkLock.h"
+#include "core/log/internal/nxLogForms.h"
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLog.h"
 #include "core/log/nxLogLine.h"
@@ -42,9 +43,9 @@ nxConsoleLogDevice& nxConsoleLogDevice::GetInstance()
 nxLogLineStyle nxConsoleLogDevice::GetLineStyle() const
 {
     if (IsVerboseOutput())
-        return {nxLogLineStyle::Full, false};
+        return nxLogForms::GetConsoleStyle(nxLogLineStyle::Full);
     const bool withTime = _shortForm.load(std::memory_order_relaxed) == ShortForm::Time;
-    return {withTime ? nxLogLineStyle::TimeAndText : nxLogLineStyle::LevelAndText, false};
+    return nxLogForms::GetConsoleStyle(withTime ? nxLogLineStyle::TimeAndText : nxLogLineStyle::LevelAndText);
 }
 
 void nxConsoleLogDevice::Write(const nxLog& record)

@@ -16,7 +16,7 @@
 ///
 /// Each record is one line ending in LF: "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]" when the
 /// device is verbose, as it is at first; otherwise "[INF] text", or with the other short form
-/// "[05Mar24 09:07:03.123.456] text". Lines go to the operating system at once, past the buffer of the C library.
+/// "[05Mar24 09:07:03.123.456] text". nxLogFormSettings has other forms. Lines go to the operating system at once, past the buffer of the C library.
 ///
 /// - Invariant: a line of which standard output took the beginning is completed before another line is written.
 /// - Errors: nothing fails. Lines that standard output does not take are lost and counted; the process goes on. It does

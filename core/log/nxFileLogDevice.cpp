@@ -10,6 +10,7 @@
 #include "core/log/internal/nxLogFile.h"
 #include "core/log/internal/nxLogFileFigures.h"
 #include "core/log/internal/nxLogForkLock.h"
+#include "core/log/internal/nxLogForms.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTimedLock.h"
 #include "core/log/internal/nxLogWriter.h"
@@ -109,6 +110,7 @@ bool nxFileLogDevice::Create(const nxValueWrapper<unsigned long long>& maximumFi
             auto plan = std::make_unique<const nxLogFile::Plan>(nxLogFile::Plan::Read(
                 DefaultDirectory, maximumFileSize.IsValid() ? static_cast<unsigned long long>(maximumFileSize) : 0,
                 retention));
+            nxLogForms::Set(nxLogFormSettings::Read(nxLogForms::Get()));
             const nxMutexGuard guard(_mutex);
             nxLogFile& file = _parts->GetFile(_mutex);
             if (file.IsOpen())
@@ -237,7 +239,7 @@ std::uint64_t nxFileLogDevice::GetLostLines() const
     return _parts->GetFile(_mutex).GetLostLines();
 }
 
-nxLogLineStyle nxFileLogDevice::GetLineStyle() const { return nxLogFile::Style; }
+nxLogLineStyle nxFileLogDevice::GetLineStyle() const { return nxLogForms::GetFileStyle(); }
 
 void nxFileLogDevice::BeforeFork() { _parts->isLockedForFork = nxLogForkLock::Take(_mutex); }
 

@@ -21,7 +21,7 @@ struct nxLogRetention;
 /// The log file of the process.
 ///
 /// Each record is one line, "[INF][05Mar24 09:07:03.123.456][7] text [core/trunk/nxMutex:107]" and CR LF; the thread's
-/// index in the third brackets only while nxLogManager::GetLogThreadIndex(). Files are named
+/// index in the third brackets only while nxLogManager::GetLogThreadIndex(). nxLogFormSettings has other forms. Files are named
 /// `directory/05Mar2024/application_090703_4711_1.log`: the local date on which the file was opened, the application's
 /// name, the time at which the process was started, its number, and a sequence number. A file is always a new one; one
 /// that exists is never opened. The file is for its owner to write and for the group to read.

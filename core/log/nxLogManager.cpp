@@ -11,6 +11,7 @@
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogFilling.h"
 #include "core/log/internal/nxLogFork.h"
+#include "core/log/internal/nxLogForms.h"
 #include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogRingMemory.h"
@@ -221,6 +222,10 @@ void nxLogManager::SetWriteThread(std::span<const unsigned> processors, unsigned
 {
     nxLogWriterThread::GetInstance().SetThread(processors, realTimePriority);
 }
+
+void nxLogManager::Apply(const nxLogFormSettings& settings) noexcept { nxLogForms::Set(settings); }
+
+nxLogFormSettings nxLogManager::GetFormSettings() const noexcept { return nxLogForms::Get(); }
 
 nxLogStatistics nxLogManager::GetStatistics() const noexcept
 {

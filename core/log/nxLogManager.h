@@ -14,6 +14,7 @@
 
 class nxLog;
 class nxLogDevice;
+struct nxLogFormSettings;
 struct nxLogSettings;
 struct nxLogThreadSettings;
 
@@ -153,6 +154,11 @@ public:
     void Apply(const nxLogSettings& settings) noexcept;
     /// Does what SetWriteThread() does, if @p settings sets anything.
     void Apply(const nxLogThreadSettings& settings) noexcept;
+
+    /// Sets how the lines of the log file and of the console look, from the next ones on.
+    void Apply(const nxLogFormSettings& settings) noexcept;
+    /// How they look.
+    nxLogFormSettings GetFormSettings() const noexcept;
 
     /// Counters of what was written, lost and waited for. nxLogFigures has more.
     nxLogStatistics GetStatistics() const noexcept;

@@ -29,6 +29,9 @@ public:
     /// @return the number of bytes that the stream took.
     std::size_t Write(std::string_view text);
 
+    /// Whether the stream is a terminal at the moment.
+    bool IsTerminal() const noexcept;
+
     /// Checks and remembers whether the stream is closed. @return whether it may be written to.
     bool Look() noexcept;
 

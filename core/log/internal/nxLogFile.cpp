@@ -6,6 +6,7 @@
 
 #include "core/log/internal/nxLogErrorLine.h"
 #include "core/log/internal/nxLogFileFigures.h"
+#include "core/log/internal/nxLogForms.h"
 #include "core/log/internal/nxLogLevelState.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/nxLog.h"
@@ -139,7 +140,8 @@ void nxLogFile::_BeginFile(nxFile&& file, const std::string& name, const std::st
     if (isRotation)
     {
         nxLogFileFigures::Add(nxLogFileFigures::Rotations);
-        _Report(NX_LOG_LEVEL_INFO, __LINE__, "Closing log file: " + _fileName);
+        _Report(NX_LOG_LEVEL_INFO, __LINE__, "Closing log file: " + _fileName,
+                nxField("file", _fileName, nxFieldLines::Json));
         _file.Flush();
     }
     _file.Take(std::move(file));
@@ -149,7 +151,8 @@ void nxLogFile::_BeginFile(nxFile&& file, const std::string& name, const std::st
     _fateIsTold = false;
     if (!previous.empty())
         _Report(NX_LOG_LEVEL_INFO, __LINE__,
-                "Successfully opened log file: " + _fileName + ", Previous log file: " + previous);
+                "Successfully opened log file: " + _fileName + ", Previous log file: " + previous,
+                nxField("file", _fileName, nxFieldLines::Json), nxField("previous", previous, nxFieldLines::Json));
     if (std::exchange(_closingIsUntold, false))
         _Report(NX_LOG_LEVEL_WARNING, __LINE__,
                 "Log file was closed by other code of the process, lines may be lost: " + previous);
@@ -166,15 +169,16 @@ void nxLogFile::Reopen()
     _TellFailures();
 }
 
-// Writes a record of the device itself.
-void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::string& text)
+// Writes a record of the device itself. @param fields are for lines of JSON.
+template <class... Fields>
+void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::string& text, const Fields&... fields)
 {
     if (!nxLogLevelState::ShouldLog(level.GetEnumValue(), fileDeviceSource))
         return;
     nxLog record(level, fileDeviceSource, line, nxTimeStamp::Now());
-    record << text;
+    (record << text << ... << fields);
     std::string lines;
-    nxLogLine::Append(lines, record, Style);
+    nxLogLine::Append(lines, record, nxLogForms::GetFileStyle());
     const std::uint64_t before = _file.GetSize();
     _file.Append(lines, true);
     _ownBytes += _file.GetSize() - before;
@@ -244,7 +248,7 @@ void nxLogFile::_TellFailures()
     if (const std::uint64_t lost = _file.GetLostLines() - _toldLostLines; lost != 0)
     {
         _toldLostLines += lost;
-        _Report(NX_LOG_LEVEL_WARNING, __LINE__, LostLinesText(lost));
+        _Report(NX_LOG_LEVEL_WARNING, __LINE__, LostLinesText(lost), nxField("lost", lost, nxFieldLines::Json));
     }
 }
 
@@ -313,7 +317,7 @@ void nxLogFile::_MendIfClosed()
 void nxLogFile::WriteRecord(const nxLog& record)
 {
     _line.clear();
-    nxLogLine::Append(_line, record, Style);
+    nxLogLine::Append(_line, record, nxLogForms::GetFileStyle());
     Write(_line, true, record.GetTimeStamp().GetSeconds());
 }
 

@@ -39,7 +39,6 @@ public:
         /// @param retention counts where the environment says nothing.
         static Plan Read(const char* defaultDirectory, std::uint64_t limit = 0, const nxLogRetention& retention = {});
     };
-    static constexpr nxLogLineStyle Style{nxLogLineStyle::Full, true};
 
     bool IsOpen() const { return _file.IsOpen(); }
     /// Called while no file is open. @return whether one is open now.
@@ -77,7 +76,8 @@ private:
     void _TellFate(nxFile::Fate fate);
     void _AppendAndTell(std::string_view lines, bool atOnce);
     void _MendIfClosed();
-    void _Report(const nxLogLevelEnum& level, unsigned line, const std::string& text);
+    template <class... Fields>
+    void _Report(const nxLogLevelEnum& level, unsigned line, const std::string& text, const Fields&... fields);
     void _TellFailures();
     std::size_t _SizeUpToLimit(std::string_view lines) const;
     bool _IsBeyondLimit() const;

@@ -42,12 +42,8 @@ struct nxLogKeptSource : nxLogSource
 
 /// The places of all reporting statements that have run. It grows with the code, not with time. Never destroyed.
 ///
-<<<<<<< HEAD
 /// Invariant: a place that was kept is never changed, but for its level, and never freed, so that queued records may point
 /// to it. Its level is that of the rules.
-=======
-/// Invariant: every place in a record is an nxLogKeptSource. A place that was kept is never changed and never freed, so that queued records may point to it.
->>>>>>> 78decb8 (Log: lines can be JSON objects, show UTC or ISO 8601, and be coloured by level)
 ///
 /// Threads: any.
 class nxLogSourceTable
@@ -78,11 +74,8 @@ private:
 
     nxMutex _mutex;
     std::map<Key, nxLogKeptSource> _sources NX_GUARDED_BY(_mutex);
-<<<<<<< HEAD
     std::shared_ptr<const nxLogLevelRules> _rules NX_GUARDED_BY(_mutex);
     std::atomic<bool> _hasOldPrograms{false};
-=======
->>>>>>> 78decb8 (Log: lines can be JSON objects, show UTC or ISO 8601, and be coloured by level)
 };
 
 #endif

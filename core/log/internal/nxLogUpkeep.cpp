@@ -109,8 +109,10 @@ void nxLogUpkeep::_ReportLosses() noexcept
     if (drops != 0)
         nxLogOwnReport::Write(NX_LOG_LEVEL_WARNING, managerSource, 211,
                               "Log records dropped because the queue was full and a device had stalled: ", drops,
-                              ", callers that waited: ", waits);
+                              ", callers that waited: ", waits, nxField("lost", drops, nxFieldLines::Json),
+                              nxField("waits", waits, nxFieldLines::Json));
     else
         nxLogOwnReport::Write(NX_LOG_LEVEL_INFO, managerSource, 215,
-                              "Callers that waited because the log's queue was full: ", waits);
+                              "Callers that waited because the log's queue was full: ", waits,
+                              nxField("waits", waits, nxFieldLines::Json));
 }

@@ -57,6 +57,8 @@ nxStandardStream& nxStandardStream::GetErrors()
     return _errors;
 }
 
+bool nxStandardStream::IsTerminal() const noexcept { return isatty(_number) == 1; }
+
 void nxStandardStream::_Remember() noexcept
 {
     struct stat status = {};
@@ -97,7 +99,7 @@ nxStandardStream::Way nxStandardStream::_FindWay(const struct stat& status, nxDe
 {
     if (S_ISSOCK(status.st_mode))
         return Way::Socket;
-    if (!S_ISFIFO(status.st_mode) && !(S_ISCHR(status.st_mode) && isatty(_number) == 1))
+    if (!S_ISFIFO(status.st_mode) && !(S_ISCHR(status.st_mode) && IsTerminal()))
         return Way::Blocking;
     const int mode = fcntl(_number, F_GETFL);
     if ((mode & O_NONBLOCK) != 0 || (mode & O_ACCMODE) == O_RDONLY)
