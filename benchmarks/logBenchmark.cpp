@@ -31,9 +31,11 @@
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/log/nxFileLogDevice.h"
+#include "core/log/nxLogFormSettings.h"
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxLogMacros.h"
+#include "core/log/nxLogManager.h"
 #include "core/platform/inline/nxClock.h"
 
 #if defined(NX_BENCHMARK_HAS_SPDLOG)
@@ -267,6 +269,26 @@ private:
     std::string _path;
 };
 
+// A record with three fields, as text and as JSON, in the file.
+template <nxLogFormSettings::Form form>
+class OursWithFields : public Ours
+{
+public:
+    explicit OursWithFields(const Target& target) : Ours(target)
+    {
+        nxLogFormSettings settings;
+        settings.file = form;
+        nxLogManager::GetInstance().Apply(settings);
+    }
+    ~OursWithFields() { nxLogManager::GetInstance().Apply(nxLogFormSettings()); }
+
+    static void Log(const Sample& sample)
+    {
+        NX_LOG(NX_LOG_LEVEL_INFO) << "filled" << nxField("quantity", sample.quantity) << nxField("price", sample.price)
+                                  << nxField("symbol", sample.symbol);
+    }
+};
+
 // A peer waits, as ours does, when its queue is full.
 struct Peer
 {
@@ -302,9 +324,40 @@ public:
         _logger.reset();
     }
 
+protected:
+    const std::shared_ptr<spdlog::async_logger>& GetLogger() const { return _logger; }
+
 private:
     std::shared_ptr<spdlog::details::thread_pool> _pool;
     std::shared_ptr<spdlog::async_logger> _logger;
+};
+#endif
+
+#if defined(NX_BENCHMARK_HAS_SPDLOG)
+// The same record; a pattern escapes nothing.
+class SpdlogWithFields : public Spdlog
+{
+public:
+    using Spdlog::Spdlog;
+    void Log(const Sample& sample)
+    {
+        SPDLOG_LOGGER_INFO(GetLogger(), "filled quantity={} price={:.2f} symbol={}", sample.quantity,
+                           sample.priceAsDouble, sample.symbol);
+    }
+};
+class SpdlogJson : public Spdlog
+{
+public:
+    explicit SpdlogJson(const Target& target) : Spdlog(target)
+    {
+        GetLogger()->set_pattern(
+            R"({"time":"%Y-%m-%dT%T.%f%z","level":"%l","thread":%t,"source":"%s:%#","message":"filled",%v})");
+    }
+    void Log(const Sample& sample)
+    {
+        SPDLOG_LOGGER_INFO(GetLogger(), R"("quantity":{},"price":{:.2f},"symbol":"{}")", sample.quantity,
+                           sample.priceAsDouble, sample.symbol);
+    }
 };
 #endif
 
@@ -697,9 +750,9 @@ void RegisterCallOnSlowDisk(const char* column)
 }
 
 template <class Logger, Destination destination>
-void RegisterRate(const char* row, const char* column)
+void RegisterRate(const char* row, const char* column, const std::vector<std::size_t>& threadCounts = {1, 2, 4, 8})
 {
-    for (const std::size_t threads : {1U, 2U, 4U, 8U})
+    for (const std::size_t threads : threadCounts)
         benchmark::RegisterBenchmark((std::string(row) + '_' + std::to_string(threads) + '/' + column).c_str(),
                                      Rate<Logger, destination>, threads)
             ->Iterations(1)
@@ -728,8 +781,14 @@ void RegisterAll(const char* column)
     RegisterCall<HotRing>("limit_counter_and_copy", {1});
     RegisterCall<RingToReader>("limit_ring_to_reader", {1, 2, 4});
     RegisterRates<FinishedLines>("limit_finished_lines");
+    using Form = nxLogFormSettings::Form;
+    RegisterRate<OursWithFields<Form::Text>, Destination::File>("log_rate_fields", "ours", {1});
+    RegisterRate<OursWithFields<Form::Json>, Destination::File>("log_rate_json", "ours", {1});
+    RegisterRate<OursWithFields<Form::Text>, Destination::File>("log_rate_json", "limit_text", {1});
 #if defined(NX_BENCHMARK_HAS_SPDLOG)
     RegisterAll<Spdlog>("peer_spdlog_async");
+    RegisterRate<SpdlogWithFields, Destination::File>("log_rate_fields", "peer_spdlog_async", {1});
+    RegisterRate<SpdlogJson, Destination::File>("log_rate_json", "peer_spdlog_async", {1});
 #endif
 #if defined(NX_BENCHMARK_HAS_LOG4CPLUS)
     RegisterAll<Log4cplus>("peer_log4cplus_async");

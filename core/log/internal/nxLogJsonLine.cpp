@@ -13,6 +13,7 @@
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogMessageText.h"
 #include "core/log/internal/nxLogQuickText.h"
+#include "core/log/nxField.h"
 #include "core/text/inline/nxDigits.h"
 
 namespace
