@@ -29,6 +29,40 @@ std::string text;
 
 const nxVariableTickTable& Table() { return *nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1"); }
 
+// Takes the lines of the log and keeps none.
+class LinesToNowhere final : public nxLogDevice, private nxLogLineSink
+{
+public:
+    explicit LinesToNowhere(const nxLogLineStyle& style) : nxLogDevice(static_cast<nxLogLineSink*>(this)), _style(style)
+    {
+        nxLogManager::GetInstance().RegisterLogDevice(this);
+    }
+    void Write(const nxLog&) override {}
+    void Flush() override {}
+    void Destroy() override {}
+
+private:
+    nxLogLineStyle GetLineStyle() const override { return _style; }
+    void WriteLines(const nxLogLineBatch&) override {}
+
+    nxLogLineStyle _style;
+};
+
+// A record for its caller and the log's thread together.
+void LogValues(nxLogLineStyle::Form form)
+{
+    static LinesToNowhere& device = *new LinesToNowhere({form, true});
+    Keep(device);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "filled " << integer << price << integerText;
+}
+void LogFields(nxLogLineStyle::Form form)
+{
+    static LinesToNowhere& device = *new LinesToNowhere({form, true});
+    Keep(device);
+    NX_LOG(NX_LOG_LEVEL_INFO) << "filled" << nxField("quantity", integer) << nxField("price", price)
+                              << nxField("symbol", integerText);
+}
+
 struct Operation
 {
     const char* name;
@@ -221,6 +255,10 @@ const Operation operations[] = {
          Keep(stamp);
          stamp.GetAsStringFast(buffer, sizeof buffer);
      }},
+    {"log_text", [] { LogValues(nxLogLineStyle::Full); }},
+    {"log_json", [] { LogValues(nxLogLineStyle::Json); }},
+    {"log_text_fields", [] { LogFields(nxLogLineStyle::Full); }},
+    {"log_json_fields", [] { LogFields(nxLogLineStyle::Json); }},
 };
 }  // namespace
 

@@ -16,10 +16,10 @@ struct NamedValue
     Value value;
 };
 
+// Sets the value that is called `text`, if one is.
 template <class Value>
-void ReadNamed(const char* key, std::initializer_list<NamedValue<Value>> names, Value& value)
+void Choose(const std::string& text, std::initializer_list<NamedValue<Value>> names, Value& value)
 {
-    const std::string text = nxLogEnvironment::GetCapitals(key);
     for (const NamedValue<Value>& each : names)
         if (text == each.name)
             value = each.value;
@@ -32,13 +32,13 @@ nxLogFormSettings nxLogFormSettings::Read(const nxLogFormSettings& otherwise)
 {
     using Time = nxLogLineStyle::Time;
     nxLogFormSettings settings = otherwise;
-    ReadNamed("NX_LOG_FORM", {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.file);
-    ReadNamed("NX_LOG_CONSOLE_FORM", {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.console);
-    ReadNamed("NX_LOG_TIME",
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_FORM"), {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.file);
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_CONSOLE_FORM"), {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.console);
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_TIME"),
               {{"LOCAL", Time::Local}, {"UTC", Time::UTC}, {"ISO", Time::ISO}, {"ISO_UTC", Time::ISOInUTC}},
               settings.time);
-    ReadNamed("NX_LOG_LINE_END", {{"CRLF", true}, {"LF", false}}, settings.carriageReturn);
-    ReadNamed("NX_LOG_COLOUR", {{"NEVER", Colour::Never}, {"AUTO", Colour::Auto}, {"ALWAYS", Colour::Always}},
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_LINE_END"), {{"CRLF", true}, {"LF", false}}, settings.carriageReturn);
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_COLOUR"), {{"NEVER", Colour::Never}, {"AUTO", Colour::Auto}, {"ALWAYS", Colour::Always}},
               settings.colour);
     return settings;
 }

@@ -42,10 +42,17 @@ bool nxLogLineBuffer::AppendMessage(const char* values, const char* end, bool es
 
 bool nxLogLineBuffer::_AppendSuffix(const nxLogRecord& record) noexcept
 {
-    const std::string_view file = record.GetFile();
+    if (record.source != nullptr)
+    {
+        if (!_bytes.Ensure(record.source->suffixSize))
+            return false;
+        _bytes.Put({record.source->suffix, record.source->suffixSize});
+        return true;
+    }
+    const std::string_view file = record.ownFile;
     if (!_bytes.Ensure(nxLogEscape::GetSuffixRoom(file.size())))
         return false;
-    _bytes.SetCursor(nxLogEscape::PutSuffix(_bytes.GetCursor(), file, record.GetLine()));
+    _bytes.SetCursor(nxLogEscape::PutSuffix(_bytes.GetCursor(), file, record.ownLine));
     return true;
 }
 

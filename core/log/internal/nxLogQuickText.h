@@ -155,7 +155,15 @@ public:
             }
             else if (tag == nxLogTag::End)
                 break;
-            else if (tag != nxLogTag::Field || (out = _WriteField(out, at, end)) == nullptr)
+            else if (tag == nxLogTag::Field) [[unlikely]]
+            {
+                const nxLogEscape::Place place = _WriteField(out, at, end);
+                if (place.out == nullptr)
+                    return nullptr;
+                out = place.out;
+                at = place.at;
+            }
+            else
                 return nullptr;
         }
         if (escape && (suspicion & nxLogEscape::AnswerBits) != 0 && nxLogEscape::NeedsEscape({begin, out})) [[unlikely]]
@@ -241,8 +249,8 @@ private:
         return out;
     }
 
-    // ` name=`, and the value where it is a Text. @return null when the value needs care.
-    static char* _WriteField(char* out, const char*& at, const char* end)
+    // ` name=`, and the value where it is a Text. @return where the text ends and the next tag is; no text when the value needs care.
+    static nxLogEscape::Place _WriteField(char* out, const char* at, const char* end) noexcept
     {
         const std::size_t size = nxLogEscape::Load<std::uint8_t>(at);
         *out++ = ' ';
@@ -250,15 +258,17 @@ private:
         at += 1 + size;
         out += size;
         *out++ = '=';
-        if (at != end && static_cast<nxLogTag>(*at) == nxLogTag::Text)
+        if (at == end)
+            return {out, at};
+        const auto tag = static_cast<nxLogTag>(*at);
+        if (tag == nxLogTag::Text)
         {
             const std::size_t textSize = nxLogEscape::Load<std::uint32_t>(at + 1);
             at += 1 + sizeof(std::uint32_t);
-            out = nxLogFieldText::PutValue(out, {at, textSize});
-            at += textSize;
+            return {nxLogFieldText::PutValue(out, {at, textSize}), at + textSize};
         }
-        const bool isKept = at != end && static_cast<nxLogTag>(*at) == nxLogTag::KeptText;
-        return isKept && !nxLogFieldText::IsPlain(*Load<const std::string*>(at + 1)) ? nullptr : out;
+        const bool needsCare = tag == nxLogTag::KeptText && !nxLogFieldText::IsPlain(*Load<const std::string*>(at + 1));
+        return {needsCare ? nullptr : out, at};
     }
 };
 
