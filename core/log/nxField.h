@@ -89,8 +89,10 @@ private:
     nxFieldLines _lines;
 };
 
+/// A field of any type of value.
 template <class Value>
 nxField(nxFieldName, const Value&) -> nxField<Value>;
+/// A field of any type of value.
 template <class Value>
 nxField(nxFieldName, const Value&, nxFieldLines) -> nxField<Value>;
 

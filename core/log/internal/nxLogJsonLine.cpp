@@ -117,12 +117,10 @@ struct QuickJson
             case nxLogTag::NoChange:
                 return PutJson(out, "null");
             case nxLogTag::Decimal:
-                if (!QuickText::Load<nxDecimal>(at).IsValid())
-                {
-                    at += sizeof(nxDecimal);
-                    return PutJson(out, "null");
-                }
-                break;
+            {
+                const auto decimal = QuickText::Take<nxDecimal>(at);
+                return decimal.IsValid() ? out + decimal.GetAsLogString(out, '.') : PutJson(out, "null");
+            }
             case nxLogTag::Double:
                 return nxLogJsonText::PutDouble(out, QuickText::Take<double>(at));
             case nxLogTag::Text:
@@ -133,15 +131,16 @@ struct QuickJson
                 out = PutKeptText(out, at);
                 return out == nullptr ? nullptr : PutJson(out, "\"");
             case nxLogTag::Signed32:
+                return nxDigits::WriteSigned(out, QuickText::Take<std::int32_t>(at));
             case nxLogTag::Unsigned32:
+                return nxDigits::Write(out, QuickText::Take<std::uint32_t>(at));
             case nxLogTag::Signed64:
+                return nxDigits::WriteSigned(out, QuickText::Take<std::int64_t>(at));
             case nxLogTag::Unsigned64:
-                break;
+                return nxDigits::Write(out, QuickText::Take<std::uint64_t>(at));
             default:
                 return nullptr;
         }
-        QuickText::WriteValue(out, tag, at);
-        return out;
     }
     // The texts of the values before the first field. @return null when one needs care.
     [[gnu::always_inline]] char* PutMessage(char* out, const char*& at, const char* end)
