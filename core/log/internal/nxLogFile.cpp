@@ -176,7 +176,7 @@ void nxLogFile::_Report(const nxLogLevelEnum& level, unsigned line, const std::s
     if (!nxLogLevelState::ShouldLog(level.GetEnumValue(), fileDeviceSource))
         return;
     nxLog record(level, fileDeviceSource, line, nxTimeStamp::Now());
-    (record << text << ... << fields);
+    ((record << text) << ... << fields);
     std::string lines;
     nxLogLine::Append(lines, record, nxLogForms::GetFileStyle());
     const std::uint64_t before = _file.GetSize();

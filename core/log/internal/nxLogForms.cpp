@@ -31,27 +31,27 @@ bool IsColourRefused() noexcept
 }
 }  // namespace
 
-constinit std::atomic<nxLogLineStyle> nxLogForms::_file{nxLogLineStyle{nxLogLineStyle::Full, true}};
-constinit std::atomic<nxLogLineStyle> nxLogForms::_console{nxLogLineStyle{nxLogLineStyle::Full, false}};
+constinit nxLogForms::Kept nxLogForms::_file({nxLogLineStyle::Full, true});
+constinit nxLogForms::Kept nxLogForms::_console({nxLogLineStyle::Full, false});
 constinit std::atomic<nxLogFormSettings::Colour> nxLogForms::_colour{nxLogFormSettings::Colour::Never};
 
 void nxLogForms::Set(const nxLogFormSettings& settings) noexcept
 {
     const bool isRefused = settings.colour == Settings::Colour::Auto && IsColourRefused();
-    _file = nxLogLineStyle{GetParts(settings.file), settings.carriageReturn}.With(settings.time);
-    _console = nxLogLineStyle{GetParts(settings.console), false}.With(settings.time);
+    _file.Set(nxLogLineStyle{GetParts(settings.file), settings.carriageReturn}.With(settings.time));
+    _console.Set(nxLogLineStyle{GetParts(settings.console), false}.With(settings.time));
     _colour = isRefused ? Settings::Colour::Never : settings.colour;
 }
 
 nxLogFormSettings nxLogForms::Get() noexcept
 {
-    const nxLogLineStyle file = _file;
-    return {GetForm(file), GetForm(_console), file.GetTime(), file.carriageReturn, _colour};
+    const nxLogLineStyle file = _file.Get();
+    return {GetForm(file), GetForm(_console.Get()), file.GetTime(), file.carriageReturn, _colour};
 }
 
 nxLogLineStyle nxLogForms::GetConsoleStyle(nxLogLineStyle::Form form) noexcept
 {
-    const nxLogLineStyle style = _console;
+    const nxLogLineStyle style = _console.Get();
     if (style.GetParts() == nxLogLineStyle::Json)
         return style;
     const Settings::Colour colour = _colour;
