@@ -8,7 +8,7 @@
 
 /// A growing piece of memory in which text is written at a cursor.
 ///
-/// Invariant: the text ends at the cursor. What Ensure() has made room for may be written behind it before the cursor moves.
+/// Invariant: the text ends at the cursor. What Ensure() has made room for may be written after it before the cursor moves.
 ///
 /// Errors: Ensure() fails without memory, and the text stays. Threads: none.
 class nxLogTextBytes
