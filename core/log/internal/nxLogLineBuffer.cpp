@@ -74,7 +74,7 @@ void nxLogLineBuffer::SetStyle(const nxLogLineStyle& style, nxLogLineThread thre
 std::string_view nxLogLineBuffer::_GetColour(unsigned level) const noexcept
 {
     if (!_style.IsColoured() || level < NX_LOG_LEVEL_WARNING)
-        return {};
+        return "";  // never null, because it is copied
     if (level == NX_LOG_LEVEL_WARNING)
         return "\x1B[33m";                                                // yellow
     return level == NX_LOG_LEVEL_ERROR ? "\x1B[1;31m" : "\x1B[1;37;41m";  // red; white on red
