@@ -22,6 +22,9 @@
 /// | `NX_USER`           | the user that the record is meant for, and `NX_APPLICATION` where it comes from, if streamed |
 /// | `NX_LOST`           | how many records were lost, in the record that tells it                                     |
 ///
+/// - The fields of a record (nxField) are fields of the journal: `price` becomes `PRICE`, `order-id` becomes `ORDER_ID`. A name
+///   that begins with no letter, or as those above, gets `F_` in front: `F_CODE_PAGE`. It is cut after 64 characters. No value
+///   is the text "null", and truth values are "true" and "false".
 /// - A record of any size arrives whole: one that is too long for a datagram is passed as a sealed file in memory.
 /// - The journal may be away, restarted or slow: see nxSeparateLogDevice for what waits, what is lost and how that is told. It
 ///   is looked for every second. The error stream is told once that it is away. Records that the journal had received but not

@@ -134,7 +134,10 @@ TEST_F(nxLogServiceDevices, TheJournalGetsTheFieldsOfEveryRecordWhateverItsBytes
     for (const std::string& text : texts)
     {
         nxLog record(NX_LOG_LEVEL_ERROR, "feed/session", 88, nxTimeStamp(1'709'629'623, 123'456'789));
-        device.Write(record << text << nxLog::nxLogSourceApplicationDestUserID("desk", nxValueWrapper<unsigned>(7)));
+        record << text << nxLog::nxLogSourceApplicationDestUserID("desk", nxValueWrapper<unsigned>(7));
+        device.Write(record << nxField("order-id", 12U, nxFieldLines::Json)
+                            << nxField("price", nxDecimal(101.25, 2), nxFieldLines::Json)
+                            << nxField("code_page", text, nxFieldLines::Json));
         const std::vector<Fields> records = Parse(service.Receive());
         ASSERT_EQ(records.size(), 1U);
         EXPECT_EQ(Get(records[0], "MESSAGE"), text);
@@ -145,7 +148,10 @@ TEST_F(nxLogServiceDevices, TheJournalGetsTheFieldsOfEveryRecordWhateverItsBytes
                                                                {"NX_TIME", "2024-03-05T09:07:03.123456Z"},
                                                                {"NX_LEVEL", "ERR"},
                                                                {"NX_USER", "7"},
-                                                               {"NX_APPLICATION", "desk"}};
+                                                               {"NX_APPLICATION", "desk"},
+                                                               {"ORDER_ID", "12"},
+                                                               {"PRICE", "101.25"},
+                                                               {"F_CODE_PAGE", text}};
         for (const auto& [name, value] : fields)
             EXPECT_EQ(Get(records[0], name), value);
         EXPECT_EQ(records[0].size(), std::size(fields) + 2);  // NX_THREAD and MESSAGE

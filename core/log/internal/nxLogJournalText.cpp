@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/log/internal/nxLogJournalText.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <variant>
 
 #include "core/log/internal/nxLogIdentity.h"
 #include "core/time/nxCalendar.h"
@@ -10,6 +14,7 @@
 namespace
 {
 constexpr long long secondsOfDay = 86'400;
+constexpr std::size_t longestName = 64;  // what a journal takes
 
 void AppendDigits(std::string& text, unsigned number, std::size_t digits)
 {
@@ -40,7 +45,40 @@ std::string TimeInUTC(const nxTimeStamp& time)
     append(time.GetMicroseconds() % 1'000'000, 6, 'Z');
     return text;
 }
+
+std::string GetValueText(const nxLogFieldView::Value& value)
+{
+    struct Texts
+    {
+        std::string operator()(std::monostate) const { return "null"; }
+        std::string operator()(bool truth) const { return truth ? "true" : "false"; }
+        std::string operator()(long long number) const { return std::to_string(number); }
+        std::string operator()(unsigned long long number) const { return std::to_string(number); }
+        std::string operator()(const nxDecimal& number) const { return number.GetAsLogString('.'); }
+        std::string operator()(std::string_view text) const { return std::string(text); }
+        std::string operator()(double number) const
+        {
+            char text[64];
+            return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
+        }
+    };
+    return std::visit(Texts(), value);
+}
 }  // namespace
+
+std::string nxLogJournalText::GetFieldName(std::string_view name)
+{
+    constexpr std::string_view ours[] = {"MESSAGE", "PRIORITY", "SYSLOG_", "CODE_", "NX_", "OBJECT_"};
+    std::string result;
+    for (const char c : name)
+        result += 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c == '-' || c == '.' ? '_' : c;
+    const bool beginsWithLetter = !result.empty() && 'A' <= result[0] && result[0] <= 'Z';
+    const auto isBegin = [&result](std::string_view begin) { return result.starts_with(begin); };
+    if (!beginsWithLetter || std::any_of(std::begin(ours), std::end(ours), isBegin))
+        result.insert(0, "F_");
+    result.resize(std::min(result.size(), longestName));
+    return result;
+}
 
 void nxLogJournalText::AppendRecord(std::string& text, const nxLog& record, const std::string& identifier,
                                     const nxLogLosses* losses)
@@ -59,7 +97,9 @@ void nxLogJournalText::AppendRecord(std::string& text, const nxLog& record, cons
     if (const std::string application = record.GetSourceApplication(); !application.empty())
         AppendField(text, "NX_APPLICATION", application);
     if (losses != nullptr)
-        AppendField(text, "NX_LOST", std::to_string(losses->records));
+        return AppendField(text, "NX_LOST", std::to_string(losses->records));
+    record.VisitFields([&text](const nxLogFieldView& field)
+                       { AppendField(text, GetFieldName(field.name), GetValueText(field.value)); });
 }
 
 void nxLogJournalText::AppendField(std::string& text, std::string_view name, std::string_view value)

@@ -22,6 +22,9 @@ public:
     /// Appends all fields of a record. @param losses what it tells about, or null.
     static void AppendRecord(std::string& text, const nxLog& record, const std::string& identifier,
                              const nxLogLosses* losses);
+    /// @return the name that a record's field has in the journal: capitals, with '_' for '-' and '.'. It has "F_" in front where
+    ///         the journal takes no such name, or gives it another meaning.
+    static std::string GetFieldName(std::string_view name);
     /// Appends one field. @param name capitals of ASCII, digits and '_', the first one a capital.
     static void AppendField(std::string& text, std::string_view name, std::string_view value);
 };
