@@ -64,14 +64,39 @@ Setting Device(nxLogDevice& device)
         });
 }
 
+// Changes one member of the settings for the form of lines.
+template <class Value>
+auto SetForm(Value nxLogFormSettings::*member)
+{
+    return [member](const Value& value)
+    {
+        nxLogManager& manager = nxLogManager::GetInstance();
+        nxLogFormSettings forms = manager.GetFormSettings();
+        forms.*member = value;
+        manager.Apply(forms);
+    };
+}
+
 const std::map<std::string, Setting>& GetSettings()
 {
+    using Form = nxLogFormSettings::Form;
+    using Time = nxLogLineStyle::Time;
+    using Colour = nxLogFormSettings::Colour;
     static const std::map<std::string, Setting> settings = {
         {"console", Device(nxConsoleLogDevice::GetInstance())},
+        {"colour", OneOf<Colour>({{"never", Colour::Never}, {"auto", Colour::Auto}, {"always", Colour::Always}},
+                                 SetForm(&nxLogFormSettings::colour))},
+        {"console-form",
+         OneOf<Form>({{"text", Form::Text}, {"json", Form::Json}}, SetForm(&nxLogFormSettings::console))},
         {"flush", SetFlushTime},
+        {"form", OneOf<Form>({{"text", Form::Text}, {"json", Form::Json}}, SetForm(&nxLogFormSettings::file))},
         {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
         {"level", SetLevel},
+        {"line-end", OneOf<bool>({{"crlf", true}, {"lf", false}}, SetForm(&nxLogFormSettings::carriageReturn))},
         {"processor", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadCPU(isOn); })},
+        {"time",
+         OneOf<Time>({{"local", Time::Local}, {"utc", Time::UTC}, {"iso", Time::ISO}, {"iso-utc", Time::ISOInUTC}},
+                     SetForm(&nxLogFormSettings::time))},
     };
     return settings;
 }

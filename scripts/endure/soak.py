@@ -138,6 +138,18 @@ def processor(soak):
 
 
 @changer
+def form(soak):
+    """Several at once, between one line and the next."""
+    soak.set(f"form {soak.random.choice(('text', 'json'))}", f"time {soak.random.choice(('local', 'utc', 'iso', 'iso-utc'))}",
+             f"line-end {soak.random.choice(('crlf', 'lf'))}")
+
+
+@changer
+def form_of_console(soak):
+    soak.set(f"console-form {soak.random.choice(('text', 'json'))}", f"colour {soak.random.choice(('never', 'always'))}")
+
+
+@changer
 def console(soak):
     """A device that comes and goes."""
     soak.set_one_of("console", "on", "off")
