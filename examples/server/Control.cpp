@@ -77,6 +77,22 @@ auto SetForm(Value nxLogFormSettings::*member)
     };
 }
 
+// How many files are kept, 0 for all, and what compresses them, "none" for nothing: "20,gzip".
+nxErrorEnum SetRetention(const std::string& value)
+{
+    nxLogRetention retention;
+    const std::size_t comma = value.find(',');
+    if (comma == std::string::npos)
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    if (const nxErrorEnum error = nxStringHelper::SetFromStringExact(value.substr(0, comma), retention.files);
+        !error.IsOK())
+        return error;
+    if (const std::string compressor = value.substr(comma + 1); compressor != "none")
+        retention.compressor = compressor;
+    nxFileLogDevice::GetInstance().SetRetention(retention);
+    return nxErrorEnum();
+}
+
 const std::map<std::string, Setting>& GetSettings()
 {
     using Form = nxLogFormSettings::Form;
@@ -97,6 +113,7 @@ const std::map<std::string, Setting>& GetSettings()
         {"time",
          OneOf<Time>({{"local", Time::Local}, {"utc", Time::UTC}, {"iso", Time::ISO}, {"iso-utc", Time::ISOInUTC}},
                      SetForm(&nxLogFormSettings::time))},
+        {"retention", SetRetention},
     };
     return settings;
 }

@@ -111,6 +111,13 @@ class Soak:
         if status != 0:
             raise Fault(f"the server has ended with status {status}")
 
+    def settle(self):
+        """Waits for compressors of the library, which run beside the server and may outlive it."""
+        names, before = set(), None
+        while names != before:
+            time.sleep(2)
+            before, names = names, {name for _, _, names in os.walk(self.log) for name in names}
+
     def close(self):
         self.server.kill()
         self.server.wait()
@@ -147,6 +154,9 @@ def form(soak):
 @changer
 def form_of_console(soak):
     soak.set(f"console-form {soak.random.choice(('text', 'json'))}", f"colour {soak.random.choice(('never', 'always'))}")
+def retention(soak):
+    """More files than there are, so that none is removed, and each compressor in turn."""
+    soak.set_one_of("retention", "0,none", "1000000,gzip", "1000000,xz", "0,zstd")
 
 
 @changer
@@ -225,6 +235,7 @@ def run(arguments, folder):
     try:
         counts, missing = change_until(soak, time.monotonic() + arguments.seconds)
         soak.finish()
+        soak.settle()
     finally:
         soak.close()
     print("   changed:", ", ".join(f"{name} {count}" for name, count in sorted(counts.items())))
