@@ -109,6 +109,7 @@ const std::map<std::string, Setting>& GetSettings()
         {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
         {"level", SetLevel},
         {"line-end", OneOf<bool>({{"crlf", true}, {"lf", false}}, SetForm(&nxLogFormSettings::carriageReturn))},
+        {"levels", [](const std::string& value) { return nxLogLevels::Set(value); }},
         {"processor", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadCPU(isOn); })},
         {"time",
          OneOf<Time>({{"local", Time::Local}, {"utc", Time::UTC}, {"iso", Time::ISO}, {"iso-utc", Time::ISOInUTC}},

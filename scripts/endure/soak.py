@@ -49,6 +49,7 @@ class Soak:
         self.output = open(os.path.join(folder, "output"), "wb")
         environment = {name: value for name, value in os.environ.items() if not name.startswith(("QRX_", "NX_"))}
         environment["QRX_LOG_DIRECTORY"] = self.log
+        environment["NX_LOG_LEVEL_FILE"] = self.level_file = os.path.join(folder, "levels")
         self.server = subprocess.Popen(
             [arguments.server, "-feeds", "4", "-workers", "4", "-rate", str(arguments.rate),
              "-filesize", "4000000", "-control", self.control],
@@ -127,6 +128,26 @@ class Soak:
 @changer
 def level(soak):
     soak.set_one_of("level", "DBG", "INF")
+
+
+# The orders are at the level INF in Server.cpp, so that these lose none.
+LEVELS = ("INF", "DBG", "INF,Server.cpp=DBG", "WRN,Server.cpp=INF", "INF,core/=ERR,server/=DBG", "ERR,examples/=INF")
+
+
+@changer
+def levels(soak):
+    soak.set_one_of("levels", *LEVELS)
+
+
+@changer
+def level_file(soak):
+    """The library looks at it once a second."""
+    if soak.random.random() < 0.3 and os.path.exists(soak.level_file):
+        os.remove(soak.level_file)
+        return
+    with open(soak.level_file + ".new", "w", encoding="ascii") as file:
+        file.write(soak.random.choice(LEVELS + ("this is no level",)).replace(",", "\n") + "\n")
+    os.rename(soak.level_file + ".new", soak.level_file)
 
 
 @changer
