@@ -107,6 +107,7 @@ const std::map<std::string, Setting>& GetSettings()
         {"flush", SetFlushTime},
         {"form", OneOf<Form>({{"text", Form::Text}, {"json", Form::Json}}, SetForm(&nxLogFormSettings::file))},
         {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
+        {"journal", Device(nxJournalLogDevice::GetInstance())},
         {"level", SetLevel},
         {"line-end", OneOf<bool>({{"crlf", true}, {"lf", false}}, SetForm(&nxLogFormSettings::carriageReturn))},
         {"levels", [](const std::string& value) { return nxLogLevels::Set(value); }},
@@ -115,6 +116,7 @@ const std::map<std::string, Setting>& GetSettings()
          OneOf<Time>({{"local", Time::Local}, {"utc", Time::UTC}, {"iso", Time::ISO}, {"iso-utc", Time::ISOInUTC}},
                      SetForm(&nxLogFormSettings::time))},
         {"retention", SetRetention},
+        {"syslog", Device(nxSyslogLogDevice::GetInstance())},
     };
     return settings;
 }

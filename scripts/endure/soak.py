@@ -15,13 +15,16 @@ import random
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 RECORDS = os.path.join(HERE, "..", "..", "examples", "server", "records.py")
+ORDER = re.compile(rb"feed (\d+) order (\d+) handled")
 PACKED = (".gz", ".xz", ".zst")
 CHANGERS = []
 
@@ -34,6 +37,47 @@ def changer(function):
 
 class Fault(Exception):
     """The server has not done what it was told."""
+
+
+class Service:
+    """A stand-in for the journal or for syslog. It may be away; what it had not read then is lost. None comes twice."""
+
+    def __init__(self, path):
+        self.path = path
+        self.seen = set()
+        self.double = 0
+        self.thread = None
+        self.come()
+
+    def come(self):
+        if self.thread is not None:
+            return
+        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self.socket.bind(self.path)
+        self.socket.settimeout(0.1)
+        self.is_leaving = False
+        self.thread = threading.Thread(target=self.read, daemon=True)
+        self.thread.start()
+
+    def leave(self):
+        if self.thread is None:
+            return
+        self.is_leaving = True
+        self.thread.join()
+        self.thread = None
+        os.unlink(self.path)
+        self.socket.close()
+
+    def read(self):
+        while not self.is_leaving:
+            try:
+                order = ORDER.search(self.socket.recv(1 << 20))
+            except TimeoutError:
+                continue
+            if order:
+                key = (int(order[1]) << 40) + int(order[2])
+                self.double += key in self.seen
+                self.seen.add(key)
 
 
 class Soak:
@@ -50,6 +94,8 @@ class Soak:
         environment = {name: value for name, value in os.environ.items() if not name.startswith(("QRX_", "NX_"))}
         environment["QRX_LOG_DIRECTORY"] = self.log
         environment["NX_LOG_LEVEL_FILE"] = self.level_file = os.path.join(folder, "levels")
+        self.services = {key: Service(os.path.join(folder, key)) for key in ("NX_LOG_TO_JOURNAL", "NX_LOG_TO_SYSLOG")}
+        environment.update({key: service.path for key, service in self.services.items()})
         self.server = subprocess.Popen(
             [arguments.server, "-feeds", "4", "-workers", "4", "-rate", str(arguments.rate),
              "-filesize", "4000000", "-control", self.control],
@@ -103,6 +149,8 @@ class Soak:
 
     def finish(self):
         """Ends the server in the orderly way."""
+        for service in self.services.values():
+            service.come()
         self.set("level INF")
         self.server.send_signal(signal.SIGTERM)
         try:
@@ -122,6 +170,8 @@ class Soak:
     def close(self):
         self.server.kill()
         self.server.wait()
+        for service in self.services.values():
+            service.leave()
         self.output.close()
 
 
@@ -184,6 +234,19 @@ def retention(soak):
 def console(soak):
     """A device that comes and goes."""
     soak.set_one_of("console", "on", "off")
+
+
+@changer
+def services(soak):
+    """Devices that come and go."""
+    soak.set_one_of(soak.random.choice(("journal", "syslog")), "on", "off")
+
+
+@changer
+def services_away(soak):
+    """Services that come and go."""
+    service = soak.services[soak.random.choice(sorted(soak.services))]
+    service.leave() if service.thread is not None else service.come()
 
 
 @changer
@@ -265,6 +328,10 @@ def run(arguments, folder):
     result = subprocess.run([sys.executable, RECORDS, folder], capture_output=True, text=True)
     print("   found:", "; ".join(result.stdout.splitlines()))
     with open(os.path.join(folder, "output"), encoding="utf-8", errors="replace") as file:
+    double = sum(service.double for service in soak.services.values())
+    print("   services:", ", ".join(f"{len(service.seen)} orders by {key}" for key, service in soak.services.items()))
+    if double:
+        raise Fault(f"a service got {double} orders twice")
         lost = [line for line in file if re.search("lost|not written", line)]
     if result.returncode != 0 or lost:
         raise Fault("; ".join(["orders are missing or double"] * (result.returncode != 0) + lost))
