@@ -99,9 +99,9 @@ const std::map<std::string, Setting>& GetSettings()
     using Time = nxLogLineStyle::Time;
     using Colour = nxLogFormSettings::Colour;
     static const std::map<std::string, Setting> settings = {
-        {"console", Device(nxConsoleLogDevice::GetInstance())},
         {"colour", OneOf<Colour>({{"never", Colour::Never}, {"auto", Colour::Auto}, {"always", Colour::Always}},
                                  SetForm(&nxLogFormSettings::colour))},
+        {"console", Device(nxConsoleLogDevice::GetInstance())},
         {"console-form",
          OneOf<Form>({{"text", Form::Text}, {"json", Form::Json}}, SetForm(&nxLogFormSettings::console))},
         {"flush", SetFlushTime},
@@ -109,13 +109,13 @@ const std::map<std::string, Setting>& GetSettings()
         {"index", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadIndex(isOn); })},
         {"journal", Device(nxJournalLogDevice::GetInstance())},
         {"level", SetLevel},
-        {"line-end", OneOf<bool>({{"crlf", true}, {"lf", false}}, SetForm(&nxLogFormSettings::carriageReturn))},
         {"levels", [](const std::string& value) { return nxLogLevels::Set(value); }},
+        {"line-end", OneOf<bool>({{"crlf", true}, {"lf", false}}, SetForm(&nxLogFormSettings::carriageReturn))},
         {"processor", Switch([](bool isOn) { nxLogManager::GetInstance().SetLogThreadCPU(isOn); })},
+        {"retention", SetRetention},
         {"time",
          OneOf<Time>({{"local", Time::Local}, {"utc", Time::UTC}, {"iso", Time::ISO}, {"iso-utc", Time::ISOInUTC}},
                      SetForm(&nxLogFormSettings::time))},
-        {"retention", SetRetention},
         {"syslog", Device(nxSyslogLogDevice::GetInstance())},
     };
     return settings;

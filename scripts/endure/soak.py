@@ -225,6 +225,9 @@ def form(soak):
 @changer
 def form_of_console(soak):
     soak.set(f"console-form {soak.random.choice(('text', 'json'))}", f"colour {soak.random.choice(('never', 'always'))}")
+
+
+@changer
 def retention(soak):
     """More files than there are, so that none is removed, and each compressor in turn."""
     soak.set_one_of("retention", "0,none", "1000000,gzip", "1000000,xz", "0,zstd")
