@@ -331,11 +331,11 @@ def run(arguments, folder):
     result = subprocess.run([sys.executable, RECORDS, folder], capture_output=True, text=True)
     print("   found:", "; ".join(result.stdout.splitlines()))
     with open(os.path.join(folder, "output"), encoding="utf-8", errors="replace") as file:
+        lost = [line for line in file if re.search("lost|not written", line)]
     double = sum(service.double for service in soak.services.values())
     print("   services:", ", ".join(f"{len(service.seen)} orders by {key}" for key, service in soak.services.items()))
     if double:
         raise Fault(f"a service got {double} orders twice")
-        lost = [line for line in file if re.search("lost|not written", line)]
     if result.returncode != 0 or lost:
         raise Fault("; ".join(["orders are missing or double"] * (result.returncode != 0) + lost))
 
