@@ -89,7 +89,7 @@ class Soak:
         self.log = os.path.join(folder, "log")
         self.kept = os.path.join(folder, "kept")  # files that were taken from the log's folder
         self.control = os.path.join(folder, "control")
-        os.mkdir(self.kept)
+        os.makedirs(self.kept)
         self.output = open(os.path.join(folder, "output"), "wb")
         environment = {name: value for name, value in os.environ.items() if not name.startswith(("QRX_", "NX_"))}
         environment["QRX_LOG_DIRECTORY"] = self.log

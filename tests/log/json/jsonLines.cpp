@@ -72,7 +72,7 @@ template <class Value>
 std::string Add(nxLog& record, nxFieldName name, const Value& value, const std::string& expected)
 {
     record << nxField(name, value);
-    return " " + std::string(name.Get()) + "=" + expected;
+    return std::string(" ").append(name.Get()).append("=").append(expected);
 }
 
 std::string AddField(nxLog& record)
@@ -86,12 +86,12 @@ std::string AddField(nxLog& record)
         case 2:
         {
             const auto number = static_cast<std::int64_t>(randomBits());
-            return Add(record, "signed", number, "n:" + std::to_string(number));
+            return Add(record, "signed", number, std::string("n:").append(std::to_string(number)));
         }
         case 3:
         {
             const std::uint64_t number = randomBits();
-            return Add(record, "unsigned-64", number, "n:" + std::to_string(number));
+            return Add(record, "unsigned-64", number, std::string("n:").append(std::to_string(number)));
         }
         case 4:
             return Add(record, "level", short{-7}, "n:-7");
@@ -106,7 +106,7 @@ std::string AddField(nxLog& record)
         {
             const nxDecimal decimal(static_cast<long long>(Below(2'000'000)) - 1'000'000,
                                     static_cast<unsigned char>(Below(8)));
-            return Add(record, "price", decimal, "n:" + decimal.GetAsString('.'));
+            return Add(record, "price", decimal, std::string("n:").append(decimal.GetAsString('.')));
         }
         case 7:
             return Add(record, "price", nxDecimal::GetNullDecimal(), "=:null");
@@ -117,7 +117,8 @@ std::string AddField(nxLog& record)
         case 10:
         {
             const Order order{Below(100)};
-            return Add(record, "own", order, Hexadecimal("#" + std::to_string(order.id) + " side=buy"));
+            return Add(record, "own", order,
+                       Hexadecimal(std::string("#").append(std::to_string(order.id)).append(" side=buy")));
         }
         case 11:
             return Add(record, "day", nxDate(2024, 3, 5), Hexadecimal("20240305"));
@@ -139,7 +140,9 @@ int main(int count, char** arguments)
     {
         const std::string file = Below(3) == 0 ? "x.cpp" : AnyText();
         nxLog record(NX_LOG_LEVEL_WARNING, file.c_str(), Below(1000), nxTimeStamp(1'709'629'623, 123'456'789));
-        std::string expected = "source=" + Hexadecimal(file.c_str() + (":" + std::to_string(record.GetLineNumber())));
+        std::string expected =
+            "source=" +
+            Hexadecimal(std::string(file.c_str()).append(":").append(std::to_string(record.GetLineNumber())));
         std::string message, fields;
         for (unsigned parts = Below(6); parts > 0; --parts)
         {
@@ -153,7 +156,7 @@ int main(int count, char** arguments)
             fields += AddField(record);
         std::string line;
         nxLogLine::Append(line, record, {nxLogLineStyle::Json, Below(2) == 0});
-        expected += " message=" + Hexadecimal(message) + fields + "\n";
+        expected += std::string(" message=").append(Hexadecimal(message)).append(fields).append("\n");
         std::fwrite(expected.data(), 1, expected.size(), stdout);
         std::fwrite(line.data(), 1, line.size(), stdout);
     }
