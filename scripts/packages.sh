@@ -48,6 +48,8 @@ want_test_programs()
     need logrotate logrotate \
         zstd zstd \
         xz xz-utils \
+        lnav lnav \
+        jq jq \
         zsh zsh \
         spin spin \
         $modules/z3/z3.py python3-z3 \
