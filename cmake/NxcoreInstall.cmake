@@ -45,6 +45,17 @@ install(CODE "
         RENAME \"libnxcore.so.${PROJECT_VERSION}-gdb.py\")
 " COMPONENT development)
 
+# lnav's formats for the log's lines. Debian's lnav finds them by a link in /etc.
+set(format "${CMAKE_INSTALL_DATADIR}/nxcore/lnav/nxcore_log.json")
+install(FILES "${PROJECT_SOURCE_DIR}/tools/lnav/nxcore_log.json"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/nxcore/lnav" COMPONENT tools)
+install(CODE "
+    if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\" AND EXISTS /etc/debian_version)
+        file(MAKE_DIRECTORY \"\$ENV{DESTDIR}/etc/lnav/formats/nxcore\")
+        file(CREATE_LINK \"/usr/${format}\" \"\$ENV{DESTDIR}/etc/lnav/formats/nxcore/nxcore_log.json\" SYMBOLIC)
+    endif()
+" COMPONENT tools)
+
 # Laid out as in the source, so that the documents' links lead somewhere.
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
     "${PROJECT_SOURCE_DIR}/LICENSE"

@@ -13,7 +13,7 @@ libdir=$(cd "$root/usr" && dirname "$(find lib -name libnxcore.so)")
 for way in find_package pkg-config; do
     bash "$(dirname "$0")/consume.sh" "$way" "$root/usr" "$source" "$root/$way" "$libdir" g++
 done
-for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/man/man7/nxcore.7 usr/share/bash-completion/completions/nxtick usr/share/zsh/vendor-completions/_nxtick usr/share/nxcore/tick-tables-today-sources.csv usr/share/doc/nxcore/docs/guide usr/share/doc/nxcore/reference/error_codes.html usr/share/doc/nxcore/examples usr/src/nxcore-; do
+for wanted in usr/bin/nxtick usr/share/man/man1/nxtick.1 usr/share/man/man7/nxcore.7 usr/share/bash-completion/completions/nxtick usr/share/zsh/vendor-completions/_nxtick usr/share/nxcore/tick-tables-today-sources.csv usr/share/nxcore/lnav/nxcore_log.json etc/lnav/formats/nxcore/nxcore_log.json usr/share/doc/nxcore/docs/guide usr/share/doc/nxcore/reference/error_codes.html usr/share/doc/nxcore/examples usr/src/nxcore-; do
     ls -d "$root/$wanted"* >/dev/null
 done
 grep -qx prefix=/usr "$root/usr/$libdir/pkgconfig/nxcore.pc"
