@@ -28,5 +28,7 @@ faults += [f"{name}: in nxcore.7, never read" for name in sorted(shown.keys() - 
 faults += [f"{name}: the default is '{shown.get(name)}' in nxcore.7, '{default}' in the guide"
            for name, default in sorted(explained.items()) if shown.get(name) != default]
 faults += [f"{name}: neither in logging.md nor in operating.md" for name in sorted(read - explained.keys()) if "_LOG_" in name]
+glance = guide[guide.index("## Settings at a glance"):guide.index("## What settings cost")]
+faults += [f"{name}: not in the table of operating.md" for name in sorted(read) if "_LOG_" in name and f"`{name}" not in glance]
 print("\n".join(faults))
 sys.exit(1 if faults or not read else 0)
