@@ -29,7 +29,8 @@ private:
     {
         return lowest <= value && value <= highest;
     }
-    static void _HasOtherCharactersOrTooMany();  // declared only: the name of a field has other characters than names have, or too many
+    static void
+    _HasOtherCharactersOrTooMany();  // declared only: the name of a field has other characters than names have, or too many
 
     constexpr bool _IsName() const
     {

@@ -33,12 +33,13 @@ nxLogFormSettings nxLogFormSettings::Read(const nxLogFormSettings& otherwise)
     using Time = nxLogLineStyle::Time;
     nxLogFormSettings settings = otherwise;
     Choose(nxLogEnvironment::GetCapitals("NX_LOG_FORM"), {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.file);
-    Choose(nxLogEnvironment::GetCapitals("NX_LOG_CONSOLE_FORM"), {{"TEXT", Form::Text}, {"JSON", Form::Json}}, settings.console);
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_CONSOLE_FORM"), {{"TEXT", Form::Text}, {"JSON", Form::Json}},
+           settings.console);
     Choose(nxLogEnvironment::GetCapitals("NX_LOG_TIME"),
-              {{"LOCAL", Time::Local}, {"UTC", Time::UTC}, {"ISO", Time::ISO}, {"ISO_UTC", Time::ISOInUTC}},
-              settings.time);
+           {{"LOCAL", Time::Local}, {"UTC", Time::UTC}, {"ISO", Time::ISO}, {"ISO_UTC", Time::ISOInUTC}},
+           settings.time);
     Choose(nxLogEnvironment::GetCapitals("NX_LOG_LINE_END"), {{"CRLF", true}, {"LF", false}}, settings.carriageReturn);
-    Choose(nxLogEnvironment::GetCapitals("NX_LOG_COLOUR"), {{"NEVER", Colour::Never}, {"AUTO", Colour::Auto}, {"ALWAYS", Colour::Always}},
-              settings.colour);
+    Choose(nxLogEnvironment::GetCapitals("NX_LOG_COLOUR"),
+           {{"NEVER", Colour::Never}, {"AUTO", Colour::Auto}, {"ALWAYS", Colour::Always}}, settings.colour);
     return settings;
 }
