@@ -2,12 +2,12 @@
 #include "core/log/nxSeparateLogDevice.h"
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogConversion.h"
 #include "core/log/internal/nxLogDeviceQueue.h"
+#include "core/log/internal/nxLogKeptStyle.h"
 #include "core/log/nxLogManager.h"
 #include "core/platform/nxNanoseconds.h"
 
@@ -44,7 +44,7 @@ public:
     {
         _Call([&] { _device->Destroy(); });
     }
-    nxLogLineStyle GetLineStyle() const noexcept override { return _style.load(std::memory_order_relaxed); }
+    nxLogLineStyle GetLineStyle() const noexcept override { return _style.Get(); }
 
     void BeforeFork() noexcept override
     {
@@ -86,12 +86,12 @@ private:
     void _LookAtStyle() noexcept
     {
         if (_sink != nullptr)
-            _style.store(_sink->GetLineStyle(), std::memory_order_relaxed);
+            _style.Set(_sink->GetLineStyle());
     }
 
     const std::shared_ptr<nxLogDevice> _device;
     nxLogLineSink* const _sink;
-    std::atomic<nxLogLineStyle> _style{nxLogLineStyle{}};
+    nxLogKeptStyle _style{nxLogLineStyle{}};
 };
 }  // namespace
 

@@ -31,8 +31,8 @@ bool IsColourRefused() noexcept
 }
 }  // namespace
 
-constinit nxLogForms::Kept nxLogForms::_file({nxLogLineStyle::Full, true});
-constinit nxLogForms::Kept nxLogForms::_console({nxLogLineStyle::Full, false});
+constinit nxLogKeptStyle nxLogForms::_file({nxLogLineStyle::Full, true});
+constinit nxLogKeptStyle nxLogForms::_console({nxLogLineStyle::Full, false});
 constinit std::atomic<nxLogFormSettings::Colour> nxLogForms::_colour{nxLogFormSettings::Colour::Never};
 
 void nxLogForms::Set(const nxLogFormSettings& settings) noexcept

@@ -4,6 +4,7 @@
 
 #include <atomic>
 
+#include "core/log/internal/nxLogKeptStyle.h"
 #include "core/log/nxLogFormSettings.h"
 
 /// The forms of lines that the process has set, for the library's own devices.
@@ -24,28 +25,8 @@ public:
     static nxLogLineStyle GetConsoleStyle(nxLogLineStyle::Form form) noexcept;
 
 private:
-    // A style in one word, because not every compiler reads a style as one.
-    class Kept
-    {
-    public:
-        constexpr explicit Kept(const nxLogLineStyle& style) : _word(_Pack(style)) {}
-        void Set(const nxLogLineStyle& style) { _word.store(_Pack(style), std::memory_order_relaxed); }
-        nxLogLineStyle Get() const
-        {
-            const unsigned word = _word.load(std::memory_order_relaxed);
-            return {static_cast<nxLogLineStyle::Form>(word >> 1), (word & 1) != 0};
-        }
-
-    private:
-        static constexpr unsigned _Pack(const nxLogLineStyle& style)
-        {
-            return static_cast<unsigned>(style.form) << 1 | (style.carriageReturn ? 1 : 0);
-        }
-        std::atomic<unsigned> _word;
-    };
-
-    static Kept _file;
-    static Kept _console;  // Full for all forms of text
+    static nxLogKeptStyle _file;
+    static nxLogKeptStyle _console;  // Full for all forms of text
     static std::atomic<nxLogFormSettings::Colour> _colour;
 };
 
