@@ -122,15 +122,14 @@ BENCHMARK(ReadLibcsv)->Name("csv_read/peer_libcsv")->Unit(benchmark::kMillisecon
 
 void SnapOurs(benchmark::State& state)
 {
-    std::string out;
-    out.reserve(2 * File().size());
+    nxtick::TextBlock out;
     nxtick::Request request;
     request.increment = nxDecimal("0.05", '.');
     request.csv.columns = {"Price"};
     const nxtick::GridSource source(request);
     for (auto _ : state)
     {
-        out.clear();
+        out.Clear();
         nxtick::RowGrids grids(source);
         nxtick::CsvReader reader(Blocks());
         nxtick::CsvRow row;
@@ -139,7 +138,7 @@ void SnapOurs(benchmark::State& state)
         nxtick::PriceSnapper snapper(plan, grids, [](std::uint64_t, const std::string&) {});
         while (reader.Next(row))
             snapper.Row(row, out);
-        benchmark::DoNotOptimize(out.data());
+        benchmark::DoNotOptimize(out.GetText().data());
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
 }

@@ -37,7 +37,7 @@ constexpr std::size_t maximumRowSize = 1024;
 
 struct Outcome
 {
-    std::string text;      // the rows with what was added
+    TextBlock text;        // the rows with what was added
     std::string messages;  // and the failure that ended the run
     bool isWhole = true;
 };
@@ -84,20 +84,22 @@ Outcome Run(std::string_view file, const CsvRequest& request, SharedGrid& grid, 
         CsvRow row;
         while (reader.Next(row))
         {
-            const std::size_t start = outcome.text.size();
+            const std::size_t start = outcome.text.GetSize();
             if (snapper)
                 snapper->Row(row, outcome.text);
             else if (row.content.empty())
-                outcome.text += row.terminator;
+                outcome.text.Append(row.terminator);
             else
             {
                 plan.emplace(request, CsvHeader(row, true), grid.source->HasBands());
                 snapper.emplace(*plan, *grid.grids,
                                 [&](std::uint64_t line, const std::string& reason)
                                 { outcome.messages += std::to_string(line) + ": " + reason + "\n"; });
-                ((outcome.text += row.content) += plan->GetHeaderAddition()) += row.terminator;
+                for (const std::string_view part :
+                     {row.content, std::string_view(plan->GetHeaderAddition()), row.terminator})
+                    outcome.text.Append(part);
             }
-            const std::string_view written = std::string_view(outcome.text).substr(start);
+            const std::string_view written = outcome.text.GetText().substr(start);
             Require(written.substr(0, row.content.size()) == row.content && written.ends_with(row.terminator));
         }
     }
@@ -128,6 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const Outcome atOnce = Run(file, request, grid, file.size() + 1);
     const Outcome inPieces = Run(file, request, grid, 1U + data[1] / 4U);
-    Require(atOnce.text == inPieces.text && atOnce.messages == inPieces.messages && atOnce.isWhole == inPieces.isWhole);
+    Require(atOnce.text.GetText() == inPieces.text.GetText() && atOnce.messages == inPieces.messages &&
+            atOnce.isWhole == inPieces.isWhole);
     return 0;
 }

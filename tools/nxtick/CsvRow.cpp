@@ -1,90 +1,41 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CsvRow.h"
 
+#include <algorithm>
 #include <bit>
-#include <cstring>
+
+#include "ByteMarks.h"
 
 namespace nxtick
 {
-namespace
-{
-constexpr std::uint64_t everyByte = 0x0101010101010101;
-
-// Bit 7 of each of eight bytes that is the same as in the pattern.
-std::uint64_t MarkEqual(const char* bytes, std::uint64_t pattern)
-{
-    static_assert(std::endian::native == std::endian::little, "the first byte has the lowest bits");
-    constexpr std::uint64_t low7 = 0x7F * everyByte;
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    word ^= pattern;
-    return ~(((word & low7) + low7) | word | low7);
-}
-
-std::size_t CountBytes(std::uint64_t marks) { return ((marks >> 7) * everyByte) >> 56; }
-
-// Counts the separators of a row without quotes, eight bytes at a time, and finds some fields.
-struct SeparatorSearch
-{
-    std::string_view row;
-    const std::size_t* wanted;  // ascending
-    const std::size_t* lastWanted;
-    std::string_view* found;
-    std::size_t count = 0;  // of separators
-    std::size_t begin = 0;  // of the field after the last one
-
-    void EndField(std::size_t at)
-    {
-        if (count == *wanted)
-        {
-            *found++ = row.substr(begin, at - begin);
-            ++wanted;
-        }
-    }
-
-    void Add(std::size_t at)
-    {
-        if (wanted != lastWanted)
-            EndField(at);
-        ++count;
-        begin = at + 1;
-    }
-
-    void AddAll(std::size_t at, std::uint64_t marks)
-    {
-        if (wanted == lastWanted)
-            count += CountBytes(marks);
-        else
-            for (; marks != 0; marks &= marks - 1)
-                Add(at + static_cast<std::size_t>(std::countr_zero(marks)) / 8);
-    }
-
-    void Search(char separator)
-    {
-        const std::uint64_t pattern = everyByte * static_cast<unsigned char>(separator);
-        std::size_t at = 0;
-        for (; at + 8 <= row.size(); at += 8)
-            AddAll(at, MarkEqual(row.data() + at, pattern));
-        if (const std::size_t seen = at + 8 - row.size(); at != 0 && seen < 8)  // of the last eight bytes
-            AddAll(row.size() - 8, MarkEqual(row.data() + row.size() - 8, pattern) & (~std::uint64_t{0} << (8 * seen)));
-        else
-            for (; at < row.size(); ++at)
-                if (row[at] == separator)
-                    Add(at);
-        if (wanted != lastWanted)
-            EndField(row.size());
-    }
-};
-}  // namespace
-
 std::size_t CsvRow::Find(WantedFields& wanted) const
 {
     if (hasQuotes)
         return _FindQuoted(wanted);
-    const std::vector<std::size_t>& indices = wanted._indices;
-    SeparatorSearch search{content, indices.data(), indices.data() + indices.size(), wanted._texts.data()};
-    search.Search(dialect.separator);
-    return search.count + 1;
+    const ByteMarks separators(dialect.separator);
+    const std::size_t* next = wanted._indices.data();
+    const std::size_t* const last = next + wanted._indices.size();
+    std::string_view* found = wanted._texts.data();
+    std::size_t count = 0;  // of separators
+    std::size_t begin = 0;  // of the field after the last one
+    for (std::size_t at = 0; at < content.size(); at += 64)
+    {
+        std::uint64_t marks = separators.Find(content.data() + at, std::min<std::size_t>(64, content.size() - at));
+        for (; marks != 0 && next != last; marks &= marks - 1, ++count)
+        {
+            const std::size_t end = at + static_cast<std::size_t>(std::countr_zero(marks));
+            if (count == *next)
+            {
+                *found++ = content.substr(begin, end - begin);
+                ++next;
+            }
+            begin = end + 1;
+        }
+        count += ByteMarks::CountBits(marks);
+    }
+    if (next != last && count == *next)
+        *found = content.substr(begin);
+    return count + 1;
 }
 
 std::size_t CsvRow::_FindQuoted(WantedFields& wanted) const

@@ -35,7 +35,8 @@ private:
     std::vector<std::string> _unquoted;  // texts from which quotes had to be removed
 };
 
-/// One row of a CSV file, byte for byte. Valid until the reader is asked for the next row.
+/// One row of a CSV file, byte for byte. Valid until the reader is asked for the next row. ByteMarks::readableAfter bytes
+/// can be read behind it.
 struct CsvRow
 {
     std::string_view content;     ///< Everything but the line end; may hold line ends inside quotes.

@@ -70,16 +70,18 @@ std::string OffGridListing::GetCounts(Request::Format format, const SnapCounts& 
                                             : "[\n{" + members + "}\n]\n";
 }
 
-void PriceChecker::Row(const CsvRow& row, std::string& out)
+void PriceChecker::Row(const CsvRow& row, TextBlock& out)
 {
     if (row.content.empty())
         return;
+    _text.clear();
     if (PriceGrid* const grid = _prices.Begin(row); grid != nullptr)
         for (std::size_t column = 0; column < _plan.GetPrices().size(); ++column)
-            _Check(row, column, *grid, out);
+            _Check(row, column, *grid);
+    out.Append(_text);
 }
 
-void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid, std::string& out)
+void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid)
 {
     nxDecimal price;
     if (!_prices.Read(row, column, grid, price))
@@ -88,6 +90,7 @@ void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid
     ++(isOnGrid ? _prices.GetCounts().onGrid : _prices.GetCounts().moved);
     if (!isOnGrid && _listing != nullptr)
         _listing->Add(
-            {_file, row.line, _plan.GetPrices()[column].name, price, grid.GetBelow(price), grid.GetAbove(price)}, out);
+            {_file, row.line, _plan.GetPrices()[column].name, price, grid.GetBelow(price), grid.GetAbove(price)},
+            _text);
 }
 }  // namespace nxtick

@@ -8,6 +8,7 @@
 
 #include "Request.h"
 #include "RowPrices.h"
+#include "TextBlock.h"
 #include "core/numeric/nxDecimal.h"
 
 namespace nxtick
@@ -56,17 +57,18 @@ public:
     }
 
     /// Appends what the listing says of the row.
-    void Row(const CsvRow& row, std::string& out);
+    void Row(const CsvRow& row, TextBlock& out);
 
     const SnapCounts& GetCounts() const { return _prices.GetCounts(); }
 
 private:
-    void _Check(const CsvRow& row, std::size_t column, PriceGrid& grid, std::string& out);
+    void _Check(const CsvRow& row, std::size_t column, PriceGrid& grid);
 
     const SnapPlan& _plan;
     RowPrices _prices;
     const std::string& _file;
     OffGridListing* _listing;
+    std::string _text;  // of the row
 };
 }  // namespace nxtick
 

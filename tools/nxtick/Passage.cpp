@@ -8,8 +8,8 @@ namespace nxtick
 {
 void Passage::HandOver()
 {
-    _output.Append(_text);
-    _text.clear();
+    _output.Append(_text.GetText());
+    _text.Clear();
 }
 
 std::size_t Passage::_Read(char* buffer, std::size_t size)

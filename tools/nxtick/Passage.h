@@ -3,12 +3,12 @@
 #define NXTICK_PASSAGE_H
 
 #include <cstddef>
-#include <string>
 
 #include "CsvReader.h"
 #include "InputFile.h"
 #include "OutputFile.h"
 #include "SnapReport.h"
+#include "TextBlock.h"
 
 namespace nxtick
 {
@@ -31,13 +31,13 @@ public:
     /// Reads the next row. @throws FileFailure "LINE: reason", Failure.
     bool Next(CsvRow& row)
     {
-        if (_text.size() >= _blockSize)
+        if (_text.GetSize() >= _blockSize)
             HandOver();
         return _reader.Next(row);
     }
 
     /// Where the work appends its result.
-    std::string& GetText() { return _text; }
+    TextBlock& GetText() { return _text; }
     /// Hands the text to the output.
     void HandOver();
 
@@ -62,7 +62,7 @@ private:
     OutputFile& _output;
     SnapReport& _report;
     CsvReader _reader;
-    std::string _text;
+    TextBlock _text;
     const SnapCounts* _counts = nullptr;
     bool _isAtStart = true;
 };

@@ -16,12 +16,12 @@ namespace
 {
 // Numbers stay below this many units, so that a tick can be added to any of them and still fits 64 bits.
 constexpr std::int64_t maximumUnits = 1'000'000'000'000'000'000;
-constexpr int maximumDigits = 18;
+constexpr std::size_t maximumDigits = 18;
 
 // Counts digits after leading zeros, because the decimal reads any number of them and would wrap silently.
-int SignificantDigits(std::string_view number)
+std::size_t SignificantDigits(std::string_view number)
 {
-    int count = 0;
+    std::size_t count = 0;
     for (const char c : number)
         if (count > 0 ? '0' <= c && c <= '9' : '1' <= c && c <= '9')
             ++count;
@@ -35,6 +35,16 @@ bool Fits(const nxDecimal& number, unsigned char places)
     for (unsigned char p = number.GetDecimalPlaces(); p < places; ++p)
         limit /= 10;
     return std::abs(number.GetValue()) <= limit;
+}
+
+// What is wrong with the length of a number; null for nothing.
+const char* FindTooMany(std::string_view number, char separator)
+{
+    const std::size_t point = number.find(separator);
+    const std::size_t places = point == std::string_view::npos ? 0 : number.size() - point - 1;
+    if (SignificantDigits(number) > maximumDigits)
+        return "has more than 18 digits";
+    return places > maximumDigits ? "has more than 18 decimals" : nullptr;
 }
 
 constexpr char notANumber[] = "is not a number";
@@ -87,12 +97,9 @@ const char* ReadNumber(std::string_view text, nxDecimal& number, const NumberFor
         const std::string plain = form.hasExponents ? WithoutExponent(text, form.point) : std::string();
         return plain.empty() ? notANumber : ReadNumber(plain, number, {form.point});
     }
-    const std::size_t point = text.find(form.point);
-    const std::size_t places = point == std::string_view::npos ? 0 : text.size() - point - 1;
-    if (SignificantDigits(text) > maximumDigits)
-        return "has more than 18 digits";
-    if (places > maximumDigits)
-        return "has more than 18 decimals";
+    if (text.size() > maximumDigits)
+        if (const char* const reason = FindTooMany(text, form.point); reason != nullptr)
+            return reason;
     number = value;
     return nullptr;
 }

@@ -2,10 +2,12 @@
 #ifndef NXTICK_PRICESNAPPER_H
 #define NXTICK_PRICESNAPPER_H
 
-#include <string>
+#include <cstddef>
 #include <utility>
 
+#include "PriceMemory.h"
 #include "RowPrices.h"
+#include "TextBlock.h"
 
 namespace nxtick
 {
@@ -28,20 +30,24 @@ public:
     }
 
     /// Appends the row with its new columns, and its line end.
-    void Row(const CsvRow& row, std::string& out);
+    void Row(const CsvRow& row, TextBlock& out);
 
     const SnapCounts& GetCounts() const { return _prices.GetCounts(); }
 
 private:
-    void _AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, std::string& out);
-    void _AddEmpty(std::size_t count, std::string& out) const { out.append(count, _plan.GetDialect().separator); }
-    void _AddTick(const nxDecimal& tick, std::string& out);
-    void _Add(const nxDecimal& value, std::string& out) const;
+    char* _AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, char* out);
+    bool _Compute(const CsvRow& row, std::size_t column, PriceGrid& grid, char*& out);
+    char* _AddEmpty(std::size_t count, char* out) const;
+    char* _AddTick(const nxDecimal& tick, char* out);
+    char* _Add(const nxDecimal& number, char* out) const;
 
     const SnapPlan& _plan;
     RowPrices _prices;
+    PriceMemory _memory;
+    // The last tick and its text with the separator before it.
     nxDecimal _tick;
-    std::string _tickText;  // with the separator before it
+    std::size_t _tickSize = 0;  // 0: there is none
+    char _tickText[64] = {};
 };
 }  // namespace nxtick
 

@@ -50,6 +50,7 @@ RowPrices::RowPrices(const SnapPlan& plan, RowGrids& grids, Complaint complaint)
 PriceGrid* RowPrices::Begin(const CsvRow& row)
 {
     ++_counts.rows;
+    _isRejected = false;
     _count = row.Find(_fields);
     if (_count != _plan.GetFieldCount())
     {
@@ -67,7 +68,7 @@ PriceGrid* RowPrices::Begin(const CsvRow& row)
 
 bool RowPrices::Read(const CsvRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price)
 {
-    const std::string_view field = WithoutBlanks(_fields[_plan.GetPrices()[column].position]);
+    const std::string_view field = GetText(column);
     if (field.empty())
     {
         ++_counts.empty;
@@ -88,8 +89,8 @@ void RowPrices::Reject(const CsvRow& row, std::size_t column, const char* reason
 
 void RowPrices::_Reject(const CsvRow& row, const std::string& reason)
 {
-    _counts.rejected += row.line == _lastRejected ? 0 : 1;  // once, however many of its prices are wrong
-    _lastRejected = row.line;
+    _counts.rejected += _isRejected ? 0 : 1;  // once, however many of its prices are wrong
+    _isRejected = true;
     _complaint(row.line, reason);
 }
 }  // namespace nxtick

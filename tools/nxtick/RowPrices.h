@@ -11,6 +11,7 @@
 #include "PriceGrid.h"
 #include "RowGrids.h"
 #include "SnapPlan.h"
+#include "Text.h"
 
 namespace nxtick
 {
@@ -45,6 +46,11 @@ public:
     /// How many fields the row at hand has less than the header.
     std::size_t GetMissing() const { return _count < _plan.GetFieldCount() ? _plan.GetFieldCount() - _count : 0; }
 
+    /// The row's text in a column of the plan, without blanks around it.
+    std::string_view GetText(std::size_t column) const
+    {
+        return WithoutBlanks(_fields[_plan.GetPrices()[column].position]);
+    }
     /// Reads the row's price in a column of the plan. @return false if it is empty or cannot be read.
     bool Read(const CsvRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price);
     /// Rejects the price.
@@ -61,8 +67,8 @@ private:
     PriceGrid* _only;
     Complaint _complaint;
     WantedFields _fields;
-    std::size_t _count = 0;  // of the fields of the row at hand
-    std::uint64_t _lastRejected = 0;
+    std::size_t _count = 0;    // of the fields of the row at hand
+    bool _isRejected = false;  // the row at hand
     SnapCounts _counts;
 };
 }  // namespace nxtick

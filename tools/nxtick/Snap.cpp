@@ -142,13 +142,15 @@ private:
             _firstNames = header.GetNames();
         PriceSnapper snapper(plan, _grids, _Complaint());
         if (_csv.hasHeader && !isContinued)
-            ((passage.GetText() += row.content) += plan.GetHeaderAddition()) += row.terminator;
+            for (const std::string_view part :
+                 {row.content, std::string_view(plan.GetHeaderAddition()), row.terminator})
+                passage.GetText().Append(part);
         else if (!_csv.hasHeader)
         {
             if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
             {
                 row.content.remove_prefix(byteOrderMark.size());
-                passage.GetText() += isContinued ? "" : byteOrderMark;
+                passage.GetText().Append(isContinued ? "" : byteOrderMark);
             }
             snapper.Row(row, passage.GetText());
         }
@@ -187,7 +189,7 @@ private:
             if (!row.content.empty())
                 return true;
             if (copiesEmptyLines)
-                passage.GetText() += row.terminator;
+                passage.GetText().Append(row.terminator);
         }
         if (_csv.hasHeader)
             throw FileFailure("1: there is no header line");
@@ -195,13 +197,13 @@ private:
     }
 
     // Rows after those of another file need the same columns, and a line of their own.
-    void _Continue(const CsvHeader& header, const CsvRow& row, std::string& text)
+    void _Continue(const CsvHeader& header, const CsvRow& row, TextBlock& text)
     {
         if (!_firstNames.empty() && header.GetNames() != _firstNames)
             throw FileFailure(std::to_string(row.line) +
                               ": the columns are not those of the first file; -in-place takes each file by itself");
         if (_endsInLine)
-            text += _lineEnd;
+            text.Append(_lineEnd);
     }
 
     RowPrices::Complaint _Complaint()

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef NXTICK_BYTEMARKS_H
+#define NXTICK_BYTEMARKS_H
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#if defined(__SSE2__)
+    #include <emmintrin.h>
+#endif
+
+namespace nxtick
+{
+/// Compares one byte with many at once: bit n of the result is set where byte n is the same.
+class ByteMarks
+{
+public:
+    /// How many bytes behind a text must be readable, so that its last bytes need no way of their own.
+    static constexpr std::size_t readableAfter = 64;
+
+    explicit ByteMarks(char byte)
+#if defined(__SSE2__)
+        : _pattern(_mm_set1_epi8(byte))
+#else
+        : _pattern(everyByte * static_cast<unsigned char>(byte))
+#endif
+    {
+    }
+
+    /// The marks of 16 bytes, in the low half of the word.
+    std::uint64_t Find16(const char* bytes) const
+    {
+#if defined(__SSE2__)
+        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(lanes, _pattern)));
+#else
+        return _Find8(bytes) | _Find8(bytes + 8) << 8;
+#endif
+    }
+
+    /// The marks of 64 bytes.
+    std::uint64_t Find64(const char* bytes) const
+    {
+        return Find16(bytes) | Find16(bytes + 16) << 16 | Find16(bytes + 32) << 32 | Find16(bytes + 48) << 48;
+    }
+
+    /// The marks of the first @p size bytes, at most 64; more may be read, see readableAfter.
+    std::uint64_t Find(const char* bytes, std::size_t size) const
+    {
+        std::uint64_t marks = Find16(bytes);
+        for (std::size_t at = 16; at < size; at += 16)
+            marks |= Find16(bytes + at) << at;
+        return size < 64 ? marks & ((std::uint64_t{1} << size) - 1) : marks;
+    }
+
+    /// How often the byte is in a text. Nothing is read behind the text.
+    std::size_t Count(std::string_view text) const
+    {
+        std::size_t count = 0;
+        std::size_t at = 0;
+        for (; at + 64 <= text.size(); at += 64)
+            count += CountBits(Find64(text.data() + at));
+        char rest[64] = {};
+        std::memcpy(rest, text.data() + at, text.size() - at);
+        return count + CountBits(Find(rest, text.size() - at));
+    }
+
+    /// How many marks are set. Without a processor's own instruction, this is quicker than the compiler's call.
+    static std::size_t CountBits(std::uint64_t marks)
+    {
+#if defined(__POPCNT__)
+        return static_cast<std::size_t>(std::popcount(marks));
+#else
+        marks -= (marks >> 1) & 0x5555555555555555;
+        marks = (marks & 0x3333333333333333) + ((marks >> 2) & 0x3333333333333333);
+        return (((marks + (marks >> 4)) & 0x0F0F0F0F0F0F0F0F) * everyByte) >> 56;
+#endif
+    }
+
+private:
+    static constexpr std::uint64_t everyByte = 0x0101010101010101;
+
+#if defined(__SSE2__)
+    __m128i _pattern;
+#else
+    std::uint64_t _Find8(const char* bytes) const
+    {
+        static_assert(std::endian::native == std::endian::little, "the first byte has the lowest bits");
+        constexpr std::uint64_t low7 = 0x7F * everyByte;
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes, sizeof word);
+        word ^= _pattern;
+        const std::uint64_t marks = ~(((word & low7) + low7) | word | low7);  // bit 7 of each equal byte
+        return ((marks >> 7) * 0x0102040810204080) >> 56;
+    }
+
+    std::uint64_t _pattern;
+#endif
+};
+}  // namespace nxtick
+
+#endif
