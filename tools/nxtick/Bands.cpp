@@ -69,6 +69,7 @@ int Bands(const Request& request)
 {
     const TickTables tables(request);
     const TableEntry& entry = tables.Find(request.table);
+    tables.Warn(entry);
     OutputFile::Print(request.format == Request::Format::Text ? TextOf(entry) : RecordsOf(entry, request.format));
     return 0;
 }

@@ -277,6 +277,7 @@ int Chart(const Request& request)
 {
     const TickTables tables(request);
     const TableEntry& entry = tables.Find(request.table);
+    tables.Warn(entry);
     OutputFile output(request.chartFile);
     output.Append(Picture(entry));
     output.Complete();

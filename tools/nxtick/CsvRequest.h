@@ -49,6 +49,7 @@ struct CsvRequest
     std::string dateColumn;
     nxRoundingMethodEnum method = nxRoundingMethodEnum(NX_ROUNDING_METHOD_NEAREST);
     Check check = Check::None;
+    unsigned workers = 1;  ///< The most threads that work on one file.
 
     /// Whether the row itself says which table it needs.
     bool HasTableForEachRow() const { return !tableColumn.empty() || !mappingFile.empty(); }

@@ -6,16 +6,23 @@
 namespace nxtick
 {
 GridChoice::GridChoice(const Request& request)
+    : _increment(request.increment), _name("ticks of " + DecimalText(request.increment))
 {
-    if (request.table.empty())
+    if (!request.table.empty())
     {
-        _grid = std::make_unique<FixedGrid>(request.increment);
-        _name = "ticks of " + DecimalText(request.increment);
-        return;
+        _tables.emplace(request);
+        const TableEntry& entry = _tables->Find(request.table);
+        _tables->Warn(entry);
+        _table = entry.table;
+        _name = entry.id;
     }
-    _tables.emplace(request);
-    const TableEntry& entry = _tables->Find(request.table);
-    _grid = std::make_unique<TableGrid>(*entry.table);
-    _name = entry.id;
+    _grid = MakeGrid();
+}
+
+std::unique_ptr<PriceGrid> GridChoice::MakeGrid() const
+{
+    if (_table != nullptr)
+        return std::make_unique<TableGrid>(*_table);
+    return std::make_unique<FixedGrid>(_increment);
 }
 }  // namespace nxtick

@@ -52,6 +52,15 @@ bool InputFile::WouldWait() const
     return !_isRegular && ::poll(&readiness, 1, 0) == 0;
 }
 
+bool InputFile::Await(int other) const
+{
+    pollfd both[] = {{_file, POLLIN, 0}, {other, POLLIN, 0}};
+    while (::poll(both, 2, -1) < 0 && errno == EINTR)
+    {
+    }
+    return both[1].revents == 0;
+}
+
 bool InputFile::IsSameFile(int descriptor) const
 {
     struct stat own = {};

@@ -29,6 +29,9 @@ public:
     /// Whether nothing can be read at present, so that Read() waits. Never true of a regular file.
     bool WouldWait() const;
 
+    /// Waits until something can be read here or from another descriptor. @return whether it is not the other one.
+    bool Await(int other) const;
+
     /// Whether it is a regular file, and the descriptor is open on the same one.
     bool IsSameFile(int descriptor) const;
 

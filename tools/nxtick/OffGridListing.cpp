@@ -16,7 +16,7 @@ void OffGridListing::Begin(std::string& text) const
         text += "[";
 }
 
-void OffGridListing::Add(const OffGridPrice& price, std::string& text)
+void OffGridListing::Add(const OffGridPrice& price, std::string& text) const
 {
     const std::string line = std::to_string(price.line);
     const std::string numbers[] = {DecimalText(price.price), DecimalText(price.below), DecimalText(price.above)};
@@ -32,12 +32,20 @@ void OffGridListing::Add(const OffGridPrice& price, std::string& text)
                     numbers[0] + "," + numbers[1] + "," + numbers[2] + "\n";
             break;
         case Request::Format::Json:
-            AppendJson(price.file, text += _isEmpty ? "\n{\"file\":" : ",\n{\"file\":");
+            AppendJson(price.file, text += ",\n{\"file\":");
             AppendJson(price.column, text += ",\"line\":" + line + ",\"column\":");
             text += ",\"price\":" + numbers[0] + ",\"below\":" + numbers[1] + ",\"above\":" + numbers[2] + "}";
             break;
     }
-    _isEmpty = false;
+}
+
+// No comma comes before the first object of an array.
+std::string_view OffGridListing::Join(std::string_view text)
+{
+    if (_isEmpty && _format == Request::Format::Json && !text.empty())
+        text.remove_prefix(1);
+    _isEmpty = _isEmpty && text.empty();
+    return text;
 }
 
 void OffGridListing::End(std::string& text) const
@@ -79,6 +87,12 @@ void PriceChecker::Row(const CsvRow& row, TextBlock& out)
         for (std::size_t column = 0; column < _plan.GetPrices().size(); ++column)
             _Check(row, column, *grid);
     out.Append(_text);
+}
+
+void PriceChecker::Rows(CsvRows& rows, TextBlock& out)
+{
+    for (CsvRow row; rows.Next(row);)
+        PriceChecker::Row(row, out);
 }
 
 void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid)

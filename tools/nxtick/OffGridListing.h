@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "Request.h"
 #include "RowPrices.h"
+#include "RowWork.h"
 #include "TextBlock.h"
 #include "core/numeric/nxDecimal.h"
 
@@ -33,7 +35,10 @@ public:
     OffGridListing(Request::Format format, bool hasColumns) : _format(format), _hasColumns(hasColumns) {}
 
     void Begin(std::string& text) const;
-    void Add(const OffGridPrice& price, std::string& text);
+    /// Several threads may call it.
+    void Add(const OffGridPrice& price, std::string& text) const;
+    /// What has to be written of a text that Add() made, where texts are written in this order.
+    std::string_view Join(std::string_view text);
     void End(std::string& text) const;
 
     /// The counts instead of the prices, whole.
@@ -46,7 +51,7 @@ private:
 };
 
 /// Finds the prices of rows that are off their grids.
-class PriceChecker
+class PriceChecker : public RowWork
 {
 public:
     /// @param listing null if the prices are only counted. All but @p complaint must outlive the object.
@@ -57,9 +62,10 @@ public:
     }
 
     /// Appends what the listing says of the row.
-    void Row(const CsvRow& row, TextBlock& out);
-
-    const SnapCounts& GetCounts() const { return _prices.GetCounts(); }
+    void Row(const CsvRow& row, TextBlock& out) override;
+    void Rows(CsvRows& rows, TextBlock& out) override;
+    std::string_view Join(std::string_view text) override { return _listing == nullptr ? text : _listing->Join(text); }
+    SnapCounts TakeCounts() override { return _prices.TakeCounts(); }
 
 private:
     void _Check(const CsvRow& row, std::size_t column, PriceGrid& grid);

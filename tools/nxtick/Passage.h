@@ -3,68 +3,98 @@
 #define NXTICK_PASSAGE_H
 
 #include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
-#include "CsvReader.h"
+#include "CsvBlocks.h"
+#include "FileDescriptor.h"
 #include "InputFile.h"
 #include "OutputFile.h"
+#include "RowGrids.h"
+#include "RowWork.h"
 #include "SnapReport.h"
-#include "TextBlock.h"
+#include "core/thread/nxConditionMutex.h"
+#include "core/thread/nxMutex.h"
 
 namespace nxtick
 {
-/// The way of one file's rows through some work to the output. The reader, the work on a row and the output know nothing
-/// of each other. Before the input makes the program wait, all that is known is handed over.
+/// The way of one file's rows through some work to the output.
+///
+/// Several workers share it. Each in turn reads a block of rows, works on it alone with grids of its own, and then writes
+/// in the order of the blocks, so that rows and messages come as with one worker. A file of one block has one worker. The
+/// memory is some blocks for each worker. Before the input makes the program wait, all rows that are known are written.
+/// The first failure in the order of the rows ends all workers.
 class Passage
 {
 public:
-    /// All must outlive the object.
-    Passage(InputFile& input, OutputFile& output, SnapReport& report, const CsvDialect& dialect)
-        : _input(input),
-          _output(output),
-          _report(report),
-          _reader([this](char* buffer, std::size_t size) { return _Read(buffer, size); }, dialect)
-    {
-    }
+    using Complaint = std::function<void(std::uint64_t, const std::string&)>;
+    using MakeWork = std::function<std::unique_ptr<RowWork>(RowGrids&, Complaint)>;
+
+    /// @param workers how many there are at most, at least 1. All others must outlive the object.
+    Passage(InputFile& input, OutputFile& output, SnapReport& report, const CsvDialect& dialect, unsigned workers);
+    ~Passage();
     Passage(const Passage&) = delete;
     Passage& operator=(const Passage&) = delete;
 
-    /// Reads the next row. @throws FileFailure "LINE: reason", Failure.
-    bool Next(CsvRow& row)
-    {
-        if (_text.GetSize() >= _blockSize)
-            HandOver();
-        return _reader.Next(row);
-    }
-
-    /// Where the work appends its result.
-    TextBlock& GetText() { return _text; }
-    /// Hands the text to the output.
+    /// Reads a row before PassAll(). @throws FileFailure "LINE: reason", Failure.
+    bool Next(CsvRow& row);
+    /// Where text goes that is written before the next rows.
+    TextBlock& GetText();
+    /// Writes that text.
     void HandOver();
 
-    /// Passes all further rows to @p work, which has `Row(row, text)` and `GetCounts()`.
-    /// @param row the row before these; then the last one, whose content is not valid any more.
-    template <class Work>
-    void PassAll(Work& work, CsvRow& row)
-    {
-        _counts = &work.GetCounts();
-        while (Next(row))
-            work.Row(row, _text);
-        HandOver();
-        _counts = nullptr;
-    }
+    /// Passes all further rows to work, of which each worker gets its own.
+    /// @param first a row that Next() returned last and that is worked on as well; null for none.
+    /// @return the counts. @throws what the work throws, FileFailure, Failure.
+    SnapCounts PassAll(const GridSource& source, const MakeWork& makeWork, const CsvRow* first);
+
+    /// Whether the last row has no line end. Known after PassAll().
+    bool EndsInLine() const { return _endsInLine; }
 
 private:
-    static constexpr std::size_t _blockSize = std::size_t{1} << 18;
+    class Worker;
 
-    std::size_t _Read(char* buffer, std::size_t size);
+    void _StartOthers(const GridSource& source, const MakeWork& makeWork);
+    void _WaitForOthers();
+    void _PassBlocks(Worker& worker);
+    bool _Read(Worker& worker) NX_REQUIRES(_reading);
+    bool _Take(Worker& worker);
+    bool _Write(Worker& worker);
+    bool _AwaitTurn(std::uint64_t number);
+    void _EndTurn();
+    void _Fail(std::exception_ptr failure);
+    bool _HasFailed();
+    void _Flush();
+    void _FlushBeforeWaiting() NX_REQUIRES(_reading);
+    std::size_t _ReadInput(char* buffer, std::size_t size) NX_NO_THREAD_SAFETY_ANALYSIS;
 
     InputFile& _input;
     OutputFile& _output;
     SnapReport& _report;
-    CsvReader _reader;
-    TextBlock _text;
-    const SnapCounts* _counts = nullptr;
+    CsvDialect _dialect;
+    unsigned _mostWorkers;
+    std::vector<std::unique_ptr<Worker>> _workers;  // the first is the thread that has the passage
+    FileDescriptor _ended;                          // of several workers; can be read after a failure
+
+    nxMutex _reading;
+    CsvBlocks _blocks NX_GUARDED_BY(_reading);
+    std::uint64_t _nextRead NX_GUARDED_BY(_reading) = 0;  // number of the next block
+    bool _isReadingOver NX_GUARDED_BY(_reading) = false;
     bool _isAtStart = true;
+
+    nxConditionMutex _turn;
+    std::uint64_t _nextWritten NX_GUARDED_BY(_turn) = 0;
+    std::uint64_t _flushBefore NX_GUARDED_BY(_turn) = 0;  // what was written is handed over before this block
+    std::exception_ptr _failure NX_GUARDED_BY(_turn);
+    // Used by the worker whose turn it is.
+    SnapCounts _counts;
+    bool _endsInLine = false;
 };
 }  // namespace nxtick
 

@@ -56,6 +56,12 @@ void PriceSnapper::Row(const CsvRow& row, TextBlock& out)
     out.SetEnd(at);
 }
 
+void PriceSnapper::Rows(CsvRows& rows, TextBlock& out)
+{
+    for (CsvRow row; rows.Next(row);)
+        PriceSnapper::Row(row, out);
+}
+
 char* PriceSnapper::_AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, char* out)
 {
     if (const PriceMemory::Entry* const known = _memory.Find(_prices.GetText(column), grid); known != nullptr)

@@ -7,6 +7,7 @@
 
 #include "PriceMemory.h"
 #include "RowPrices.h"
+#include "RowWork.h"
 #include "TextBlock.h"
 
 namespace nxtick
@@ -20,7 +21,7 @@ namespace nxtick
 /// too long by as many fields. Empty lines are copied and do not count as rows.
 ///
 /// Nothing depends on the rows before, so each thread can work on other rows with an object of its own.
-class PriceSnapper
+class PriceSnapper : public RowWork
 {
 public:
     /// @param plan and @p grids must outlive the object.
@@ -30,9 +31,9 @@ public:
     }
 
     /// Appends the row with its new columns, and its line end.
-    void Row(const CsvRow& row, TextBlock& out);
-
-    const SnapCounts& GetCounts() const { return _prices.GetCounts(); }
+    void Row(const CsvRow& row, TextBlock& out) override;
+    void Rows(CsvRows& rows, TextBlock& out) override;
+    SnapCounts TakeCounts() override { return _prices.TakeCounts(); }
 
 private:
     char* _AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, char* out);

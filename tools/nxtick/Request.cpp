@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <thread>
 
 #include "CommandLine.h"
 #include "CsvOptions.h"
@@ -20,6 +21,9 @@ namespace nxtick
 namespace
 {
 using Action = Request::Action;
+
+constexpr int mostWorkers = 8;
+constexpr unsigned usualWorkers = 2;  // more of them wait for the reading and the writing
 
 // A set of actions, one bit each.
 using Actions = unsigned;
@@ -84,6 +88,7 @@ constexpr OptionRule rules[] = {
     {"symbol-column", true, never | Action::Snap},
     {"date-column", true, never | Action::Snap},
     {"method", true, never | Action::Snap},
+    {"workers", true, never | Action::Snap},
 };
 
 constexpr Word<nxEnumValue> methods[] = {
@@ -178,6 +183,13 @@ int ReadCount(const Options& options, const char* name, int least, int most)
         return static_cast<int>(number.GetValue());
     throw Failure(Dashed(name) + " " + Quoted(text) + " is not a whole number from " + std::to_string(least) + " to " +
                   std::to_string(most));
+}
+
+unsigned ReadWorkers(const Options& options)
+{
+    if (Has(options, "workers"))
+        return static_cast<unsigned>(ReadCount(options, "workers", 1, mostWorkers));
+    return std::clamp(std::thread::hardware_concurrency(), 1U, usualWorkers);
 }
 
 std::string ReadToday(const std::string& text)
@@ -284,6 +296,8 @@ Request ReadRequest(const char* const* argv)
         request.ladder = ReadCount(options, "ladder", 1, 1000);
     if (request.action == Action::Snap)
         request.csv = ReadCsvRequest(line);
+    if (request.action == Action::Snap)
+        request.csv.workers = ReadWorkers(options);
     if (Has(options, "method"))
         request.csv.method = nxRoundingMethodEnum(ReadWord(methods, "method", Value(options, "method")));
     ReadTableOptions(options, request);

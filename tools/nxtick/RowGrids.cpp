@@ -14,7 +14,10 @@ constexpr std::size_t mostUnknown = 1000;  // reasons that are kept
 GridSource::GridSource(const Request& request) : _request(request)
 {
     if (!request.csv.HasTableForEachRow())
+    {
+        _only.emplace(request);
         return;
+    }
     _tables.emplace(request);
     if (!request.csv.mappingFile.empty())
         _mapping.emplace(request.csv.mappingFile, *_tables);
@@ -40,7 +43,7 @@ const TableEntry* GridSource::Find(std::string_view key, unsigned day, std::stri
 RowGrids::RowGrids(const GridSource& source) : _source(source)
 {
     if (source.IsOne())
-        _only.emplace(source.GetRequest());
+        _only = source.MakeOnly();
 }
 
 PriceGrid* RowGrids::_Search(std::string_view key, std::string_view date)
@@ -86,7 +89,10 @@ PriceGrid& RowGrids::_GetGrid(const TableEntry& entry)
 {
     std::unique_ptr<TableGrid>& grid = _grids[&entry];
     if (grid == nullptr)
+    {
         grid = std::make_unique<TableGrid>(*entry.table);
+        _new.push_back(&entry);
+    }
     return *grid;
 }
 }  // namespace nxtick

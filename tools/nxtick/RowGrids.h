@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "GridChoice.h"
 #include "PriceGrid.h"
@@ -27,17 +29,22 @@ public:
     /// Whether ticks change with the price.
     bool HasBands() const { return !_request.table.empty() || !IsOne(); }
     /// Whether every row has the same grid.
-    bool IsOne() const { return !_tables; }
+    bool IsOne() const { return _only.has_value(); }
     bool NeedsDay() const { return _mapping && _mapping->HasDays(); }
 
-    const Request& GetRequest() const { return _request; }
+    /// The grid of every row, for one thread. Only if IsOne().
+    std::unique_ptr<PriceGrid> MakeOnly() const { return _only->MakeGrid(); }
 
     /// @param key the table's identifier, or the symbol. @param day as ReadDay() returns it, if NeedsDay().
     /// @param reason why there is none, if null is returned.
     const TableEntry* Find(std::string_view key, unsigned day, std::string& reason) const;
 
+    /// Tells what the user should know before using a table that Find() returned. One thread at a time may call it.
+    void Warn(const TableEntry& entry) const { _tables->Warn(entry); }
+
 private:
     const Request& _request;
+    std::optional<GridChoice> _only;
     std::optional<TickTables> _tables;
     std::optional<TableMapping> _mapping;
 };
@@ -51,7 +58,7 @@ public:
     explicit RowGrids(const GridSource& source);
 
     /// The grid of every row; null if the row decides.
-    PriceGrid* GetOnly() const { return _only ? &_only->GetGrid() : nullptr; }
+    PriceGrid* GetOnly() const { return _only.get(); }
 
     /// @param key the table's identifier, or the symbol. @param date the text of the row's day; empty if there is none.
     /// @return the grid; null if there is none, and GetReason() then says why.
@@ -63,13 +70,17 @@ public:
     }
     const std::string& GetReason() const { return _reason; }
 
+    /// The tables that were found for the first time since the last call.
+    std::vector<const TableEntry*> TakeNew() { return std::exchange(_new, {}); }
+
 private:
     PriceGrid* _Search(std::string_view key, std::string_view date);
     PriceGrid* _SearchTable(std::string_view key, unsigned day);
     PriceGrid& _GetGrid(const TableEntry& entry);
 
     const GridSource& _source;
-    std::optional<GridChoice> _only;
+    std::unique_ptr<PriceGrid> _only;
+    std::vector<const TableEntry*> _new;
     std::unordered_map<const TableEntry*, std::unique_ptr<TableGrid>> _grids;
     TextMap<PriceGrid*> _known;     // where the day does not matter
     TextMap<std::string> _unknown;  // the same, with the reasons

@@ -32,16 +32,6 @@ std::string WrongNumberOfFields(const CsvRow& row, std::size_t count, const Snap
 }
 }  // namespace
 
-SnapCounts& SnapCounts::operator+=(const SnapCounts& other)
-{
-    rows += other.rows;
-    onGrid += other.onGrid;
-    moved += other.moved;
-    empty += other.empty;
-    rejected += other.rejected;
-    return *this;
-}
-
 RowPrices::RowPrices(const SnapPlan& plan, RowGrids& grids, Complaint complaint)
     : _plan(plan), _grids(grids), _only(grids.GetOnly()), _complaint(std::move(complaint)), _fields(plan.GetWanted())
 {

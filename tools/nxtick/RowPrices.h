@@ -6,27 +6,17 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "CsvRow.h"
 #include "PriceGrid.h"
 #include "RowGrids.h"
+#include "SnapCounts.h"
 #include "SnapPlan.h"
 #include "Text.h"
 
 namespace nxtick
 {
-/// What became of the rows and of their prices. Of a rejected row no price counts.
-struct SnapCounts
-{
-    std::uint64_t rows = 0;
-    std::uint64_t onGrid = 0;
-    std::uint64_t moved = 0;  ///< Off the grid.
-    std::uint64_t empty = 0;
-    std::uint64_t rejected = 0;  ///< Rows, for whatever reason.
-
-    SnapCounts& operator+=(const SnapCounts& other);
-};
-
 /// Reads the prices of rows, and tells of those that cannot be used.
 ///
 /// A row is rejected as a whole when it has more or fewer fields than the header, so that it is not certain which field
@@ -56,8 +46,9 @@ public:
     /// Rejects the price.
     void Reject(const CsvRow& row, std::size_t column, const char* reason);
 
-    const SnapCounts& GetCounts() const { return _counts; }
     SnapCounts& GetCounts() { return _counts; }
+    /// The counts since the last call.
+    SnapCounts TakeCounts() { return std::exchange(_counts, {}); }
 
 private:
     void _Reject(const CsvRow& row, const std::string& reason);

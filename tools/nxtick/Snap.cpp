@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"
@@ -25,7 +27,7 @@ class SnapRun
 {
 public:
     explicit SnapRun(const Request& request)
-        : _request(request), _csv(request.csv), _source(request), _grids(_source), _report(request.isQuiet)
+        : _request(request), _csv(request.csv), _source(request), _report(request.isQuiet)
     {
     }
 
@@ -130,7 +132,7 @@ private:
         if (input.IsSameFile(output.GetStream()))
             throw Failure("cannot write " + output.GetName() +
                           ": it is the input file; to replace that, name it with -out");
-        Passage passage(input, output, _report, _csv.dialect);
+        Passage passage(input, output, _report, _csv.dialect, _csv.workers);
         CsvRow row;
         if (!_FindFirst(passage, row, !isContinued))
             return passage.HandOver();
@@ -140,45 +142,42 @@ private:
             _Continue(header, row, passage.GetText());
         else
             _firstNames = header.GetNames();
-        PriceSnapper snapper(plan, _grids, _Complaint());
         if (_csv.hasHeader && !isContinued)
             for (const std::string_view part :
                  {row.content, std::string_view(plan.GetHeaderAddition()), row.terminator})
                 passage.GetText().Append(part);
-        else if (!_csv.hasHeader)
-        {
-            if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
-            {
-                row.content.remove_prefix(byteOrderMark.size());
-                passage.GetText().Append(isContinued ? "" : byteOrderMark);
-            }
-            snapper.Row(row, passage.GetText());
-        }
+        else if (!_csv.hasHeader && _RemoveByteOrderMark(row))
+            passage.GetText().Append(isContinued ? "" : byteOrderMark);
         _lineEnd = row.terminator.empty() ? "\n" : row.terminator;
-        passage.PassAll(snapper, row);
-        _endsInLine = row.terminator.empty();
-        _report.EndFile(snapper.GetCounts());
+        const auto makeWork = [&](RowGrids& grids, Passage::Complaint complaint)
+        { return std::make_unique<PriceSnapper>(plan, grids, std::move(complaint)); };
+        _report.EndFile(passage.PassAll(_source, makeWork, _csv.hasHeader ? nullptr : &row));
+        _endsInLine = passage.EndsInLine();
     }
 
     void _Check(const std::string& file, InputFile& input, OutputFile& output, OffGridListing* listing)
     {
         if (input.IsSameFile(output.GetReplaced()) || input.IsSameFile(output.GetStream()))
             throw OutputFailure("cannot write " + output.GetName() + ": it is the input file");
-        Passage passage(input, output, _report, _csv.dialect);
+        Passage passage(input, output, _report, _csv.dialect, _csv.workers);
         CsvRow row;
         if (!_FindFirst(passage, row, false))
             return;
         const CsvHeader header(row, _csv.hasHeader);
         const SnapPlan plan(_csv, header, _source.HasBands());
-        PriceChecker checker(plan, _grids, _Complaint(), file, listing);
         if (!_csv.hasHeader)
-        {
-            if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
-                row.content.remove_prefix(byteOrderMark.size());
-            checker.Row(row, passage.GetText());
-        }
-        passage.PassAll(checker, row);
-        _report.EndFile(checker.GetCounts());
+            _RemoveByteOrderMark(row);
+        const auto makeWork = [&](RowGrids& grids, Passage::Complaint complaint)
+        { return std::make_unique<PriceChecker>(plan, grids, std::move(complaint), file, listing); };
+        _report.EndFile(passage.PassAll(_source, makeWork, _csv.hasHeader ? nullptr : &row));
+    }
+
+    // @return whether the row began with one.
+    static bool _RemoveByteOrderMark(CsvRow& row)
+    {
+        const bool hasMark = row.content.substr(0, byteOrderMark.size()) == byteOrderMark;
+        row.content.remove_prefix(hasMark ? byteOrderMark.size() : 0);
+        return hasMark;
     }
 
     // Finds the first row that is not an empty line. @return false if there is none and none is needed.
@@ -206,11 +205,6 @@ private:
             text.Append(_lineEnd);
     }
 
-    RowPrices::Complaint _Complaint()
-    {
-        return [this](std::uint64_t line, const std::string& reason) { _report.Rejected(line, reason); };
-    }
-
     int _GetStatus(bool isCheck) const
     {
         const SnapCounts& counts = _report.GetTotal();
@@ -220,7 +214,6 @@ private:
     const Request& _request;
     const CsvRequest& _csv;
     GridSource _source;
-    RowGrids _grids;
     SnapReport _report;
     bool _hasFailed = false;
     std::vector<std::string> _firstNames;  // of the columns of the first file

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "RowPrices.h"
+#include "SnapCounts.h"
 
 namespace nxtick
 {

@@ -98,7 +98,10 @@ void TableMapping::_Read(CsvReader& reader, const TickTables& tables)
                 throw Failure("the row has another number of fields than the header");
             const TableEntry*& table = known[fields[columns.table]];
             if (table == nullptr)
+            {
                 table = &tables.Find(fields[columns.table]);
+                tables.Warn(*table);
+            }
             _Add(fields[columns.symbol],
                  {ReadBound(fields, columns.from, firstDay), ReadBound(fields, columns.to, lastDay), table});
         }

@@ -9,8 +9,6 @@
 #include "Text.h"
 #include "core/price/nxTickTableSource.h"
 #include "core/price/nxVariableTickTableContainer.h"
-#include "core/thread/nxMutex.h"
-#include "core/thread/nxMutexGuard.h"
 
 namespace nxtick
 {
@@ -33,12 +31,10 @@ std::vector<TableEntry> CatalogueEntries()
     return entries;
 }
 
-// Writes a line to standard error the first time. Several workers may find the same table.
+// Writes a line to standard error the first time.
 void TellOnce(const std::string& text)
 {
-    static nxMutex mutex;
     static std::set<std::string> told;
-    const nxMutexGuard guard(mutex);
     if (told.insert(text).second)
         WriteError("nxtick: " + text + "\n");
 }
@@ -75,8 +71,10 @@ void TickTables::_AddCustom(const std::string& fileName)
         _entries.push_back({table->GetID(), table.get(), facts, table->GetGridWarning()});
 }
 
-void TickTables::_Warn(const TableEntry& entry)
+void TickTables::Warn(const TableEntry& entry) const
 {
+    if (_isQuiet)
+        return;
     if (!entry.gridWarning.empty())
         TellOnce(nxPrintableText::GetEscaped(entry.facts.source) + ": " + entry.gridWarning);
     if (const std::string doubt = GetDoubt(entry.facts); !doubt.empty())
@@ -90,11 +88,7 @@ const TableEntry& TickTables::Find(const std::string& nameOrID) const
     const auto found =
         std::find_if(_entries.begin(), _entries.end(), [&id](const TableEntry& entry) { return entry.id == id; });
     if (found != _entries.end())
-    {
-        if (!_isQuiet)
-            _Warn(*found);
         return *found;
-    }
     std::set<std::string> known;
     for (const TableEntry& entry : _entries)
         known.insert(entry.id);

@@ -25,15 +25,17 @@ public:
 
     const std::vector<TableEntry>& GetAll() const { return _entries; }
 
-    /// Writes to standard error what the user should know before using the table, if anything: the bound that leaves the
-    /// grid, an assumed table, an expired one. The whole run says it once, and quiet requests say nothing. Several threads
-    /// may call it.
+    /// Finds a table. Several threads may call it.
     /// @param nameOrID with or without "VTT_". @throws Failure with the closest identifiers.
     const TableEntry& Find(const std::string& nameOrID) const;
 
+    /// Writes to standard error what the user should know before using the table, if anything: the bound that leaves the
+    /// grid, an assumed table, an expired one. The whole run says it once, and quiet requests say nothing. One thread at a
+    /// time may call it.
+    void Warn(const TableEntry& entry) const;
+
 private:
     void _AddCustom(const std::string& fileName);
-    static void _Warn(const TableEntry& entry);
 
     bool _isQuiet;
     TodayTables _today;
