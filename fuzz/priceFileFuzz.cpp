@@ -108,7 +108,7 @@ Outcome Run(std::string_view file, const CsvRequest& request, SharedGrid& grid, 
         outcome.messages += failure.what();
         outcome.isWhole = false;
     }
-    const SnapCounts counts = snapper ? snapper->GetCounts() : SnapCounts();
+    const SnapCounts counts = snapper ? snapper->TakeCounts() : SnapCounts();
     Require(counts.rows == counts.onGrid + counts.moved + counts.empty + counts.rejected);
     return outcome;
 }

@@ -100,7 +100,7 @@ const char* ReadNumber(std::string_view text, nxDecimal& number, const NumberFor
     if (text.size() > maximumDigits)
         if (const char* const reason = FindTooMany(text, form.point); reason != nullptr)
             return reason;
-    number = value;
+    number = CopyFresh(value);
     return nullptr;
 }
 
@@ -118,7 +118,7 @@ const char* PriceGrid::ReadPrice(std::string_view text, nxDecimal& price, const 
         return "is not a price";
     if (reason != nullptr || !Fits(value, _places))
         return "has more digits than a price can hold";
-    price = value;
+    price = CopyFresh(value);
     return nullptr;
 }
 

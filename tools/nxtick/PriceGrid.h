@@ -18,6 +18,12 @@ namespace nxtick
 /// @return null on success, else what is wrong with the text, to follow it in a sentence; @p number is then untouched.
 const char* ReadNumber(std::string_view text, nxDecimal& number, const NumberForm& form = {});
 
+/// A copy by parts. A decimal that was just computed is stored in parts, and a copy as a whole would wait for them.
+inline nxDecimal CopyFresh(const nxDecimal& number)
+{
+    return nxDecimal::ConstructFromValueAndDecimalPlaces(number.GetValue(), number.GetDecimalPlaces());
+}
+
 /// The prices that an instrument may have: the multiples of one increment, or the grid of a tick table.
 class PriceGrid
 {

@@ -14,7 +14,7 @@ class PriceGrid;
 
 /// Remembers the columns that were added for the text of a price, because prices repeat. Each text has one place, which
 /// the last text that needs it takes. After a window of texts of which fewer than a quarter were found, the memory rests
-/// for fifteen windows, because looking and storing cost more than they save then.
+/// for many windows, because looking and storing cost more than they save then.
 class PriceMemory
 {
 public:
@@ -73,7 +73,7 @@ private:
     static constexpr std::size_t longestPrice = 16;
     static constexpr unsigned bits = 13;
     static constexpr unsigned window = 4096;
-    static constexpr unsigned windowsOfRest = 15;
+    static constexpr unsigned windowsOfRest = 63;
 
     // The text in two words, which overlap if it is short. Together with its size they are the whole text.
     static void _Load(std::string_view text, std::uint64_t& first, std::uint64_t& last)

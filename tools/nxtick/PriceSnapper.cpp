@@ -82,7 +82,7 @@ bool PriceSnapper::_Compute(const CsvRow& row, std::size_t column, PriceGrid& gr
     nxDecimal price;
     if (!_prices.Read(row, column, grid, price))
         return false;
-    nxDecimal snapped = price;
+    nxDecimal snapped = CopyFresh(price);
     grid.Round(_plan.GetMethod(), snapped);
     nxDecimal distance;
     if (!GetDistance(snapped, price, distance))
