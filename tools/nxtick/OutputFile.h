@@ -2,8 +2,8 @@
 #ifndef NXTICK_OUTPUTFILE_H
 #define NXTICK_OUTPUTFILE_H
 
+#include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,7 +56,7 @@ public:
             _AppendInPieces(text);
         else
         {
-            std::memcpy(_buffer.data() + _used, text.data(), text.size());
+            std::copy(text.begin(), text.end(), _buffer.data() + _used);
             _used += text.size();
         }
     }
