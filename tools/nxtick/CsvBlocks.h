@@ -37,8 +37,6 @@ public:
     ///         have been returned.
     bool Next(CsvBlock& block);
 
-    /// Whether the input has been read to its end.
-    bool IsAtEnd() const { return _isAtEnd; }
     /// Whether the last row so far has no line end.
     bool EndsInLine() const { return _endsInLine; }
 
