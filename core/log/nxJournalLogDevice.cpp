@@ -33,7 +33,7 @@ private:
 class JournalOfProcess final : public nxJournalLogDevice
 {
 public:
-    JournalOfProcess() : nxJournalLogDevice(_FindSocket()) {}
+    JournalOfProcess() : nxJournalLogDevice(_FindSocket()) { nxLogManager::SetDeviceName(this, "journal"); }
 
 private:
     static std::string _FindSocket()

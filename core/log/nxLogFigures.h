@@ -13,8 +13,8 @@
 /// a collector of metrics. nxLogStatistics has the most important ones.
 ///
 /// - A forked child starts again at 0. Counts only grow otherwise, up to 64 bits.
-/// - Devices have the names that nxLogManager::SetDeviceName() gave them. The library's own are called "file" and "console",
-///   others without a name "device1", "device2" and so on. Two devices never have one name.
+/// - Devices have the names that nxLogManager::SetDeviceName() gave them. Those of the process are called "file", "console",
+///   "journal" and "syslog", others without a name "device1", "device2" and so on. Two devices never have one name.
 /// - Cost: a few microseconds, about ten with 300 threads that have reported. Read() shares locks with the log's thread for at
 ///   most that time, and waits for no device. So it may be called every second, or more often.
 /// - Errors: std::bad_alloc is thrown by Read() and GetAsOpenMetrics(). Threads: any may call Read(); an object is like any
@@ -60,7 +60,7 @@ public:
         Records,  ///< That the device was given.
         Bytes,    ///< Of the lines that the device was given; 0 for a device that takes records.
         Missed,   ///< Records that the device could not be given: see Figure::DroppedDeviceBusy.
-        Lost,     ///< Lines that the device was given and could not write, for the library's own devices.
+        Lost,     ///< Lines or records that one of the library's devices was given and could not write or keep.
         Errors    ///< How often the device threw, or failed, for the library's own devices.
     };
     static constexpr std::size_t DeviceFigures = 5;  ///< The number of figures of a device in this version.

@@ -6,6 +6,7 @@
 
 #include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogConversion.h"
+#include "core/log/internal/nxLogDeviceBook.h"
 #include "core/log/internal/nxLogDeviceQueue.h"
 #include "core/log/internal/nxLogKeptStyle.h"
 #include "core/log/nxLogManager.h"
@@ -93,6 +94,13 @@ private:
     nxLogLineSink* const _sink;
     nxLogKeptStyle _style{nxLogLineStyle{}};
 };
+
+// The figures of the log show what the device's queue has lost since they were told last.
+void TellLosses(const nxLogDevice& device, nxLogDeviceQueue& queue) noexcept
+{
+    if (const std::uint64_t lost = queue.TakeUntoldLosses(); lost != 0)
+        nxLogDeviceBook::GetInstance().CountLost(&device, lost);
+}
 }  // namespace
 
 nxSeparateLogDevice::nxSeparateLogDevice(std::shared_ptr<nxLogDevice> device)
@@ -117,9 +125,17 @@ nxSeparateLogDevice::~nxSeparateLogDevice()
     _queue->End(false);
 }
 
-void nxSeparateLogDevice::Write(const nxLog& record) { _queue->Add(nxLogConversion::View(record)); }
+void nxSeparateLogDevice::Write(const nxLog& record)
+{
+    _queue->Add(nxLogConversion::View(record));
+    TellLosses(*this, *_queue);
+}
 
-void nxSeparateLogDevice::Flush() { _queue->AskForFlush(); }
+void nxSeparateLogDevice::Flush()
+{
+    _queue->AskForFlush();
+    TellLosses(*this, *_queue);
+}
 
 void nxSeparateLogDevice::Destroy() { _queue->End(true); }
 
@@ -147,6 +163,14 @@ std::uint64_t nxSeparateLogDevice::GetWaitingRecords() const { return _queue->Ge
 
 nxLogLineStyle nxSeparateLogDevice::GetLineStyle() const { return _queue->GetLineStyle(); }
 
-void nxSeparateLogDevice::WriteLines(const nxLogLineBatch& batch) { _queue->Add(batch); }
+void nxSeparateLogDevice::WriteLines(const nxLogLineBatch& batch)
+{
+    _queue->Add(batch);
+    TellLosses(*this, *_queue);
+}
 
-void nxSeparateLogDevice::Maintain() { _queue->AskForMaintenance(); }
+void nxSeparateLogDevice::Maintain()
+{
+    _queue->AskForMaintenance();
+    TellLosses(*this, *_queue);
+}

@@ -83,7 +83,7 @@ private:
 class SyslogOfProcess final : public nxSyslogLogDevice
 {
 public:
-    SyslogOfProcess() : nxSyslogLogDevice(_FindSocket()) {}
+    SyslogOfProcess() : nxSyslogLogDevice(_FindSocket()) { nxLogManager::SetDeviceName(this, "syslog"); }
 
 private:
     static std::string _FindSocket()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Devices with a thread of their own: none holds up another, and every record is delivered once or counted as lost.
 
+#include "core/log/nxLogFigures.h"
 #include "core/log/nxLogLineSink.h"
 #include "core/log/nxSeparateLogDevice.h"
 #include "tests/support/nxSystemTest.h"
@@ -61,6 +62,7 @@ TEST(nxSeparateLogDevice, ADeviceThatDoesNotReturnHoldsUpNoOtherAndIsToldWhatItH
         nxFunctionLogDevice other;
         nxSeparateLogDevice separate(inner);
         separate.SetMaximumBytes(takesLines ? 5'000 : 20'000);
+        nxLogManager::SetDeviceName(&separate, "slow");
         Manager().RegisterLogDevice(&separate);
         NX_LOG(NX_LOG_LEVEL_INFO) << "first";
         gate.WaitForAThread();
@@ -88,6 +90,10 @@ TEST(nxSeparateLogDevice, ADeviceThatDoesNotReturnHoldsUpNoOtherAndIsToldWhatItH
             CountTold(line) != 0 ? told += CountTold(line) : ++delivered;
         EXPECT_EQ(delivered, 1'001 - lost + 1);
         EXPECT_EQ(told, lost);
+        const std::string figure = std::string("nxcore_log_device_lost_lines_total{device=\"slow\"} ")
+                                       .append(std::to_string(lost))
+                                       .append("\n");
+        EXPECT_NE(nxLogFigures::Read().GetAsOpenMetrics().find(figure), std::string::npos) << figure;
         EXPECT_EQ(lines.front(), "first");
         EXPECT_EQ(lines.back(), "last");
         EXPECT_GT(inner->flushes, 0);

@@ -390,6 +390,7 @@ void nxLogDeviceQueue::AfterForkInChild() noexcept
     _isMaintenanceDue.store(false, std::memory_order_relaxed);
     _waiting.store(0, std::memory_order_relaxed);
     _lost.store(0, std::memory_order_relaxed);
+    _toldLost = 0;
     _target->AfterForkInChild(isWhole);
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "core/log/internal/nxLogAwakeTime.h"
 #include "core/log/internal/nxLogDeviceBacklog.h"
@@ -59,6 +60,12 @@ public:
     void SetMaximumBytes(std::uint64_t bytes) noexcept { _maximumBytes.store(bytes, std::memory_order_relaxed); }
     std::uint64_t GetMaximumBytes() const noexcept { return _maximumBytes.load(std::memory_order_relaxed); }
     std::uint64_t GetLost() const noexcept { return _lost.load(std::memory_order_relaxed); }
+    /// @return the records that were lost since the last call. Called by one thread at a time.
+    std::uint64_t TakeUntoldLosses() noexcept
+    {
+        const std::uint64_t lost = GetLost();
+        return lost - std::exchange(_toldLost, lost);
+    }
     std::uint64_t GetWaiting() const noexcept override { return _waiting.load(std::memory_order_relaxed); }
     bool HasThread() const noexcept override { return _hasThread.load(std::memory_order_relaxed); }
 
@@ -120,6 +127,7 @@ private:
     std::atomic<std::uint64_t> _maximumBytes{nxLogLimits::DeviceBytes};
     std::atomic<std::uint64_t> _waiting{0};
     std::atomic<std::uint64_t> _lost{0};
+    std::uint64_t _toldLost = 0;  // of those, what TakeUntoldLosses() has returned
 
     bool _isLockedForFork = false;  // touched by the forking thread only
 };
