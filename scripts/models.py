@@ -5,9 +5,9 @@
     scripts/models.py [--long] [--jobs N] [NAME...]
 
 The head of a model has one line for each check: "// RUN holds -DOPTION..." or "// RUN violated -DOPTION...", where violated means
-that a fault was put in on purpose and must be found. Lines with LONG are checked with --long only; they take minutes and up to
---memory mebibytes. NAME chooses models by a part of their path. Every check ends with its states and its seconds; the exit status is
-0 when all ended as they should, 1 when not, and 3 when spin is not installed.
+that a fault was put in on purpose and must be found. Lines with LONG are checked with --long only; all of them together take
+minutes and up to --memory mebibytes. NAME chooses models by a part of their path. Every check ends with its states and its
+seconds; the exit status is 0 when all ended as they should, 1 when not, and 3 when spin is not installed.
 """
 
 import argparse

@@ -393,7 +393,6 @@ void nxLogDeviceQueue::AfterForkInChild() noexcept
     _toldLost = 0;
     _target->AfterForkInChild(isWhole);
 }
-
 void nxLogDeviceQueue::BlockForGood(std::int64_t deadline) noexcept
 {
     static_cast<void>(nxLogTimedLock::TakeUntil(_inside, deadline));

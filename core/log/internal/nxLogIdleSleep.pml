@@ -11,14 +11,14 @@
 // With URGENT every record is followed by a call and nobody asks for one, as with warnings while records flow: that is the bell
 // alone.
 //
-// RUN holds    -DRECORDS=2
-// RUN holds    -DRECORDS=3
-// RUN holds    -DRECORDS=3 -DURGENT
-// RUN violated -DRECORDS=1 -DWITHOUT_BARRIER
-// RUN violated -DRECORDS=1 -DWITHOUT_SECOND_LOOK
-// RUN violated -DRECORDS=2 -DURGENT -DWITHOUT_EXCHANGE
-// LONG holds   -DRECORDS=5
-// LONG holds   -DRECORDS=6 -DURGENT
+// RUN  holds    -DRECORDS=2
+// RUN  holds    -DRECORDS=3 -DURGENT
+// RUN  violated -DRECORDS=1 -DWITHOUT_BARRIER
+// RUN  violated -DRECORDS=2 -DURGENT -DWITHOUT_EXCHANGE
+// LONG holds    -DRECORDS=3
+// LONG holds    -DRECORDS=5
+// LONG holds    -DRECORDS=6 -DURGENT
+// LONG violated -DRECORDS=1 -DWITHOUT_SECOND_LOOK
 
 #define REPORTERS 2
 #define WRITER 2

@@ -8,17 +8,17 @@
 // What holds: a process that was given an object, and has its locks, sees a finished object of the name and kind for which it
 // asked. All such processes of one name see the same object. No object is made again while one of them has it.
 //
-// LONG holds   -DPROCESSES=2 -DKILLS=2 -DASKS=2
-// RUN holds    -DPROCESSES=3 -DKILLS=1 -DASKS=1
-// LONG holds   -DPROCESSES=3 -DKILLS=3 -DASKS=1
-// RUN holds    -DPROCESSES=2 -DKILLS=1 -DASKS=1 -DCLOSES=1
-// LONG holds   -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1
-// RUN violated -DPROCESSES=2 -DKILLS=0 -DASKS=1 -DWITHOUT_TABLE_LOCK
-// RUN violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_LOCK_IN_LOCK_AGAIN
-// RUN violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_KIND_IN_LOCK_AGAIN
-// LONG holds   -DPROCESSES=3 -DKILLS=1 -DASKS=1 -DCLOSES=1
-// LONG holds   -DPROCESSES=3 -DKILLS=2 -DASKS=1 -DCLOSES=1
-// LONG holds   -DPROCESSES=3 -DKILLS=1 -DASKS=2
+// RUN  holds    -DPROCESSES=2 -DKILLS=1 -DASKS=1 -DCLOSES=1
+// RUN  violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_LOCK_IN_LOCK_AGAIN
+// LONG holds    -DPROCESSES=2 -DKILLS=2 -DASKS=2
+// LONG holds    -DPROCESSES=3 -DKILLS=1 -DASKS=1
+// LONG holds    -DPROCESSES=3 -DKILLS=3 -DASKS=1
+// LONG holds    -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1
+// LONG holds    -DPROCESSES=3 -DKILLS=1 -DASKS=1 -DCLOSES=1
+// LONG holds    -DPROCESSES=3 -DKILLS=2 -DASKS=1 -DCLOSES=1
+// LONG holds    -DPROCESSES=3 -DKILLS=1 -DASKS=2
+// LONG violated -DPROCESSES=2 -DKILLS=0 -DASKS=1 -DWITHOUT_TABLE_LOCK
+// LONG violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_KIND_IN_LOCK_AGAIN
 
 #ifndef CLOSES
 #define CLOSES 0  // how often other code closes a process's descriptors
