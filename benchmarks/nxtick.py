@@ -2,12 +2,15 @@
 # SPDX-License-Identifier: Apache-2.0
 """nxtick.py NXTICK [--rows N] [--runs N] [--json FILE]: snaps a file of prices by nxtick, mawk, Miller and Python's csv.
 
+docs/nxtick-benchmark.json has the figures of the page of benchmarks: write them there, then run benchmarks/report.py.
+
 All of them add the columns tick, snapped and moved for a tick of 0.05 and write to /dev/null; only nxtick is exact. The
 runs of all programs alternate. Shown is the median, with the least and the most.
 """
 import argparse
 import json
 import os
+import platform
 import random
 import shutil
 import statistics
@@ -90,7 +93,10 @@ def main():
             figures[title] = times
     if options.json:
         with open(options.json, "w") as file:
-            json.dump({"versions": versions, "rows": options.rows, "seconds": figures}, file, indent=1)
+            json.dump({"date": time.strftime("%Y-%m-%d"), "kernel": platform.release(), "processors": os.cpu_count(),
+                       "commit": first_line(["git", "-C", os.path.dirname(os.path.abspath(__file__)), "rev-parse", "--short", "HEAD"]),
+                       "versions": versions, "rows": options.rows, "seconds": figures}, file, indent=1)
+            file.write("\n")
 
 
 main()

@@ -10,6 +10,7 @@ something else than the figures.
 import json
 import os
 import re
+import statistics
 import sys
 
 sys.dont_write_bytecode = True
@@ -17,6 +18,7 @@ import chart
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 FIGURES = os.path.join(ROOT, "docs", "benchmarks.json")
+TOOL_FIGURES = os.path.join(ROOT, "docs", "nxtick-benchmark.json")  # benchmarks/nxtick.py writes them
 
 # The rows of the README and of the chart: what is won, what is level and what is lost.
 TEN_ROWS = {
@@ -184,6 +186,23 @@ def description(figures):
     return markdown([("of the run", ""), *((what, value or "not recorded") for what, value in told)])
 
 
+def tool_block():
+    """What the run of nxtick and other programs over one file of prices gave."""
+    with open(TOOL_FIGURES, encoding="utf-8") as file:
+        tool = json.load(file)
+    parts = ["## nxtick beside other programs",
+             f"`benchmarks/nxtick.py`, {tool['rows']:,} rows of four columns; {tool['date']}, commit {tool['commit']}, {tool['processors']} "
+             f"processors, kernel {tool['kernel']}; {'; '.join(tool['versions'])}. All programs add the tick, the snapped price and by how "
+             "much it moved, and write to /dev/null; only nxtick computes exactly. The runs of all programs alternate."]
+    for title, seconds in tool["seconds"].items():
+        lines = [("program", "seconds, median", "least to most", "million rows a second")]
+        for name, all_times in seconds.items():
+            median = statistics.median(all_times)
+            lines.append((name, f"{median:.2f}", f"{min(all_times):.2f} to {max(all_times):.2f}", f"{tool['rows'] / median / 1e6:.2f}"))
+        parts += [f"{title[0].upper()}{title[1:]}:", markdown(lines)]
+    return parts
+
+
 def page_block(figures):
     parts = ["## The run", description(figures), "## Losses", "Rows in which an alternative is faster, the worst first.",
              markdown(losses(figures))]
@@ -198,6 +217,7 @@ def page_block(figures):
                   "These rows measure the scheduler: a thread may finish its share before the next one starts, and then the "
                   "time of a call looks shorter than it is. No goal depends on them.", markdown(rows_table(figures, True))]
     parts += ["## Percentiles", markdown(percentiles(figures))] if percentiles(figures) else []
+    parts += tool_block()
     parts += ["## Other costs", markdown([tuple(line) for line in figures["costs"]])] if figures["costs"] else []
     return "\n\n".join(parts)
 
