@@ -42,7 +42,8 @@ tests()
     cmake --preset "$1" >build-"$1".log 2>&1 && mv build-"$1".log build/"$1"/configure.log ||
         { cat build-"$1".log; rm -f build-"$1".log; return 1; }
     cmake --build --preset "$1" >build/"$1"/build.log 2>&1 || { grep -E 'error|warning|FAILED' build/"$1"/build.log; return 1; }
-    ctest --preset "$1" --no-tests=error --output-on-failure --progress -j "$(nproc)" >"$log" 2>&1
+    # Two for each processor: many tests wait for a second or two.
+    ctest --preset "$1" --no-tests=error --output-on-failure --progress -j "$((2 * $(nproc)))" >"$log" 2>&1
     local result=$?
     if [ $result -ne 0 ]; then grep -vE '^\s*[0-9]+/[0-9]+ Test|^\s*Start' "$log"; fi
     note=$(grep -E 'tests passed' "$log")
