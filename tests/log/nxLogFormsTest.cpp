@@ -135,7 +135,7 @@ TEST(nxLogLineStyle, LinesHaveEveryFormAndTime)
          "[INF][05Mar24 09:07:03.123.456]" + place + "\r\n"},
         {"EST5", Style{Style::Full, false}.With(Time::ISO), NX_LOG_LEVEL_INFO, moment,
          "[INF][2024-03-05T04:07:03.123456-05:00]" + place + "\n"},
-        {"XXX-5:45", Style{Style::TimeAndText, false}.With(Time::ISO), NX_LOG_LEVEL_INFO, newYear,
+        {"NPT-5:45", Style{Style::TimeAndText, false}.With(Time::ISO), NX_LOG_LEVEL_INFO, newYear,
          "[2024-01-01T05:44:59.123456+05:45] text\n"},
         {"EST5", Style{Style::TimeAndText, false}.With(Time::ISO), NX_LOG_LEVEL_INFO, newYear + 1,
          "[2023-12-31T19:00:00.123456-05:00] text\n"},

@@ -390,7 +390,7 @@ void nxLogDeviceQueue::AfterForkInChild() noexcept
     _isMaintenanceDue.store(false, std::memory_order_relaxed);
     _waiting.store(0, std::memory_order_relaxed);
     _lost.store(0, std::memory_order_relaxed);
-    _toldLost = 0;
+    _toldLost.store(0, std::memory_order_relaxed);
     _target->AfterForkInChild(isWhole);
 }
 void nxLogDeviceQueue::BlockForGood(std::int64_t deadline) noexcept

@@ -60,11 +60,12 @@ public:
     void SetMaximumBytes(std::uint64_t bytes) noexcept { _maximumBytes.store(bytes, std::memory_order_relaxed); }
     std::uint64_t GetMaximumBytes() const noexcept { return _maximumBytes.load(std::memory_order_relaxed); }
     std::uint64_t GetLost() const noexcept { return _lost.load(std::memory_order_relaxed); }
-    /// @return the records that were lost since the last call. Called by one thread at a time.
+    /// @return the records that were lost since the last call. Where threads call it at once, the sum of what they get is
+    ///         right modulo 2^64.
     std::uint64_t TakeUntoldLosses() noexcept
     {
         const std::uint64_t lost = GetLost();
-        return lost - std::exchange(_toldLost, lost);
+        return lost - _toldLost.exchange(lost, std::memory_order_relaxed);
     }
     std::uint64_t GetWaiting() const noexcept override { return _waiting.load(std::memory_order_relaxed); }
     bool HasThread() const noexcept override { return _hasThread.load(std::memory_order_relaxed); }
@@ -127,7 +128,7 @@ private:
     std::atomic<std::uint64_t> _maximumBytes{nxLogLimits::DeviceBytes};
     std::atomic<std::uint64_t> _waiting{0};
     std::atomic<std::uint64_t> _lost{0};
-    std::uint64_t _toldLost = 0;  // of those, what TakeUntoldLosses() has returned
+    std::atomic<std::uint64_t> _toldLost{0};  // of those, what TakeUntoldLosses() has returned
 
     bool _isLockedForFork = false;  // touched by the forking thread only
 };
