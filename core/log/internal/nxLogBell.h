@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "core/enum/nxEnumValue.h"
+#include "core/platform/nxSleepBell.h"
 
 /// Wakes the deferred-write thread, and tells whether it runs. The parts that fill the queue know no more than this
 /// about the parts that empty it.
@@ -74,7 +75,7 @@ private:
     static constinit std::atomic<State> _state;
     // The deferred-write thread sleeps on it. Each exchange of Ring() pairs with the next one of Sleep(): what was done
     // before the call is seen after the sleep.
-    static constinit std::atomic<std::uint32_t> _word;
+    static constinit nxSleepBell _bell;  // of the deferred-write thread
     static constinit std::atomic<bool>
         _mustKeepLooking;  // never cleared; ordered by the Ring() that follows its change
 };

@@ -21,11 +21,6 @@ namespace
 {
 using Outcome = nxLogTarget::Outcome;
 
-// The states of the bell.
-constexpr std::uint32_t threadAwake = 0;
-constexpr std::uint32_t threadCalled = 1;
-constexpr std::uint32_t threadAsleep = 2;
-
 constexpr std::int64_t untilCalled = std::numeric_limits<std::int64_t>::max() / 2;
 constexpr std::int64_t longestWaitForDevice = 10 * nxNanoseconds::PerMillisecond;
 
@@ -63,7 +58,7 @@ void nxLogDeviceQueue::_Add(const Item& item, std::uint64_t records, const nxClo
     _waiting.fetch_add(records, std::memory_order_relaxed);
     // Otherwise the thread has something to look for already.
     if (wasEmpty)
-        _Ring();
+        _bell.Ring();
     _EnsureThread();
 }
 
@@ -110,7 +105,7 @@ std::uint32_t nxLogDeviceQueue::_RequestFlush() noexcept
     if (_backlog.IsEmpty())
         return ticket;
     if (wasEmpty)
-        _Ring();
+        _bell.Ring();
     _EnsureThread();
     return ticket;
 }
@@ -118,21 +113,7 @@ std::uint32_t nxLogDeviceQueue::_RequestFlush() noexcept
 void nxLogDeviceQueue::AskForMaintenance() noexcept
 {
     _isMaintenanceDue.store(true, std::memory_order_relaxed);
-    _Ring();
-}
-
-void nxLogDeviceQueue::_Ring() noexcept
-{
-    if (_bell.exchange(threadCalled, std::memory_order_acq_rel) == threadAsleep)
-        nxWaitWord::WakeAll(_bell);
-}
-
-void nxLogDeviceQueue::_Sleep(std::int64_t nanoseconds) noexcept
-{
-    std::uint32_t expected = threadAwake;
-    if (_bell.compare_exchange_strong(expected, threadAsleep, std::memory_order_acq_rel))
-        nxWaitWord::Wait(_bell, threadAsleep, nanoseconds);
-    _bell.exchange(threadAwake, std::memory_order_acq_rel);
+    _bell.Ring();
 }
 
 void nxLogDeviceQueue::Run() noexcept
@@ -150,7 +131,7 @@ void nxLogDeviceQueue::Run() noexcept
         if (nxLogDeviceItem item; _inHand.Look(item))
             _Deliver(item);
         else if (!_TakeNext())
-            _Sleep(untilCalled);
+            _bell.Sleep(untilCalled);
     }
     nxLogBell::SetCallerInsideDevice(false);
 }
@@ -249,7 +230,7 @@ void nxLogDeviceQueue::_WaitWhileAway() noexcept
             if (_isEnding)
                 return;
         }
-        _Sleep(left);
+        _bell.Sleep(left);
     }
 }
 
@@ -272,7 +253,7 @@ bool nxLogDeviceQueue::WaitUntilWritten(const nxLogLimits::Wait& limit, nxLogAwa
         if (isFirst)
         {
             _isAttemptWanted.store(true, std::memory_order_relaxed);
-            _Ring();
+            _bell.Ring();
         }
         const std::int64_t waited = time.Look();
         if (std::exchange(progress, _progress.load(std::memory_order_relaxed)) != progress)
@@ -321,7 +302,7 @@ bool nxLogDeviceQueue::_EndThread(std::int64_t limit) noexcept
         const nxMutexGuard guard(_mutex);
         _isEnding = HasThread();
     }
-    _Ring();
+    _bell.Ring();
     const std::int64_t deadline = nxClock::MonotonicNanoseconds() + limit;
     while (_hasThread.load(std::memory_order_acquire))
     {
@@ -383,7 +364,7 @@ void nxLogDeviceQueue::AfterForkInChild() noexcept
     _nextStart = 0;
     _isEnding = false;
     _refusals = 0;
-    _bell.store(threadAwake, std::memory_order_relaxed);
+    _bell.Reset();
     _attempts.store(0, std::memory_order_relaxed);
     _hasStalled.store(false, std::memory_order_relaxed);
     _hasThread.store(false, std::memory_order_relaxed);

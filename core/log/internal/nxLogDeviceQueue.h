@@ -14,6 +14,7 @@
 #include "core/log/internal/nxLogDeviceQueues.h"
 #include "core/log/internal/nxLogLimits.h"
 #include "core/log/internal/nxLogTarget.h"
+#include "core/platform/nxSleepBell.h"
 #include "core/thread/nxMutex.h"
 
 class nxLogDeviceThread;
@@ -89,8 +90,6 @@ private:
         NX_REQUIRES(_mutex);
     void _EnsureThread() noexcept NX_REQUIRES(_mutex);
     std::uint32_t _RequestFlush() noexcept;
-    void _Ring() noexcept;
-    void _Sleep(std::int64_t nanoseconds) noexcept;
 
     bool _TakeNext() noexcept;
     bool _IsToEnd() noexcept;
@@ -115,7 +114,7 @@ private:
     unsigned _refusals = 0;    // of the item at hand, one after the other; the thread's
     std::atomic<std::size_t> _inHandBytes{0};
     std::atomic<bool> _isMaintenanceDue{false};
-    std::atomic<std::uint32_t> _bell{0};
+    nxSleepBell _bell;
     std::atomic<std::uint32_t> _reached{0};   // the last ticket whose items were taken and flushed
     std::atomic<std::uint32_t> _progress{0};  // calls of the target that took something
     std::atomic<std::uint32_t> _attempts{0};  // calls of the target that found it away

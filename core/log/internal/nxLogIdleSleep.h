@@ -23,7 +23,7 @@ class nxLogChannelList;
 /// of the reporting thread in their order. If the barrier comes before step 1 or 2 of a reporting thread, that thread's
 /// load sees the flag. If it comes after step 2, the store of step 1 came before it, and the look of step 3 sees the
 /// record. `_head` pairs with `_head`: the store of step 1 with the look of step 3 and of the next round.
-/// `_isCallWanted` orders no other memory. Ring() and Sleep() pair through the word of nxLogBell, each with an exchange
+/// `_isCallWanted` orders no other memory. Ring() and Sleep() pair through the word of nxSleepBell, each with an exchange
 /// (acquire and release), so a bell that rings before step 4 keeps the thread awake.
 ///
 /// A thread that gets a ring later takes the flag under the mutex of the list, before its first record.

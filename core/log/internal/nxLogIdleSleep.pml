@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The log's thread falls asleep while two threads report; see nxLogIdleSleep.h and nxLogBell.cpp.
+// The log's thread falls asleep while two threads report; see nxLogIdleSleep.h and nxSleepBell.h.
 //
 // What is modelled: the head of each ring, the flag by which the log's thread asks for a call, the word of the bell, and for every
 // thread a buffer from which its stores reach memory late and in order. An atomic exchange empties the buffer of its thread, the
