@@ -1,38 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/time/nxTime.h"
 
-#include <cstdint>
 #include <ostream>
 #include <string_view>
 
 #include "core/text/inline/nxDigits.h"
 #include "core/text/nxStringHelper.h"
+#include "core/time/internal/nxTimeText.h"
 
 namespace
 {
-// Reads a text that must consist of digits.
-bool ReadDigits(std::string_view digits, unsigned& value)
-{
-    std::uint64_t number = 0;
-    if (!nxDigits::Parse(digits.data(), digits.data() + digits.size(), number))
-        return false;
-    value = static_cast<unsigned>(number);
-    return true;
-}
-
-// Reads ".5" as 500,000,000 nanoseconds and an empty text as 0.
-bool ReadFraction(std::string_view text, unsigned& nanoseconds)
-{
-    nanoseconds = 0;
-    if (text.empty())
-        return true;
-    if (text.front() != '.' || text.size() > 10 || !ReadDigits(text.substr(1), nanoseconds))
-        return false;
-    for (std::size_t digits = text.size() - 1; digits < 9; ++digits)
-        nanoseconds *= 10;
-    return true;
-}
-
 // Writes the fraction as milliseconds, microseconds or nanoseconds: the shortest that is exact.
 char* WriteFraction(char* out, unsigned nanoseconds)
 {
@@ -58,9 +35,10 @@ nxErrorEnum nxTime::SetFromString(const std::string& text)
     unsigned seconds = 0;
     unsigned nanoseconds = 0;
     const bool wellFormed = (compact || (view.size() >= 8 && view[2] == ':' && view[5] == ':')) &&
-                            ReadDigits(view.substr(0, 2), hours) && ReadDigits(view.substr(step, 2), minutes) &&
-                            ReadDigits(view.substr(2 * step, 2), seconds) &&
-                            ReadFraction(view.substr(2 * step + 2), nanoseconds);
+                            nxTimeText::ReadDigits(view.substr(0, 2), hours) &&
+                            nxTimeText::ReadDigits(view.substr(step, 2), minutes) &&
+                            nxTimeText::ReadDigits(view.substr(2 * step, 2), seconds) &&
+                            nxTimeText::ReadFraction(view.substr(2 * step + 2), nanoseconds);
     const nxTime time(hours, minutes, seconds, nanoseconds);
     if (!wellFormed || time.IsNull())
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
