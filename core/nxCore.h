@@ -142,6 +142,7 @@
 #include "core/time/nxCalendar.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
+#include "core/time/nxDateTimeSpan.h"
 #include "core/time/nxElapsedTimeCounter.h"
 #include "core/time/nxTime.h"
 #include "core/time/nxTimeStamp.h"

@@ -15,6 +15,7 @@
 
 class nxDate;
 class nxDateTime;
+class nxDateTimeSpan;
 class nxDoubleValueWrapper;
 class nxStringValue;
 class nxTime;
@@ -65,10 +66,11 @@ std::string nxPrintedText(const Stamp& value)
 /// The types of the library whose text is their GetAsLogString(). They are listed by name, so that no class of an
 /// application is mistaken for one of them.
 template <class Value>
-concept nxPrintsLogForm = std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> ||
+concept nxPrintsLogForm =
+    std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> || std::same_as<Value, nxDateTimeSpan> ||
     std::same_as<Value, nxTime> || std::same_as<Value, nxDoubleValueWrapper> || std::same_as<Value, nxStringValue>;
 
-/// The log form of a date, a time, a double wrapper, a string value.
+/// The log form of a date, a time, a span, a double wrapper, a string value.
 template <nxPrintsLogForm Value>
 std::string nxPrintedText(const Value& value)
 {

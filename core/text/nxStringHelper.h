@@ -17,6 +17,7 @@
 class nxCaseSensitivityEnum;
 class nxDate;
 class nxDateTime;
+class nxDateTimeSpan;
 class nxDecimal;
 class nxDoubleValueWrapper;
 class nxMoney;
@@ -120,6 +121,8 @@ public:
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDate& value);
     /// Reads a time of day; see nxTime::SetFromString().
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxTime& value);
+    /// Reads a span such as "P1DT12H"; see nxDateTimeSpan::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDateTimeSpan& value);
     /// Reads a decimal; see nxDecimal::SetFromString().
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDecimal& value, char separator);
     /// Reads an amount and a currency; see nxMoney::SetFromString().
@@ -191,7 +194,8 @@ public:
     }
     /// Reads a type whose SetFromString() loses nothing.
     template <class Value>
-    requires std::same_as<Value, nxDate> || std::same_as<Value, nxTime> || std::same_as<Value, std::string>
+    requires std::same_as<Value, nxDate> || std::same_as<Value, nxTime> || std::same_as<Value, nxDateTimeSpan> ||
+        std::same_as<Value, std::string>
     [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, Value& value)
     {
         return SetFromString(std::string(text), value);
@@ -260,6 +264,8 @@ public:
     static void AppendAsString(std::string& out, const nxTime& value);
     /// Appends "05 Mar 2024 09:07:03", nothing for null; see nxDateTime::GetAsString().
     static void AppendAsString(std::string& out, const nxDateTime& value);
+    /// Appends "P1DT12H", nothing for null; see nxDateTimeSpan::GetAsString().
+    static void AppendAsString(std::string& out, const nxDateTimeSpan& value);
     /// Appends the short description.
     static void AppendAsString(std::string& out, const nxEnum& value);
     /// Appends the number, nothing for null and no change.
@@ -320,6 +326,8 @@ public:
     static std::string GetAsString(const nxTime& value);
     /// @return "05 Mar 2024 09:07:03", empty for null; see nxDateTime::GetAsString().
     static std::string GetAsString(const nxDateTime& value);
+    /// @return "P1DT12H", empty for null; see nxDateTimeSpan::GetAsString().
+    static std::string GetAsString(const nxDateTimeSpan& value);
     /// @return the short description.
     static std::string GetAsString(const nxEnum& value);
     /// @return the number, empty for null and no change.

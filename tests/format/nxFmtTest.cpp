@@ -58,7 +58,7 @@ TEST(nxFmt, ValuesPrintAsInTheLog)
     EXPECT_EQ(fmt::format("{} {} {}", state, nxValueWrapper<unsigned>(4294967294U), nxDoubleValueWrapper(2.5)),
               "CLOSED EXPIRING NO_CHANGE 2.5");
     EXPECT_EQ(fmt::format("{}", nxTimeStamp(0, 5'000)).substr(17), "000.005");
-    EXPECT_EQ(fmt::format("{}", nxDate()), "NULL");
+    EXPECT_EQ(fmt::format("{}{:>6}", nxDate(), nxDateTimeSpan(1, 0)), "NULL   P1D");
     EXPECT_EQ(fmt::format("{}", nxMoney()), nxMoney().GetAsLogString('.'));
 }
 

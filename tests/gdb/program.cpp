@@ -48,6 +48,7 @@ int main()
     const nxDate date(2024, 3, 5), noDate;
     const nxTime time(9, 7, 3, 500'000'000), noTime;
     const nxDateTime dateTime(date, nxTime(17, 30, 0)), timeAlone(8, 30, 0), never;
+    const nxDateTimeSpan span(-1, -129'600'007'000'000), day(1, 0), noTimeAtAll(0, 0), noSpan;
     const nxMoney fee(nxDecimal("12.50", '.'), "EUR"), noFee;
     const nxStringValue text("A-1"), noText, strange("a\"b\n\x1b[2J"), wordy("more than fifteen characters");
     nxDecimal unmadePrice;
@@ -58,7 +59,7 @@ int main()
     const nxBitMask& maskBase = state;
     const nxEnum& enumBase = error;
     Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio, date, noDate,
-         time, noTime, dateTime, timeAlone, never, fee, noFee, text, noText, strange, wordy, unmadePrice, unmadeTime,
-         byReference, maskBase, enumBase, shortText, longText, undescribed);
+         time, noTime, dateTime, timeAlone, never, span, day, noTimeAtAll, noSpan, fee, noFee, text, noText, strange,
+         wordy, unmadePrice, unmadeTime, byReference, maskBase, enumBase, shortText, longText, undescribed);
     return 0;
 }

@@ -13,6 +13,7 @@
 #include "core/text/nxStringValue.h"
 #include "core/thread/nxThreadIndex.h"
 #include "core/time/nxDateTime.h"
+#include "core/time/nxDateTimeSpan.h"
 #include "tests/support/nxSystemTest.h"
 
 namespace
@@ -87,6 +88,7 @@ TEST(nxLog, EveryValueBecomesItsText)
         {TextOf(nxGenericBitMask64()), "No Description Available"},
         {TextOf(nxDate(2024, 3, 5)), nxDate(2024, 3, 5).GetAsLogString()},
         {TextOf(nxTime(9, 7, 3)), nxTime(9, 7, 3).GetAsLogString()},
+        {TextOf(nxDateTimeSpan(1, 0)) + TextOf(nxDateTimeSpan()), "P1DNULL"},
         {TextOf(moment), moment.GetAsLogString()},
         {TextOf(nxMoney()), nxMoney().GetAsLogString('.')},
         {TextOf(stamp), stampText},

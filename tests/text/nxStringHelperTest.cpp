@@ -330,6 +330,7 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     check(nxMoney(nxDecimal(7, 0), "USD"), "1.25", "1.25 EUR", nxMoney(nxDecimal("1.25", '.'), "EUR"), '.');
     check(nxDate(2024, 2, 29), "20230229", "20230228", nxDate(2023, 2, 28));
     check(nxTime(1, 2, 3), "24:00:00", "23:59:59", nxTime(23, 59, 59));
+    check(nxDateTimeSpan(1, 0), "P1M", "PT60M", nxDateTimeSpan(0, 3'600'000'000'000));
     check(nxBoolEnum(NX_BOOL_TRUE), "SURELY_NOT", "FALSE", nxBoolEnum(NX_BOOL_FALSE));
     // A name of another class: refused, and stored as that class's setter stores it, but not by the exact reader.
     nxBoolEnum flag(NX_BOOL_TRUE);

@@ -179,6 +179,29 @@ class DateTimePrinter:
         return "%02d %s %04d %s" % (date % 100, MONTHS[date // 100 % 100 - 1], date // 10000, text)
 
 
+class DateTimeSpanPrinter:
+    """nxDateTimeSpan: P1DT12H, or NULL."""
+
+    MAX_DAYS = 3652059
+
+    def __init__(self, value):
+        self._days, self._nanoseconds = int(value["_days"]), int(value["_nanoseconds"])
+
+    def to_string(self):
+        if self._days == -1 << 32:
+            return "NULL"
+        if abs(self._days) > self.MAX_DAYS or not 0 <= self._nanoseconds < NANOSECONDS_A_DAY:
+            return NOT_INITIALISED
+        total = self._days * NANOSECONDS_A_DAY + self._nanoseconds
+        seconds, fraction = divmod(abs(total), 10 ** 9)
+        parts = ((seconds // 3600 % 24, "H"), (seconds // 60 % 60, "M"))
+        text = "".join("%d%s" % part for part in parts if part[0])
+        if seconds % 60 or fraction or not total:
+            text += "%d" % (seconds % 60) + (".%09d" % fraction).rstrip("0").rstrip(".") + "S"
+        days = "%dD" % (seconds // 86400) if seconds >= 86400 else ""
+        return "-" * (total < 0) + "P" + days + ("T" + text if text else "")
+
+
 class MoneyPrinter:
     """nxMoney: its amount and currency, NULL or NO_CHANGE."""
 
@@ -265,7 +288,7 @@ class NoSymbolsPrinter:
 
 PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDoubleValueWrapper": DoubleValueWrapperPrinter,
             "nxStringValue": StringValuePrinter, "nxDate": DatePrinter, "nxTime": TimePrinter, "nxDateTime": DateTimePrinter,
-            "nxMoney": MoneyPrinter}
+            "nxDateTimeSpan": DateTimeSpanPrinter, "nxMoney": MoneyPrinter}
 BASES = {"nxEnum": EnumPrinter, "nxBitMask": MaskPrinter, "nxBitMask64": MaskPrinter}
 
 

@@ -138,7 +138,7 @@ public:
     }
     /// Amount and currency as nxMoney::GetAsLogString() writes them.
     Record& operator<<(const nxMoney& value) { return *this << nxLogTexts::Get(value); }
-    /// The log form of a text that may be null, a date, a time, a date-time; all 24 characters of a time stamp.
+    /// The log form of a text that may be null, a date, a time, a date-time, a span; all 24 characters of a time stamp.
     Record& operator<<(const nxStringValue& value) { return *this << nxLogTexts::Get(value); }
     /// @copydoc operator<<(const nxStringValue&)
     Record& operator<<(const nxDate& value) { return *this << nxLogTexts::Get(value); }
@@ -146,6 +146,8 @@ public:
     Record& operator<<(const nxTime& value) { return *this << nxLogTexts::Get(value); }
     /// @copydoc operator<<(const nxStringValue&)
     Record& operator<<(const nxDateTime& value) { return *this << nxLogTexts::Get(value); }
+    /// @copydoc operator<<(const nxStringValue&)
+    Record& operator<<(const nxDateTimeSpan& value) { return *this << nxLogTexts::Get(value); }
     /// @copydoc operator<<(const nxStringValue&)
     Record& operator<<(const nxTimeStamp& value) { return *this << nxLogTexts::Get(value); }
     /// The short description of an enumeration or error code.

@@ -6,6 +6,7 @@
 #include "core/numeric/nxMoney.h"
 #include "core/text/nxStringValue.h"
 #include "core/time/nxDateTime.h"
+#include "core/time/nxDateTimeSpan.h"
 #include "core/time/nxTimeStamp.h"
 
 namespace
@@ -57,6 +58,11 @@ std::string nxLogTexts::Get(const nxTime& time) noexcept
 std::string nxLogTexts::Get(const nxDateTime& dateTime) noexcept
 {
     return MakeText([&dateTime] { return dateTime.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxDateTimeSpan& span) noexcept
+{
+    return MakeText([&span] { return span.GetAsLogString(); });
 }
 
 std::string nxLogTexts::Get(const nxTimeStamp& timeStamp) noexcept

@@ -10,6 +10,7 @@ class nxBitMask;
 class nxBitMask64;
 class nxDate;
 class nxDateTime;
+class nxDateTimeSpan;
 class nxMoney;
 class nxStringValue;
 class nxTime;
@@ -30,6 +31,7 @@ public:
     static std::string Get(const nxDate& date) noexcept;            ///< The log form.
     static std::string Get(const nxTime& time) noexcept;            ///< The log form.
     static std::string Get(const nxDateTime& dateTime) noexcept;    ///< The log form.
+    static std::string Get(const nxDateTimeSpan& span) noexcept;    ///< The log form.
     static std::string Get(const nxTimeStamp& timeStamp) noexcept;  ///< The 24 characters, or nothing.
 };
 
