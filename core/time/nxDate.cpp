@@ -6,6 +6,7 @@
 
 #include "core/text/inline/nxDigits.h"
 #include "core/text/nxStringHelper.h"
+#include "core/time/internal/nxTimeText.h"
 
 nxDate nxDate::GetFromDayNumber(long long dayNumber)
 {
@@ -29,6 +30,42 @@ nxDate nxDate::GetWithDaysAdded(int days) const
     return IsNull() ? nxDate() : GetFromDayNumber(static_cast<long long>(GetDayNumber()) + days);
 }
 
+nxDate nxDate::GetWithMonthsAdded(int months) const
+{
+    if (IsNull())
+        return nxDate();
+    // Months since the begin of the year 0. A negative or large sum is beyond the years that a date can have.
+    const long long month = GetYear() * 12LL + GetMonth() - 1 + months;
+    if (month < 12LL * nxCalendar::MinYear || month >= 12LL * (nxCalendar::MaxYear + 1))
+        return nxDate();
+    const nxDate first(static_cast<unsigned>(month / 12), static_cast<unsigned>(month % 12) + 1, 1);
+    const nxDate last = first.GetEndOfMonth();
+    return GetDay() < last.GetDay() ? nxDate(first.GetYear(), first.GetMonth(), GetDay()) : last;
+}
+
+unsigned nxDate::GetISOWeek(unsigned& year) const
+{
+    year = 0;
+    if (IsNull())
+        return 0;
+    // A week belongs to the year of its Thursday. The first day of all is a Monday, and the last a Friday.
+    const nxDate thursday = GetWithDaysAdded(4 - static_cast<int>(GetDayOfWeek()));
+    year = thursday.GetYear();
+    return static_cast<unsigned>(thursday - nxDate(year, 1, 1)) / 7 + 1;
+}
+
+nxDate nxDate::GetNthDayOfWeek(unsigned year, unsigned month, int n, unsigned dayOfWeek)
+{
+    const nxDate first(year, month, 1);
+    if (first.IsNull() || n < -5 || n == 0 || n > 5 || dayOfWeek < 1 || dayOfWeek > 7)
+        return nxDate();
+    if (n > 0)
+        return nxDate(year, month, 1 + (dayOfWeek + 7 - first.GetDayOfWeek()) % 7 + 7 * static_cast<unsigned>(n - 1));
+    const nxDate last = first.GetEndOfMonth();
+    const unsigned daysBefore = (last.GetDayOfWeek() + 7 - dayOfWeek) % 7 + 7 * static_cast<unsigned>(-n - 1);
+    return daysBefore < last.GetDay() ? nxDate(year, month, last.GetDay() - daysBefore) : nxDate();
+}
+
 nxErrorEnum nxDate::SetFromISODate(unsigned isoDate)
 {
     const nxDate date(isoDate);
@@ -48,6 +85,32 @@ nxErrorEnum nxDate::SetFromString(const std::string& text)
 }
 
 nxErrorEnum nxDate::SetFromString(const char* text) { return SetFromString(nxStringHelper::GetAsString(text)); }
+
+nxErrorEnum nxDate::SetFromISOString(const std::string& text)
+{
+    const nxDate date(nxTimeText::ReadDate(text));
+    if (date.IsNull())
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    *this = date;
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxDate::SetFromISOString(const char* text) { return SetFromISOString(nxStringHelper::GetAsString(text)); }
+
+void nxDate::AppendAsISOString(std::string& out) const
+{
+    if (IsNull())
+        return;
+    char text[nxTimeText::DateSize];
+    out.append(text, nxTimeText::WriteDate(text, _isoDate));
+}
+
+std::string nxDate::GetAsISOString() const
+{
+    std::string text;
+    AppendAsISOString(text);
+    return text;
+}
 
 void nxDate::AppendAsString(std::string& out) const
 {

@@ -23,7 +23,9 @@
 /// @code
 /// nxDate expiry;
 /// if (expiry.SetFromString("20240229").IsOK())
-///     expiry = expiry.GetWithDaysAdded(1);  // 1 March 2024
+///     expiry = expiry.GetWithDaysAdded(1);         // 1 March 2024
+/// expiry = nxDate::GetNthDayOfWeek(2024, 3, 3, 5);  // the third Friday of March: 15 March 2024
+/// expiry - nxDate(2024, 3, 1);                      // 14 days
 /// @endcode
 class NX_CORE_API nxDate
 {
@@ -43,6 +45,13 @@ public:
     ///         outside the years 1 to 9999.
     static nxDate GetFromDayNumber(long long dayNumber);
 
+    /// The day on which options expire, an auction is held: the third Friday, the last Monday of a month.
+    /// @param month 1 to 12.
+    /// @param n 1 to 5 count from the begin of the month, -1 to -5 from its end.
+    /// @param dayOfWeek 1 for Monday to 7 for Sunday.
+    /// @return null for any other argument, and when the month has only four of these days.
+    static nxDate GetNthDayOfWeek(unsigned year, unsigned month, int n, unsigned dayOfWeek);
+
     constexpr void SetNull() { _isoDate = 0; }               ///< Becomes null.
     constexpr bool IsNull() const { return _isoDate == 0; }  ///< There is no day.
     constexpr bool IsValid() const { return !IsNull(); }     ///< There is a day.
@@ -59,6 +68,20 @@ public:
     /// @return the day @p days later (earlier when negative); null when this date is null or the result is out of
     /// range.
     nxDate GetWithDaysAdded(int days) const;
+    /// @return the same day of the month @p months later (earlier when negative), or the last day of that month where it
+    ///         is shorter: 31 January and one month is the last of February. Null when this date is null or the result is
+    ///         out of range.
+    nxDate GetWithMonthsAdded(int months) const;
+    /// @return the last day of the month; null for null.
+    constexpr nxDate GetEndOfMonth() const
+    {
+        return nxDate(GetYear(), GetMonth(), nxCalendar::GetDaysInMonth(GetYear(), GetMonth()));
+    }
+    /// The week of ISO 8601. Weeks begin on Monday, and the first of a year is the one with 4 January: days of January may
+    /// belong to the last week of the year before, and days of December to the first of the next.
+    /// @param year becomes the year that the week belongs to; 0 for null.
+    /// @return 1 to 53; 0 for null.
+    unsigned GetISOWeek(unsigned& year) const;
 
     /// Takes the day with the number @p isoDate (yyyymmdd).
     /// @return NX_ERR_INVALID_PARAMETER when there is no such day; the date is then unchanged.
@@ -69,6 +92,16 @@ public:
     /// The same; a null pointer is an empty text.
     [[nodiscard]] nxErrorEnum SetFromString(const char* text);
 
+    /// Reads the form of ISO 8601 with hyphens, "2024-03-05": four, two and two digits, no sign, no blanks.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text and for an impossible day; the date is then unchanged.
+    [[nodiscard]] nxErrorEnum SetFromISOString(const std::string& text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromISOString(const char* text);
+
+    /// @return "2024-03-05"; an empty text for null.
+    std::string GetAsISOString() const;
+    /// Appends what GetAsISOString() returns.
+    void AppendAsISOString(std::string& out) const;
     /// @return the eight digits yyyymmdd; an empty text for null.
     std::string GetAsString() const;
     /// Appends what GetAsString() returns.
@@ -80,6 +113,11 @@ public:
 
     friend constexpr bool operator==(nxDate, nxDate) = default;   ///< Null equals null.
     friend constexpr auto operator<=>(nxDate, nxDate) = default;  ///< Earlier days are less; null comes first.
+    /// @return the days from @p right to @p left, negative when @p right is later; 0 when one of them is null.
+    friend int operator-(nxDate left, nxDate right)
+    {
+        return left.IsNull() || right.IsNull() ? 0 : left.GetDayNumber() - right.GetDayNumber();
+    }
 
 private:
     unsigned _isoDate = 0;  // yyyymmdd, 0 for null

@@ -7,6 +7,8 @@
 
 #include "core/platform/nxLocalZone.h"
 #include "core/text/inline/nxDigits.h"
+#include "core/text/nxStringHelper.h"
+#include "core/time/internal/nxTimeText.h"
 
 namespace
 {
@@ -41,6 +43,57 @@ nxDateTime::nxDateTime(long long secondsSinceEpoch, unsigned nanoseconds)
     // Time zones that count leap seconds have a second 60, which is shown as 59.
     const unsigned second = local.firstSecond + static_cast<unsigned>(secondsSinceEpoch - local.begin);
     *this = nxDateTime(date, nxTime(local.hour, local.minute, second < 60 ? second : 59, nanoseconds));
+}
+
+nxDateTime nxDateTime::GetWithSpanAdded(nxDateTimeSpan span) const
+{
+    if (_date.IsNull())
+        return nxDateTime();
+    // The span since 1970. It is beyond the range of spans only where the result is beyond that of dates.
+    const nxDateTimeSpan sum = nxDateTimeSpan(_date.GetDayNumber(), _time.GetNanosecondsSinceMidnight()) + span;
+    const nxDate date = nxDate::GetFromDayNumber(sum._days);
+    return date.IsNull() ? nxDateTime() : nxDateTime(date, nxTime::GetFromNanosecondsSinceMidnight(sum._nanoseconds));
+}
+
+nxErrorEnum nxDateTime::SetFromISOString(const std::string& text)
+{
+    const std::string_view view(text);
+    constexpr std::size_t dateSize = nxTimeText::DateSize;
+    const bool hasDate = view.size() > dateSize && view[dateSize] == 'T';
+    const nxDate date(hasDate ? nxTimeText::ReadDate(view.substr(0, dateSize)) : 0);
+    const nxTimeText::Time fields = nxTimeText::ReadTime(hasDate ? view.substr(dateSize + 1) : view);
+    const nxTime time(fields.hours, fields.minutes, fields.seconds, fields.nanoseconds);
+    if (time.IsNull() || (hasDate && date.IsNull()))
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    *this = nxDateTime(date, time);
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxDateTime::SetFromISOString(const char* text)
+{
+    return SetFromISOString(nxStringHelper::GetAsString(text));
+}
+
+void nxDateTime::AppendAsISOString(std::string& out) const
+{
+    if (IsNull())
+        return;
+    char text[nxTimeText::DateSize + 1 + nxTimeText::MaxTimeSize];
+    char* end = text;
+    if (_date.IsValid())
+    {
+        end = nxTimeText::WriteDate(end, _date.GetISODate());
+        *end++ = 'T';
+    }
+    out.append(text, nxTimeText::WriteTime(
+                         end, {_time.GetHours(), _time.GetMinutes(), _time.GetSeconds(), _time.GetNanoseconds()}));
+}
+
+std::string nxDateTime::GetAsISOString() const
+{
+    std::string text;
+    AppendAsISOString(text);
+    return text;
 }
 
 void nxDateTime::_AppendField(std::string& out, char directive) const

@@ -11,6 +11,7 @@
 #include "core/nxExport.h"
 #include "core/text/nxInitalizers.h"
 #include "core/time/nxDate.h"
+#include "core/time/nxDateTimeSpan.h"
 #include "core/time/nxTime.h"
 
 /// A nullable calendar moment of local time: a date with a time of day, or a time of day alone.
@@ -26,7 +27,9 @@
 /// const nxDateTime start(nxDate(2024, 3, 5), nxTime(9, 7, 3));
 /// start.GetAsString();            // "05 Mar 2024 09:07:03"
 /// start.GetAsString("%d%b%Y");    // "05Mar2024"
+/// start.GetAsISOString();         // "2024-03-05T09:07:03"
 /// nxDateTime(8, 30, 0).IsTimeOfDayOnly();  // true
+/// start.GetWithSpanAdded(nxDateTimeSpan::GetFromSeconds(90)) - start;  // a span of 90 seconds
 /// @endcode
 class NX_CORE_API nxDateTime
 {
@@ -53,6 +56,24 @@ public:
     constexpr nxDate GetDate() const { return _date; }  ///< Null when there is none.
     constexpr nxTime GetTime() const { return _time; }  ///< Null when there is none.
 
+    /// @return the date-time @p span later (earlier when it is negative). It counts as clocks do that are never set: the
+    ///         change to or from summer time is no part of it. Null when @p span is null, when there is no date, and for a
+    ///         result outside the years 1 to 9999.
+    nxDateTime GetWithSpanAdded(nxDateTimeSpan span) const;
+
+    /// Reads the form of ISO 8601 with hyphens and colons, "2024-03-05T09:07:03", and after it possibly a '.' and one to
+    /// nine digits. "09:07:03" is a time of day alone. A zone such as "Z" is refused, because a date-time has none.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text and for an impossible day or time; the date-time is then
+    ///         unchanged.
+    [[nodiscard]] nxErrorEnum SetFromISOString(const std::string& text);
+    /// The same; a null pointer is an empty text.
+    [[nodiscard]] nxErrorEnum SetFromISOString(const char* text);
+    /// @return "2024-03-05T09:07:03", followed by "." and three, six or nine digits where the time has a fraction; the time
+    ///         of day alone where there is no date; an empty text for null. SetFromISOString() reads it back without loss.
+    std::string GetAsISOString() const;
+    /// Appends what GetAsISOString() returns.
+    void AppendAsISOString(std::string& out) const;
+
     /// @return "05 Mar 2024 09:07:03" (the pattern "%d %b %Y %H:%M:%S"), "09:07:03" for a time of day alone, an empty
     ///         text for null. The fraction of the second is not shown.
     std::string GetAsString() const;
@@ -73,6 +94,14 @@ public:
     friend constexpr bool operator==(const nxDateTime&, const nxDateTime&) = default;
     /// By date, then by time; null comes first, times of day without a date next.
     friend constexpr auto operator<=>(const nxDateTime&, const nxDateTime&) = default;
+    /// @return the span from @p right to @p left, negative when @p right is later; null unless both have a date.
+    friend nxDateTimeSpan operator-(const nxDateTime& left, const nxDateTime& right)
+    {
+        if (left._date.IsNull() || right._date.IsNull())
+            return nxDateTimeSpan();
+        return nxDateTimeSpan(left._date - right._date,
+                              left._time.GetNanosecondsSinceMidnight() - right._time.GetNanosecondsSinceMidnight());
+    }
 
 private:
     void _AppendField(std::string& out, char directive) const;

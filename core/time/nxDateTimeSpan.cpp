@@ -4,7 +4,6 @@
 #include <ostream>
 #include <string_view>
 
-#include "core/platform/inline/nxDoubleHelper.h"
 #include "core/text/inline/nxDigits.h"
 #include "core/text/nxStringHelper.h"
 #include "core/time/internal/nxTimeText.h"
@@ -154,8 +153,7 @@ double nxDateTimeSpan::GetTotalSecondsAsDouble() const
     long long nanoseconds = 0;
     if (GetTotalNanoseconds(nanoseconds).IsOK() && nanoseconds <= exactNanoseconds && nanoseconds >= -exactNanoseconds)
         return static_cast<double>(nanoseconds) / 1e9;
-    const long long seconds = GetDays() * 86'400LL + _GetRest() / NanosecondsPerSecond;
-    return static_cast<double>(seconds) + static_cast<double>(GetNanoseconds()) / 1e9;
+    return static_cast<double>(GetTotalSeconds()) + static_cast<double>(GetNanoseconds()) / 1e9;
 }
 
 nxErrorEnum nxDateTimeSpan::SetFromString(const std::string& text)

@@ -49,10 +49,9 @@ public:
     /// The sum of both, each with any sign and of any size; null beyond the range.
     static constexpr nxDateTimeSpan GetFromSeconds(long long seconds, long long nanoseconds = 0)
     {
-        constexpr long long secondsPerDay = NanosecondsPerDay / NanosecondsPerSecond;
-        const long long days = _DivideDown(seconds, secondsPerDay);
+        const long long days = _DivideDown(seconds, _secondsPerDay);
         const long long moreDays = _DivideDown(nanoseconds, NanosecondsPerDay);
-        return _GetCarried(days + moreDays, (seconds - days * secondsPerDay) * NanosecondsPerSecond +
+        return _GetCarried(days + moreDays, (seconds - days * _secondsPerDay) * NanosecondsPerSecond +
                                                 (nanoseconds - moreDays * NanosecondsPerDay));
     }
 
@@ -75,6 +74,12 @@ public:
     constexpr int GetNanoseconds() const { return static_cast<int>(_GetRest() % NanosecondsPerSecond); }
     /// @}
 
+    /// @return the whole span in whole seconds, truncated toward zero; 0 for null. The rest is GetNanoseconds():
+    ///         GetFromSeconds() makes the span of both again.
+    constexpr long long GetTotalSeconds() const
+    {
+        return GetDays() * _secondsPerDay + _GetRest() / NanosecondsPerSecond;
+    }
     /// Gives the whole span in nanoseconds.
     /// @return NX_ERR_VALUE_OUT_OF_RANGE when that needs more than 64 bits, from 292 years on; NX_ERR_OBJECT_IS_NULL for
     ///         null. @p total is then unchanged.
@@ -124,7 +129,9 @@ public:
     }
 
 private:
+    static constexpr long long _secondsPerDay = NanosecondsPerDay / NanosecondsPerSecond;
     friend struct std::hash<nxDateTimeSpan>;
+    friend class nxDateTime;
 
     // So far below the range that its sum with any span is below it too.
     static constexpr long long _nullDays = -(1LL << 32);

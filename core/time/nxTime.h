@@ -41,6 +41,15 @@ public:
 
     static constexpr nxTime GetNullInstance() { return nxTime(); }  ///< A null time.
 
+    /// @return the time @p nanoseconds after midnight, or null unless that is 0 to NanosecondsPerDay - 1.
+    static constexpr nxTime GetFromNanosecondsSinceMidnight(long long nanoseconds)
+    {
+        nxTime time;
+        if (nanoseconds >= 0 && nanoseconds < NanosecondsPerDay)
+            time._nanoseconds = nanoseconds;
+        return time;
+    }
+
     constexpr void SetNull() { _nanoseconds = _null; }               ///< Becomes null.
     constexpr bool IsNull() const { return _nanoseconds == _null; }  ///< There is no time.
     constexpr bool IsValid() const { return !IsNull(); }             ///< There is a time.

@@ -126,6 +126,20 @@ unsigned int nxTimeStamp::GetAsStringFast(char* buffer, unsigned int) const
     return last.Print(_seconds, _nanoseconds, buffer);
 }
 
+nxErrorEnum nxTimeStamp::AddExact(nxDateTimeSpan span)
+{
+    if (span.IsNull())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    constexpr long long perSecond = nxDateTimeSpan::NanosecondsPerSecond;
+    // A second is borrowed, so that the sum is not negative.
+    const long long nanoseconds = perSecond + _nanoseconds + span.GetNanoseconds();
+    long long seconds = 0;
+    if (__builtin_add_overflow(_seconds, span.GetTotalSeconds() + nanoseconds / perSecond - 1, &seconds))
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    *this = nxTimeStamp(seconds, static_cast<unsigned>(nanoseconds % perSecond));
+    return nxErrorEnum();
+}
+
 nxDateTime nxTimeStamp::GetAsDateTime() const { return nxDateTime(_seconds, _nanoseconds); }
 
 std::string nxTimeStamp::GetAsString() const

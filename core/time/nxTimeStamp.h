@@ -10,9 +10,11 @@
 #include <limits>
 #include <string>
 
+#include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
 #include "core/platform/inline/nxClock.h"
 #include "core/platform/inline/nxDoubleHelper.h"
+#include "core/time/nxDateTimeSpan.h"
 
 class nxDateTime;
 
@@ -99,6 +101,11 @@ public:
         return nxDoubleHelper::Rounded(static_cast<double>(_seconds) + nxDoubleHelper::Rounded(fraction));
     }
 
+    /// Becomes the moment @p span later (earlier when it is negative), with less than a second of nanoseconds.
+    /// @return NX_ERR_OBJECT_IS_NULL for a null span; NX_ERR_VALUE_OUT_OF_RANGE for a moment that 64 bits of seconds cannot
+    ///         hold. The stamp is then unchanged.
+    [[nodiscard]] nxErrorEnum AddExact(nxDateTimeSpan span);
+
     /// The local time at this moment as a date-time, which keeps the nanoseconds; null outside the years 1 to 9999.
     /// Include core/time/nxDateTime.h to use it.
     nxDateTime GetAsDateTime() const;
@@ -137,6 +144,14 @@ public:
     friend std::strong_ordering operator<=>(const nxTimeStamp& left, const nxTimeStamp& right) = default;
     /// Equal seconds and equal nanoseconds.
     friend bool operator==(const nxTimeStamp& left, const nxTimeStamp& right) = default;
+    /// @return the span from @p right to @p left, negative when @p right is later; null beyond 3,652,059 days.
+    friend nxDateTimeSpan operator-(const nxTimeStamp& left, const nxTimeStamp& right)
+    {
+        long long seconds = 0;
+        if (__builtin_sub_overflow(left._seconds, right._seconds, &seconds))
+            return nxDateTimeSpan();
+        return nxDateTimeSpan::GetFromSeconds(seconds, static_cast<long long>(left._nanoseconds) - right._nanoseconds);
+    }
 
 private:
     long long _seconds;
