@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Time stamps: taking one and printing one.
+// Time stamps: taking one and printing one. Spans, months and the texts of dates.
 #include <benchmark/benchmark.h>
 
 #include <array>
@@ -10,11 +10,15 @@
 #include <ctime>
 #include <random>
 
+#if defined(NX_BENCHMARK_HAS_ABSL)
+    #include <absl/time/time.h>
+#endif
 #if defined(NX_BENCHMARK_HAS_FMT)
     #include <fmt/chrono.h>
     #include <fmt/compile.h>
 #endif
 
+#include "core/time/nxDateTime.h"
 #include "core/time/nxTimeStamp.h"
 
 namespace
@@ -184,4 +188,146 @@ void TakeClockGettime(benchmark::State& state)
     }
 }
 BENCHMARK(TakeClockGettime)->Name("time_stamp_take/peer_clock_gettime");
+
+// --- Spans ---
+
+// What a span has to do at least: the sum of two pairs of integers, with neither a carry nor a bound.
+struct TwoIntegers
+{
+    long long days;
+    long long nanoseconds;
+
+    friend TwoIntegers operator+(TwoIntegers left, TwoIntegers right)
+    {
+        return {left.days + right.days, left.nanoseconds + right.nanoseconds};
+    }
+    friend TwoIntegers operator-(TwoIntegers left, TwoIntegers right)
+    {
+        return {left.days - right.days, left.nanoseconds - right.nanoseconds};
+    }
+};
+
+template <class Span>
+Span MakeSpan(int days, long long nanoseconds)
+{
+    return Span{days, nanoseconds};
+}
+#if defined(NX_BENCHMARK_HAS_ABSL)
+template <>
+absl::Duration MakeSpan(int days, long long nanoseconds)
+{
+    return absl::Hours(24 * days) + absl::Nanoseconds(nanoseconds);
+}
+#endif
+
+// Lengths from a nanosecond to ten years. Half of the sums carry.
+template <class Span>
+const std::array<Span, ringSize>& Spans()
+{
+    static const auto ring = []
+    {
+        std::mt19937_64 random(3);
+        std::array<Span, ringSize> spans;
+        for (Span& span : spans)
+        {
+            const int days = static_cast<int>(random() % 3'650);
+            span = MakeSpan<Span>(days, static_cast<long long>(random() % 86'400'000'000'000));
+        }
+        return spans;
+    }();
+    return ring;
+}
+
+template <class Span, bool Subtract>
+void Combine(benchmark::State& state)
+{
+    const auto& ring = Spans<Span>();
+    std::size_t i = 0;
+    for (auto _ : state)
+    {
+        const Span left = ring[i % ringSize], right = ring[(i + 7) % ringSize];
+        ++i;
+        auto result = Subtract ? left - right : left + right;
+        benchmark::DoNotOptimize(result);
+    }
+}
+BENCHMARK(Combine<nxDateTimeSpan, false>)->Name("time_span_add/ours");
+BENCHMARK(Combine<TwoIntegers, false>)->Name("time_span_add/limit_two_int64");
+BENCHMARK(Combine<nxDateTimeSpan, true>)->Name("time_span_subtract/ours");
+BENCHMARK(Combine<TwoIntegers, true>)->Name("time_span_subtract/limit_two_int64");
+#if defined(NX_BENCHMARK_HAS_ABSL)
+BENCHMARK(Combine<absl::Duration, false>)->Name("time_span_add/peer_absl");
+BENCHMARK(Combine<absl::Duration, true>)->Name("time_span_subtract/peer_absl");
+#endif
+
+// --- Dates ---
+
+const std::array<nxDateTime, ringSize>& DateTimes()
+{
+    static const auto ring = []
+    {
+        std::array<nxDateTime, ringSize> dateTimes;
+        for (std::size_t i = 0; i < ringSize; ++i)
+            dateTimes[i] = Any()[i].GetAsDateTime();
+        return dateTimes;
+    }();
+    return ring;
+}
+
+template <class Append>
+void PrintText(benchmark::State& state, const Append& append)
+{
+    std::string text;
+    std::size_t i = 0;
+    for (auto _ : state)
+    {
+        text.clear();
+        append(DateTimes()[i++ % ringSize], text);
+        benchmark::DoNotOptimize(text.data());
+        benchmark::ClobberMemory();
+    }
+}
+void PrintDateISO(const nxDateTime& value, std::string& text) { value.GetDate().AppendAsISOString(text); }
+void PrintDatePlain(const nxDateTime& value, std::string& text) { value.GetDate().AppendAsString(text); }
+void PrintDateTimeISO(const nxDateTime& value, std::string& text) { value.AppendAsISOString(text); }
+void PrintDateTimePlain(const nxDateTime& value, std::string& text) { value.AppendAsString(text); }
+BENCHMARK_CAPTURE(PrintText, date_iso, PrintDateISO)->Name("date_iso_text/ours");
+BENCHMARK_CAPTURE(PrintText, date_plain, PrintDatePlain)->Name("date_iso_text/limit_eight_digits");
+BENCHMARK_CAPTURE(PrintText, date_time_iso, PrintDateTimeISO)->Name("date_time_iso_text/ours");
+BENCHMARK_CAPTURE(PrintText, date_time_plain, PrintDateTimePlain)->Name("date_time_iso_text/limit_plain_text");
+
+std::chrono::year_month_day AddMonths(std::chrono::year_month_day day, int months)
+{
+    day += std::chrono::months(months);
+    return day.ok() ? day : day.year() / day.month() / std::chrono::last;
+}
+nxDate AddMonths(nxDate date, int months) { return date.GetWithMonthsAdded(months); }
+
+template <class Date>
+Date MakeDate(nxDate date)
+{
+    return date;
+}
+template <>
+std::chrono::year_month_day MakeDate(nxDate date)
+{
+    return std::chrono::sys_days(std::chrono::days(date.GetDayNumber()));
+}
+
+template <class Date>
+void MoveByMonths(benchmark::State& state)
+{
+    std::array<Date, ringSize> dates;
+    for (std::size_t i = 0; i < ringSize; ++i)
+        dates[i] = MakeDate<Date>(DateTimes()[i].GetDate());
+    std::size_t i = 0;
+    for (auto _ : state)
+    {
+        auto moved = AddMonths(dates[i % ringSize], static_cast<int>(i % 64) - 32);
+        ++i;
+        benchmark::DoNotOptimize(moved);
+    }
+}
+BENCHMARK(MoveByMonths<nxDate>)->Name("date_add_months/ours");
+BENCHMARK(MoveByMonths<std::chrono::year_month_day>)->Name("date_add_months/peer_chrono");
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/time/nxDate.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <ostream>
 
@@ -35,12 +36,12 @@ nxDate nxDate::GetWithMonthsAdded(int months) const
     if (IsNull())
         return nxDate();
     // Months since the begin of the year 0. A negative or large sum is beyond the years that a date can have.
-    const long long month = GetYear() * 12LL + GetMonth() - 1 + months;
-    if (month < 12LL * nxCalendar::MinYear || month >= 12LL * (nxCalendar::MaxYear + 1))
+    const long long sum = GetYear() * 12LL + GetMonth() - 1 + months;
+    if (sum < 12LL * nxCalendar::MinYear || sum >= 12LL * (nxCalendar::MaxYear + 1))
         return nxDate();
-    const nxDate first(static_cast<unsigned>(month / 12), static_cast<unsigned>(month % 12) + 1, 1);
-    const nxDate last = first.GetEndOfMonth();
-    return GetDay() < last.GetDay() ? nxDate(first.GetYear(), first.GetMonth(), GetDay()) : last;
+    const unsigned year = static_cast<unsigned>(sum) / 12;
+    const unsigned month = static_cast<unsigned>(sum) % 12 + 1;
+    return nxDate(year, month, std::min(GetDay(), nxCalendar::GetDaysInMonth(year, month)));
 }
 
 unsigned nxDate::GetISOWeek(unsigned& year) const
@@ -102,7 +103,8 @@ void nxDate::AppendAsISOString(std::string& out) const
     if (IsNull())
         return;
     char text[nxTimeText::DateSize];
-    out.append(text, nxTimeText::WriteDate(text, _isoDate));
+    nxTimeText::WriteDate(text, _isoDate);
+    out.append(text, sizeof text);
 }
 
 std::string nxDate::GetAsISOString() const

@@ -85,8 +85,9 @@ void nxDateTime::AppendAsISOString(std::string& out) const
         end = nxTimeText::WriteDate(end, _date.GetISODate());
         *end++ = 'T';
     }
-    out.append(text, nxTimeText::WriteTime(
-                         end, {_time.GetHours(), _time.GetMinutes(), _time.GetSeconds(), _time.GetNanoseconds()}));
+    end =
+        nxTimeText::WriteTime(end, {_time.GetHours(), _time.GetMinutes(), _time.GetSeconds(), _time.GetNanoseconds()});
+    out.append(text, static_cast<std::size_t>(end - text));
 }
 
 std::string nxDateTime::GetAsISOString() const

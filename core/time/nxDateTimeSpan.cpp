@@ -179,8 +179,9 @@ void nxDateTimeSpan::AppendAsString(std::string& out) const
     char text[64];
     const bool isNegative = _days < 0;
     *text = '-';
-    char* const begin = text + (isNegative ? 0 : 1);
-    out.append(begin, WriteParts(text + 1, isNegative ? -*this : *this));
+    const char* const begin = text + (isNegative ? 0 : 1);
+    const char* const end = WriteParts(text + 1, isNegative ? -*this : *this);
+    out.append(begin, static_cast<std::size_t>(end - begin));
 }
 
 std::string nxDateTimeSpan::GetAsString() const

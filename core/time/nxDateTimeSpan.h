@@ -63,6 +63,7 @@ public:
     /// Each has the sign of the span, so that their sum is the span: the parts of "-PT36H" are -1 day and -12 hours. Each
     /// is 0 for null.
     /// @{
+    /// Whole days, -MaxDays to MaxDays.
     constexpr int GetDays() const { return IsNull() ? 0 : static_cast<int>(_days + (_IsRoundedDown() ? 1 : 0)); }
     /// -23 to 23.
     constexpr int GetHours() const { return static_cast<int>(_GetRest() / (3'600 * NanosecondsPerSecond)); }
@@ -134,7 +135,7 @@ private:
     friend class nxDateTime;
 
     // So far below the range that its sum with any span is below it too.
-    static constexpr long long _nullDays = -(1LL << 32);
+    static constexpr long long _nullDays = -(1LL << 31);
 
     // Rounds toward minus infinity.
     static constexpr long long _DivideDown(long long value, long long divisor)
@@ -153,18 +154,21 @@ private:
         }
         return span;
     }
+    // Borrows a day where it is needed. Without a branch, because it is unpredictable.
+    // @param nanoseconds from minus one day to less than a day.
+    static constexpr nxDateTimeSpan _GetBorrowed(long long days, long long nanoseconds)
+    {
+        const long long borrowed = nanoseconds >> 63;  // -1 or 0
+        return _GetChecked(days + borrowed, nanoseconds + (NanosecondsPerDay & borrowed));
+    }
     // @param nanoseconds less than two days.
     static constexpr nxDateTimeSpan _GetCarried(long long days, long long nanoseconds)
     {
-        const bool carries = nanoseconds >= NanosecondsPerDay;
-        return _GetChecked(days + (carries ? 1 : 0), nanoseconds - (carries ? NanosecondsPerDay : 0));
+        return _GetBorrowed(days + 1, nanoseconds - NanosecondsPerDay);
     }
     static constexpr nxDateTimeSpan _GetDifference(nxDateTimeSpan left, nxDateTimeSpan right)
     {
-        const long long nanoseconds = left._nanoseconds - right._nanoseconds;
-        const bool borrows = nanoseconds < 0;
-        return _GetChecked(left._days - right._days - (borrows ? 1 : 0),
-                           nanoseconds + (borrows ? NanosecondsPerDay : 0));
+        return _GetBorrowed(left._days - right._days, left._nanoseconds - right._nanoseconds);
     }
 
     // Whether the days are one less than the whole days of the span.

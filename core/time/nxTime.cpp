@@ -23,7 +23,8 @@ void nxTime::AppendAsString(std::string& out) const
     if (IsNull())
         return;
     char text[nxTimeText::MaxTimeSize];
-    out.append(text, nxTimeText::WriteTime(text, {GetHours(), GetMinutes(), GetSeconds(), GetNanoseconds()}));
+    const char* const end = nxTimeText::WriteTime(text, {GetHours(), GetMinutes(), GetSeconds(), GetNanoseconds()});
+    out.append(text, static_cast<std::size_t>(end - text));
 }
 
 std::string nxTime::GetAsString() const

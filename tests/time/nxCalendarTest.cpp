@@ -7,141 +7,121 @@
 
 namespace
 {
-using Days = std::chrono::sys_days;
+using std::chrono::last, std::chrono::months, std::chrono::sys_days, std::chrono::year_month_day;
 
-nxDate GetAsDate(std::chrono::year_month_day day)
+nxDate GetAsDate(const year_month_day& day)
 {
     return nxDate(static_cast<unsigned>(static_cast<int>(day.year())), static_cast<unsigned>(day.month()),
                   static_cast<unsigned>(day.day()));
 }
 
-// The standard leaves it to the caller to find the last day of a shorter month.
-nxDate AddMonths(std::chrono::year_month_day day, int months)
+template <class Value>
+void ExpectRefused(const Value& before, std::initializer_list<const char*> texts)
 {
-    const auto moved = day + std::chrono::months(months);
-    if (static_cast<int>(moved.year()) < 1 || static_cast<int>(moved.year()) > 9999)
-        return nxDate();
-    return GetAsDate(moved.ok() ? moved : moved.year() / moved.month() / std::chrono::last);
+    for (const char* text : texts)
+    {
+        Value value = before;
+        EXPECT_EQ(value.SetFromISOString(text), nxErrorEnum(NX_ERR_INVALID_PARAMETER)) << text;
+        EXPECT_EQ(value, before);
+    }
 }
-
-std::string WithHyphens(std::string digits) { return digits.insert(6, "-").insert(4, "-"); }
 }  // namespace
 
 TEST(nxDate, AgreesWithTheStandardsCalendarOnEveryDay)
 {
     std::mt19937 random(20240305);
-    unsigned week = 0, weekYear = 0;
-    for (nxDate date(1, 1, 1); date.IsValid(); date = date.GetWithDaysAdded(1))
+    std::pair<unsigned, unsigned> week;  // and its year
+    int number = -719162;
+    for (nxDate date(1, 1, 1); date.IsValid(); date = date.GetWithDaysAdded(1), ++number)
     {
-        const std::chrono::year_month_day day(Days(std::chrono::days(date.GetDayNumber())));
-        const nxDate last = GetAsDate(day.year() / day.month() / std::chrono::last);
+        const sys_days point{std::chrono::days(number)};
+        const year_month_day day(point);
+        const unsigned weekday = std::chrono::weekday(point).iso_encoding();
         ASSERT_EQ(date, GetAsDate(day));
-        ASSERT_EQ(date.GetEndOfMonth(), last) << date;
-        const int months = static_cast<int>(random() % 512) - 256;
-        ASSERT_EQ(date.GetWithMonthsAdded(months), AddMonths(day, months)) << date << ' ' << months;
+        ASSERT_EQ((std::pair{date.GetDayNumber(), date.GetDayOfWeek()}), (std::pair{number, weekday})) << date;
+        ASSERT_EQ(date.GetEndOfMonth(), GetAsDate(day.year() / day.month() / last)) << date;
+        // The standard leaves it to the caller to find the last day of a shorter month.
+        const int distance = static_cast<int>(random() % 512) - 256;
+        year_month_day moved = day + months(distance);
+        moved = moved.ok() ? moved : moved.year() / moved.month() / last;
+        ASSERT_EQ(date.GetWithMonthsAdded(distance), GetAsDate(moved)) << date << ' ' << distance;
         // The first week of a year is the one with 4 January.
-        const unsigned weekday = date.GetDayOfWeek();
         const nxDate sunday = date.GetWithDaysAdded(6);
-        if (weekday == 1 && sunday.GetMonth() == 1 && sunday.GetDay() >= 4 && sunday.GetDay() < 11)
-            week = 1, weekYear = sunday.GetYear();
-        else if (weekday == 1)
-            ++week;
+        if (weekday == 1)
+            week = sunday.GetMonth() == 1 && sunday.GetDay() >= 4 && sunday.GetDay() <= 10
+                       ? std::pair{1U, sunday.GetYear()}
+                       : std::pair{week.first + 1, week.second};
         unsigned year = 0;
-        ASSERT_EQ(date.GetISOWeek(year), week) << date;
-        ASSERT_EQ(year, weekYear) << date;
+        const unsigned found = date.GetISOWeek(year);
+        ASSERT_EQ((std::pair{found, year}), week) << date;
         const int fromBegin = static_cast<int>(date.GetDay() - 1) / 7 + 1;
-        const int fromEnd = -(last - date) / 7 - 1;
+        const int fromEnd = -(date.GetEndOfMonth() - date) / 7 - 1;
         const auto find = [&date, weekday](int n)
         { return nxDate::GetNthDayOfWeek(date.GetYear(), date.GetMonth(), n, weekday); };
         ASSERT_EQ((std::pair{find(fromBegin), find(fromEnd)}), (std::pair{date, date}));
         const bool areFour = fromBegin - fromEnd == 5;
         ASSERT_EQ((std::pair{find(5).IsNull(), find(-5).IsNull()}), (std::pair{areFour, areFour})) << date;
-        nxDate read;
-        ASSERT_EQ(date.GetAsISOString(), WithHyphens(date.GetAsString()));
-        ASSERT_TRUE(read.SetFromISOString(date.GetAsISOString()).IsOK() && read == date);
+        nxDate read, readISO;
+        const std::string text = date.GetAsString();
+        ASSERT_EQ(date.GetAsISOString(), text.substr(0, 4) + '-' + text.substr(4, 2) + '-' + text.substr(6));
+        ASSERT_TRUE(read.SetFromString(text).IsOK() && readISO.SetFromISOString(date.GetAsISOString()).IsOK());
+        ASSERT_EQ((std::pair{read, readISO}), (std::pair{date, date}));
     }
+    EXPECT_EQ(nxDate::GetFromDayNumber(number - 1), nxDate(9999, 12, 31));
 }
 
 TEST(nxDate, FindsNoDayForWhatIsNone)
 {
-    const nxDate leap(2024, 2, 29), first(1, 1, 1), last(9999, 12, 31);
+    const nxDate leap(2024, 2, 29), first(1, 1, 1), final(9999, 12, 31);
     EXPECT_EQ(leap.GetWithMonthsAdded(12), nxDate(2025, 2, 28));
     EXPECT_EQ(leap.GetWithMonthsAdded(48), nxDate(2028, 2, 29));
-    EXPECT_EQ(last.GetWithMonthsAdded(-9998 * 12 - 11), nxDate(1, 1, 31));
+    EXPECT_EQ(final.GetWithMonthsAdded(-9998 * 12 - 11), nxDate(1, 1, 31));
+    const auto nth = &nxDate::GetNthDayOfWeek;
     for (const nxDate& none :
-         {nxDate().GetWithMonthsAdded(1), leap.GetWithMonthsAdded(INT_MAX), leap.GetWithMonthsAdded(INT_MIN),
-          first.GetWithMonthsAdded(-1), last.GetWithMonthsAdded(1), nxDate().GetEndOfMonth(),
-          nxDate::GetNthDayOfWeek(2024, 3, 0, 5), nxDate::GetNthDayOfWeek(2024, 3, INT_MIN, 5),
-          nxDate::GetNthDayOfWeek(2024, 3, 6, 5), nxDate::GetNthDayOfWeek(2024, 3, 1, 0),
-          nxDate::GetNthDayOfWeek(2024, 3, 1, 8), nxDate::GetNthDayOfWeek(2024, 13, 1, 1),
-          nxDate::GetNthDayOfWeek(0, 1, 1, 1), nxDate::GetNthDayOfWeek(10000, 1, 1, 1)})
+         {nxDate::GetFromDayNumber(-719163), nxDate::GetFromDayNumber(LLONG_MIN), leap.GetWithDaysAdded(INT_MAX),
+          leap.GetWithDaysAdded(INT_MIN), nxDate().GetWithMonthsAdded(1), leap.GetWithMonthsAdded(INT_MAX),
+          leap.GetWithMonthsAdded(INT_MIN), first.GetWithMonthsAdded(-1), final.GetWithMonthsAdded(1),
+          nxDate().GetEndOfMonth(), nth(2024, 3, 0, 5), nth(2024, 3, INT_MIN, 5), nth(2024, 3, 6, 5),
+          nth(2024, 3, 1, 0), nth(2024, 3, 1, 8), nth(2024, 13, 1, 1), nth(0, 1, 1, 1), nth(10000, 1, 1, 1)})
         EXPECT_TRUE(none.IsNull()) << none;
     unsigned year = 7;
     EXPECT_EQ(nxDate().GetISOWeek(year) + year, 0U);
-    EXPECT_EQ(last - first, 3'652'058);
+    EXPECT_EQ(final - first, 3'652'058);
     EXPECT_EQ(nxDate() - first, 0);
-    EXPECT_EQ(nxDate().GetAsISOString(), "");
-    for (const char* text : {"", "20240305", "2024-3-05", "2024-02-30", "0000-01-01", "2024/03/05", "-024-03-05",
-                             "2024-03-05 ", "+2024-03-05", "2024-03-0x"})
-    {
-        nxDate date = leap;
-        EXPECT_EQ(date.SetFromISOString(text), nxErrorEnum(NX_ERR_INVALID_PARAMETER)) << text;
-        EXPECT_EQ(date, leap);
-    }
+    ExpectRefused(leap, {"", "20240305", "2024-3-05", "2024-02-30", "0000-01-01", "2024/03/05", "-024-03-05",
+                         "2024-03-05 ", "2024-03-0x"});
 }
 
 TEST(nxDateTime, CountsSpansOverAllYears)
 {
     const nxTime midnight(0, 0, 0), lastTime(23, 59, 59, 999'999'999);
-    const nxDateTime first(nxDate(1, 1, 1), midnight), last(nxDate(9999, 12, 31), lastTime), time(9, 7, 3);
-    const nxDateTimeSpan all = last - first, tick(0, 1);
+    const nxDateTime first(nxDate(1, 1, 1), midnight), final(nxDate(9999, 12, 31), lastTime), time(9, 7, 3);
+    const nxDateTimeSpan all = final - first, tick(0, 1);
     EXPECT_EQ(all.GetAsString(), "P3652058DT23H59M59.999999999S");
-    EXPECT_EQ(first - last, -all);
-    EXPECT_EQ(first.GetWithSpanAdded(all), last);
-    EXPECT_EQ(last.GetWithSpanAdded(-all), first);
+    EXPECT_EQ(first - final, -all);
+    EXPECT_EQ(first.GetWithSpanAdded(all), final);
+    EXPECT_EQ(final.GetWithSpanAdded(-all), first);
     EXPECT_EQ(nxDateTime(nxDate(2024, 2, 28), lastTime).GetWithSpanAdded(tick).GetAsISOString(), "2024-02-29T00:00:00");
     for (const nxDateTime& none :
-         {first.GetWithSpanAdded(-tick), last.GetWithSpanAdded(tick), last.GetWithSpanAdded(all + tick),
+         {first.GetWithSpanAdded(-tick), final.GetWithSpanAdded(tick), final.GetWithSpanAdded(all + tick),
           first.GetWithSpanAdded(nxDateTimeSpan()), time.GetWithSpanAdded(tick), nxDateTime().GetWithSpanAdded(tick)})
         EXPECT_TRUE(none.IsNull()) << none;
-    for (const nxDateTimeSpan& none : {time - time, first - time, time - first, first - nxDateTime()})
-        EXPECT_TRUE(none.IsNull()) << none;
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 100'000; ++i)
-    {
-        const nxDateTimeSpan a(static_cast<int>(random() % 3'652'059), static_cast<long long>(random() >> 18));
-        const nxDateTimeSpan b(static_cast<int>(random() % 3'652'059), static_cast<long long>(random() >> 18));
-        const nxDateTime from = first.GetWithSpanAdded(a), to = first.GetWithSpanAdded(b);
-        if (from.IsNull() || to.IsNull())
-            continue;
-        ASSERT_EQ(to - from, b - a);
-        ASSERT_EQ(from.GetWithSpanAdded(b - a), to);
-        ASSERT_EQ(from <=> to, a <=> b);
-        nxDateTime read;
-        ASSERT_TRUE(read.SetFromISOString(from.GetAsISOString()).IsOK() && read == from) << from.GetAsISOString();
-    }
+    EXPECT_TRUE((time - time).IsNull() && (first - time).IsNull() && (time - first).IsNull());
 }
 
 TEST(nxDateTime, ReadsAndWritesItsISOForm)
 {
-    for (const char* text : {"2024-03-05T09:07:03", "0001-01-01T00:00:00.000000001", "9999-12-31T23:59:59.123",
-                             "09:07:03", "09:07:03.123456"})
+    for (const char* text :
+         {"2024-03-05T09:07:03", "0001-01-01T00:00:00.000000001", "9999-12-31T23:59:59.123", "09:07:03.123456"})
     {
         nxDateTime dateTime;
         EXPECT_TRUE(dateTime.SetFromISOString(text).IsOK()) << text;
         EXPECT_EQ(dateTime.GetAsISOString(), text);
     }
-    for (const char* text :
-         {"", "T", "2024-03-05", "2024-03-05T", "T09:07:03", "2024-03-05 09:07:03", "2024-03-05t09:07:03",
-          "20240305T09:07:03", "2024-03-05T090703", "090703", "2024-02-30T09:07:03", "2024-03-05T24:00:00",
-          "2024-03-05T09:07:03Z", "2024-03-05T09:07:03+01:00", "2024-03-05T09:07", "2024-03-05T09:07:03.1234567890"})
-    {
-        const nxDateTime before(1, 2, 3);
-        nxDateTime dateTime = before;
-        EXPECT_EQ(dateTime.SetFromISOString(text), nxErrorEnum(NX_ERR_INVALID_PARAMETER)) << text;
-        EXPECT_EQ(dateTime, before);
-    }
-    EXPECT_EQ(nxDateTime().GetAsISOString(), "");
+    ExpectRefused(nxDateTime(1, 2, 3),
+                  {"", "T", "2024-03-05", "2024-03-05T", "T09:07:03", "2024-03-05 09:07:03", "2024-03-05t09:07:03",
+                   "20240305T09:07:03", "2024-03-05T090703", "090703", "2024-02-30T09:07:03", "2024-03-05T24:00:00",
+                   "2024-03-05T09:07:03Z", "2024-03-05T09:07", "2024-03-05T09:07:03.1234567890"});
 }
 
 TEST(nxTimeStamp, CountsSpans)

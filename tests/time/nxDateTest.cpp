@@ -37,36 +37,6 @@ TEST(nxDate, NullIsNoDayAndComesFirst)
     EXPECT_EQ(std::unordered_set<nxDate>({null, nxDate(), nxDate(2024, 1, 1)}).size(), 2U);
 }
 
-TEST(nxDate, CountsDaysWithoutAGap)
-{
-    // Every day of ten thousand years: its number, its weekday, its text and its successor.
-    nxDate date(1, 1, 1);
-    int number = -719162;
-    unsigned weekday = 1;
-    for (; date.IsValid(); ++number, weekday = weekday % 7 + 1)
-    {
-        ASSERT_EQ(date.GetDayNumber(), number) << date;
-        ASSERT_EQ(date.GetDayOfWeek(), weekday) << date;
-        ASSERT_EQ(nxDate::GetFromDayNumber(number), date);
-        nxDate read;
-        ASSERT_TRUE(read.SetFromString(date.GetAsString()).IsOK() && read == date) << date;
-        const nxDate next = date.GetWithDaysAdded(1);
-        if (next.IsValid() && next.GetDay() != date.GetDay() + 1)
-        {
-            ASSERT_EQ(next.GetDay(), 1U) << date;
-            ASSERT_FALSE(nxDate(date.GetYear(), date.GetMonth(), date.GetDay() + 1).IsValid()) << date;
-        }
-        date = next;
-    }
-    EXPECT_EQ(nxDate::GetFromDayNumber(number - 1), nxDate(9999, 12, 31));
-    EXPECT_EQ(nxDate::GetFromDayNumber(0), nxDate(1970, 1, 1));
-    EXPECT_EQ(nxDate(2020, 4, 20).GetDayOfWeek(), 1U);
-    for (const nxDate& none :
-         {nxDate::GetFromDayNumber(-719163), nxDate::GetFromDayNumber(LLONG_MIN),
-          nxDate(2024, 1, 1).GetWithDaysAdded(INT_MAX), nxDate(2024, 1, 1).GetWithDaysAdded(INT_MIN)})
-        EXPECT_TRUE(none.IsNull());
-}
-
 TEST(nxTime, ReadsTwoFormsAndLeavesItsValueAloneOtherwise)
 {
     const std::pair<const char*, const char*> accepted[] = {{"00:00:00", "00:00:00"},

@@ -63,8 +63,6 @@ TEST(nxDateTimeSpan, KeepsEverySumThatIsInRange)
           nxDateTimeSpan(nxDateTimeSpan::MaxDays, 1), nxDateTimeSpan::GetFromSeconds(LLONG_MAX, LLONG_MAX),
           nxDateTimeSpan::GetFromSeconds(LLONG_MIN, LLONG_MIN)})
         EXPECT_TRUE(null.IsNull() && null == none && !null.IsValid()) << null;
-    EXPECT_EQ(-(-longest), longest);
-    EXPECT_EQ(longest - longest, nxDateTimeSpan(0, 0));
     // Each part of a sum may be beyond what the sum is.
     EXPECT_EQ(nxDateTimeSpan(nxDateTimeSpan::MaxDays + 1, -day), longest);
     EXPECT_EQ(nxDateTimeSpan::GetFromSeconds(86'400LL * (nxDateTimeSpan::MaxDays + 2), -2 * day), longest);
@@ -77,38 +75,34 @@ TEST(nxDateTimeSpan, KeepsEverySumThatIsInRange)
 TEST(nxDateTimeSpan, AgreesWithIntegersThatHoldAllOfIt)
 {
     __extension__ using Wide = __int128;
+    constexpr Wide bound = Wide{nxDateTimeSpan::MaxDays} * day;
+    const auto make = [](Wide total)
+    { return nxDateTimeSpan(static_cast<int>(total / day), static_cast<long long>(total % day)); };
     std::mt19937_64 random(20240305);
+    // Near and far, half of them near a day's bound.
     const auto draw = [&random]
     {
-        // Near and far, and often at a day's bound.
-        const Wide days = static_cast<int>(random()) >> random() % 32;
-        const long long rest = static_cast<long long>(random() % 7) - 3;
-        return (days * day + (random() % 2 == 0 ? rest : rest * static_cast<long long>(random() % 50'000'000'000'000)));
-    };
-    const auto make = [](Wide total)
-    {
-        const nxDateTimeSpan span(static_cast<int>(total / day), static_cast<long long>(total % day));
-        const Wide bound = Wide{nxDateTimeSpan::MaxDays} * day;
-        EXPECT_EQ(span.IsNull(), total < -bound || total > bound);
-        return span;
+        const long long rest =
+            (static_cast<long long>(random() % 7) - 3) * (random() % 2 == 0 ? 1 : 10'000'000'000'001);
+        return (static_cast<int>(random()) >> random() % 32) % nxDateTimeSpan::MaxDays * Wide{day} + rest;
     };
     for (int i = 0; i < 100'000; ++i)
     {
         const Wide left = draw(), right = draw();
         const nxDateTimeSpan a = make(left), b = make(right);
-        if (a.IsNull() || b.IsNull())
-            continue;
-        ASSERT_EQ(a + b, make(left + right));
-        ASSERT_EQ(a - b, make(left - right));
+        ASSERT_EQ((a + b).IsNull(), left + right < -bound || left + right > bound) << a << b;
+        ASSERT_EQ((a - b).IsNull(), left - right < -bound || left - right > bound) << a << b;
+        ASSERT_EQ((std::pair{a + b, a - b}), (std::pair{make(left + right), make(left - right)}));
         ASSERT_EQ(a <=> b, left <=> right);
         const Wide parts = a.GetDays() * Wide{day} + a.GetHours() * Wide{3'600'000'000'000} +
                            a.GetMinutes() * Wide{60'000'000'000} + a.GetSeconds() * Wide{1'000'000'000} +
                            a.GetNanoseconds();
         ASSERT_TRUE(parts == left) << a;
+        ASSERT_EQ(nxDateTimeSpan::GetFromSeconds(a.GetTotalSeconds(), a.GetNanoseconds()), a);
         long long total = 1;
-        const nxErrorEnum fits = a.GetTotalNanoseconds(total);
-        ASSERT_EQ(fits.IsOK(), left >= LLONG_MIN && left <= LLONG_MAX) << a;
-        ASSERT_EQ(total, fits.IsOK() ? static_cast<long long>(left) : 1);
+        const bool fits = left >= LLONG_MIN && left <= LLONG_MAX;
+        ASSERT_EQ(a.GetTotalNanoseconds(total), fits ? nxErrorEnum() : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE));
+        ASSERT_EQ(total, fits ? static_cast<long long>(left) : 1);
         const auto seconds = static_cast<double>(static_cast<long double>(left) / 1e9L);
         ASSERT_NEAR(a.GetTotalSecondsAsDouble(), seconds, std::abs(seconds) * 0x1p-52);
         nxDateTimeSpan back;

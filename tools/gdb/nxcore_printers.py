@@ -188,7 +188,7 @@ class DateTimeSpanPrinter:
         self._days, self._nanoseconds = int(value["_days"]), int(value["_nanoseconds"])
 
     def to_string(self):
-        if self._days == -1 << 32:
+        if self._days == -1 << 31:
             return "NULL"
         if abs(self._days) > self.MAX_DAYS or not 0 <= self._nanoseconds < NANOSECONDS_A_DAY:
             return NOT_INITIALISED
