@@ -63,6 +63,7 @@ public:
     /// Each has the sign of the span, so that their sum is the span: the parts of "-PT36H" are -1 day and -12 hours. Each
     /// is 0 for null.
     /// @{
+
     /// Whole days, -MaxDays to MaxDays.
     constexpr int GetDays() const { return IsNull() ? 0 : static_cast<int>(_days + (_IsRoundedDown() ? 1 : 0)); }
     /// -23 to 23.
@@ -109,7 +110,8 @@ public:
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out) const;
 
-    friend constexpr bool operator==(nxDateTimeSpan, nxDateTimeSpan) = default;  ///< Null equals null.
+    /// Null equals null.
+    friend constexpr bool operator==(nxDateTimeSpan, nxDateTimeSpan) = default;
     /// Negative spans are less than zero, zero less than positive ones; null comes first.
     friend constexpr auto operator<=>(nxDateTimeSpan, nxDateTimeSpan) = default;
 
