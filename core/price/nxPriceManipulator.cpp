@@ -116,6 +116,14 @@ nxErrorEnum nxPriceManipulator::_GetNext(bool up, const nxDecimal& price, nxDeci
     return GetValidPrices(band, price).GetNext(up, price, next);
 }
 
+nxErrorEnum nxPriceManipulator::GetTicksBetween(const nxDecimal& from, const nxDecimal& to, long long& ticks) const
+{
+    if (_table != nullptr)
+        return _table->GetTicksBetween(from, to, ticks);
+    const nxValidPrices::Band band = MakeOnlyBand(_tickIncrement);
+    return nxValidPrices::CountTicks(std::span(&band, 1), from, to, ticks);
+}
+
 void nxDecimal::Round(const nxPriceManipulator& manipulator, const nxRoundingMethodEnum& method)
 {
     manipulator.RoundToValidTick(method, *this);

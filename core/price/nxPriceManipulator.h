@@ -91,6 +91,18 @@ public:
     {
         return _GetNext(true, price, next);
     }
+    /// Says whether a price may be sent.
+    /// @return NX_ERR_OBJECT_IS_NULL for a price without a value, NX_ERR_NO_MATCH for one that IsValidTick() is false for.
+    [[nodiscard]] nxErrorEnum CheckPrice(const nxDecimal& price) const
+    {
+        if (!price.IsValid())
+            return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+        return IsValidTick(price) ? nxErrorEnum() : nxErrorEnum(NX_ERR_NO_MATCH);
+    }
+    /// Sets @p ticks to the number of steps from one valid price to another, negative downwards: a distance in ticks.
+    /// @return the errors of nxVariableTickTable::GetTicksBetween(), whose words define the steps; NX_ERR_NO_MATCH too
+    ///         without a table and a tick. @p ticks is then untouched.
+    [[nodiscard]] nxErrorEnum GetTicksBetween(const nxDecimal& from, const nxDecimal& to, long long& ticks) const;
 
 private:
     static void _WarnOfNoTable();

@@ -35,3 +35,8 @@ nxErrorEnum nxTickTableCursor::_GetNext(bool up, nxDecimal price, nxDecimal& nex
 {
     return _place.GetNext(_table->_GetRules(), up, price, next);
 }
+
+nxErrorEnum nxTickTableCursor::_GetTicksBetween(nxDecimal from, nxDecimal to, long long& ticks)
+{
+    return _place.GetTicksBetween(_table->_GetRules(), from, to, ticks);
+}

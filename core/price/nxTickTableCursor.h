@@ -93,6 +93,12 @@ public:
         return _place.zone.FindNext(true, price, next) ? nxErrorEnum() : _GetNext(true, price, next);
     }
 
+    /// Counts the ticks between two valid prices; see nxVariableTickTable::GetTicksBetween().
+    [[nodiscard]] nxErrorEnum GetTicksBetween(const nxDecimal& from, const nxDecimal& to, long long& ticks)
+    {
+        return _place.zone.CountTicks(from, to, ticks) ? nxErrorEnum() : _GetTicksBetween(from, to, ticks);
+    }
+
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
     unsigned char NumberOfDecimalPlaces(const nxDecimal& price);
 
@@ -108,6 +114,7 @@ private:
     nxErrorEnum _RoundExact(const nxRoundingMethodEnum& method, nxDecimal& price);
     bool _IsValidTick(nxDecimal price);
     nxErrorEnum _GetNext(bool up, nxDecimal price, nxDecimal& next);
+    nxErrorEnum _GetTicksBetween(nxDecimal from, nxDecimal to, long long& ticks);
 
     const nxVariableTickTable* _table;
     nxTickPlace _place;

@@ -194,6 +194,17 @@ nxErrorEnum nxVariableTickTable::_GetNext(bool up, const nxDecimal& price, nxDec
     return nxValidPrices(_ranges).GetNext(up, price, next);
 }
 
+nxErrorEnum nxVariableTickTable::GetTicksBetween(const nxDecimal& from, const nxDecimal& to, long long& ticks) const
+{
+    if (from.IsValid())
+    {
+        const nxMutexGuard guard(_lock);
+        if (_Relocate(from) && _place.zone.CountTicks(from, to, ticks))
+            return nxErrorEnum();
+    }
+    return nxValidPrices::CountTicks(_ranges, from, to, ticks);
+}
+
 nxTickPlace nxVariableTickTable::_StartPlace(const nxDecimal& price) const
 {
     const nxMutexGuard guard(_lock);

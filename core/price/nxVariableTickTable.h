@@ -174,6 +174,12 @@ public:
     {
         return _GetNext(true, price, next);
     }
+    /// Sets @p ticks to the number of steps from one valid price to another, negative downwards. A step leads to the next
+    /// valid price, as GetNextAbove() finds it; so do the steps of Increment(), upwards and in a table whose bounds are the
+    /// last prices of their ticks. The count is summed up by bands, not by prices.
+    /// @return NX_ERR_OBJECT_IS_NULL when one price has no value, NX_ERR_NO_MATCH when one is not valid,
+    ///         NX_ERR_VALUE_OUT_OF_RANGE when 64 bits do not hold the count; @p ticks is then untouched.
+    [[nodiscard]] nxErrorEnum GetTicksBetween(const nxDecimal& from, const nxDecimal& to, long long& ticks) const;
 
     /// @return the decimal places of the increment of the price's band; 0 when there is no band.
     unsigned char NumberOfDecimalPlaces(const nxDecimal& price) const;

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/price/nxPriceManipulator.h"
 
+#include <random>
+
+#include "core/price/nxTickTableCursor.h"
 #include "core/price/nxVariableTickTableContainer.h"
 #include "core/testing/nxCapturingLogDevice.h"
 #include "tests/support/nxChildProcess.h"
+#include "tests/support/nxRandomTest.h"
 #include "tests/support/nxTest.h"
 
 namespace
@@ -87,4 +91,64 @@ TEST(nxPriceManipulator, AFixedTickTakenTooOftenWraps)
     nxDecimal price = D("0");
     nxPriceManipulator(D("9223372036854775807")).Increment(price, INT_MIN);
     EXPECT_EQ(price.GetValue(), 2147483648);
+}
+
+TEST(nxPriceManipulator, CountsTheTicksBetweenTwoPrices)
+{
+    constexpr const char* offGrid = "NX_ERR_NO_MATCH";
+    nxPriceManipulator variable;
+    ASSERT_TRUE(variable.SetVariableTickTable("VTT_EURONEXT_07").IsOK());
+    const std::tuple<nxPriceManipulator, const char*, const char*, std::string> rows[] = {
+        {nxPriceManipulator(D("0.05")), "9.95", "10", "1"},
+        {nxPriceManipulator(D("0.05")), "0.1", "-0.1000", "-4"},
+        {nxPriceManipulator(D("-0.05")), "-0.1", "-1", "-18"},
+        {nxPriceManipulator(D("0.05")), "9.95", "10.01", offGrid},
+        {nxPriceManipulator(D("0.05")), "9.95", "", "NX_ERR_OBJECT_IS_NULL"},
+        {nxPriceManipulator(D("0.000001")), "0", "9223372036854775807", "NX_ERR_VALUE_OUT_OF_RANGE"},
+        {nxPriceManipulator(D("1")), "0", "9223372036854775807", "9223372036854775807"},
+        {nxPriceManipulator(D("0")), "1", "2", offGrid},
+        {nxPriceManipulator(), "1", "2", offGrid},
+        {variable, "9.998", "10.005", "3"},
+    };
+    for (const auto& [manipulator, from, to, expected] : rows)
+    {
+        long long ticks = 77;
+        const nxErrorEnum error = manipulator.GetTicksBetween(D(from), D(to), ticks);
+        EXPECT_EQ(error.IsOK() ? std::to_string(ticks) : error.GetShortDescription(), expected) << from;
+        EXPECT_TRUE(error.IsOK() || ticks == 77);
+        const std::string check = manipulator.CheckPrice(D(to)).GetShortDescription();
+        EXPECT_EQ(check, expected == offGrid || *to == '\0' ? expected : nxErrorEnum().GetShortDescription());
+    }
+}
+
+TEST(nxPriceManipulator, CountsWhatStepsGoOver)
+{
+    std::mt19937_64 random(nxRandomTest::GetSeed(3));
+    for (const std::string& id : nxVariableTickTableContainer::GetVariableTickTableIDs())
+    {
+        SCOPED_TRACE(id);
+        const nxVariableTickTable& table = *nxVariableTickTableContainer::GetVariableTickTable(id);
+        nxTickTableCursor cursor(table);
+        const auto count = [&](const nxDecimal& from, const nxDecimal& to)
+        {
+            long long ticks = 0, again = 0;
+            EXPECT_TRUE(table.GetTicksBetween(from, to, ticks).IsOK() &&
+                        cursor.GetTicksBetween(from, to, again).IsOK());
+            EXPECT_EQ(ticks, again);
+            return ticks;
+        };
+        for (const auto& [bound, tick] : table.GetRangeData())
+            for (int i = 0; i < 4; ++i)
+            {
+                nxDecimal from = bound.EqualsExactly(nxDecimal::GetMaximumDecimal()) ? D("1000000") : bound;
+                ASSERT_TRUE(table.GetNextBelow(from, from).IsOK());
+                nxDecimal to = from;
+                const int steps = static_cast<int>(random() >> (33 + random() % 30));
+                table.Increment(to, steps);
+                ASSERT_EQ(count(from, to), steps) << from;
+                ASSERT_EQ(count(to, from), -steps);
+                ASSERT_EQ(count(nxDecimal::Negate(from), nxDecimal::Negate(to)), -steps);
+                ASSERT_EQ(count(nxDecimal::Negate(from), to), count(D("0"), to) + count(D("0"), from));
+            }
+    }
 }

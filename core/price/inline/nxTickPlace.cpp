@@ -132,3 +132,11 @@ nxErrorEnum nxTickPlace::GetNext(const nxTickRules& rules, bool isUp, const nxDe
         return nxErrorEnum();
     return nxValidPrices(rules.GetBands()).GetNext(isUp, price, next);
 }
+
+nxErrorEnum nxTickPlace::GetTicksBetween(const nxTickRules& rules, const nxDecimal& from, const nxDecimal& to,
+                                         long long& ticks)
+{
+    if (from.IsValid() && Relocate(rules, from) && zone.CountTicks(from, to, ticks))
+        return nxErrorEnum();
+    return nxValidPrices::CountTicks(rules.GetBands(), from, to, ticks);
+}

@@ -65,6 +65,10 @@ struct nxTickPlace
     /// Finds the closest valid price above @p price, or below it.
     /// @return the errors of nxVariableTickTable::GetNextBelow(); @p next is then untouched.
     [[nodiscard]] nxErrorEnum GetNext(const nxTickRules& rules, bool isUp, const nxDecimal& price, nxDecimal& next);
+    /// Counts the valid prices from one to the other.
+    /// @return the errors of nxVariableTickTable::GetTicksBetween(); @p ticks is then untouched.
+    [[nodiscard]] nxErrorEnum GetTicksBetween(const nxTickRules& rules, const nxDecimal& from, const nxDecimal& to,
+                                              long long& ticks);
 
 private:
     template <class StepOnce>

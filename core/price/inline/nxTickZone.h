@@ -130,6 +130,23 @@ struct nxTickZone
         return true;
     }
 
+    /// Counts the steps from one multiple of the tick to another, negative downwards.
+    /// @return false, with @p ticks unchanged, when one of the prices is outside, not valid or no multiple.
+    bool CountTicks(const nxDecimal& from, const nxDecimal& to, long long& ticks) const
+    {
+        const std::uint64_t first = static_cast<std::uint64_t>(from.GetValue()) - rounding.first;
+        const std::uint64_t last = static_cast<std::uint64_t>(to.GetValue()) - rounding.first;
+        if (from.GetScale() != roundingPlaces || to.GetScale() != roundingPlaces || first > rounding.span ||
+            last > rounding.span)
+            return false;
+        const std::uint64_t firstTicks = _CountTicks(first, _down);
+        const std::uint64_t lastTicks = _CountTicks(last, _down);
+        if (firstTicks != _CountTicks(first, _up) || lastTicks != _CountTicks(last, _up))
+            return false;
+        ticks = static_cast<long long>(lastTicks) - static_cast<long long>(firstTicks);
+        return true;
+    }
+
     /// Moves a price up (or down) by as many of @p wanted ticks as provably stay by the rules of this band.
     /// @return the ticks moved, 0 when even the first one needs the decimal rules.
     std::uint64_t Step(bool isUp, std::uint64_t wanted, nxDecimal& price) const

@@ -167,3 +167,48 @@ nxErrorEnum nxValidPrices::_Store(nxUnsignedWide units, std::size_t band, nxDeci
                                                          std::min(tickPlaces, _places));
     return nxErrorEnum();
 }
+
+bool nxValidPrices::_CountOutwards(const nxDecimal& lower, const nxDecimal& upper, nxUnsignedWide& count) const
+{
+    const _Position start = _GetPosition(nxDecimal::Abs(lower));
+    const nxUnsignedWide end = _GetPosition(nxDecimal::Abs(upper)).units;
+    const std::size_t band = _FindBand(lower, start);
+    for (std::size_t i = band == 0 ? 0 : band - 1; i != _bands.size(); ++i)
+    {
+        _Lattice lattice;
+        if (!_MakeLattice(i, lattice))
+            return false;
+        const nxUnsignedWide first = std::max(lattice.first, start.units + 1);
+        const nxUnsignedWide last = std::min(lattice.last, end);
+        if (first <= last)
+            count += last / lattice.tick - (first - 1) / lattice.tick;
+        if (end <= lattice.last)
+            break;
+    }
+    return true;
+}
+
+nxErrorEnum nxValidPrices::CountTicks(std::span<const Band> bands, const nxDecimal& from, const nxDecimal& to,
+                                      long long& ticks)
+{
+    if (!from.IsValid() || !to.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    unsigned char places = 0;
+    for (const auto& [bound, tick] : bands)
+        places = std::max({places, bound.GetDecimalPlaces(), tick.GetDecimalPlaces()});
+    const nxValidPrices prices(bands, std::min(places, MostPlaces));
+    if (!prices.Contains(from) || !prices.Contains(to))
+        return nxErrorEnum(NX_ERR_NO_MATCH);
+    const nxDecimal zero;
+    const bool isUp = from.CompareExact(to) <= 0;
+    const nxDecimal& inner = from.IsNegative() == isUp ? to : from;
+    const nxDecimal& outer = from.IsNegative() == isUp ? from : to;
+    nxUnsignedWide count = 0;
+    const bool isCounted = from.IsNegative() == to.IsNegative()
+                               ? prices._CountOutwards(inner, outer, count)
+                               : prices._CountOutwards(zero, from, count) && prices._CountOutwards(zero, to, count);
+    if (!isCounted || count > nxUnsignedWide{INT64_MAX})
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    ticks = isUp ? static_cast<long long>(count) : -static_cast<long long>(count);
+    return nxErrorEnum();
+}

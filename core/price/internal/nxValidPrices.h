@@ -45,6 +45,12 @@ public:
     /// @return NX_ERR_OBJECT_IS_NULL for a price without a value, NX_ERR_NO_MATCH for one without a band,
     ///         NX_ERR_VALUE_OUT_OF_RANGE when 64 bits do not hold the next one; @p next is then untouched.
     [[nodiscard]] nxErrorEnum GetNext(bool isUp, const nxDecimal& price, nxDecimal& next) const;
+    /// Counts the steps from one valid price to another, negative downwards, where a step leads to the next valid price.
+    /// @param bands ascending.
+    /// @return NX_ERR_OBJECT_IS_NULL when one of the prices has no value, NX_ERR_NO_MATCH when one is not valid,
+    ///         NX_ERR_VALUE_OUT_OF_RANGE when 64 bits do not hold the number; @p ticks is then untouched.
+    [[nodiscard]] static nxErrorEnum CountTicks(std::span<const Band> bands, const nxDecimal& from, const nxDecimal& to,
+                                                long long& ticks);
 
 private:
     // A magnitude in units of the common places.
@@ -66,6 +72,8 @@ private:
     std::size_t _FindBand(const nxDecimal& price, const _Position& position) const;
     bool _GetUnits(const nxDecimal& number, nxUnsignedWide& units) const;
     bool _MakeLattice(std::size_t band, _Lattice& lattice) const;
+    // The number of valid magnitudes above the lower and up to the upper price; false where a band has none at all.
+    bool _CountOutwards(const nxDecimal& lower, const nxDecimal& upper, nxUnsignedWide& count) const;
     nxErrorEnum _GetOutwards(std::size_t band, const _Position& position, nxDecimal& next) const;
     nxErrorEnum _GetInwards(std::size_t band, const _Position& position, nxDecimal& next) const;
     nxErrorEnum _Store(nxUnsignedWide units, std::size_t band, nxDecimal& next) const;
