@@ -19,7 +19,7 @@ void OffGridListing::Begin(std::string& text) const
 void OffGridListing::Add(const OffGridPrice& price, std::string& text) const
 {
     const std::string line = std::to_string(price.line);
-    const std::string numbers[] = {DecimalText(price.price), DecimalText(price.below), DecimalText(price.above)};
+    const std::string numbers[] = {_GetText(price.price), _GetText(price.below), _GetText(price.above)};
     switch (_format)
     {
         case Request::Format::Text:
@@ -37,6 +37,19 @@ void OffGridListing::Add(const OffGridPrice& price, std::string& text) const
             text += ",\"price\":" + numbers[0] + ",\"below\":" + numbers[1] + ",\"above\":" + numbers[2] + "}";
             break;
     }
+}
+
+// As the format needs it.
+std::string OffGridListing::_GetText(const nxDecimal& price) const
+{
+    const std::string text = _notation.GetText(price);
+    if (_notation.IsPlain() || _format == Request::Format::Text)
+        return text;
+    if (_format == Request::Format::Csv)
+        return CsvDialect().GetField(text);
+    std::string json;
+    AppendJson(text, json);
+    return json;
 }
 
 // No comma comes before the first object of an array.

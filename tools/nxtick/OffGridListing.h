@@ -27,12 +27,15 @@ struct OffGridPrice
 };
 
 /// The text of a list of prices off the grid: lines for people, CSV with a header, or an array of JSON with one object a
-/// line. Numbers have a point and all their digits.
+/// line. Numbers have a point and all their digits; prices in a notation are texts.
 class OffGridListing
 {
 public:
     /// @param hasColumns whether a line for people names the column.
-    OffGridListing(Request::Format format, bool hasColumns) : _format(format), _hasColumns(hasColumns) {}
+    OffGridListing(Request::Format format, const PriceNotation& notation, bool hasColumns)
+        : _format(format), _notation(notation), _hasColumns(hasColumns)
+    {
+    }
 
     void Begin(std::string& text) const;
     /// Several threads may call it.
@@ -45,7 +48,10 @@ public:
     static std::string GetCounts(Request::Format format, const SnapCounts& counts);
 
 private:
+    std::string _GetText(const nxDecimal& price) const;
+
     Request::Format _format;
+    PriceNotation _notation;
     bool _hasColumns;
     bool _isEmpty = true;
 };

@@ -23,7 +23,7 @@ using Rows = std::vector<std::vector<std::string>>;
 nxDecimal ReadPrice(const PriceGrid& grid, const Request& request)
 {
     nxDecimal price;
-    if (const char* const reason = grid.ReadPrice(request.price, price); reason != nullptr)
+    if (const char* const reason = request.notation.Read(grid, request.price, price); reason != nullptr)
         throw Failure("-price " + Quoted(request.price) + " " + reason);
     return price;
 }
@@ -83,17 +83,19 @@ std::string ChangeText(const nxDecimal& above, const nxDecimal& below)
     return "--- ticks of " + DecimalText(above) + " above, " + DecimalText(below) + " below ---";
 }
 
-std::string LadderText(const GridChoice& choice, const nxDecimal& middle, const std::vector<Rung>& rungs)
+std::string LadderText(const GridChoice& choice, const PriceNotation& notation, const nxDecimal& middle,
+                       const std::vector<Rung>& rungs)
 {
     Rows rows = {{"", "price", "tick"}};
     for (const Rung& rung : rungs)
-        rows.push_back({rung.isMiddle ? ">" : "", DecimalText(rung.price), DecimalText(rung.tick),
+        rows.push_back({rung.isMiddle ? ">" : "", notation.GetText(rung.price), DecimalText(rung.tick),
                         rung.isOnGrid ? "" : "off the grid"});
     const std::vector<std::string> lines = ColumnLines(rows, {}, {1, 2});
 
     const Terminal terminal;
-    std::string text = terminal.Styled(Terminal::Style::Bold, choice.GetName() + " around " + DecimalText(middle)) +
-                       "\n\n" + terminal.Styled(Terminal::Style::Faint, lines.front()) + "\n";
+    std::string text =
+        terminal.Styled(Terminal::Style::Bold, choice.GetName() + " around " + notation.GetText(middle)) + "\n\n" +
+        terminal.Styled(Terminal::Style::Faint, lines.front()) + "\n";
     for (std::size_t i = 0; i < rungs.size(); ++i)
     {
         if (i > 0 && rungs[i].tick != rungs[i - 1].tick)
@@ -103,13 +105,22 @@ std::string LadderText(const GridChoice& choice, const nxDecimal& middle, const 
     return text;
 }
 
-Records LadderRecords(const std::string& table, const std::vector<Rung>& rungs)
+// A number for programs is one in plain decimals.
+Records::Kind GetKind(const PriceNotation& notation)
+{
+    return notation.IsPlain() ? Records::Kind::Number : Records::Kind::Text;
+}
+
+Records LadderRecords(const std::string& table, const PriceNotation& notation, const std::vector<Rung>& rungs)
 {
     using Kind = Records::Kind;
-    Records records(
-        {{"table"}, {"price", Kind::Number}, {"tick", Kind::Number}, {"given", Kind::Truth}, {"on_grid", Kind::Truth}});
+    Records records({{"table"},
+                     {"price", GetKind(notation)},
+                     {"tick", Kind::Number},
+                     {"given", Kind::Truth},
+                     {"on_grid", Kind::Truth}});
     for (const Rung& rung : rungs)
-        records.Add({table, DecimalText(rung.price), DecimalText(rung.tick), TruthText(rung.isMiddle),
+        records.Add({table, notation.GetText(rung.price), DecimalText(rung.tick), TruthText(rung.isMiddle),
                      TruthText(rung.isOnGrid)});
     return records;
 }
@@ -119,36 +130,39 @@ struct Answer
 {
     const char* title;
     std::string_view name;
-    nxDecimal price;
+    std::string text;
 };
 
-std::vector<Answer> Answers(PriceGrid& grid, const nxDecimal& price)
+// The tick, which is no price, and the prices that follow from the price.
+std::vector<Answer> Answers(PriceGrid& grid, const PriceNotation& notation, const nxDecimal& price)
 {
+    const auto rounded = [&](nxEnumValue method) { return notation.GetText(Rounded(grid, method, price)); };
     return {
-        {"tick", "tick", grid.GetTick(price)},
-        {"next below", "below", grid.GetBelow(price)},
-        {"next above", "above", grid.GetAbove(price)},
-        {"nearest", "nearest", Rounded(grid, NX_ROUNDING_METHOD_NEAREST, price)},
-        {"modified nearest", "modified_nearest", Rounded(grid, NX_ROUNDING_METHOD_MODIFIED_NEAREST, price)},
-        {"rounded up", "rounded_up", Rounded(grid, NX_ROUNDING_METHOD_UP, price)},
-        {"rounded down", "rounded_down", Rounded(grid, NX_ROUNDING_METHOD_DOWN, price)},
+        {"tick", "tick", DecimalText(grid.GetTick(price))},
+        {"next below", "below", notation.GetText(grid.GetBelow(price))},
+        {"next above", "above", notation.GetText(grid.GetAbove(price))},
+        {"nearest", "nearest", rounded(NX_ROUNDING_METHOD_NEAREST)},
+        {"modified nearest", "modified_nearest", rounded(NX_ROUNDING_METHOD_MODIFIED_NEAREST)},
+        {"rounded up", "rounded_up", rounded(NX_ROUNDING_METHOD_UP)},
+        {"rounded down", "rounded_down", rounded(NX_ROUNDING_METHOD_DOWN)},
     };
 }
 
-Records PriceRecords(const std::string& table, bool isOnGrid, const nxDecimal& price,
-                     const std::vector<Answer>& answers, const std::optional<int>& step, const std::string& stepped)
+Records PriceRecords(const std::string& table, bool isOnGrid, const std::string& price,
+                     const std::vector<Answer>& answers, const Request& request, const std::string& stepped)
 {
     constexpr auto number = Records::Kind::Number;
-    std::vector<Records::Column> columns = {{"table"}, {"price", number}, {"on_grid", Records::Kind::Truth}};
-    std::vector<std::string> cells = {table, DecimalText(price), TruthText(isOnGrid)};
+    const Records::Kind priceKind = GetKind(request.notation);
+    std::vector<Records::Column> columns = {{"table"}, {"price", priceKind}, {"on_grid", Records::Kind::Truth}};
+    std::vector<std::string> cells = {table, price, TruthText(isOnGrid)};
     for (const Answer& answer : answers)
     {
-        columns.push_back({answer.name, number});
-        cells.push_back(DecimalText(answer.price));
+        columns.push_back({answer.name, answer.name == "tick" ? number : priceKind});
+        cells.push_back(answer.text);
     }
     columns.push_back({"step", number});
-    columns.push_back({"stepped", number});
-    cells.push_back(step ? std::to_string(*step) : "");
+    columns.push_back({"stepped", priceKind});
+    cells.push_back(request.step ? std::to_string(*request.step) : "");
     cells.push_back(stepped);
     Records records(std::move(columns));
     records.Add(std::move(cells));
@@ -162,20 +176,21 @@ int Price(const Request& request)
     PriceGrid& grid = choice.GetGrid();
     const nxDecimal price = ReadPrice(grid, request);
     const bool isOnGrid = grid.IsOnGrid(price);
-    const std::vector<Answer> answers = Answers(grid, price);
-    const std::string stepped = request.step ? DecimalText(Moved(grid, *request.step, price)) : "";
+    const std::string text = request.notation.GetText(price);
+    const std::vector<Answer> answers = Answers(grid, request.notation, price);
+    const std::string stepped = request.step ? request.notation.GetText(Moved(grid, *request.step, price)) : "";
     if (request.format != Request::Format::Text)
     {
         const std::string table = request.table.empty() ? "" : choice.GetName();
-        OutputFile::Print(PriceRecords(table, isOnGrid, price, answers, request.step, stepped).GetText(request.format));
+        OutputFile::Print(PriceRecords(table, isOnGrid, text, answers, request, stepped).GetText(request.format));
         return 0;
     }
     Rows rows;
     for (const Answer& answer : answers)
-        rows.push_back({answer.title, DecimalText(answer.price)});
+        rows.push_back({answer.title, answer.text});
     if (request.step)
         rows.push_back({TicksText(*request.step), stepped});
-    OutputFile::Print(Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + DecimalText(price)) +
+    OutputFile::Print(Terminal().Styled(Terminal::Style::Bold, choice.GetName() + " at " + text) +
                       (isOnGrid ? ", on the grid\n\n" : ", off the grid\n\n") + Columns(rows, {}, {1}));
     return 0;
 }
@@ -187,8 +202,9 @@ int Ladder(const Request& request)
     const nxDecimal middle = ReadPrice(grid, request);
     const std::vector<Rung> rungs = MakeLadder(grid, middle, request.ladder);
     const std::string table = request.table.empty() ? "" : choice.GetName();
-    OutputFile::Print(request.format == Request::Format::Text ? LadderText(choice, middle, rungs)
-                                                              : LadderRecords(table, rungs).GetText(request.format));
+    OutputFile::Print(request.format == Request::Format::Text
+                          ? LadderText(choice, request.notation, middle, rungs)
+                          : LadderRecords(table, request.notation, rungs).GetText(request.format));
     return 0;
 }
 }  // namespace nxtick

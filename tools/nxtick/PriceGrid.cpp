@@ -116,11 +116,13 @@ const char* PriceGrid::ReadPrice(std::string_view text, nxDecimal& price, const 
     const char* const reason = ReadNumber(WithoutBlanks(text), value, form);
     if (reason == notANumber)
         return "is not a price";
-    if (reason != nullptr || !Fits(value, _places))
+    if (reason != nullptr || !HasRoomAt(value))
         return "has more digits than a price can hold";
     price = CopyFresh(value);
     return nullptr;
 }
+
+bool PriceGrid::HasRoomAt(const nxDecimal& price) const { return Fits(price, _places); }
 
 void PriceGrid::_AddTick(const nxDecimal& tick)
 {

@@ -37,6 +37,9 @@ public:
     ///         room in 64 bits for its neighbours at the grid's number of decimals.
     const char* ReadPrice(std::string_view text, nxDecimal& price, const NumberForm& form = {}) const;
 
+    /// @return whether there is room in 64 bits for the neighbours of a price.
+    bool HasRoomAt(const nxDecimal& price) const;
+
     /// @return whether the two neighbours are worth columns of their own.
     virtual bool HasBands() const = 0;
     virtual nxDecimal GetTick(const nxDecimal& price) = 0;

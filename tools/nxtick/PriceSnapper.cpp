@@ -11,8 +11,9 @@ namespace nxtick
 {
 namespace
 {
-// The most that a number takes with its separator and quotes: 19 digits, or 18 decimals, a sign and a point.
-constexpr std::size_t widestColumn = 48;
+// The most that a number takes with its separator and quotes, also one in a notation: its mark may be a quote that is
+// doubled, and only one character is.
+constexpr std::size_t widestColumn = nxPriceConverter::MaxTextSize + 4;
 
 // The snapped price less the price, exactly; false when a decimal does not hold it.
 bool GetDistance(const nxDecimal& snapped, const nxDecimal& price, nxDecimal& distance)
@@ -98,16 +99,16 @@ bool PriceSnapper::_Compute(const CsvRow& row, std::size_t column, PriceGrid& gr
                 out = _AddTick(grid.GetTick(price), out);
                 break;
             case AddedColumn::Snapped:
-                out = _Add(snapped, out);
+                out = _AddPrice(snapped, out);
                 break;
             case AddedColumn::Moved:
                 out = _Add(distance, out);
                 break;
             case AddedColumn::Below:
-                out = _Add(grid.GetBelow(price), out);
+                out = _AddPrice(grid.GetBelow(price), out);
                 break;
             case AddedColumn::Above:
-                out = _Add(grid.GetAbove(price), out);
+                out = _AddPrice(grid.GetAbove(price), out);
                 break;
         }
     const bool isMoved = !distance.IsZero();
@@ -131,6 +132,16 @@ char* PriceSnapper::_AddTick(const nxDecimal& tick, char* out)
     }
     std::memcpy(out, _tickText, sizeof _tickText);
     return out + _tickSize;
+}
+
+char* PriceSnapper::_AddPrice(const nxDecimal& price, char* out) const
+{
+    if (_plan.GetNotation().IsPlain())
+        return _Add(price, out);
+    const CsvDialect& dialect = _plan.GetDialect();
+    const std::string text = dialect.GetField(_plan.GetNotation().GetText(price, _plan.GetNumberForm().point));
+    *out++ = dialect.separator;
+    return std::copy(text.begin(), text.end(), out);
 }
 
 char* PriceSnapper::_Add(const nxDecimal& number, char* out) const

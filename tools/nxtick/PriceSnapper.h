@@ -41,6 +41,7 @@ private:
     char* _AddEmpty(std::size_t count, char* out) const;
     char* _AddTick(const nxDecimal& tick, char* out);
     char* _Add(const nxDecimal& number, char* out) const;
+    char* _AddPrice(const nxDecimal& price, char* out) const;
 
     const SnapPlan& _plan;
     RowPrices _prices;

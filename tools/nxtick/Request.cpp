@@ -67,6 +67,7 @@ constexpr OptionRule rules[] = {
     {"table", true, onTable},
     {"increment", true, onGrid},
     {"price", true, Action::Price | Action::Ladder, never | Action::Ladder, "the middle of the ladder"},
+    {"notation", true, onGrid},
     {"step", true, never | Action::Price},
     {"ladder", true, never | Action::Ladder},
     {"chart", true, never | Action::Chart},
@@ -172,6 +173,13 @@ nxDecimal ReadIncrement(const std::string& text)
     if (!increment.IsPositive())
         throw Failure("-increment " + Quoted(text) + " is not positive");
     return increment;
+}
+
+PriceNotation ReadNotation(const Options& options)
+{
+    if (Has(options, "exponents"))
+        throw Failure("option -exponents does not go with -notation");
+    return PriceNotation(Value(options, "notation"));
 }
 
 int ReadCount(const Options& options, const char* name, int least, int most)
@@ -290,6 +298,8 @@ Request ReadRequest(const char* const* argv)
     request.price = Value(options, "price");
     if (Has(options, "increment"))
         request.increment = ReadIncrement(Value(options, "increment"));
+    if (Has(options, "notation"))
+        request.notation = ReadNotation(options);
     if (Has(options, "step"))
         request.step = ReadCount(options, "step", -1000000, 1000000);
     if (Has(options, "ladder"))
@@ -322,6 +332,7 @@ std::string GetHelp()
            "  -increment I   one fixed tick, in place of -table ID; or for each row its own:\n"
            "                 -table-column NAME, or -mapping FILE -symbol-column NAME\n"
            "  -tables FILE   tables of your own, lines of name,band,upper_bound,increment\n"
+           "  -notation N    prices as FRACTION:32, MODIFIED:32/4 or DECIMAL:2 write them\n"
            "  -out FILE      or -in-place; else, and without FILE, the standard streams\n"
            "  -method        nearest (the default), modified-nearest, up or down\n"
            "  -separator, -quote, -decimal-comma, -exponents, -no-header: forms of a file\n"

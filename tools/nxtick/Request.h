@@ -6,6 +6,7 @@
 #include <string>
 
 #include "CsvRequest.h"
+#include "PriceNotation.h"
 #include "core/numeric/nxDecimal.h"
 
 namespace nxtick
@@ -43,7 +44,8 @@ struct Request
     std::string filter;
     std::string status;
     std::string venue;
-    std::string price;  ///< As given; the grid reads it.
+    PriceNotation notation;  ///< Of prices that are read and shown.
+    std::string price;       ///< As given; the notation reads it.
     std::optional<int> step;
     int ladder = 0;
     std::string chartFile;

@@ -64,7 +64,7 @@ bool RowPrices::Read(const CsvRow& row, std::size_t column, const PriceGrid& gri
         ++_counts.empty;
         return false;
     }
-    const char* const reason = grid.ReadPrice(field, price, _plan.GetNumberForm());
+    const char* const reason = _plan.GetNotation().Read(grid, field, price, _plan.GetNumberForm());
     if (reason != nullptr)
         Reject(row, column, reason);
     return reason == nullptr;

@@ -71,7 +71,7 @@ public:
     {
         const bool isCount = _csv.check == CsvRequest::Check::Count;
         OutputFile output(_csv.outFile);
-        OffGridListing listing(_request.format,
+        OffGridListing listing(_request.format, _request.notation,
                                _csv.columns.size() > 1 || _csv.columns[0].find(',') != std::string::npos);
         std::string text;
         if (!isCount)
@@ -137,7 +137,7 @@ private:
         if (!_FindFirst(passage, row, !isContinued))
             return passage.HandOver();
         const CsvHeader header(row, _csv.hasHeader);
-        const SnapPlan plan(_csv, header, _source.HasBands());
+        const SnapPlan plan(_csv, _request.notation, header, _source.HasBands());
         if (isContinued)
             _Continue(header, row, passage.GetText());
         else
@@ -164,7 +164,7 @@ private:
         if (!_FindFirst(passage, row, false))
             return;
         const CsvHeader header(row, _csv.hasHeader);
-        const SnapPlan plan(_csv, header, _source.HasBands());
+        const SnapPlan plan(_csv, _request.notation, header, _source.HasBands());
         if (!_csv.hasHeader)
             _RemoveByteOrderMark(row);
         const auto makeWork = [&](RowGrids& grids, Passage::Complaint complaint)

@@ -46,9 +46,10 @@ std::vector<std::string> MakeNames(const std::string& column, const std::vector<
 }
 }  // namespace
 
-SnapPlan::SnapPlan(const CsvRequest& request, const CsvHeader& header, bool hasBands)
+SnapPlan::SnapPlan(const CsvRequest& request, const PriceNotation& notation, const CsvHeader& header, bool hasBands)
     : _dialect(request.dialect),
       _numbers(request.numbers),
+      _notation(notation),
       _method(request.method),
       _fieldCount(header.GetSize()),
       _hasHeader(request.hasHeader),

@@ -10,6 +10,7 @@
 #include "CsvHeader.h"
 #include "CsvRequest.h"
 #include "CsvRow.h"
+#include "PriceNotation.h"
 
 namespace nxtick
 {
@@ -20,10 +21,11 @@ class SnapPlan
 public:
     /// @param hasBands whether the grids have ticks that change.
     /// @throws FileFailure "LINE: reason" when a column is missing or is there twice, or a new name is taken.
-    SnapPlan(const CsvRequest& request, const CsvHeader& header, bool hasBands);
+    SnapPlan(const CsvRequest& request, const PriceNotation& notation, const CsvHeader& header, bool hasBands);
 
     const CsvDialect& GetDialect() const { return _dialect; }
     const NumberForm& GetNumberForm() const { return _numbers; }
+    const PriceNotation& GetNotation() const { return _notation; }
     const nxRoundingMethodEnum& GetMethod() const { return _method; }
     /// How many fields each row has.
     std::size_t GetFieldCount() const { return _fieldCount; }
@@ -51,6 +53,7 @@ private:
 
     CsvDialect _dialect;
     NumberForm _numbers;
+    PriceNotation _notation;
     nxRoundingMethodEnum _method;
     std::size_t _fieldCount;
     bool _hasHeader;
