@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "core/price/internal/nxFractionTextQuick.h"
+
 namespace
 {
 std::string NameFraction(unsigned denominator, char mark)
@@ -28,7 +30,7 @@ nxFractionalPriceConverter::nxFractionalPriceConverter(const nxFractionText& tex
 
 nxErrorEnum nxFractionalPriceConverter::SetFromStringView(std::string_view text, nxDecimal& price, char separator) const
 {
-    return _text.Read(text, separator, price);
+    return _text.Read(text, price, separator);
 }
 
 std::size_t nxFractionalPriceConverter::GetAsString(char* buffer, const nxDecimal& price, char separator) const

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "core/price/internal/nxFractionTextQuick.h"
+
 namespace
 {
 typedef nxModifiedFractionalPriceConverter::SubDigits SubDigits;
@@ -52,7 +54,7 @@ nxModifiedFractionalPriceConverter::nxModifiedFractionalPriceConverter(const nxF
 nxErrorEnum nxModifiedFractionalPriceConverter::SetFromStringView(std::string_view text, nxDecimal& price,
                                                                   char separator) const
 {
-    return _text.Read(text, separator, price);
+    return _text.Read(text, price, separator);
 }
 
 std::size_t nxModifiedFractionalPriceConverter::GetAsString(char* buffer, const nxDecimal& price, char separator) const

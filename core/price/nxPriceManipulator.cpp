@@ -29,6 +29,23 @@ nxValidPrices::Band MakeOnlyBand(const nxDecimal& increment)
     return {nxDecimal::GetMaximumDecimal(), nxDecimal::Abs(increment)};
 }
 
+// Counts between multiples of a tick that have its places, as they mostly have; false for all other prices, and for the most
+// negative mantissa, which is no valid price.
+bool CountQuickly(const nxDecimal& tick, const nxDecimal& from, const nxDecimal& to, long long& ticks)
+{
+    const bool shareScale = from.GetScale() == tick.GetScale() && to.GetScale() == tick.GetScale();
+    if (!tick.IsPositive() || !shareScale || from.GetValue() == INT64_MIN || to.GetValue() == INT64_MIN)
+        return false;
+    const long long start = from.GetValue() / tick.GetValue();
+    const long long end = to.GetValue() / tick.GetValue();
+    long long count = 0;
+    if (start * tick.GetValue() != from.GetValue() || end * tick.GetValue() != to.GetValue() ||
+        __builtin_sub_overflow(end, start, &count))
+        return false;
+    ticks = count;
+    return true;
+}
+
 nxValidPrices GetValidPrices(const nxValidPrices::Band& onlyBand, const nxDecimal& price)
 {
     const unsigned char places = std::max(onlyBand.second.GetDecimalPlaces(), price.GetDecimalPlaces());
@@ -120,6 +137,8 @@ nxErrorEnum nxPriceManipulator::GetTicksBetween(const nxDecimal& from, const nxD
 {
     if (_table != nullptr)
         return _table->GetTicksBetween(from, to, ticks);
+    if (CountQuickly(_tickIncrement, from, to, ticks))
+        return nxErrorEnum();
     const nxValidPrices::Band band = MakeOnlyBand(_tickIncrement);
     return nxValidPrices::CountTicks(std::span(&band, 1), from, to, ticks);
 }

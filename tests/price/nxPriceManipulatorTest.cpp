@@ -106,6 +106,8 @@ TEST(nxPriceManipulator, CountsTheTicksBetweenTwoPrices)
         {nxPriceManipulator(D("0.05")), "9.95", "", "NX_ERR_OBJECT_IS_NULL"},
         {nxPriceManipulator(D("0.000001")), "0", "9223372036854775807", "NX_ERR_VALUE_OUT_OF_RANGE"},
         {nxPriceManipulator(D("1")), "0", "9223372036854775807", "9223372036854775807"},
+        {nxPriceManipulator(D("1")), "-9223372036854775807", "9223372036854775807", "NX_ERR_VALUE_OUT_OF_RANGE"},
+        {nxPriceManipulator(D("1")), "0", "-9223372036854775808", offGrid},
         {nxPriceManipulator(D("0")), "1", "2", offGrid},
         {nxPriceManipulator(), "1", "2", offGrid},
         {variable, "9.998", "10.005", "3"},

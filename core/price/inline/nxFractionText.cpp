@@ -2,10 +2,10 @@
 #include "core/price/inline/nxFractionText.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "core/numeric/inline/nxDecimalQuick.h"
 #include "core/numeric/inline/nxWide.h"
-#include "core/numeric/internal/nxPriceText.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/text/inline/nxDigits.h"
 
@@ -47,7 +47,9 @@ nxFractionText::nxFractionText(unsigned denominator, unsigned parts, unsigned ch
     const bool hasDigits = isDivided ? parts >= 2 && partDigits >= 1 && partDigits <= MaxPartDigits
                                      : digits == Digits::None && parts == 1 && partDigits == 0;
     if (!IsMark(mark) || !hasDigits || !_MakeParts() || !_MakeUnit())
-        _unit = 0;
+        return;
+    _MakeQuickForms();
+    _MakeStepTexts();
 }
 
 bool nxFractionText::_MakeUnit()
@@ -60,29 +62,85 @@ bool nxFractionText::_MakeUnit()
     if (others != 1)
         return false;
     _places = std::max(twos, fives);
-    _unit = static_cast<std::uint32_t>(nxPowersOfTen::GetInteger(_places) / (_denominator * _parts));
+    _power = nxPowersOfTen::GetInteger(_places);
+    _unit = static_cast<std::uint32_t>(_power / (_denominator * _parts));
+    _byUnit = nxReciprocal::Of(_unit);
+    _bySteps = nxReciprocal::Of(_denominator * _parts);
     for (unsigned largest = _denominator - 1; largest != 0; largest /= 10)
         ++_width;
     return true;
 }
 
-// Fills both tables; false when two parts have the same digits, or a part has too many.
+nxFractionText::_Form nxFractionText::_MakeForm(std::size_t count) const
+{
+    _Form form;
+    form.count = count;
+    const std::size_t markBit = 56 - 8 * count;
+    form.markMask = std::uint64_t{0xFF} << markBit;
+    form.mark = std::uint64_t{static_cast<unsigned char>(_mark ^ '0')} << markBit;
+    form.beforeMark = (std::uint64_t{1} << markBit) - 1;
+    form.tens = nxPowersOfTen::GetInteger(count);
+    form.byTens = nxReciprocal::Of(form.tens);
+    form.missingTens = nxPowersOfTen::GetInteger(_width + _partDigits - count);
+    return form;
+}
+
+// More digits would need a large table.
+void nxFractionText::_MakeQuickForms()
+{
+    const std::size_t count = std::size_t{_width} + _partDigits;
+    if (count > _mostQuickDigits)
+        return;
+    _full = _MakeForm(count);
+    _short = _MakeForm(_width);
+    if (_digits == Digits::Numerals && _partDigits == 1 && _parts % 2 == 0)
+        _half = _parts / 2;
+    _stepOf.assign(_full.tens, _noStep);
+    for (std::uint32_t numerator = 0; numerator < _denominator; ++numerator)
+        for (std::uint32_t part = 0; part < _parts; ++part)
+            _stepOf[numerator * _partPower + _GetPartDigits(part)] =
+                static_cast<std::uint16_t>(numerator * _parts + part);
+}
+
+// Fills the table; false when two parts have the same digits, or a part has too many.
 bool nxFractionText::_MakeParts()
 {
     std::fill(std::begin(_partOf), std::end(_partOf), _noPart);
-    std::fill(std::begin(_digitsOf), std::end(_digitsOf), static_cast<unsigned char>(0));
     _partPower = static_cast<std::uint32_t>(nxPowersOfTen::GetInteger(_partDigits));
     if (_parts == 0 || _parts > _partPower)
         return false;
     for (std::uint32_t part = 0; part < _parts; ++part)
     {
-        const std::uint32_t digits = _digits == Digits::Cut ? part * _partPower / _parts : part;
-        if (_partOf[digits] != _noPart)
+        unsigned char& entry = _partOf[_GetPartDigits(part)];
+        if (entry != _noPart)
             return false;
-        _partOf[digits] = static_cast<unsigned char>(part);
-        _digitsOf[part] = static_cast<unsigned char>(digits);
+        entry = static_cast<unsigned char>(part);
     }
     return true;
+}
+
+std::uint32_t nxFractionText::_GetPartDigits(std::uint32_t part) const
+{
+    return _digits == Digits::Cut ? part * _partPower / _parts : part;
+}
+
+// The mark, five digits at most and a terminator leave the last byte free.
+void nxFractionText::_MakeStepTexts()
+{
+    _stepTexts.assign(_denominator * _parts * _stepTextSize, '\0');
+    char* text = _stepTexts.data();
+    for (std::uint32_t numerator = 0; numerator < _denominator; ++numerator)
+        for (std::uint32_t part = 0; part < _parts; ++part, text += _stepTextSize)
+        {
+            const bool isHalf = _digits == Digits::Numerals && 2 * part == _parts;
+            *text = _mark;
+            nxDigits::WritePadded(text + 1, numerator, _width);
+            if (isHalf)
+                text[1 + _width] = '+';
+            else
+                nxDigits::WritePadded(text + 1 + _width, _GetPartDigits(part), _partDigits);
+            text[_stepTextSize - 1] = static_cast<char>(1 + _width + (isHalf ? 1 : _partDigits));
+        }
 }
 
 nxDecimal nxFractionText::GetStep() const
@@ -90,41 +148,13 @@ nxDecimal nxFractionText::GetStep() const
     return IsValid() ? nxDecimal::ConstructFromValueAndDecimalPlaces(_unit, _places) : nxDecimal::GetNullDecimal();
 }
 
-nxErrorEnum nxFractionText::Read(std::string_view text, char separator, nxDecimal& price) const
+// The form is judged before the size.
+nxErrorEnum nxFractionText::_ReadSlowly(std::string_view text, nxDecimal& price, char separator) const
 {
     if (!IsValid())
         return nxErrorEnum(NX_ERR_NOT_INITIALISED);
     const bool isNegative = !text.empty() && text.front() == '-';
     text.remove_prefix(isNegative || (!text.empty() && text.front() == '+') ? 1 : 0);
-    return _ReadQuickly(isNegative, text, price) ? nxErrorEnum() : _ReadSlowly(isNegative, text, separator, price);
-}
-
-// The usual texts. A number of seven digits fits with its fraction.
-bool nxFractionText::_ReadQuickly(bool isNegative, std::string_view text, nxDecimal& price) const
-{
-    std::uint64_t number = 0;
-    std::size_t count = 0;
-    if (!nxPriceText::Parse(text.data(), text.size(), _mark, number, count) || text.front() == _mark)
-        return false;
-    const std::size_t hidden = std::size_t{_width} + _partDigits - count;
-    if (hidden != 0 && hidden != _partDigits)
-        return false;
-    const std::uint64_t power = nxPowersOfTen::GetInteger(count);
-    const std::uint64_t whole = number / power;
-    const auto digits = static_cast<std::uint32_t>(number - whole * power);
-    const std::uint32_t numerator = hidden == 0 ? digits / _partPower : digits;
-    const unsigned char part = hidden == 0 ? _partOf[digits - numerator * _partPower] : 0;
-    if (numerator >= _denominator || part == _noPart)
-        return false;
-    const std::uint64_t steps = std::uint64_t{numerator} * _parts + part;
-    const auto mantissa = static_cast<long long>(whole * nxPowersOfTen::GetInteger(_places) + steps * _unit);
-    price = nxDecimal::ConstructFromValueAndDecimalPlaces(isNegative ? -mantissa : mantissa, _places);
-    return true;
-}
-
-// Every text, and every error. The form is judged before the size.
-nxErrorEnum nxFractionText::_ReadSlowly(bool isNegative, std::string_view text, char separator, nxDecimal& price) const
-{
     _Pieces pieces;
     if (!_Split(text, separator, pieces))
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
@@ -212,6 +242,28 @@ bool nxFractionText::_GetFraction(const _Pieces& pieces, std::uint64_t& fraction
 
 std::size_t nxFractionText::Write(char* buffer, const nxDecimal& price, char separator) const
 {
+    std::uint64_t whole = 0, steps = 0;
+    if (!_SplitQuickly(price, whole, steps))
+        return _WriteSlowly(buffer, price, separator);
+    *buffer = '-';
+    char* const out = nxDigits::Write(buffer + (price.IsNegative() ? 1 : 0), whole);
+    return static_cast<std::size_t>(_WriteSteps(out, steps) - buffer);
+}
+
+// A price on the grid, at the places of the notation, as it is read.
+bool nxFractionText::_SplitQuickly(const nxDecimal& price, std::uint64_t& whole, std::uint64_t& steps) const
+{
+    const std::uint64_t magnitude = nxDecimalQuick::GetMagnitude(price.GetValue());
+    if (price.GetScale() != _places || magnitude >> 50 != 0 || !IsValid())
+        return false;
+    const std::uint64_t allSteps = _byUnit.Divide(magnitude);
+    whole = _bySteps.Divide(allSteps);
+    steps = allSteps - whole * (_denominator * _parts);
+    return allSteps * _unit == magnitude;
+}
+
+std::size_t nxFractionText::_WriteSlowly(char* buffer, const nxDecimal& price, char separator) const
+{
     nxDecimal number = price;
     if (number.GetScale() > _places)
         number.Normalise(_places);
@@ -225,29 +277,18 @@ std::size_t nxFractionText::Write(char* buffer, const nxDecimal& price, char sep
     const std::uint64_t whole = magnitude / power;
     const std::uint64_t fraction = magnitude - whole * power;
     out = nxDigits::Write(out, whole);
-    *out++ = _mark;
     const std::uint64_t units = places <= _places ? fraction * nxPowersOfTen::GetInteger(_places - places) : 0;
     const std::uint64_t steps = units / _unit;
-    out = places <= _places && steps * _unit == units ? _WriteSteps(out, static_cast<std::uint32_t>(steps))
+    out = places <= _places && steps * _unit == units ? _WriteSteps(out, steps)
                                                       : _WriteDecimals(out, fraction, places, separator);
-    *out = '\0';
     return static_cast<std::size_t>(out - buffer);
 }
 
-char* nxFractionText::_WriteSteps(char* out, std::uint32_t steps) const
+char* nxFractionText::_WriteSteps(char* out, std::uint64_t steps) const
 {
-    const std::uint32_t numerator = steps / _parts;
-    const std::uint32_t part = steps - numerator * _parts;
-    // Five digits at most; the bytes after them are overwritten.
-    const std::size_t count = std::size_t{_width} + _partDigits;
-    const std::uint64_t digits = std::uint64_t{numerator} * _partPower + _digitsOf[part];
-    nxDigits::Store(out, (nxDigits::Spread(digits) | nxDigits::AsText) >> (64 - 8 * count));
-    if (_digits == Digits::Numerals && 2 * part == _parts)
-    {
-        out[_width] = '+';
-        return out + _width + 1;
-    }
-    return out + count;
+    const char* const text = _stepTexts.data() + steps * _stepTextSize;
+    std::memcpy(out, text, _stepTextSize);
+    return out + text[_stepTextSize - 1];
 }
 
 // The numerator with its decimals, which are not all 0.
@@ -259,9 +300,11 @@ char* nxFractionText::_WriteDecimals(char* out, std::uint64_t fraction, unsigned
     std::size_t count = places;
     for (; decimals % 10 == 0; --count)
         decimals /= 10;
+    *out++ = _mark;
     nxDigits::WritePadded(out, static_cast<std::uint64_t>(scaled / power), _width);
     out += _width;
     *out++ = separator;
     nxDigits::WritePadded(out, decimals, count);
+    out[count] = '\0';
     return out + count;
 }

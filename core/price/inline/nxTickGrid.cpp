@@ -3,23 +3,20 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 
-#include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxPowersOfTen.h"
+#include "core/price/inline/nxReciprocal.h"
 
 namespace
 {
 constexpr unsigned char maxPlaces = 15;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
-// ceil(2^(63 + shift) / divisor), where 2^shift is the largest power of two not above the divisor: then
-// (2n * reciprocal) >> (64 + shift) is n / divisor for every n below 2^50.
-void SetReciprocal(std::uint64_t divisor, std::uint64_t& reciprocal, unsigned char& shift)
+void SetReciprocal(std::uint64_t divisor, std::uint64_t& factor, unsigned char& shift)
 {
-    shift = static_cast<unsigned char>(std::bit_width(divisor) - 1);
-    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): increments are positive, so a divisor is
-    reciprocal = static_cast<std::uint64_t>(((nxUnsignedWide{1} << (63 + shift)) + divisor - 1) / divisor);
+    const nxReciprocal reciprocal = nxReciprocal::Of(divisor);
+    factor = reciprocal.factor;
+    shift = reciprocal.shift;
 }
 
 // The largest magnitude that stays within nxTickZone::MaxScaled with the given number of places added.

@@ -8,7 +8,15 @@
 
 namespace
 {
-nxUnsignedWide GetMultipleBelow(nxUnsignedWide number, nxUnsignedWide tick) { return number / tick * tick; }
+// A division of 128 bits costs several of 64 bits, which mostly hold both numbers.
+inline nxUnsignedWide CountIn(nxUnsignedWide number, nxUnsignedWide tick)
+{
+    if (((number | tick) >> 64) == 0) [[likely]]
+        return static_cast<std::uint64_t>(number) / static_cast<std::uint64_t>(tick);
+    return number / tick;
+}
+
+nxUnsignedWide GetMultipleBelow(nxUnsignedWide number, nxUnsignedWide tick) { return CountIn(number, tick) * tick; }
 nxUnsignedWide GetMultipleAbove(nxUnsignedWide number, nxUnsignedWide tick)
 {
     return GetMultipleBelow(number + tick - 1, tick);
@@ -59,26 +67,34 @@ bool nxValidPrices::_GetUnits(const nxDecimal& number, nxUnsignedWide& units) co
     return number.IsPositive() && !position.hasRest;
 }
 
-bool nxValidPrices::_MakeLattice(std::size_t band, _Lattice& lattice) const
+bool nxValidPrices::_MakeInterval(std::size_t band, _Lattice& interval) const
 {
     nxUnsignedWide bound = 0;
-    if (!_GetUnits(_bands[band].first, bound) || !_GetUnits(_bands[band].second, lattice.tick))
+    if (!_GetUnits(_bands[band].first, bound) || !_GetUnits(_bands[band].second, interval.tick))
         return false;
-    lattice.first = 0;
+    interval.first = 0;
     if (band != 0)
     {
         nxUnsignedWide lowerBound = 0, lowerTick = 0;
         if (!_GetUnits(_bands[band - 1].first, lowerBound) || !_GetUnits(_bands[band - 1].second, lowerTick))
             return false;
         // In a band that is narrower than the lower tick the band's own tick holds only above the bound.
-        const nxUnsignedWide start = std::min(lowerBound + lowerTick, bound + 1);
-        lattice.first = GetMultipleAbove(start, lattice.tick);
+        interval.first = std::min(lowerBound + lowerTick, bound + 1);
     }
     // Less than one tick above the bound, but not beyond the next band.
     nxUnsignedWide end = bound;
     if (band + 1 != _bands.size() && !_GetUnits(_bands[band + 1].first, end))
         return false;
-    lattice.last = GetMultipleBelow(std::min(bound + lattice.tick - 1, end), lattice.tick);
+    interval.last = std::min(bound + interval.tick - 1, end);
+    return true;
+}
+
+bool nxValidPrices::_MakeLattice(std::size_t band, _Lattice& lattice) const
+{
+    if (!_MakeInterval(band, lattice))
+        return false;
+    lattice.first = GetMultipleAbove(lattice.first, lattice.tick);
+    lattice.last = GetMultipleBelow(lattice.last, lattice.tick);
     return true;
 }
 
@@ -101,7 +117,7 @@ bool nxValidPrices::Contains(const nxDecimal& price) const
         if (position.units < lowerBound + lowerTick)
             tick = lowerTick;
     }
-    return position.units % tick == 0;
+    return GetMultipleBelow(position.units, tick) == position.units;
 }
 
 nxErrorEnum nxValidPrices::GetNext(bool isUp, const nxDecimal& price, nxDecimal& next) const
@@ -175,14 +191,14 @@ bool nxValidPrices::_CountOutwards(const nxDecimal& lower, const nxDecimal& uppe
     const std::size_t band = _FindBand(lower, start);
     for (std::size_t i = band == 0 ? 0 : band - 1; i != _bands.size(); ++i)
     {
-        _Lattice lattice;
-        if (!_MakeLattice(i, lattice))
+        _Lattice interval;
+        if (!_MakeInterval(i, interval))
             return false;
-        const nxUnsignedWide first = std::max(lattice.first, start.units + 1);
-        const nxUnsignedWide last = std::min(lattice.last, end);
+        const nxUnsignedWide first = std::max(interval.first, start.units + 1);
+        const nxUnsignedWide last = std::min(interval.last, end);
         if (first <= last)
-            count += last / lattice.tick - (first - 1) / lattice.tick;
-        if (end <= lattice.last)
+            count += CountIn(last, interval.tick) - CountIn(first - 1, interval.tick);
+        if (end <= interval.last)
             break;
     }
     return true;

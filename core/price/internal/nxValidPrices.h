@@ -60,7 +60,7 @@ private:
         bool hasRest = false;  // the number has digits below the units, which were cut off
     };
 
-    // The multiples of one tick that are valid prices, in units.
+    // The interval of one tick, or the valid prices in it, in units.
     struct _Lattice
     {
         nxUnsignedWide first = 0;
@@ -71,6 +71,7 @@ private:
     _Position _GetPosition(const nxDecimal& magnitude) const;
     std::size_t _FindBand(const nxDecimal& price, const _Position& position) const;
     bool _GetUnits(const nxDecimal& number, nxUnsignedWide& units) const;
+    bool _MakeInterval(std::size_t band, _Lattice& interval) const;
     bool _MakeLattice(std::size_t band, _Lattice& lattice) const;
     // The number of valid magnitudes above the lower and up to the upper price; false where a band has none at all.
     bool _CountOutwards(const nxDecimal& lower, const nxDecimal& upper, nxUnsignedWide& count) const;
