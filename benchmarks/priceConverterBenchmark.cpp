@@ -189,12 +189,12 @@ void RoundByCursor(benchmark::State& state, const char* lowest)
 }
 
 #define NX_COUNT(name, lowest)                                                                        \
-    BENCHMARK_CAPTURE(CountByCursor, name, lowest)->Name("ticks_between_" #name "/ours");             \
+    BENCHMARK_CAPTURE(CountByCursor, name, lowest)->Name("ticks_between_" #name "/ours_cursor");      \
     BENCHMARK_CAPTURE(CountByManipulator, name, lowest)->Name("ticks_between_" #name "/ours_locked"); \
     BENCHMARK_CAPTURE(RoundByCursor, name, lowest)->Name("ticks_between_" #name "/limit_round")
 
 NX_COUNT(same_band, "10.500");
 NX_COUNT(two_bands, "9.950");
 #undef NX_COUNT
-BENCHMARK_CAPTURE(CountByFixedTick, fixed, "10.500")->Name("ticks_between_same_band/ours_fixed");
+BENCHMARK_CAPTURE(CountByFixedTick, fixed, "10.500")->Name("ticks_between_same_band/ours_fixed_tick");
 }  // namespace
