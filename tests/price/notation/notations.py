@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Compares the price converters with a model that calculates with fractions: notations.py PROGRAM SEED"""
+"""Compares the price converters with rows.txt, VERB|NOTATION|TEXT OR PRICE|ANSWER, and with a model that calculates with
+fractions: notations.py PROGRAM SEED"""
 
+import os
 import random
 import re
 import subprocess
@@ -161,7 +163,9 @@ def main():
                  "MODIFIED:32/16/2", "MODIFIED:64/16/2+", "MODIFIED:32/5+", "MODIFIED:8/5",
                  "DECIMAL:0", "DECIMAL:2", "DECIMAL:2*-2", "DECIMAL:5*3", "DECIMAL:3/0.0025", "DECIMAL:4/0.00025",
                  "DECIMAL:2/0.05", "DECIMAL:0/2.5", "DECIMAL:0*-2/250", "DECIMAL:1*-1/2.5", "DECIMAL:2*1/0.0015"]
-    rows = list(constructions())
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "rows.txt"), encoding="ascii") as file:
+        rows = [tuple(line.rstrip("\n").split("|")) for line in file]
+    rows += constructions()
     for notation in notations:
         rows += conversions(notation, rng)
     lines = "".join("%s\t%s\t%s\n" % row[:3] for row in rows)
