@@ -15,9 +15,9 @@
 
 namespace
 {
-constexpr int mostPlaces = nxDecimal::MaxExactPlaces;
+constexpr int mostShownPlaces = nxDecimal::MaxExactPlaces;
 
-std::uint64_t GetPower(int places) { return nxPowersOfTen::GetInteger(static_cast<std::size_t>(places)); }
+std::uint64_t GetPowerOfPlaces(int places) { return nxPowersOfTen::GetInteger(static_cast<std::size_t>(places)); }
 
 nxDecimal WithoutZeros(nxDecimal number)
 {
@@ -28,19 +28,20 @@ nxDecimal WithoutZeros(nxDecimal number)
 // Whether each multiple of the tick is cut to a text of its own.
 bool IsUsableTick(const nxDecimal& tick, int places, int shift)
 {
-    if (!tick.IsPositive() || tick.GetDecimalPlaces() > mostPlaces)
+    if (!tick.IsPositive() || tick.GetDecimalPlaces() > mostShownPlaces)
         return false;
     const int hidden = tick.GetDecimalPlaces() - shift - places;
-    if (std::abs(hidden) > mostPlaces)
+    if (std::abs(hidden) > mostShownPlaces)
         return false;
-    return hidden <= 0 || nxDecimalQuick::GetMagnitude(tick.GetValue()) >= GetPower(hidden);
+    return hidden <= 0 || nxDecimalQuick::GetMagnitude(tick.GetValue()) >= GetPowerOfPlaces(hidden);
 }
 
 // The notation of a converter; empty when there is none.
 std::string NameDecimals(int places, int shift, const nxDecimal& tick)
 {
-    if (places > mostPlaces || shift < -mostPlaces || shift > mostPlaces || std::abs(places + shift) > mostPlaces ||
-        tick.IsNoChange() || (tick.IsValid() && !IsUsableTick(tick, places, shift)))
+    if (places > mostShownPlaces || shift < -mostShownPlaces || shift > mostShownPlaces ||
+        std::abs(places + shift) > mostShownPlaces || tick.IsNoChange() ||
+        (tick.IsValid() && !IsUsableTick(tick, places, shift)))
         return {};
     std::string notation = "DECIMAL:" + std::to_string(places);
     if (shift != 0)
@@ -51,20 +52,20 @@ std::string NameDecimals(int places, int shift, const nxDecimal& tick)
 }
 
 // Digits with at most one separator among them, as nxDecimal reads them, of any length.
-struct Digits
+struct DecimalDigits
 {
     std::string_view whole;
     std::string_view decimals;
 };
 
-Digits Split(std::string_view text, char separator)
+DecimalDigits SplitDecimal(std::string_view text, char separator)
 {
     const std::size_t point = std::min(text.find(separator), text.size());
     return {text.substr(0, point), text.substr(std::min(point + 1, text.size()))};
 }
 
 // The digits from the first to the last that is not 0; false when 64 bits do not hold their number.
-bool ReadNumber(const Digits& digits, std::uint64_t& number, int& places)
+bool ReadDecimalDigits(const DecimalDigits& digits, std::uint64_t& number, int& places)
 {
     number = 0;
     bool fits = true;
@@ -85,14 +86,14 @@ bool ReadNumber(const Digits& digits, std::uint64_t& number, int& places)
     return fits;
 }
 
-char* Fill(char* out, int count)
+char* AppendZeros(char* out, int count)
 {
     const std::size_t zeros = static_cast<std::size_t>(std::max(count, 0));
     std::memset(out, '0', zeros);
     return out + zeros;
 }
 
-char* Append(char* out, const char* digits, int count)
+char* AppendDigits(char* out, const char* digits, int count)
 {
     const std::size_t size = static_cast<std::size_t>(std::max(count, 0));
     std::memcpy(out, digits, size);
@@ -100,7 +101,7 @@ char* Append(char* out, const char* digits, int count)
 }
 
 // Writes mantissa * 10^-places with this many decimals, which are not fewer than the places.
-char* WriteNumber(char* out, std::uint64_t mantissa, int places, int decimals, char separator)
+char* WriteShownNumber(char* out, std::uint64_t mantissa, int places, int decimals, char separator)
 {
     char digits[nxDigits::MaxDigits];
     const int count = static_cast<int>(nxDigits::Write(digits, mantissa) - digits);
@@ -108,14 +109,14 @@ char* WriteNumber(char* out, std::uint64_t mantissa, int places, int decimals, c
     if (whole <= 0)
         *out++ = '0';
     else
-        out = Fill(Append(out, digits, std::min(whole, count)), mantissa == 0 ? 0 : whole - count);
+        out = AppendZeros(AppendDigits(out, digits, std::min(whole, count)), mantissa == 0 ? 0 : whole - count);
     if (decimals == 0)
         return out;
     *out++ = separator;
     const int zeros = std::min(std::max(-whole, 0), decimals);
     const int shown = std::min(std::max(whole, 0), count);
-    out = Append(Fill(out, zeros), digits + shown, count - shown);
-    return Fill(out, decimals - zeros - (count - shown));
+    out = AppendDigits(AppendZeros(out, zeros), digits + shown, count - shown);
+    return AppendZeros(out, decimals - zeros - (count - shown));
 }
 }  // namespace
 
@@ -136,7 +137,7 @@ nxDecimal nxDecimalPriceConverter::GetTickIncrement() const
     if (_tick.IsValid())
         return _tick;
     const int places = _places + _shift;
-    return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<long long>(GetPower(std::max(-places, 0))),
+    return nxDecimal::ConstructFromValueAndDecimalPlaces(static_cast<long long>(GetPowerOfPlaces(std::max(-places, 0))),
                                                          static_cast<unsigned char>(std::max(places, 0)));
 }
 
@@ -154,9 +155,9 @@ nxErrorEnum nxDecimalPriceConverter::SetFromStringView(std::string_view text, nx
     std::size_t decimals = number.GetDecimalPlaces();
     if (!error.IsOK())
     {
-        const Digits digits = Split(text, separator);
+        const DecimalDigits digits = SplitDecimal(text, separator);
         decimals = digits.decimals.size();
-        if (!ReadNumber(digits, shown.mantissa, shown.places))
+        if (!ReadDecimalDigits(digits, shown.mantissa, shown.places))
             return !_tick.IsValid() || decimals >= static_cast<std::size_t>(_places)
                        ? error
                        : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
@@ -172,14 +173,14 @@ nxErrorEnum nxDecimalPriceConverter::_Complete(bool isNegative, const _Shown& sh
 {
     // In units of the last decimal shown. The mantissa of the price, at the places of the grid, is not smaller.
     const int morePlaces = shown.mantissa == 0 ? 0 : _places - shown.places;
-    const nxUnsignedWide cut = nxUnsignedWide{shown.mantissa} * GetPower(std::min(morePlaces, mostPlaces));
-    if (cut > UINT64_MAX || morePlaces > mostPlaces)
+    const nxUnsignedWide cut = nxUnsignedWide{shown.mantissa} * GetPowerOfPlaces(std::min(morePlaces, mostShownPlaces));
+    if (cut > UINT64_MAX || morePlaces > mostShownPlaces)
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
     // Both at the finer one of the two scales.
     const int hidden = _tick.GetDecimalPlaces() - _shift - _places;
-    const nxUnsignedWide unit = GetPower(std::max(hidden, 0));
+    const nxUnsignedWide unit = GetPowerOfPlaces(std::max(hidden, 0));
     const nxUnsignedWide tick =
-        nxDecimalQuick::GetMagnitude(_tick.GetValue()) * nxUnsignedWide{GetPower(std::max(-hidden, 0))};
+        nxDecimalQuick::GetMagnitude(_tick.GetValue()) * nxUnsignedWide{GetPowerOfPlaces(std::max(-hidden, 0))};
     const nxUnsignedWide count = (cut * unit + tick - 1) / tick;
     if (count * tick >= (cut + 1) * unit)
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
@@ -198,9 +199,10 @@ nxErrorEnum nxDecimalPriceConverter::_Keep(bool isNegative, _Shown shown, nxDeci
     const int zeros = std::max(_gridPlaces - places, 0);
     if (shown.mantissa == 0)
         places = _gridPlaces;
-    else if (places > mostPlaces || zeros > mostPlaces)
+    else if (places > mostShownPlaces || zeros > mostShownPlaces)
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-    const nxUnsignedWide magnitude = nxUnsignedWide{shown.mantissa} * (shown.mantissa == 0 ? 1 : GetPower(zeros));
+    const nxUnsignedWide magnitude =
+        nxUnsignedWide{shown.mantissa} * (shown.mantissa == 0 ? 1 : GetPowerOfPlaces(zeros));
     if (magnitude > nxUnsignedWide{INT64_MAX} + (isNegative ? 1 : 0))
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
     const auto bits = static_cast<std::uint64_t>(magnitude);
@@ -213,7 +215,7 @@ std::size_t nxDecimalPriceConverter::GetAsString(char* buffer, const nxDecimal& 
 {
     nxDecimal number = price;
     number.Normalise(static_cast<unsigned char>(_gridPlaces));
-    if (number.GetScale() > mostPlaces || !IsValid())
+    if (number.GetScale() > mostShownPlaces || !IsValid())
         return price.GetAsString(buffer, separator);
     _Shown shown = {nxDecimalQuick::GetMagnitude(number.GetValue()), number.GetDecimalPlaces() - _shift};
     int decimals = _places;
@@ -232,7 +234,7 @@ std::size_t nxDecimalPriceConverter::GetAsString(char* buffer, const nxDecimal& 
                                     static_cast<std::size_t>(decimals), separator);
     *buffer = '-';
     char* const end =
-        WriteNumber(buffer + (number.IsNegative() ? 1 : 0), shown.mantissa, shown.places, decimals, separator);
+        WriteShownNumber(buffer + (number.IsNegative() ? 1 : 0), shown.mantissa, shown.places, decimals, separator);
     *end = '\0';
     return static_cast<std::size_t>(end - buffer);
 }

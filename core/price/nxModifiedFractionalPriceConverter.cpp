@@ -10,7 +10,7 @@ namespace
 {
 typedef nxModifiedFractionalPriceConverter::SubDigits SubDigits;
 
-nxFractionText::Digits GetDigits(SubDigits subDigits)
+nxFractionText::Digits GetDigitsOf(SubDigits subDigits)
 {
     switch (subDigits)
     {
@@ -41,7 +41,7 @@ nxModifiedFractionalPriceConverter::nxModifiedFractionalPriceConverter(unsigned 
                                                                        unsigned char subDigitCount, SubDigits subDigits,
                                                                        char mark)
     : nxModifiedFractionalPriceConverter(
-          nxFractionText(denominator, subDenominator, subDigitCount, GetDigits(subDigits), mark),
+          nxFractionText(denominator, subDenominator, subDigitCount, GetDigitsOf(subDigits), mark),
           NameModifiedFraction(denominator, subDenominator, subDigitCount, subDigits, mark))
 {
 }

@@ -100,7 +100,7 @@ OwnedConverter MakeModified(NotationText text)
 }
 
 // A null pointer for a text of another form.
-OwnedConverter Make(std::string_view notation)
+OwnedConverter MakeConverter(std::string_view notation)
 {
     NotationText text(notation);
     if (text.Take("DECIMAL:"))
@@ -174,7 +174,7 @@ const nxPriceConverter* nxPriceConverterHelper::Get(const std::string& notation)
 
 nxErrorEnum nxPriceConverterHelper::Create(const std::string& notation, OwnedConverter& converter)
 {
-    OwnedConverter made = Make(notation);
+    OwnedConverter made = MakeConverter(notation);
     if (made == nullptr)
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     if (!made->IsValid())

@@ -11,13 +11,13 @@
 
 namespace
 {
-bool AreDigits(std::string_view text)
+bool AreFractionDigits(std::string_view text)
 {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return '0' <= c && c <= '9'; });
 }
 
 // Reads a text of digits; false when 64 bits do not hold the number.
-bool ReadDigits(std::string_view text, std::uint64_t& number)
+bool ReadFractionDigits(std::string_view text, std::uint64_t& number)
 {
     const char* const end = text.data() + text.size();
     return nxDigits::Parse(text.data(), end, number) && nxDigits::FitsIn64Bits(text.data(), end);
@@ -160,7 +160,7 @@ nxErrorEnum nxFractionText::_ReadSlowly(std::string_view text, nxDecimal& price,
         return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
     std::uint64_t whole = 0, fraction = 0;
     unsigned char places = 0;
-    if (!ReadDigits(pieces.whole, whole) || !_GetFraction(pieces, fraction, places))
+    if (!ReadFractionDigits(pieces.whole, whole) || !_GetFraction(pieces, fraction, places))
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
     const nxUnsignedWide magnitude = nxUnsignedWide{whole} * nxPowersOfTen::GetInteger(places) + fraction;
     if (magnitude > nxUnsignedWide{INT64_MAX} + (isNegative ? 1 : 0))
@@ -178,7 +178,7 @@ bool nxFractionText::_Split(std::string_view text, char separator, _Pieces& piec
     pieces.whole = text.substr(0, mark);
     pieces.numerator = text.substr(mark + 1, _width);
     const std::string_view rest = text.substr(mark + 1 + _width);
-    if (!AreDigits(pieces.whole) || !AreDigits(pieces.numerator))
+    if (!AreFractionDigits(pieces.whole) || !AreFractionDigits(pieces.numerator))
         return false;
     if (rest.empty() || _IsPart(rest))
     {
@@ -186,12 +186,12 @@ bool nxFractionText::_Split(std::string_view text, char separator, _Pieces& piec
         return true;
     }
     pieces.decimals = rest.substr(1);
-    return rest.front() == separator && AreDigits(pieces.decimals);
+    return rest.front() == separator && AreFractionDigits(pieces.decimals);
 }
 
 bool nxFractionText::_IsPart(std::string_view text) const
 {
-    return (text.size() == _partDigits && AreDigits(text)) || (_digits == Digits::Numerals && text == "+");
+    return (text.size() == _partDigits && AreFractionDigits(text)) || (_digits == Digits::Numerals && text == "+");
 }
 
 bool nxFractionText::_FindPart(std::string_view text, std::uint32_t& part) const
@@ -214,7 +214,7 @@ bool nxFractionText::_FindPart(std::string_view text, std::uint32_t& part) const
 bool nxFractionText::_GetFraction(const _Pieces& pieces, std::uint64_t& fraction, unsigned char& places) const
 {
     std::uint64_t numerator = 0;
-    if (!ReadDigits(pieces.numerator, numerator) || numerator >= _denominator)
+    if (!ReadFractionDigits(pieces.numerator, numerator) || numerator >= _denominator)
         return false;
     if (pieces.decimals.empty())
     {
@@ -227,7 +227,8 @@ bool nxFractionText::_GetFraction(const _Pieces& pieces, std::uint64_t& fraction
     }
     const std::size_t count = pieces.decimals.find_last_not_of('0') + 1;
     std::uint64_t decimals = 0;
-    if (count > nxDecimal::MaxExactPlaces || (count != 0 && !ReadDigits(pieces.decimals.substr(0, count), decimals)))
+    if (count > nxDecimal::MaxExactPlaces ||
+        (count != 0 && !ReadFractionDigits(pieces.decimals.substr(0, count), decimals)))
         return false;
     // At the largest number of places: below 1024 * 10^18.
     const nxUnsignedWide scaled = (nxUnsignedWide{numerator} * nxPowersOfTen::GetInteger(count) + decimals) *
