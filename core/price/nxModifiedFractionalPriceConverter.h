@@ -31,7 +31,7 @@
 ///   do not: 5, 6 and 7 differ.
 /// - Off the grid the numerator of the main fraction has decimals: 110.51 in quarters of 32nds is 110'16.32. The text reads
 ///   back.
-/// - Notation: "MODIFIED:32/4". "/2" after it stands for two sub digits, '+' for numerals, and the mark is at the end when it
+/// - Notation: "MODIFIED:32/4". "/2" after it means two sub digits, '+' for numerals, and the mark is at the end when it
 ///   is not an apostrophe: "MODIFIED:32/16/2", "MODIFIED:32/8+-".
 /// - Null, errors, threads, ownership: see nxPriceConverter.
 class NX_CORE_API nxModifiedFractionalPriceConverter final : public nxPriceConverter

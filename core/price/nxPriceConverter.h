@@ -36,7 +36,8 @@
 ///   writes it. So is every price by a converter that is not valid.
 /// - Errors: returned, never thrown; a price keeps its value on failure.
 /// - Threads: immutable, so any number of threads may share one.
-/// - Ownership: owns its notation alone. No operation allocates memory but for the string that it returns or appends to.
+/// - Ownership: owns its notation and small tables. No operation allocates memory but for the string that it returns or appends
+///   to.
 class NX_CORE_API nxPriceConverter
 {
 public:
