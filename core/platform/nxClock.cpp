@@ -14,7 +14,7 @@ constexpr int readingAttempts = 4;
 constexpr std::int64_t longestReading = 5'000;  // nanoseconds; more means that the thread was interrupted in between,
 constexpr int longestUnrest = 16;               // or, when it happens this often in a row, that readings take that long
 
-constinit std::atomic<int> unrest{0};
+constinit std::atomic<int> unrest{0};  // relaxed: a count, which orders no other memory
 
 // Reads counter and clocks together. False when the thread was interrupted each time.
 template <class ReadCounter>
@@ -47,13 +47,15 @@ bool TakeReading(ReadCounter readCounter, nxClockReading& reading)
 constinit nxClockDiscipline discipline;
 
 // What a test shows instead of the time. While the clock is stopped no line is valid, so every reader comes to ask here;
-// a running clock pays nothing for this.
+// a running clock pays nothing for this. _StopAt() exchanges isStopped after the two times and _Run() clears it (release);
+// readers load it before the times (acquire), which are relaxed.
 constinit std::atomic<bool> isStopped{false};
 constinit std::atomic<std::int64_t> stoppedWall{0};
 constinit std::atomic<std::int64_t> stoppedMeasured{0};
 
-// When to ask again whether the system still keeps time by the counter, and the scale of the ticks once it does not.
 constexpr std::int64_t lookInterval = 60 * nxNanoseconds::PerSecond;
+// When to ask again whether the system still keeps time by the counter, and the scale of the ticks once it does not. Relaxed:
+// published with nxClock::_source, which is stored after them.
 constinit std::atomic<std::int64_t> nextLook{0};
 constinit std::atomic<std::uint64_t> lastTicks{0};
 constinit std::atomic<std::int64_t> lastNanoseconds{0};
@@ -100,7 +102,7 @@ nxClock::Source nxClock::_Decide()
     nextLook.store(nxSystemClock::MonotonicNanoseconds() + lookInterval, std::memory_order_relaxed);
     Source expected = Source::Undecided;
     // The first thread decides, so no two readings ever have different units.
-    return _source.compare_exchange_strong(expected, found, std::memory_order_relaxed) ? found : expected;
+    return _source.compare_exchange_strong(expected, found, std::memory_order_acq_rel) ? found : expected;
 }
 
 nxClockTime nxClock::_Update(const nxClockReading& reading)
@@ -198,6 +200,7 @@ void nxClock::_LookAtSource()
     const nxClockScale last = isLost ? GetScale() : nxClockScale();
     if (!isLost || last.GetRate() <= 1)
         return;
+    // The default order, because it happens once.
     static constinit std::atomic<bool> isLeft{false};
     if (isLeft.exchange(true))
         return;

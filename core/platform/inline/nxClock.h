@@ -84,7 +84,8 @@ private:
     // The published lines. The rule: a writer makes the sequence number odd, stores with release, and makes it even again.
     // A reader loads everything with acquire between two looks at the number, and uses the values only if both looks
     // gave the same even number. If any value came from a write in progress, that load also makes the odd number visible
-    // to the second look.
+    // to the second look, which may be relaxed for that reason. A writer's exchange is an acquire, because the next writer
+    // goes on with what the last one published by the even number. Relaxed in a child, which has one thread.
     struct alignas(64) Lines
     {
         std::atomic<std::uint32_t> sequence;
@@ -119,6 +120,8 @@ private:
     // From now on both return the true time again.
     static void _Run();
 
+    // _Decide() and _LookAtSource() store it after what belongs to it (release), and _Decide() loads it before that (acquire).
+    // Relaxed in Ticks(), which needs nothing else while the counter is the source.
     static std::atomic<Source> _source;
     static Lines _lines;
 };

@@ -20,6 +20,7 @@
 namespace
 {
 // Set by CanUseCounter(), before any record: a sandbox has made reading the processor's counter a fault.
+// Relaxed: published with nxClock's choice of the source, which follows.
 constinit std::atomic<bool> isCounterForbidden{false};
 
 bool IsCounterForbidden()
