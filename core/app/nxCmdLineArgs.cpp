@@ -19,7 +19,7 @@ namespace
 {
 constexpr char sourceFile[] = "core/trunk/nxCmdLineArgs";
 
-// The environment's array before SetEnvValue() changed it for the first time.
+// The environment's array before SetEnvValue() changed it for the first time. The default order, because it is set once.
 std::atomic<char**> firstEnvironment{nullptr};
 
 bool HasNul(const std::string& text) { return text.find('\0') != std::string::npos; }
@@ -161,7 +161,7 @@ void nxCmdLineArgs::_ReadEnvs(char** envp)
     _envp = envp;
     _envsRead = true;
     // Setting a variable made a new array. The one that main was given is out of date or freed.
-    if (envp == firstEnvironment)
+    if (envp == firstEnvironment.load())
         envp = nxEnvironment::GetArray();
     for (; *envp != nullptr; ++envp)
         if (const char* const separator = std::strchr(*envp, '='); separator != nullptr)
@@ -307,8 +307,8 @@ bool nxCmdLineArgs::SetEnvValue(const std::string& name, const std::string& valu
         const nxMutexGuard guard(_mutex);
         char** const before = nxEnvironment::GetArray();
         isSet = nxEnvironment::Set(name, value);
-        if (isSet && firstEnvironment == nullptr)
-            firstEnvironment = before;
+        if (isSet && firstEnvironment.load() == nullptr)
+            firstEnvironment.store(before);
         if (isSet && _envsRead)
             _envs[name] = value;
     }

@@ -17,6 +17,8 @@ struct Kept
     Item item;
     const Kept* previous;
 };
+// An item is added when it is complete (release), and readers load the front (acquire). Later additions continue the release,
+// because each is one exchange.
 template <class Item>
 using KeptItems = std::atomic<const Kept<Item>*>;
 

@@ -68,8 +68,10 @@ private:
 
     nxMutex _mutex;                           // held during a write, so that lines do not mix
     std::string _rest NX_GUARDED_BY(_mutex);  // of a line of which standard output took the beginning
+    // Relaxed: a setting, which orders no other memory.
     std::atomic<ShortForm> _shortForm{ShortForm::Level};
     bool _isLockedForFork = false;  // by the thread that forks
+    // Relaxed: a figure, which orders no other memory.
     std::atomic<std::uint64_t> _lostLines{0};
 };
 

@@ -35,6 +35,7 @@ void WithoutThrowing(const Action& action)
     }
 }
 
+// The default order, because it is set and read once.
 constinit std::atomic<void (*)()> endOfDevice{nullptr};
 
 // After the queue was written out, and after all exit handlers and destructors.
@@ -65,6 +66,8 @@ struct nxFileLogDevice::Parts
     }
 
     std::uint64_t countedLines = 0;
+    // Exchanged and read under the device's mutex, and read in a child, which has one thread. The default order, because it
+    // changes seldom.
     std::atomic<const nxLogFile::Plan*> plan{nullptr};
     nxLogRetention retention;      // see GetRetention()
     bool isLockedForFork = false;  // by the thread that forks

@@ -62,6 +62,7 @@ protected:
     nxLogDevice& operator=(const nxLogDevice&) = delete;
 
 private:
+    // Relaxed: a setting, which orders no other memory.
     std::atomic<bool> _verbose{true};
     nxLogLineSink* _lineSink = nullptr;
 };

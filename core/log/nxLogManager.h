@@ -176,6 +176,8 @@ private:
 
     // Invariant: the manager holds the threshold and the two switches; all else is in the parts that it calls. The threshold
     // is the lowest level that any source reports. Programs that were built with version 1.0 test it in each statement.
+    // Relaxed: settings, which order no other memory. The threshold is stored in the default order, see
+    // nxLogLevelState::_Publish().
     static std::atomic<unsigned> _threshold;
     std::atomic<bool> _logThreadIndex{true};
     std::atomic<bool> _logThreadCPU{false};

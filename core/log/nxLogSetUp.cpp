@@ -21,6 +21,7 @@ namespace
 // Enumerations and masks register silently, because there is no log yet. What was refused is told here, once.
 void TellRefusedTexts()
 {
+    // The default order, because each set-up does it once. The sentences themselves are acquired by nxRefusedTexts.
     static std::atomic<std::size_t> told = 0;
     const std::vector<std::string> sentences = nxRefusedTexts::Get();
     for (std::size_t i = told.exchange(sentences.size()); i < sentences.size(); ++i)

@@ -77,7 +77,7 @@ private:
 
     const std::string _identifier;
     const unsigned _facility;
-    const std::shared_ptr<const std::atomic<bool>> _isVerbose;
+    const std::shared_ptr<const std::atomic<bool>> _isVerbose;  // relaxed, see the device
 };
 
 class SyslogOfProcess final : public nxSyslogLogDevice

@@ -56,7 +56,8 @@ private:
     nxSyslogLogDevice(const std::string& socket, const std::string& identifier, unsigned facility,
                       const std::shared_ptr<std::atomic<bool>>& isVerbose);
 
-    const std::shared_ptr<std::atomic<bool>> _isVerbose;  // shared with the device's thread
+    // Shared with the device's thread. Relaxed: a setting, which orders no other memory.
+    const std::shared_ptr<std::atomic<bool>> _isVerbose;
 };
 
 #endif

@@ -99,6 +99,7 @@ public:
                     _Call(_functions[rank].load(std::memory_order_acquire)->*after);
         }
 
+        // Set() stores a set of functions that is complete (release), a fork loads it (acquire).
         std::array<std::atomic<const Functions*>, RankCount> _functions{};
     };
 };

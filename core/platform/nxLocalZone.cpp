@@ -25,11 +25,14 @@ struct KeptTable
     KeptTable* next = nullptr;
 };
 
+// Keep() adds a table that is complete (release) and looks at those that were added before (acquire). Relaxed where it
+// reads the value that the exchange compares.
 constinit std::atomic<KeptTable*> keptTables{nullptr};
-constinit std::atomic<std::size_t> lastAttempt{0};  // what the last table was built for, even when that failed
-constinit std::atomic<bool> isForkedChild{false};
+// What the last table was built for, even when that failed. Relaxed: a reader that meets an old one looks once more.
+constinit std::atomic<std::size_t> lastAttempt{0};
+constinit std::atomic<bool> isForkedChild{false};  // relaxed: stored while the child has one thread
 
-constinit std::atomic<unsigned> asksWithoutTable{0};
+constinit std::atomic<unsigned> asksWithoutTable{0};  // relaxed: only how often to look
 
 // Only one thread at a time looks for a table, so that the table in use, its mark and its attempt belong together. The
 // others ask the C library meanwhile.
@@ -48,6 +51,7 @@ public:
     static void EndInChild() { _taken.store(false, std::memory_order_release); }
 
 private:
+    // Stored at the end of a turn (release), exchanged at the beginning of the next (acquire).
     static constinit std::atomic<bool> _taken;
     bool _isOurs;
 };
@@ -64,7 +68,7 @@ constinit std::array<Outcome, 4> outcomes{};
 constinit std::size_t nextOutcome = 0;
 
 // The mark of the zone that the last table was built for, even when that failed. A reader that meets halves of two marks
-// makes one comparison more.
+// makes one comparison more, so relaxed.
 constinit std::atomic<long> tableTimezone{0};
 constinit std::atomic<int> tableDaylight{0};
 

@@ -55,7 +55,9 @@ private:
         return zone != nullptr && nxTimeZone::FirstSecond <= second && second < nxTimeZone::EndSecond;
     }
 
-    static std::atomic<const nxTimeZone*> _table;  // null where localtime_r must be asked
+    // Null where localtime_r must be asked. _Replace() stores a complete table (release), all readers load it (acquire);
+    // relaxed where it becomes null, which publishes nothing.
+    static std::atomic<const nxTimeZone*> _table;
 };
 
 #endif

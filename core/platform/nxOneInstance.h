@@ -25,6 +25,8 @@ public:
     }
 
 private:
+    // Get() publishes the object that it made, or takes the one of another thread (acquire and release in one exchange), and
+    // later calls load it (acquire).
     std::atomic<Object*> _object{nullptr};
 };
 

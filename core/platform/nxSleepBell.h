@@ -38,6 +38,8 @@ private:
     static constexpr std::uint32_t _awake = 0;
     static constexpr std::uint32_t _called = 1;
     static constexpr std::uint32_t _asleep = 2;
+    // Ring() exchanges it after what the caller did, Sleep() before what the thread does next: acquire and release on both
+    // sides. Relaxed in a child, which has one thread.
     std::atomic<std::uint32_t> _word{_awake};
 };
 

@@ -59,6 +59,7 @@ private:
     const int _number;
     nxFileIdentity _original;
     bool _isRemembered = false;
+    // Relaxed: what was seen of the stream, which orders no other memory.
     std::atomic<bool> _wasClosed{false};
     std::atomic<bool> _isStuck{false};
 };

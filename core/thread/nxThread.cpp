@@ -117,7 +117,7 @@ int nxThread::_Launch(int result, void* (*body)(void*), void* argument)
     if (result == 0)
         result = pthread_create(&_handle, &_attributes, body, argument);
     if (result != 0)
-        _state = State::NotStarted;
+        _state.store(State::NotStarted);
     return result;
 }
 
@@ -138,7 +138,7 @@ nxErrorEnum nxThread::_StartError(int result)
 
 nxErrorEnum nxThread::Wait()
 {
-    if (_state == State::NotStarted)
+    if (_state.load() == State::NotStarted)
         return nxErrorEnum(NX_ERR_THR_NOT_RUNNING);
     if (pthread_equal(_handle, pthread_self()) != 0)
         return nxErrorEnum(NX_ERR_THR_DEADLOCK);
@@ -150,8 +150,8 @@ nxErrorEnum nxThread::Wait()
     // Set by a destructor, because a thread may be cancelled while it joins.
     struct Joining
     {
-        ~Joining() { state = after; }
-        std::atomic<State>& state;
+        ~Joining() { state.store(after); }
+        std::atomic<State>& state;  // in the default order, as everywhere
         State after = State::Started;
     } joining{_state};
     const int result = pthread_join(_handle, nullptr);

@@ -97,6 +97,7 @@ private:
 
     nxNative::ThreadAttributes _attributes;
     nxNative::Thread _handle;
+    // The default order, because threads are started and joined seldom.
     std::atomic<State> _state;
 };
 

@@ -7,7 +7,7 @@ namespace
 {
 // An atomic instead of a counter under a mutex: if another thread held that mutex during a fork, the child could not
 // number its thread and therefore could not log.
-constinit std::atomic<unsigned> nextIndex{0};
+constinit std::atomic<unsigned> nextIndex{0};  // relaxed: each addition gives another number, and nothing else
 }  // namespace
 
 constinit thread_local unsigned long long nxThreadIndex::_indexPlusOne = 0;

@@ -13,6 +13,7 @@ constexpr double ticksPerSecond = 1e9;
 long long ReadCounter() { return nxClock::MeasuredNanoseconds(); }
 
 // Set when the library is loaded. Before that, the process's start reads as 0, which is about when the machine started.
+// Relaxed: a number, which orders no other memory.
 std::atomic<long long> globalStart{ReadCounter()};
 
 double SecondsSince(long long start)

@@ -17,7 +17,8 @@ constexpr std::size_t firstSlotCount = 2048;  // the library's own names fill a 
 static_assert(nxEnumTable::MaximumTextSize == nxNameTag::MaximumSize);
 }  // namespace
 
-// One name of the hash table. The text is stored last: a reader that sees the text sees the rest.
+// One name of the hash table. The text is stored last (release): a reader that sees the text (acquire) sees the rest. Relaxed
+// on the thread that adds, which is one at a time.
 struct [[gnu::visibility("hidden")]] nxEnumTable::Slot
 {
     std::atomic<const char*> text;  // null while the slot is free
@@ -117,9 +118,12 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
     };
     static_assert(sizeof(NoNames) == sizeof(NameTable) + sizeof(Slot) && alignof(NameTable) == alignof(Slot));
 
+    // Pages and tables are stored when they are complete (release), readers load them (acquire). Relaxed on the thread that
+    // adds, which is one at a time.
     static constinit std::atomic<Page*> pages[_pageCount];
     static constinit NoNames noNames;
-    static constinit std::atomic<NameTable*> names;  // replaced by a larger table when half full
+    // Replaced by a larger table when half full. Release and acquire as above; relaxed on the thread that adds.
+    static constinit std::atomic<NameTable*> names;
     static constinit std::size_t nameCount;
 };
 

@@ -66,6 +66,7 @@ private:
     static constexpr bool _littleEndian = std::endian::native == std::endian::little;
     static constexpr std::size_t _wordBits = 64;
 
+    // Texts are stored when they are complete, and then their bit (release); readers load either (acquire).
     struct Page
     {
         std::atomic<const Texts*> texts[_pageSize];

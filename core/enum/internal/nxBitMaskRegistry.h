@@ -82,6 +82,7 @@ private:
     {
         const std::string* name;
         Class* next;
+        // Register() stores texts that are complete (release), Describe() loads them (acquire).
         std::array<std::atomic<const Texts*>, _bitCount> texts{};
     };
 
@@ -107,6 +108,7 @@ private:
     }
 
     Map _map;
+    // FindOrAdd() stores a class that is complete (release), Find() loads it (acquire). Relaxed on the thread that adds.
     std::array<std::atomic<Class*>, _bucketCount> _buckets{};
 };
 

@@ -47,7 +47,8 @@ public:
         if (channel == nullptr) [[unlikely]]
             return _BeginFirst(source);
         _current = channel->_nested;
-        // A signal handler that logs here finds the nested channel, or has finished with this one.
+        // A signal handler that logs here finds the nested channel, or has finished with this one. It runs on this thread,
+        // so that only the compiler must keep the order.
         std::atomic_signal_fence(std::memory_order_seq_cst);
         char* const begin = channel->_head.load(std::memory_order_relaxed);
         if (channel->_roomEnd - begin < static_cast<std::ptrdiff_t>(MinimumRoom)) [[unlikely]]
@@ -131,26 +132,34 @@ protected:
     static constinit thread_local nxLogChannel* _current __attribute__((tls_model("initial-exec")));
 
     // Written by the filling thread only, but for _isCallWanted.
-    std::atomic<char*> _head{nullptr};              // where the next record will begin; all before it is published
+    // Where the next record will begin; all before it is published: Close() and nxLogRing::_MoveHead() store it (release),
+    // nxLogRing::_LoadHead() and IsEmpty() load it (acquire). Relaxed on the filling thread, which reads its own store.
+    std::atomic<char*> _head{nullptr};
     char* _limit = nullptr;                         // _roomEnd for statements of version 1.0; null before the first one
     nxLogChannel* _nested = nullptr;                // the one that serves the thread while this one is taken
     const volatile unsigned* _processor = nullptr;  // the number of the processor the thread runs on
     nxLogSegment* _segment = nullptr;               // where the head is
-    std::atomic<bool> _ended{false};                // the thread has ended: nothing will follow
-    // Whether the emptying thread sleeps until it is called. Set by that thread, cleared by both.
+    // The thread has ended: nothing will follow. nxLogRing::End() stores it after the last head (release),
+    // nxLogRing::IsFinished() loads it before that (acquire).
+    std::atomic<bool> _ended{false};
+    // Whether the emptying thread sleeps until it is called. Set by that thread, cleared by both. Relaxed: nxLogIdleSleep
+    // says what orders it, and nxLogIdleSleep.pml proves it.
     std::atomic<bool> _isCallWanted{false};
     char* _roomEnd = nullptr;  // up to where the filling thread may write without looking
 
     // Written by the emptying thread only, while there are records. What it reads for each of them must be here:
     // reading the cache line above would take it from the filling thread every time.
-    alignas(64) std::atomic<char*> _tail{nullptr};  // all before it is free again
-    char* _read = nullptr;                          // the next record to be read
-    char* _seen = nullptr;                          // the head as the current round found it
-    nxLogSegment* _readSegment = nullptr;           // where _read is
-    unsigned _threadIndex = 0;                      // of the filling thread
-    bool _finished = false;                         // nothing more in this round
-    nxLogRing* _nextInRound = nullptr;              // in the list of this round's rings
-    nxLogRing* _next = nullptr;                     // in the list of all rings, under its mutex
+    //
+    // All before it is free again: nxLogRing::MoveTail() stores it after the last read (release), nxLogRing::_LookForRoom()
+    // loads it before it writes there (acquire). Relaxed on the emptying thread, and for others under the list's mutex.
+    alignas(64) std::atomic<char*> _tail{nullptr};
+    char* _read = nullptr;                 // the next record to be read
+    char* _seen = nullptr;                 // the head as the current round found it
+    nxLogSegment* _readSegment = nullptr;  // where _read is
+    unsigned _threadIndex = 0;             // of the filling thread
+    bool _finished = false;                // nothing more in this round
+    nxLogRing* _nextInRound = nullptr;     // in the list of this round's rings
+    nxLogRing* _next = nullptr;            // in the list of all rings, under its mutex
 };
 
 #endif

@@ -50,7 +50,8 @@ private:
     [[gnu::noinline]] static bool _Ask(nxEnumValue level, nxLogSite& site) noexcept;
 
     // By the number of the level: 1 for yes, 0 for no, -1 for ask. One cache line, which all statements read, and which is
-    // written when levels change.
+    // written when levels change. Relaxed: a statement that runs meanwhile may go by either level. They are stored in the
+    // default order, see nxLogLevelState::_Publish().
     alignas(64) static std::array<std::atomic<signed char>, _levels> _verdicts;
 };
 

@@ -43,6 +43,7 @@ public:
 private:
     const nxLogSource* _Keep() noexcept;
 
+    // _Keep() publishes the kept place (release), GetSource() of any thread reads it (acquire).
     std::atomic<const nxLogSource*> _source{nullptr};
     const char* _file;
     unsigned _line;

@@ -53,6 +53,7 @@ public:
 
 private:
     static constexpr std::uint64_t _none = ~std::uint64_t{0};  // wider than any progress
+    // Relaxed: a thread that reads an old value waits once more, or not this time.
     static inline constinit std::atomic<std::uint64_t> _progressAtStall{_none};
 };
 

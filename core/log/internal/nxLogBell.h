@@ -72,12 +72,15 @@ public:
     static void AfterForkInChild() noexcept;
 
 private:
+    // What the deferred-write thread did before it stopped is stored before the state (release), and a thread that finds it
+    // stopped loads that (acquire). All other data of starting and stopping are under the mutex of nxLogWriterThread.
+    // Changes by ChangeState() have the default order, because they are rare. Relaxed in a child, which has one thread.
     static constinit std::atomic<State> _state;
     // The deferred-write thread sleeps on it. Each exchange of Ring() pairs with the next one of Sleep(): what was done
     // before the call is seen after the sleep.
     static constinit nxSleepBell _bell;  // of the deferred-write thread
-    static constinit std::atomic<bool>
-        _mustKeepLooking;  // never cleared; ordered by the Ring() that follows its change
+    // Never cleared. Relaxed: ordered by the Ring() that follows its change.
+    static constinit std::atomic<bool> _mustKeepLooking;
 };
 
 #endif

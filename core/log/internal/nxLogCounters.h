@@ -100,6 +100,7 @@ public:
     }
 
 private:
+    // Relaxed: figures, which order no other memory.
     struct Counts  // all 0 at first
     {
         std::atomic<std::uint64_t> dropped[4];  // by reason
@@ -117,6 +118,10 @@ private:
     }
 
     static inline constinit Counts _counts;
+    // CountProgress() adds to _progress after the sign of life and then looks for watchers; a watcher is counted and then
+    // looks at _progress, in the kernel. Both are seq_cst, so that one of the two sees the other. GetProgress() is an acquire
+    // for the same addition: a thread that sees progress also sees the room that was given back. Relaxed where a watcher
+    // leaves, because a needless wake-up does no harm.
     static inline constinit std::atomic<std::uint32_t> _progress{0};
     static inline constinit std::atomic<std::uint32_t> _watchers{0};
 };

@@ -24,6 +24,7 @@ struct nxLogDeviceCounts
         count.store(count.load(std::memory_order_relaxed) + more, std::memory_order_relaxed);
     }
 
+    // Relaxed: figures, which order no other memory.
     std::atomic<std::uint64_t> records{0};  ///< That the device was given. Added inside.
     std::atomic<std::uint64_t> bytes{0};    ///< Of the lines that it was given. Added inside.
     std::atomic<std::uint64_t> missed{0};   ///< Records that it could not be given.

@@ -144,6 +144,7 @@ private:
     nxLogLineSink* const _lineSink;
     const std::shared_ptr<nxMutex> _mutex;  // held during every call
     const nxLogDeviceBook::Counts _counts;
+    // Relaxed: ordered by the device's lock, see above.
     std::atomic<bool> _removed{false};
     std::atomic<bool> _ended{false};
     bool _lockedForFork = false;  // touched by the forking thread only

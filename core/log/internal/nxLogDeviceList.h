@@ -59,6 +59,7 @@ private:
     std::shared_ptr<const Entries> _entries NX_GUARDED_BY(_mutex);
     // Removed entries that are no longer in the list, and that a thread may still be inside of.
     std::vector<std::weak_ptr<nxLogDeviceEntry>> _leaving NX_GUARDED_BY(_mutex);
+    // Relaxed: only how long a wait may last.
     std::atomic<bool> _isEnding{false};
     std::shared_ptr<const Entries> _forking;  // the devices that the forking thread has locked
 };

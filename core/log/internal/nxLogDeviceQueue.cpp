@@ -241,7 +241,8 @@ bool nxLogDeviceQueue::WaitUntilWritten(const nxLogLimits::Wait& limit, nxLogAwa
     std::uint32_t progress = _progress.load(std::memory_order_relaxed);
     std::int64_t lastSign = time.Look();
     const bool wasJustAway =
-        attempts != 0 && nxClock::MonotonicNanoseconds() - _lastAttempt.load() < nxLogLimits::DeviceRetryInterval / 10;
+        attempts != 0 && nxClock::MonotonicNanoseconds() - _lastAttempt.load(std::memory_order_relaxed) <
+                             nxLogLimits::DeviceRetryInterval / 10;
     for (bool isFirst = true;; isFirst = false)
     {
         const std::uint32_t reached = _reached.load(std::memory_order_acquire);

@@ -110,20 +110,30 @@ private:
     std::int64_t _nextStart NX_GUARDED_BY(_mutex) = 0;  // of the thread, on the monotonic clock
     bool _isEnding NX_GUARDED_BY(_mutex) = false;
 
-    nxLogDeviceItems _inHand;  // the thread's; replaced under _mutex
-    unsigned _refusals = 0;    // of the item at hand, one after the other; the thread's
-    std::atomic<std::size_t> _inHandBytes{0};
-    std::atomic<bool> _isMaintenanceDue{false};
+    nxLogDeviceItems _inHand;                  // the thread's; replaced under _mutex
+    unsigned _refusals = 0;                    // of the item at hand, one after the other; the thread's
+    std::atomic<std::size_t> _inHandBytes{0};  // relaxed, because both sides hold _mutex
     nxSleepBell _bell;
-    std::atomic<std::uint32_t> _reached{0};   // the last ticket whose items were taken and flushed
-    std::atomic<std::uint32_t> _progress{0};  // calls of the target that took something
-    std::atomic<std::uint32_t> _attempts{0};  // calls of the target that found it away
+    // The last ticket whose items were taken and flushed; threads sleep on it. The thread stores it after all that the target
+    // did (release), waiting threads load it (acquire). Relaxed in a child.
+    std::atomic<std::uint32_t> _reached{0};
+    // Calls of the target that found it away: added after _lastAttempt is stored (release), loaded before that (acquire).
+    // Relaxed in a child, and _lastAttempt everywhere.
+    std::atomic<std::uint32_t> _attempts{0};
     std::atomic<std::int64_t> _lastAttempt{0};
+    // Stored after the thread's last use of target and items (release), loaded by the thread that ends it (acquire). Relaxed
+    // under _mutex, and where only the number of threads is asked for.
+    std::atomic<bool> _hasThread{false};
+    // Relaxed: stored before _bell rings, and loaded after the thread has slept or before it sleeps.
+    std::atomic<bool> _isMaintenanceDue{false};
     std::atomic<bool> _isAttemptWanted{false};
+    // What is in hand is dropped: it has been counted as lost. Relaxed: looked at under _mutex where something depends on it.
+    std::atomic<bool> _isGivenUp{false};
+    // Relaxed: how long a wait lasts follows from them, and nothing else.
+    std::atomic<std::uint32_t> _progress{0};         // calls of the target that took something
     std::atomic<bool> _hasStalled{false};            // a wait has ended for that reason,
     std::atomic<std::uint32_t> _progressAtStall{0};  // at this progress
-    std::atomic<bool> _hasThread{false};
-    std::atomic<bool> _isGivenUp{false};  // what is in hand is dropped: it has been counted as lost
+    // Relaxed: a setting and figures, which order no other memory.
     std::atomic<std::uint64_t> _maximumBytes{nxLogLimits::DeviceBytes};
     std::atomic<std::uint64_t> _waiting{0};
     std::atomic<std::uint64_t> _lost{0};

@@ -35,11 +35,12 @@ nxErrorEnum nxLogDeviceThread::Run()
 
 void nxLogDeviceThread::Abandon(nxLogDeviceThread* thread) noexcept
 {
+    // A list that no thread follows, so relaxed; leak checkers find what is in it.
     static constinit std::atomic<nxLogDeviceThread*> abandoned{nullptr};
     if (thread == nullptr)
         return;
-    thread->_next = abandoned.load();
-    while (!abandoned.compare_exchange_weak(thread->_next, thread))
+    thread->_next = abandoned.load(std::memory_order_relaxed);
+    while (!abandoned.compare_exchange_weak(thread->_next, thread, std::memory_order_relaxed))
     {
     }
 }

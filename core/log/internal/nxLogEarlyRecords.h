@@ -34,6 +34,7 @@ public:
 private:
     std::vector<nxLog> _records;
     std::size_t _bytes = 0;
+    // Relaxed: it changes once, and a thread that still finds it open looks again under the mutex of the round.
     std::atomic<bool> _isClosed{false};
 };
 

@@ -42,6 +42,7 @@ public:
     }
 
 private:
+    // Relaxed: figures, which order no other memory.
     static inline constinit std::array<std::atomic<std::uint64_t>, Count> _figures{};
 };
 

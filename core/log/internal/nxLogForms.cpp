@@ -40,13 +40,14 @@ void nxLogForms::Set(const nxLogFormSettings& settings) noexcept
     const bool isRefused = settings.colour == Settings::Colour::Auto && IsColourRefused();
     _file.Set(nxLogLineStyle{GetParts(settings.file), settings.carriageReturn}.With(settings.time));
     _console.Set(nxLogLineStyle{GetParts(settings.console), false}.With(settings.time));
-    _colour = isRefused ? Settings::Colour::Never : settings.colour;
+    _colour.store(isRefused ? Settings::Colour::Never : settings.colour, std::memory_order_relaxed);
 }
 
 nxLogFormSettings nxLogForms::Get() noexcept
 {
     const nxLogLineStyle file = _file.Get();
-    return {GetForm(file), GetForm(_console.Get()), file.GetTime(), file.carriageReturn, _colour};
+    return {GetForm(file), GetForm(_console.Get()), file.GetTime(), file.carriageReturn,
+            _colour.load(std::memory_order_relaxed)};
 }
 
 nxLogLineStyle nxLogForms::GetConsoleStyle(nxLogLineStyle::Form form) noexcept
@@ -54,7 +55,7 @@ nxLogLineStyle nxLogForms::GetConsoleStyle(nxLogLineStyle::Form form) noexcept
     const nxLogLineStyle style = _console.Get();
     if (style.GetParts() == nxLogLineStyle::Json)
         return style;
-    const Settings::Colour colour = _colour;
+    const Settings::Colour colour = _colour.load(std::memory_order_relaxed);
     const bool isColoured = colour == Settings::Colour::Always ||
                             (colour == Settings::Colour::Auto && nxStandardStream::GetOutput().IsTerminal());
     return nxLogLineStyle{form, false}.With(style.GetTime()).WithColour(isColoured);

@@ -26,8 +26,8 @@ public:
 
 private:
     static nxLogKeptStyle _file;
-    static nxLogKeptStyle _console;  // Full for all forms of text
-    static std::atomic<nxLogFormSettings::Colour> _colour;
+    static nxLogKeptStyle _console;                         // Full for all forms of text
+    static std::atomic<nxLogFormSettings::Colour> _colour;  // relaxed: a setting, which orders no other memory
 };
 
 #endif

@@ -27,7 +27,7 @@ private:
     {
         return static_cast<unsigned>(style.form) << 1 | (style.carriageReturn ? 1 : 0);
     }
-    std::atomic<unsigned> _word;
+    std::atomic<unsigned> _word;  // relaxed, see above
 };
 
 #endif

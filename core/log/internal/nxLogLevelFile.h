@@ -67,6 +67,7 @@ private:
     nxMutex _mutex;
     std::string _path NX_GUARDED_BY(_mutex);
     Seen _seen NX_GUARDED_BY(_mutex);  // at the last look; empty before it
+    // Relaxed: only whether it is worth while to take the mutex.
     std::atomic<bool> _isWatched{false};
     bool _isLockedForFork = false;  // by the thread that forks
 };

@@ -29,6 +29,7 @@ struct alignas(std::uint32_t) LevelWord
 };
 static_assert(nxLogLevelEnum::MaximumValue <= 0xFF && NX_ENUM_UNDEFINED == 0);
 
+// The default order, with that of the verdicts: see _Publish(). Relaxed where it is only read: it orders no other memory.
 constinit std::atomic<LevelWord> levelWord{{NX_LOG_LEVEL_INFO, 0, 0, 0}};
 static_assert(std::atomic<LevelWord>::is_always_lock_free);
 

@@ -65,6 +65,7 @@ public:
     void Publish(std::size_t size) noexcept
     {
         _MoveHead(GetHead() + nxLogRecordBytes::RoundUp(size));
+        // For the compiler alone, as in nxLogChannel::Close().
         std::atomic_signal_fence(std::memory_order_seq_cst);
         if (_isCallWanted.load(std::memory_order_relaxed))
             CallWriter();

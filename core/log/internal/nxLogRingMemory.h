@@ -89,6 +89,7 @@ private:
     std::uint32_t _progressAtOverfull NX_GUARDED_BY(_mutex) = ~std::uint32_t{0};
     std::int64_t _overfullSince NX_GUARDED_BY(_mutex) = 0;
 
+    // Relaxed: numbers, which order no other memory. Segments pass from thread to thread under _mutex or by malloc().
     std::atomic<std::size_t> _reservedSegments{0};
     std::atomic<std::size_t> _bytes{0};
     std::atomic<std::size_t> _blocks{0};  // that are claimed

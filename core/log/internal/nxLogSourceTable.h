@@ -29,7 +29,8 @@ struct nxLogKeptSource : nxLogSource
         return static_cast<const nxLogKeptSource&>(source);
     }
 
-    /// The level of the rule that fits the place best; NX_ENUM_UNDEFINED where none fits.
+    /// The level of the rule that fits the place best; NX_ENUM_UNDEFINED where none fits. Relaxed: a statement
+    /// that runs while rules change may go by either level.
     std::atomic<nxEnumValue> level{NX_ENUM_UNDEFINED};
     /// Whether the program was built with version 1.0: its statements know neither rules nor the folders of the file.
     bool isOfOldProgram;
@@ -75,6 +76,7 @@ private:
     nxMutex _mutex;
     std::map<Key, nxLogKeptSource> _sources NX_GUARDED_BY(_mutex);
     std::shared_ptr<const nxLogLevelRules> _rules NX_GUARDED_BY(_mutex);
+    // Relaxed: stored before the first record of such a program is published, and loaded after that record was seen.
     std::atomic<bool> _hasOldPrograms{false};
 };
 

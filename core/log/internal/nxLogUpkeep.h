@@ -55,6 +55,7 @@ private:
     std::uint64_t _GetUntoldWaits() const noexcept;
 
     State _state;
+    // Relaxed: a setting, which orders no other memory.
     std::atomic<std::int64_t> _flushInterval{nxLogLimits::FlushInterval};
 };
 

@@ -68,7 +68,7 @@ bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
     const std::uint32_t wanted = _wanted.load(std::memory_order_acquire);
     nxThreadSanitizer::Acquire(&_wanted);
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
-    _isInRound.store(true, std::memory_order_seq_cst);
+    _isInRound.store(true, std::memory_order_relaxed);
     const Outcome outcome = _DoRound(everything || isAwaited);
     _isInRound.store(false, std::memory_order_release);
     _upkeep.AfterRound(_batches != nullptr && _batches->TakeHasWritten(), isAwaited);

@@ -94,10 +94,18 @@ private:
     nxLogEarlyRecords _early;                                           // IsClosed() without the mutex
     nxLogUpkeep _upkeep;                                                // SetFlushInterval() without the mutex
 
+    // The end of a round is stored after all that its devices did (release), and IsInRound() loads it (acquire). The
+    // beginning is relaxed: a thread that finds a ring empty saw its tail move under the list's mutex, after the beginning.
     std::atomic<bool> _isInRound{false};
+    // Relaxed: read without the mutex only where a round is stuck, and then nothing changes it.
     std::atomic<unsigned> _inHand{0};
-    std::atomic<std::uint32_t> _wanted{0};   // the ticket that was drawn last
-    std::atomic<std::uint32_t> _reached{0};  // the last ticket whose wait is over; threads sleep on it
+    // The ticket that was drawn last. A waiting thread draws it after its records (release), and a round loads it before
+    // it looks for records (acquire). Draws of other threads in between continue the release, because each is one
+    // read-modify-write. Relaxed in a child.
+    std::atomic<std::uint32_t> _wanted{0};
+    // The last ticket whose wait is over; threads sleep on it. A round stores it after all that its devices did (release),
+    // the waiting threads load it (acquire). Relaxed under _roundMutex.
+    std::atomic<std::uint32_t> _reached{0};
 };
 
 #endif

@@ -83,6 +83,7 @@ bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
 
 void nxLogWriterThread::_TellFailureOnce() const noexcept
 {
+    // Relaxed: the exchange lets one thread pass, and orders no other memory.
     static constinit std::atomic<bool> isTold{false};
     if (!isTold.exchange(true, std::memory_order_relaxed))
         static_cast<void>(nxStandardStream::GetErrors().Write(

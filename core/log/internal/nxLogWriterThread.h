@@ -61,7 +61,7 @@ private:
     std::int64_t _nextStart NX_GUARDED_BY(_startMutex) = 0;  // on the monotonic clock
     nxLogDeferredWriteThread* _thread NX_GUARDED_BY(_startMutex) = nullptr;
     nxServiceThread _service NX_GUARDED_BY(_startMutex);
-    std::atomic<bool> _couldNotStart{false};  // at the last attempt
+    std::atomic<bool> _couldNotStart{false};  // at the last attempt; relaxed: a thread that reads it late asks again
 };
 
 #endif

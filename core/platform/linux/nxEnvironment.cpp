@@ -14,7 +14,7 @@
 
 namespace
 {
-// Set while a thread changes the environment or copies from it.
+// Set while a thread changes the environment or copies from it. Take() is the acquire, GiveBack() the release.
 constinit std::atomic<bool> isTaken{false};
 
 bool Take() { return !isTaken.exchange(true, std::memory_order_acquire); }

@@ -16,12 +16,12 @@ void RunAfterForkInChild() { forkTable.RunInChild(ranksOfThisFork); }
 
 bool nxForkHandlers::Register(Rank rank, const Functions& functions) noexcept
 {
-    // The first call comes while the library is loaded, by one thread.
+    // The first call comes while the library is loaded, by one thread. The default order, because calls are few.
     static constinit std::atomic<bool> isKnownToSystem{false};
     if (!isKnownToSystem.exchange(true) &&
         pthread_atfork(&RunBeforeFork, &RunAfterForkInParent, &RunAfterForkInChild) != 0)
     {
-        isKnownToSystem = false;
+        isKnownToSystem.store(false);
         return false;
     }
     forkTable.Set(rank, functions);

@@ -22,6 +22,8 @@ struct nxNamedObject
     static constexpr std::size_t LongestName = 260;  ///< Bytes.
 
     /// 0 while the entry is free or being written. The other members are valid only while it is not 0.
+    /// The default order, because objects are opened seldom. Processes read it under the lock of the table, which orders it
+    /// too, and which the system takes back from a process that was killed.
     std::atomic<std::uint32_t> used;
     nxNamedObjectKind kind;
     std::uint32_t nameLength;

@@ -236,6 +236,7 @@ bool nxNamedObjectFile::_MapAll()
         if (!_MapChunk())
             return false;
     }
+    // The default order, because a file is opened seldom; the lock of the table orders it as well.
     auto& magic = *reinterpret_cast<std::atomic<std::uint64_t>*>(_chunks.front());
     if (magic.load() == 0)
         magic.store(Magic);

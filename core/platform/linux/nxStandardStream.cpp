@@ -68,7 +68,7 @@ void nxStandardStream::_Remember() noexcept
     if (fstat(_number, &status) == 0)
         _original = nxFileIdentity(status);
     else
-        _wasClosed = true;
+        _wasClosed.store(true, std::memory_order_relaxed);
 }
 
 bool nxStandardStream::_IsOurs(struct stat& status) noexcept
@@ -76,15 +76,15 @@ bool nxStandardStream::_IsOurs(struct stat& status) noexcept
     if (fstat(_number, &status) != 0)
     {
         if (errno == EBADF)
-            _wasClosed = true;
+            _wasClosed.store(true, std::memory_order_relaxed);
         return false;
     }
-    if (!_wasClosed && nxFileIdentity(status) == _original)
+    if (!_wasClosed.load(std::memory_order_relaxed) && nxFileIdentity(status) == _original)
         return true;
     // A file that replaces a stream on purpose is inherited by the programs that the process starts.
     if (S_ISSOCK(status.st_mode) || (fcntl(_number, F_GETFD) & FD_CLOEXEC) != 0)
         return false;
-    return !(_wasClosed && S_ISREG(status.st_mode));
+    return !(_wasClosed.load(std::memory_order_relaxed) && S_ISREG(status.st_mode));
 }
 
 bool nxStandardStream::Look() noexcept
@@ -156,13 +156,13 @@ std::size_t nxStandardStream::Write(std::string_view text)
         if (taken != 0)
             looks = 0;
         begun = begun != 0 ? begun : nxClock::MonotonicNanoseconds();
-        if (error != EAGAIN || _isStuck || looks == looksWithoutProgress ||
+        if (error != EAGAIN || _isStuck.load(std::memory_order_relaxed) || looks == looksWithoutProgress ||
             nxClock::MonotonicNanoseconds() - begun > longestWrite)
             break;
         // Looks are counted and not time, because the process itself may have been stopped meanwhile.
         if (!HasRoom(descriptor, millisecondsBetweenLooks))
             ++looks;
     }
-    _isStuck = error == EAGAIN && written < text.size();
+    _isStuck.store(error == EAGAIN && written < text.size(), std::memory_order_relaxed);
     return written;
 }

@@ -12,6 +12,7 @@ struct nxLocalZoneMark
     long timezone = 0;
     int daylight = 0;
 
+    // Relaxed: plain words of the C library, read as they are at the moment.
     static nxLocalZoneMark Now()
     {
         return {__atomic_load_n(&::timezone, __ATOMIC_RELAXED), __atomic_load_n(&::daylight, __ATOMIC_RELAXED)};

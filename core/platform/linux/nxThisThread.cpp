@@ -41,7 +41,8 @@ void nxThisThread::SleepMilliseconds(unsigned milliseconds)
 bool nxThisThread::CallAtEnd(void (*function)(void*), void* argument) noexcept
 {
     // Not initialised by a function-local static: a child forked meanwhile would wait for its guard for ever. The key
-    // is kept one higher, 0 for none.
+    // is kept one higher, 0 for none. The thread that made it publishes it by the exchange (release), the others load it
+    // (acquire), because the C library keeps what belongs to the key in plain memory.
     static constinit std::atomic<unsigned> kept{0};
     unsigned found = kept.load(std::memory_order_acquire);
     if (pthread_key_t key; found == 0 && pthread_key_create(&key, function) == 0)

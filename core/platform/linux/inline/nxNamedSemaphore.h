@@ -61,6 +61,9 @@ private:
     bool _Announce();
     void _WakeSleepers();
 
+    // Post() adds a count after what its thread did, in the default order, of which the release is needed; TryWait() takes
+    // one (acquire). _Announce() has the default order, because it comes before a sleep. Initialise() stores it after
+    // _maximum (release). Relaxed where an exchange compares the value that was loaded.
     std::atomic<std::uint32_t> _word;
     std::uint32_t _maximum;
 };

@@ -25,7 +25,8 @@ public:
     static int Try(pthread_mutex_t& mutex)
     {
         // The C library refuses a robust mutex that is lost for good, but enters the caller as its holder for ever: later
-        // calls hang, and an unlock crashes. A lost mutex never recovers, so the state can be tested before the call.
+        // calls hang, and an unlock crashes. A lost mutex never recovers, so the state can be tested before the call,
+        // relaxed, because no other memory depends on it.
         constexpr int lostOwner = INT_MAX - 1;
         if (__atomic_load_n(&mutex.__data.__owner, __ATOMIC_RELAXED) == lostOwner) [[unlikely]]
             return ENOTRECOVERABLE;
