@@ -2,12 +2,16 @@
 # SPDX-License-Identifier: Apache-2.0
 """Breaks the code on purpose and counts how many breaks the tests notice.
 
-    scripts/mutants.py [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]
+    scripts/mutants.py [--orders] [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]
 
 Each mutant changes one operator, constant or branch of one of the classes below. Of all that can be made, --count are
 drawn at random for each class. A mutant is killed when a test of its class fails, crashes or hangs, if need be under the
 address and undefined-behaviour sanitizers; one that does not compile is not counted. Only what the change reaches is
 compiled again, a second or two, and linked with the objects of one ordinary build under build/mutants.
+
+With --orders a mutant makes one memory order of the library relaxed, and is killed when a test fails, or the thread sanitizer
+under which all is built then reports a race. It sees an order that is missing whatever the processor, but only between
+accesses that a test makes, and not where several atomic objects must agree.
 
 Survivors are listed: each is a test that is missing, or a change that makes no difference. Those of the second kind
 stand in mutants-explained.txt, each with its reason, and are counted on their own.
@@ -15,6 +19,7 @@ stand in mutants-explained.txt, each with its reason, and are counted on their o
 
 import argparse
 import concurrent.futures
+import dataclasses
 import itertools
 import json
 import os
@@ -29,7 +34,6 @@ import sys
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-BUILD = os.path.join(ROOT, "build", "mutants")
 EXPLAINED = os.path.join(ROOT, "scripts", "mutants-explained.txt")
 # What is changed of each class, and the tests that should notice.
 CLASSES = {
@@ -53,9 +57,42 @@ CLASSES = {
          "core/price/internal/nxTickRun.cpp"],
         ["tests/price/nxVariableTickTableTest.cpp"]),
 }
+# The same for memory orders: files that hold some, then sources that use the headers among them.
+ORDERS = {
+    "clock": (
+        ["core/platform/inline/nxClock.h", "core/platform/nxClock.cpp"],
+        ["tests/platform/nxClockTest.cpp", "tests/testing/nxSteppedClockTest.cpp", "tests/testing/nxCapturingLogDeviceTest.cpp"]),
+    "platform": (
+        ["core/platform/nxLocalZone.h", "core/platform/nxLocalZone.cpp", "core/platform/linux/nxEnvironment.cpp",
+         "core/platform/nxForkHandlers.h", "core/platform/linux/nxForkHandlers.cpp", "core/platform/linux/nxThisThread.cpp",
+         "core/platform/nxOneInstance.h", "core/log/nxConsoleLogDevice.cpp"],
+        ["tests/platform/nxForkHandlersTest.cpp", "tests/time/nxTimeStampTest.cpp", "tests/log/nxConsoleLogDeviceTest.cpp"]),
+    "named semaphore": (
+        ["core/platform/linux/inline/nxNamedSemaphore.h", "core/platform/linux/inline/nxNamedSemaphore.cpp",
+         "core/thread/nxSemaphore.cpp"],
+        ["tests/thread/locksTest.cpp", "tests/thread/timedWaitsTest.cpp", "tests/thread/namedObjectsTest.cpp"]),
+    "enumerations": (
+        ["core/enum/inline/nxEnumTable.h", "core/enum/inline/nxEnumTable.cpp", "core/enum/internal/nxBitMaskRegistry.h",
+         "core/enum/nxRefusedTexts.cpp"],
+        ["tests/enum/nxEnumTest.cpp", "tests/enum/nxBitMaskTest.cpp"]),
+    "ring": (
+        ["core/log/inline/nxLogChannel.h", "core/log/inline/nxLogSource.h", "core/log/internal/nxLogRing.h",
+         "core/log/internal/nxLogRing.cpp", "core/log/internal/nxLogSourceTable.cpp", "core/log/internal/nxLogChannelList.cpp",
+         "core/log/internal/nxLogMerge.cpp"],
+        ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
+    "writer": (
+        ["core/log/internal/nxLogWriter.h", "core/log/internal/nxLogWriter.cpp", "core/log/internal/nxLogBell.h",
+         "core/log/internal/nxLogBell.cpp", "core/log/internal/nxLogCounters.h", "core/platform/nxSleepBell.h",
+         "core/log/internal/nxLogWriterThread.cpp", "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogBatches.cpp"],
+        ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
+    "devices": (
+        ["core/log/internal/nxLogDeviceQueue.cpp", "core/log/internal/nxLogDeviceThread.cpp",
+         "core/log/internal/nxLogDeviceList.cpp", "core/log/internal/nxLogLevelState.cpp"],
+        ["tests/log/nxSeparateLogDeviceTest.cpp", "tests/log/nxLogServiceDevicesTest.cpp",
+         "tests/log/nxLogDevicesLeavingTest.cpp", "tests/log/nxLogLevelsTest.cpp"]),
+}
 # Library sources through which the tests come to more of a class's inline functions than through its own.
 SHARED_SOURCES = ["core/numeric/nxDecimal.cpp", "core/time/nxTime.cpp"]
-HANG = 30  # seconds; the tests of a class take one or two
 SANITIZERS = ["-fsanitize=address,undefined,float-cast-overflow", "-fno-sanitize-recover=all"]
 # (pattern, replacements): what one slip of the hand turns into another.
 SLIPS = [
@@ -87,14 +124,42 @@ def slips(line):
         yield code[:condition.end()] + "!(" + code[condition.end():closing] + ")" + line[closing:]
 
 
-def all_mutants(files):
+def weaker_orders(line):
+    """Every line that one order made relaxed makes of this one."""
+    for match in re.finditer(r"memory_order_(?:acquire|release|acq_rel|seq_cst)", line.split("//")[0]):
+        if "fence" not in line[:match.start()]:  # the sanitizer knows no fences
+            yield line[:match.start()] + "memory_order_relaxed" + line[match.end():]
+
+
+@dataclasses.dataclass
+class Kind:
+    """What is changed in what, and how the result is built and run."""
+
+    classes: dict
+    changes: callable  # from a line to the changed lines
+    folder: str
+    options: tuple  # of CMake
+    runs: tuple  # the compiler's flags for each run of the tests
+    hang: int  # seconds; the tests of a class take one or two, and some ten under the thread sanitizer
+    build: str = dataclasses.field(init=False)
+
+    def __post_init__(self):
+        self.build = os.path.join(ROOT, "build", self.folder)
+
+
+SLIP_KIND = Kind(CLASSES, slips, "mutants", (), ((), SANITIZERS), 30)
+ORDER_KIND = Kind(ORDERS, weaker_orders, "mutants-orders", ("-DNXCORE_SANITIZE=thread", "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -g1"),
+                  (("-fsanitize=thread",),), 300)
+
+
+def all_mutants(files, changes):
     """(file, lines, line number, changed line) of every mutant that can be made of the files."""
     for file in files:
         with open(os.path.join(ROOT, file), encoding="utf-8") as handle:
             lines = handle.readlines()
         for number, line in enumerate(lines):
             if is_code(line.strip()):
-                for changed in dict.fromkeys(slips(line)):
+                for changed in dict.fromkeys(changes(line)):
                     yield file, lines, number, changed
 
 
@@ -118,13 +183,12 @@ def read_explained():
 class Base:
     """The ordinary build, and the commands to make a part of it again."""
 
-    def __init__(self, names):
-        targets = sorted({"test_" + test.split("/")[1] for name in names for test in CLASSES[name][1]})
-        configure = ["cmake", "-S", ROOT, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1",
-                     "-DNXCORE_BUILD_EXAMPLES=OFF", "-DNXCORE_BUILD_TOOLS=OFF"]
-        for command in (configure, ["cmake", "--build", BUILD, "--target", *targets]):
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
-        with open(os.path.join(BUILD, "compile_commands.json"), encoding="utf-8") as handle:
+    def __init__(self, kind, names):
+        self.kind, self.build = kind, kind.build
+        configure = ["cmake", "-S", ROOT, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DCMAKE_CXX_FLAGS_DEBUG=-O1", "-DNXCORE_BUILD_EXAMPLES=OFF", "-DNXCORE_BUILD_TOOLS=OFF", *kind.options]
+        subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
+        with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as handle:
             entries = json.load(handle)
         # A few sources are compiled for several targets: the library's own, which come first, count.
         self.commands, self.library = {}, []
@@ -134,15 +198,18 @@ class Base:
                 self.commands[source] = command
                 if "nxcore.dir" in self.object(source):
                     self.library.append(source)
+        tests = sorted({self.object(test) for name in names for test in kind.classes[name][1]})
+        subprocess.run(["cmake", "--build", self.build, "--target", "nxcore", "nxcore_test_support", *tests], check=True,
+                       stdout=subprocess.DEVNULL)
 
     def object(self, source):
         command = self.commands[source]
         return command[command.index("-o") + 1]
 
     def includes(self, source, header):
-        listed = subprocess.run(["ninja", "-C", BUILD, "-t", "deps", self.object(source)], capture_output=True, text=True,
+        listed = subprocess.run(["ninja", "-C", self.build, "-t", "deps", self.object(source)], capture_output=True, text=True,
                                 check=True).stdout
-        return header in (os.path.relpath(os.path.join(BUILD, line.strip()), ROOT) for line in listed.split("\n")[1:])
+        return header in (os.path.relpath(os.path.join(self.build, line.strip()), ROOT) for line in listed.split("\n")[1:])
 
     def compile(self, source, overlay, file, target, flags=()):
         """Compiles a source with the changed file in the overlay put before the real one."""
@@ -152,7 +219,7 @@ class Base:
             command[command.index("-c") + 1] = os.path.join(overlay, source)
         first = next(i for i, word in enumerate(command) if word.startswith("-"))
         command[first:first] = ["-w", "-I" + overlay, *flags]
-        return subprocess.run(command, cwd=BUILD, capture_output=True, check=False).returncode == 0
+        return subprocess.run(command, cwd=self.build, capture_output=True, check=False).returncode == 0
 
     def link(self, tests, remade, program, flags=()):
         """Links a test program; the objects made again come first, so that their inline functions count."""
@@ -160,12 +227,12 @@ class Base:
         support = os.path.join("tests", "libnxcore_test_support.a")
         linker = ["-fuse-ld=lld"] if shutil.which("ld.lld") else []
         subprocess.run(["c++", *linker, *flags, "-o", program, *remade.values(), *kept, support, "-lgtest", "-lgmock", "-lgtest_main",
-                        "-lpthread", "-ldl"], cwd=BUILD, check=True)
+                        "-lpthread", "-ldl"], cwd=self.build, check=True)
 
 
-def tests_pass(program, folder, operations, sanitized):
+def tests_pass(program, folder, operations, sanitized, hang):
     """Runs the tests with this many random operations, or with the usual number when None."""
-    environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0:detect_odr_violation=0",
+    environment = dict(os.environ, ASAN_OPTIONS="detect_leaks=0:detect_odr_violation=0", TSAN_OPTIONS="halt_on_error=1",
                        **({"NX_TEST_OPERATIONS": str(operations)} if operations else {}))
 
     def limit_resources():
@@ -174,10 +241,11 @@ def tests_pass(program, folder, operations, sanitized):
             resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
 
     try:
-        return subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=folder, env=environment, timeout=HANG,
+        return subprocess.run([program, "--gtest_brief=1", "--gtest_fail_fast=1"], cwd=folder, env=environment, timeout=hang,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=limit_resources,
                               check=False).returncode == 0
     except subprocess.TimeoutExpired:
+        print(f"{program} did not end within {hang} seconds", file=sys.stderr, flush=True)
         return False
 
 
@@ -186,14 +254,14 @@ class Subject:
 
     def __init__(self, base, name):
         self.base, self.name = base, name
-        self.files, self.tests = CLASSES[name]
+        self.files, self.tests = base.kind.classes[name]
         self.users = list(dict.fromkeys([file for file in self.files if file.endswith(".cpp")] + SHARED_SOURCES + self.tests))
         self.remade = {file: [file] if file.endswith(".cpp") else [user for user in self.users if base.includes(user, file)]
                        for file in self.files}
-        if self.passes(BUILD, BUILD, "", self.users) is not True or not self.passes(BUILD, BUILD, "", self.users, SANITIZERS):
+        if not all(self.passes(base.build, base.build, "", self.users, flags) for flags in base.kind.runs):
             sys.exit(f"mutants: the tests of {name} do not pass unchanged")
 
-    def passes(self, folder, overlay, file, sources, flags=()):
+    def passes(self, folder, overlay, file, sources, flags):
         """None when the sources do not compile, else whether the tests pass with what was made of them."""
         remade = {source: os.path.join(folder, source.replace("/", "_") + ".o") for source in sources}
         if not all(self.base.compile(source, overlay, file, target, flags) for source, target in remade.items()):
@@ -201,7 +269,9 @@ class Subject:
         program = os.path.join(folder, "program")
         self.base.link(self.tests, remade, program, flags)
         # Few random operations find most; only what they do not find gets as many as an ordinary run has.
-        return tests_pass(program, folder, 20000, bool(flags)) and (bool(flags) or tests_pass(program, folder, None, False))
+        hang = self.base.kind.hang
+        return (tests_pass(program, folder, 20000, bool(flags), hang) and
+                (bool(flags) or tests_pass(program, folder, None, False, hang)))
 
     def try_mutant(self, mutant, folder):
         """None when it does not compile, else whether it is killed."""
@@ -211,15 +281,17 @@ class Subject:
         os.makedirs(os.path.dirname(os.path.join(overlay, file)))
         with open(os.path.join(overlay, file), "w", encoding="utf-8") as handle:
             handle.writelines(lines[:number] + [changed] + lines[number + 1:])
-        passed = self.passes(folder, overlay, file, self.remade[file])
-        if passed:
-            passed = self.passes(folder, overlay, file, self.remade[file], SANITIZERS) is not False
-        return None if passed is None else not passed
+        first, *others = self.base.kind.runs
+        passed = self.passes(folder, overlay, file, self.remade[file], first)
+        if passed is None:
+            return None
+        return not passed or any(self.passes(folder, overlay, file, self.remade[file], flags) is False for flags in others)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--class", dest="classes", action="append", choices=sorted(CLASSES))
+    parser.add_argument("--orders", action="store_const", dest="kind", const=ORDER_KIND, default=SLIP_KIND)
+    parser.add_argument("--class", dest="classes", action="append", choices=sorted({**CLASSES, **ORDERS}))
     parser.add_argument("--count", type=int, default=100, help="mutants of each class")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--minutes", type=float, help="makes no more mutants after this time")
@@ -227,21 +299,24 @@ def main():
     parser.add_argument("--survivors", default=os.path.join(ROOT, "build", "survivors.txt"))
     arguments = parser.parse_args()
 
-    names = arguments.classes or sorted(CLASSES)
-    base = Base(names)
+    kind = arguments.kind
+    names = arguments.classes or sorted(kind.classes)
+    if unknown := set(names) - set(kind.classes):
+        parser.error("not of this kind: " + " ".join(unknown))
+    base = Base(kind, names)
     subjects = [Subject(base, name) for name in names]
     end = time.time() + 60 * arguments.minutes if arguments.minutes else float("inf")
     explained = read_explained()
     draws = []
     for subject in subjects:
-        mutants = list(all_mutants(subject.files))
+        mutants = list(all_mutants(subject.files, kind.changes))
         random.Random(arguments.seed).shuffle(mutants)
         draws.append([(subject, mutant) for mutant in mutants])
     # Draws go on where mutants do not compile; the classes take turns, so that the time is shared.
     turns = [draw for turn in itertools.zip_longest(*draws) for draw in turn if draw is not None]
     folders = queue.Queue()
     for job in range(arguments.jobs):
-        folders.put(os.path.join(BUILD, f"work{job}"))
+        folders.put(os.path.join(kind.build, f"work{job}"))
     counts = {name: {"made": 0, "killed": 0, "explained": 0} for name in names}
 
     def run(draw):
