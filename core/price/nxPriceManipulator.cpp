@@ -55,7 +55,7 @@ nxValidPrices GetValidPrices(const nxValidPrices::Band& onlyBand, const nxDecima
 
 void nxPriceManipulator::_WarnOfNoTable()
 {
-    static std::atomic<bool> isTold{false};
+    static std::atomic<bool> isTold{false};  // the default order, because such manipulators are few
     if (!isTold.exchange(true))
         NX_LOG(NX_LOG_LEVEL_WARNING) << "A price manipulator was given no tick table and leaves prices alone";
 }

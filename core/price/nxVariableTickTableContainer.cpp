@@ -50,6 +50,7 @@ nxVariableTickTableContainer& nxVariableTickTableContainer::_GetInstance()
     // Never destroyed, because threads that outlive main still ask. Logged after it is built, so that a log device that
     // looks up a table finds it.
     static nxVariableTickTableContainer& instance = *new nxVariableTickTableContainer;
+    // The exchange, in the default order, lets one thread pass; the load before it is relaxed and spares the others the write.
     static std::atomic<bool> isLogged{false};
     if (!isLogged.load(std::memory_order_relaxed) && !isLogged.exchange(true))
         instance._LogRegisteredEntries();
