@@ -3,6 +3,7 @@
 """Breaks the code on purpose and counts how many breaks the tests notice.
 
     scripts/mutants.py [--orders] [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]
+                       [--verbose]
 
 Each mutant changes one operator, constant or branch of one of the classes below. Of all that can be made, --count are
 drawn at random for each class. A mutant is killed when a test of its class fails, crashes or hangs, if need be under the
@@ -73,17 +74,18 @@ ORDERS = {
         ["tests/thread/locksTest.cpp", "tests/thread/timedWaitsTest.cpp", "tests/thread/namedObjectsTest.cpp"]),
     "enumerations": (
         ["core/enum/inline/nxEnumTable.h", "core/enum/inline/nxEnumTable.cpp", "core/enum/internal/nxBitMaskRegistry.h",
-         "core/enum/nxRefusedTexts.cpp"],
+         "core/enum/nxRefusedTexts.cpp", "core/enum/nxEnum.cpp", "core/enum/nxBitMask.cpp", "core/enum/nxBitMask64.cpp"],
         ["tests/enum/nxEnumTest.cpp", "tests/enum/nxBitMaskTest.cpp"]),
     "ring": (
         ["core/log/inline/nxLogChannel.h", "core/log/inline/nxLogSource.h", "core/log/internal/nxLogRing.h",
          "core/log/internal/nxLogRing.cpp", "core/log/internal/nxLogSourceTable.cpp", "core/log/internal/nxLogChannelList.cpp",
-         "core/log/internal/nxLogMerge.cpp"],
+         "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogOpenStatement.cpp"],
         ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
     "writer": (
         ["core/log/internal/nxLogWriter.h", "core/log/internal/nxLogWriter.cpp", "core/log/internal/nxLogBell.h",
          "core/log/internal/nxLogBell.cpp", "core/log/internal/nxLogCounters.h", "core/platform/nxSleepBell.h",
-         "core/log/internal/nxLogWriterThread.cpp", "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogBatches.cpp"],
+         "core/log/internal/nxLogWriterThread.cpp", "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogBatches.cpp",
+         "core/log/internal/nxLogOpenStatement.cpp", "core/log/nxLogManager.cpp"],
         ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
     "devices": (
         ["core/log/internal/nxLogDeviceQueue.cpp", "core/log/internal/nxLogDeviceThread.cpp",
@@ -141,6 +143,8 @@ class Kind:
     options: tuple  # of CMake
     runs: tuple  # the compiler's flags for each run of the tests
     hang: int  # seconds; the tests of a class take one or two, and some ten under the thread sanitizer
+    shared: bool = False  # whether the library is shared with plug-ins of the tests
+    targets: tuple = ()  # of the build, beside the library
     build: str = dataclasses.field(init=False)
 
     def __post_init__(self):
@@ -149,7 +153,7 @@ class Kind:
 
 SLIP_KIND = Kind(CLASSES, slips, "mutants", (), ((), SANITIZERS), 30)
 ORDER_KIND = Kind(ORDERS, weaker_orders, "mutants-orders", ("-DNXCORE_SANITIZE=thread", "-DCMAKE_CXX_FLAGS_DEBUG=-O1 -g1"),
-                  (("-fsanitize=thread",),), 300)
+                  (("-fsanitize=thread",),), 300, shared=True, targets=("nxcore_test_plugin",))
 
 
 def all_mutants(files, changes):
@@ -199,8 +203,8 @@ class Base:
                 if "nxcore.dir" in self.object(source):
                     self.library.append(source)
         tests = sorted({self.object(test) for name in names for test in kind.classes[name][1]})
-        subprocess.run(["cmake", "--build", self.build, "--target", "nxcore", "nxcore_test_support", *tests], check=True,
-                       stdout=subprocess.DEVNULL)
+        subprocess.run(["cmake", "--build", self.build, "--target", "nxcore", "nxcore_test_support", *kind.targets, *tests],
+                       check=True, stdout=subprocess.DEVNULL)
 
     def object(self, source):
         command = self.commands[source]
@@ -223,10 +227,20 @@ class Base:
 
     def link(self, tests, remade, program, flags=()):
         """Links a test program; the objects made again come first, so that their inline functions count."""
-        kept = [self.object(source) for source in tests + self.library if source not in remade]
+        def objects(sources):
+            return [remade[source] for source in sources if source in remade] + [
+                self.object(source) for source in sources if source not in remade]
+
+        linker = ["c++", *(["-fuse-ld=lld"] if shutil.which("ld.lld") else []), *flags]
+        library = objects(self.library)
+        if self.kind.shared:
+            folder = os.path.dirname(program)
+            made = os.path.join(folder, "libnxcore.so.1")
+            subprocess.run([*linker, "-shared", "-Wl,-Bsymbolic-functions", "-Wl,--version-script=generated/nxcore.map",
+                            "-Wl,-soname,libnxcore.so.1", "-o", made, *library], cwd=self.build, check=True)
+            library = [made, "-Wl,-rpath," + folder]
         support = os.path.join("tests", "libnxcore_test_support.a")
-        linker = ["-fuse-ld=lld"] if shutil.which("ld.lld") else []
-        subprocess.run(["c++", *linker, *flags, "-o", program, *remade.values(), *kept, support, "-lgtest", "-lgmock", "-lgtest_main",
+        subprocess.run([*linker, "-o", program, *objects(tests), *library, support, "-lgtest", "-lgmock", "-lgtest_main",
                         "-lpthread", "-ldl"], cwd=self.build, check=True)
 
 
@@ -258,7 +272,10 @@ class Subject:
         self.users = list(dict.fromkeys([file for file in self.files if file.endswith(".cpp")] + SHARED_SOURCES + self.tests))
         self.remade = {file: [file] if file.endswith(".cpp") else [user for user in self.users if base.includes(user, file)]
                        for file in self.files}
-        if not all(self.passes(base.build, base.build, "", self.users, flags) for flags in base.kind.runs):
+        # The first run is of what the ordinary build has made.
+        first, *others = base.kind.runs
+        if not self.passes(base.build, base.build, "", [], first) or not all(
+                self.passes(base.build, base.build, "", self.users, flags) for flags in others):
             sys.exit(f"mutants: the tests of {name} do not pass unchanged")
 
     def passes(self, folder, overlay, file, sources, flags):
@@ -296,6 +313,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--minutes", type=float, help="makes no more mutants after this time")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--verbose", action="store_true", help="names those that are killed, too")
     parser.add_argument("--survivors", default=os.path.join(ROOT, "build", "survivors.txt"))
     arguments = parser.parse_args()
 
@@ -333,9 +351,11 @@ def main():
         count = counts[subject.name]
         count["made"] += 1
         count["killed"] += killed
-        if killed:
-            return
         file, lines, number, changed = mutant
+        if killed:
+            if arguments.verbose:
+                print(f"killed {file}:{number + 1}", flush=True)
+            return
         line = lines[number].strip()
         if any((file, before, after) in explained for before in (line, lines[number - 1].strip() + " " + line)
                for after in (changed.strip(), "*")):

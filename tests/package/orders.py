@@ -120,7 +120,8 @@ def main():
                 with open(path, encoding="utf-8") as handle:
                     files.append(File(os.path.relpath(path, root), handle.read()))
     found = list(faults(files))
-    print("\n".join(found))
+    for fault in found:
+        print(fault)
     print(sum(len(file.declared) for file in files), "atomic objects,", sum(1 for file in files for _ in file.operations()), "operations")
     return 1 if found else 0
 
