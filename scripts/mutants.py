@@ -70,8 +70,8 @@ ORDERS = {
         ["tests/platform/nxForkHandlersTest.cpp", "tests/time/nxTimeStampTest.cpp", "tests/log/nxConsoleLogDeviceTest.cpp"]),
     "named semaphore": (
         ["core/platform/linux/inline/nxNamedSemaphore.h", "core/platform/linux/inline/nxNamedSemaphore.cpp",
-         "core/thread/nxSemaphore.cpp"],
-        ["tests/thread/locksTest.cpp", "tests/thread/timedWaitsTest.cpp", "tests/thread/namedObjectsTest.cpp"]),
+         "core/thread/nxWindowsSemaphore.cpp"],
+        ["tests/thread/namedObjectsTest.cpp"]),
     "enumerations": (
         ["core/enum/inline/nxEnumTable.h", "core/enum/inline/nxEnumTable.cpp", "core/enum/internal/nxBitMaskRegistry.h",
          "core/enum/nxRefusedTexts.cpp", "core/enum/nxEnum.cpp", "core/enum/nxBitMask.cpp", "core/enum/nxBitMask64.cpp"],
@@ -79,13 +79,14 @@ ORDERS = {
     "ring": (
         ["core/log/inline/nxLogChannel.h", "core/log/inline/nxLogSource.h", "core/log/internal/nxLogRing.h",
          "core/log/internal/nxLogRing.cpp", "core/log/internal/nxLogSourceTable.cpp", "core/log/internal/nxLogChannelList.cpp",
-         "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogOpenStatement.cpp"],
+         "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogOpenStatement.cpp",
+         "core/log/internal/nxLogFilling.cpp"],
         ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
     "writer": (
         ["core/log/internal/nxLogWriter.h", "core/log/internal/nxLogWriter.cpp", "core/log/internal/nxLogBell.h",
          "core/log/internal/nxLogBell.cpp", "core/log/internal/nxLogCounters.h", "core/platform/nxSleepBell.h",
          "core/log/internal/nxLogWriterThread.cpp", "core/log/internal/nxLogMerge.cpp", "core/log/internal/nxLogBatches.cpp",
-         "core/log/internal/nxLogOpenStatement.cpp", "core/log/nxLogManager.cpp"],
+         "core/log/internal/nxLogOpenStatement.cpp", "core/log/internal/nxLogFilling.cpp", "core/log/nxLogManager.cpp"],
         ["tests/log/nxLogTest.cpp", "tests/log/nxLogManagerTest.cpp"]),
     "devices": (
         ["core/log/internal/nxLogDeviceQueue.cpp", "core/log/internal/nxLogDeviceThread.cpp",

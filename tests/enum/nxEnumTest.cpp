@@ -411,6 +411,18 @@ TEST(nxEnum, APluginRegistersWhileOtherThreadsLookUp)
         wrong += (text != name && text != "NOT_REGISTERED") || (isParsed ? parsed != value : !parsed.IsUndefined()) ||
                  !error.SetFromString("NX_ERR_NO_MATCH") ||
                  nxProductStateBitMask(2).GetShortDescription(" ") != "CLOSED";
+        // What a walk finds has its text, too.
+        const auto walked = PluginEnum::GetRegisteredValues();
+        if (const auto found = walked.begin(); found != walked.end())
+            wrong += (*found).GetShortDescription() == "NOT_REGISTERED";
+        class PluginBitMask final : public nxTypedBitMask<PluginBitMask, nxBitMask>
+        {
+        public:
+            using nxTypedBitMask::nxTypedBitMask;
+            std::string GetClassName() const override { return "PluginBitMask"; }
+        };
+        const std::string flag = PluginBitMask(1).GetShortDescription(" ");
+        wrong += flag != "PLUGGED" && flag != "???" && flag != "No Description Available";
     };
     std::optional<nxBusyThread> threads[3];
     for (std::optional<nxBusyThread>& thread : threads)

@@ -5,6 +5,7 @@
 #include "core/thread/nxWindowsSemaphore.h"
 #include "tests/support/nxPrivateMemory.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 #include "tests/thread/nxNamedObjects.h"
 
 namespace
@@ -103,6 +104,28 @@ TEST(namedObjects, EveryPostWakesAWaiter)
                         EXPECT_TRUE((thread % 2 == 0 ? items.Post() : items.Wait()).IsOK());
                 });
     EXPECT_EQ(Drain(items), 0U);
+}
+
+TEST(namedObjects, ASemaphoreHandsOverWhatItsPosterHasWritten)
+{
+    nxWindowsSemaphore room(Unique("room"), 1, 1);
+    nxWindowsSemaphore filled(Unique("filled"), 0, 1);
+    int item = 0;
+    int faults = 0;
+    nxInThreads(2,
+                [&](int index)
+                {
+                    for (int number = 1; number <= 2'000; ++number)
+                    {
+                        EXPECT_TRUE((index == 0 ? room : filled).Wait().IsOK());
+                        if (index == 0)
+                            item = number;
+                        else
+                            faults += item != number;
+                        EXPECT_TRUE((index == 0 ? filled : room).Post().IsOK());
+                    }
+                });
+    EXPECT_EQ(faults, 0);
 }
 
 TEST(namedObjects, AMutexBelongsToAThreadAndCounts)
