@@ -117,6 +117,7 @@ struct KeptConverter
     const KeptConverter* next = nullptr;
 };
 
+// Get() adds a converter that is complete (release), and reads those before it, also after an exchange that failed (acquire).
 std::atomic<const KeptConverter*> firstKeptConverter{nullptr};
 
 const nxPriceConverter* FindKept(const KeptConverter* from, const KeptConverter* end, const std::string& notation)
