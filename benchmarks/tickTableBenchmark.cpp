@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tick tables: the tick at a price, rounding to it, one step, whether a price is valid and the next valid one, for tables of 1,
-// 10 and 20 bands. One thread, and four threads on one table; and one to eight threads on a table of 10 bands.
+// 10 and 20 bands. One thread, and four threads on one table; one to eight threads on a table of 10 bands, in one of them; and one
+// to four threads on such a table, each in a band of its own.
 #include <benchmark/benchmark.h>
 #include <pthread.h>
 
@@ -12,6 +13,7 @@
 #include <random>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "core/price/nxCustomVariableTickTable.h"
@@ -25,7 +27,7 @@ constexpr unsigned char places = 4;  // of all prices
 // What one row measures: a table in every form that the columns need, and prices.
 struct Market
 {
-    std::unique_ptr<nxCustomVariableTickTable> table;
+    std::shared_ptr<const nxCustomVariableTickTable> table;
     std::vector<std::int64_t> bounds, ticks;  // in units of 10^-4
     std::array<nxDecimal, ringSize> prices;
     std::array<std::int64_t, ringSize> integers;
@@ -51,18 +53,19 @@ void AddBands(Market& market, std::size_t count)
                            nxDecimal::ConstructFromValueAndDecimalPlaces(tick, places));
     }
     std::string reason;
-    if (!nxCustomVariableTickTable::Create("BENCHMARK", bands, market.table, reason).IsOK())
+    std::unique_ptr<nxCustomVariableTickTable> table;
+    if (!nxCustomVariableTickTable::Create("BENCHMARK", bands, table, reason).IsOK())
         std::abort();
+    market.table = std::move(table);
 }
 
-// Neighbouring prices walk some ticks up and down about the middle of the table; scattered ones lie in any band.
-Market Make(std::size_t bands, bool scattered, bool onGrid)
+// Neighbouring prices walk some ticks up and down in one band; scattered ones lie in any band.
+Market Make(std::size_t bands, std::size_t band, bool scattered, bool onGrid)
 {
     Market market;
     AddBands(market, bands);
     std::mt19937_64 random(bands);
-    const std::size_t middle = bands / 2;
-    const std::int64_t tick = market.ticks[middle];
+    const std::int64_t tick = market.ticks[band];
     std::int64_t walk = 1500 * tick;
     for (std::size_t i = 0; i < ringSize; ++i)
     {
@@ -194,11 +197,12 @@ struct NextAbove
 };
 
 template <class Job>
-void Locked(benchmark::State& state, const Market* market)
+void Table(benchmark::State& state, const Market* market)
 {
+    const nxVariableTickTable& table = *market->table;
     std::size_t i = 0;
     for (auto _ : state)
-        Job::Do(*market->table, market->prices[i++ % ringSize]);
+        Job::Do(table, market->prices[i++ % ringSize]);
 }
 
 template <class Job>
@@ -344,7 +348,7 @@ template <class Job>
 void Register(const std::string& name, std::size_t bands, bool scattered)
 {
     // Shared by the columns, for the life of the program.
-    const Market* market = new Market(Make(bands, scattered, Job::onGrid));
+    const Market* market = new Market(Make(bands, bands / 2, scattered, Job::onGrid));
     const std::string row = name + (scattered ? "_scattered_" : "_") + std::to_string(bands) + "/";
     const auto add = [&](const char* column, void (*function)(benchmark::State&, const Market*))
     {
@@ -355,7 +359,7 @@ void Register(const std::string& name, std::size_t bands, bool scattered)
                 registered->Threads(threads)->UseRealTime();
         }
     };
-    add("ours_locked", Locked<Job>);
+    add("ours_table", Table<Job>);
     if constexpr (requires(std::span<nxDecimal> prices) { Job::DoAll(*market->table, prices); })
         add("ours_batched", Batched<Job>);
     add("ours_cursor", Cursor<Job>);
@@ -371,15 +375,39 @@ void Register(const std::string& name, std::size_t bands, bool scattered)
 // How a table that all threads share bears more of them.
 void RegisterScaling()
 {
-    const Market* market = new Market(Make(10, false, Round::onGrid));
+    const Market* market = new Market(Make(10, 5, false, Round::onGrid));
     const auto add = [market](const char* column, void (*function)(benchmark::State&, const Market*))
     {
         benchmark::RegisterBenchmark((std::string("tick_round_scaling/") + column).c_str(), function, market)
             ->ThreadRange(1, 8)
             ->UseRealTime();
     };
-    add("ours_locked", Locked<Round>);
+    add("ours_table", Table<Round>);
     add("ours_batched", Batched<Round>);
+    add("ours_cursor", Cursor<Round>);
+    add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Round>);
+    add("peer_double_floor", DoubleFloor<Round>);
+}
+
+// The same where the threads' prices lie in different bands.
+void RegisterOwnBands()
+{
+    constexpr std::size_t threads = 4;
+    auto& markets = *new std::array<Market, threads>;
+    for (std::size_t i = 0; i < threads; ++i)
+    {
+        markets[i] = Make(10, 2 * i + 1, false, Round::onGrid);
+        markets[i].table = markets[0].table;
+    }
+    const auto add = [&markets](const char* column, void (*function)(benchmark::State&, const Market*))
+    {
+        benchmark::RegisterBenchmark((std::string("tick_round_own_bands/") + column).c_str(),
+                                     [&markets, function](benchmark::State& state)
+                                     { function(state, &markets[static_cast<std::size_t>(state.thread_index())]); })
+            ->ThreadRange(1, threads)
+            ->UseRealTime();
+    };
+    add("ours_table", Table<Round>);
     add("ours_cursor", Cursor<Round>);
     add("limit_mutex_and_remembered_band", MutexAndRememberedBand<Round>);
     add("peer_double_floor", DoubleFloor<Round>);
@@ -400,6 +428,7 @@ const bool isRegistered = []
     Register<IsValid>("tick_is_valid", 20, true);
     Register<NextAbove>("tick_next_above", 20, true);
     RegisterScaling();
+    RegisterOwnBands();
     return true;
 }();
 }  // namespace

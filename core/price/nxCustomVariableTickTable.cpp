@@ -36,7 +36,8 @@ std::string DescribeFailure(nxByteSource::Outcome outcome)
 
 }  // namespace
 
-nxCustomVariableTickTable::nxCustomVariableTickTable(const std::string& name, const Bands& bands) : _name(name)
+nxCustomVariableTickTable::nxCustomVariableTickTable(const std::string& name, const Bands& bands)
+    : nxVariableTickTable(Unwatched()), _name(name)
 {
     for (std::size_t i = 0; i + 1 < bands.size(); ++i)
         _AddRange(bands[i].first, bands[i].second);

@@ -1,7 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/price/nxTickTableCursor.h"
 
-const nxDecimal& nxTickTableCursor::_FindTick(nxDecimal price) { return _place.FindTick(_table->_GetRules(), price); }
+#include "core/price/internal/nxTickViews.h"
+
+// Scattered prices come to the first two all the time, so these look into the finished zones themselves.
+
+const nxDecimal& nxTickTableCursor::_FindTick(nxDecimal price)
+{
+    const nxTickZone* const found = nxTickViews::Find(_table->_GetRules().GetGrid(), price);
+    if (found == nullptr) [[unlikely]]
+        return _place.FindTick(_table->_GetRules(), price);
+    _place.Note(*found);
+    return *found->increment;
+}
+
+nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal price)
+{
+    const nxTickZone* const found = nxTickViews::Find(_table->_GetRules().GetGrid(), price);
+    if (found == nullptr || !found->Round(method, price)) [[unlikely]]
+        return _place.Round(_table->_GetRules(), method, price);
+    _place.Note(*found);
+    return price;
+}
 
 unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
 {
@@ -12,11 +32,6 @@ unsigned char nxTickTableCursor::NumberOfDecimalPlaces(const nxDecimal& price)
 nxDecimal nxTickTableCursor::_Step(bool up, std::uint64_t ticks, nxDecimal price)
 {
     return _place.Step(_table->_GetRules(), up, ticks, price);
-}
-
-nxDecimal nxTickTableCursor::_Round(const nxRoundingMethodEnum& method, nxDecimal price)
-{
-    return _place.Round(_table->_GetRules(), method, price);
 }
 
 nxErrorEnum nxTickTableCursor::_StepExact(int ticks, nxDecimal& price)

@@ -6,7 +6,9 @@
 #include <iterator>
 
 #include "core/log/nxLogMacros.h"
+#include "core/price/internal/nxTickViews.h"
 #include "core/price/internal/nxValidPrices.h"
+#include "core/thread/nxMutexGuard.h"
 
 nxVariableTickTable::~nxVariableTickTable() = default;
 
@@ -15,6 +17,7 @@ void nxVariableTickTable::_SetCache(iterator range) const
     _lock.AssertHeld();
     _cache = range;
     _place.zone.Clear();
+    _grid.GetKey().SetBand(static_cast<std::size_t>(range - _ranges.begin()));
 }
 
 void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal& increment)
@@ -65,6 +68,8 @@ nxDecimal nxVariableTickTable::GetMinimumTickIncrement() const
 nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& price) const
 {
     const nxTickRules rules = _GetRules();
+    if (const nxTickZone* const zone = _GetZone(price); zone != nullptr)
+        return rules.GetBand(*zone);
     const nxDecimal magnitude = nxTickRules::GetMagnitude(price);
     if (magnitude.IsNegative())
         return _ranges.end();
@@ -78,6 +83,48 @@ nxVariableTickTable::iterator nxVariableTickTable::_FindRange(const nxDecimal& p
     if (band != _ranges.end())
         _SetCache(band);
     return band;
+}
+
+const nxTickZone* nxVariableTickTable::_GetZone(const nxDecimal& price) const
+{
+    const std::uint64_t key = _grid.GetKey().Get();
+    const nxTickMemory::Place& place = nxTickMemory::Get(key);
+    if (place.IsOf(key, price.GetScale()) && place.zone->prices.Contains(price.GetValue())) [[likely]]
+        return place.zone;
+    const nxTickZone* const zone = _FindZone(price);
+    return zone != nullptr ? zone : _FindZoneSlowly(price);
+}
+
+inline const nxTickZone* nxVariableTickTable::_FindZone(const nxDecimal& price) const
+{
+    const nxTickZone* const zone = nxTickViews::Find(_grid, price);
+    const std::uint64_t key = _grid.GetKey().Get();
+    if (zone == nullptr || !nxTickKey::HasBand(key, zone->band))
+        return nullptr;
+    nxTickMemory::Remember(key, *zone);
+    return zone;
+}
+
+const nxTickZone* nxVariableTickTable::_FindZoneSlowly(const nxDecimal& price) const
+{
+    const nxTickZone* const zone = nxTickViews::FindOrMake(_grid, price);
+    if (zone == nullptr)
+        return nullptr;
+    std::uint64_t key = _grid.GetKey().Get();
+    if (!nxTickKey::HasBand(key, zone->band))
+        key = _ChangeBand(zone->band);
+    if (nxTickKey::HasBand(key, zone->band))  // an override may not have remembered it
+        nxTickMemory::Remember(key, *zone);
+    return zone;
+}
+
+std::uint64_t nxVariableTickTable::_ChangeBand(std::uint32_t band) const
+{
+    const iterator found = _ranges.begin() + band;
+    const nxMutexGuard guard(_lock);
+    if (found != _cache)
+        _SetCache(found);
+    return _grid.GetKey().Get();
 }
 
 std::size_t nxVariableTickTable::_Search(const nxDecimal& price) const
@@ -132,6 +179,79 @@ void nxVariableTickTable::_DecreasePrice(nxDecimal& price, iterator band) const
     _GetRules().Move(false, price, band);
 }
 
+const nxDecimal& nxVariableTickTable::_LookUpTick(nxDecimal price) const
+{
+    if (const nxTickZone* const zone = _FindZone(price); zone != nullptr) [[likely]]
+        return *zone->increment;
+    return _LookUpTickSlowly(price);
+}
+
+const nxDecimal& nxVariableTickTable::_LookUpTickSlowly(const nxDecimal& price) const
+{
+    if (const nxTickZone* const zone = _FindZoneSlowly(price); zone != nullptr)
+        return *zone->increment;
+    {
+        const nxMutexGuard guard(_lock);
+        if (_place.zone.Contains(price))
+            return *_place.zone.increment;
+        if (const nxDecimal* const tick = _SearchTick(price); tick != nullptr)
+            return *tick;
+    }
+    return _GetIncrementForPrice(price);
+}
+
+nxDecimal nxVariableTickTable::_LookUpAndStep(bool up, nxDecimal price) const
+{
+    const nxTickZone* const zone = _GetZone(price);
+    return zone != nullptr && zone->Step(up, 1, price) != 0 ? price : _StepSlowly(up, price);
+}
+
+nxDecimal nxVariableTickTable::_LookUpAndRound(const nxRoundingMethodEnum& method, nxDecimal price) const
+{
+    const nxTickZone* const zone = _FindZone(price);
+    if (zone != nullptr && zone->Round(method, price)) [[likely]]
+        return price;
+    return _LookUpAndRoundSlowly(method, price);
+}
+
+nxDecimal nxVariableTickTable::_LookUpAndRoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const
+{
+    const nxDecimal* tick = nullptr;
+    if (const nxTickZone* const zone = _FindZoneSlowly(price); zone != nullptr)
+    {
+        if (zone->Round(method, price))
+            return price;
+        tick = zone->increment;
+    }
+    else
+    {
+        const nxMutexGuard guard(_lock);
+        if (_place.zone.Round(method, price))
+            return price;
+        tick = _SearchTick(price);
+    }
+    return _RoundBy(tick, method, price);
+}
+
+nxErrorEnum nxVariableTickTable::_LookUpAndRoundExactly(const nxRoundingMethodEnum& method, nxDecimal& price) const
+{
+    const nxDecimal* tick = nullptr;
+    if (const nxTickZone* const zone = _GetZone(price); zone != nullptr)
+    {
+        if (zone->Round(method, price))
+            return nxErrorEnum();
+        tick = zone->increment;
+    }
+    else
+    {
+        const nxMutexGuard guard(_lock);
+        if (_place.zone.Round(method, price))
+            return nxErrorEnum();
+        tick = _SearchTick(price);
+    }
+    return _RoundExactlyBy(tick, method, price);
+}
+
 nxDecimal nxVariableTickTable::_StepSlowly(bool up, nxDecimal price) const
 {
     if (!price.IsValid())
@@ -171,10 +291,18 @@ nxErrorEnum nxVariableTickTable::IncrementExact(nxDecimal& price, int ticks) con
 
 bool nxVariableTickTable::IsValidTick(const nxDecimal& price) const
 {
+    if (!price.IsValid())
+        return false;
+    bool isMultiple = false;
     const nxDecimal* tick = nullptr;
-    if (price.IsValid())
+    if (const nxTickZone* const zone = _GetZone(price); zone != nullptr) [[likely]]
     {
-        bool isMultiple = false;
+        if (zone->CheckMultiple(price, isMultiple)) [[likely]]
+            return isMultiple;
+        tick = zone->increment;
+    }
+    else
+    {
         const nxMutexGuard guard(_lock);
         if (_place.zone.CheckMultiple(price, isMultiple))
             return isMultiple;
@@ -185,7 +313,12 @@ bool nxVariableTickTable::IsValidTick(const nxDecimal& price) const
 
 nxErrorEnum nxVariableTickTable::_GetNext(bool up, const nxDecimal& price, nxDecimal& next) const
 {
-    if (price.IsValid())
+    if (const nxTickZone* const zone = _GetZone(price); zone != nullptr)
+    {
+        if (zone->FindNext(up, price, next)) [[likely]]
+            return nxErrorEnum();
+    }
+    else if (price.IsValid())
     {
         const nxMutexGuard guard(_lock);
         if (_Relocate(price) && _place.zone.FindNext(up, price, next))
@@ -207,6 +340,8 @@ nxErrorEnum nxVariableTickTable::GetTicksBetween(const nxDecimal& from, const nx
 
 nxTickPlace nxVariableTickTable::_StartPlace(const nxDecimal& price) const
 {
+    if (const nxTickZone* const zone = _GetZone(price); zone != nullptr)
+        return {*zone, zone->stretch, 0};
     const nxMutexGuard guard(_lock);
     _Relocate(price);
     return _place;

@@ -12,10 +12,10 @@
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
 #include "core/price/inline/nxTickGrid.h"
+#include "core/price/inline/nxTickMemory.h"
 #include "core/price/inline/nxTickPlace.h"
 #include "core/price/inline/nxTickRules.h"
 #include "core/thread/nxMutex.h"
-#include "core/thread/nxMutexGuard.h"
 
 /// The ticks of an instrument whose smallest price step depends on the price: below one price the tick is one size, up
 /// to the next price another, and so on.
@@ -59,9 +59,14 @@
 /// - Constraints: bands ascend, and bounds and increments are positive. Otherwise answers depend on earlier questions,
 ///   and those of cursors differ. _AddTopRange() then writes an error record to the log. The constructor of a derived
 ///   class tests _CheckConstraints() at its end and tells its user.
-/// - Threads: any number of threads share a finished table. Each search takes the table's lock, because the table
-///   remembers the last band found. A thread with many prices calls an operation on a span, which takes the lock once, or
-///   keeps an nxTickTableCursor of its own, which takes none. Bands are added before the table is shared.
+/// - Threads: any number of threads share a finished table. A thread remembers where it was in each of sixteen tables, so
+///   prices near its last one cost a nanosecond or two, and no thread waits for another in tables of the catalogue and in
+///   nxCustomVariableTickTable. In a table of another class the lock is taken whenever a search leaves the band that the
+///   table remembers, see _SetCache() and Unwatched. It is taken in all tables for prices of more than 15 places, for prices
+///   without a value, and in tables of more than 128 bands or with numbers of more than 15 digits. A thread with many prices
+///   in more than sixteen tables keeps an nxTickTableCursor for each. Bands are added before the table is shared.
+/// - Memory: the first price of a number of places and a sign makes the table allocate up to 340 bytes a band, and they stay.
+///   Without memory the lock is taken and the answer is the same.
 /// - Ownership: not copyable; returned references live as long as the table.
 class NX_CORE_API nxVariableTickTable
 {
@@ -75,54 +80,52 @@ public:
     /// @return the tick at @p price; a null decimal when the price has no band.
     const nxDecimal& GetTickIncrement(const nxDecimal& price) const
     {
-        {
-            const nxMutexGuard guard(_lock);
-            if (_place.zone.Contains(price))
-                return *_place.zone.increment;
-            if (const nxDecimal* const tick = _SearchTick(price); tick != nullptr)
-                return *tick;
-        }
-        return _GetIncrementForPrice(price);
+        const std::uint64_t key = _grid.GetKey().Get();
+        const nxTickMemory::Place& place = nxTickMemory::Get(key);
+        if (place.IsOf(key, price.GetScale()) && place.zone->prices.Contains(price.GetValue())) [[likely]]
+            return *place.zone->increment;
+        return _LookUpTick(price);
     }
     /// Writes the tick at each price to the same place of @p increments, as far as both spans reach. Takes the lock
-    /// once for all.
+    /// once for all, if at all.
     void GetTickIncrement(std::span<const nxDecimal> prices, std::span<nxDecimal> increments) const;
 
     /// Moves the price up by one tick.
     void Increment(nxDecimal& price) const
     {
-        if (!_StepInZone(true, price)) [[unlikely]]
-            price = _StepSlowly(true, price);
+        const std::uint64_t key = _grid.GetKey().Get();
+        const nxTickMemory::Place& place = nxTickMemory::Get(key);
+        if (!place.IsOf(key, price.GetScale()) || place.zone->StepOfItsPlaces(true, 1, price) == 0) [[unlikely]]
+            price = _LookUpAndStep(true, price);
     }
     /// Moves the price down by one tick.
     void Decrement(nxDecimal& price) const
     {
-        if (!_StepInZone(false, price)) [[unlikely]]
-            price = _StepSlowly(false, price);
+        const std::uint64_t key = _grid.GetKey().Get();
+        const nxTickMemory::Place& place = nxTickMemory::Get(key);
+        if (!place.IsOf(key, price.GetScale()) || place.zone->StepOfItsPlaces(false, 1, price) == 0) [[unlikely]]
+            price = _LookUpAndStep(false, price);
     }
-    /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once.
+    /// Moves the price up by @p ticks single steps, down when they are negative; 0 does nothing. Takes the lock once, if
+    /// at all.
     ///
     /// The cost is that of some steps for each band on the way and does not grow with the number of ticks. Only steps that
     /// wrap cost more: a price with very many places, of which few ticks fit 64 bits, wraps again and again, at some five
     /// nanoseconds a step: ten seconds for two billion.
     void Increment(nxDecimal& price, int ticks) const;
-    /// Moves each price by @p ticks single steps. Takes the lock once.
+    /// Moves each price by @p ticks single steps. Takes the lock once, if at all.
     void Increment(std::span<nxDecimal> prices, int ticks) const;
 
     /// Rounds the price to a multiple of the tick at it. The multiple has the tick's number of places; it may lie in
     /// the next band. Nothing happens when @p method is none of the four.
     void RoundToValidTick(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
-        const nxDecimal* tick = nullptr;
-        {
-            const nxMutexGuard guard(_lock);
-            if (_place.zone.Round(method, price)) [[likely]]
-                return;
-            tick = _SearchTick(price);
-        }
-        price = _RoundBy(tick, method, price);
+        const std::uint64_t key = _grid.GetKey().Get();
+        const nxTickMemory::Place& place = nxTickMemory::Get(key);
+        if (!place.IsOf(key, price.GetScale()) || !place.zone->RoundOfItsPlaces(method, price)) [[unlikely]]
+            price = _LookUpAndRound(method, price);
     }
-    /// Rounds each price. Takes the lock once.
+    /// Rounds each price. Takes the lock once, if at all.
     void RoundToValidTick(const nxRoundingMethodEnum& method, std::span<nxDecimal> prices) const;
 
     /// Rounds the price to a multiple of the tick at it, as RoundToValidTick() does, but returns an error where that would
@@ -133,14 +136,11 @@ public:
     ///         places.
     [[nodiscard]] nxErrorEnum RoundToValidTickExact(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
-        const nxDecimal* tick = nullptr;
-        {
-            const nxMutexGuard guard(_lock);
-            if (_place.zone.Round(method, price)) [[likely]]
-                return nxErrorEnum();
-            tick = _SearchTick(price);
-        }
-        return _RoundExactlyBy(tick, method, price);
+        const std::uint64_t key = _grid.GetKey().Get();
+        const nxTickMemory::Place& place = nxTickMemory::Get(key);
+        if (place.IsOf(key, price.GetScale()) && place.zone->RoundOfItsPlaces(method, price)) [[likely]]
+            return nxErrorEnum();
+        return _LookUpAndRoundExactly(method, price);
     }
     /// Moves the price up by @p ticks single steps, down when they are negative, as Increment() does, but returns an error
     /// where a step would do nothing, wrap or lose a digit. @p price is then untouched, and nothing is logged. A count of 0
@@ -196,8 +196,16 @@ protected:
     /// A band of the table.
     typedef std::vector<std::pair<nxDecimal, nxDecimal>>::const_iterator iterator;
 
-    /// Remembers the band that a search found. The table holds its lock around the call. An override that does not call
-    /// this function switches the memory off.
+    /// Says that a class does not override _SetCache().
+    struct Unwatched
+    {
+    };
+    /// A table without bands, of a class that does not override _SetCache(): threads whose prices lie in different bands
+    /// then do not wait for each other. An override is not called for most prices.
+    explicit nxVariableTickTable(Unwatched) : nxVariableTickTable() { _grid.GetKey().SetAnyBand(); }
+
+    /// Remembers the band that a search found, which is another one than the table remembers. The table holds its lock
+    /// around the call. An override that does not call this function switches the memory off, and is asked by each search.
     virtual void _SetCache(iterator range) const;
 
 public:
@@ -228,6 +236,28 @@ protected:
     void _DecreasePrice(nxDecimal& price, iterator band) const;
 
 private:
+    // The zone of the price: the remembered one, or that of the views, which the thread remembers from then on. Null when
+    // the price needs the lock.
+    const nxTickZone* _GetZone(const nxDecimal& price) const;
+    // That of the views where it needs no more than a look; null otherwise.
+    const nxTickZone* _FindZone(const nxDecimal& price) const;
+    // That of the views, for which views are made and the band is changed.
+    const nxTickZone* _FindZoneSlowly(const nxDecimal& price) const;
+    // Makes a band the remembered one, and returns the key then.
+    std::uint64_t _ChangeBand(std::uint32_t band) const;
+
+    // What the remembered zone declines; by value, so that the caller's price can stay in registers.
+    const nxDecimal& _LookUpTick(nxDecimal price) const;
+    nxDecimal _LookUpAndStep(bool up, nxDecimal price) const;
+    nxDecimal _LookUpAndRound(const nxRoundingMethodEnum& method, nxDecimal price) const;
+    const nxDecimal& _LookUpTickSlowly(const nxDecimal& price) const;
+    nxDecimal _LookUpAndRoundSlowly(const nxRoundingMethodEnum& method, nxDecimal price) const;
+    nxErrorEnum _LookUpAndRoundExactly(const nxRoundingMethodEnum& method, nxDecimal& price) const;
+    nxErrorEnum _GetNext(bool up, const nxDecimal& price, nxDecimal& next) const;
+
+    // What needs the lock. Inline functions of programs that were built before call some of these for every price that is not
+    // in the zone of _place.
+
     // Finds the stretch of a price that is not in the zone, and makes its band the remembered one; NotFound when the
     // price needs the decimal rules.
     std::size_t _Search(const nxDecimal& price) const NX_REQUIRES(_lock);
@@ -235,20 +265,12 @@ private:
     const nxDecimal* _SearchTick(nxDecimal price) const NX_REQUIRES(_lock);
     // Makes the zone one that holds the price, for steps; false when the price needs the decimal rules.
     bool _Relocate(const nxDecimal& price) const NX_REQUIRES(_lock);
-    // A copy of the remembered place, near the price.
+    // A place near the price.
     nxTickPlace _StartPlace(const nxDecimal& price) const;
-
-    bool _StepInZone(bool up, nxDecimal& price) const
-    {
-        const nxMutexGuard guard(_lock);
-        return _place.zone.Step(up, 1, price) != 0;
-    }
-    // By value, so that the caller's price can stay in registers.
     nxDecimal _StepSlowly(bool up, nxDecimal price) const;
     // By the tick, or by the decimal rules where it is null.
     nxDecimal _RoundBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal price) const;
     nxErrorEnum _RoundExactlyBy(const nxDecimal* tick, const nxRoundingMethodEnum& method, nxDecimal& price) const;
-    nxErrorEnum _GetNext(bool up, const nxDecimal& price, nxDecimal& next) const;
 
     // Inline functions of programs that were built before use these members: their order and their meaning stay.
     std::vector<std::pair<nxDecimal, nxDecimal>> _ranges;

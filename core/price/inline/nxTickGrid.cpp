@@ -6,10 +6,11 @@
 
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/price/inline/nxReciprocal.h"
+#include "core/price/internal/nxTickViews.h"
 
 namespace
 {
-constexpr unsigned char maxPlaces = 15;
+constexpr unsigned char maxPlaces = nxTickViews::MaxPlaces;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
 void SetReciprocal(std::uint64_t divisor, std::uint64_t& factor, unsigned char& shift)
@@ -159,10 +160,19 @@ void SetSteps(const Extent& extent, nxTickZone& zone)
 }
 }  // namespace
 
+nxTickGrid::~nxTickGrid() { _Clear(); }
+
+void nxTickGrid::_Clear()
+{
+    delete _views;
+    _views = nullptr;
+    _stretches.clear();
+}
+
 void nxTickGrid::Build(const Bands& bands)
 {
-    _ends.clear();
-    _stretches.clear();
+    _Clear();
+    _key.Renew();
     // The maximum is the bound of a top band; anything else is a table still being built.
     if (!bands.back().first.EqualsExactly(nxDecimal::GetMaximumDecimal()))
         return;
@@ -173,10 +183,11 @@ void nxTickGrid::Build(const Bands& bands)
     {
         if (_AddBand(bands, band))
             continue;
-        _ends.clear();
-        _stretches.clear();
+        _Clear();
         return;
     }
+    if (_stretches.size() <= nxTickView::MaxStretches)
+        _views = new nxTickViews(*this);
 }
 
 bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
@@ -192,10 +203,11 @@ bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
     {
         const auto& [lowerBound, lowerIncrement] = bands[band - 1];
         std::uint64_t threshold = 0;
-        if (!(_ends.back() < end) || !_ScaleUp(lowerBound + lowerIncrement, threshold))
+        const Code endBefore = _stretches.back().end;
+        if (!(endBefore < end) || !_ScaleUp(lowerBound + lowerIncrement, threshold))
             return false;
         _AddStretch(std::min(Code::Before(threshold), end), band, lowerIncrement, false);
-        if (end == _ends.back())
+        if (end == _stretches.back().end)
             return true;
     }
     _AddStretch(end, band, increment, true);
@@ -204,14 +216,13 @@ bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)
 
 void nxTickGrid::_AddStretch(Code end, std::size_t band, const nxDecimal& increment, bool isUpperPart)
 {
-    _Stretch stretch;
+    _Stretch stretch{.end = end};
     stretch.increment = &increment;
     _ScaleUp(increment, stretch.divisor);
     SetReciprocal(stretch.divisor, stretch.reciprocal, stretch.shift);
     stretch.band = static_cast<std::uint32_t>(band);
     stretch.isUpperPart = isUpperPart;
     _stretches.push_back(stretch);
-    _ends.push_back(end);
 }
 
 // Takes a number of a band, or the sum of two, to the common scale; false when it is not positive or beyond the limits.
@@ -228,7 +239,7 @@ bool nxTickGrid::_ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const
 std::size_t nxTickGrid::Find(const nxDecimal& price) const
 {
     const unsigned char places = price.GetDecimalPlaces();
-    if (_ends.empty() || places > maxPlaces)
+    if (_stretches.empty() || places > maxPlaces)
         return NotFound;
     const Scale scale(_places, places);
     const std::uint64_t magnitude = nxTickZone::Magnitude(price.GetValue());
@@ -240,31 +251,36 @@ std::size_t nxTickGrid::Find(const nxDecimal& price) const
     // because prices that miss the remembered zone are unpredictable.
     const Code code = scale.GetCode(magnitude);
     std::size_t first = 0;
-    for (std::size_t count = _ends.size(); count > 1; count -= count / 2)
-        first += _ends[first + count / 2 - 1] < code ? count / 2 : 0;
+    for (std::size_t count = _stretches.size(); count > 1; count -= count / 2)
+        first += _stretches[first + count / 2 - 1].end < code ? count / 2 : 0;
     return first;
 }
 
-void nxTickGrid::Fill(std::size_t index, const nxDecimal& price, nxTickZone& zone) const
+std::uint64_t nxTickGrid::GetLast(std::size_t index, unsigned char places) const
 {
-    const unsigned char places = price.GetDecimalPlaces();
+    const Scale scale(_places, places);
+    return index + 1 == _stretches.size() && !scale.IsFiner() ? maxMagnitude : scale.GetLastAt(_stretches[index].end);
+}
+
+void nxTickGrid::Fill(std::size_t index, unsigned char places, bool isNegative, nxTickZone& zone) const
+{
     const Scale scale(_places, places);
     const _Stretch& stretch = _stretches[index];
     Extent extent;
-    extent.isNegative = price.IsNegative();
+    extent.isNegative = isNegative;
     extent.isFirst = index == 0;
-    extent.first = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1]) + 1;
-    extent.lastExact = scale.GetLastAt(_ends[index]);
-    extent.last = index + 1 == _ends.size() && !scale.IsFiner() ? maxMagnitude : extent.lastExact;
+    extent.first = extent.isFirst ? 0 : GetLast(index - 1, places) + 1;
+    extent.last = GetLast(index, places);
+    extent.lastExact = scale.GetLastAt(stretch.end);
     // On the point where this band's tick begins a step towards zero still goes by the band below.
-    extent.firstStepInwards = extent.isFirst ? 0 : scale.GetLastAt(_ends[index - 1].GetNext()) + 1;
+    extent.firstStepInwards = extent.isFirst ? 0 : scale.GetLastAt(_stretches[index - 1].end.GetNext()) + 1;
 
-    // Every member is written once, and singly: a copy would wait for the writes.
     zone.prices = extent.MakeRange(extent.first, extent.last);
     zone.places = places;
     zone.roundingPlaces = nxTickZone::NoPlaces;
     zone.steppingPlaces = nxTickZone::NoPlaces;
     zone.band = stretch.band;
+    zone.stretch = static_cast<std::uint32_t>(index);
     zone.increment = stretch.increment;
     zone.tickPlaces = stretch.increment->GetDecimalPlaces();
     if (!scale.IsFiner())

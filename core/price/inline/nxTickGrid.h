@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "core/numeric/nxDecimal.h"
+#include "core/price/inline/nxTickKey.h"
 #include "core/price/inline/nxTickZone.h"
+
+class nxTickViews;
 
 /// The bands of one tick table as plain integers at one common scale, so that a search compares integers. A table keeps
 /// one beside its bands.
@@ -19,7 +22,7 @@
 ///
 /// The words band, stretch and zone are explained in nxTickRules.
 /// - Threads: Build() excludes everything; the rest may run in any number of threads.
-/// - Ownership: points into the bands it was built from.
+/// - Ownership: points into the bands it was built from; owns the views. Not copyable.
 class nxTickGrid
 {
 public:
@@ -58,7 +61,13 @@ public:
         std::uint64_t _code;  // 2x on the point x, and the odd numbers between in the gaps
     };
 
-    /// Replaces the grid. It stays empty, and declines every price, for bands that lack a top band, are out of order,
+    /// A grid without bands.
+    nxTickGrid() = default;
+    nxTickGrid(const nxTickGrid&) = delete;
+    nxTickGrid& operator=(const nxTickGrid&) = delete;
+    ~nxTickGrid();
+
+    /// Replaces the grid, with a new key. It stays empty, and declines every price, for bands that lack a top band, are out of order,
     /// or have numbers beyond the limits.
     /// @param bands at least one; they outlive the grid, and after a change it needs another Build().
     void Build(const Bands& bands);
@@ -72,13 +81,23 @@ public:
     std::size_t GetBand(std::size_t stretch) const { return _stretches[stretch].band; }
     /// @return the tick of a found stretch, in the table's own band.
     const nxDecimal& GetIncrement(std::size_t stretch) const { return *_stretches[stretch].increment; }
-    /// Makes @p zone the stretch that Find() gave for @p price.
-    void Fill(std::size_t stretch, const nxDecimal& price, nxTickZone& zone) const;
+    /// @return the number of stretches.
+    std::size_t GetCount() const { return _stretches.size(); }
+    /// @return the largest magnitude of @p places decimals, 15 at most, that lies in the stretch or in one before it.
+    std::uint64_t GetLast(std::size_t stretch, unsigned char places) const;
+    /// Makes @p zone the stretch, which holds prices of these places and this sign.
+    void Fill(std::size_t stretch, unsigned char places, bool isNegative, nxTickZone& zone) const;
+
+    /// @return the finished zones; a null pointer when the grid is empty or has too many stretches for them.
+    const nxTickViews* GetViews() const { return _views; }
+    /// @return the key under which threads remember zones of the views; the table changes it under its lock.
+    nxTickKey& GetKey() const { return _key; }
 
 private:
     // One stretch at the common scale.
     struct _Stretch
     {
+        Code end;  // belongs to the stretch
         const nxDecimal* increment = nullptr;
         std::uint64_t divisor = 0;     // the increment
         std::uint64_t reciprocal = 0;  // of the divisor, as in a zone
@@ -89,10 +108,15 @@ private:
 
     bool _AddBand(const Bands& bands, std::size_t band);
     void _AddStretch(Code end, std::size_t band, const nxDecimal& increment, bool isUpperPart);
+    void _Clear();
     bool _ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const;
 
-    std::vector<Code> _ends;  // where each stretch ends, ascending; the end belongs to it
-    std::vector<_Stretch> _stretches;
+    // The constructor of tables is inline. Programs that were built before set 48 bytes to 0 and after them the places, so
+    // an empty grid has to be just that.
+    std::vector<_Stretch> _stretches;  // ascending
+    mutable nxTickKey _key;
+    const nxTickViews* _views = nullptr;  // owned
+    [[maybe_unused]] std::uint64_t _reserved = 0;
     unsigned char _places = 0;  // of the common scale
 };
 

@@ -2,6 +2,7 @@
 #include "core/price/inline/nxTickPlace.h"
 
 #include "core/price/internal/nxTickRun.h"
+#include "core/price/internal/nxTickViews.h"
 #include "core/price/internal/nxValidPrices.h"
 
 namespace
@@ -14,6 +15,11 @@ bool nxTickPlace::Relocate(const nxTickRules& rules, const nxDecimal& price)
 {
     if (zone.Contains(price))
         return true;
+    if (const nxTickZone* const found = nxTickViews::FindOrMake(rules.GetGrid(), price); found != nullptr)
+    {
+        zone = *found;
+        return true;
+    }
     const std::size_t stretch = rules.FindStretch(price);
     if (stretch == nxTickGrid::NotFound)
         return false;
@@ -30,6 +36,11 @@ nxTickRules::Band nxTickPlace::FindBand(const nxTickRules& rules, const nxDecima
 
 const nxDecimal& nxTickPlace::FindTick(const nxTickRules& rules, nxDecimal price)
 {
+    if (const nxTickZone* const found = nxTickViews::FindOrMake(rules.GetGrid(), price); found != nullptr) [[likely]]
+    {
+        Note(*found);
+        return *found->increment;
+    }
     const std::size_t stretch = rules.FindStretch(price);
     if (stretch == nxTickGrid::NotFound)
         return rules.FindTickByDecimals(price);
@@ -103,8 +114,13 @@ bool nxTickPlace::_StepByDecimals(const nxTickRules& rules, bool isUp, nxDecimal
 
 nxDecimal nxTickPlace::Round(const nxTickRules& rules, const nxRoundingMethodEnum& method, nxDecimal price)
 {
-    if (price.IsValid())
+    if (!price.IsValid())
+        return price;
+    const nxTickZone* const found = nxTickViews::FindOrMake(rules.GetGrid(), price);
+    if (found == nullptr || !found->Round(method, price)) [[unlikely]]
         price.Round(FindTick(rules, price), method);
+    else
+        Note(*found);
     return price;
 }
 

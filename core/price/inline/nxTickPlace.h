@@ -14,24 +14,39 @@
 
 class nxTickRun;
 
-/// A place in a tick table: the memory of the last searches. A table has one under its lock, and every cursor and every
-/// operation on a span has one of its own.
+/// A place in a tick table: the memory of the last searches. A table has one under its lock, for prices that need the lock,
+/// and every cursor and every operation on a span has one of its own.
 ///
 /// The zone answers for prices that lie in it. The functions below take the prices that the zone declines, and these
 /// alone need the rules.
 /// - Threads: none of its own; the owner guards it. Ownership: nothing; points into its table's bands.
 struct nxTickPlace
 {
-    nxTickZone zone;                                 ///< Of the last price whose neighbours were likely to follow.
-    std::size_t lastStretch = nxTickGrid::NotFound;  ///< What the last search found.
+    nxTickZone zone;                         ///< Of the last price whose neighbours were likely to follow.
+    std::uint32_t lastStretch = UINT32_MAX;  ///< What the last search found; the largest number for nothing.
+    std::uint32_t repetitions = UINT32_MAX;  ///< How many searches in turn found it again.
 
-    /// Takes note of a search that found @p stretch for a price outside of the zone. The zone follows when two searches
-    /// in turn find one stretch, because prices that jump about would gain nothing by it.
+    /// Takes note of a search that found @p stretch for a price outside of the zone.
+    /// @return whether the zone should follow: three searches in turn have found one stretch. Prices that jump about would
+    ///         gain nothing by it.
+    bool Note(std::size_t stretch)
+    {
+        // Without a branch that depends on the prices.
+        repetitions = stretch == lastStretch ? repetitions + 1 : 0;
+        lastStretch = static_cast<std::uint32_t>(stretch);
+        return repetitions >= 2;
+    }
+    /// The same for a search that found a finished zone.
+    void Note(const nxTickZone& found)
+    {
+        if (Note(found.stretch)) [[unlikely]]
+            zone = found;
+    }
+    /// The same for a search in the grid.
     void Note(const nxTickRules& rules, std::size_t stretch, const nxDecimal& price)
     {
-        if (stretch == lastStretch)
+        if (Note(stretch)) [[unlikely]]
             rules.FillZone(stretch, price, zone);
-        lastStretch = stretch;
     }
 
     /// @return how many steps @p ticks are, in either direction.

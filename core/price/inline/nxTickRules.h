@@ -69,8 +69,10 @@ public:
     /// Makes @p zone the stretch that FindStretch() gave for @p price.
     void FillZone(std::size_t stretch, const nxDecimal& price, nxTickZone& zone) const
     {
-        _grid.Fill(stretch, price, zone);
+        _grid.Fill(stretch, price.GetDecimalPlaces(), price.IsNegative(), zone);
     }
+    /// @return the bands as integers.
+    const nxTickGrid& GetGrid() const { return _grid; }
     /// @}
 
     /// @name By decimals

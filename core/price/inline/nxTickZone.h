@@ -60,6 +60,7 @@ struct nxTickZone
     unsigned char tickPlaces = 0;             ///< Decimal places of the increment.
     unsigned char shift = 0;                  ///< Of the division by one tick, at most 49.
     std::uint32_t band = 0;                   ///< Index of the band.
+    std::uint32_t stretch = 0;                ///< Index of the stretch in its grid.
     const nxDecimal* increment = nullptr;     ///< The tick, in the table's own band.
     std::int64_t step = 0;                    ///< One tick at the places of the prices.
     std::uint64_t reciprocal = 0;             ///< ceil(2^(63 + shift) / one tick at the scale of the division).
@@ -90,10 +91,15 @@ struct nxTickZone
     /// @return false, with the price unchanged, when it is outside or not valid, or the method is none of the four.
     bool Round(const nxRoundingMethodEnum& method, nxDecimal& price) const
     {
+        return price.GetScale() == roundingPlaces && RoundOfItsPlaces(method, price);
+    }
+    /// The same for a price that has the places of the zone, where the zone rounds.
+    bool RoundOfItsPlaces(const nxRoundingMethodEnum& method, nxDecimal& price) const
+    {
         const std::int64_t value = price.GetValue();
         const std::size_t index = method.GetValue() - std::size_t{NX_ROUNDING_METHOD_DOWN};
         const std::uint64_t distance = static_cast<std::uint64_t>(value) - rounding.first;
-        if (price.GetScale() != roundingPlaces || distance > rounding.span || index > 3)
+        if (distance > rounding.span || index > 3)
             return false;
         const std::uint64_t ticks = _CountTicks(distance, index);
         price =
@@ -151,9 +157,17 @@ struct nxTickZone
     /// @return the ticks moved, 0 when even the first one needs the decimal rules.
     std::uint64_t Step(bool isUp, std::uint64_t wanted, nxDecimal& price) const
     {
+        if (price.GetScale() != steppingPlaces)
+            return 0;
+        return StepOfItsPlaces(isUp, wanted, price);
+    }
+    /// The same for a price that has the places of the zone. A zone of a view that does not step declines: its ranges hold only
+    /// 0, whose last digit is 0.
+    std::uint64_t StepOfItsPlaces(bool isUp, std::uint64_t wanted, nxDecimal& price) const
+    {
         const std::int64_t value = price.GetValue();
         const Range& range = isUp ? up : down;
-        if (price.GetScale() != steppingPlaces || !range.Contains(value))
+        if (!range.Contains(value))
             return 0;
         // Places beyond the tick's are dropped after a step while the last digit is 0.
         if (steppingPlaces != tickPlaces && value % 10 == 0)
