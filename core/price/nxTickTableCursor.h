@@ -22,8 +22,8 @@
 ///
 /// - Null, negative prices, prices without a band, limits: as nxVariableTickTable.
 /// - Threads: used by one thread at a time. Any number of cursors, and the table's own operations, work side by side.
-/// - Ownership: does not own the table, which outlives it and has all its bands before the first use. No operation
-///   allocates memory. Copyable.
+/// - Ownership: does not own the table, which outlives it and has all its bands before the first use. Copyable. Memory is
+///   allocated only by the table, see nxVariableTickTable.
 class NX_CORE_API nxTickTableCursor
 {
 public:

@@ -28,6 +28,7 @@ void nxVariableTickTable::_AddRange(const nxDecimal& upperBound, const nxDecimal
     _cache = _ranges.begin();
     _place.zone.Clear();
     _grid.Build(_ranges);
+    _grid.SetViews(nxTickViews::Make(_grid));
 }
 
 void nxVariableTickTable::_AddTopRange(const nxDecimal& increment)

@@ -53,7 +53,8 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
     ASSERT_GT(nxAllocations::count.load(), 0u);
     for (const auto& operation : operations)
     {
-        operation.run();  // the first run may allocate what is kept
+        for (int i = 0; i < 2; ++i)
+            operation.run();  // may allocate what is kept; rounding gives the next run other places
         text.clear();
         const std::size_t before = nxAllocations::count.load();
         for (int i = 0; i < 100; ++i)

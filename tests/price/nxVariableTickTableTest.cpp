@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/price/nxVariableTickTable.h"
 
+#include <array>
+#include <optional>
+
 #include "core/price/nxPriceManipulator.h"
 #include "core/price/nxTickTableCursor.h"
 #include "core/price/nxVariableTickTableContainer.h"
@@ -435,6 +438,13 @@ TEST(nxVariableTickTable, DifferentialOfEveryWayOfAskingOnOddTables)
                     number(1 + static_cast<long long>(random() % 500)) + "; ";
         text += number(1 + static_cast<long long>(random() % 500));
     }
+    for (const int bands : {128, 129})  // the most for which a table keeps all zones, and one more
+    {
+        std::string& text = texts.emplace_back();
+        for (int band = 1; band < bands; ++band)
+            text += Text(D(100 * band - 1, 2)) + (band % 2 == 0 ? " 0.01; " : " 0.02; ");
+        text += "0.05";
+    }
     for (const std::string& bands : texts)
     {
         SCOPED_TRACE(bands);
@@ -623,27 +633,62 @@ TEST(nxVariableTickTable, StepsOfOneBandByItsIterator)
     EXPECT_EQ(Text(table._GetIncrementForPrice(D("10.01"))), "0.050");
 }
 
-// Threads share one table. Their prices are far apart, so that each replaces the band that another has remembered.
+// Threads share one table. Their prices are far apart, so that each replaces the band that another has remembered. The tables
+// are new, so that the threads also make the zones of one kind of prices at once.
 TEST(nxVariableTickTable, ThreadsShareATable)
 {
-    const Table table("9.99 0.01; 99.95 0.05; 999.75 0.25; 0.50");
-    std::vector<std::string> ends(4);
-    nxInThreads(4,
-                [&](int thread)
-                {
-                    nxDecimal locked = D("0.00"), free = locked;
-                    nxTickTableCursor cursor(table);
-                    const int ticks = thread % 2 == 0 ? 1 : -1;
-                    for (int step = 0; step < 5000; ++step)
+    class Unasked final : public nxVariableTickTable
+    {
+    public:
+        explicit Unasked(const char* bands) : nxVariableTickTable(Unwatched()) { _AddRanges(bands); }
+    };
+    for (int round = 0; round < 10; ++round)
+    {
+        const char* const bands = "9.99 0.01; 99.95 0.05; 999.75 0.25; 0.50";
+        const Table watched(bands);
+        const Unasked unasked(bands);
+        const nxVariableTickTable& table = round % 2 == 0 ? static_cast<const nxVariableTickTable&>(watched) : unasked;
+        std::vector<std::string> ends(4);
+        nxInThreads(4,
+                    [&](int thread)
                     {
-                        table.Increment(locked, ticks);
-                        cursor.Increment(free, ticks);
-                        table.RoundToValidTick(methods[0], locked);
-                        if (Exact(locked) != Exact(free) ||
-                            Exact(table.GetTickIncrement(free)) != Exact(cursor.GetTickIncrement(free)))
-                            return;
-                    }
-                    ends[static_cast<std::size_t>(thread)] = Text(locked);
-                });
-    EXPECT_EQ(ends, (std::vector<std::string>{"650.00", "-650.00", "650.00", "-650.00"}));
+                        nxDecimal shared = D("0.00"), free = shared;
+                        nxTickTableCursor cursor(table);
+                        const int ticks = thread % 2 == 0 ? 1 : -1;
+                        for (int step = 0; step < 3000; ++step)
+                        {
+                            if (step % 2 == 0)
+                                table.Increment(shared, ticks);
+                            else
+                                ticks > 0 ? table.Increment(shared) : table.Decrement(shared);
+                            cursor.Increment(free, ticks);
+                            table.RoundToValidTick(methods[0], shared);
+                            if (Exact(shared) != Exact(free) ||
+                                Exact(table.GetTickIncrement(free)) != Exact(cursor.GetTickIncrement(free)))
+                                return;
+                        }
+                        ends[static_cast<std::size_t>(thread)] = Text(shared);
+                    });
+        EXPECT_EQ(ends, (std::vector<std::string>{"150.00", "-150.00", "150.00", "-150.00"}));
+    }
+}
+
+// There are more tables than a thread remembers, and each is made where another one was.
+TEST(nxVariableTickTable, WhatAThreadRemembersEndsWithTheTable)
+{
+    std::mt19937_64 random(nxRandomTest::GetSeed(1));
+    std::array<std::optional<Table>, 40> tables;
+    std::array<long long, std::size(tables)> ticks{};
+    for (int question = 0; question < 5000; ++question)
+    {
+        const std::size_t i = random() % tables.size();
+        if (!tables[i] || random() % 8 == 0)
+        {
+            ticks[i] = 1 + static_cast<long long>(random() % 100);
+            tables[i].emplace(("5 " + Text(D(ticks[i], 2)) + "; " + Text(D(ticks[i] + 100, 2))).c_str());
+        }
+        const bool isTop = random() % 2 == 0;
+        ASSERT_EQ(Exact(tables[i]->GetTickIncrement(D(isTop ? "123.45" : "4.56"))),
+                  Exact(D(ticks[i] + 100 * isTop, 2)));
+    }
 }

@@ -6,11 +6,10 @@
 
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/price/inline/nxReciprocal.h"
-#include "core/price/internal/nxTickViews.h"
 
 namespace
 {
-constexpr unsigned char maxPlaces = nxTickViews::MaxPlaces;
+constexpr unsigned char maxPlaces = nxTickGrid::MaxPlaces;
 constexpr std::uint64_t maxMagnitude = INT64_MAX;
 
 void SetReciprocal(std::uint64_t divisor, std::uint64_t& factor, unsigned char& shift)
@@ -160,18 +159,10 @@ void SetSteps(const Extent& extent, nxTickZone& zone)
 }
 }  // namespace
 
-nxTickGrid::~nxTickGrid() { _Clear(); }
-
-void nxTickGrid::_Clear()
-{
-    delete _views;
-    _views = nullptr;
-    _stretches.clear();
-}
-
 void nxTickGrid::Build(const Bands& bands)
 {
-    _Clear();
+    _views.reset();
+    _stretches.clear();
     _key.Renew();
     // The maximum is the bound of a top band; anything else is a table still being built.
     if (!bands.back().first.EqualsExactly(nxDecimal::GetMaximumDecimal()))
@@ -183,11 +174,9 @@ void nxTickGrid::Build(const Bands& bands)
     {
         if (_AddBand(bands, band))
             continue;
-        _Clear();
+        _stretches.clear();
         return;
     }
-    if (_stretches.size() <= nxTickView::MaxStretches)
-        _views = new nxTickViews(*this);
 }
 
 bool nxTickGrid::_AddBand(const Bands& bands, std::size_t band)

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -65,15 +66,16 @@ public:
     nxTickGrid() = default;
     nxTickGrid(const nxTickGrid&) = delete;
     nxTickGrid& operator=(const nxTickGrid&) = delete;
-    ~nxTickGrid();
 
-    /// Replaces the grid, with a new key. It stays empty, and declines every price, for bands that lack a top band, are out of order,
+    /// Replaces the grid, with a new key and without views. It stays empty, and declines every price, for bands that lack a top band, are out of order,
     /// or have numbers beyond the limits.
     /// @param bands at least one; they outlive the grid, and after a change it needs another Build().
     void Build(const Bands& bands);
 
     /// What Find() returns for a price that needs the decimal rules.
     static constexpr std::size_t NotFound = SIZE_MAX;
+    /// It finds no price with more places.
+    static constexpr unsigned char MaxPlaces = 15;
 
     /// @return the stretch that holds the price, or NotFound; a price without a value counts as 0.
     std::size_t Find(const nxDecimal& price) const;
@@ -89,7 +91,9 @@ public:
     void Fill(std::size_t stretch, unsigned char places, bool isNegative, nxTickZone& zone) const;
 
     /// @return the finished zones; a null pointer when the grid is empty or has too many stretches for them.
-    const nxTickViews* GetViews() const { return _views; }
+    const nxTickViews* GetViews() const { return _views.get(); }
+    /// Takes the zones of this grid, which live as long as it.
+    void SetViews(std::shared_ptr<const nxTickViews> views) { _views = std::move(views); }
     /// @return the key under which threads remember zones of the views; the table changes it under its lock.
     nxTickKey& GetKey() const { return _key; }
 
@@ -108,15 +112,13 @@ private:
 
     bool _AddBand(const Bands& bands, std::size_t band);
     void _AddStretch(Code end, std::size_t band, const nxDecimal& increment, bool isUpperPart);
-    void _Clear();
     bool _ScaleUp(const nxDecimal& number, std::uint64_t& scaled) const;
 
     // The constructor of tables is inline. Programs that were built before set 48 bytes to 0 and after them the places, so
     // an empty grid has to be just that.
     std::vector<_Stretch> _stretches;  // ascending
     mutable nxTickKey _key;
-    const nxTickViews* _views = nullptr;  // owned
-    [[maybe_unused]] std::uint64_t _reserved = 0;
+    std::shared_ptr<const nxTickViews> _views;
     unsigned char _places = 0;  // of the common scale
 };
 

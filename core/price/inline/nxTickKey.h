@@ -32,12 +32,12 @@ public:
     /// Takes a number that no table of the process has had, and the first band.
     void Renew();
     /// Marks the table as one that need not be asked before a band is remembered.
-    void SetAnyBand() { _value.store(_number(Get()) | _anyBand << _bandShift, std::memory_order_relaxed); }
+    void SetAnyBand() { _value.store(_GetNumber(Get()) | _anyBand << _bandShift, std::memory_order_relaxed); }
     /// Takes another band, but not in place of the mark of any band.
     void SetBand(std::size_t band)
     {
         if (const std::uint64_t key = Get(); key >> _bandShift != _anyBand)
-            _value.store(_number(key) | std::uint64_t{band < _lastBand ? band : _lastBand} << _bandShift,
+            _value.store(_GetNumber(key) | std::uint64_t{band < _lastBand ? band : _lastBand} << _bandShift,
                          std::memory_order_relaxed);
     }
 
@@ -49,7 +49,10 @@ private:
     static constexpr std::uint64_t _anyBand = 255;
     static constexpr std::uint64_t _lastBand = 254;  // tables with more have no views
 
-    static constexpr std::uint64_t _number(std::uint64_t key) { return key & ((std::uint64_t{1} << _bandShift) - 1); }
+    static constexpr std::uint64_t _GetNumber(std::uint64_t key)
+    {
+        return key & ((std::uint64_t{1} << _bandShift) - 1);
+    }
 
     std::atomic<std::uint64_t> _value{0};
 };

@@ -22,8 +22,7 @@ public:
     /// What is remembered of one table.
     struct Place
     {
-        std::uint64_t key =
-            UINT64_MAX;  ///< The table's, plus the scale of the prices in the zone; this one for nothing.
+        std::uint64_t key = UINT64_MAX;  ///< The table's, plus the scale of the zone's prices; the largest for nothing.
         const nxTickZone* zone = nullptr;  ///< One that rounds.
 
         /// @return whether the zone is one of the table with that key, for prices of that scale.

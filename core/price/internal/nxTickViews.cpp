@@ -41,6 +41,12 @@ void nxTickView::_SetFirst()
     }
 }
 
+std::shared_ptr<const nxTickViews> nxTickViews::Make(const nxTickGrid& grid)
+{
+    const std::size_t count = grid.GetCount();
+    return count == 0 || count > nxTickView::MaxStretches ? nullptr : std::make_shared<const nxTickViews>(grid);
+}
+
 nxTickViews::~nxTickViews()
 {
     // Relaxed, because the table's owner excludes all searches.
@@ -51,7 +57,7 @@ nxTickViews::~nxTickViews()
 const nxTickZone* nxTickViews::FindOrMake(const nxTickGrid& grid, const nxDecimal& price)
 {
     const nxTickViews* const views = grid.GetViews();
-    if (views == nullptr || price.GetScale() > MaxPlaces)
+    if (views == nullptr || price.GetScale() > nxTickGrid::MaxPlaces)
         return nullptr;
     const std::size_t index = _GetIndex(price.GetScale(), price.GetValue());
     const nxTickView* view = views->_views[index].load(std::memory_order_acquire);  // pairs with the release in _Make()

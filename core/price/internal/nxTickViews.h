@@ -62,13 +62,14 @@ private:
 
 /// The views of one tick table. A view is made by the first search with a price of its kind, without a lock, and stays
 /// until the table ends. Two threads may make the same one; the first counts.
-/// - Threads: any number. Ownership: owns the views; the grid outlives them.
+/// - Threads: any number. Ownership: owns the views; belongs to the grid.
 class nxTickViews
 {
 public:
-    /// Prices with more places have no zones.
-    static constexpr unsigned char MaxPlaces = 15;
+    /// @return the views of a grid; a null pointer when that is empty or has too many stretches.
+    static std::shared_ptr<const nxTickViews> Make(const nxTickGrid& grid);
 
+    /// Views of a grid that has stretches, but not too many.
     explicit nxTickViews(const nxTickGrid& grid) : _grid(grid) {}
     nxTickViews(const nxTickViews&) = delete;
     nxTickViews& operator=(const nxTickViews&) = delete;
@@ -80,7 +81,7 @@ public:
     {
         const nxTickViews* const views = grid.GetViews();
         const std::uint64_t scale = price.GetScale();
-        if (views == nullptr || scale > MaxPlaces)
+        if (views == nullptr || scale > nxTickGrid::MaxPlaces)
             return nullptr;
         const std::int64_t value = price.GetValue();
         // Pairs with the release in _Make().
@@ -96,7 +97,7 @@ private:
     const nxTickView* _Make(std::size_t index) const;
 
     const nxTickGrid& _grid;
-    mutable std::array<std::atomic<const nxTickView*>, 2 * (MaxPlaces + 1)>
+    mutable std::array<std::atomic<const nxTickView*>, 2 * (nxTickGrid::MaxPlaces + 1)>
         _views{};  // of each scale positive, negative
 };
 
