@@ -5,7 +5,8 @@
 docs/nxtick-benchmark.json has the figures of the page of benchmarks: write them there, then run benchmarks/report.py.
 
 All of them add the columns tick, snapped and moved for a tick of 0.05 and write to /dev/null; only nxtick is exact. The
-runs of all programs alternate. Shown is the median, with the least and the most.
+runs of all programs alternate. Shown is the median, with the least and the most, and how long two workers take beside one: the
+ratio within a run, its median with its quartiles. The file has the seconds of every run in their order, so the page has it too.
 """
 import argparse
 import json
@@ -18,6 +19,9 @@ import subprocess
 import sys
 import tempfile
 import time
+
+sys.dont_write_bytecode = True  # the sources stay as they are
+import report
 
 PYTHON = """
 import csv, math, sys
@@ -90,6 +94,8 @@ def main():
             for name, all_times in times.items():
                 median = statistics.median(all_times)
                 print(f"| {name} | {median:.2f} | {min(all_times):.2f} to {max(all_times):.2f} | {options.rows / median / 1e6:.2f} |")
+            for pair, ratio in report.workers(times):
+                print(f"{pair}: {ratio}")
             figures[title] = times
     if options.json:
         with open(options.json, "w") as file:

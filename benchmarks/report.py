@@ -69,6 +69,14 @@ def best(entry, prefix):
     return name, candidates[name]
 
 
+def quartiles(ratios):
+    """[median, lower quartile, upper quartile], or the only ratio."""
+    if len(ratios) < 2:
+        return ratios
+    lower, _, upper = statistics.quantiles(ratios, n=4, method="inclusive")
+    return [statistics.median(ratios), lower, upper]
+
+
 def ratio_of(entry, column):
     """[median] or [median, lower quartile, upper quartile] of ours over a column, each within one repetition."""
     return entry["ratios"].get(column)
@@ -96,6 +104,11 @@ def cost(entry, column):
     return 1 / ratio if entry["unit"] == "/s" else ratio
 
 
+def reached(verdict):
+    """The ratio that was held against a goal, as ratio_of() gives it."""
+    return [verdict["ratio"], *verdict.get("quartiles", [])]
+
+
 def verdicts(figures):
     return [(row, verdict) for row, entry in figures["rows"].items() if not crowded(row, figures)
             for verdict in entry["verdicts"]]
@@ -112,7 +125,7 @@ def row_line(row, entry, judged):
     for kind in ("limit_", "peer_"):
         column, value = best(entry, kind)
         cells += [f"{shown(value, entry['unit'])} {column[len(kind):]}", shown_ratio(ratio_of(entry, column))] if column else ["", ""]
-    cells.append("; ".join(f"{v['ratio']:.2f} {v['goal']} {v['against']}: {'met' if v['met'] else 'MISSED'}"
+    cells.append("; ".join(f"{shown_ratio(reached(v))} {v['goal']} {v['against']}: {'met' if v['met'] else 'MISSED'}"
                            for v in entry["verdicts"]) if judged else "")
     return tuple(cells)
 
@@ -167,7 +180,7 @@ def above_the_limit(figures):
 
 
 def missed(figures):
-    lines = [(row, f"{v['ratio']:.2f}", f"{v['goal']} {v['against']}") for row, v in verdicts(figures) if not v["met"]]
+    lines = [(row, shown_ratio(reached(v)), f"{v['goal']} {v['against']}") for row, v in verdicts(figures) if not v["met"]]
     return [("row", "ratio", "goal"), *lines] if lines else []
 
 
@@ -186,6 +199,13 @@ def description(figures):
     return markdown([("of the run", ""), *((what, value or "not recorded") for what, value in told)])
 
 
+def workers(seconds):
+    """Lines (programs, ratio) of the tool: two workers' seconds over one's, each within one run, with quartiles."""
+    pairs = [(name, name.replace("2 workers", "1 worker")) for name in seconds if "2 workers" in name]
+    return [(f"{two} / {one.removeprefix('nxtick, ')}", shown_ratio(quartiles([a / b for a, b in zip(seconds[two], seconds[one])])))
+            for two, one in pairs if one in seconds]
+
+
 def tool_block():
     """What the run of nxtick and other programs over one file of prices gave."""
     with open(TOOL_FIGURES, encoding="utf-8") as file:
@@ -200,6 +220,8 @@ def tool_block():
             median = statistics.median(all_times)
             lines.append((name, f"{median:.2f}", f"{min(all_times):.2f} to {max(all_times):.2f}", f"{tool['rows'] / median / 1e6:.2f}"))
         parts += [f"{title[0].upper()}{title[1:]}:", markdown(lines)]
+        if workers(seconds):
+            parts.append(markdown([("two workers over one", "ratio within a run, median and quartiles"), *workers(seconds)]))
     return parts
 
 
