@@ -93,9 +93,13 @@ def threads_of(row):
     return int(found.group(1)) if found else 1
 
 
-def crowded(row, figures):
+def is_crowded(row, processors):
     """Whether the row has more threads than processors, and so measures the scheduler."""
-    return threads_of(row) > figures["machine"]["processors"]
+    return threads_of(row) > processors
+
+
+def crowded(row, figures):
+    return is_crowded(row, figures["machine"]["processors"])
 
 
 def cost(entry, column):
