@@ -212,7 +212,7 @@ const Operation operations[] = {
          if (!error.SetFromString(name))
              std::abort();
      }},
-    {"tick_at_price_locked",
+    {"tick_at_price_table",
      []
      {
          static const auto& table = Table();

@@ -67,8 +67,8 @@ public:
     nxTickGrid(const nxTickGrid&) = delete;
     nxTickGrid& operator=(const nxTickGrid&) = delete;
 
-    /// Replaces the grid, with a new key and without views. It stays empty, and declines every price, for bands that lack a top band, are out of order,
-    /// or have numbers beyond the limits.
+    /// Replaces the grid, with a new key and without views. It stays empty, and declines every price, for bands that lack a
+    /// top band, are out of order, or have numbers beyond the limits.
     /// @param bands at least one; they outlive the grid, and after a change it needs another Build().
     void Build(const Bands& bands);
 

@@ -11,10 +11,8 @@ namespace
 constexpr unsigned mostRelocationsOfARun = 1000;
 }  // namespace
 
-bool nxTickPlace::Relocate(const nxTickRules& rules, const nxDecimal& price)
+bool nxTickPlace::_Relocate(const nxTickRules& rules, const nxDecimal& price)
 {
-    if (zone.Contains(price))
-        return true;
     if (const nxTickZone* const found = nxTickViews::FindOrMake(rules.GetGrid(), price); found != nullptr)
     {
         zone = *found;

@@ -57,7 +57,10 @@ struct nxTickPlace
 
     /// Makes the zone one that holds the price.
     /// @return false when the price needs the decimal rules; the zone is then as it was.
-    bool Relocate(const nxTickRules& rules, const nxDecimal& price);
+    bool Relocate(const nxTickRules& rules, const nxDecimal& price)
+    {
+        return zone.Contains(price) || _Relocate(rules, price);
+    }
 
     /// @return the tick at the price; a null decimal, after a fatal record in the log, when the price has no band.
     const nxDecimal& FindTick(const nxTickRules& rules, nxDecimal price);
@@ -86,6 +89,7 @@ struct nxTickPlace
                                               long long& ticks);
 
 private:
+    bool _Relocate(const nxTickRules& rules, const nxDecimal& price);
     template <class StepOnce>
     void _StepMany(const nxTickRules& rules, nxTickRun& run, bool isUp, std::uint64_t ticks, nxDecimal& price,
                    const StepOnce& stepOnce);

@@ -157,24 +157,29 @@ struct nxTickZone
     /// @return the ticks moved, 0 when even the first one needs the decimal rules.
     std::uint64_t Step(bool isUp, std::uint64_t wanted, nxDecimal& price) const
     {
-        if (price.GetScale() != steppingPlaces)
+        if (price.GetScale() != steppingPlaces || !(isUp ? up : down).Contains(price.GetValue()))
             return 0;
-        return StepOfItsPlaces(isUp, wanted, price);
+        return _StepInRange(isUp, wanted, price);
     }
-    /// The same for a price that has the places of the zone. A zone of a view that does not step declines: its ranges hold only
-    /// 0, whose last digit is 0.
+    /// The same for a price that has the places of the zone. A zone of a view that does not step declines: its ranges hold
+    /// only 0, whose last digit is 0.
     std::uint64_t StepOfItsPlaces(bool isUp, std::uint64_t wanted, nxDecimal& price) const
     {
+        return (isUp ? up : down).Contains(price.GetValue()) ? _StepInRange(isUp, wanted, price) : 0;
+    }
+
+private:
+    // The step from a price in the range of that direction.
+    std::uint64_t _StepInRange(bool isUp, std::uint64_t wanted, nxDecimal& price) const
+    {
         const std::int64_t value = price.GetValue();
-        const Range& range = isUp ? up : down;
-        if (!range.Contains(value))
-            return 0;
         // Places beyond the tick's are dropped after a step while the last digit is 0.
         if (steppingPlaces != tickPlaces && value % 10 == 0)
             return 0;
         std::uint64_t ticks = 1;
         if (wanted > 1)
         {
+            const Range& range = isUp ? up : down;
             const std::uint64_t room = isUp ? range.CountAbove(value) : range.CountBelow(value);
             const std::uint64_t possible = room / static_cast<std::uint64_t>(step) + 1;
             ticks = wanted < possible ? wanted : possible;
@@ -185,7 +190,6 @@ struct nxTickZone
         return ticks;
     }
 
-private:
     // Indices of `start`.
     static constexpr std::size_t _down = 0;
     static constexpr std::size_t _up = 1;
