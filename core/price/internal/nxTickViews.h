@@ -97,8 +97,9 @@ private:
     const nxTickView* _Make(std::size_t index) const;
 
     const nxTickGrid& _grid;
-    mutable std::array<std::atomic<const nxTickView*>, 2 * (nxTickGrid::MaxPlaces + 1)>
-        _views{};  // of each scale positive, negative
+    // Of each scale the view of positive and of negative prices. _Make() publishes one (release) and takes that of a thread
+    // which was first (acquire); searches load it (acquire). Relaxed in the destructor, which runs alone.
+    mutable std::array<std::atomic<const nxTickView*>, 2 * (nxTickGrid::MaxPlaces + 1)> _views{};
 };
 
 #endif
