@@ -73,5 +73,6 @@ need_benchmark_tools()
         /usr/include/absl/base/config.h libabsl-dev /usr/include/boost/version.hpp libboost-dev gperf gperf \
         /usr/include/bid_functions.h libintelrdfpmath-dev /usr/include/csv.h libcsv-dev \
         /usr/include/fast_float/fast_float.h libfast-float-dev \
-        /usr/include/log4cplus/logger.h liblog4cplus-dev
+        /usr/include/log4cplus/logger.h liblog4cplus-dev \
+        /usr/include/oneapi/tbb.h libtbb-dev
 }

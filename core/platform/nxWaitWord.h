@@ -17,7 +17,11 @@ public:
     static void Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoseconds) noexcept;
 
     /// Wakes every thread that sleeps on @p word. Leaves errno as it is.
-    static void WakeAll(const std::atomic<std::uint32_t>& word) noexcept;
+    static void WakeAll(const std::atomic<std::uint32_t>& word) noexcept { WakeAll(&word); }
+    /// The same by the address of a word, which may be gone. A thread that sleeps on what came to its place may wake early.
+    static void WakeAll(const std::atomic<std::uint32_t>* address) noexcept;
+    /// Wakes one thread. @copydetails WakeAll(const std::atomic<std::uint32_t>*)
+    static void WakeOne(const std::atomic<std::uint32_t>* address) noexcept;
 };
 
 #endif

@@ -56,6 +56,14 @@ void nxThreadReport::ExceptionLeftRun(const char* what)
     NX_LOG_AT(NX_LOG_LEVEL_FATAL, "core/trunk/nxThread", 14) << "A thread ended with an exception: " << what;
 }
 
+void nxThreadReport::ExceptionLeftFunctor(bool isDestructor, const char* what)
+{
+    NX_LOG_AT(NX_LOG_LEVEL_ERROR, "core/trunk/nxFunctorQueue", 1)
+        << (isDestructor ? "The destructor of a functor ended with an exception: "
+                         : "A functor ended with an exception: ")
+        << what;
+}
+
 void nxThreadReport::SignalsNotBlocked(unsigned thread)
 {
     NX_LOG_AT(NX_LOG_LEVEL_WARNING, "core/trunk/nxSignalThread", 1)

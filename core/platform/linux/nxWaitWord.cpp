@@ -21,9 +21,16 @@ void nxWaitWord::Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expe
     errno = saved;
 }
 
-void nxWaitWord::WakeAll(const std::atomic<std::uint32_t>& word) noexcept
+namespace
+{
+void Wake(const std::atomic<std::uint32_t>* address, int threads)
 {
     const int saved = errno;
-    syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
+    syscall(SYS_futex, address, FUTEX_WAKE_PRIVATE, threads, nullptr, nullptr, 0);
     errno = saved;
 }
+}  // namespace
+
+void nxWaitWord::WakeAll(const std::atomic<std::uint32_t>* address) noexcept { Wake(address, INT_MAX); }
+
+void nxWaitWord::WakeOne(const std::atomic<std::uint32_t>* address) noexcept { Wake(address, 1); }

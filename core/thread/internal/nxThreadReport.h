@@ -29,6 +29,9 @@ public:
     /// @param what the exception's own text, or "of unknown type".
     static void ExceptionLeftRun(const char* what);
 
+    /// @param isDestructor whether it left the functor's destructor rather than its call.
+    static void ExceptionLeftFunctor(bool isDestructor, const char* what);
+
     // Threads that wait for signals. `thread` is the system's number of one in which a signal is not blocked.
     static void SignalsNotBlocked(unsigned thread);
     static void ExceptionLeftHandler(int signal, const char* what);
