@@ -68,7 +68,7 @@ public:
         unsigned long long posted = 0;     ///< Accepted.
         unsigned long long run = 0;        ///< Ended, normally or by an exception.
         unsigned long long threw = 0;      ///< Those of them of which an exception was caught.
-        unsigned long long refused = 0;    ///< Not accepted, for any reason.
+        unsigned long long refused = 0;    ///< Not accepted: full, stopped or out of memory.
         unsigned long long abandoned = 0;  ///< Accepted and destroyed without a run.
         std::size_t queued = 0;            ///< Accepted and not begun, at this moment.
         std::size_t mostQueued = 0;        ///< The largest number of them.

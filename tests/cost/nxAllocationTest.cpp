@@ -22,6 +22,8 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
     int integer = 0;
     double number = 0;
     bool kept = true;
+    nxFunctorQueue queue(4);
+    const std::shared_ptr<int> shared = std::make_shared<int>();
     char buffer[nxDecimal::MaxTextSize];
     std::string text;
     text.reserve(4096);
@@ -49,6 +51,8 @@ TEST(nxAllocation, TheSteadyStateAllocatesNothing)
         {"stepped", [&] { table.Increment(price, 3); }},
         {"time stamp taken and printed", [&] { nxTimeStamp().GetAsStringFast(buffer, sizeof buffer); }},
         {"mutex", [&] { const nxMutexGuard guard(mutex); }},
+        {"functor posted and run", [&] { kept = queue.Post([&kept] {}).IsOK() && queue.RunOne(0).IsOK(); }},
+        {"functor with an owner", [&] { kept = queue.Post([shared] {}).IsOK() && queue.RunOne(0).IsOK(); }},
     };
     ASSERT_GT(nxAllocations::count.load(), 0u);
     for (const auto& operation : operations)

@@ -108,6 +108,27 @@ TEST_F(nxAllocationFault, ATickTableThatCouldNotBeRegisteredCanBeRegisteredAgain
     EXPECT_NE(Container::GetVariableTickTable("VTT_A_NAME_TOO_LONG_FOR_A_SMALL_BUFFER"), nullptr);
 }
 
+TEST_F(nxAllocationFault, APostWithoutMemoryIsRefused)
+{
+    nxFunctorQueue queue(1);
+    nxFunctorThreadPool pool;
+    int calls = 0;
+    nxErrorEnum posted, started;
+    const auto large = [&calls, text = std::string(200, 'x'), rest = std::array<char, 100>()] { calls += rest[0] + 1; };
+    const long failures = FailEveryAllocation([&] { posted = queue.TimedPost(large, 0); },
+                                              [&]
+                                              {
+                                                  EXPECT_EQ(posted.IsOK(), !nxAllocations::hasFailed);
+                                                  EXPECT_EQ(queue.GetCounts().queued, posted.IsOK() ? 1U : 0U);
+                                              });
+    EXPECT_EQ(queue.GetCounts().refused, static_cast<unsigned long long>(failures));
+    EXPECT_TRUE(queue.RunOne(0).IsOK() && calls == 1);
+    EXPECT_GT(FailEveryAllocation([&] { started = pool.Start(2); },
+                                  [&] { EXPECT_TRUE(started.IsOK() || started == NX_ERR_INSUFFICIENT_MEMORY); }),
+              0);
+    EXPECT_TRUE(pool.Post([] {}).IsOK());
+}
+
 TEST_F(nxAllocationFault, EveryOperationSurvivesEveryAllocationThatFails)
 {
     const std::string longText(200, '7'), camel = "aLongNameInCamelCaseThatNeedsMoreThanASmallBuffer";

@@ -1,31 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 // Threads post to a functor queue, run what is in it, stop it and wait for its end; see nxFunctorRing.h.
 //
-// What is modelled: the counts under the lock, functors that are made in a reserved cell, the words on which threads sleep, calls that are made
-// after the unlock, the batch of the only thread with its counter, and what takes a batch back. What happens under the lock is one
-// step. A sleep that the system refuses because the word has changed, and one that a time limit ends, are modelled; the time after
+// What is modelled: the counts under the lock, functors that are made in a reserved cell, the words on which threads sleep, calls
+// that are made after the unlock, the batch of the only thread with its counter, and what takes a batch back. What happens under
+// the lock is one step. A sleep that the system refuses because the word has changed, and one that a time limit ends, are modelled; the time after
 // which a thread that waits for room looks by itself is not, so that the calls alone have to suffice. Left out: the order of functors,
 // and threads that are unwound.
 //
 // What holds: nothing waits for ever. Each accepted functor runs or is abandoned. None begins after a return from a Stop that
 // abandons. No more wait than the capacity. Whoever waits for the idle queue finds it idle.
 //
+// Faults on purpose: LATE_READ looks at the word after the unlock, WITHOUT_COMING lets a thread that was called count as such for
+// ever, WITHOUT_CLOSE leaves a batch to its thread.
+//
 // With EARLY the queue is stopped at any moment, otherwise once it is idle. With TIMED one producer and one consumer give up
 // their sleeps at any moment.
 //
-// RUN  holds    -DPOSTS=2 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1
-// RUN  holds    -DPOSTS=1 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DEARLY
-// RUN  holds    -DPOSTS=3 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DEARLY
-// RUN  violated -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1 -DLATE_READ
-// RUN  violated -DPOSTS=3 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DEARLY -DWITHOUT_CLOSE
-// LONG holds    -DPOSTS=2 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DTIMED -DMADE
-// LONG holds    -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1 -DTIMED -DMADE
-// LONG holds    -DPOSTS=2 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DTIMED -DMADE -DEARLY
-// LONG holds    -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1 -DTIMED -DMADE -DEARLY
-// LONG holds    -DPOSTS=4 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DTIMED -DMADE -DEARLY
-// LONG holds    -DPOSTS=4 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DTIMED -DMADE
-// LONG violated -DPOSTS=3 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1 -DWITHOUT_COMING
-// LONG violated -DPOSTS=4 -DCAPACITY=2 -DCONSUMERS=1 -DBATCH=2
+// RUN  holds    -DPOSTS=1 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1
+// RUN  holds    -DPOSTS=2 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DEARLY
+// RUN  violated -DPOSTS=1 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DLATE_READ
+// RUN  violated -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1 -DWITHOUT_COMING
+// RUN  violated -DPOSTS=2 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DEARLY -DWITHOUT_CLOSE
+// LONG holds    -DPOSTS=1 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DTIMED -DMADE
+// LONG holds    -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=2 -DBATCH=1
+// LONG holds    -DPOSTS=1 -DCAPACITY=1 -DCONSUMERS=2 -DBATCH=1 -DEARLY
+// LONG holds    -DPOSTS=2 -DCAPACITY=2 -DCONSUMERS=1 -DBATCH=1 -DTIMED -DMADE -DEARLY
+// LONG holds    -DPOSTS=3 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DEARLY
+// LONG holds    -DPOSTS=3 -DCAPACITY=4 -DCONSUMERS=1 -DBATCH=2 -DTIMED
 
 #define PRODUCERS 2
 #define OWNER (PRODUCERS + CONSUMERS)
@@ -67,6 +68,7 @@ inline Change(word)
     {
         if :: reads[i] == word && !isAsleep[i] -> reads[i] = 0 :: else fi
     }
+    i = 0
 }
 
 inline GetCalls()
@@ -84,6 +86,7 @@ inline WakeAll(word)
     {
         if :: isAsleep[i] && reads[i] == word -> isAsleep[i] = false; reads[i] = 0 :: else fi
     }
+    i = 0
 }
 
 inline WakeOne()
@@ -275,9 +278,7 @@ inline Stop(abandons)
         Change(ROOM);
         Change(CHANGE)
     };
-    atomic { WakeAll(WORK) };
-    atomic { WakeAll(ROOM) };
-    atomic { WakeAll(CHANGE) };
+    atomic { WakeAll(WORK); WakeAll(ROOM); WakeAll(CHANGE) };
     if :: abandons -> hasAbandoned = true :: else fi
 }
 
