@@ -7,8 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/enum/nxErrorEnum.h"
+#include "core/thread/inline/nxFunctorQueueTypes.h"
 #include "core/thread/internal/nxFunctorCells.h"
-#include "core/thread/nxFunctorQueue.h"
 #include "core/thread/nxMutex.h"
 
 class nxTimeLimit;
@@ -36,7 +37,7 @@ struct nxFunctorBatch
 ///
 /// - Under the lock no function of a caller runs: a functor that is more than bytes is made between two holds of the lock, in a
 ///   cell that is reserved for it, and runs and is destroyed in its cell.
-/// - A thread that sleeps has said so under the lock before. Whoever makes the change then calls it, so that a change without a
+/// - A thread says under the lock that it is going to sleep. The thread that makes the change calls it, so that a change without a
 ///   sleeper costs no system call. nxFunctorRing.pml has a model of this.
 /// - The thread of a ring with one thread takes several functors at once. Those that it has not begun count as queued. A functor
 ///   of a higher priority and a Stop() take them back, so that nobody sees the difference.
@@ -44,9 +45,9 @@ struct nxFunctorBatch
 class nxFunctorRing
 {
 public:
-    using Priority = nxFunctorQueue::Priority;
-    using StopMode = nxFunctorQueue::StopMode;
-    using Counts = nxFunctorQueue::Counts;
+    using Priority = nxFunctorQueueTypes::Priority;
+    using StopMode = nxFunctorQueueTypes::StopMode;
+    using Counts = nxFunctorQueueTypes::Counts;
 
     /// @param threads that are going to run functors by Exchange(); 0 if RunOne() does it.
     /// @throws std::bad_alloc

@@ -3,12 +3,11 @@
 //
 // What is modelled: the counts under the lock, functors that are made in a reserved cell, the words on which threads sleep, calls
 // that are made after the unlock, the batch of the only thread with its counter, and what takes a batch back. What happens under
-// the lock is one step. A sleep that the system refuses because the word has changed, and one that a time limit ends, are modelled; the time after
-// which a thread that waits for room looks by itself is not, so that the calls alone have to suffice. Left out: the order of functors,
-// and threads that are unwound.
+// the lock is one step. The system refuses a sleep on a word that has changed. Left out: the time after which a thread that waits
+// for room looks by itself, so that the calls alone have to suffice; the order of functors; threads that are unwound.
 //
 // What holds: nothing waits for ever. Each accepted functor runs or is abandoned. None begins after a return from a Stop that
-// abandons. No more wait than the capacity. Whoever waits for the idle queue finds it idle.
+// abandons. No more wait than the capacity. A thread that waits for the idle queue finds it idle.
 //
 // Faults on purpose: LATE_READ looks at the word after the unlock, WITHOUT_COMING lets a thread that was called count as such for
 // ever, WITHOUT_CLOSE leaves a batch to its thread.

@@ -88,7 +88,7 @@ nxErrorEnum nxFunctorWorkers::Start(unsigned threads, const nxFunctorThreadOptio
         Workers workers = _Make(ring, threads, options.name);
         if (const nxErrorEnum error = _StartAll(workers, options); !error.IsOK())
         {
-            ring->Stop(nxFunctorQueue::StopMode::Abandon);
+            ring->Stop(nxFunctorRing::StopMode::Abandon);
             for (const auto& worker : workers)
                 static_cast<void>(worker->Wait());
             return error;
@@ -147,7 +147,7 @@ nxFunctorWorkers::~nxFunctorWorkers() NX_NO_THREAD_SAFETY_ANALYSIS
 {
     if (_ring == nullptr)
         return;
-    _ring->Stop(nxFunctorQueue::StopMode::Abandon);
+    _ring->Stop(nxFunctorRing::StopMode::Abandon);
     for (auto& worker : _workers)
         if (_ring->IsOfParent())
             static_cast<void>(worker.release());  // its thread does not exist here
