@@ -100,7 +100,7 @@ TEST(nxFunctorQueue, RunsByPriorityAndOrderAndRefusesWhatDoesNotFit)
     EXPECT_EQ(counts.mostQueued, 4U);
     EXPECT_EQ(counts.refused, 5U);
     ExpectNothingLost(counts);
-    EXPECT_THROW(nxFunctorQueue(std::numeric_limits<std::size_t>::max()), std::bad_alloc);
+    EXPECT_THROW(nxFunctorQueue{std::numeric_limits<std::size_t>::max()}, std::bad_alloc);
 }
 
 TEST(nxFunctorQueue, DestroysOnceWhatDoesNotRun)

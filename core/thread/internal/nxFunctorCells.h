@@ -25,23 +25,28 @@ struct nxFunctorChain
     std::uint32_t count = 0;
 };
 
-/// A fixed number of cells, each free, in a chain, or with a thread that makes its functor. What was used last is used first.
+/// A fixed number of cells. Each is in a chain, or with a thread that makes or runs its functor.
 ///
 /// Memory: all of it is touched in the constructor, so that no thread waits for a page later.
-/// Threads: the owner's lock guards the free cells and each chain that several threads know.
+/// Threads: the owner's lock guards each chain that several threads know.
 class nxFunctorCells
 {
 public:
     static constexpr std::size_t Most = 2'000'000'000;
 
     /// @throws std::bad_alloc
-    explicit nxFunctorCells(std::size_t count) : _cells(_Allocate(count)), _next(new std::uint32_t[count])
+    explicit nxFunctorCells(std::size_t count) : _cells(_Allocate(count)), _next(new std::uint32_t[count]) {}
+
+    /// Makes one chain of the first @p count cells.
+    nxFunctorChain Link(std::uint32_t count)
     {
+        nxFunctorChain chain;
         for (std::uint32_t cell = 0; cell < count; ++cell)
         {
             _cells[cell].actions = nullptr;
-            Append(_free, cell);
+            Append(chain, {cell, cell, 1});
         }
+        return chain;
     }
 
     nxFunctorCell& operator[](std::uint32_t cell) const { return _cells[cell]; }
@@ -50,19 +55,6 @@ public:
     /// Asks the processor for a cell that is going to be used, which another one may have.
     void Prefetch(std::uint32_t cell) const { __builtin_prefetch(&_cells[cell], 1); }
 
-    bool HasFree() const { return _free.count != 0; }
-    /// @pre HasFree()
-    std::uint32_t TakeFree()
-    {
-        const std::uint32_t cell = TakeFirst(_free, 1).first;
-        if (HasFree())
-            Prefetch(_free.first);
-        return cell;
-    }
-    void Free(std::uint32_t cell) { Prepend(_free, {cell, cell, 1}); }
-    void Free(const nxFunctorChain& chain) { Prepend(_free, chain); }
-
-    void Append(nxFunctorChain& chain, std::uint32_t cell) { Append(chain, {cell, cell, 1}); }
     void Append(nxFunctorChain& chain, const nxFunctorChain& added)
     {
         if (added.count == 0)
@@ -105,7 +97,6 @@ private:
     std::unique_ptr<nxFunctorCell[]> _cells;
     // Of each cell, the next one in its chain. Apart from the cells, so that a chain is followed without a look at them.
     std::unique_ptr<std::uint32_t[]> _next;
-    nxFunctorChain _free;
 };
 
 #endif

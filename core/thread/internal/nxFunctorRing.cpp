@@ -51,8 +51,9 @@ nxFunctorRing::nxFunctorRing(std::size_t capacity, unsigned threads)
     : _capacity(CutCapacity(capacity)),
       _mostTaken(GetLargestBatch(_capacity, threads)),
       _generation(functorGeneration.load(std::memory_order_relaxed)),
-      _threads(threads),
-      _cells(CountCells(_capacity, threads))
+      _cells(CountCells(_capacity, threads)),
+      _free(_cells.Link(static_cast<std::uint32_t>(CountCells(_capacity, threads)))),
+      _threads(threads)
 {
 }
 
@@ -133,12 +134,12 @@ std::uint32_t nxFunctorRing::_GetTakenAheadAtMost() const { return _ahead != nul
 bool nxFunctorRing::_HasRoom() const
 {
     const std::uint32_t waiting = _queued.load(std::memory_order_relaxed) + _reserved;
-    return _cells.HasFree() && (waiting + _GetTakenAheadAtMost() < _capacity || waiting + _GetTakenAhead() < _capacity);
+    return _free.count != 0 && (waiting + _GetTakenAheadAtMost() < _capacity || waiting + _GetTakenAhead() < _capacity);
 }
 
 bool nxFunctorRing::_HasMuchRoom() const
 {
-    return _cells.HasFree() &&
+    return _free.count != 0 &&
            _queued.load(std::memory_order_relaxed) + _reserved + _GetTakenAheadAtMost() <= _capacity / 2;
 }
 
@@ -185,7 +186,7 @@ nxErrorEnum nxFunctorRing::_PostPlain(void* functor, const nxFunctorActions& act
         error = _AwaitRoom(seconds);
         if (error.IsOK()) [[likely]]
         {
-            const std::uint32_t cell = _cells.TakeFree();
+            const std::uint32_t cell = _cells.TakeFirst(_free, 1).first;
             _cells[cell].actions = &actions;
             actions.make(_cells[cell].place, functor);
             _Enqueue(cell, level);
@@ -228,7 +229,7 @@ nxErrorEnum nxFunctorRing::_Reserve(double seconds, std::uint32_t& cell)
     const nxErrorEnum error = _AwaitRoom(seconds);
     if (error.IsOK())
     {
-        cell = _cells.TakeFree();
+        cell = _cells.TakeFirst(_free, 1).first;
         ++_reserved;
     }
     else
@@ -252,7 +253,7 @@ nxErrorEnum nxFunctorRing::_Commit(std::uint32_t cell, std::size_t level, bool i
         {
             ++_counts.refused;
             if (!isMade)
-                _cells.Free(cell);
+                _cells.Prepend(_free, {cell, cell, 1});
         }
         calls = _GetCalls();
     }
@@ -269,10 +270,10 @@ void nxFunctorRing::_Enqueue(std::uint32_t cell, std::size_t level)
 {
     if (_ahead != nullptr && level < _ahead->level)
         _Recall();
-    _cells.Append(_chains[level], cell);
+    _cells.Append(_chains[level], {cell, cell, 1});
     const std::uint32_t queued = _queued.load(std::memory_order_relaxed) + 1;
     _queued.store(queued, std::memory_order_relaxed);
-    ++_counts.posted;
+    ++_posted;
     if (queued + _GetTakenAheadAtMost() > _counts.mostQueued)
         _counts.mostQueued = std::max<std::size_t>(_counts.mostQueued, queued + _GetTakenAhead());
 }

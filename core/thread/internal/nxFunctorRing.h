@@ -121,27 +121,32 @@ private:
     bool _HasMuchRoom() const NX_REQUIRES(_mutex);
     bool _Has(Change change) const NX_REQUIRES(_mutex);
 
+    // What seldom changes.
     const std::uint32_t _capacity;
     const std::uint32_t _mostTaken;  // by a thread at once
     const unsigned _generation;
+    nxFunctorCells _cells;
+    Counts _counts NX_GUARDED_BY(_mutex);  // without what is in batches; `posted` is apart
 
-    // In the order in which a post and a batch use it, so that few cache lines change hands.
+    // The first line, and what every post changes: few lines have to come from another processor.
     alignas(64) nxMutex _mutex;
     bool _isStopped NX_GUARDED_BY(_mutex) = false;
     bool _isRoomAwaited NX_GUARDED_BY(_mutex) = false;
-    std::array<bool, 2> _isAwaited NX_GUARDED_BY(_mutex){};       // by Change
-    std::uint32_t _sleepers NX_GUARDED_BY(_mutex) = 0;            // that wait for work
-    std::uint32_t _called NX_GUARDED_BY(_mutex) = 0;              // of them, and have not come yet
-    std::uint32_t _reserved NX_GUARDED_BY(_mutex) = 0;            // cells in which functors are being made
-    std::uint32_t _running NX_GUARDED_BY(_mutex) = 0;             // threads with functors that have begun
-    std::uint32_t _threads NX_GUARDED_BY(_mutex);                 // that have not left
+    std::array<bool, 2> _isAwaited NX_GUARDED_BY(_mutex){};  // by Change
+    std::uint32_t _sleepers NX_GUARDED_BY(_mutex) = 0;       // that wait for work
+    std::uint32_t _called NX_GUARDED_BY(_mutex) = 0;         // of them, and have not come yet
+    std::uint32_t _reserved NX_GUARDED_BY(_mutex) = 0;       // cells in which functors are being made
+    unsigned long long _posted NX_GUARDED_BY(_mutex) = 0;
+    // The second one.
     std::array<nxFunctorChain, 3> _chains NX_GUARDED_BY(_mutex);  // by priority
-    // How many functors are in the chains. Changed under the lock, and read without it by a thread that looks whether to take it:
+    // How many functors are in them. Changed under the lock, and read without it by a thread that looks whether to take it:
     // relaxed, because a wrong answer only costs a look or a sleep that a call ends.
     std::atomic<std::uint32_t> _queued{0};
     nxFunctorBatch* _ahead NX_GUARDED_BY(_mutex) = nullptr;  // that may have functors that have not begun
-    nxFunctorCells _cells;
-    Counts _counts NX_GUARDED_BY(_mutex);  // without what is in batches
+    nxFunctorChain _free NX_GUARDED_BY(_mutex);              // what was used last is used first
+    // What only threads that run change.
+    std::uint32_t _running NX_GUARDED_BY(_mutex) = 0;  // threads with functors that have begun
+    std::uint32_t _threads NX_GUARDED_BY(_mutex);      // that have not left
     // What threads sleep on. Changed and read under the lock, which orders them, and compared by the system.
     alignas(64) Word _workWord{0};
     Word _roomWord{0};

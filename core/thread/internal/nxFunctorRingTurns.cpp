@@ -73,7 +73,7 @@ void nxFunctorRing::_Return(nxFunctorBatch& batch)
     _counts.threw += batch.threw;
     batch.threw = 0;
     --_running;
-    _cells.Free(batch.cells);
+    _cells.Prepend(_free, batch.cells);
     batch.cells = {};
 }
 
@@ -248,7 +248,7 @@ void nxFunctorRing::_Destroy(const nxFunctorChain& chain)
             break;
     }
     const nxFunctorLock lock(_mutex);
-    _cells.Free(chain);
+    _cells.Prepend(_free, chain);
 }
 
 bool nxFunctorRing::_Has(Change change) const
@@ -284,6 +284,7 @@ nxFunctorRing::Counts nxFunctorRing::GetCounts()
         return {};
     const nxFunctorLock lock(_mutex);
     Counts counts = _counts;
+    counts.posted = _posted;
     const std::uint32_t ahead = _GetTakenAhead();
     counts.queued = _queued.load(std::memory_order_relaxed) + ahead;
     if (_ahead != nullptr)
