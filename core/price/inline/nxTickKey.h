@@ -54,6 +54,7 @@ private:
         return key & ((std::uint64_t{1} << _bandShift) - 1);
     }
 
+    // Relaxed: number and band are one word, and what they name is memory of the reading thread.
     std::atomic<std::uint64_t> _value{0};
 };
 

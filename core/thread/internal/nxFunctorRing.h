@@ -30,6 +30,7 @@ struct nxFunctorBatch
     nxFunctorChain cells;          // guarded by the ring's lock; empty while the thread has none
     std::size_t level = 0;         // likewise: their priority
     unsigned long long threw = 0;  // the thread's own
+    // Relaxed: it only settles who has which functor; see BeginNext().
     alignas(64) std::atomic<std::uint32_t> begun{0};
 };
 

@@ -61,6 +61,7 @@ private:
     nxMutex _mutex;
     std::shared_ptr<nxFunctorRing> _ring;  // constant once it is published
     Workers _workers NX_GUARDED_BY(_mutex);
+    // Start() stores it once (release) with all that the ring has; every operation loads it (acquire).
     std::atomic<nxFunctorRing*> _published{nullptr};
 };
 
