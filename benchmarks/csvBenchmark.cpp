@@ -47,7 +47,7 @@ const std::string& File()
 }
 
 // The file in blocks, as the system would give it.
-nxtick::CsvReader::Source Blocks()
+nxtick::CsvSource Blocks()
 {
     return [done = std::size_t{0}](char* buffer, std::size_t size) mutable
     {
@@ -63,11 +63,14 @@ void ReadOurs(benchmark::State& state)
     for (auto _ : state)
     {
         nxtick::CsvReader reader(Blocks());
-        nxtick::CsvRow row;
+        nxCSVRow row;
         nxtick::WantedFields fields({priceColumn});
         while (reader.Next(row))
-            if (row.Find(fields) > priceColumn)
+            if (row.GetFieldCount() > priceColumn)
+            {
+                fields.Take(row);
                 benchmark::DoNotOptimize(fields[0]);
+            }
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
@@ -132,7 +135,7 @@ void SnapOurs(benchmark::State& state)
         out.Clear();
         nxtick::RowGrids grids(source);
         nxtick::CsvReader reader(Blocks());
-        nxtick::CsvRow row;
+        nxCSVRow row;
         reader.Next(row);
         const nxtick::SnapPlan plan(request.csv, nxtick::CsvHeader(row, true), source.HasBands());
         nxtick::PriceSnapper snapper(plan, grids, [](std::uint64_t, const std::string&) {});
@@ -154,7 +157,7 @@ void SnapDouble(benchmark::State& state)
     {
         out.clear();
         nxtick::CsvReader reader(Blocks());
-        nxtick::CsvRow row;
+        nxCSVRow row;
         nxtick::WantedFields fields({priceColumn});
         const auto add = [&out](double value)
         {
@@ -167,7 +170,8 @@ void SnapDouble(benchmark::State& state)
         {
             double price = 0;
             out.append(row.content);
-            if (row.Find(fields) > priceColumn &&
+            fields.Take(row);
+            if (row.GetFieldCount() > priceColumn &&
                 std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), price).ec == std::errc())
             {
                 const double snapped = std::floor(price / increment + 0.5) * increment;

@@ -81,7 +81,7 @@ Outcome Run(std::string_view file, const CsvRequest& request, SharedGrid& grid, 
     std::optional<PriceSnapper> snapper;
     try
     {
-        CsvRow row;
+        nxCSVRow row;
         while (reader.Next(row))
         {
             const std::size_t start = outcome.text.GetSize();

@@ -6,9 +6,11 @@
 
 namespace nxtick
 {
-std::string CsvDialect::GetField(std::string_view text) const
+std::string GetField(std::string_view text, const nxCSVDialect& dialect)
 {
-    const char special[] = {separator, '\r', '\n', quote};
+    const char quote = dialect.quote;
+    const bool hasQuotes = quote != '\0';
+    const char special[] = {dialect.separator, '\r', '\n', quote};
     if (text.find_first_of({special, hasQuotes ? sizeof special : sizeof special - 1}) == std::string_view::npos)
         return std::string(text);
     if (!hasQuotes)

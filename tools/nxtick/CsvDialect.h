@@ -5,19 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "core/text/nxCSVDialect.h"
+
 namespace nxtick
 {
-/// How the fields of a CSV file are divided and quoted.
-struct CsvDialect
-{
-    char separator = ',';
-    char quote = '"';
-    bool hasQuotes = true;  ///< false: a quote is a character like any other.
-
-    /// How text is written in a field: in quotes if it would read as something else without them.
-    /// @throws Failure when that needs quotes and there are none.
-    std::string GetField(std::string_view text) const;
-};
+/// How text is written in a field: in quotes if it would read as something else without them.
+/// @throws Failure when that needs quotes and the dialect has none.
+std::string GetField(std::string_view text, const nxCSVDialect& dialect = {});
 
 /// How numbers are written in a file.
 struct NumberForm

@@ -62,12 +62,12 @@ const Foreign* FindForeign(std::string_view start)
 }
 
 // Whether a line continues after a CR outside quotes.
-bool HasCarriageReturn(std::string_view text, const CsvDialect& dialect)
+bool HasCarriageReturn(std::string_view text, const nxCSVDialect& dialect)
 {
     bool isQuoted = false;
     for (std::size_t i = 0; i + 1 < text.size(); ++i)
     {
-        isQuoted = isQuoted != (dialect.hasQuotes && text[i] == dialect.quote);
+        isQuoted = isQuoted != (dialect.quote != '\0' && text[i] == dialect.quote);
         if (text[i] == '\r' && !isQuoted && text[i + 1] != '\r')
             return true;
     }
@@ -110,17 +110,14 @@ std::string GetConversion(std::string_view start)
                             : std::string("this ") + found->name + ": " + found->command + " | nxtick ... -csv -";
 }
 
-CsvHeader::CsvHeader(const CsvRow& row, bool hasNames) : _line(row.line), _hasNames(hasNames)
+CsvHeader::CsvHeader(const nxCSVRow& row, bool hasNames) : _line(row.line), _hasNames(hasNames)
 {
-    CsvRow withoutMark = row;
     if (const std::string conversion = GetConversion(row.content); !conversion.empty())
         throw FileFailure(std::to_string(_line) + ": " + conversion);
     if (HasCarriageReturn(row.content, row.dialect))
         throw FileFailure(std::to_string(_line) +
                           ": a line ends in CR alone: tr '\\r' '\\n' <FILE | nxtick ... -csv -");
-    if (row.content.substr(0, byteOrderMark.size()) == byteOrderMark)
-        withoutMark.content.remove_prefix(byteOrderMark.size());
-    _names = withoutMark.GetFields();
+    _names = row.GetFields();
     for (std::size_t i = 0; i < _names.size(); ++i)
         _names[i] = hasNames ? std::string(WithoutBlanks(_names[i])) : std::to_string(i + 1);
 }

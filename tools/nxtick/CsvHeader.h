@@ -8,14 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "CsvReader.h"
+#include "core/text/nxCSVRow.h"
 
 namespace nxtick
 {
-/// With which a file in UTF-8 may begin.
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-/// The names of a CSV file's columns, without quotes, blanks around them, and a byte order mark; of a file without a
+/// The names of a CSV file's columns, without quotes and blanks around them; of a file without a
 /// header line, their numbers from 1.
 class CsvHeader
 {
@@ -23,7 +20,7 @@ public:
     /// @param row the row that names the columns, or the first row of a file without such a row.
     /// @throws FileFailure "LINE: reason" when the row shows that the whole file has to be converted first: UTF-16, or
     ///         lines that end in CR alone.
-    CsvHeader(const CsvRow& row, bool hasNames);
+    CsvHeader(const nxCSVRow& row, bool hasNames);
 
     std::size_t GetSize() const { return _names.size(); }
     const std::vector<std::string>& GetNames() const { return _names; }

@@ -35,26 +35,26 @@ char ReadSeparator(const std::string& text)
     return separator;
 }
 
-CsvDialect ReadDialect(const Options& options)
+nxCSVDialect ReadDialect(const Options& options)
 {
-    CsvDialect dialect;
+    nxCSVDialect dialect;
     if (Has(options, "separator"))
         dialect.separator = ReadSeparator(Value(options, "separator"));
     if (Value(options, "quote") == "none")
-        dialect.hasQuotes = false;
+        dialect.quote = '\0';
     else if (Has(options, "quote"))
         dialect.quote = ReadByte("quote", Value(options, "quote"));
-    if (dialect.hasQuotes && dialect.quote == dialect.separator)
+    if (dialect.quote == dialect.separator)
         throw Failure("-quote and -separator are the same byte");
     return dialect;
 }
 
-NumberForm ReadNumberForm(const Options& options, const CsvDialect& dialect)
+NumberForm ReadNumberForm(const Options& options, const nxCSVDialect& dialect)
 {
     NumberForm form;
     form.point = Has(options, "decimal-comma") ? ',' : '.';
     form.hasExponents = Has(options, "exponents");
-    if (form.point == dialect.separator && !dialect.hasQuotes)
+    if (form.point == dialect.separator && dialect.quote == '\0')
         throw Failure("-decimal-comma needs another -separator or quotes");
     return form;
 }

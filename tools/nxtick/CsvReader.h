@@ -3,47 +3,66 @@
 #define NXTICK_CSVREADER_H
 
 #include <cstddef>
+#include <functional>
+#include <string>
 #include <utility>
 
-#include "CsvBlocks.h"
+#include "Failure.h"
+#include "core/text/nxCSVParser.h"
 
 namespace nxtick
 {
-/// Reads CSV row by row; see CsvBlocks for the rules and the bounds.
-///
-/// Why not a library: rows are copied byte for byte, so the reader must say where each row begins and ends in the
-/// input. The available CSV libraries return fields without their quotes, blanks and line ends, skip empty lines, or
-/// split a row at a line end inside quotes, and the streaming ones call back for every byte.
+/// Fills a buffer of the given size. @return the number of bytes read, 0 at the end. @throws Failure
+using CsvSource = std::function<std::size_t(char*, std::size_t)>;
+
+/// The library's parser with failures as exceptions. A row may have 16 MiB.
 class CsvReader
 {
 public:
-    using Source = CsvBlocks::Source;
+    static constexpr std::size_t usualMaximumRowSize = std::size_t{1} << 24;
 
-    /// @copydoc CsvBlocks::CsvBlocks
-    explicit CsvReader(Source source, const CsvDialect& dialect = {},
-                       std::size_t maximumRowSize = CsvBlocks::usualMaximumRowSize)
-        : _blocks(std::move(source), dialect, maximumRowSize), _rows(dialect)
+    explicit CsvReader(CsvSource source, const nxCSVDialect& dialect = {},
+                       std::size_t maximumRowSize = usualMaximumRowSize)
+        : _source(std::move(source)), _parser(&_Read, this, dialect, maximumRowSize)
     {
     }
+    CsvReader(const CsvReader&) = delete;
+    CsvReader& operator=(const CsvReader&) = delete;
 
     /// Reads the next row; empty lines are rows with empty content.
     /// @return false at the end of the input.
     /// @throws FileFailure "LINE: reason" for a row that is too long or a quote that is never closed.
-    bool Next(CsvRow& row)
+    bool Next(nxCSVRow& row)
     {
-        while (!_rows.Next(row))
-        {
-            if (!_blocks.Next(_block))
-                return false;
-            _rows.Begin(_block);
-        }
-        return true;
+        bool hasRow = false;
+        _Check(_parser.Next(row, hasRow));
+        return hasRow;
+    }
+    /// The same for a block of rows.
+    bool NextBlock(nxCSVBlock& block)
+    {
+        bool hasBlock = false;
+        _Check(_parser.NextBlock(block, hasBlock));
+        return hasBlock;
     }
 
+    bool HasByteOrderMark() const { return _parser.HasByteOrderMark(); }
+
 private:
-    CsvBlocks _blocks;
-    CsvBlock _block;
-    CsvRows _rows;
+    static nxErrorEnum _Read(void* self, char* buffer, std::size_t size, std::size_t& read)
+    {
+        read = static_cast<CsvReader*>(self)->_source(buffer, size);
+        return nxErrorEnum();
+    }
+
+    void _Check(const nxErrorEnum& error) const
+    {
+        if (!error.IsOK())
+            throw FileFailure(std::to_string(_parser.GetErrorLine()) + ": " + _parser.GetErrorText());
+    }
+
+    CsvSource _source;
+    nxCSVParser _parser;
 };
 }  // namespace nxtick
 

@@ -37,7 +37,7 @@ struct CsvRequest
     std::string outFile;             ///< "-": standard output.
     bool isInPlace = false;
     std::vector<std::string> columns;  ///< As given: names, numbers, or lists of them.
-    CsvDialect dialect;
+    nxCSVDialect dialect;
     NumberForm numbers;
     bool hasHeader = true;
     std::vector<AddedColumn> added;  ///< Empty: those that the grid calls for.

@@ -28,8 +28,8 @@ void OffGridListing::Add(const OffGridPrice& price, std::string& text) const
                     " is off the grid, between " + numbers[1] + " and " + numbers[2] + "\n";
             break;
         case Request::Format::Csv:
-            text += CsvDialect().GetField(price.file) + "," + line + "," + CsvDialect().GetField(price.column) + "," +
-                    numbers[0] + "," + numbers[1] + "," + numbers[2] + "\n";
+            text += GetField(price.file) + "," + line + "," + GetField(price.column) + "," + numbers[0] + "," +
+                    numbers[1] + "," + numbers[2] + "\n";
             break;
         case Request::Format::Json:
             AppendJson(price.file, text += ",\n{\"file\":");
@@ -91,7 +91,7 @@ std::string OffGridListing::GetCounts(Request::Format format, const SnapCounts& 
                                             : "[\n{" + members + "}\n]\n";
 }
 
-void PriceChecker::Row(const CsvRow& row, TextBlock& out)
+void PriceChecker::Row(const nxCSVRow& row, TextBlock& out)
 {
     if (row.content.empty())
         return;
@@ -102,13 +102,13 @@ void PriceChecker::Row(const CsvRow& row, TextBlock& out)
     out.Append(_text);
 }
 
-void PriceChecker::Rows(CsvRows& rows, TextBlock& out)
+void PriceChecker::Rows(nxCSVRows& rows, TextBlock& out)
 {
-    for (CsvRow row; rows.Next(row);)
+    for (nxCSVRow row; rows.Next(row);)
         PriceChecker::Row(row, out);
 }
 
-void PriceChecker::_Check(const CsvRow& row, std::size_t column, PriceGrid& grid)
+void PriceChecker::_Check(const nxCSVRow& row, std::size_t column, PriceGrid& grid)
 {
     nxDecimal price;
     if (!_prices.Read(row, column, grid, price))

@@ -68,13 +68,13 @@ public:
     }
 
     /// Appends what the listing says of the row.
-    void Row(const CsvRow& row, TextBlock& out) override;
-    void Rows(CsvRows& rows, TextBlock& out) override;
+    void Row(const nxCSVRow& row, TextBlock& out) override;
+    void Rows(nxCSVRows& rows, TextBlock& out) override;
     std::string_view Join(std::string_view text) override { return _listing == nullptr ? text : _listing->Join(text); }
     SnapCounts TakeCounts() override { return _prices.TakeCounts(); }
 
 private:
-    void _Check(const CsvRow& row, std::size_t column, PriceGrid& grid);
+    void _Check(const nxCSVRow& row, std::size_t column, PriceGrid& grid);
 
     const SnapPlan& _plan;
     RowPrices _prices;

@@ -4,6 +4,7 @@
 #include <sys/eventfd.h>
 
 #include <chrono>
+#include <string_view>
 
 #include "CsvHeader.h"
 #include "Failure.h"
@@ -16,7 +17,7 @@ namespace nxtick
 class Passage::Worker : public nxThread
 {
 public:
-    Worker(Passage& passage, const CsvDialect& dialect) : _passage(passage), _rows(dialect) {}
+    Worker(Passage& passage, const nxCSVDialect& dialect) : _passage(passage), _rows(dialect) {}
 
     void Prepare(const GridSource& source, const MakeWork& makeWork)
     {
@@ -26,17 +27,17 @@ public:
             *_grids, [this](std::uint64_t line, const std::string& reason) { _rejected.emplace_back(line, reason); });
     }
 
-    CsvBlock& GetBlock() { return _block; }
-    CsvRows& GetRows() { return _rows; }
+    nxCSVBlock& GetBlock() { return _block; }
+    nxCSVRows& GetRows() { return _rows; }
     TextBlock& GetText() { return _text; }
     std::uint64_t GetNumber() const { return _number; }
 
     /// Takes over what GetBlock() was filled with. @param share of the file that has been read.
-    void Begin(std::uint64_t number, double share, bool endsInLine)
+    void Begin(std::uint64_t number, double share)
     {
         _number = number;
         _share = share;
-        _endsInLine = endsInLine;
+        _endsInLine = std::string_view("\r\n").find(_block.GetText().back()) == std::string_view::npos;
         _rows.Begin(_block);
     }
     /// Takes a failure in place of a block.
@@ -47,7 +48,7 @@ public:
     }
 
     /// Works on the block. A failure waits for its turn.
-    void Work(const CsvRow* first = nullptr)
+    void Work(const nxCSVRow* first = nullptr)
     {
         if (_failure != nullptr)
             return;
@@ -91,8 +92,8 @@ private:
     const GridSource* _source = nullptr;
     std::optional<RowGrids> _grids;
     std::unique_ptr<RowWork> _work;
-    CsvBlock _block;
-    CsvRows _rows;
+    nxCSVBlock _block;
+    nxCSVRows _rows;
     TextBlock _text;
     std::vector<std::pair<std::uint64_t, std::string>> _rejected;  // rows by their lines, with the reasons
     std::uint64_t _number = 0;                                     // of the block
@@ -101,20 +102,21 @@ private:
     std::exception_ptr _failure;
 };
 
-Passage::Passage(InputFile& input, OutputFile& output, SnapReport& report, const CsvDialect& dialect, unsigned workers)
+Passage::Passage(InputFile& input, OutputFile& output, SnapReport& report, const nxCSVDialect& dialect,
+                 unsigned workers)
     : _input(input),
       _output(output),
       _report(report),
       _dialect(dialect),
       _mostWorkers(workers),
-      _blocks([this](char* buffer, std::size_t size) { return _ReadInput(buffer, size); }, dialect)
+      _reader([this](char* buffer, std::size_t size) { return _ReadInput(buffer, size); }, dialect)
 {
     _workers.push_back(std::make_unique<Worker>(*this, dialect));
 }
 
 Passage::~Passage() { _WaitForOthers(); }
 
-bool Passage::Next(CsvRow& row)
+bool Passage::Next(nxCSVRow& row)
 {
     Worker& self = *_workers.front();
     while (!self.GetRows().Next(row))
@@ -131,6 +133,12 @@ bool Passage::Next(CsvRow& row)
     return true;
 }
 
+bool Passage::HasByteOrderMark()
+{
+    const nxMutexGuard reading(_reading);
+    return _reader.HasByteOrderMark();
+}
+
 TextBlock& Passage::GetText() { return _workers.front()->GetText(); }
 
 void Passage::HandOver()
@@ -139,7 +147,7 @@ void Passage::HandOver()
     GetText().Clear();
 }
 
-SnapCounts Passage::PassAll(const GridSource& source, const MakeWork& makeWork, const CsvRow* first)
+SnapCounts Passage::PassAll(const GridSource& source, const MakeWork& makeWork, const nxCSVRow* first)
 {
     Worker& self = *_workers.front();
     self.Prepare(source, makeWork);
@@ -192,12 +200,12 @@ void Passage::_PassBlocks(Worker& worker)
 // Reads a block. @return false at the end of the input.
 bool Passage::_Read(Worker& worker)
 {
-    if (_isReadingOver || !_blocks.Next(worker.GetBlock()))
+    if (_isReadingOver || !_reader.NextBlock(worker.GetBlock()))
     {
         _isReadingOver = true;
         return false;
     }
-    worker.Begin(_nextRead++, _input.GetShareRead(), _blocks.EndsInLine());
+    worker.Begin(_nextRead++, _input.GetShareRead());
     return true;
 }
 

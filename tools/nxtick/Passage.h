@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "CsvBlocks.h"
+#include "CsvReader.h"
 #include "FileDescriptor.h"
 #include "InputFile.h"
 #include "OutputFile.h"
@@ -37,13 +37,15 @@ public:
     using MakeWork = std::function<std::unique_ptr<RowWork>(RowGrids&, Complaint)>;
 
     /// @param workers how many there are at most, at least 1. All others must outlive the object.
-    Passage(InputFile& input, OutputFile& output, SnapReport& report, const CsvDialect& dialect, unsigned workers);
+    Passage(InputFile& input, OutputFile& output, SnapReport& report, const nxCSVDialect& dialect, unsigned workers);
     ~Passage();
     Passage(const Passage&) = delete;
     Passage& operator=(const Passage&) = delete;
 
     /// Reads a row before PassAll(). @throws FileFailure "LINE: reason", Failure.
-    bool Next(CsvRow& row);
+    bool Next(nxCSVRow& row);
+    /// Whether the file begins with the mark of UTF-8. Known after Next().
+    bool HasByteOrderMark();
     /// Where text goes that is written before the next rows.
     TextBlock& GetText();
     /// Writes that text.
@@ -52,7 +54,7 @@ public:
     /// Passes all further rows to work, of which each worker gets its own.
     /// @param first a row that Next() returned last and that is worked on as well; null for none.
     /// @return the counts. @throws what the work throws, FileFailure, Failure.
-    SnapCounts PassAll(const GridSource& source, const MakeWork& makeWork, const CsvRow* first);
+    SnapCounts PassAll(const GridSource& source, const MakeWork& makeWork, const nxCSVRow* first);
 
     /// Whether the last row has no line end. Known after PassAll().
     bool EndsInLine() const { return _endsInLine; }
@@ -77,13 +79,13 @@ private:
     InputFile& _input;
     OutputFile& _output;
     SnapReport& _report;
-    CsvDialect _dialect;
+    nxCSVDialect _dialect;
     unsigned _mostWorkers;
     std::vector<std::unique_ptr<Worker>> _workers;  // the first is the thread that has the passage
     FileDescriptor _ended;                          // of several workers; can be read after a failure
 
     nxMutex _reading;
-    CsvBlocks _blocks NX_GUARDED_BY(_reading);
+    CsvReader _reader NX_GUARDED_BY(_reading);
     std::uint64_t _nextRead NX_GUARDED_BY(_reading) = 0;  // number of the next block
     bool _isReadingOver NX_GUARDED_BY(_reading) = false;
     bool _isAtStart = true;

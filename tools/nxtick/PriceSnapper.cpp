@@ -33,14 +33,14 @@ bool GetDistance(const nxDecimal& snapped, const nxDecimal& price, nxDecimal& di
 // Copies 16 bytes at a time, the last of them with what follows the text and is overwritten later.
 char* CopyRow(std::string_view text, char* out)
 {
-    static_assert(ByteMarks::readableAfter >= 16);
+    static_assert(nxCSVBlock::ReadableAfter >= 16);
     for (std::size_t at = 0; at < text.size(); at += 16)
         std::memcpy(out + at, text.data() + at, 16);
     return out + text.size();
 }
 }  // namespace
 
-void PriceSnapper::Row(const CsvRow& row, TextBlock& out)
+void PriceSnapper::Row(const nxCSVRow& row, TextBlock& out)
 {
     const std::size_t columns = _plan.GetPrices().size();
     const std::size_t added = columns * _plan.GetAdded().size();
@@ -57,13 +57,13 @@ void PriceSnapper::Row(const CsvRow& row, TextBlock& out)
     out.SetEnd(at);
 }
 
-void PriceSnapper::Rows(CsvRows& rows, TextBlock& out)
+void PriceSnapper::Rows(nxCSVRows& rows, TextBlock& out)
 {
-    for (CsvRow row; rows.Next(row);)
+    for (nxCSVRow row; rows.Next(row);)
         PriceSnapper::Row(row, out);
 }
 
-char* PriceSnapper::_AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, char* out)
+char* PriceSnapper::_AddColumns(const nxCSVRow& row, std::size_t column, PriceGrid& grid, char* out)
 {
     if (const PriceMemory::Entry* const known = _memory.Find(_prices.GetText(column), grid); known != nullptr)
     {
@@ -78,7 +78,7 @@ char* PriceSnapper::_AddColumns(const CsvRow& row, std::size_t column, PriceGrid
 }
 
 // @return false, with nothing added, if the price is empty or cannot be used.
-bool PriceSnapper::_Compute(const CsvRow& row, std::size_t column, PriceGrid& grid, char*& out)
+bool PriceSnapper::_Compute(const nxCSVRow& row, std::size_t column, PriceGrid& grid, char*& out)
 {
     nxDecimal price;
     if (!_prices.Read(row, column, grid, price))
@@ -146,7 +146,7 @@ char* PriceSnapper::_AddPrice(const nxDecimal& price, char* out) const
 
 char* PriceSnapper::_Add(const nxDecimal& number, char* out) const
 {
-    const CsvDialect& dialect = _plan.GetDialect();
+    const nxCSVDialect& dialect = _plan.GetDialect();
     const char point = _plan.GetNumberForm().point;
     *out++ = dialect.separator;
     const bool isQuoted = point == dialect.separator && number.GetDecimalPlaces() != 0;

@@ -31,13 +31,13 @@ public:
     }
 
     /// Appends the row with its new columns, and its line end.
-    void Row(const CsvRow& row, TextBlock& out) override;
-    void Rows(CsvRows& rows, TextBlock& out) override;
+    void Row(const nxCSVRow& row, TextBlock& out) override;
+    void Rows(nxCSVRows& rows, TextBlock& out) override;
     SnapCounts TakeCounts() override { return _prices.TakeCounts(); }
 
 private:
-    char* _AddColumns(const CsvRow& row, std::size_t column, PriceGrid& grid, char* out);
-    bool _Compute(const CsvRow& row, std::size_t column, PriceGrid& grid, char*& out);
+    char* _AddColumns(const nxCSVRow& row, std::size_t column, PriceGrid& grid, char* out);
+    bool _Compute(const nxCSVRow& row, std::size_t column, PriceGrid& grid, char*& out);
     char* _AddEmpty(std::size_t count, char* out) const;
     char* _AddTick(const nxDecimal& tick, char* out);
     char* _Add(const nxDecimal& number, char* out) const;

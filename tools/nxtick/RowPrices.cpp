@@ -22,7 +22,7 @@ bool MayHaveDecimalComma(const std::vector<std::string>& fields)
 }
 
 // What is wrong with a row whose number of fields is not the header's.
-std::string WrongNumberOfFields(const CsvRow& row, std::size_t count, const SnapPlan& plan)
+std::string WrongNumberOfFields(const nxCSVRow& row, std::size_t count, const SnapPlan& plan)
 {
     return "the row has " + std::to_string(count) + (count == 1 ? " field, the " : " fields, the ") +
            (plan.HasHeader() ? "header " : "first row ") + std::to_string(plan.GetFieldCount()) +
@@ -37,11 +37,12 @@ RowPrices::RowPrices(const SnapPlan& plan, RowGrids& grids, Complaint complaint)
 {
 }
 
-PriceGrid* RowPrices::Begin(const CsvRow& row)
+PriceGrid* RowPrices::Begin(const nxCSVRow& row)
 {
     ++_counts.rows;
     _isRejected = false;
-    _count = row.Find(_fields);
+    _count = row.GetFieldCount();
+    _fields.Take(row);
     if (_count != _plan.GetFieldCount())
     {
         _Reject(row, WrongNumberOfFields(row, _count, _plan));
@@ -56,7 +57,7 @@ PriceGrid* RowPrices::Begin(const CsvRow& row)
     return grid;
 }
 
-bool RowPrices::Read(const CsvRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price)
+bool RowPrices::Read(const nxCSVRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price)
 {
     const std::string_view field = GetText(column);
     if (field.empty())
@@ -70,14 +71,14 @@ bool RowPrices::Read(const CsvRow& row, std::size_t column, const PriceGrid& gri
     return reason == nullptr;
 }
 
-void RowPrices::Reject(const CsvRow& row, std::size_t column, const char* reason)
+void RowPrices::Reject(const nxCSVRow& row, std::size_t column, const char* reason)
 {
     const SnapPlan::PriceColumn& price = _plan.GetPrices()[column];
     const std::string place = _plan.GetPrices().size() > 1 ? "column " + Quoted(price.name) + ": " : "";
     _Reject(row, place + Quoted(_fields[price.position]) + " " + reason);
 }
 
-void RowPrices::_Reject(const CsvRow& row, const std::string& reason)
+void RowPrices::_Reject(const nxCSVRow& row, const std::string& reason)
 {
     _counts.rejected += _isRejected ? 0 : 1;  // once, however many of its prices are wrong
     _isRejected = true;

@@ -8,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
-#include "CsvRow.h"
 #include "PriceGrid.h"
 #include "RowGrids.h"
 #include "SnapCounts.h"
 #include "SnapPlan.h"
 #include "Text.h"
+#include "WantedFields.h"
+#include "core/text/nxCSVRow.h"
 
 namespace nxtick
 {
@@ -32,7 +33,7 @@ public:
     RowPrices(const SnapPlan& plan, RowGrids& grids, Complaint complaint);
 
     /// Begins with a row that is not an empty line. @return null if the row is rejected as a whole, else its grid.
-    PriceGrid* Begin(const CsvRow& row);
+    PriceGrid* Begin(const nxCSVRow& row);
     /// How many fields the row at hand has less than the header.
     std::size_t GetMissing() const { return _count < _plan.GetFieldCount() ? _plan.GetFieldCount() - _count : 0; }
 
@@ -42,16 +43,16 @@ public:
         return WithoutBlanks(_fields[_plan.GetPrices()[column].position]);
     }
     /// Reads the row's price in a column of the plan. @return false if it is empty or cannot be read.
-    bool Read(const CsvRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price);
+    bool Read(const nxCSVRow& row, std::size_t column, const PriceGrid& grid, nxDecimal& price);
     /// Rejects the price.
-    void Reject(const CsvRow& row, std::size_t column, const char* reason);
+    void Reject(const nxCSVRow& row, std::size_t column, const char* reason);
 
     SnapCounts& GetCounts() { return _counts; }
     /// The counts since the last call.
     SnapCounts TakeCounts() { return std::exchange(_counts, {}); }
 
 private:
-    void _Reject(const CsvRow& row, const std::string& reason);
+    void _Reject(const nxCSVRow& row, const std::string& reason);
 
     const SnapPlan& _plan;
     RowGrids& _grids;

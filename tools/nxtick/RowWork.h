@@ -4,9 +4,9 @@
 
 #include <string_view>
 
-#include "CsvBlock.h"
 #include "SnapCounts.h"
 #include "TextBlock.h"
+#include "core/text/nxCSVRows.h"
 
 namespace nxtick
 {
@@ -20,9 +20,9 @@ public:
     RowWork& operator=(const RowWork&) = delete;
 
     /// Appends what becomes of a row.
-    virtual void Row(const CsvRow& row, TextBlock& out) = 0;
+    virtual void Row(const nxCSVRow& row, TextBlock& out) = 0;
     /// The same for all rows that are left.
-    virtual void Rows(CsvRows& rows, TextBlock& out) = 0;
+    virtual void Rows(nxCSVRows& rows, TextBlock& out) = 0;
 
     /// What has to be written of a text that was appended. Called in the order of the rows, by one thread at a time.
     virtual std::string_view Join(std::string_view text) { return text; }

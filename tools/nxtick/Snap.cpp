@@ -133,7 +133,7 @@ private:
             throw Failure("cannot write " + output.GetName() +
                           ": it is the input file; to replace that, name it with -out");
         Passage passage(input, output, _report, _csv.dialect, _csv.workers);
-        CsvRow row;
+        nxCSVRow row;
         if (!_FindFirst(passage, row, !isContinued))
             return passage.HandOver();
         const CsvHeader header(row, _csv.hasHeader);
@@ -146,8 +146,6 @@ private:
             for (const std::string_view part :
                  {row.content, std::string_view(plan.GetHeaderAddition()), row.terminator})
                 passage.GetText().Append(part);
-        else if (!_csv.hasHeader && _RemoveByteOrderMark(row))
-            passage.GetText().Append(isContinued ? "" : byteOrderMark);
         _lineEnd = row.terminator.empty() ? "\n" : row.terminator;
         const auto makeWork = [&](RowGrids& grids, Passage::Complaint complaint)
         { return std::make_unique<PriceSnapper>(plan, grids, std::move(complaint)); };
@@ -160,34 +158,28 @@ private:
         if (input.IsSameFile(output.GetReplaced()) || input.IsSameFile(output.GetStream()))
             throw OutputFailure("cannot write " + output.GetName() + ": it is the input file");
         Passage passage(input, output, _report, _csv.dialect, _csv.workers);
-        CsvRow row;
+        nxCSVRow row;
         if (!_FindFirst(passage, row, false))
             return;
         const CsvHeader header(row, _csv.hasHeader);
         const SnapPlan plan(_csv, _request.notation, header, _source.HasBands());
-        if (!_csv.hasHeader)
-            _RemoveByteOrderMark(row);
         const auto makeWork = [&](RowGrids& grids, Passage::Complaint complaint)
         { return std::make_unique<PriceChecker>(plan, grids, std::move(complaint), file, listing); };
         _report.EndFile(passage.PassAll(_source, makeWork, _csv.hasHeader ? nullptr : &row));
     }
 
-    // @return whether the row began with one.
-    static bool _RemoveByteOrderMark(CsvRow& row)
-    {
-        const bool hasMark = row.content.substr(0, byteOrderMark.size()) == byteOrderMark;
-        row.content.remove_prefix(hasMark ? byteOrderMark.size() : 0);
-        return hasMark;
-    }
-
     // Finds the first row that is not an empty line. @return false if there is none and none is needed.
-    bool _FindFirst(Passage& passage, CsvRow& row, bool copiesEmptyLines) const
+    // @param copiesStart whether what is before the row is written: the mark of UTF-8 and empty lines.
+    bool _FindFirst(Passage& passage, nxCSVRow& row, bool copiesStart) const
     {
-        while (passage.Next(row))
+        bool hasRow = passage.Next(row);
+        if (copiesStart && passage.HasByteOrderMark())
+            passage.GetText().Append("\xEF\xBB\xBF");
+        for (; hasRow; hasRow = passage.Next(row))
         {
             if (!row.content.empty())
                 return true;
-            if (copiesEmptyLines)
+            if (copiesStart)
                 passage.GetText().Append(row.terminator);
         }
         if (_csv.hasHeader)
@@ -196,7 +188,7 @@ private:
     }
 
     // Rows after those of another file need the same columns, and a line of their own.
-    void _Continue(const CsvHeader& header, const CsvRow& row, TextBlock& text)
+    void _Continue(const CsvHeader& header, const nxCSVRow& row, TextBlock& text)
     {
         if (!_firstNames.empty() && header.GetNames() != _firstNames)
             throw FileFailure(std::to_string(row.line) +

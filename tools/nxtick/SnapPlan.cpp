@@ -99,7 +99,7 @@ void SnapPlan::_NameAdded(const CsvRequest& request, const CsvHeader& header)
         if (!isAutomatic && Contains(taken, name))
             throw Failure("a new column cannot be called " + Quoted(name) + ", because another one is");
         taken.push_back(name);
-        (_headerAddition += _dialect.separator) += _dialect.GetField(name);
+        (_headerAddition += _dialect.separator) += GetField(name, _dialect);
     }
 }
 }  // namespace nxtick

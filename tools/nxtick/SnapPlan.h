@@ -9,7 +9,6 @@
 
 #include "CsvHeader.h"
 #include "CsvRequest.h"
-#include "CsvRow.h"
 #include "PriceNotation.h"
 
 namespace nxtick
@@ -23,7 +22,7 @@ public:
     /// @throws FileFailure "LINE: reason" when a column is missing or is there twice, or a new name is taken.
     SnapPlan(const CsvRequest& request, const PriceNotation& notation, const CsvHeader& header, bool hasBands);
 
-    const CsvDialect& GetDialect() const { return _dialect; }
+    const nxCSVDialect& GetDialect() const { return _dialect; }
     const NumberForm& GetNumberForm() const { return _numbers; }
     const PriceNotation& GetNotation() const { return _notation; }
     const nxRoundingMethodEnum& GetMethod() const { return _method; }
@@ -51,7 +50,7 @@ private:
     std::size_t _GetPosition(std::size_t index) const;
     void _NameAdded(const CsvRequest& request, const CsvHeader& header);
 
-    CsvDialect _dialect;
+    nxCSVDialect _dialect;
     NumberForm _numbers;
     PriceNotation _notation;
     nxRoundingMethodEnum _method;

@@ -80,7 +80,7 @@ TableMapping::TableMapping(const std::string& fileName, const TickTables& tables
 
 void TableMapping::_Read(CsvReader& reader, const TickTables& tables)
 {
-    CsvRow row;
+    nxCSVRow row;
     if (!reader.Next(row))
         throw FileFailure("1: there is no header line");
     const CsvHeader header(row, true);

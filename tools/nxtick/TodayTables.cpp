@@ -45,7 +45,7 @@ std::vector<Row> ReadRows(const std::string& fileName)
 {
     InputFile file(fileName);
     CsvReader reader([&file](char* buffer, std::size_t size) { return file.Read(buffer, size); });
-    CsvRow row;
+    nxCSVRow row;
     std::vector<std::string> names;
     std::vector<Row> rows;
     try

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef NXTICK_BYTEMARKS_H
-#define NXTICK_BYTEMARKS_H
+#ifndef CORE_TEXT_INTERNAL_NXBYTEMARKS_H
+#define CORE_TEXT_INTERNAL_NXBYTEMARKS_H
 
 #include <bit>
 #include <cstddef>
@@ -12,16 +12,14 @@
     #include <emmintrin.h>
 #endif
 
-namespace nxtick
-{
 /// Compares one byte with many at once: bit n of the result is set where byte n is the same.
-class ByteMarks
+class nxByteMarks
 {
 public:
     /// How many bytes behind a text must be readable, so that its last bytes need no way of their own.
     static constexpr std::size_t readableAfter = 64;
 
-    explicit ByteMarks(char byte)
+    explicit nxByteMarks(char byte)
 #if defined(__SSE2__)
         : _pattern(_mm_set1_epi8(byte))
 #else
@@ -100,6 +98,5 @@ private:
     std::uint64_t _pattern;
 #endif
 };
-}  // namespace nxtick
 
 #endif
