@@ -2,6 +2,7 @@
 #ifndef CORE_TEXT_NXCSVROW_H
 #define CORE_TEXT_NXCSVROW_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,11 +11,12 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/nxExport.h"
+#include "core/text/inline/nxCSVMarks.h"
 #include "core/text/nxCSVDialect.h"
 
 /// One row of a CSV text, byte for byte, and its fields.
 ///
-/// - A row owns nothing. It is valid until the parser or the nxCSVRows that gave it is asked for the next row, and so are
+/// - A row owns nothing and is not changed. It is valid until the parser or the nxCSVRows that gave it is asked for the next row, and so are
 ///   the texts of its fields. A row that nobody gave has no fields.
 /// - Fields count from 0. An empty line has one field, which is empty; see HasFields().
 /// - Text after a closing quote belongs to the field as it is: `"a"b` is the field `ab`.
@@ -32,27 +34,30 @@ struct NX_CORE_API nxCSVRow
     bool HasFields() const;
 
     /// @return the number of fields.
-    std::size_t GetFieldCount() const { return _count; }
+    std::size_t GetFieldCount() const { return _IsShort() ? nxCSVMarks::Count(_ends) : _CountFar(); }
 
-    /// Finds a field, without its quotes and the blanks that are no part of it. Takes the same time for each field.
+    /// Finds a field, without its quotes and the blanks that are no part of it.
     /// @param scratch keeps the text if quotes had to be removed.
     /// @param field receives the text: a part of the row or of @p scratch.
     /// @return NX_ERR_INSUFFICIENT_DATA when the row has no such field; @p field is then untouched.
     [[nodiscard]] nxErrorEnum GetField(std::size_t index, std::string& scratch, std::string_view& field) const
     {
-        if (index >= _count)
+        const std::string_view raw = _Find(index);
+        if (raw.data() == nullptr)
             return nxErrorEnum(NX_ERR_INSUFFICIENT_DATA);
-        field = _NeedsCare() ? _GetWithCare(GetRawField(index), scratch) : GetRawField(index);
+        field = _NeedsCare() ? _GetWithCare(raw, scratch) : raw;
         return nxErrorEnum();
     }
 
-    /// @return the bytes of a field as they are in the row, with quotes and blanks.
-    /// @pre @p index is below GetFieldCount().
-    std::string_view GetRawField(std::size_t index) const
+    /// Finds a field as it is in the row, with quotes and blanks.
+    /// @return NX_ERR_INSUFFICIENT_DATA when the row has no such field; @p field is then untouched.
+    [[nodiscard]] nxErrorEnum GetRawField(std::size_t index, std::string_view& field) const
     {
-        const char* const begin = index == 0 ? content.data() : _text + _ends[index - 1] + 1;
-        const char* const end = index + 1 == _count ? content.data() + content.size() : _text + _ends[index];
-        return {begin, static_cast<std::size_t>(end - begin)};
+        const std::string_view raw = _Find(index);
+        if (raw.data() == nullptr)
+            return nxErrorEnum(NX_ERR_INSUFFICIENT_DATA);
+        field = raw;
+        return nxErrorEnum();
     }
 
     /// @return copies of all fields, as GetField() gives them.
@@ -61,12 +66,37 @@ struct NX_CORE_API nxCSVRow
 private:
     friend class nxCSVRows;
 
+    bool _IsShort() const { return content.size() < 64; }
     bool _NeedsCare() const { return hasQuotes || dialect.trimBlanks; }
+
+    // The raw field; its data are null if there is none.
+    std::string_view _Find(std::size_t index) const
+    {
+        if (!_IsShort())
+            return _FindFar(index);
+        std::uint64_t ends = _ends;
+        std::size_t begin = 0;
+        if (index != 0)
+        {
+            for (; index > 1 && ends != 0; --index)
+                ends &= ends - 1;
+            if (ends == 0)
+                return {};
+            begin = static_cast<std::size_t>(std::countr_zero(ends)) + 1;
+            ends &= ends - 1;
+        }
+        if (ends == 0)
+            return {};
+        return {content.data() + begin, static_cast<std::size_t>(std::countr_zero(ends)) - begin};
+    }
+
+    std::string_view _FindFar(std::size_t index) const;
+    std::size_t _CountFar() const;
     std::string_view _GetWithCare(std::string_view raw, std::string& scratch) const;
 
-    const char* _text = nullptr;           // to which the ends are relative
-    const std::uint32_t* _ends = nullptr;  // of the fields
-    std::size_t _count = 0;
+    std::uint64_t _ends = 0;             // of the fields of a row below 64 bytes: bit n is set where byte n ends one
+    const nxCSVMarks* _marks = nullptr;  // of the row's bytes; its first byte has bit _shift of the first
+    unsigned _shift = 0;
 };
 
 #endif

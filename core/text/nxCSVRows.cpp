@@ -2,139 +2,118 @@
 #include "core/text/nxCSVRows.h"
 
 #include <algorithm>
-#include <bit>
+#include <string_view>
 
 #include "core/text/internal/nxByteMarks.h"
 #include "core/text/internal/nxCSVFieldText.h"
 
 namespace
 {
-// The bytes that are indexed at a time: their index stays in the processor's nearest cache.
-constexpr std::uint32_t indexStep = 4096;
+// The words that are marked at a time, for 16 KiB of text: both stay in the processor's nearest cache.
+constexpr std::size_t markStep = 256;
+// After the last word there are two without marks, so that 64 bits can be joined anywhere.
+constexpr std::size_t emptyWords = 2;
+constexpr nxCSVMarks noMarks[emptyWords];
 }  // namespace
 
-nxCSVRows::nxCSVRows(const nxCSVDialect& dialect) : _dialect(dialect) {}
+nxCSVRows::nxCSVRows(const nxCSVDialect& dialect) : _dialect(dialect), _marks(noMarks) {}
 
 void nxCSVRows::Begin(const nxCSVBlock& block)
 {
     _block = &block;
-    _text = _begin = block._bytes.data();
-    _textEnd = _text + block._size;
+    _begin = _marked = block._bytes.data();
+    _textEnd = _begin + block._size;
     _line = block._line;
-    _row = _lastRow = nullptr;
-    _rowEnds = _ends.get();
-    _endCount = 0;
-    _indexed = 0;
-    _nextRowEnd = 0;
+    _marks = noMarks;
+    _wordCount = 0;
+    _rowEnd = block._ends.empty() ? nullptr : block._ends.data();
 }
 
-// Finds the next rows, some KiB of them or one that is longer. @return false at the end of the block.
-bool nxCSVRows::_Index()
+// The end of a row that is not within 64 bytes, or not marked yet. @return null after the last row.
+const char* nxCSVRows::_FindFarEnd()
 {
-    if (_begin == _textEnd)
-        return false;
-    if (_rows == nullptr)
-        _rows = std::make_unique_for_overwrite<RowMark[]>(indexStep + 2);
-    // The ends of a row that was not whole are kept.
-    const auto given = static_cast<std::size_t>(_rowEnds - _ends.get());
-    std::copy(_ends.get() + given, _ends.get() + _endCount, _ends.get());
-    _endCount -= given;
-    _rowCount = 0;
-    const auto size = static_cast<std::uint32_t>(_block->_size);
-    while (_rowCount == 0)
-        if (_block->_ends.empty())
-        {
-            _IndexPlain(std::min(size - _indexed, indexStep) + _indexed);
-            if (_indexed == size && _textEnd[-1] != '\n')
-                _EndRow(size, 0);
-        }
-        else
-            _IndexWithQuotes();
-    _row = _rows.get();
-    _lastRow = _row + _rowCount;
-    _rowEnds = _ends.get();
-    return true;
+    if (_begin >= _textEnd)
+        return nullptr;
+    std::uint64_t mask = ~std::uint64_t{0} << _GetShift();
+    for (std::size_t at = _GetOffset() / 64;; at -= _Mark())
+        for (; at < _wordCount; ++at, mask = ~std::uint64_t{0})
+            if (const std::uint64_t ends = _words[at].rowEnds & mask; ends != 0)
+                return _marked + at * 64 + std::countr_zero(ends);
 }
 
-// Makes room for all ends that some bytes can hold.
-void nxCSVRows::_Reserve(std::size_t bytes)
+// Marks further text, and keeps the marks of the row at hand. @return how many words were dropped.
+std::size_t nxCSVRows::_Mark()
 {
-    const std::size_t needed = _endCount + bytes + 1;
-    if (needed <= _endCapacity)
-        return;
-    const std::size_t capacity = std::max(2 * _endCapacity, needed);
-    auto ends = std::make_unique_for_overwrite<std::uint32_t[]>(capacity);
-    std::copy_n(_ends.get(), _endCount, ends.get());
-    _ends = std::move(ends);
-    _endCapacity = capacity;
+    const std::size_t dropped = _GetOffset() / 64;
+    const std::size_t kept = _wordCount - dropped;
+    const char* const from = _marked + _wordCount * 64;
+    const auto size = static_cast<std::size_t>(_textEnd - from);
+    const bool lacksEnd = _textEnd[-1] != '\n';
+    const std::size_t rest = (size + (lacksEnd ? 1 : 0) + 63) / 64;
+    const std::size_t fresh = _rowEnd != nullptr ? rest : std::min(rest, markStep);
+    if (_words.size() < kept + fresh + emptyWords)
+        _words.resize(kept + fresh + emptyWords);
+    std::copy(_words.begin() + static_cast<std::ptrdiff_t>(dropped),
+              _words.begin() + static_cast<std::ptrdiff_t>(_wordCount), _words.begin());
+    _MarkPlain(from, size, &_words[kept], fresh);
+    if (lacksEnd && fresh == rest)
+        _words[kept + size / 64].rowEnds |= std::uint64_t{1} << (size % 64);
+    _marks = _words.data();
+    _marked += dropped * 64;
+    _wordCount = kept + fresh;
+    std::fill_n(&_words[_wordCount], emptyWords, nxCSVMarks());
+    if (_rowEnd != nullptr)
+        _MarkQuoted();
+    return dropped;
 }
 
-// Indexes bytes in which every separator and every line end counts.
-void nxCSVRows::_IndexPlain(std::uint32_t end)
+// Marks words in which every separator and every line end counts.
+void nxCSVRows::_MarkPlain(const char* text, std::size_t size, nxCSVMarks* words, std::size_t count) const
 {
-    _Reserve(end - _indexed);
-    const nxByteMarks lineEnds('\n');
+    const nxByteMarks rowEnds('\n');
     const nxByteMarks separators(_dialect.separator);
-    std::uint32_t count = static_cast<std::uint32_t>(_endCount);
-    RowMark* row = _rows.get() + _rowCount;
-    std::uint32_t* const ends = _ends.get();
-    for (std::uint32_t at = _indexed; at < end; at += 64)
-    {
-        const std::uint64_t feeds = lineEnds.Find64(_text + at);
-        std::uint64_t marks = feeds | separators.Find64(_text + at);
-        if (end - at < 64)
-            marks &= (std::uint64_t{1} << (end - at)) - 1;
-        for (; marks != 0; marks &= marks - 1)
-        {
-            const auto bit = static_cast<std::uint32_t>(std::countr_zero(marks));
-            ends[count] = at + bit;
-            *row = {count++, 0};
-            row += feeds >> bit & 1;
-        }
-    }
-    _endCount = count;
-    _rowCount = static_cast<std::size_t>(row - _rows.get());
-    _indexed = end;
+    for (std::size_t i = 0; i < count; ++i)
+        words[i] = {rowEnds.Find64(text + i * 64), separators.Find64(text + i * 64)};
+    if (count * 64 <= size)
+        return;
+    // What follows the text has no marks.
+    const std::uint64_t mask = (std::uint64_t{1} << (size % 64)) - 1;
+    words[count - 1].rowEnds &= mask;
+    words[count - 1].separators &= mask;
 }
 
-// The same for a block of which the row ends are known.
-void nxCSVRows::_IndexWithQuotes()
+// Corrects the marks of a whole block where quotes hold line ends and separators.
+void nxCSVRows::_MarkQuoted()
 {
-    for (const std::uint32_t begin = _indexed; _indexed < _block->_size && _indexed - begin < indexStep; ++_nextRowEnd)
+    const nxCSVFieldText fields(_dialect);
+    std::size_t begin = 0;
+    for (const nxCSVBlock::RowEnd& row : _block->_ends)
     {
-        const nxCSVBlock::RowEnd& row = _block->_ends[_nextRowEnd];
-        const bool hasFeed = _text[row.at - 1] == '\n';
         if (row.hasQuotes)
-            _IndexQuoted(row.at);
-        else
-            _IndexPlain(row.at);
-        if (!row.hasQuotes && !hasFeed)
-            _EndRow(row.at, 0);
+        {
+            const std::size_t end = row.at - (_marked[row.at - 1] == '\n' ? 1 : 0);
+            for (std::size_t at = begin; at < end; at = (at | 63) + 1)
+            {
+                const std::uint64_t until =
+                    end - at < 64 - at % 64 ? (std::uint64_t{1} << (end % 64)) - 1 : ~std::uint64_t{0};
+                const std::uint64_t kept = ~(until & (~std::uint64_t{0} << (at % 64)));
+                _words[at / 64].rowEnds &= kept;
+                _words[at / 64].separators &= kept;
+            }
+            std::string_view rest(_marked + begin, end - begin);
+            for (std::size_t size; (size = fields.GetFirst(rest).size()) != rest.size(); rest.remove_prefix(size + 1))
+            {
+                const auto at = static_cast<std::size_t>(rest.data() + size - _marked);
+                _words[at / 64].separators |= std::uint64_t{1} << (at % 64);
+            }
+        }
+        begin = row.at;
     }
 }
 
-// Indexes one row with quotes.
-void nxCSVRows::_IndexQuoted(std::uint32_t end)
+void nxCSVRows::_TakeQuotes(nxCSVRow& row)
 {
-    const std::string_view row(_text + _indexed, end - _indexed);
-    const std::uint32_t feeds = row.back() == '\n' ? 1 : 0;
-    const std::string_view content = row.substr(0, row.size() - feeds);
-    _Reserve(row.size());
-    const nxCSVFieldText text(_dialect);
-    for (std::string_view rest = content;;)
-    {
-        const std::size_t size = text.GetFirst(rest).size();
-        if (size == rest.size())
-            break;
-        rest.remove_prefix(size + 1);
-        _ends[_endCount++] = static_cast<std::uint32_t>(rest.data() - 1 - _text);
-    }
-    _EndRow(end - feeds, static_cast<std::uint32_t>(nxByteMarks('\n').Count(content)) + 1);
-    _indexed = end;
-}
-
-void nxCSVRows::_EndRow(std::uint32_t end, std::uint32_t quotedLines)
-{
-    _rows[_rowCount++] = {static_cast<std::uint32_t>(_endCount), quotedLines};
-    _ends[_endCount++] = end;
+    row.hasQuotes = _rowEnd++->hasQuotes;
+    if (row.hasQuotes)
+        _line += nxByteMarks('\n').Count(row.content);
 }

@@ -2,11 +2,13 @@
 #ifndef CORE_TEXT_NXCSVROWS_H
 #define CORE_TEXT_NXCSVROWS_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <vector>
 
 #include "core/nxExport.h"
+#include "core/text/inline/nxCSVMarks.h"
 #include "core/text/nxCSVBlock.h"
 #include "core/text/nxCSVRow.h"
 
@@ -40,61 +42,56 @@ public:
     /// @return false after the last row.
     bool Next(nxCSVRow& row)
     {
-        if (_row == _lastRow && !_Index())
+        const std::uint64_t ends = _Get(&nxCSVMarks::rowEnds);
+        const char* const lineEnd = ends != 0 ? _begin + std::countr_zero(ends) : _FindFarEnd();
+        if (lineEnd == nullptr)
             return false;
-        const RowMark mark = *_row++;
-        const std::uint32_t* const lastEnd = _ends.get() + mark.lastEnd;
-        const char* const lineEnd = _text + *lastEnd;
         const std::size_t feed = lineEnd != _textEnd ? 1 : 0;
-        const std::size_t terminator = feed + (lineEnd != _begin && lineEnd[-1] == '\r' ? 1 : 0);
-        const char* const end = lineEnd + feed;
-        row.content = {_begin, static_cast<std::size_t>(end - _begin) - terminator};
-        row.terminator = {end - terminator, terminator};
-        row.line = _line;
-        row.hasQuotes = mark.quotedLines != 0;
+        const std::size_t turn = lineEnd != _begin && lineEnd[-1] == '\r' ? 1 : 0;
+        const auto size = static_cast<std::size_t>(lineEnd - _begin) - turn;
+        row.content = {_begin, size};
+        row.terminator = {lineEnd - turn, turn + feed};
+        row.line = _line++;
         row.dialect = _dialect;
-        row._text = _text;
-        row._ends = _rowEnds;
-        row._count = static_cast<std::size_t>(lastEnd + 1 - _rowEnds);
-        _line += row.hasQuotes ? mark.quotedLines : 1;
-        _rowEnds = lastEnd + 1;
-        _begin = end;
+        // The end of the row is that of its last field.
+        const std::uint64_t end = std::uint64_t{1} << (size % 64);
+        row._ends = (_Get(&nxCSVMarks::separators) & (end - 1)) | end;
+        row._marks = _GetMarks();
+        row._shift = _GetShift();
+        row.hasQuotes = false;
+        _begin = lineEnd + 1;
+        if (_rowEnd != nullptr)
+            _TakeQuotes(row);
         return true;
     }
 
 private:
-    // A row in the list of the fields' ends.
-    struct RowMark
+    std::size_t _GetOffset() const { return static_cast<std::size_t>(_begin - _marked); }
+    const nxCSVMarks* _GetMarks() const { return _marks + _GetOffset() / 64; }
+    unsigned _GetShift() const { return static_cast<unsigned>(_GetOffset() % 64); }
+    // Marks of the 64 bytes at _begin.
+    std::uint64_t _Get(std::uint64_t nxCSVMarks::*marks) const
     {
-        std::uint32_t lastEnd;      // the index of the end of its last field, which is the line end
-        std::uint32_t quotedLines;  // how many lines a row with quotes has; 0 for a row without quotes
-    };
+        const nxCSVMarks* const words = _GetMarks();
+        return nxCSVMarks::Join(words[0].*marks, words[1].*marks, _GetShift());
+    }
 
-    bool _Index();
-    void _Reserve(std::size_t bytes);
-    void _IndexPlain(std::uint32_t end);
-    void _IndexWithQuotes();
-    void _IndexQuoted(std::uint32_t end);
-    void _EndRow(std::uint32_t end, std::uint32_t quotedLines);
+    const char* _FindFarEnd();
+    std::size_t _Mark();
+    void _MarkPlain(const char* text, std::size_t size, nxCSVMarks* words, std::size_t count) const;
+    void _MarkQuoted();
+    void _TakeQuotes(nxCSVRow& row);
 
     nxCSVDialect _dialect;
     const nxCSVBlock* _block = nullptr;
-    const char* _text = nullptr;  // of the block
     const char* _textEnd = nullptr;
-    const char* _begin = nullptr;  // of the next row
-    unsigned long long _line = 1;  // of the next row
-    const RowMark* _row = nullptr;
-    const RowMark* _lastRow = nullptr;
-    const std::uint32_t* _rowEnds = nullptr;  // of the fields of the next row
-
-    // What has been indexed; the places are those in the block.
-    std::unique_ptr<std::uint32_t[]> _ends;
-    std::unique_ptr<RowMark[]> _rows;
-    std::size_t _endCapacity = 0;
-    std::size_t _endCount = 0;
-    std::size_t _rowCount = 0;
-    std::uint32_t _indexed = 0;
-    std::size_t _nextRowEnd = 0;  // in the block's list of row ends
+    const char* _begin = nullptr;   // of the next row
+    unsigned long long _line = 1;   // of the next row
+    const char* _marked = nullptr;  // the text that has the first mark
+    const nxCSVMarks* _marks;       // of whole words of text, and two without marks
+    std::vector<nxCSVMarks> _words;
+    std::size_t _wordCount = 0;                   // of those with marks
+    const nxCSVBlock::RowEnd* _rowEnd = nullptr;  // of the next row, in a block with quotes
 };
 
 #endif

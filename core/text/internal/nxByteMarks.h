@@ -8,6 +8,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/text/inline/nxCSVMarks.h"
+
 #if defined(__SSE2__)
     #include <emmintrin.h>
 #endif
@@ -32,8 +34,7 @@ public:
     std::uint64_t Find16(const char* bytes) const
     {
 #if defined(__SSE2__)
-        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(lanes, _pattern)));
+        return static_cast<unsigned>(_mm_movemask_epi8(_GetEqual(bytes)));
 #else
         return _Find8(bytes) | _Find8(bytes + 8) << 8;
 #endif
@@ -60,30 +61,34 @@ public:
         std::size_t count = 0;
         std::size_t at = 0;
         for (; at + 64 <= text.size(); at += 64)
-            count += CountBits(Find64(text.data() + at));
+            count += _Count64(text.data() + at);
         char rest[64] = {};
         std::memcpy(rest, text.data() + at, text.size() - at);
-        return count + CountBits(Find(rest, text.size() - at));
-    }
-
-    /// How many marks are set. Without a processor's own instruction, this is quicker than the compiler's call.
-    static std::size_t CountBits(std::uint64_t marks)
-    {
-#if defined(__POPCNT__)
-        return static_cast<std::size_t>(std::popcount(marks));
-#else
-        marks -= (marks >> 1) & 0x5555555555555555;
-        marks = (marks & 0x3333333333333333) + ((marks >> 2) & 0x3333333333333333);
-        return (((marks + (marks >> 4)) & 0x0F0F0F0F0F0F0F0F) * everyByte) >> 56;
-#endif
+        return count + nxCSVMarks::Count(Find(rest, text.size() - at));
     }
 
 private:
     static constexpr std::uint64_t everyByte = 0x0101010101010101;
 
 #if defined(__SSE2__)
+    __m128i _GetEqual(const char* bytes) const
+    {
+        return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)), _pattern);
+    }
+
+    std::size_t _Count64(const char* bytes) const
+    {
+        const __m128i sum = _mm_add_epi8(_mm_add_epi8(_GetEqual(bytes), _GetEqual(bytes + 16)),
+                                         _mm_add_epi8(_GetEqual(bytes + 32), _GetEqual(bytes + 48)));
+        // Each equal byte counts -1.
+        const __m128i sums = _mm_sad_epu8(_mm_sub_epi8(_mm_setzero_si128(), sum), _mm_setzero_si128());
+        return static_cast<std::size_t>(_mm_cvtsi128_si64(_mm_add_epi64(sums, _mm_unpackhi_epi64(sums, sums))));
+    }
+
     __m128i _pattern;
 #else
+    std::size_t _Count64(const char* bytes) const { return nxCSVMarks::Count(Find64(bytes)); }
+
     std::uint64_t _Find8(const char* bytes) const
     {
         static_assert(std::endian::native == std::endian::little, "the first byte has the lowest bits");
