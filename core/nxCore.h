@@ -8,6 +8,7 @@
 #include "core/nxExport.h"  // says first what is not supported
 
 #include "core/app/nxApplicationData.h"
+#include "core/app/nxCSVFileReader.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/app/nxOption.h"

@@ -62,11 +62,7 @@ bool nxCSVDialect::CanDivide() const
     return !isLineEnd(separator) && isUsable(quote) && isUsable(comment) && (quote == '\0' || quote != comment);
 }
 
-bool nxCSVRow::HasFields() const
-{
-    const std::string_view text = dialect.trimBlanks ? nxCSVFieldText(dialect).GetTrimmed(content) : content;
-    return !text.empty() && (dialect.comment == '\0' || content.front() != dialect.comment);
-}
+bool nxCSVRow::_HasMoreThanBlanks() const { return !nxCSVFieldText(dialect).GetTrimmed(content).empty(); }
 
 std::vector<std::string> nxCSVRow::GetFields() const
 {

@@ -31,7 +31,12 @@ struct NX_CORE_API nxCSVRow
 
     /// @return whether the row is neither an empty line nor a comment. With nxCSVDialect::trimBlanks a line of blanks is
     ///         an empty line.
-    bool HasFields() const;
+    bool HasFields() const
+    {
+        if (content.empty() || (dialect.comment != '\0' && content.front() == dialect.comment))
+            return false;
+        return !dialect.trimBlanks || _HasMoreThanBlanks();
+    }
 
     /// @return the number of fields.
     std::size_t GetFieldCount() const { return _IsShort() ? nxCSVMarks::Count(_ends) : _CountFar(); }
@@ -66,6 +71,7 @@ struct NX_CORE_API nxCSVRow
 private:
     friend class nxCSVRows;
 
+    bool _HasMoreThanBlanks() const;
     bool _IsShort() const { return content.size() < 64; }
     bool _NeedsCare() const { return hasQuotes || dialect.trimBlanks; }
 
