@@ -1,23 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// The rows of a price file: finding them and their price field, and snapping the price.
+// Reading the rows of a CSV file, and values from them.
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdint>
+#include <cstddef>
 #include <cstring>
-#include <random>
 #include <string>
 #include <string_view>
 
-#include "CsvHeader.h"
-#include "CsvReader.h"
-#include "PriceSnapper.h"
-#include "Request.h"
-#include "RowGrids.h"
-#include "SnapPlan.h"
+#include "benchmarks/support/tradesFile.h"
+#include "core/app/nxCSVFileReader.h"
+#include "core/numeric/nxDecimal.h"
 
 #if defined(NX_BENCHMARK_HAS_LIBCSV)
     #include <csv.h>
@@ -25,52 +18,35 @@
 
 namespace
 {
-constexpr std::int64_t rowCount = 100'000;
-constexpr std::size_t priceColumn = 2;
+constexpr std::int64_t rowCount = TradesFile::RowCount;
+constexpr std::size_t symbolColumn = 1;
+constexpr std::size_t priceColumn = TradesFile::PriceColumn;
+constexpr std::size_t volumeColumn = 3;
 
-// A day of trades: date, symbol, price, volume.
-const std::string& File()
+const std::string& File() { return TradesFile::Get(); }
+
+// Gives the file in blocks, as the system would.
+nxErrorEnum ReadBlock(void* context, char* buffer, std::size_t size, std::size_t& read)
 {
-    static const std::string file = []
-    {
-        std::mt19937_64 random(1);
-        std::string text = "Date,Symbol,Price,Volume\n";
-        for (std::int64_t i = 0; i < rowCount; ++i)
-        {
-            const auto cents = static_cast<unsigned>(random() % 2'000'000);
-            text += "2020-04-20,WTI," + std::to_string(cents / 100) + "." +
-                    std::to_string(100 + cents % 100).substr(1) + "," + std::to_string(random() % 5000) + "\n";
-        }
-        return text;
-    }();
-    return file;
+    auto& rest = *static_cast<std::string_view*>(context);
+    read = rest.copy(buffer, size);
+    rest.remove_prefix(read);
+    return nxErrorEnum();
 }
 
-// The file in blocks, as the system would give it.
-nxtick::CsvSource Blocks()
-{
-    return [done = std::size_t{0}](char* buffer, std::size_t size) mutable
-    {
-        const std::size_t count = std::min(size, File().size() - done);
-        std::memcpy(buffer, File().data() + done, count);
-        done += count;
-        return count;
-    };
-}
-
+// Finds the rows, and a field in each.
 void ReadOurs(benchmark::State& state)
 {
     for (auto _ : state)
     {
-        nxtick::CsvReader reader(Blocks());
+        std::string_view rest = File();
+        nxCSVParser parser(&ReadBlock, &rest);
         nxCSVRow row;
-        nxtick::WantedFields fields({priceColumn});
-        while (reader.Next(row))
-            if (row.GetFieldCount() > priceColumn)
-            {
-                fields.Take(row);
-                benchmark::DoNotOptimize(fields[0]);
-            }
+        std::string scratch;
+        std::string_view price;
+        for (bool hasRow = true; parser.Next(row, hasRow).IsOK() && hasRow;)
+            if (row.GetField(priceColumn, scratch, price).IsOK())
+                benchmark::DoNotOptimize(price);
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
@@ -123,67 +99,31 @@ void ReadLibcsv(benchmark::State& state)
 BENCHMARK(ReadLibcsv)->Name("csv_read/peer_libcsv")->Unit(benchmark::kMillisecond);
 #endif
 
-void SnapOurs(benchmark::State& state)
+// Reads three columns of each row.
+template <class Price, class Volume>
+void ReadColumns(benchmark::State& state)
 {
-    nxtick::TextBlock out;
-    nxtick::Request request;
-    request.increment = nxDecimal("0.05", '.');
-    request.csv.columns = {"Price"};
-    const nxtick::GridSource source(request);
     for (auto _ : state)
     {
-        out.Clear();
-        nxtick::RowGrids grids(source);
-        nxtick::CsvReader reader(Blocks());
-        nxCSVRow row;
-        reader.Next(row);
-        const nxtick::SnapPlan plan(request.csv, nxtick::CsvHeader(row, true), source.HasBands());
-        nxtick::PriceSnapper snapper(plan, grids, [](std::uint64_t, const std::string&) {});
-        while (reader.Next(row))
-            snapper.Row(row, out);
-        benchmark::DoNotOptimize(out.GetText().data());
-    }
-    state.SetItemsProcessed(state.iterations() * rowCount);
-}
-BENCHMARK(SnapOurs)->Name("csv_snap/ours")->Unit(benchmark::kMillisecond);
-
-// What one would write by hand with doubles, inexact as they are: the same reader, the same columns.
-void SnapDouble(benchmark::State& state)
-{
-    constexpr double increment = 0.05;
-    std::string out;
-    out.reserve(2 * File().size());
-    for (auto _ : state)
-    {
-        out.clear();
-        nxtick::CsvReader reader(Blocks());
-        nxCSVRow row;
-        nxtick::WantedFields fields({priceColumn});
-        const auto add = [&out](double value)
-        {
-            char text[32];
-            const auto result = std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed, 2);
-            out += ',';
-            out.append(text, result.ptr);
-        };
-        while (reader.Next(row))
-        {
-            double price = 0;
-            out.append(row.content);
-            fields.Take(row);
-            if (row.GetFieldCount() > priceColumn &&
-                std::from_chars(fields[0].data(), fields[0].data() + fields[0].size(), price).ec == std::errc())
+        nxCSVFileReader reader;
+        bool hasRow = reader.SetFromText(File()).IsOK();
+        std::string_view symbol;
+        Price price{};
+        Volume volume{};
+        while (hasRow && reader.Next(hasRow).IsOK() && hasRow)
+            if (reader.GetField(symbolColumn, symbol).IsOK() && reader.GetField(priceColumn, price).IsOK() &&
+                reader.GetField(volumeColumn, volume).IsOK())
             {
-                const double snapped = std::floor(price / increment + 0.5) * increment;
-                add(increment);
-                add(snapped);
-                add(snapped - price);
+                benchmark::DoNotOptimize(symbol);
+                benchmark::DoNotOptimize(price);
+                benchmark::DoNotOptimize(volume);
             }
-            out.append(row.terminator);
-        }
-        benchmark::DoNotOptimize(out.data());
     }
     state.SetItemsProcessed(state.iterations() * rowCount);
 }
-BENCHMARK(SnapDouble)->Name("csv_snap/peer_double")->Unit(benchmark::kMillisecond);
+// A decimal and an integer, beside the same columns as texts.
+BENCHMARK(ReadColumns<nxDecimal, unsigned>)->Name("csv_columns/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadColumns<std::string_view, std::string_view>)
+    ->Name("csv_columns/limit_texts")
+    ->Unit(benchmark::kMillisecond);
 }  // namespace
