@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/app/nxCSVFileReader.h"
+#include "core/numeric/nxDecimal.h"
 
 namespace
 {
@@ -172,7 +173,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dialect.trimBlanks = data[0] / 32 % 2 != 0;
     const std::string_view text(reinterpret_cast<const char*>(data + 2), size - 2);
     const Rows expected = Model(text, dialect).Read();
-    Require(Parse(text, dialect, nxCSVParser::UsualBlockSize) == expected);
+    Require(Parse(text, dialect, text.size() + 1) == expected);
     Require(Parse(text, dialect, 1U + data[1]) == expected);
     Require(ReadValues(text, dialect) == expected);
     return 0;

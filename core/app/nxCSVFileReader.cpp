@@ -36,7 +36,9 @@ nxErrorEnum nxCSVFileReader::Open(const std::string& path, const nxCSVDialect& d
 
 nxErrorEnum nxCSVFileReader::SetFromText(std::string_view text, const nxCSVDialect& dialect)
 {
-    return _Begin(std::make_unique<nxCSVInput>(text), dialect, nxCSVParser::UsualMaximumRowSize);
+    // A short text needs no large block.
+    return _Begin(std::make_unique<nxCSVInput>(text), dialect, nxCSVParser::UsualMaximumRowSize,
+                  std::min(text.size() + 1, nxCSVParser::UsualBlockSize));
 }
 
 void nxCSVFileReader::_Close()
@@ -49,14 +51,14 @@ void nxCSVFileReader::_Close()
 }
 
 nxErrorEnum nxCSVFileReader::_Begin(std::unique_ptr<nxCSVInput> input, const nxCSVDialect& dialect,
-                                    std::size_t maximumRowSize)
+                                    std::size_t maximumRowSize, std::size_t blockSize)
 {
     _Close();
     if (!IsUsable(dialect))
         return _Fail(BadCSV(),
                      "separator, quote, decimal separator and comment must be different characters and no line ends");
     _input = std::move(input);
-    _parser = std::make_unique<nxCSVParser>(&nxCSVInput::Read, _input.get(), dialect, maximumRowSize);
+    _parser = std::make_unique<nxCSVParser>(&nxCSVInput::Read, _input.get(), dialect, maximumRowSize, blockSize);
     const nxErrorEnum error = dialect.hasHeader ? _ReadHeader() : nxErrorEnum();
     if (!error.IsOK())
         _parser.reset();
@@ -114,11 +116,11 @@ nxErrorEnum nxCSVFileReader::_Fail(const nxErrorEnum& error, std::string text)
 }
 
 // Each field has a text of its own, because the caller may look at several of them.
-nxErrorEnum nxCSVFileReader::_GetQuoted(std::size_t column, std::string_view& text) const
+std::string_view nxCSVFileReader::_FindQuoted(std::size_t column) const
 {
     if (column < _row.GetFieldCount() && column >= _quotedTexts.size())
         _quotedTexts.resize(column + 1);
-    return _row.GetField(column, column < _quotedTexts.size() ? _quotedTexts[column] : _unquoted, text);
+    return _row.Find(column, column < _quotedTexts.size() ? _quotedTexts[column] : _unquoted);
 }
 
 void nxCSVFileReader::_KeepError(std::size_t column, const nxErrorEnum& error) const
@@ -126,8 +128,8 @@ void nxCSVFileReader::_KeepError(std::size_t column, const nxErrorEnum& error) c
     const std::string name =
         column < _names.size() ? nxPrintableText::GetQuoted(_names[column]) : std::to_string(column + 1);
     _errorText = "line " + std::to_string(_row.line) + ": column " + name + ": ";
-    std::string_view text;
-    if (!_row.GetField(column, _unquoted, text).IsOK())
+    const std::string_view text = _row.Find(column, _unquoted);
+    if (text.data() == nullptr)
     {
         _errorText += "the row has " + std::to_string(_row.GetFieldCount()) + " fields";
         return;

@@ -85,22 +85,25 @@ public:
     /// @return NX_ERR_INSUFFICIENT_DATA when the row has no such field; @p text is then untouched.
     [[nodiscard]] nxErrorEnum GetField(std::size_t column, std::string_view& text) const
     {
-        if (!_row.hasQuotes)
-            return _Check(column, _row.GetField(column, _unquoted, text));
-        return _Check(column, _GetQuoted(column, text));
+        const std::string_view found = _Find(column);
+        if (found.data() == nullptr)
+            return _Check(column, nxErrorEnum(NX_ERR_INSUFFICIENT_DATA));
+        text = found;
+        return nxErrorEnum();
     }
 
     /// Reads a field of the row: integers, `bool`, `double`, `std::string`, nxDecimal and nxMoney with the dialect's decimal
-    /// separator, nxDate, nxTime, the wrappers, nxStringValue, the enumerations by their identifiers, and every type with a
-    /// member `nxErrorEnum SetFromString(const std::string&)`.
+    /// separator, nxTime, the wrappers, nxStringValue, the enumerations by their identifiers, and every type with a member
+    /// `nxErrorEnum SetFromString(const std::string&)`. An nxDate is "20240305" or "2024-03-05", an nxDateTime
+    /// "2024-03-05T09:07:03".
     /// @return NX_ERR_INSUFFICIENT_DATA when the row has no such field, NX_ERR_INVALID_PARAMETER for a text that is no value
     ///         of the type, NX_ERR_VALUE_OUT_OF_RANGE for one that does not fit; @p value is then untouched.
     template <class Value>
     [[nodiscard]] nxErrorEnum GetField(std::size_t column, Value& value) const
     {
-        std::string_view text;
-        if (nxErrorEnum error = GetField(column, text); !error.IsOK())
-            return error;
+        const std::string_view text = _Find(column);
+        if (text.data() == nullptr)
+            return _Check(column, nxErrorEnum(NX_ERR_INSUFFICIENT_DATA));
         return _Check(column, nxCSVValue::Read(text, value, _row.dialect.decimalSeparator));
     }
 
@@ -117,10 +120,15 @@ public:
 
 private:
     void _Close();
-    nxErrorEnum _Begin(std::unique_ptr<nxCSVInput> input, const nxCSVDialect& dialect, std::size_t maximumRowSize);
+    nxErrorEnum _Begin(std::unique_ptr<nxCSVInput> input, const nxCSVDialect& dialect, std::size_t maximumRowSize,
+                       std::size_t blockSize = nxCSVParser::UsualBlockSize);
     nxErrorEnum _ReadHeader();
     nxErrorEnum _Fail(const nxErrorEnum& error, std::string text);
-    nxErrorEnum _GetQuoted(std::size_t column, std::string_view& text) const;
+    std::string_view _Find(std::size_t column) const
+    {
+        return _row.hasQuotes ? _FindQuoted(column) : _row.Find(column, _unquoted);
+    }
+    std::string_view _FindQuoted(std::size_t column) const;
     // Keeps an error of a field for its text.
     nxErrorEnum _Check(std::size_t column, const nxErrorEnum& error) const
     {

@@ -47,11 +47,18 @@ struct NX_CORE_API nxCSVRow
     /// @return NX_ERR_INSUFFICIENT_DATA when the row has no such field; @p field is then untouched.
     [[nodiscard]] nxErrorEnum GetField(std::size_t index, std::string& scratch, std::string_view& field) const
     {
-        const std::string_view raw = _Find(index);
-        if (raw.data() == nullptr)
+        const std::string_view found = Find(index, scratch);
+        if (found.data() == nullptr)
             return nxErrorEnum(NX_ERR_INSUFFICIENT_DATA);
-        field = _NeedsCare() ? _GetWithCare(raw, scratch) : raw;
+        field = found;
         return nxErrorEnum();
+    }
+    /// The same.
+    /// @return the text; its data() are null when the row has no such field.
+    std::string_view Find(std::size_t index, std::string& scratch) const
+    {
+        const std::string_view raw = _Find(index);
+        return raw.data() != nullptr && _NeedsCare() ? _GetWithCare(raw, scratch) : raw;
     }
 
     /// Finds a field as it is in the row, with quotes and blanks.

@@ -14,6 +14,8 @@
 #include "core/text/nxStringValue.h"
 #include "core/text/nxValueWrapper.h"
 #include "core/time/nxDate.h"
+#include "core/time/nxDateTime.h"
+#include "core/time/nxDateTimeSpan.h"
 #include "core/time/nxTime.h"
 
 namespace
@@ -62,6 +64,9 @@ TEST(nxCSVFileReader, ReadsValuesExactlyOrNotAtAll)
     ExpectField("12,50 EUR", ok, nxMoney(nxDecimal("12.50", '.'), "EUR"));
     ExpectField("20240229", ok, nxDate(2024, 2, 29));
     ExpectField("20230229", malformed, nxDate(2024, 2, 29), nxDate(2024, 2, 29));
+    ExpectField("2024-02-29", ok, nxDate(2024, 2, 29));
+    ExpectField("2024-02-29T09:07:03", ok, nxDateTime(nxDate(2024, 2, 29), nxTime(9, 7, 3)));
+    ExpectField("PT36H", ok, nxDateTimeSpan(1, 12 * 3'600'000'000'000));
     ExpectField("09:07:03", ok, nxTime(9, 7, 3));
     ExpectField("300", ok, nxValueWrapper<int>(300));
     ExpectField("2147483647", tooLarge, nxValueWrapper<int>(7), nxValueWrapper<int>(7));
@@ -77,6 +82,7 @@ TEST(nxCSVFileReader, EmptyFieldIsNullWhereNullExists)
     ExpectField("", ok, nxMoney(), nxMoney(nxDecimal("7", '.'), "EUR"));
     ExpectField("", ok, nxDate(), nxDate(2024, 2, 29));
     ExpectField("", ok, nxTime(), nxTime(9, 7, 3));
+    ExpectField("", ok, nxDateTime(), nxDateTime(nxDate(2024, 2, 29), nxTime(9, 7, 3)));
     ExpectField("", ok, nxValueWrapper<int>(), nxValueWrapper<int>(7));
     ExpectField("", ok, nxDoubleValueWrapper::GetNullInstance(), nxDoubleValueWrapper(7.0));
     ExpectField("", ok, nxStringValue::GetNullInstance(), nxStringValue("a"));

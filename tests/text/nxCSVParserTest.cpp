@@ -48,7 +48,7 @@ using namespace std::string_view_literals;
 void ExpectRows(const Row& row, const nxCSVDialect& dialect, std::size_t maximumRowSize = 1000)
 {
     SCOPED_TRACE(row.text);
-    for (const std::size_t blockSize : {1, 2, 3, 7, 64, 1 << 18})
+    for (const std::size_t blockSize : {1UL, 2UL, 3UL, 7UL, 64UL, 1UL << 18})
         EXPECT_EQ(Read(row.text, dialect, maximumRowSize, blockSize), row.rows) << blockSize;
 }
 }  // namespace
