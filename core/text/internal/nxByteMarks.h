@@ -18,7 +18,7 @@
 class nxByteMarks
 {
 public:
-    /// How many bytes behind a text must be readable, so that its last bytes need no way of their own.
+    /// How many bytes after a text must be readable, so that its last bytes need no way of their own.
     static constexpr std::size_t readableAfter = 64;
 
     explicit nxByteMarks(char byte)
@@ -55,7 +55,7 @@ public:
         return size < 64 ? marks & ((std::uint64_t{1} << size) - 1) : marks;
     }
 
-    /// How often the byte is in a text. Nothing is read behind the text.
+    /// How often the byte is in a text. Nothing is read after the text.
     std::size_t Count(std::string_view text) const
     {
         std::size_t count = 0;
