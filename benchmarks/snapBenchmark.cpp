@@ -46,7 +46,7 @@ void SnapOurs(benchmark::State& state)
         nxtick::CsvReader reader(Blocks());
         nxCSVRow row;
         reader.Next(row);
-        const nxtick::SnapPlan plan(request.csv, nxtick::CsvHeader(row, true), source.HasBands());
+        const nxtick::SnapPlan plan(request.csv, request.notation, nxtick::CsvHeader(row, true), source.HasBands());
         nxtick::PriceSnapper snapper(plan, grids, [](std::uint64_t, const std::string&) {});
         while (reader.Next(row))
             snapper.Row(row, out);

@@ -91,7 +91,7 @@ Outcome Run(std::string_view file, const CsvRequest& request, SharedGrid& grid, 
                 outcome.text.Append(row.terminator);
             else
             {
-                plan.emplace(request, CsvHeader(row, true), grid.source->HasBands());
+                plan.emplace(request, grid.request.notation, CsvHeader(row, true), grid.source->HasBands());
                 snapper.emplace(*plan, *grid.grids,
                                 [&](std::uint64_t line, const std::string& reason)
                                 { outcome.messages += std::to_string(line) + ": " + reason + "\n"; });

@@ -46,7 +46,7 @@ std::string OffGridListing::_GetText(const nxDecimal& price) const
     if (_notation.IsPlain() || _format == Request::Format::Text)
         return text;
     if (_format == Request::Format::Csv)
-        return CsvDialect().GetField(text);
+        return GetField(text);
     std::string json;
     AppendJson(text, json);
     return json;

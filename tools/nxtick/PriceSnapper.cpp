@@ -138,8 +138,8 @@ char* PriceSnapper::_AddPrice(const nxDecimal& price, char* out) const
 {
     if (_plan.GetNotation().IsPlain())
         return _Add(price, out);
-    const CsvDialect& dialect = _plan.GetDialect();
-    const std::string text = dialect.GetField(_plan.GetNotation().GetText(price, _plan.GetNumberForm().point));
+    const nxCSVDialect& dialect = _plan.GetDialect();
+    const std::string text = GetField(_plan.GetNotation().GetText(price, _plan.GetNumberForm().point), dialect);
     *out++ = dialect.separator;
     return std::copy(text.begin(), text.end(), out);
 }
