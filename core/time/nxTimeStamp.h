@@ -23,7 +23,7 @@ class nxDateTime;
 template <class TimePoint>
 concept nxSystemTimePoint = std::signed_integral<typename TimePoint::rep> && requires(const TimePoint& moment)
 {
-    TimePoint::clock::to_time_t(moment);
+    TimePoint::clock::to_time_t(typename TimePoint::clock::time_point{});
     moment.time_since_epoch().count();
 } &&(TimePoint::period::den == 1 || (TimePoint::period::num == 1 && 1'000'000'000 % TimePoint::period::den == 0));
 

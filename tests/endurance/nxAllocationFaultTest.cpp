@@ -5,6 +5,7 @@
 #include "core/nxCore.h"
 #include "tests/support/nxAllocations.inc"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -242,7 +243,7 @@ TEST_F(nxAllocationFault, AWaitIsOverOnlyWhenTheRecordsAreWritten)
     if (!nxInNewProcess())
         return;
     std::atomic<bool> waits{false};
-    std::jthread other(
+    nxJoinedThread other(
         [&waits]
         {
             waits.wait(false);

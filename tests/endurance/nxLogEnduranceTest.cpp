@@ -3,6 +3,7 @@
 // the environment, so that the endurance script can ask for more.
 
 #include <fcntl.h>
+#include <algorithm>
 
 #include "tests/support/nxLogFolderTest.h"
 
@@ -400,9 +401,10 @@ TEST(nxLogProcess, EndsAndWritesWhateverBecomesOfIt)
             continue;
         const Texts lines = OutputOf({row.mode}, row.status, row.settings);
         for (const auto& [text, count] : row.lines)
-            EXPECT_EQ(std::ranges::count_if(lines, [&text = text](const std::string& line)
-                                            { return line.find(text) != std::string::npos; }),
-                      count)
+            EXPECT_EQ(
+                std::count_if(lines.begin(), lines.end(),
+                              [&text = text](const std::string& line) { return line.find(text) != std::string::npos; }),
+                count)
                 << text;
     }
 }

@@ -2,10 +2,12 @@
 #include "core/log/nxConsoleLogDevice.h"
 
 #include <sys/socket.h>
+#include <algorithm>
 
 #include "core/log/nxFileLogDevice.h"
 #include "core/log/nxLogSetUp.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -132,7 +134,7 @@ TEST(nxConsoleLogDevice, WaitsForASlowReader)
     for (int i = 0; i < 2'000; ++i)
         lines.append("a line of the log\n");
     {
-        const std::jthread reader(
+        const nxJoinedThread reader(
             [&]
             {
                 while (text.size() < lines.size())
@@ -167,7 +169,7 @@ TEST(nxConsoleLogDevice, IsNotHeldUpByAConsoleThatTakesNothingAndHoldsUpNoFile)
     }
     EXPECT_NE(taken.find("] early ["), std::string::npos);
     EXPECT_NE(file.find("] early ["), std::string::npos);
-    EXPECT_EQ(std::ranges::count(file, '\n'), static_cast<std::ptrdiff_t>(lines + 1));
+    EXPECT_EQ(std::count(file.begin(), file.end(), '\n'), static_cast<std::ptrdiff_t>(lines + 1));
     EXPECT_GT(nxConsoleLogDevice::GetInstance().GetLostLines(), lines / 2);
     nxFileLogDevice::GetInstance().Destroy();
 }
@@ -195,7 +197,8 @@ TEST(nxConsoleLogDevice, LosesWholeLinesOfAPipeWithoutAReader)
             taken += output.Take();
         }
         EXPECT_GT(device.GetLostLines(), 500U);
-        EXPECT_EQ(static_cast<std::uint64_t>(std::ranges::count(taken, '\n')) + device.GetLostLines(), 1'002U);
+        EXPECT_EQ(static_cast<std::uint64_t>(std::count(taken.begin(), taken.end(), '\n')) + device.GetLostLines(),
+                  1'002U);
         const std::string end = taken.substr(taken.rfind("log\n") + 4);  // a line that was begun is ended first
         EXPECT_TRUE(end == "next\nlast\n" || end == "last\n") << end;
         EXPECT_TRUE(lines.starts_with(taken.substr(0, taken.size() - end.size())));

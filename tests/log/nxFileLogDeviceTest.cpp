@@ -2,11 +2,13 @@
 #include "core/log/nxFileLogDevice.h"
 
 #include <fnmatch.h>
+#include <algorithm>
 
 #include <ctime>
 
 #include "core/app/nxApplicationData.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -110,7 +112,8 @@ protected:
         for (const auto& entry : fs::recursive_directory_iterator(GetDirectory()))
             if (entry.is_regular_file())
                 files.push_back(entry.path());
-        std::ranges::sort(files, {}, sequence);
+        std::sort(files.begin(), files.end(),
+                  [&](const fs::path& left, const fs::path& right) { return sequence(left) < sequence(right); });
         return files;
     }
 
@@ -118,7 +121,8 @@ protected:
     {
         Texts all;
         for (const fs::path& file : GetFiles())
-            std::ranges::move(LinesOf(file), std::back_inserter(all));
+            for (std::string& line : LinesOf(file))
+                all.push_back(std::move(line));
         return all;
     }
 
@@ -312,7 +316,7 @@ TEST_F(nxFileLogDeviceTest, BeginsANewFileOnAnotherDateOnlyIfAskedTo)
         EXPECT_EQ(Count(nxReadFile(files.back()), "on another date\r\non the same date\r\n"), 1U);
         const Texts all = AllLines();
         for (const char* const text : {"today", "of another year", "on another date", "on the same date"})
-            EXPECT_EQ(std::ranges::count(all, text), 1) << text;
+            EXPECT_EQ(std::count(all.begin(), all.end(), text), 1) << text;
     }
 }
 
@@ -452,7 +456,8 @@ TEST_F(nxFileLogDeviceTest, WarnsWhereTheGroupMayExchangeFiles)
     Device().CloseAndReopenLogFile();
     const std::string told = "] Others may remove or exchange log files. Directory: " + GetDirectory().string() + "/";
     const Texts all = AllLines();
-    EXPECT_EQ(std::ranges::count_if(all, [&](const std::string& line) { return Count(line, told) == 1; }), 1);
+    EXPECT_EQ(std::count_if(all.begin(), all.end(), [&](const std::string& line) { return Count(line, told) == 1; }),
+              1);
 }
 
 // With a limit on file sizes that leaves no room and is lifted again.
@@ -590,7 +595,7 @@ TEST_F(nxFileLogDeviceTest, GivesAForkedChildAFileOfItsOwn)
     WriteBatch("parent 2\r\n", NX_LOG_LEVEL_WARNING);
     EXPECT_EQ(LinesOf(parents), (Texts{"parent 1", "parent waits", "parent 2"}));
     {
-        const std::jthread stuck(
+        const nxJoinedThread stuck(
             []
             {
                 nxSystemCallFault::Options options;

@@ -3,6 +3,7 @@
 // has it back.
 
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -70,14 +71,14 @@ TEST(nxLogDevicesLeaving, AThreadAtAllDevicesLeavesThoseAloneThatTheirOwnersHave
         };
         slow.Register();
         leaving.Register();
-        std::jthread at(
+        nxJoinedThread at(
             [destroys]
             {
                 isToBeHeld = true;
                 destroys ? Manager().Destroy() : Manager().FlushDevices();
             });
         gate.WaitForAThread();
-        std::jthread unregisters([] { Manager().UnregisterAllLogDevices(); });
+        nxJoinedThread unregisters([] { Manager().UnregisterAllLogDevices(); });
         std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it waits for the first one now
         leaving.Leave();
         gate.Open();
@@ -111,7 +112,7 @@ TEST(nxLogDevicesLeaving, EveryThreadThatUnregistersADeviceWaitsForItAsLongAsItT
             device.Leave();
             ++returned;
         };
-        std::jthread first(leave), second(leave);
+        nxJoinedThread first(leave), second(leave);
         // Once longer than any limit of a wait in the log; one that comes back earlier is seen at once.
         for (int count = 0; count < (leavesByItself ? 20 : 350) && returned == 0; ++count)
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -137,7 +138,7 @@ TEST(nxLogDevicesLeaving, ADeviceThatIsRegisteredAgainIsEnteredOnlyWhenTheLastCa
     device.Register();
     NX_LOG(NX_LOG_LEVEL_INFO) << "again";
     gate.WaitForAThread();
-    std::jthread other([] { Manager().ImmediateWrite(record); });
+    nxJoinedThread other([] { Manager().ImmediateWrite(record); });
     for (int count = 0; count < 20 && device.most < 2; ++count)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     gate.Open();

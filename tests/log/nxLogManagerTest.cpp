@@ -10,6 +10,7 @@
 #include "core/log/nxLogLine.h"
 #include "core/log/nxLogLineSink.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -625,7 +626,7 @@ TEST(nxLogManager, GivesBackTheRingsOfThreadsWhoseLastRecordWasDropped)
         together.arrive_and_wait();
         Manager().ImmediateWrite(MakeRecord("inside"));
     };
-    std::vector<std::jthread> filling;
+    std::vector<nxJoinedThread> filling;
     for (int index = 0; index < threads; ++index)
         filling.emplace_back(fill, index);
     together.arrive_and_wait();

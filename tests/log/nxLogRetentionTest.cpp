@@ -2,6 +2,7 @@
 #include "core/log/nxLogRetention.h"
 
 #include <sys/prctl.h>
+#include <algorithm>
 
 #include "tests/support/nxLogFolderTest.h"
 
@@ -57,7 +58,7 @@ TEST_F(nxLogRetentionTest, RemovesTheOldestFilesBeyondEachLimit)
         unsetenv(row.key);
         const auto isAsWanted = [&](const std::string& name)
         { return fs::exists(GetDirectory() / name) == (&name - names.data() >= row.removed); };
-        EXPECT_TRUE(nxEventually([&] { return std::ranges::all_of(names, isAsWanted); }));
+        EXPECT_TRUE(nxEventually([&] { return std::all_of(names.begin(), names.end(), isAsWanted); }));
         Device().CloseAndReopenLogFile();  // the next pass finds the directory empty
         EXPECT_TRUE(nxEventually([&] { return fs::exists(GetDirectory() / "01Mar2024") == (row.removed == 0); }));
         Device().Destroy();

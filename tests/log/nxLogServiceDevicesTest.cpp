@@ -12,6 +12,7 @@
 #include "core/log/nxLogDeviceSettings.h"
 #include "core/log/nxSyslogLogDevice.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -191,7 +192,7 @@ TEST_F(nxLogServiceDevices, AServiceThatWasAwayGetsWhatWasKeptAndIsToldTheRest)
         write();  // nobody is there
         Service service(_path);
         take(service.Receive());
-        std::jthread slow(write);
+        nxJoinedThread slow(write);
         EXPECT_TRUE(nxInChild([&] { EXPECT_EQ(device.GetWaitingRecords(), 0U); }));
         for (int count = 0; count < 100; ++count)
             take(service.Receive());

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <initializer_list>
 #include <type_traits>
 
 // This file is compiled without sanitizers: its functions are called before and below them. It does not include <fcntl.h>,

@@ -2,17 +2,32 @@
 #ifndef TESTS_SUPPORT_NXTESTTHREADS_H
 #define TESTS_SUPPORT_NXTESTTHREADS_H
 
+#include <atomic>
 #include <chrono>
 #include <thread>
 #include <type_traits>
 #include <vector>
+
+/// A thread that is joined when the object ends. libc++ 14 has no std::jthread.
+class nxJoinedThread : public std::thread
+{
+public:
+    using std::thread::thread;
+    nxJoinedThread(nxJoinedThread&&) = default;
+    nxJoinedThread& operator=(nxJoinedThread&&) = delete;
+    ~nxJoinedThread()
+    {
+        if (joinable())
+            join();
+    }
+};
 
 /// Executes a function in `count` threads at once, each with its number if the function takes one, and returns when all
 /// have ended.
 template <class Body>
 void nxInThreads(int count, const Body& body)
 {
-    std::vector<std::jthread> threads;
+    std::vector<nxJoinedThread> threads;
     for (int number = 0; number < count; ++number)
     {
         if constexpr (std::is_invocable_v<const Body&, int>)
@@ -29,16 +44,18 @@ public:
     template <class Body>
     explicit nxBusyThread(Body body)
         : _thread(
-              [body](const std::stop_token& stop)
+              [this, body]
               {
-                  while (!stop.stop_requested())
+                  while (!_isToEnd)
                       body();
               })
     {
     }
+    ~nxBusyThread() { _isToEnd = true; }
 
 private:
-    std::jthread _thread;
+    std::atomic<bool> _isToEnd = false;
+    nxJoinedThread _thread;
 };
 
 /// Waits until `holds` returns true, half a minute at most. @return whether it did.

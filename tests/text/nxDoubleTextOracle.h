@@ -3,10 +3,12 @@
 #define TESTS_TEXT_NXDOUBLETEXTORACLE_H
 
 #include <algorithm>
+#include <cerrno>
 #include <cfenv>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <system_error>
 
@@ -48,8 +50,7 @@ struct nxDoubleTextOracle
             return std::errc::invalid_argument;
         std::replace(text.begin(), text.end(), separator, '.');
         double nearest = 0;
-        const char* const end = text.data() + text.size();
-        const std::errc error = std::from_chars(text.data(), end, nearest, std::chars_format::fixed).ec;
+        const std::errc error = _ReadNearest(text, nearest);
         const auto significant = [](std::string number)
         {
             number.erase(std::min(number.find('e'), number.size()));
@@ -111,6 +112,19 @@ struct nxDoubleTextOracle
         std::string text = buffer;
         text.erase(text.find_last_not_of('0') + 1);
         return sign + std::to_string(whole) + (text == "." ? "" : text);
+    }
+
+private:
+    // The nearest double to an ordinary decimal; an error beyond the largest and below the smallest.
+    static std::errc _ReadNearest(const std::string& text, double& nearest)
+    {
+#ifdef __cpp_lib_to_chars
+        return std::from_chars(text.data(), text.data() + text.size(), nearest, std::chars_format::fixed).ec;
+#else  // libc++ 14 reads no doubles
+        errno = 0;
+        nearest = std::strtod(text.c_str(), nullptr);
+        return errno == ERANGE && (nearest == 0 || std::isinf(nearest)) ? std::errc::result_out_of_range : std::errc();
+#endif
     }
 };
 

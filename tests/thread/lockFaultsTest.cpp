@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What locks and threads make of the errors of their primitives: the code that they return and the record that they write.
 
+#include <algorithm>
+
 #include "core/thread/nxCondition.h"
 #include "core/thread/nxConditionMutex.h"
 #include "core/thread/nxConditionRaw.h"
@@ -31,7 +33,7 @@ void Check(const Row& row)
 {
     Answers answers = row.answers;
     for (const int error : commonErrors)
-        if (std::ranges::find(answers, error, &Answers::value_type::first) == answers.end())
+        if (std::none_of(answers.begin(), answers.end(), [error](const auto& answer) { return answer.first == error; }))
             answers.emplace_back(error, row.otherwise);
     for (const auto& [error, expected] : answers)
     {

@@ -12,6 +12,7 @@
 #include "core/thread/nxSemaphore.h"
 #include "core/thread/nxSpinLockGuard.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -114,7 +115,7 @@ TEST(nxConditionMutex, LockAndWaitHoldsTheMutexAfterwardsAndTakesOverFromAHolder
             EXPECT_TRUE(InAnotherThread([&] { return condition.Lock(); }).IsOK());
         }
         std::atomic<bool> woken{false};
-        const std::jthread waiter(
+        const nxJoinedThread waiter(
             [&]
             {
                 EXPECT_TRUE(condition.LockAndWait().IsOK());
@@ -147,7 +148,7 @@ TEST(nxCondition, WakesOneOrAllAndForgetsSignalsWithoutAWaiter)
         EXPECT_TRUE(error.IsOK());
         --waiting;
     };
-    const std::jthread signaller(
+    const nxJoinedThread signaller(
         [&]
         {
             while (waiting != 0)
@@ -210,7 +211,7 @@ TEST(nxSemaphore, EveryTimeOutHasADefinedAnswer)
     for (const double seconds : {4294967294.5, 4294967295.0, 9.2e18, 9223372036854775807.0, 1e300, infinity})
     {
         SCOPED_TRACE(seconds);
-        const std::jthread poster(
+        const nxJoinedThread poster(
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -84,7 +84,7 @@ TEST(namedObjects, ASemaphoreNeverExceedsItsMaximum)
     EXPECT_EQ(semaphore.TimedWait(std::chrono::milliseconds(150)), NX_ERR_THR_TIMEDOUT) << "longer than one sleep";
     for (const double seconds : {60.0, 4294968.0, 1e300, infinity})
     {
-        const std::jthread poster(
+        const nxJoinedThread poster(
             [&]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -136,7 +136,7 @@ TEST(namedObjects, AMutexBelongsToAThreadAndCounts)
     std::atomic<bool> entered{false};
     EXPECT_TRUE(mutex.Lock().IsOK());
     [&]() NX_NO_THREAD_SAFETY_ANALYSIS { EXPECT_TRUE(same.Lock().IsOK()); }();
-    std::jthread other(
+    nxJoinedThread other(
         [&]() NX_NO_THREAD_SAFETY_ANALYSIS
         {
             nxWindowsMutex third(name);

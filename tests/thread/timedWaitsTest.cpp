@@ -9,6 +9,7 @@
 #include "core/thread/nxSemaphore.h"
 #include "core/thread/nxWindowsSemaphore.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -110,7 +111,7 @@ TEST(timedWaits, EveryTimeHasADefinedAnswer)
         [&] { return takes(duration<float>(1e30F)); }, [&] { return semaphore.WaitUntil(Clock::time_point::max()); }};
     for (const auto& wait : longWaits)
     {
-        const std::jthread poster(
+        const nxJoinedThread poster(
             [&]
             {
                 std::this_thread::sleep_for(milliseconds(5));
@@ -126,7 +127,7 @@ TEST(timedWaits, TakeTheLockThatIsFreedMeanwhileAndTellOfADeadOwner)
     {
         nxMutex mutex;
         ASSERT_TRUE((isRobust ? mutex.InitialiseAsShared(true) : nxErrorEnum()).IsOK() && mutex.Lock().IsOK());
-        std::jthread waiter(
+        nxJoinedThread waiter(
             [&]
             {
                 EXPECT_TRUE(mutex.LockFor(hours(1)).IsOK());
@@ -146,7 +147,7 @@ TEST(timedWaits, AConditionWithItsMutexWakesAllAndHoldsTheMutexWhateverHappens)
     bool isOpen = false;
     std::atomic<int> waiting{0};
     {
-        const std::jthread opener(
+        const nxJoinedThread opener(
             [&]
             {
                 EXPECT_TRUE(nxEventually([&] { return waiting == 3; }));

@@ -61,8 +61,9 @@ struct nxLogTextRoom
     };
 };
 static_assert(std::size(nxLogTextRoom::Rows) == static_cast<std::size_t>(nxLogTag::UnshownField) + 1);
-static_assert(std::ranges::all_of(nxLogTextRoom::Rows, [index = std::size_t{0}](const nxLogTextRoom::Row& row) mutable
-                                  { return row.IsRight(index++); }));
+static_assert(std::all_of(std::begin(nxLogTextRoom::Rows), std::end(nxLogTextRoom::Rows),
+                          [index = std::size_t{0}](const nxLogTextRoom::Row& row) mutable
+                          { return row.IsRight(index++); }));
 
 /// The text of nearly every message: of short records that hold nothing to be escaped. One pass that keeps its place in a
 /// register and checks neither room nor length. What needs more care is refused and left to nxLogLineBuffer.
