@@ -15,8 +15,8 @@ nxcore_refuse_fast_math()
 # Where the package of the sources has them, and debuggers therefore look.
 set(NXCORE_SOURCES_DIR "/usr/src/nxcore-${PROJECT_VERSION}")
 
-# Gives `target` the project's dialect, warnings and sanitizers. NO_COVERAGE is for what is unloaded again: the memory of
-# its counters would count as lost.
+# Gives `target` the project's dialect, warnings and sanitizers. FUZZED is for what fuzz targets are made of: it tells the
+# fuzzer where an input has led. NO_COVERAGE is for what is unloaded again: the memory of its counters would count as lost.
 function(nxcore_configure target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -35,7 +35,12 @@ function(nxcore_configure target)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
     if(NXCORE_SANITIZE)
-        set(flags -fsanitize=${NXCORE_SANITIZE} -fno-omit-frame-pointer -g)
+        set(sanitizers ${NXCORE_SANITIZE})
+        if(NOT "FUZZED" IN_LIST ARGN)
+            string(REPLACE "fuzzer-no-link," "" sanitizers "${sanitizers}")
+        endif()
+        # Reports need lines, which these kinds of builds have already.
+        set(flags -fsanitize=${sanitizers} -fno-omit-frame-pointer $<$<NOT:$<CONFIG:Debug,RelWithDebInfo>>:-g1>)
         if(NXCORE_SANITIZE MATCHES "undefined")
             # A report that only scrolls by is no report.
             list(APPEND flags -fno-sanitize-recover=all)
@@ -46,6 +51,15 @@ function(nxcore_configure target)
     if(NXCORE_COVERAGE AND NOT "NO_COVERAGE" IN_LIST ARGN)
         target_compile_options(${target} PRIVATE -fprofile-instr-generate -fcoverage-mapping)
         target_link_options(${target} PRIVATE -fprofile-instr-generate)
+    endif()
+endfunction()
+
+# Compiles the sources of `target` in a few large pieces where NXCORE_UNITY asks for that.
+function(nxcore_unite target)
+    if(NXCORE_UNITY)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+        # Names of one source file hide those of the next.
+        target_compile_options(${target} PRIVATE -Wno-shadow)
     endif()
 endfunction()
 
