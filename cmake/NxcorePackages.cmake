@@ -40,6 +40,13 @@ set(CPACK_COMPONENT_TOOLS_DESCRIPTION "nxtick, which snaps, steps and explains p
 set(CPACK_COMPONENT_SOURCES_DESCRIPTION "The sources, where debuggers find them with the packages of debug symbols.")
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "The guide, the reference, the tick tables and the benchmark report.")
 
+if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+    set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+    # The tools of the packages, which otherwise take the machine's own.
+    set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_BINARY_DIR}/crossTools.cmake")
+    file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "set(OBJCOPY_EXECUTABLE \"${CMAKE_OBJCOPY}\")\nset(OBJDUMP_EXECUTABLE \"${CMAKE_OBJDUMP}\")\n")
+endif()
+
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/NxcoreFinishPackages.cmake")
 
 include(cmake/NxcoreDebian.cmake)

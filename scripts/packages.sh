@@ -65,6 +65,8 @@ need_clang_tools()
     need "$(clang++ -print-resource-dir)/lib/linux/libclang_rt.fuzzer-$(uname -m).a" "libclang-rt-$(clang_version)-dev" \
         "llvm-cov-$(clang_version)" "llvm-$(clang_version)"
 }
+# The other C++ library, in the version of the second compiler.
+need_libcxx() { need "/usr/lib/llvm-$(clang_version)/include/c++/v1/vector" "libc++-$(clang_version)-dev" "/usr/lib/llvm-$(clang_version)/lib/libc++abi.so" "libc++abi-$(clang_version)-dev"; }
 # The benchmarks' library and peers.
 need_benchmark_tools()
 {

@@ -6,8 +6,9 @@
 #     scripts/test.sh --quick    the format and the Release build with its tests, while one works on something
 #
 # Stages: the optimised build with g++; address and undefined-behaviour sanitizers with clang++, in which the fuzz targets
-# then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++; the packages. A
-# summary closes it. What one run needs more of is an environment variable: NX_FUZZ_RUNS, NX_FUZZ_SECONDS.
+# then run over their kept corpus and the coverage of core/ is counted; the thread sanitizer with g++; library, nxtick and each
+# header alone with clang++ and libc++; values, texts and prices on Arm, under the emulator; the packages. A summary closes it.
+# Further tool chains are in scripts/toolchains.sh. What one run needs more of is an environment variable: NX_FUZZ_RUNS, NX_FUZZ_SECONDS.
 set -u
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -100,6 +101,30 @@ coverage()
     note=$(awk '$1 == "TOTAL" {print $10 " of lines"}' build/clang-sanitize/coverage.txt)
 }
 
+libcxx()
+{
+    if ! need_libcxx; then
+        note="skipped: there is no libc++"
+        return 0
+    fi
+    tests clang-libcxx
+}
+
+arm()
+{
+    local result
+    mkdir -p build
+    scripts/arm.sh --quick >build/arm.log 2>&1
+    result=$?
+    cat build/arm.log
+    if [ $result -eq 3 ]; then
+        note="skipped: the cross compiler or the emulator cannot be had"
+        return 0
+    fi
+    note=$(grep '^tests:' build/arm.log)
+    return $result
+}
+
 # The packages of the Release build; those that scripts/release.sh makes hold debug symbols beside.
 packages()
 {
@@ -139,6 +164,8 @@ else
     export LLVM_PROFILE_FILE=/dev/null
     stage "fuzz targets" fuzz
     stage "tests, g++ thread" tests tsan
+    stage "tests, clang libc++" libcxx
+    stage "tests, Arm under the emulator" arm
     stage "Debian packages" packages
     stage "size" sizes
 fi
