@@ -3,6 +3,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 #include "core/numeric/internal/nxExactDouble.h"
 #include "core/numeric/internal/nxNearestRounding.h"
@@ -156,7 +157,11 @@ char* WriteDouble(char* out, double value, unsigned decimals)
     const double magnitude = value < 0 ? -value : value;
     // The negation sends NaN this way too, because NaN compares false with everything.
     if (!(magnitude <= 2147483647.0))
-        return std::to_chars(out, out + doubleTextSize, value, std::chars_format::scientific, 6).ptr;
+    {
+        // libc++ has a text of its own for NaN that signals.
+        const double shown = std::isnan(value) ? std::copysign(std::numeric_limits<double>::quiet_NaN(), value) : value;
+        return std::to_chars(out, out + doubleTextSize, shown, std::chars_format::scientific, 6).ptr;
+    }
     decimals = std::min(decimals, maxDecimals);
     const RoundedDouble rounded = RoundToDecimals(magnitude, decimals);
     *out = '-';

@@ -157,6 +157,7 @@ TEST_F(nxLogRetentionTest, StartsTheCompressorInACleanPlace)
     Create({0, 0, 0, MakeCompressor("exec > " + report.string() + R"(
             env | sort | grep -v ^PWD=
             ls /proc/$$/fd | grep -e '^3$' -e '^77$'
+            until [ $(nice) = 19 ]; do sleep 0.01; done  # set after the start
             nice
             sed -n 's/^SigIgn.*\(.......\)$/\1/p' /proc/self/status
             pwd
