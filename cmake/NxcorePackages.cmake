@@ -42,6 +42,7 @@ set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "The guide, the reference, the tic
 
 if(CMAKE_CROSSCOMPILING AND CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
     set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS /usr/aarch64-linux-gnu/lib)
     # The tools of the packages, which otherwise take the machine's own.
     set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_BINARY_DIR}/crossTools.cmake")
     file(WRITE "${CPACK_PROJECT_CONFIG_FILE}" "set(OBJCOPY_EXECUTABLE \"${CMAKE_OBJCOPY}\")\nset(OBJDUMP_EXECUTABLE \"${CMAKE_OBJDUMP}\")\n")

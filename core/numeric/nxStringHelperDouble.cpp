@@ -3,7 +3,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <limits>
+#include <string_view>
 
 #include "core/numeric/internal/nxExactDouble.h"
 #include "core/numeric/internal/nxNearestRounding.h"
@@ -158,9 +158,11 @@ char* WriteDouble(char* out, double value, unsigned decimals)
     // The negation sends NaN this way too, because NaN compares false with everything.
     if (!(magnitude <= 2147483647.0))
     {
-        // libc++ has a text of its own for NaN that signals.
-        const double shown = std::isnan(value) ? std::copysign(std::numeric_limits<double>::quiet_NaN(), value) : value;
-        return std::to_chars(out, out + doubleTextSize, shown, std::chars_format::scientific, 6).ptr;
+        // C++ libraries differ in what they add to NaN.
+        const std::string_view nan = std::signbit(value) ? "-nan" : "nan";
+        return std::isnan(value)
+                   ? std::copy(nan.begin(), nan.end(), out)
+                   : std::to_chars(out, out + doubleTextSize, value, std::chars_format::scientific, 6).ptr;
     }
     decimals = std::min(decimals, maxDecimals);
     const RoundedDouble rounded = RoundToDecimals(magnitude, decimals);
