@@ -4,6 +4,7 @@
 
 #include "core/thread/nxFunctorThread.h"
 #include "tests/support/nxSystemTest.h"
+#include "tests/support/nxTestThreads.h"
 
 namespace
 {
@@ -262,7 +263,7 @@ TEST(nxFunctorThread, ALongFunctorDoesNotHoldUpAThreadThatWaitsForRoom)
     Ok(held.thread.Post([&longOne] { longOne.Pass(); }));
     for (int i = 1; i < 8; ++i)
         Ok(held.thread.Post([] {}));
-    std::jthread other([&] { held.gate.Open(); });
+    nxJoinedThread other([&] { held.gate.Open(); });
     Ok(held.thread.Post([] {}));
     longOne.Open();  // only now
     Ok(held.thread.WaitIdle(forever));
