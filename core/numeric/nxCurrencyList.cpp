@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "core/numeric/nxCurrencyList.h"
+
+#include <algorithm>
+#include <atomic>
+
+namespace
+{
+// The rows in the order of their letters, from the first that does not come before the currency.
+template <class Rows>
+auto FindRow(Rows& rows, nxCurrency currency)
+{
+    return std::lower_bound(rows.begin(), rows.end(), currency,
+                            [](const nxCurrencyList::Row& row, nxCurrency wanted) { return row.currency < wanted; });
+}
+
+nxCurrencyList MakeBuiltIn()
+{
+    struct Listed
+    {
+        const char* letters;
+        unsigned short number;
+        unsigned char minorUnits;
+        const char* name;
+    };
+    constexpr unsigned char NoMinorUnits = nxCurrencyList::NoMinorUnits;
+    static constexpr Listed listed[] = {
+#define NX_CURRENCY(letters, number, minorUnits, name) {letters, number, minorUnits, name},
+#include "core/numeric/nxCurrencies.inc"
+#undef NX_CURRENCY
+    };
+    nxCurrencyList list;
+    for (const Listed& row : listed)
+        static_cast<void>(list.Set({nxCurrency(row.letters), row.number, row.minorUnits, row.name}));
+    return list;
+}
+
+// A list that was put into force, and the one before it: all stay reachable, and none is destroyed.
+struct KeptCurrencies
+{
+    nxCurrencyList list;
+    const KeptCurrencies* before;
+};
+
+// Null while the library's own list is in force.
+constinit std::atomic<const KeptCurrencies*> currentCurrencies{nullptr};
+}  // namespace
+
+const nxCurrencyList& nxCurrencyList::GetBuiltIn()
+{
+    static const nxCurrencyList& list = *new nxCurrencyList(MakeBuiltIn());
+    return list;
+}
+
+const nxCurrencyList& nxCurrencyList::GetCurrent()
+{
+    const KeptCurrencies* const current = currentCurrencies.load(std::memory_order_acquire);
+    return current != nullptr ? current->list : GetBuiltIn();
+}
+
+void nxCurrencyList::SetCurrent(const nxCurrencyList& list)
+{
+    auto* const kept = new KeptCurrencies{list, currentCurrencies.load(std::memory_order_relaxed)};
+    while (!currentCurrencies.compare_exchange_weak(kept->before, kept, std::memory_order_release,
+                                                    std::memory_order_relaxed))
+    {
+    }
+}
+
+const nxCurrencyList::Row* nxCurrencyList::Find(nxCurrency currency) const
+{
+    const auto row = FindRow(_rows, currency);
+    return row != _rows.end() && row->currency == currency ? &*row : nullptr;
+}
+
+nxErrorEnum nxCurrencyList::Set(const Row& row)
+{
+    if (row.currency.IsNull())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (row.number > MaxNumber || (row.minorUnits > MaxMinorUnits && row.minorUnits != NoMinorUnits))
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    const auto place = FindRow(_rows, row.currency);
+    if (place != _rows.end() && place->currency == row.currency)
+        *place = row;
+    else
+        _rows.insert(place, row);
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxCurrencyList::Remove(nxCurrency currency)
+{
+    const auto row = FindRow(_rows, currency);
+    if (row == _rows.end() || row->currency != currency)
+        return nxErrorEnum(NX_ERR_NOT_FOUND);
+    _rows.erase(row);
+    return nxErrorEnum();
+}
+
+// What nxCurrency says is known; a list is above its header.
+
+bool nxCurrency::IsKnown() const { return nxCurrencyList::GetCurrent().Find(*this) != nullptr; }
+
+unsigned nxCurrency::GetNumericCode() const
+{
+    const nxCurrencyList::Row* const row = nxCurrencyList::GetCurrent().Find(*this);
+    return row != nullptr ? row->number : 0;
+}
+
+std::string_view nxCurrency::GetName() const
+{
+    const nxCurrencyList::Row* const row = nxCurrencyList::GetCurrent().Find(*this);
+    return row != nullptr ? std::string_view(row->name) : std::string_view();
+}
+
+nxErrorEnum nxCurrency::GetMinorUnits(unsigned char& places) const
+{
+    if (IsNull())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    const nxCurrencyList::Row* const row = nxCurrencyList::GetCurrent().Find(*this);
+    if (row == nullptr || row->minorUnits == nxCurrencyList::NoMinorUnits)
+        return nxErrorEnum(NX_ERR_NOT_FOUND);
+    places = row->minorUnits;
+    return nxErrorEnum();
+}
