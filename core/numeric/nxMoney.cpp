@@ -2,9 +2,29 @@
 #include "core/numeric/nxMoney.h"
 
 #include <algorithm>
+#include <cstring>
 #include <ostream>
 
+#include "core/numeric/inline/nxWide.h"
 #include "core/text/nxStringHelper.h"
+
+namespace
+{
+// What a share lost when it was rounded toward zero.
+struct LostPart
+{
+    nxUnsignedWide lost;
+    std::size_t index;
+};
+
+nxUnsignedWide GetSum(std::span<const unsigned long long> weights)
+{
+    nxUnsignedWide sum = 0;
+    for (const unsigned long long weight : weights)
+        sum += weight;
+    return sum;
+}
+}  // namespace
 
 nxMoney::nxMoney(const nxDecimal& amount, std::string_view currency) : _amount(amount)
 {
@@ -64,6 +84,78 @@ int nxMoney::CompareExact(const nxMoney& other) const
 {
     const int order = IsValid() && other.IsValid() ? GetCurrency().compare(other.GetCurrency()) : 0;
     return order == 0 ? _amount.CompareExact(other._amount) : (order < 0 ? -1 : 1);
+}
+
+nxErrorEnum nxMoney::_CheckOperand(const nxMoney& other) const
+{
+    if (!IsValid() || !other.IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    return std::memcmp(_currency, other._currency, sizeof _currency) == 0 ? nxErrorEnum()
+                                                                          : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+}
+
+nxErrorEnum nxMoney::Add(const nxMoney& other)
+{
+    const nxErrorEnum error = _CheckOperand(other);
+    return error.IsOK() ? _amount.AddExact(other._amount) : error;
+}
+
+nxErrorEnum nxMoney::Subtract(const nxMoney& other)
+{
+    const nxErrorEnum error = _CheckOperand(other);
+    return error.IsOK() ? _amount.SubtractExact(other._amount) : error;
+}
+
+nxErrorEnum nxMoney::Multiply(nxRatio factor, unsigned char places, const nxRoundingMethodEnum& method)
+{
+    return factor.Apply(_amount, places, method, _amount);
+}
+
+nxErrorEnum nxMoney::RoundToMinorUnit(const nxRoundingMethodEnum& method)
+{
+    unsigned char places = 0;
+    const nxErrorEnum error = nxCurrency(GetCurrency()).GetMinorUnits(places);
+    return error.IsOK() ? _amount.RoundExact(nxDecimal::ConstructFromValueAndDecimalPlaces(1, places), method) : error;
+}
+
+nxErrorEnum nxMoney::Allocate(std::span<const unsigned long long> weights, std::vector<nxMoney>& parts) const
+{
+    if (!IsValid())
+        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    const nxUnsignedWide sum = GetSum(weights);
+    if (sum == 0)
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    const std::uint64_t units = nxDecimalQuick::GetMagnitude(_amount.GetValue());
+    std::vector<std::uint64_t> shares(weights.size());
+    std::vector<LostPart> lost(weights.size());
+    std::uint64_t left = units;
+    for (std::size_t i = 0; i < weights.size(); ++i)
+    {
+        const nxUnsignedWide product = nxUnsignedWide{units} * weights[i];
+        shares[i] = static_cast<std::uint64_t>(product / sum);
+        lost[i] = {product - shares[i] * sum, i};
+        left -= shares[i];
+    }
+    // Fewer units are left than shares lost something.
+    std::nth_element(lost.begin(), lost.begin() + static_cast<std::ptrdiff_t>(left), lost.end(),
+                     [](const LostPart& a, const LostPart& b)
+                     { return a.lost != b.lost ? a.lost > b.lost : a.index < b.index; });
+    for (std::uint64_t i = 0; i < left; ++i)
+        ++shares[lost[i].index];
+    std::vector<nxMoney> result(weights.size(), *this);
+    for (std::size_t i = 0; i < weights.size(); ++i)
+        result[i]._amount = nxDecimal::ConstructFromValueAndDecimalPlaces(
+            nxDecimalQuick::Wrap(_amount.IsNegative() ? 0 - shares[i] : shares[i]), _amount.GetDecimalPlaces());
+    parts.swap(result);
+    return nxErrorEnum();
+}
+
+nxErrorEnum nxMoney::Compare(const nxMoney& other, int& order) const
+{
+    const nxErrorEnum error = _CheckOperand(other);
+    if (error.IsOK())
+        order = _amount.CompareExact(other._amount);
+    return error;
 }
 
 void nxMoney::AppendAsString(std::string& out, char separator) const

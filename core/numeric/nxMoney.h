@@ -3,25 +3,31 @@
 #define CORE_NUMERIC_NXMONEY_H
 
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/enum/nxErrorEnum.h"
+#include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/nxCurrency.h"
 #include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxRatio.h"
 #include "core/nxExport.h"
 #include "core/text/nxInitalizers.h"
 
 /// An amount of money: a decimal in the units of a currency, and the currency's code.
 ///
-/// - Currency: three capital letters as in "USD"; whether such a currency exists is not checked.
+/// - Currency: three capital letters as in "USD"; nxCurrency tells whether such a currency is known.
 /// - Null and no change are those of the amount; such money has no currency.
 /// - Errors: an impossible currency is never held. The constructor makes null of it; SetFromString() returns its error
 ///   and leaves the money as it was.
+/// - Arithmetic is exact and has no operators, because a sum of two currencies is an error. See nxExchangeRateConverter.
 /// - Threads: like an int. Ownership: a value of 24 bytes that owns nothing.
 /// @code
 /// nxMoney fee;
-/// if (fee.SetFromString("12.50 EUR", '.').IsOK())
-///     std::cout << fee.GetCurrency();  // EUR
+/// if (fee.SetFromString("12.50 EUR", '.').IsOK() && fee.Add(nxMoney(nxDecimal(5, 0), "EUR")).IsOK())
+///     std::cout << fee;  // 17.50 EUR
 /// @endcode
 class NX_CORE_API nxMoney
 {
@@ -34,6 +40,8 @@ public:
     nxMoney(const nxDecimal& amount, std::string_view currency);
     /// The same; a null pointer is an empty text.
     nxMoney(const nxDecimal& amount, const char* currency);
+    /// The same; null when @p currency is null.
+    nxMoney(const nxDecimal& amount, nxCurrency currency) : nxMoney(amount, currency.GetLetters()) {}
 
     bool IsNull() const { return _amount.IsNull(); }                 ///< There is no amount.
     bool IsNoChange() const { return _amount.IsNoChange(); }         ///< The receiver keeps its money.
@@ -76,6 +84,33 @@ public:
     /// Appends what GetAsLogString() returns.
     void AppendAsLogString(std::string& out, char separator) const;
 
+    /// @name Arithmetic
+    /// Exact, with integers. On failure nothing changes. Each returns
+    /// - NX_ERR_OBJECT_IS_NULL when this money or an operand is not valid, "no change" included;
+    /// - NX_ERR_INVALID_PARAMETER for an operand of another currency and for an undefined method;
+    /// - NX_ERR_VALUE_OUT_OF_RANGE when an amount needs more than 64 bits or more than nxDecimal::MaxExactPlaces decimals.
+    /// The rounding methods are those of nxDecimal::Round().
+    /// @{
+    [[nodiscard]] nxErrorEnum Add(const nxMoney& other);       ///< The sum, with the decimals of the finer amount.
+    [[nodiscard]] nxErrorEnum Subtract(const nxMoney& other);  ///< The difference, likewise.
+    /// Becomes the product, rounded once to @p places decimals.
+    [[nodiscard]] nxErrorEnum Multiply(nxRatio factor, unsigned char places, const nxRoundingMethodEnum& method);
+    /// Rounds to the smallest amount that exists, with its decimals: 12.345 JPY to 12 JPY, 12.3 USD to 12.30 USD. For steps
+    /// of cash, such as 0.05 CHF, see nxDecimal::RoundExact().
+    /// @return also NX_ERR_NOT_FOUND when the currency has no minor units, see nxCurrency::GetMinorUnits().
+    [[nodiscard]] nxErrorEnum RoundToMinorUnit(const nxRoundingMethodEnum& method);
+    /// Splits the amount by weights. The parts add up to it exactly, and each is less than one unit of the amount's last
+    /// decimal away from its share. What the shares, rounded toward zero, leave over goes in single units to those that lost
+    /// most, of equal ones to the earlier: 100 USD by 1, 1, 1 is 34, 33, 33. The parts of a negative amount mirror those of
+    /// the positive one, and a weight of 0 gets 0.
+    /// @param parts becomes one part for each weight. It may hold this money.
+    /// @return also NX_ERR_INVALID_PARAMETER when there are no weights or all are 0. Throws only when memory runs out.
+    [[nodiscard]] nxErrorEnum Allocate(std::span<const unsigned long long> weights, std::vector<nxMoney>& parts) const;
+    /// Gives -1, 0 or 1 when this amount is less than, exactly equal to or greater than @p other of the same currency. An
+    /// order over all money is CompareExact().
+    [[nodiscard]] nxErrorEnum Compare(const nxMoney& other, int& order) const;
+    /// @}
+
     /// Equal amounts of the same currency; null equals null and no change equals no change. Amounts compare as
     /// nxDecimal's do, across scales with a tolerance, so a sorted or hashed container needs the exact forms below.
     friend bool operator==(const nxMoney& a, const nxMoney& b)
@@ -100,6 +135,8 @@ private:
     using _AmountReader = nxErrorEnum (nxDecimal::*)(std::string_view, char);
     static bool _IsCurrency(std::string_view text);
     nxErrorEnum _SetFromString(std::string_view text, char separator, _AmountReader readAmount);
+    // Whether the other one is an operand of this one.
+    nxErrorEnum _CheckOperand(const nxMoney& other) const;
 
     static constexpr unsigned _currencySize = 3;
 
