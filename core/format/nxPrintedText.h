@@ -10,13 +10,16 @@
 #include "core/enum/nxBitMask64.h"
 #include "core/enum/nxEnum.h"
 #include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxExchangeRate.h"
 #include "core/numeric/nxMoney.h"
 #include "core/time/nxTimeStamp.h"
 
+class nxCurrency;
 class nxDate;
 class nxDateTime;
 class nxDateTimeSpan;
 class nxDoubleValueWrapper;
+class nxRatio;
 class nxStringValue;
 class nxTime;
 template <std::integral T, T NullMark, T NoChangeMark>
@@ -54,6 +57,13 @@ std::string nxPrintedText(const Money& value)
     return value.GetAsLogString('.');
 }
 
+/// The log form of an exchange rate.
+template <std::same_as<nxExchangeRate> Rate>
+std::string nxPrintedText(const Rate& value)
+{
+    return value.GetAsLogString('.');
+}
+
 /// A time stamp's 24 characters, or an empty text for a moment whose year fits no calendar.
 template <std::derived_from<nxTimeStamp> Stamp>
 std::string nxPrintedText(const Stamp& value)
@@ -66,11 +76,11 @@ std::string nxPrintedText(const Stamp& value)
 /// The types of the library whose text is their GetAsLogString(). They are listed by name, so that no class of an
 /// application is mistaken for one of them.
 template <class Value>
-concept nxPrintsLogForm =
-    std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> || std::same_as<Value, nxDateTimeSpan> ||
-    std::same_as<Value, nxTime> || std::same_as<Value, nxDoubleValueWrapper> || std::same_as<Value, nxStringValue>;
+concept nxPrintsLogForm = std::same_as<Value, nxDate> || std::same_as<Value, nxDateTime> ||
+    std::same_as<Value, nxDateTimeSpan> || std::same_as<Value, nxTime> || std::same_as<Value, nxCurrency> ||
+    std::same_as<Value, nxRatio> || std::same_as<Value, nxDoubleValueWrapper> || std::same_as<Value, nxStringValue>;
 
-/// The log form of a date, a time, a span, a double wrapper, a string value.
+/// The log form of a date, a time, a span, a currency, a ratio, a double wrapper, a string value.
 template <nxPrintsLogForm Value>
 std::string nxPrintedText(const Value& value)
 {

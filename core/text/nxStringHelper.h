@@ -15,12 +15,14 @@
 #include "core/text/inline/nxTextTraits.h"
 
 class nxCaseSensitivityEnum;
+class nxCurrency;
 class nxDate;
 class nxDateTime;
 class nxDateTimeSpan;
 class nxDecimal;
 class nxDoubleValueWrapper;
 class nxMoney;
+class nxRatio;
 class nxTime;
 template <std::integral T, T NullMark, T NoChangeMark>
 class nxValueWrapper;
@@ -40,8 +42,8 @@ class nxValueWrapper;
 ///   reads every type, reports NX_ERR_VALUE_OUT_OF_RANGE for what the target does not hold, and never changes the target
 ///   when it fails.
 /// - Threads: any thread, on strings of its own.
-/// - Doubles, decimals, money, dates and times belong to layers above this class. They are declared here and defined
-///   there, in core/numeric and core/time.
+/// - Doubles, decimals, ratios, money, dates and times belong to layers above this class. They are declared here and
+///   defined there, in core/numeric and core/time.
 /// @code
 /// unsigned volume = 0;
 /// if (nxStringHelper::SetFromStringExact(field, volume).IsOK())
@@ -127,6 +129,10 @@ public:
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxDecimal& value, char separator);
     /// Reads an amount and a currency; see nxMoney::SetFromString().
     [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxMoney& value, char separator);
+    /// Reads three capital letters; see nxCurrency::SetFromString().
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxCurrency& value);
+    /// Reads a quotient such as "3/2"; see nxRatio::SetFromString(), which also fails with NX_ERR_VALUE_OUT_OF_RANGE.
+    [[nodiscard]] static nxErrorEnum SetFromString(const std::string& text, nxRatio& value);
     /// Reads a short description (identifier) of any enumeration.
     /// @return NX_ERR_INVALID_PARAMETER when no value has that text (@p value is untouched) or when the value belongs
     ///         to another class (@p value is then undefined, as nxEnum's own setter leaves it).
@@ -195,7 +201,7 @@ public:
     /// Reads a type whose SetFromString() loses nothing.
     template <class Value>
     requires std::same_as<Value, nxDate> || std::same_as<Value, nxTime> || std::same_as<Value, nxDateTimeSpan> ||
-        std::same_as<Value, std::string>
+        std::same_as<Value, nxCurrency> || std::same_as<Value, nxRatio> || std::same_as<Value, std::string>
     [[nodiscard]] static nxErrorEnum SetFromStringExact(std::string_view text, Value& value)
     {
         return SetFromString(std::string(text), value);
@@ -258,6 +264,10 @@ public:
     static void AppendAsString(std::string& out, const std::string& value) { out.append(value); }
     /// Appends the decimal with "." as separator, nothing unless it is valid; see nxDecimal::GetAsString().
     static void AppendAsString(std::string& out, const nxDecimal& value);
+    /// Appends three letters, nothing for null.
+    static void AppendAsString(std::string& out, const nxCurrency& value);
+    /// Appends "3/2", nothing for null; see nxRatio::GetAsString().
+    static void AppendAsString(std::string& out, const nxRatio& value);
     /// Appends eight digits yyyymmdd, nothing for null.
     static void AppendAsString(std::string& out, const nxDate& value);
     /// Appends "HH:MM:SS", nothing for null; see nxTime::GetAsString().
@@ -320,6 +330,10 @@ public:
     static std::string GetAsString(const std::string& value) { return value; }
     /// @return the decimal with "." as separator, empty unless it is valid; see nxDecimal::GetAsString().
     static std::string GetAsString(const nxDecimal& value);
+    /// @return three letters, empty for null.
+    static std::string GetAsString(const nxCurrency& value);
+    /// @return "3/2", empty for null; see nxRatio::GetAsString().
+    static std::string GetAsString(const nxRatio& value);
     /// @return eight digits yyyymmdd, empty for null.
     static std::string GetAsString(const nxDate& value);
     /// @return "HH:MM:SS", empty for null; see nxTime::GetAsString().

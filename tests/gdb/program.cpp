@@ -50,6 +50,11 @@ int main()
     const nxDateTime dateTime(date, nxTime(17, 30, 0)), timeAlone(8, 30, 0), never;
     const nxDateTimeSpan span(-1, -129'600'007'000'000), day(1, 0), noTimeAtAll(0, 0), noSpan;
     const nxMoney fee(nxDecimal("12.50", '.'), "EUR"), noFee;
+    const nxCurrency yen("JPY"), noCurrency;
+    const nxRatio hedge(6, -4), whole(5, 1), noRatioOfTwo;
+    nxExchangeRate rate, noRate;
+    static_cast<void>(
+        rate.Set(nxCurrency("EUR"), nxCurrency("USD"), nxDecimal("1.0850", '.'), nxDecimal("1.0852", '.'), stamp));
     const nxStringValue text("A-1"), noText, strange("a\"b\n\x1b[2J"), wordy("more than fifteen characters");
     nxDecimal unmadePrice;
     nxDateTime unmadeTime;
@@ -59,7 +64,8 @@ int main()
     const nxBitMask& maskBase = state;
     const nxEnum& enumBase = error;
     Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio, date, noDate,
-         time, noTime, dateTime, timeAlone, never, span, day, noTimeAtAll, noSpan, fee, noFee, text, noText, strange,
-         wordy, unmadePrice, unmadeTime, byReference, maskBase, enumBase, shortText, longText, undescribed);
+         time, noTime, dateTime, timeAlone, never, span, day, noTimeAtAll, noSpan, fee, noFee, yen, noCurrency, hedge,
+         whole, noRatioOfTwo, rate, noRate, text, noText, strange, wordy, unmadePrice, unmadeTime, byReference, maskBase,
+         enumBase, shortText, longText, undescribed);
     return 0;
 }

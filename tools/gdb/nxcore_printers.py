@@ -214,6 +214,44 @@ class MoneyPrinter:
         return amount if amount in ("NULL", "NO_CHANGE", NOT_INITIALISED) else amount + " " + currency
 
 
+class CurrencyPrinter:
+    """nxCurrency: three letters, or NULL."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        return printable(self._value["_letters"].string(errors="backslashreplace")) or "NULL"
+
+
+class RatioPrinter:
+    """nxRatio: 3/2, a whole number, or NULL."""
+
+    def __init__(self, value):
+        self._terms = int(value["_numerator"]), int(value["_denominator"])
+
+    def to_string(self):
+        if self._terms[1] < 0:
+            return NOT_INITIALISED
+        if self._terms[1] < 2:
+            return str(self._terms[0]) if self._terms[1] else "NULL"
+        return "%d/%d" % self._terms
+
+
+class ExchangeRatePrinter:
+    """nxExchangeRate: 1 EUR = 1.0850 .. 1.0852 USD, or NULL."""
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        base, quote = (CurrencyPrinter(self._value[name]).to_string() for name in ("_base", "_quote"))
+        bid, ask = (DecimalPrinter(self._value[name]).to_string() for name in ("_bid", "_ask"))
+        if base == "NULL":
+            return base
+        return "%d %s = %s .. %s %s" % (int(self._value["_unitCount"]), base, bid, ask, quote)
+
+
 class TimeStampPrinter:
     """nxTimeStamp: its 24 characters, in the local time of the debugger."""
 
@@ -288,7 +326,8 @@ class NoSymbolsPrinter:
 
 PRINTERS = {"nxDecimal": DecimalPrinter, "nxTimeStamp": TimeStampPrinter, "nxDoubleValueWrapper": DoubleValueWrapperPrinter,
             "nxStringValue": StringValuePrinter, "nxDate": DatePrinter, "nxTime": TimePrinter, "nxDateTime": DateTimePrinter,
-            "nxDateTimeSpan": DateTimeSpanPrinter, "nxMoney": MoneyPrinter}
+            "nxDateTimeSpan": DateTimeSpanPrinter, "nxMoney": MoneyPrinter, "nxCurrency": CurrencyPrinter,
+            "nxRatio": RatioPrinter, "nxExchangeRate": ExchangeRatePrinter}
 BASES = {"nxEnum": EnumPrinter, "nxBitMask": MaskPrinter, "nxBitMask64": MaskPrinter}
 
 

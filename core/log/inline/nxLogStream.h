@@ -138,6 +138,12 @@ public:
     }
     /// Amount and currency as nxMoney::GetAsLogString() writes them.
     Record& operator<<(const nxMoney& value) { return *this << nxLogTexts::Get(value); }
+    /// The log form: three letters, a quotient, an exchange rate, or "NULL".
+    Record& operator<<(const nxCurrency& value) { return *this << nxLogTexts::Get(value); }
+    /// @copydoc operator<<(const nxCurrency&)
+    Record& operator<<(const nxRatio& value) { return *this << nxLogTexts::Get(value); }
+    /// @copydoc operator<<(const nxCurrency&)
+    Record& operator<<(const nxExchangeRate& value) { return *this << nxLogTexts::Get(value); }
     /// The log form of a text that may be null, a date, a time, a date-time, a span; all 24 characters of a time stamp.
     Record& operator<<(const nxStringValue& value) { return *this << nxLogTexts::Get(value); }
     /// @copydoc operator<<(const nxStringValue&)

@@ -3,7 +3,10 @@
 
 #include "core/enum/nxBitMask.h"
 #include "core/enum/nxBitMask64.h"
+#include "core/numeric/nxCurrency.h"
+#include "core/numeric/nxExchangeRate.h"
 #include "core/numeric/nxMoney.h"
+#include "core/numeric/nxRatio.h"
 #include "core/text/nxStringValue.h"
 #include "core/time/nxDateTime.h"
 #include "core/time/nxDateTimeSpan.h"
@@ -38,6 +41,21 @@ std::string nxLogTexts::Get(const nxBitMask64& mask) noexcept
 std::string nxLogTexts::Get(const nxMoney& money) noexcept
 {
     return MakeText([&money] { return money.GetAsLogString('.'); });
+}
+
+std::string nxLogTexts::Get(const nxCurrency& currency) noexcept
+{
+    return MakeText([&currency] { return currency.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxRatio& ratio) noexcept
+{
+    return MakeText([&ratio] { return ratio.GetAsLogString(); });
+}
+
+std::string nxLogTexts::Get(const nxExchangeRate& rate) noexcept
+{
+    return MakeText([&rate] { return rate.GetAsLogString('.'); });
 }
 
 std::string nxLogTexts::Get(const nxStringValue& value) noexcept

@@ -8,10 +8,13 @@
 
 class nxBitMask;
 class nxBitMask64;
+class nxCurrency;
 class nxDate;
 class nxDateTime;
 class nxDateTimeSpan;
+class nxExchangeRate;
 class nxMoney;
+class nxRatio;
 class nxStringValue;
 class nxTime;
 class nxTimeStamp;
@@ -27,6 +30,9 @@ public:
     static std::string Get(const nxBitMask& mask) noexcept;         ///< The short descriptions, separated by blanks.
     static std::string Get(const nxBitMask64& mask) noexcept;       ///< The short descriptions, separated by blanks.
     static std::string Get(const nxMoney& money) noexcept;          ///< The log form.
+    static std::string Get(const nxCurrency& currency) noexcept;    ///< The log form.
+    static std::string Get(const nxRatio& ratio) noexcept;          ///< The log form.
+    static std::string Get(const nxExchangeRate& rate) noexcept;    ///< The log form.
     static std::string Get(const nxStringValue& value) noexcept;    ///< The log form.
     static std::string Get(const nxDate& date) noexcept;            ///< The log form.
     static std::string Get(const nxTime& time) noexcept;            ///< The log form.
