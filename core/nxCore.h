@@ -98,6 +98,8 @@
 #include "core/numeric/nxCurrencyList.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/numeric/nxExchangeRate.h"
+#include "core/numeric/nxExchangeRateConverter.h"
+#include "core/numeric/nxExchangeRateList.h"
 #include "core/numeric/nxMoney.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/numeric/nxRatio.h"

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef CORE_NUMERIC_NXEXCHANGERATELIST_H
+#define CORE_NUMERIC_NXEXCHANGERATELIST_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "core/enum/nxErrorEnum.h"
+#include "core/numeric/nxCurrency.h"
+#include "core/numeric/nxExchangeRate.h"
+#include "core/nxExport.h"
+
+/// Exchange rates, one for each pair of currencies, whichever of the two is the base.
+///
+/// - Errors: returned; on failure a list keeps its rates.
+/// - Threads: a plain value without a lock, like a std::vector. Fill one, then share it as
+///   `std::shared_ptr<const nxExchangeRateList>`; new rates come as a new list.
+/// - Ownership: a list owns its rates.
+/// @code
+/// nxExchangeRateList rates;
+/// nxExchangeRate rate;
+/// if (rate.Set(nxCurrency("EUR"), nxCurrency("USD"), nxDecimal("1.0850", '.'), nxDecimal("1.0852", '.'), now).IsOK() &&
+///     rates.Set(rate).IsOK())
+///     std::cout << rates.GetSize();  // 1
+/// @endcode
+class NX_CORE_API nxExchangeRateList
+{
+public:
+    nxExchangeRateList() = default;  ///< Without rates.
+
+    std::size_t GetSize() const { return _rates.size(); }  ///< How many rates there are.
+    /// @return all rates, sorted by the pair's currencies. Refers into the list.
+    const std::vector<nxExchangeRate>& GetRates() const { return _rates; }
+
+    /// Adds a rate. It replaces the pair's earlier rate, and likewise one with base and quote exchanged.
+    /// @return NX_ERR_OBJECT_IS_NULL for a null rate.
+    [[nodiscard]] nxErrorEnum Set(const nxExchangeRate& rate);
+    /// Removes the rate of a pair, whichever of the two is its base.
+    /// @return NX_ERR_NOT_FOUND when there is none; NX_ERR_OBJECT_IS_NULL for a null currency.
+    [[nodiscard]] nxErrorEnum Remove(nxCurrency base, nxCurrency quote);
+    /// Finds the rate of a pair.
+    /// @param isInverse receives whether @p b is the base of the rate, and @p a its quote.
+    /// @return NX_ERR_NOT_FOUND when there is none; NX_ERR_OBJECT_IS_NULL for a null currency. @p rate and @p isInverse are
+    ///         then unchanged.
+    [[nodiscard]] nxErrorEnum Find(nxCurrency a, nxCurrency b, nxExchangeRate& rate, bool& isInverse) const;
+    /// @return the rate of a pair, whichever of the two is its base, or nullptr. Refers into the list.
+    const nxExchangeRate* Find(nxCurrency a, nxCurrency b) const;
+
+private:
+    std::size_t _GetIndex(std::uint64_t pair) const;
+
+    // Side by side, in the order of the pairs.
+    std::vector<std::uint64_t> _pairs;
+    std::vector<nxExchangeRate> _rates;
+};
+
+#endif
