@@ -42,7 +42,7 @@ public:
     constexpr nxRatio(long long numerator, long long denominator) { _Set(numerator, denominator); }
 
     /// The ratio nearest to @p value among those with a denominator up to @p maximumDenominator; of two that are equally
-    /// near, the one with the smaller denominator. (3.14159, 1000) gives 355/113.
+    /// near, the one with the smaller denominator, or else the one nearer to 0. (3.14159, 1000) gives 355/113.
     /// @return null for NaN, for an infinity or another number beyond 2^63 - 1, and for a maximum below 1.
     static nxRatio GetNearest(double value, long long maximumDenominator);
 
