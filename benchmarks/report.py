@@ -36,7 +36,7 @@ TEN_ROWS = {
 # Contenders whose name in the program is not the name that readers know.
 NAMES = {"spdlog_async": "spdlog", "log4cplus_async": "log4cplus", "bid64": "BID64", "fmt_chrono": "{fmt}", "std": "standard library",
          "fmt_compiled_buffer": "{fmt}", "fmt_compiled": "{fmt}", "fmt_format_int": "{fmt}", "from_chars": "std::from_chars",
-         "cpp_dec_float": "Boost decimal", "boost": "Boost", "double_floor": "floor of a double, inexact",
+         "cpp_dec_float": "Boost decimal", "boost": "Boost", "boost_uint256": "Boost 256-bit", "double_floor": "floor of a double, inexact",
          "binary_search_int": "binary search", "absl": "Abseil", "normal": "bare mutex",
          "counter_and_copy": "counter and copy", "remembered_band": "remembered band"}
 LEVEL = 0.03  # times that differ by less count as equal

@@ -2,7 +2,7 @@
 #ifndef CORE_NUMERIC_NXCURRENCY_H
 #define CORE_NUMERIC_NXCURRENCY_H
 
-#include <algorithm>
+#include <array>
 #include <bit>
 #include <compare>
 #include <cstddef>
@@ -41,9 +41,8 @@ public:
     /// Null when @p letters is not three capital letters.
     constexpr explicit nxCurrency(std::string_view letters)
     {
-        if (letters.size() != Size || !std::all_of(letters.begin(), letters.end(), _IsLetter))
-            return;
-        std::copy(letters.begin(), letters.end(), _letters);
+        if (letters.size() == Size && _IsLetter(letters[0]) && _IsLetter(letters[1]) && _IsLetter(letters[2]))
+            _letters = {letters[0], letters[1], letters[2], '\0'};
     }
     /// The same; a null pointer is an empty text.
     constexpr explicit nxCurrency(const char* letters)
@@ -55,7 +54,14 @@ public:
     constexpr bool IsValid() const { return !IsNull(); }           ///< There is a currency.
     constexpr void SetNull() { *this = nxCurrency(); }             ///< Becomes null.
     /// @return the three letters, or an empty text for null. Refers into this object.
-    constexpr std::string_view GetLetters() const { return std::string_view(_letters, IsNull() ? 0 : Size); }
+    constexpr std::string_view GetLetters() const { return std::string_view(_letters.data(), IsNull() ? 0 : Size); }
+
+    /// @return a number of its own for each currency, in the order of the currencies; 0 for null.
+    constexpr std::uint32_t GetKey() const
+    {
+        const auto word = std::bit_cast<std::uint32_t>(_letters);
+        return std::endian::native == std::endian::little ? __builtin_bswap32(word) : word;
+    }
 
     /// @name What the list in force says
     /// @{
@@ -87,24 +93,17 @@ public:
     void AppendAsLogString(std::string& out) const;
 
     /// The same letters; null equals null.
-    friend constexpr bool operator==(nxCurrency left, nxCurrency right) { return left._GetWord() == right._GetWord(); }
+    friend constexpr bool operator==(nxCurrency left, nxCurrency right) { return left.GetKey() == right.GetKey(); }
     /// In the order of the alphabet; null comes first.
     friend constexpr std::strong_ordering operator<=>(nxCurrency left, nxCurrency right)
     {
-        return left._GetOrder() <=> right._GetOrder();
+        return left.GetKey() <=> right.GetKey();
     }
 
 private:
-    friend struct std::hash<nxCurrency>;
-
     static constexpr bool _IsLetter(char character) { return character >= 'A' && character <= 'Z'; }
-    constexpr std::uint32_t _GetWord() const { return std::bit_cast<std::uint32_t>(_letters); }
-    constexpr std::uint32_t _GetOrder() const
-    {
-        return std::endian::native == std::endian::little ? __builtin_bswap32(_GetWord()) : _GetWord();
-    }
 
-    char _letters[Size + 1] = {};
+    std::array<char, Size + 1> _letters = {};
 };
 
 static_assert(sizeof(nxCurrency) == 4);
@@ -120,7 +119,7 @@ struct std::hash<nxCurrency>
     std::size_t operator()(nxCurrency currency) const noexcept
     {
         // An odd factor spreads the letters over all bits and keeps different currencies different.
-        return static_cast<std::size_t>(currency._GetWord()) * 0x9E3779B97F4A7C15u;
+        return static_cast<std::size_t>(currency.GetKey()) * 0x9E3779B97F4A7C15u;
     }
 };
 

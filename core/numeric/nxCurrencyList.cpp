@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numeric/nxCurrencyList.h"
 
-#include <algorithm>
 #include <atomic>
+#include <utility>
 
 namespace
 {
-// The rows in the order of their letters, from the first that does not come before the currency.
-template <class Rows>
-auto FindRow(Rows& rows, nxCurrency currency)
-{
-    return std::lower_bound(rows.begin(), rows.end(), currency,
-                            [](const nxCurrencyList::Row& row, nxCurrency wanted) { return row.currency < wanted; });
-}
-
 nxCurrencyList MakeBuiltIn()
 {
     struct Listed
@@ -69,8 +61,8 @@ void nxCurrencyList::SetCurrent(const nxCurrencyList& list)
 
 const nxCurrencyList::Row* nxCurrencyList::Find(nxCurrency currency) const
 {
-    const auto row = FindRow(_rows, currency);
-    return row != _rows.end() && row->currency == currency ? &*row : nullptr;
+    const std::size_t place = _currencies.Find(currency.GetKey());
+    return place != nxKeyIndex::None ? &_rows[place] : nullptr;
 }
 
 nxErrorEnum nxCurrencyList::Set(const Row& row)
@@ -79,20 +71,29 @@ nxErrorEnum nxCurrencyList::Set(const Row& row)
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
     if (row.number > MaxNumber || (row.minorUnits > MaxMinorUnits && row.minorUnits != NoMinorUnits))
         return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-    const auto place = FindRow(_rows, row.currency);
-    if (place != _rows.end() && place->currency == row.currency)
-        *place = row;
-    else
-        _rows.insert(place, row);
+    if (const std::size_t place = _currencies.Find(row.currency.GetKey()); place != nxKeyIndex::None)
+    {
+        _rows[place] = row;
+        return nxErrorEnum();
+    }
+    Row added = row;
+    // Room first, so that a lack of memory changes neither.
+    if (_rows.size() == _rows.capacity())
+        _rows.reserve(2 * _rows.size() + 1);
+    _currencies.Append(row.currency.GetKey());
+    _rows.push_back(std::move(added));
     return nxErrorEnum();
 }
 
 nxErrorEnum nxCurrencyList::Remove(nxCurrency currency)
 {
-    const auto row = FindRow(_rows, currency);
-    if (row == _rows.end() || row->currency != currency)
+    if (Find(currency) == nullptr)
         return nxErrorEnum(NX_ERR_NOT_FOUND);
-    _rows.erase(row);
+    nxCurrencyList rest;
+    for (const Row& row : _rows)
+        if (row.currency != currency)
+            static_cast<void>(rest.Set(row));  // its rows have passed before
+    *this = std::move(rest);
     return nxErrorEnum();
 }
 

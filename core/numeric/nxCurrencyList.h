@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/enum/nxErrorEnum.h"
+#include "core/numeric/inline/nxKeyIndex.h"
 #include "core/numeric/nxCurrency.h"
 #include "core/nxExport.h"
 
@@ -54,7 +55,7 @@ public:
     static void SetCurrent(const nxCurrencyList& list);
 
     std::size_t GetSize() const { return _rows.size(); }       ///< How many currencies there are.
-    const std::vector<Row>& GetRows() const { return _rows; }  ///< In the order of the letters. Refers into the list.
+    const std::vector<Row>& GetRows() const { return _rows; }  ///< In the order in which they were added.
     /// @return the row of a currency, or nullptr. Refers into the list.
     const Row* Find(nxCurrency currency) const;
 
@@ -67,6 +68,7 @@ public:
     [[nodiscard]] nxErrorEnum Remove(nxCurrency currency);
 
 private:
+    nxKeyIndex _currencies;
     std::vector<Row> _rows;
 };
 

@@ -2,46 +2,33 @@
 #include "core/numeric/nxExchangeRateList.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
 // The same number for both orders of a pair.
 std::uint64_t GetPair(nxCurrency a, nxCurrency b)
 {
-    const auto number = [](nxCurrency currency)
-    {
-        std::uint64_t letters = 0;
-        for (const char letter : currency.GetLetters())
-            letters = letters << 8 | static_cast<unsigned char>(letter);
-        return letters;
-    };
-    const std::uint64_t first = number(a), second = number(b);
+    const std::uint64_t first = a.GetKey(), second = b.GetKey();
     return std::min(first, second) << 32 | std::max(first, second);
 }
 }  // namespace
-
-std::size_t nxExchangeRateList::_GetIndex(std::uint64_t pair) const
-{
-    return static_cast<std::size_t>(std::lower_bound(_pairs.begin(), _pairs.end(), pair) - _pairs.begin());
-}
 
 nxErrorEnum nxExchangeRateList::Set(const nxExchangeRate& rate)
 {
     if (rate.IsNull())
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
     const std::uint64_t pair = GetPair(rate.GetBase(), rate.GetQuote());
-    const std::size_t index = _GetIndex(pair);
-    if (index < _pairs.size() && _pairs[index] == pair)
+    if (const std::size_t place = _pairs.Find(pair); place != nxKeyIndex::None)
     {
-        _rates[index] = rate;
+        _rates[place] = rate;
         return nxErrorEnum();
     }
-    const auto offset = static_cast<std::ptrdiff_t>(index);
     // Room first, so that a lack of memory changes neither.
-    if (_pairs.size() == _pairs.capacity())
-        _pairs.reserve(2 * _pairs.size() + 1);
-    _rates.insert(_rates.begin() + offset, rate);
-    _pairs.insert(_pairs.begin() + offset, pair);
+    if (_rates.size() == _rates.capacity())
+        _rates.reserve(2 * _rates.size() + 1);
+    _pairs.Append(pair);
+    _rates.push_back(rate);
     return nxErrorEnum();
 }
 
@@ -49,20 +36,21 @@ nxErrorEnum nxExchangeRateList::Remove(nxCurrency base, nxCurrency quote)
 {
     if (base.IsNull() || quote.IsNull())
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
-    const std::uint64_t pair = GetPair(base, quote);
-    const std::size_t index = _GetIndex(pair);
-    if (index == _pairs.size() || _pairs[index] != pair)
+    const std::size_t place = _pairs.Find(GetPair(base, quote));
+    if (place == nxKeyIndex::None)
         return nxErrorEnum(NX_ERR_NOT_FOUND);
-    _pairs.erase(_pairs.begin() + static_cast<std::ptrdiff_t>(index));
-    _rates.erase(_rates.begin() + static_cast<std::ptrdiff_t>(index));
+    nxExchangeRateList rest;
+    for (std::size_t i = 0; i < _rates.size(); ++i)
+        if (i != place)
+            static_cast<void>(rest.Set(_rates[i]));  // none of them is null
+    *this = std::move(rest);
     return nxErrorEnum();
 }
 
 const nxExchangeRate* nxExchangeRateList::Find(nxCurrency a, nxCurrency b) const
 {
-    const std::uint64_t pair = GetPair(a, b);
-    const std::size_t index = _GetIndex(pair);
-    return index < _pairs.size() && _pairs[index] == pair ? &_rates[index] : nullptr;
+    const std::size_t place = _pairs.Find(GetPair(a, b));
+    return place != nxKeyIndex::None ? &_rates[place] : nullptr;
 }
 
 nxErrorEnum nxExchangeRateList::Find(nxCurrency a, nxCurrency b, nxExchangeRate& rate, bool& isInverse) const

@@ -3,10 +3,10 @@
 #define CORE_NUMERIC_NXEXCHANGERATELIST_H
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include "core/enum/nxErrorEnum.h"
+#include "core/numeric/inline/nxKeyIndex.h"
 #include "core/numeric/nxCurrency.h"
 #include "core/numeric/nxExchangeRate.h"
 #include "core/nxExport.h"
@@ -30,7 +30,7 @@ public:
     nxExchangeRateList() = default;  ///< Without rates.
 
     std::size_t GetSize() const { return _rates.size(); }  ///< How many rates there are.
-    /// @return all rates, sorted by the pair's currencies. Refers into the list.
+    /// @return all rates, in the order in which their pairs were added. Refers into the list.
     const std::vector<nxExchangeRate>& GetRates() const { return _rates; }
 
     /// Adds a rate. It replaces the pair's earlier rate, and likewise one with base and quote exchanged.
@@ -48,10 +48,7 @@ public:
     const nxExchangeRate* Find(nxCurrency a, nxCurrency b) const;
 
 private:
-    std::size_t _GetIndex(std::uint64_t pair) const;
-
-    // Side by side, in the order of the pairs.
-    std::vector<std::uint64_t> _pairs;
+    nxKeyIndex _pairs;
     std::vector<nxExchangeRate> _rates;
 };
 

@@ -2,7 +2,6 @@
 #include "core/numeric/nxMoney.h"
 
 #include <algorithm>
-#include <cstring>
 #include <ostream>
 
 #include "core/numeric/inline/nxWide.h"
@@ -86,24 +85,9 @@ int nxMoney::CompareExact(const nxMoney& other) const
     return order == 0 ? _amount.CompareExact(other._amount) : (order < 0 ? -1 : 1);
 }
 
-nxErrorEnum nxMoney::_CheckOperand(const nxMoney& other) const
+nxErrorEnum nxMoney::_GetMismatch(const nxMoney& other) const
 {
-    if (!IsValid() || !other.IsValid())
-        return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
-    return std::memcmp(_currency, other._currency, sizeof _currency) == 0 ? nxErrorEnum()
-                                                                          : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-}
-
-nxErrorEnum nxMoney::Add(const nxMoney& other)
-{
-    const nxErrorEnum error = _CheckOperand(other);
-    return error.IsOK() ? _amount.AddExact(other._amount) : error;
-}
-
-nxErrorEnum nxMoney::Subtract(const nxMoney& other)
-{
-    const nxErrorEnum error = _CheckOperand(other);
-    return error.IsOK() ? _amount.SubtractExact(other._amount) : error;
+    return nxErrorEnum(IsValid() && other.IsValid() ? NX_ERR_INVALID_PARAMETER : NX_ERR_OBJECT_IS_NULL);
 }
 
 nxErrorEnum nxMoney::Multiply(nxRatio factor, unsigned char places, const nxRoundingMethodEnum& method)
@@ -152,10 +136,10 @@ nxErrorEnum nxMoney::Allocate(std::span<const unsigned long long> weights, std::
 
 nxErrorEnum nxMoney::Compare(const nxMoney& other, int& order) const
 {
-    const nxErrorEnum error = _CheckOperand(other);
-    if (error.IsOK())
-        order = _amount.CompareExact(other._amount);
-    return error;
+    if (!_SharesCurrency(other) || !IsValid())
+        return _GetMismatch(other);
+    order = _amount.CompareExact(other._amount);
+    return nxErrorEnum();
 }
 
 void nxMoney::AppendAsString(std::string& out, char separator) const

@@ -2,6 +2,7 @@
 #ifndef CORE_NUMERIC_NXMONEY_H
 #define CORE_NUMERIC_NXMONEY_H
 
+#include <cstring>
 #include <iosfwd>
 #include <span>
 #include <string>
@@ -41,7 +42,13 @@ public:
     /// The same; a null pointer is an empty text.
     nxMoney(const nxDecimal& amount, const char* currency);
     /// The same; null when @p currency is null.
-    nxMoney(const nxDecimal& amount, nxCurrency currency) : nxMoney(amount, currency.GetLetters()) {}
+    nxMoney(const nxDecimal& amount, nxCurrency currency) : _amount(amount)
+    {
+        if (currency.IsNull() && amount.IsValid())
+            _amount.SetNull();
+        else if (amount.IsValid())
+            std::memcpy(_currency, &currency, sizeof _currency);  // the letters and a NUL
+    }
 
     bool IsNull() const { return _amount.IsNull(); }                 ///< There is no amount.
     bool IsNoChange() const { return _amount.IsNoChange(); }         ///< The receiver keeps its money.
@@ -91,8 +98,17 @@ public:
     /// - NX_ERR_VALUE_OUT_OF_RANGE when an amount needs more than 64 bits or more than nxDecimal::MaxExactPlaces decimals.
     /// The rounding methods are those of nxDecimal::Round().
     /// @{
-    [[nodiscard]] nxErrorEnum Add(const nxMoney& other);       ///< The sum, with the decimals of the finer amount.
-    [[nodiscard]] nxErrorEnum Subtract(const nxMoney& other);  ///< The difference, likewise.
+
+    /// Becomes the sum, with the decimals of the finer amount.
+    [[nodiscard]] nxErrorEnum Add(const nxMoney& other)
+    {
+        return _SharesCurrency(other) ? _amount.AddExact(other._amount) : _GetMismatch(other);
+    }
+    /// Becomes the difference, likewise.
+    [[nodiscard]] nxErrorEnum Subtract(const nxMoney& other)
+    {
+        return _SharesCurrency(other) ? _amount.SubtractExact(other._amount) : _GetMismatch(other);
+    }
     /// Becomes the product, rounded once to @p places decimals.
     [[nodiscard]] nxErrorEnum Multiply(nxRatio factor, unsigned char places, const nxRoundingMethodEnum& method);
     /// Rounds to the smallest amount that exists, with its decimals: 12.345 JPY to 12 JPY, 12.3 USD to 12.30 USD. For steps
@@ -135,8 +151,13 @@ private:
     using _AmountReader = nxErrorEnum (nxDecimal::*)(std::string_view, char);
     static bool _IsCurrency(std::string_view text);
     nxErrorEnum _SetFromString(std::string_view text, char separator, _AmountReader readAmount);
-    // Whether the other one is an operand of this one.
-    nxErrorEnum _CheckOperand(const nxMoney& other) const;
+    // Money that is not valid shares the currency of no other money that is.
+    bool _SharesCurrency(const nxMoney& other) const
+    {
+        return std::memcmp(_currency, other._currency, sizeof _currency) == 0;
+    }
+    // Of two that share no currency.
+    nxErrorEnum _GetMismatch(const nxMoney& other) const;
 
     static constexpr unsigned _currencySize = 3;
 

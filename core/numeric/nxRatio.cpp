@@ -122,15 +122,15 @@ nxErrorEnum nxRatio::_Combine(nxRatio other, bool isSubtraction)
     if (IsNull() || other.IsNull())
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
     // a/b + c/d over the least common denominator; what the sum has in common with it is in the common divisor of b and d.
-    const long long common = std::gcd(_denominator, other._denominator);
-    const nxWide left = nxWide{_numerator} * (other._denominator / common);
-    const nxWide right = nxWide{other._numerator} * (_denominator / common);
+    const auto below = static_cast<std::uint64_t>(_denominator),
+               otherBelow = static_cast<std::uint64_t>(other._denominator);
+    const std::uint64_t common = nxCommonDivisor::Get(below, otherBelow);
+    const nxWide left = nxWide{_numerator} * static_cast<long long>(otherBelow / common);
+    const nxWide right = nxWide{other._numerator} * static_cast<long long>(below / common);
     const nxWide sum = isSubtraction ? left - right : left + right;
     const nxUnsignedWide magnitude = GetMagnitudeOf(sum);
-    const auto divisor = std::gcd(static_cast<std::uint64_t>(magnitude % static_cast<std::uint64_t>(common)),
-                                  static_cast<std::uint64_t>(common));
-    const nxUnsignedWide denominator = nxUnsignedWide(static_cast<std::uint64_t>(_denominator / common)) *
-                                       (static_cast<std::uint64_t>(other._denominator) / divisor);
+    const std::uint64_t divisor = nxCommonDivisor::Get(static_cast<std::uint64_t>(magnitude % common), common);
+    const nxUnsignedWide denominator = nxUnsignedWide{below / common} * (otherBelow / divisor);
     return _SetReduced(sum < 0, magnitude / divisor, denominator) ? nxErrorEnum()
                                                                   : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
 }
@@ -143,12 +143,18 @@ nxErrorEnum nxRatio::Multiply(nxRatio other)
 {
     if (IsNull() || other.IsNull())
         return nxErrorEnum(NX_ERR_OBJECT_IS_NULL);
+    if (_numerator == 0 || other._numerator == 0)
+    {
+        *this = nxRatio(0, 1);
+        return nxErrorEnum();
+    }
     // Reduced across, the product is in lowest terms.
     const std::uint64_t aboveLeft = nxDecimalQuick::GetMagnitude(_numerator);
     const std::uint64_t aboveRight = nxDecimalQuick::GetMagnitude(other._numerator);
     const auto belowLeft = static_cast<std::uint64_t>(_denominator);
     const auto belowRight = static_cast<std::uint64_t>(other._denominator);
-    const std::uint64_t first = std::gcd(aboveLeft, belowRight), second = std::gcd(aboveRight, belowLeft);
+    std::uint64_t first, second;
+    nxCommonDivisor::GetTwo(aboveLeft, belowRight, aboveRight, belowLeft, first, second);
     const bool fits = _SetReduced((_numerator < 0) != (other._numerator < 0),
                                   nxUnsignedWide{aboveLeft / first} * (aboveRight / second),
                                   nxUnsignedWide{belowLeft / second} * (belowRight / first));

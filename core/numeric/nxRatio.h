@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
-#include <numeric>
 #include <string>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
+#include "core/numeric/inline/nxCommonDivisor.h"
 #include "core/numeric/inline/nxWide.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/nxExport.h"
@@ -124,7 +124,7 @@ constexpr bool nxRatio::_Set(long long numerator, long long denominator)
         return false;
     const std::uint64_t above = nxDecimalQuick::GetMagnitude(numerator);
     const std::uint64_t below = nxDecimalQuick::GetMagnitude(denominator);
-    const std::uint64_t divisor = std::gcd(above, below);
+    const std::uint64_t divisor = nxCommonDivisor::Get(above, below);
     return _SetReduced((numerator < 0) != (denominator < 0), above / divisor, below / divisor);
 }
 

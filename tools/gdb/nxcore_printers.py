@@ -221,7 +221,7 @@ class CurrencyPrinter:
         self._value = value
 
     def to_string(self):
-        return printable(self._value["_letters"].string(errors="backslashreplace")) or "NULL"
+        return printable(self._value["_letters"]["_M_elems"].string(errors="backslashreplace")) or "NULL"
 
 
 class RatioPrinter:

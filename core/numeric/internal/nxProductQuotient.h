@@ -30,10 +30,10 @@ public:
     /// Times 10^exponent. An exponent above 0 is at most 54.
     void Scale(int exponent) { _exponent += exponent; }
 
-    /// Gives the quotient as a mantissa with @p places places.
+    /// Gives the quotient as a mantissa with @p places places. To be asked once.
     /// @param method one of the four. @param isNegative the sign of the result, by which it is rounded.
     /// @return NX_ERR_VALUE_OUT_OF_RANGE when it does not fit; @p result is then unchanged.
-    nxErrorEnum GetRounded(bool isNegative, unsigned method, unsigned char places, nxDecimal& result) const;
+    nxErrorEnum GetRounded(bool isNegative, unsigned method, unsigned char places, nxDecimal& result);
 
 private:
     struct _Factors
