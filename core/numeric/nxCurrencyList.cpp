@@ -2,7 +2,11 @@
 #include "core/numeric/nxCurrencyList.h"
 
 #include <atomic>
+#include <string_view>
 #include <utility>
+
+#include "core/numeric/internal/nxListedRows.h"
+#include "core/text/nxStringHelper.h"
 
 namespace
 {
@@ -36,6 +40,31 @@ struct KeptCurrencies
 
 // Null while the library's own list is in force.
 constinit std::atomic<const KeptCurrencies*> currentCurrencies{nullptr};
+
+// An empty field leaves the value as it is.
+template <class Integer>
+nxErrorEnum ReadOptional(std::string_view field, Integer& value)
+{
+    return field.empty() ? nxErrorEnum() : nxStringHelper::SetFromStringExact(field, value);
+}
+
+nxErrorEnum ReadCurrency(nxListedRows& listed, nxCurrencyList::Row& row)
+{
+    row = {};
+    row.currency = nxCurrency(listed.GetField(0));
+    const nxErrorEnum error = ReadOptional(listed.GetField(1), row.number);
+    // 255 stands for none.
+    unsigned minorUnits = nxCurrencyList::NoMinorUnits;
+    const std::string_view field = listed.GetField(2);
+    const nxErrorEnum unitsError = ReadOptional(field, minorUnits);
+    if (row.currency.IsNull() || error == NX_ERR_INVALID_PARAMETER || unitsError == NX_ERR_INVALID_PARAMETER)
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    if (!error.IsOK() || !unitsError.IsOK() || (minorUnits > nxCurrencyList::MaxMinorUnits && !field.empty()))
+        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
+    row.minorUnits = static_cast<unsigned char>(minorUnits);
+    row.name = listed.GetField(3);
+    return nxErrorEnum();
+}
 }  // namespace
 
 const nxCurrencyList& nxCurrencyList::GetBuiltIn()
@@ -80,7 +109,7 @@ nxErrorEnum nxCurrencyList::Set(const Row& row)
     // Room first, so that a lack of memory changes neither.
     if (_rows.size() == _rows.capacity())
         _rows.reserve(2 * _rows.size() + 1);
-    _currencies.Append(row.currency.GetKey());
+    _currencies.Append(row.currency.GetKey(), _rows.size());
     _rows.push_back(std::move(added));
     return nxErrorEnum();
 }
@@ -95,6 +124,20 @@ nxErrorEnum nxCurrencyList::Remove(nxCurrency currency)
             static_cast<void>(rest.Set(row));  // its rows have passed before
     *this = std::move(rest);
     return nxErrorEnum();
+}
+
+nxErrorEnum nxCurrencyList::SetFromCSV(nxCSVParser& rows, unsigned long long& failedLine)
+{
+    constexpr std::size_t fewestFields = 3, mostFields = 4;
+    const auto readRow = [](nxListedRows& listed, nxCurrencyList& list)
+    {
+        Row row;
+        const nxErrorEnum error = ReadCurrency(listed, row);
+        if (!error.IsOK())
+            return error;
+        return list.Find(row.currency) == nullptr ? list.Set(row) : nxErrorEnum(NX_ERR_DUPLICATE_MATCH);
+    };
+    return nxListedRows::ReadAll(rows, fewestFields, mostFields, readRow, *this, failedLine);
 }
 
 // What nxCurrency says is known; a list is above its header.

@@ -67,6 +67,15 @@ public:
     /// @return NX_ERR_NOT_FOUND when the list does not have it.
     [[nodiscard]] nxErrorEnum Remove(nxCurrency currency);
 
+    /// Replaces all rows by those of "letters,number,minor units,name", such as `USD,840,2,US Dollar`. The number may be
+    /// empty, and so may the minor units of a currency without any; the name may be missing. Empty lines and comments are
+    /// skipped, and so is the first row when the dialect has a header. The fields are in this order whatever the header says.
+    /// @param failedLine receives the line of the row that is at fault, from 1, and 0 after a success.
+    /// @return the parser's error; NX_ERR_INSUFFICIENT_DATA for a row of less than three fields; NX_ERR_INVALID_PARAMETER for
+    ///         one of more than four, and for a field of another form; NX_ERR_DUPLICATE_MATCH for a currency that is there
+    ///         twice; else the error of Set().
+    [[nodiscard]] nxErrorEnum SetFromCSV(nxCSVParser& rows, unsigned long long& failedLine);
+
 private:
     nxKeyIndex _currencies;
     std::vector<Row> _rows;

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/numeric/internal/nxListedRows.h"
+#include "core/text/nxStringHelper.h"
+
 namespace
 {
 // The same number for both orders of a pair.
@@ -11,6 +14,23 @@ std::uint64_t GetPair(nxCurrency a, nxCurrency b)
 {
     const std::uint64_t first = a.GetKey(), second = b.GetKey();
     return std::min(first, second) << 32 | std::max(first, second);
+}
+
+nxErrorEnum ReadRate(nxListedRows& row, const nxTimeStamp& at, nxExchangeRate& rate)
+{
+    nxDecimal bid, ask;
+    nxErrorEnum error = bid.SetFromStringExact(row.GetField(2), row.GetDecimalSeparator());
+    if (error.IsOK())
+        error = ask.SetFromStringExact(row.GetField(3), row.GetDecimalSeparator());
+    unsigned units = 1;
+    const std::string_view unitText = row.GetField(4);
+    if (error.IsOK() && !unitText.empty())
+        error = nxStringHelper::SetFromStringExact(unitText, units);
+    const nxCurrency base(row.GetField(0));
+    const nxCurrency quote(row.GetField(1));
+    if (base.IsNull() || quote.IsNull())
+        return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+    return error.IsOK() ? rate.Set(base, quote, bid, ask, at, units) : error;
 }
 }  // namespace
 
@@ -27,7 +47,7 @@ nxErrorEnum nxExchangeRateList::Set(const nxExchangeRate& rate)
     // Room first, so that a lack of memory changes neither.
     if (_rates.size() == _rates.capacity())
         _rates.reserve(2 * _rates.size() + 1);
-    _pairs.Append(pair);
+    _pairs.Append(pair, _rates.size());
     _rates.push_back(rate);
     return nxErrorEnum();
 }
@@ -63,4 +83,19 @@ nxErrorEnum nxExchangeRateList::Find(nxCurrency a, nxCurrency b, nxExchangeRate&
     isInverse = found->GetBase() == b;
     rate = *found;
     return nxErrorEnum();
+}
+
+nxErrorEnum nxExchangeRateList::SetFromCSV(nxCSVParser& rows, const nxTimeStamp& at, unsigned long long& failedLine)
+{
+    constexpr std::size_t fewestFields = 4, mostFields = 5;
+    const auto readRow = [&at](nxListedRows& listed, nxExchangeRateList& list)
+    {
+        nxExchangeRate rate;
+        const nxErrorEnum error = ReadRate(listed, at, rate);
+        if (!error.IsOK())
+            return error;
+        const bool isNew = list.Find(rate.GetBase(), rate.GetQuote()) == nullptr;
+        return isNew ? list.Set(rate) : nxErrorEnum(NX_ERR_DUPLICATE_MATCH);
+    };
+    return nxListedRows::ReadAll(rows, fewestFields, mostFields, readRow, *this, failedLine);
 }

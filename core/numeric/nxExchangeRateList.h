@@ -10,6 +10,9 @@
 #include "core/numeric/nxCurrency.h"
 #include "core/numeric/nxExchangeRate.h"
 #include "core/nxExport.h"
+#include "core/time/nxTimeStamp.h"
+
+class nxCSVParser;
 
 /// Exchange rates, one for each pair of currencies, whichever of the two is the base.
 ///
@@ -46,6 +49,16 @@ public:
     [[nodiscard]] nxErrorEnum Find(nxCurrency a, nxCurrency b, nxExchangeRate& rate, bool& isInverse) const;
     /// @return the rate of a pair, whichever of the two is its base, or nullptr. Refers into the list.
     const nxExchangeRate* Find(nxCurrency a, nxCurrency b) const;
+
+    /// Replaces all rates by those of rows "base,quote,bid,ask" or "base,quote,bid,ask,units"; without units, or with an empty
+    /// field, a rate is for one. Numbers have the dialect's decimal separator. Empty lines and comments are skipped, and so is
+    /// the first row when the dialect has a header. The fields are in this order whatever the header says.
+    /// @param at when the rates were given.
+    /// @param failedLine receives the line of the row that is at fault, from 1, and 0 after a success.
+    /// @return the parser's error; NX_ERR_INSUFFICIENT_DATA for a row of less than four fields; NX_ERR_INVALID_PARAMETER for
+    ///         one of more than five, and for a field of another form; NX_ERR_DUPLICATE_MATCH when two rows have the same
+    ///         pair, in whichever order; else the error of nxExchangeRate::Set().
+    [[nodiscard]] nxErrorEnum SetFromCSV(nxCSVParser& rows, const nxTimeStamp& at, unsigned long long& failedLine);
 
 private:
     nxKeyIndex _pairs;

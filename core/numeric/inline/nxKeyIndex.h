@@ -16,11 +16,10 @@ class nxKeyIndex
 public:
     static constexpr std::size_t None = SIZE_MAX;  ///< The place of a key that is not there.
 
-    std::size_t GetSize() const { return _size; }  ///< How many keys there are.
     /// @return the place of the key, from 0, or None.
     std::size_t Find(std::uint64_t key) const
     {
-        if (_size == 0)
+        if (_slots.empty())
             return None;
         for (std::size_t at = _GetFirst(key);; at = (at + 1) & (_slots.size() - 1))
         {
@@ -29,12 +28,13 @@ public:
                 return slot.place;
         }
     }
-    /// Adds a key at the end of the list. @pre Find(key) == None
-    void Append(std::uint64_t key)
+    /// Adds a key at the end of the list.
+    /// @param place the number of keys before. @pre Find(key) == None
+    void Append(std::uint64_t key, std::size_t place)
     {
-        if (2 * (_size + 1) > _slots.size())
+        if (2 * (place + 1) > _slots.size())
             _Grow();
-        _Put(key, _size++);
+        _Put(key, place);
     }
 
 private:
@@ -68,7 +68,6 @@ private:
     }
 
     std::vector<_Slot> _slots;  // a power of two of them, at most half of them in use
-    std::size_t _size = 0;
 };
 
 #endif
