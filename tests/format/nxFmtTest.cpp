@@ -60,6 +60,7 @@ TEST(nxFmt, ValuesPrintAsInTheLog)
     EXPECT_EQ(fmt::format("{}", nxTimeStamp(0, 5'000)).substr(17), "000.005");
     EXPECT_EQ(fmt::format("{}{:>6}", nxDate(), nxDateTimeSpan(1, 0)), "NULL   P1D");
     EXPECT_EQ(fmt::format("{}", nxMoney()), nxMoney().GetAsLogString('.'));
+    EXPECT_EQ(fmt::format("{} {:>4} {}", nxCurrency("USD"), nxRatio(1, 2), nxExchangeRate()), "USD  1/2 NULL");
 }
 
 #ifdef __cpp_lib_format

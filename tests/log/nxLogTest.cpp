@@ -9,6 +9,7 @@
 #include "core/enum/nxProductStateBitMask.h"
 #include "core/log/nxLogLine.h"
 #include "core/numeric/nxDecimal.h"
+#include "core/numeric/nxExchangeRate.h"
 #include "core/numeric/nxMoney.h"
 #include "core/text/nxStringValue.h"
 #include "core/thread/nxThreadIndex.h"
@@ -91,6 +92,7 @@ TEST(nxLog, EveryValueBecomesItsText)
         {TextOf(nxDateTimeSpan(1, 0)) + TextOf(nxDateTimeSpan()), "P1DNULL"},
         {TextOf(moment), moment.GetAsLogString()},
         {TextOf(nxMoney()), nxMoney().GetAsLogString('.')},
+        {TextOf(nxCurrency("USD")) + TextOf(nxRatio(2, -4)) + TextOf(nxExchangeRate()), "USD-1/2NULL"},
         {TextOf(stamp), stampText},
         {TextOf(nxStringValue("account")) + TextOf(nxStringValue::GetNullInstance()) + TextOf(nxDate()),
          "accountNULLNULL"},

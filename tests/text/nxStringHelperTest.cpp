@@ -328,6 +328,8 @@ TEST(nxStringHelper, ReadingLeavesTheTargetAloneWhenItFails)
     };
     check(nxDecimal(7, 0), "1,x", "1,25", nxDecimal("1.25", '.'), ',');
     check(nxMoney(nxDecimal(7, 0), "USD"), "1.25", "1.25 EUR", nxMoney(nxDecimal("1.25", '.'), "EUR"), '.');
+    check(nxCurrency("USD"), "eur", "EUR", nxCurrency("EUR"));
+    check(nxRatio(7, 5), "1/0", "-2/4", nxRatio(-1, 2));
     check(nxDate(2024, 2, 29), "20230229", "20230228", nxDate(2023, 2, 28));
     check(nxTime(1, 2, 3), "24:00:00", "23:59:59", nxTime(23, 59, 59));
     check(nxDateTimeSpan(1, 0), "P1M", "PT60M", nxDateTimeSpan(0, 3'600'000'000'000));
