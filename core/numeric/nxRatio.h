@@ -62,7 +62,16 @@ public:
     [[nodiscard]] nxErrorEnum Multiply(nxRatio other);  ///< Becomes the product.
     [[nodiscard]] nxErrorEnum Divide(nxRatio other);    ///< Becomes the quotient.
     /// @return 2/3 for 3/2; null for 0 and for null.
-    constexpr nxRatio GetInverse() const;
+    constexpr nxRatio GetInverse() const
+    {
+        nxRatio inverse;
+        if (_numerator != 0)
+        {
+            inverse._numerator = _numerator < 0 ? -_denominator : _denominator;
+            inverse._denominator = _numerator < 0 ? -_numerator : _numerator;
+        }
+        return inverse;
+    }
     /// Gives @p value times this ratio, rounded once to @p places decimals, 18 at most. The four methods are those of
     /// nxDecimal::Round().
     /// @return also NX_ERR_OBJECT_IS_NULL when @p value is not valid, and NX_ERR_INVALID_PARAMETER for an undefined method.
@@ -98,8 +107,25 @@ public:
 
 private:
     // From a quotient in lowest terms; false when it does not fit.
-    constexpr bool _SetReduced(bool isNegative, nxUnsignedWide numerator, nxUnsignedWide denominator);
-    constexpr bool _Set(long long numerator, long long denominator);
+    constexpr bool _SetReduced(bool isNegative, nxUnsignedWide numerator, nxUnsignedWide denominator)
+    {
+        constexpr nxUnsignedWide largest = INT64_MAX;
+        if (numerator > largest || denominator > largest)
+            return false;
+        _numerator = isNegative ? -static_cast<long long>(numerator) : static_cast<long long>(numerator);
+        _denominator = static_cast<long long>(denominator);
+        return true;
+    }
+    // False when it does not fit, and for a denominator of 0.
+    constexpr bool _Set(long long numerator, long long denominator)
+    {
+        if (denominator == 0)
+            return false;
+        const std::uint64_t above = nxDecimalQuick::GetMagnitude(numerator);
+        const std::uint64_t below = nxDecimalQuick::GetMagnitude(denominator);
+        const std::uint64_t divisor = nxCommonDivisor::Get(above, below);
+        return _SetReduced((numerator < 0) != (denominator < 0), above / divisor, below / divisor);
+    }
     nxErrorEnum _Combine(nxRatio other, bool isSubtraction);
 
     long long _numerator = 0;
@@ -107,37 +133,6 @@ private:
 };
 
 static_assert(sizeof(nxRatio) == 16);
-
-constexpr bool nxRatio::_SetReduced(bool isNegative, nxUnsignedWide numerator, nxUnsignedWide denominator)
-{
-    constexpr nxUnsignedWide largest = INT64_MAX;
-    if (numerator > largest || denominator > largest)
-        return false;
-    _numerator = isNegative ? -static_cast<long long>(numerator) : static_cast<long long>(numerator);
-    _denominator = static_cast<long long>(denominator);
-    return true;
-}
-
-constexpr bool nxRatio::_Set(long long numerator, long long denominator)
-{
-    if (denominator == 0)
-        return false;
-    const std::uint64_t above = nxDecimalQuick::GetMagnitude(numerator);
-    const std::uint64_t below = nxDecimalQuick::GetMagnitude(denominator);
-    const std::uint64_t divisor = nxCommonDivisor::Get(above, below);
-    return _SetReduced((numerator < 0) != (denominator < 0), above / divisor, below / divisor);
-}
-
-constexpr nxRatio nxRatio::GetInverse() const
-{
-    nxRatio inverse;
-    if (_numerator != 0)
-    {
-        inverse._numerator = _numerator < 0 ? -_denominator : _denominator;
-        inverse._denominator = _numerator < 0 ? -_numerator : _numerator;
-    }
-    return inverse;
-}
 
 /// Writes the log form.
 NX_CORE_API std::ostream& operator<<(std::ostream& stream, nxRatio ratio);
