@@ -65,7 +65,7 @@ int main()
     const nxEnum& enumBase = error;
     Look(price, cents, nothing, same, error, truth, state, none, stamp, volume, noVolume, ratio, noRatio, date, noDate,
          time, noTime, dateTime, timeAlone, never, span, day, noTimeAtAll, noSpan, fee, noFee, yen, noCurrency, hedge,
-         whole, noRatioOfTwo, rate, noRate, text, noText, strange, wordy, unmadePrice, unmadeTime, byReference, maskBase,
-         enumBase, shortText, longText, undescribed);
+         whole, noRatioOfTwo, rate, noRate, text, noText, strange, wordy, unmadePrice, unmadeTime, byReference,
+         maskBase, enumBase, shortText, longText, undescribed);
     return 0;
 }
