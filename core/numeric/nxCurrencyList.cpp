@@ -39,6 +39,8 @@ struct KeptCurrencies
 };
 
 // Null while the library's own list is in force.
+// SetCurrent() publishes a list (release), and GetCurrent() loads it (acquire). Relaxed where SetCurrent() reads what was there
+// before, because it only keeps the address.
 constinit std::atomic<const KeptCurrencies*> currentCurrencies{nullptr};
 
 // An empty field leaves the value as it is.

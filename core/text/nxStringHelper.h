@@ -12,20 +12,8 @@
 #include "core/nxExport.h"
 #include "core/text/inline/nxDigits.h"
 #include "core/text/inline/nxIntegerText.h"
+#include "core/text/inline/nxTextTargets.h"
 #include "core/text/inline/nxTextTraits.h"
-
-class nxCaseSensitivityEnum;
-class nxCurrency;
-class nxDate;
-class nxDateTime;
-class nxDateTimeSpan;
-class nxDecimal;
-class nxDoubleValueWrapper;
-class nxMoney;
-class nxRatio;
-class nxTime;
-template <std::integral T, T NullMark, T NoChangeMark>
-class nxValueWrapper;
 
 /// Converts between text and the library's value types, and edits strings in place: the library's one set of rules for
 /// numeric text, used for configuration, command lines, files and log lines alike.
