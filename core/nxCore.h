@@ -160,6 +160,7 @@
 #include "core/thread/nxThreadSpecificMemoryBuffer.h"
 #include "core/thread/nxWindowsMutex.h"
 #include "core/thread/nxWindowsSemaphore.h"
+#include "core/time/nxBusinessCalendar.h"
 #include "core/time/nxCalendar.h"
 #include "core/time/nxDate.h"
 #include "core/time/nxDateTime.h"
@@ -167,5 +168,7 @@
 #include "core/time/nxElapsedTimeCounter.h"
 #include "core/time/nxTime.h"
 #include "core/time/nxTimeStamp.h"
+#include "core/time/nxTradingSession.h"
+#include "core/time/nxZone.h"
 
 #endif

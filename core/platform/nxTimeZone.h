@@ -52,14 +52,18 @@ public:
 
     /// The span that @p second lies in.
     /// @pre FirstSecond <= second < EndSecond
-    nxTimeZoneSpan Find(std::int64_t second) const
+    nxTimeZoneSpan Find(std::int64_t second) const { return GetSpan(FindNumber(second)); }
+
+    /// The number of the span that @p second lies in, see GetSpan().
+    /// @pre FirstSecond <= second < EndSecond
+    std::size_t FindNumber(std::int64_t second) const
     {
         std::size_t i = _buckets[static_cast<std::size_t>((second - _firstBucketSecond) >> _bucketShift)];
         // Few buckets hold two changes, so the second comparison is nearly always false.
         i += second >= _begins[i + 1];
         while (second >= _begins[i + 1])
             ++i;
-        return GetSpan(i);
+        return i;
     }
 
     /// Spans are numbered from 0 in order of time; the first begins at FirstSecond, the last ends at EndSecond.
