@@ -118,6 +118,7 @@ private:
     {
         std::swap(_first, other._first);
         std::swap(_last, other._last);
+        std::swap(_wordsPerDay, other._wordsPerDay);
         _words.swap(other._words);
         _counts.swap(other._counts);
     }
@@ -126,6 +127,8 @@ private:
     {
         for (; word + 1 < _words.size(); ++word)
             _counts[word + 1] = _counts[word] + std::popcount(_words[word]);
+        const std::uint64_t words = _words.size() - 1;
+        _wordsPerDay = _counts.back() == 0 ? 0 : (words << 32) / static_cast<std::uint64_t>(_counts.back());
     }
 
     // Finds the day of the table with a number, from 1 on. @return false when there is none.
@@ -135,8 +138,7 @@ private:
             return false;
         const int before = static_cast<int>(number - 1);
         // The days are spread evenly, so the place that this would give is nearly right.
-        std::size_t word =
-            static_cast<std::size_t>(before * static_cast<long long>(_words.size() - 1) / _counts.back());
+        auto word = static_cast<std::size_t>(static_cast<std::uint64_t>(before) * _wordsPerDay >> 32);
         while (_counts[word] > before)
             --word;
         while (_counts[word + 1] <= before)
@@ -169,7 +171,8 @@ private:
     int _last = -1;
     // A bit for each day; one word more than the days need, so that the day after the last has a word as well.
     std::vector<std::uint64_t> _words;
-    std::vector<int> _counts;  // of the days before each word
+    std::vector<int> _counts;        // of the days before each word
+    std::uint64_t _wordsPerDay = 0;  // the average number of words for a day of the table, times 2^32
 };
 
 #endif
