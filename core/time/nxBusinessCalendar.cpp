@@ -3,6 +3,11 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/text/nxCSVParser.h"
 
 namespace
 {
@@ -44,6 +49,47 @@ bool FindNearestBusinessDay(const nxDayTable& days, int day, int& found)
     found = isNextNearer ? next : previous;
     return isNextNearer ? hasNext : hasPrevious;
 }
+
+bool ReadHoliday(const nxCSVRow& row, nxDate& date)
+{
+    std::string scratch;
+    std::string_view field;
+    if (!row.GetField(0, scratch, field).IsOK())
+        return false;
+    const std::string text(field);
+    return date.SetFromString(text).IsOK() || date.SetFromISOString(text).IsOK();
+}
+
+// Gives the holidays of a list in order, each once.
+nxErrorEnum ReadHolidays(nxCSVParser& rows, std::vector<int>& holidays, unsigned long long& failedLine)
+{
+    bool isHeader = rows.GetDialect().hasHeader;
+    nxCSVRow row;
+    for (bool hasRow = true; hasRow;)
+    {
+        const nxErrorEnum error = rows.Next(row, hasRow);
+        if (!error.IsOK())
+        {
+            failedLine = rows.GetErrorLine();
+            return error;
+        }
+        if (!hasRow || !row.HasFields())
+            continue;
+        nxDate date;
+        if (ReadHoliday(row, date) == isHeader)
+        {
+            failedLine = row.line;
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        }
+        if (!isHeader)
+            holidays.push_back(date.GetDayNumber());
+        isHeader = false;
+    }
+    std::sort(holidays.begin(), holidays.end());
+    holidays.erase(std::unique(holidays.begin(), holidays.end()), holidays.end());
+    failedLine = 0;
+    return nxErrorEnum();
+}
 }  // namespace
 
 nxErrorEnum nxBusinessCalendar::SetWeekend(unsigned days)
@@ -67,6 +113,19 @@ nxErrorEnum nxBusinessCalendar::AddHoliday(nxDate date)
         _holidays.insert(place, day);
     _days.Remove(day);
     return nxErrorEnum();
+}
+
+nxErrorEnum nxBusinessCalendar::SetFromCSV(nxCSVParser& rows, unsigned long long& failedLine)
+{
+    nxBusinessCalendar changed;
+    nxErrorEnum error = ReadHolidays(rows, changed._holidays, failedLine);
+    if (!error.IsOK())
+        return error;
+    changed._weekend = _weekend;
+    if (!_days.IsEmpty())
+        changed._days = changed._MakeDays(_days.GetFirst(), _days.GetLast(), _weekend);
+    *this = std::move(changed);
+    return error;
 }
 
 nxErrorEnum nxBusinessCalendar::SetRange(nxDate first, nxDate last)

@@ -9,6 +9,8 @@
 #include "core/time/inline/nxDayTable.h"
 #include "core/time/nxDate.h"
 
+class nxCSVParser;
+
 /// The business days of a market: all days but its weekends and holidays, from a first day to a last.
 ///
 /// - Range: the days for which the list of holidays is complete, see SetRange(). An answer that needs a day outside it is
@@ -58,6 +60,19 @@ public:
     /// Adds a holiday. One that is a holiday already, or at a weekend, changes nothing. One outside the range is kept, and
     /// counts when the range reaches it.
     [[nodiscard]] nxErrorEnum AddHoliday(nxDate date);
+    /// Replaces all holidays by those of a list: one in the first field of each row, as "2024-03-29" or "20240329". Further
+    /// fields, such as a name, are not read. Empty lines and comments are skipped, and so is the first row when the dialect
+    /// has a header. Weekend and range stay as they are.
+    /// @param failedLine receives the line of the row that is at fault, from 1, and 0 after a success.
+    /// @return the parser's error; NX_ERR_INVALID_PARAMETER when a field is not a date, and when the header is one: a list
+    ///         without a header would lose its first holiday.
+    [[nodiscard]] nxErrorEnum SetFromCSV(nxCSVParser& rows, unsigned long long& failedLine);
+    /// The same.
+    [[nodiscard]] nxErrorEnum SetFromCSV(nxCSVParser& rows)
+    {
+        unsigned long long failedLine = 0;
+        return SetFromCSV(rows, failedLine);
+    }
     /// States from which day to which day, both included, all holidays are known. Holidays may be added before and after.
     /// @return NX_ERR_INVALID_PARAMETER when @p last is before @p first.
     [[nodiscard]] nxErrorEnum SetRange(nxDate first, nxDate last);

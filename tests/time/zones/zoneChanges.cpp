@@ -2,7 +2,6 @@
 // Prints each change of the zones that it is given, with its new offset, and the moments of the local times around it.
 
 #include <iostream>
-#include <string>
 
 #include "core/time/nxZone.h"
 
@@ -15,11 +14,11 @@ long long Offset(const nxZone& zone, long long second)
     return (zone.GetLocal(nxTimeStamp(second, 0)) - epoch).GetTotalSeconds() - second;
 }
 
-std::string Moment(const nxZone& zone, long long local, bool later)
+long long Moment(const nxZone& zone, long long local, bool later)
 {
-    nxTimeStamp moment;
+    nxTimeStamp moment(0, 0);
     const nxDateTime at = epoch.GetWithSpanAdded(nxDateTimeSpan::GetFromSeconds(local));
-    return zone.GetMoment(at, moment, later).IsOK() ? std::to_string(moment.GetSeconds()) : "-";
+    return zone.GetMoment(at, moment, later).IsOK() ? moment.GetSeconds() : 0;
 }
 
 void PrintChange(const nxZone& zone, long long second)
