@@ -22,10 +22,10 @@ class nxCSVParser;
 /// - Ownership: a value that is copied with its holidays. The range takes two bits a day.
 /// @code
 /// nxBusinessCalendar calendar;
-/// calendar.SetRange(nxDate(2024, 1, 1), nxDate(2024, 12, 31));
-/// calendar.AddHoliday(nxDate(2024, 3, 29));
 /// nxDate settlement;
-/// if (calendar.AddBusinessDays(nxDate(2024, 3, 27), 2, settlement).IsOK())
+/// if (calendar.SetRange(nxDate(2024, 1, 1), nxDate(2024, 12, 31)).IsOK() &&
+///     calendar.AddHoliday(nxDate(2024, 3, 29)).IsOK() &&
+///     calendar.AddBusinessDays(nxDate(2024, 3, 27), 2, settlement).IsOK())
 ///     settlement.GetAsISOString();  // "2024-04-01"
 /// @endcode
 class NX_CORE_API nxBusinessCalendar
@@ -45,13 +45,13 @@ public:
     /// @name Days of the week
     /// Bits for SetWeekend().
     /// @{
-    static constexpr unsigned Monday = 1;
-    static constexpr unsigned Tuesday = 2;
-    static constexpr unsigned Wednesday = 4;
-    static constexpr unsigned Thursday = 8;
-    static constexpr unsigned Friday = 16;
-    static constexpr unsigned Saturday = 32;
-    static constexpr unsigned Sunday = 64;
+    static constexpr unsigned Monday = 1;     ///< Every Monday.
+    static constexpr unsigned Tuesday = 2;    ///< Every Tuesday.
+    static constexpr unsigned Wednesday = 4;  ///< Every Wednesday.
+    static constexpr unsigned Thursday = 8;   ///< Every Thursday.
+    static constexpr unsigned Friday = 16;    ///< Every Friday.
+    static constexpr unsigned Saturday = 32;  ///< Every Saturday.
+    static constexpr unsigned Sunday = 64;    ///< Every Sunday.
     /// @}
 
     /// @param days such as Friday | Saturday; 0 for a market that is open at weekends.

@@ -55,8 +55,8 @@ public:
     [[nodiscard]] nxErrorEnum GetMoment(const nxDateTime& local, nxTimeStamp& moment, bool later = false) const;
 
 private:
-    nxZone(const std::string& name, std::unique_ptr<const nxTimeZone> table);
-    ~nxZone();
+    [[gnu::visibility("hidden")]] nxZone(const std::string& name, std::unique_ptr<const nxTimeZone> table);
+    [[gnu::visibility("hidden")]] ~nxZone();
 
     [[gnu::visibility("hidden")]] static const nxZone* _FindKept(const std::string& name);
     [[gnu::visibility("hidden")]] static const nxZone* _Keep(const std::string& name,
