@@ -77,7 +77,7 @@ public:
     /// @param hasBlock receives false at the end of the text, which is a success, and after an error.
     [[nodiscard]] nxErrorEnum NextBlock(nxCSVBlock& block, bool& hasBlock);
 
-    const nxCSVDialect& GetDialect() const;
+    const nxCSVDialect& GetDialect() const;  ///< @return the dialect that the parser was made with.
     /// @return the line on which the row begins that cannot be read, from 1; 0 without an error.
     unsigned long long GetErrorLine() const;
     /// @return what is wrong, without the line; empty without an error.
