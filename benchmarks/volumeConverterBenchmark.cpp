@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// Volumes, read and written, beside the same digits as a plain integer (the limit: no library converts such volumes).
+// Volumes, read and written, beside plain integers of the same digits by the standard library.
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <charconv>
 #include <cstdlib>
 #include <random>
 #include <string>
+#include <system_error>
 
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/price/nxAbbreviatedVolumeConverter.h"
 #include "core/price/nxLotVolumeConverter.h"
 #include "core/price/nxScaledVolumeConverter.h"
-#include "core/text/inline/nxDigits.h"
-#include "core/text/nxStringHelper.h"
 
 namespace
 {
@@ -70,7 +70,13 @@ void ReadInteger(benchmark::State& state, const nxVolumeConverter& converter)
                 character = character >= '0' && character <= '9' ? character : '1';
             return text;
         },
-        [](const std::string& text, Units& units) { return units.SetFromStringExact(text); });
+        [](const std::string& text, Units& units)
+        {
+            unsigned long long number = 0;
+            const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+            units = number;
+            return error == std::errc() && *end == '\0' ? nxErrorEnum() : nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        });
 }
 
 template <class WriteText>
@@ -97,17 +103,19 @@ void WriteInteger(benchmark::State& state, const nxVolumeConverter&)
     RunWrite(state,
              [](char* buffer, const Units& units)
              {
-                 char* const end = nxDigits::Write(buffer, static_cast<unsigned long long>(units));
+                 char* const end = std::to_chars(buffer, buffer + nxVolumeConverter::MaxTextSize,
+                                                 static_cast<unsigned long long>(units))
+                                       .ptr;
                  *end = '\0';
                  return static_cast<std::size_t>(end - buffer);
              });
 }
 
-#define NX_VOLUMES(name, converter)                                                               \
-    BENCHMARK_CAPTURE(Read, name, converter)->Name("volume_read_" #name "/ours");                 \
-    BENCHMARK_CAPTURE(ReadInteger, name, converter)->Name("volume_read_" #name "/limit_integer"); \
-    BENCHMARK_CAPTURE(Write, name, converter)->Name("volume_write_" #name "/ours");               \
-    BENCHMARK_CAPTURE(WriteInteger, name, converter)->Name("volume_write_" #name "/limit_integer")
+#define NX_VOLUMES(name, converter)                                                          \
+    BENCHMARK_CAPTURE(Read, name, converter)->Name("volume_read_" #name "/ours");            \
+    BENCHMARK_CAPTURE(ReadInteger, name, converter)->Name("volume_read_" #name "/peer_std"); \
+    BENCHMARK_CAPTURE(Write, name, converter)->Name("volume_write_" #name "/ours");          \
+    BENCHMARK_CAPTURE(WriteInteger, name, converter)->Name("volume_write_" #name "/peer_std")
 
 NX_VOLUMES(units, plain);
 NX_VOLUMES(lots, lots);

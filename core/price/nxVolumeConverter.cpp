@@ -4,8 +4,44 @@
 #include <cstdint>
 
 #include "core/numeric/inline/nxDecimalQuick.h"
+#include "core/numeric/internal/nxDecimalText.h"
+#include "core/numeric/internal/nxPriceText.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/price/internal/nxVolumeNumber.h"
+#include "core/text/inline/nxDigits.h"
+
+namespace
+{
+constexpr std::size_t longestQuickInteger = 19;  // every number of this many digits fits 64 bits
+
+// Reads the usual texts; false leaves all others to the general way.
+bool ReadUsualVolume(std::string_view text, char separator, std::uint64_t& digits, std::size_t& places)
+{
+    if (text.size() <= longestQuickInteger && nxDigits::Parse(text.data(), text.data() + text.size(), digits))
+        return true;
+    return nxPriceText::Parse(text.data(), text.size(), separator, digits, places);
+}
+}  // namespace
+
+// Counts the units of a quantity when 64 bits do; false leaves every other case, and all errors, to _Count().
+inline bool nxVolumeConverter::_CountUsual(std::uint64_t digits, std::size_t places, Units& units) const
+{
+    std::uint64_t count = digits;
+    if (places != _places &&
+        (places > _places || __builtin_mul_overflow(digits, nxPowersOfTen::GetInteger(_places - places), &count)))
+        return false;
+    if (_lotSize != 1)
+    {
+        const std::uint64_t lots = count / _lotSize;
+        if (lots * _lotSize != count)
+            return false;
+        count = lots;
+    }
+    if (count > _maximum || (count < _minimum && count != 0))
+        return false;
+    units = static_cast<unsigned long long>(count);
+    return true;
+}
 
 nxVolumeConverter::~nxVolumeConverter() = default;
 
@@ -34,9 +70,14 @@ nxErrorEnum nxVolumeConverter::GetAsUnits(const nxDecimal& quantity, Units& unit
     if (!IsValid())
         return nxErrorEnum(NX_ERR_NOT_INITIALISED);
     if (quantity.IsValid())
+    {
+        if (!quantity.IsNegative() &&
+            _CountUsual(static_cast<std::uint64_t>(quantity.GetValue()), quantity.GetDecimalPlaces(), units)) [[likely]]
+            return nxErrorEnum();
         return _Count(
             {nxDecimalQuick::GetMagnitude(quantity.GetValue()), quantity.GetDecimalPlaces(), quantity.IsNegative()},
             units);
+    }
     units = quantity.IsNull() ? Units::GetNullInstance() : Units::GetNoChangeInstance();
     return nxErrorEnum();
 }
@@ -45,6 +86,10 @@ nxErrorEnum nxVolumeConverter::SetFromStringView(std::string_view text, Units& u
 {
     if (!IsValid())
         return nxErrorEnum(NX_ERR_NOT_INITIALISED);
+    std::uint64_t digits = 0;
+    std::size_t places = 0;
+    if (ReadUsualVolume(text, separator, digits, places) && _CountUsual(digits, places, units)) [[likely]]
+        return nxErrorEnum();
     nxVolumeNumber number;
     const nxErrorEnum error = number.Read(text, separator);
     return error.IsOK() ? _Count(number, units) : error;
@@ -89,7 +134,15 @@ nxVolumeNumber nxVolumeConverter::_GetQuantity(const Units& units) const
 
 std::size_t nxVolumeConverter::GetAsString(char* buffer, const Units& units, char separator) const
 {
-    char* const end = units.IsValid() ? _GetQuantity(units).Write(buffer, separator) : buffer;
+    char* end = buffer;
+    if (units.IsValid())
+    {
+        unsigned long long digits = 0;
+        const bool fits = !__builtin_mul_overflow(static_cast<unsigned long long>(units), _lotSize, &digits);
+        if (_places != 0 && _places <= nxDecimalText::MaxPlaces)  // then a lot is 1
+            return nxDecimalText::Print(buffer, false, digits, _places, _places, separator);
+        end = fits && _places == 0 ? nxDigits::Write(buffer, digits) : _GetQuantity(units).Write(buffer, separator);
+    }
     *end = '\0';
     return static_cast<std::size_t>(end - buffer);
 }

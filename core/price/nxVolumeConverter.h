@@ -4,6 +4,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -119,6 +120,7 @@ private:
         volume = Volume(units);
         return nxErrorEnum();
     }
+    [[gnu::visibility("hidden")]] bool _CountUsual(std::uint64_t digits, std::size_t places, Units& units) const;
     [[gnu::visibility("hidden")]] nxErrorEnum _Count(const nxVolumeNumber& quantity, Units& units) const;
     [[gnu::visibility("hidden")]] nxVolumeNumber _GetQuantity(const Units& units) const;
 
