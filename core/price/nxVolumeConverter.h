@@ -37,8 +37,8 @@ struct nxVolumeNumber;
 ///   are within the limits of the converter; units that arrive are converted whatever the limits.
 /// - Errors: NX_ERR_INVALID_PARAMETER for a text of another form; NX_ERR_NO_MATCH for a quantity that is no whole number of
 ///   units; NX_ERR_VALUE_OUT_OF_RANGE for one that is negative, outside the limits or does not fit; NX_ERR_NOT_INITIALISED by
-///   a converter that is not valid. A quantity that is negative or has more than 38 digits is out of range whatever its
-///   multiple. The target keeps its value on failure.
+///   a converter that is not valid. A quantity that is negative, or whose digits need more than 128 bits, is out of range
+///   whether it is a multiple or not. The target keeps its value on failure.
 /// - Threads: immutable, so any number of threads may share one.
 /// - Ownership: owns nothing, and no operation allocates memory but for the string that it returns or appends to.
 class NX_CORE_API nxVolumeConverter

@@ -27,6 +27,18 @@ bool AppendVolumeDigits(std::string_view text, nxUnsignedWide& number)
     return true;
 }
 
+// Whether 128 bits hold a number of this many digits that begins with this one. @param wrapped the number in 128 bits.
+bool FitsVolumeNumber(std::size_t count, char first, nxUnsignedWide wrapped)
+{
+    constexpr std::size_t mostDigits = 2 * digitsOfVolumePart + 1;
+    if (count < mostDigits)
+        return true;
+    // A number that was too large begins with another digit now, because 2^128 is 3.4 * 10^38.
+    const nxUnsignedWide unit =
+        nxUnsignedWide{nxPowersOfTen::GetInteger(digitsOfVolumePart)} * nxPowersOfTen::GetInteger(digitsOfVolumePart);
+    return count == mostDigits && wrapped / unit == static_cast<unsigned>(first - '0');
+}
+
 char* WriteVolumeDigits(char* out, nxUnsignedWide number)
 {
     if (number <= UINT64_MAX) [[likely]]
@@ -67,9 +79,9 @@ nxErrorEnum nxVolumeNumber::_ReadAny(std::string_view text, char separator)
     whole.remove_prefix(std::min(whole.find_first_not_of('0'), whole.size()));
     if (whole.empty())
         decimals.remove_prefix(std::min(decimals.find_first_not_of('0'), decimals.size()));
-    if (whole.size() + decimals.size() > MaxDigits)
-        return nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
-    return nxErrorEnum();
+    const char first = whole.empty() ? (decimals.empty() ? '0' : decimals.front()) : whole.front();
+    return FitsVolumeNumber(whole.size() + decimals.size(), first, digits) ? nxErrorEnum()
+                                                                           : nxErrorEnum(NX_ERR_VALUE_OUT_OF_RANGE);
 }
 
 char* nxVolumeNumber::Write(char* out, char separator) const

@@ -12,16 +12,13 @@
 /// - Threads and ownership: a value that owns nothing.
 struct nxVolumeNumber
 {
-    /// Digits of the longest number that is read, without zeros in front or at the end of the decimals.
-    static constexpr std::size_t MaxDigits = 38;
-
     nxUnsignedWide digits = 0;
     std::size_t places = 0;
     bool isNegative = false;
 
     /// Reads what nxDecimal reads: a sign, digits with at most one separator among them, of any length.
-    /// @return NX_ERR_INVALID_PARAMETER for any other text, NX_ERR_VALUE_OUT_OF_RANGE for more than MaxDigits; the number is
-    ///         then undefined.
+    /// @return NX_ERR_INVALID_PARAMETER for any other text, NX_ERR_VALUE_OUT_OF_RANGE for digits that 128 bits do not
+    ///         hold, zeros at the end of the decimals left out; the number is then undefined.
     nxErrorEnum Read(std::string_view text, char separator);
 
     /// Writes the number without its sign and without a terminator.

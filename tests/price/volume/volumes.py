@@ -32,7 +32,7 @@ class Volumes:
         self.powers, self.shown = POWERS[form[0]], int(form[1:]) if form[1:].isdigit() else 0
 
     def units(self, number):
-        if number < 0 or (number * 10 ** max(places_of(number), 0)) >= 10 ** 38:
+        if number < 0 or (number * 10 ** max(places_of(number), 0)) >= 2 ** 128:
             return OUTSIDE
         count = number / self.unit
         if count.denominator != 1:
