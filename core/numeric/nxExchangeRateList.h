@@ -53,6 +53,7 @@ public:
     /// Replaces all rates by those of rows "base,quote,bid,ask" or "base,quote,bid,ask,units"; without units, or with an empty
     /// field, a rate is for one. Numbers have the dialect's decimal separator. Empty lines and comments are skipped, and so is
     /// the first row when the dialect has a header. The fields are in this order whatever the header says.
+    /// @param rows reads from any source of bytes; the example of nxCSVParser reads a text in memory.
     /// @param at when the rates were given.
     /// @param failedLine receives the line of the row that is at fault, from 1, and 0 after a success.
     /// @return the parser's error; NX_ERR_INSUFFICIENT_DATA for a row of less than four fields; NX_ERR_INVALID_PARAMETER for
