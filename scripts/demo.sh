@@ -13,6 +13,7 @@ shares=JPX_TOPIX500
 averages=$build/wti-averages.csv
 snapped=$build/wti-snapped.csv
 nxtick=$build/tools/nxtick/nxtick
+bonds=$build/examples/example_bond_values
 
 bold='' plain=''
 if [ -t 1 ] && [ -z "${NO_COLOR:-}" ]; then bold=$'\e[1m' plain=$'\e[0m'; fi
@@ -26,10 +27,10 @@ show()
 # Lines up the columns of the snapped file.
 rows() { awk -F, '{printf "%-12s", $1; for (i = 2; i <= NF; ++i) printf "%10s", $i; print ""}'; }
 
-if [ ! -x "$nxtick" ]; then echo "Building nxtick, once; this takes a minute or two."; fi
+if [ ! -x "$nxtick" ] || [ ! -x "$bonds" ]; then echo "Building nxtick and an example, once; this takes a minute or two."; fi
 mkdir -p "$build"
-if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNXCORE_BUILD_TESTS=OFF -DNXCORE_BUILD_EXAMPLES=OFF &&
-    cmake --build "$build" --target nxtick; } >"$build/build.log" 2>&1; then
+if ! { cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DNXCORE_BUILD_TESTS=OFF -DNXCORE_BUILD_EXAMPLES=ON &&
+    cmake --build "$build" --target nxtick example_bond_values; } >"$build/build.log" 2>&1; then
     grep -E 'error|Error' "$build/build.log" >&2 || tail -n 20 "$build/build.log" >&2
     echo "The build failed; all of it is in $build/build.log" >&2
     exit 1
@@ -61,6 +62,10 @@ show -table $shares -price 3001 -ladder 3
 
 heading "The same for a program"
 show -table $shares -price 3001 -ladder 1 -format json
+
+heading "A program with the library: bonds in 32nds, rounded and valued in euros on two threads"
+printf '$ %s examples/data\n' "$bonds"
+"$bonds" examples/data
 
 "$nxtick" -quiet -table $shares -chart "$build/tick-sizes.svg"
 heading "Next"
