@@ -30,7 +30,7 @@ private:
     friend class nxCSVRows;
 
     // Where a row ends whose place was sought byte by byte.
-    struct RowEnd
+    struct _RowEnd
     {
         std::uint32_t at;  // the end in the bytes, line end included
         bool hasQuotes;
@@ -39,7 +39,7 @@ private:
     std::vector<char> _bytes;  // the rows, then at least ReadableAfter bytes
     std::size_t _size = 0;     // of the rows
     unsigned long long _line = 1;
-    std::vector<RowEnd> _ends;  // empty if the block has no quotes: then every line is a row
+    std::vector<_RowEnd> _ends;  // empty if the block has no quotes: then every line is a row
 };
 
 #endif

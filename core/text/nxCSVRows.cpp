@@ -87,7 +87,7 @@ void nxCSVRows::_MarkQuoted()
 {
     const nxCSVFieldText fields(_dialect);
     std::size_t begin = 0;
-    for (const nxCSVBlock::RowEnd& row : _block->_ends)
+    for (const nxCSVBlock::_RowEnd& row : _block->_ends)
     {
         if (row.hasQuotes)
         {

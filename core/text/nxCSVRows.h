@@ -90,8 +90,8 @@ private:
     const char* _marked = nullptr;  // the text that has the first mark
     const nxCSVMarks* _marks;       // of whole words of text, and two without marks
     std::vector<nxCSVMarks> _words;
-    std::size_t _wordCount = 0;                   // of those with marks
-    const nxCSVBlock::RowEnd* _rowEnd = nullptr;  // of the next row, in a block with quotes
+    std::size_t _wordCount = 0;                    // of those with marks
+    const nxCSVBlock::_RowEnd* _rowEnd = nullptr;  // of the next row, in a block with quotes
 };
 
 #endif

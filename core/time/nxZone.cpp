@@ -16,7 +16,7 @@
 namespace
 {
 // All zones that were found. They are searched without a lock, because a process uses few of them and a child may be
-// forked at any time. _Keep() publishes a zone and takes those of others (acq_rel); searches load the list (acquire).
+// forked at any time. _Keep() publishes a zone and takes those of others (release and acquire); searches load the list (acquire).
 constinit std::atomic<const nxZone*> keptZones{nullptr};
 
 bool IsInZoneTable(std::int64_t second) { return second >= nxTimeZone::FirstSecond && second < nxTimeZone::EndSecond; }
