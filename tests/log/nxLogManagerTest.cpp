@@ -720,3 +720,29 @@ TEST(nxLogManager, WritesWarningsAndSaysSoOnceWhileItsThreadCannotBeStarted)
               "Failed to start the log's thread: warnings and worse are written by the threads that report them, other "
               "records wait.\n");
 }
+
+// A single record, while other threads say how the log's thread is to run.
+TEST(nxLogManager, StartsItsThreadAlsoWhileThatIsBeingAdjusted)
+{
+    std::vector<std::jthread> adjusting;
+    for (int count = 0; count < 3; ++count)
+        adjusting.emplace_back(
+            [](const std::stop_token& stop)
+            {
+                while (!stop.stop_requested())
+                    Manager().SetWriteThread({});
+            });
+    bool isWritten = true;
+    for (int round = 0; round < 50 && isWritten; ++round)
+    {
+        Manager().Destroy();
+        std::atomic<bool> hasCome{false};
+        Device device([&](const nxLog&) { hasCome = true; });
+        nxLog record = MakeRecord("alone");
+        Manager().Write(record);
+        for (int wait = 0; wait < 30'000 && !hasCome; ++wait)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        isWritten = hasCome;
+    }
+    EXPECT_TRUE(isWritten);
+}

@@ -66,6 +66,7 @@ bool nxLogWriterThread::Start() noexcept
 bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
 {
     nxLogExit::Register();
+    const nxMutexGuard guard(_settingsMutex);
     if (_thread != nullptr)
         static_cast<void>(_thread->Wait());  // returns soon, because the state is Stopped
     else
@@ -105,6 +106,7 @@ bool nxLogWriterThread::Stop(std::int64_t limit) noexcept
             return false;  // it ends when the device returns, if Start() does not need it before
         nxThisThread::SleepMilliseconds(1);
     }
+    const nxMutexGuard settingsGuard(_settingsMutex);
     if (_thread != nullptr)
         static_cast<void>(_thread->Wait());  // an error: it was not started
     return true;
@@ -122,7 +124,8 @@ void nxLogWriterThread::Urge(nxEnumValue level) noexcept
 
 void nxLogWriterThread::SetThread(std::span<const unsigned> processors, unsigned priority) noexcept
 {
-    const nxMutexGuard guard(_startMutex);
+    // Not the mutex of starting: a thread that reports meanwhile would leave the start to this one.
+    const nxMutexGuard guard(_settingsMutex);
     _service.SetProcessors(processors);
     _service.SetPriority(priority);
     if (_thread != nullptr)
@@ -178,6 +181,7 @@ void nxLogWriterThread::_Leave() noexcept
     {
         // Threads that report from now on start another one.
         const nxMutexGuard guard(_startMutex);
+        const nxMutexGuard settingsGuard(_settingsMutex);
         _thread = nullptr;
         nxLogBell::SetState(ThreadState::Stopped);
     }
@@ -187,8 +191,9 @@ void nxLogWriterThread::_Leave() noexcept
 
 void nxLogWriterThread::AfterForkInChild() noexcept
 {
-    // The fork does not take this mutex; a thread that does not exist in the child may hold it.
+    // The fork does not take these mutexes; a thread that does not exist in the child may hold them.
     ::new (&_startMutex) nxMutex;
+    ::new (&_settingsMutex) nxMutex;
     _thread = nullptr;
     _nextStart = 0;
     _couldNotStart.store(false, std::memory_order_relaxed);

@@ -57,10 +57,13 @@ private:
     void _EndProcessIfLast() noexcept;
     void _Leave() noexcept;
 
+    // Held by a thread that starts or stops the deferred-write thread, and by no other. A thread that finds it locked
+    // leaves the start to that one.
     nxMutex _startMutex;
+    nxMutex _settingsMutex;                                  // taken after _startMutex, for a short time
     std::int64_t _nextStart NX_GUARDED_BY(_startMutex) = 0;  // on the monotonic clock
-    nxLogDeferredWriteThread* _thread NX_GUARDED_BY(_startMutex) = nullptr;
-    nxServiceThread _service NX_GUARDED_BY(_startMutex);
+    nxLogDeferredWriteThread* _thread NX_GUARDED_BY(_settingsMutex) = nullptr;
+    nxServiceThread _service NX_GUARDED_BY(_settingsMutex);
     std::atomic<bool> _couldNotStart{false};  // at the last attempt; relaxed: a thread that reads it late asks again
 };
 
