@@ -15,6 +15,10 @@
 // MENU adds up what the second thread may do: 1 Destroy, 2 UnregisterAll, 4 Flush, 8 Unregister, 16 Register; NESTED what the owner's
 // device does when it is called: 1 unregisters itself, 2 unregisters and registers itself.
 //
+// The longest check, -DMENU=31 -DLIVES=2 -DOPERATIONS=2 -DOOM=1, has 35,214,916 states to a depth of 1,114, and takes 47 seconds of
+// processor time and 2.1 GB. With -DNESTED=3 in place of -DOOM=1 the search does not end within 2.5 GB: no violation in
+// 45 million states.
+//
 // RUN  holds    -DMENU=15 -DLIVES=1
 // RUN  holds    -DMENU=31 -DLIVES=1 -DNESTED=3
 // RUN  holds    -DMENU=4 -DLIVES=2 -DROUND_OOM=1
@@ -22,7 +26,6 @@
 // LONG holds    -DMENU=15 -DLIVES=2
 // LONG holds    -DMENU=15 -DLIVES=1 -DOOM=1
 // LONG holds    -DMENU=31 -DLIVES=2 -DOPERATIONS=2 -DOOM=1
-// LONG holds    -DMENU=31 -DLIVES=2 -DOPERATIONS=2 -DNESTED=3
 // LONG violated -DMENU=2 -DLIVES=1 -DWITHOUT_EARLY_MARK
 // LONG violated -DMENU=8 -DLIVES=1 -DWITHOUT_WAIT_IN_REMOVE
 // LONG violated -DMENU=1 -DLIVES=1 -DWITHOUT_ENDED

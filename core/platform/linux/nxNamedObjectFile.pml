@@ -8,6 +8,10 @@
 // What holds: a process that was given an object, and has its locks, sees a finished object of the name and kind for which it
 // asked. All such processes of one name see the same object. No object is made again while one of them has it.
 //
+// The longest check, -DPROCESSES=3 -DKILLS=2 -DASKS=1 -DCLOSES=1, has 19,231,601 states to a depth of 456, and takes 28 seconds of
+// processor time and 1 GB. Three processes that ask twice, with one kill, do not end within 2.5 GB: no violation in 46 million
+// states.
+//
 // RUN  holds    -DPROCESSES=2 -DKILLS=1 -DASKS=1 -DCLOSES=1
 // RUN  violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_LOCK_IN_LOCK_AGAIN
 // LONG holds    -DPROCESSES=2 -DKILLS=2 -DASKS=2
@@ -16,7 +20,6 @@
 // LONG holds    -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1
 // LONG holds    -DPROCESSES=3 -DKILLS=1 -DASKS=1 -DCLOSES=1
 // LONG holds    -DPROCESSES=3 -DKILLS=2 -DASKS=1 -DCLOSES=1
-// LONG holds    -DPROCESSES=3 -DKILLS=1 -DASKS=2
 // LONG violated -DPROCESSES=2 -DKILLS=0 -DASKS=1 -DWITHOUT_TABLE_LOCK
 // LONG violated -DPROCESSES=2 -DKILLS=1 -DASKS=2 -DCLOSES=1 -DWITHOUT_KIND_IN_LOCK_AGAIN
 
