@@ -80,6 +80,19 @@ Operands MakePricesAndTicks()
     return operands;
 }
 
+Operands MakePricesAndQuantities()
+{
+    std::mt19937_64 random(5);
+    Operands operands{};
+    for (std::size_t i = 0; i < ringSize; ++i)
+    {
+        operands.left[i] = {static_cast<long long>(random() % 10'000'000),
+                            static_cast<unsigned char>(2 + random() % 3)};
+        operands.right[i] = {static_cast<long long>(1 + random() % 5000), 0};
+    }
+    return operands;
+}
+
 const Operands& SameScale()
 {
     static const Operands operands = MakeOperands(true);
@@ -93,6 +106,11 @@ const Operands& OtherScale()
 const Operands& PricesAndTicks()
 {
     static const Operands operands = MakePricesAndTicks();
+    return operands;
+}
+const Operands& PricesAndQuantities()
+{
+    static const Operands operands = MakePricesAndQuantities();
     return operands;
 }
 
@@ -404,6 +422,8 @@ void RegisterPairs(const char* column)
     add("decimal_less_same_scale", SameScale(), [](const auto& a, const auto& b) { return Type::Less(a, b); });
     add("decimal_less_other_scale", OtherScale(), [](const auto& a, const auto& b) { return Type::Less(a, b); });
     add("decimal_multiply", OtherScale(), [](const auto& a, const auto& b) { return Type::Multiply(a, b); });
+    add("decimal_multiply_by_quantity", PricesAndQuantities(),
+        [](const auto& a, const auto& b) { return Type::Multiply(a, b); });
     add("decimal_divide", OtherScale(), [](const auto& a, const auto& b) { return Type::Divide(a, b); });
     add("decimal_round", PricesAndTicks(), [](const auto& a, const auto& b) { return Type::Round(a, b); });
 }

@@ -196,13 +196,22 @@ nxDecimal nxDecimal::_SubtractDoubles(nxDecimal left, nxDecimal right)
 nxDecimal nxDecimal::_MultiplyDoubles(nxDecimal left, nxDecimal right)
 {
     const nxNearestRounding rounding;
-    return left *= right;
+    if ((left._number.scale | right._number.scale) == 0)
+        left._number.mantissa =
+            nxDecimalQuick::Wrap(static_cast<std::uint64_t>(left._number.mantissa) * static_cast<std::uint64_t>(right._number.mantissa));
+    else if (left._AreValid(right))
+        left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() * right.GetAsDouble()),
+                             left._LargerScale(right));
+    return left;
 }
 
 nxDecimal nxDecimal::_DivideDoubles(nxDecimal left, nxDecimal right)
 {
     const nxNearestRounding rounding;
-    return left /= right;
+    if (left._AreValid(right))
+        left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() / right.GetAsDouble()),
+                             left._LargerScale(right));
+    return left;
 }
 
 bool nxDecimal::_AreEqual(nxDecimal left, nxDecimal right)

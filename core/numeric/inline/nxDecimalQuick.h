@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -93,16 +94,55 @@ public:
     ///   more: beyond the tolerance, and in the right order.
     static bool Align(const Number& a, const Number& b, long long& left, long long& right)
     {
-        const std::uint64_t places = std::max(a.scale, b.scale);
-        if (places > _maxPlaces)
+        if (!_HaveFewPlaces(a, b)) [[unlikely]]
             return false;
-        const _Scaling& scaleA = _scalings.by[places - a.scale];
-        const _Scaling& scaleB = _scalings.by[places - b.scale];
-        if (!_IsWithin(a.mantissa, scaleA.limit) || !_IsWithin(b.mantissa, scaleB.limit))
+        const auto& [scaleA, scaleB] = _alignments.by[_maxPlaces + a.scale - b.scale];
+        if (!_IsWithin(a.mantissa, scaleA.limit) || !_IsWithin(b.mantissa, scaleB.limit)) [[unlikely]]
             return false;
         left = a.mantissa * scaleA.power;
         right = b.mantissa * scaleB.power;
         return true;
+    }
+
+    /// a *= b, rounded to the larger of the place counts, where both have at most 15 places and the product of the mantissas
+    /// stays below 2^49. Takes whatever direction of rounding the thread is set to, and no ties.
+    ///
+    /// Let p be the product of the mantissas, s the smaller place count, y = p / 10^s the product in units of 10^-P, and
+    /// u = 2^-53.
+    /// - The rules calculate two quotients, their product and the scaled fraction, each with one rounding, and cut the
+    ///   fraction off without one. What they round to an integer thus is off by less than 4.01 u |y| units.
+    /// - A y that is no tie is 10^-s or more away from every tie, which is beyond that error while |p| < 2^50: the rules give
+    ///   the integer nearest to y. Where s is 0 that is p.
+    /// - The double of y errs by 2 u |y| at most, in every direction of rounding, and so is on the same side of every tie. A
+    ///   tie is a double itself. An integer less than one half away from the double of y therefore is the result.
+    static bool Multiply(Number& a, const Number& b)
+    {
+        long long product;
+        if (!_HaveFewPlaces(a, b) || __builtin_mul_overflow(a.mantissa, b.mantissa, &product) ||
+            !_IsSmall(product)) [[unlikely]]
+            return false;
+        const std::uint64_t places = std::max(a.scale, b.scale);
+        const std::uint64_t smaller = a.scale + b.scale - places;
+        if (smaller != 0)
+            return _SetNearest(static_cast<double>(product), nxPowersOfTen::GetDouble(smaller), places, a);
+        a = {product, places};
+        return true;
+    }
+
+    /// a /= b, rounded to the larger of the place counts P, where both have at most 15 places, b is not 0 and below 2^49, and
+    /// n = a * 10^(P + pb - pa) is below 2^49. Takes whatever direction of rounding the thread is set to, and no ties.
+    ///
+    /// The quotient in units of 10^-P is y = n / b. Multiply() has the proof: a y that is no tie is 1 / |2 b| or more away
+    /// from every tie, beyond the error of the rules while |n| < 2^49, and beyond that of one division.
+    static bool Divide(Number& a, const Number& b)
+    {
+        if (!_HaveFewPlaces(a, b)) [[unlikely]]
+            return false;
+        const std::uint64_t places = std::max(a.scale, b.scale);
+        const _Scaling& scale = _scalings.by[places + b.scale - a.scale];
+        if (!_IsWithin(a.mantissa, scale.limit) || !_IsSmall(b.mantissa) || b.mantissa == 0) [[unlikely]]
+            return false;
+        return _SetNearest(static_cast<double>(a.mantissa * scale.power), static_cast<double>(b.mantissa), places, a);
     }
 
     /// Rounds to a multiple of the increment. Takes numbers that Align() takes, an increment other than 0 and the four
@@ -144,6 +184,19 @@ public:
     }
 
 private:
+    // Sets a number to the integer nearest to the quotient of two doubles, of less than 2^50 in magnitude. Declines a tie, and
+    // what a thread that does not round to the nearest has rounded otherwise.
+    static bool _SetNearest(double dividend, double divisor, std::uint64_t places, Number& result)
+    {
+        const double quotient = nxDoubleHelper::Rounded(dividend / nxDoubleHelper::Rounded(divisor));
+        const double sum = nxDoubleHelper::Rounded(quotient + _integerShift);
+        const double rest = quotient - nxDoubleHelper::Rounded(sum - _integerShift);
+        if (!(std::fabs(rest) < 0.5)) [[unlikely]]
+            return false;
+        result = {Wrap(std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(_integerShift)), places};
+        return true;
+    }
+
     // The integer nearest to `scaled`, of less than 2^51 in magnitude; a tie goes toward plus infinity.
     //
     // In the sum with 1.5 * 2^52 there is no room for a fraction: the addition rounds to the nearest integer, a tie to
@@ -151,36 +204,68 @@ private:
     // of floor(), and of ceil() when the fraction is 0.5 or more, for less than the price of a conversion.
     static std::uint64_t _GetNearest(double scaled)
     {
-        constexpr double shift = 6755399441055744.0;
         const double number = nxDoubleHelper::Rounded(scaled);
-        const double sum = nxDoubleHelper::Rounded(number + shift);
-        const double nearest = nxDoubleHelper::Rounded(sum - shift);
-        return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(shift) +
+        const double sum = nxDoubleHelper::Rounded(number + _integerShift);
+        const double nearest = nxDoubleHelper::Rounded(sum - _integerShift);
+        return std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(_integerShift) +
                (number - nearest >= 0.5 ? 1 : 0);
     }
 
-    // How far a mantissa may be scaled up and still stay below 2^49 units.
-    static constexpr unsigned _maxPlaces = 15;
+    static constexpr double _integerShift = 6755399441055744.0;  // 1.5 * 2^52
+
+    static constexpr std::uint64_t _maxPlaces = 15;
+    static constexpr std::uint64_t _maxUnits = (std::uint64_t{1} << 49) - 1;
+    // False for numbers without a value too.
+    static constexpr bool _HaveFewPlaces(const Number& a, const Number& b)
+    {
+        static_assert((_maxPlaces & (_maxPlaces + 1)) == 0, "all bits below the places that are too many");
+        return (a.scale | b.scale) <= _maxPlaces;
+    }
+
+    // The power of ten that scales a mantissa up, and how large the mantissa may be for the result to stay below 2^49.
     struct _Scaling
     {
         long long power;
         std::uint64_t limit;
     };
+    // By the number of places that are added.
     struct _Scalings
     {
-        _Scaling by[_maxPlaces + 1];
+        _Scaling by[2 * _maxPlaces + 1];
     };
     static constexpr _Scalings _scalings = []
     {
-        _Scalings table{};
+        _Scalings table{};  // from 15 places on only 0 stays below 2^49
         long long power = 1;
         for (_Scaling& scaling : table.by)
         {
-            scaling = {power, ((std::uint64_t{1} << 49) - 1) / static_cast<std::uint64_t>(power)};
+            scaling = {power, _maxUnits / static_cast<std::uint64_t>(power)};
+            if (scaling.limit == 0)
+                break;
             power *= 10;
         }
         return table;
     }();
+    // By the places of the first number less those of the second, plus 15.
+    struct _Alignments
+    {
+        _Scaling by[2 * _maxPlaces + 1][2];
+    };
+    static constexpr _Alignments _alignments = []
+    {
+        _Alignments table{};
+        for (std::uint64_t i = 0; i <= _maxPlaces; ++i)
+        {
+            table.by[_maxPlaces - i][0] = table.by[_maxPlaces + i][1] = _scalings.by[i];
+            table.by[_maxPlaces - i][1] = table.by[_maxPlaces + i][0] = _scalings.by[0];
+        }
+        return table;
+    }();
+    // From -2^49 up to but not including 2^49.
+    static constexpr bool _IsSmall(long long value)
+    {
+        return ((static_cast<std::uint64_t>(value) + (_maxUnits + 1)) >> 50) == 0;
+    }
     static constexpr bool _IsWithin(long long value, std::uint64_t limit)
     {
         return static_cast<std::uint64_t>(value) + limit <= 2 * limit;
