@@ -609,13 +609,40 @@ void Sum(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+void SumSpan(benchmark::State& state)
+{
+    const auto values = MakeArray<Ours>(state.range(0));
+    for (auto _ : state)
+    {
+        nxDecimal sum = nxDecimal::GetSum(values);
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void SumSpanExact(benchmark::State& state)
+{
+    const auto values = MakeArray<Ours>(state.range(0));
+    for (auto _ : state)
+    {
+        nxDecimal sum;
+        if (!sum.SetFromSumExact(values).IsOK())
+            std::abort();
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void RegisterArray(const char* row, const char* column, void (*run)(benchmark::State&))
+{
+    benchmark::RegisterBenchmark(Joined(row, column).c_str(), run)->RangeMultiplier(10)->Range(1000, 10'000'000);
+}
+
 template <class Type>
 void RegisterArrays(const char* column)
 {
-    const auto add = [column](const char* row, void (*run)(benchmark::State&))
-    { benchmark::RegisterBenchmark(Joined(row, column).c_str(), run)->RangeMultiplier(10)->Range(1000, 10'000'000); };
-    add("decimal_scan", Scan<Type>);
-    add("decimal_sum", Sum<Type>);
+    RegisterArray("decimal_scan", column, Scan<Type>);
+    RegisterArray("decimal_sum", column, Sum<Type>);
 }
 
 const bool registered = []
@@ -630,6 +657,9 @@ const bool registered = []
     RegisterArrays<PlainInteger>("limit_int64");
     RegisterArrays<PlainDouble>("limit_double");
     RegisterArrays<Transcription>("peer_transcription");
+    RegisterArray("decimal_sum_of_span", "ours", SumSpan);
+    RegisterArray("decimal_sum_of_span", "ours_exact", SumSpanExact);
+    RegisterArray("decimal_sum_of_span", "limit_int64", Sum<PlainInteger>);
 #ifdef NX_BENCHMARK_HAS_BID
     RegisterPairs<Bid64>("peer_bid64");
     RegisterExact<Bid64>("peer_bid64");

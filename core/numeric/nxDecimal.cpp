@@ -197,8 +197,8 @@ nxDecimal nxDecimal::_MultiplyDoubles(nxDecimal left, nxDecimal right)
 {
     const nxNearestRounding rounding;
     if ((left._number.scale | right._number.scale) == 0)
-        left._number.mantissa =
-            nxDecimalQuick::Wrap(static_cast<std::uint64_t>(left._number.mantissa) * static_cast<std::uint64_t>(right._number.mantissa));
+        left._number.mantissa = nxDecimalQuick::Wrap(static_cast<std::uint64_t>(left._number.mantissa) *
+                                                     static_cast<std::uint64_t>(right._number.mantissa));
     else if (left._AreValid(right))
         left._SetFromNearest(nxDoubleHelper::Rounded(left.GetAsDouble() * right.GetAsDouble()),
                              left._LargerScale(right));
@@ -220,7 +220,7 @@ bool nxDecimal::_AreEqual(nxDecimal left, nxDecimal right)
         return left._number.scale == right._number.scale;
     if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
         return RoundedToNearest(_AreEqual, left, right);
-    return std::fabs(nxDoubleHelper::Rounded(left._AsDouble() - right._AsDouble())) <= tolerance;
+    return std::fabs(nxDoubleHelper::Rounded(left.GetAsDouble() - right.GetAsDouble())) <= tolerance;
 }
 
 bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
@@ -229,8 +229,8 @@ bool nxDecimal::_IsLess(nxDecimal left, nxDecimal right)
         return !left.IsValid() && (right.IsValid() || left._number.scale < right._number.scale);
     if (!nxDoubleHelper::RoundsToNearest()) [[unlikely]]
         return RoundedToNearest(_IsLess, left, right);
-    const double a = left._AsDouble();
-    const double b = right._AsDouble();
+    const double a = left.GetAsDouble();
+    const double b = right.GetAsDouble();
     return !(std::fabs(nxDoubleHelper::Rounded(a - b)) <= tolerance) && a < b;
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -101,7 +102,6 @@ public:
 
     /// @name Arguments that would be cut silently do not compile
     /// @{
-
     /// No decimal is made of a character, a truth value, more than 64 bits, places with a fraction, or a text and places.
     template <class Value, class Places>
     requires nxDecimalArguments::AreMistaken<Value, Places> nxDecimal(Value value, Places places)
@@ -176,7 +176,6 @@ public:
 
     /// @name Changing the representation
     /// @{
-
     /// Makes @p places the number of decimal places: more places add zeros. Fewer cut decimals off, toward zero; with
     /// @p onlyDropZeros they remove trailing zeros alone and stop at the first other digit, so that no digit is lost.
     /// Nothing happens to a value that is not valid.
@@ -214,7 +213,6 @@ public:
     /// @name Arithmetic
     /// The result has the larger of the two place counts.
     /// @{
-
     /// The exact sum where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator+=(const nxDecimal& other);
     /// The exact difference where both have one scale, else that of the doubles. It wraps modulo 2^64.
@@ -227,6 +225,8 @@ public:
     friend nxDecimal operator-(nxDecimal left, const nxDecimal& right) { return left -= right; }  ///< See operator-=.
     friend nxDecimal operator*(nxDecimal left, const nxDecimal& right) { return left *= right; }  ///< See operator*=.
     friend nxDecimal operator/(nxDecimal left, const nxDecimal& right) { return left /= right; }  ///< See operator/=.
+    /// @return the sum that `+=` makes of the first valid value and those after it; 0 with 0 places when there is none.
+    static nxDecimal GetSum(std::span<const nxDecimal> values);
     /// @}
 
     /// @name Exact operations
@@ -239,6 +239,9 @@ public:
     /// @{
     [[nodiscard]] nxErrorEnum AddExact(const nxDecimal& other);       ///< The sum, at the larger scale.
     [[nodiscard]] nxErrorEnum SubtractExact(const nxDecimal& other);  ///< The difference, likewise.
+    /// Becomes the sum of all values, at the largest scale among them; 0 with 0 places when there is none. Their order does not
+    /// matter: only the sum has to fit. Values that are not valid count before all that does not fit.
+    [[nodiscard]] nxErrorEnum SetFromSumExact(std::span<const nxDecimal> values);
     /// Multiplies: 1.5 * 1.5 is 2.25. The places add up; trailing zeros go while mantissa or places do not fit.
     [[nodiscard]] nxErrorEnum MultiplyExact(const nxDecimal& other);
     /// Becomes the exact product, rounded once to @p places decimals.
@@ -266,7 +269,6 @@ public:
     /// Numbers of one scale compare exactly; across scales they are equal when their doubles differ by 2.2e-16 at most.
     /// Null equals null and no change equals no change; null is less than no change, and both are less than any number.
     /// @{
-
     /// Not transitive across scales; EqualsExactly() is.
     friend bool operator==(const nxDecimal& left, const nxDecimal& right) { return _IsEqual(left, right); }
     /// Sorts values of one scale; across scales the tolerance of `==` makes it no strict order.
@@ -363,7 +365,6 @@ private:
     constexpr std::uint64_t _GetMagnitude() const { return nxDecimalQuick::GetMagnitude(_number.mantissa); }
     constexpr void _Negate();
 
-    double _AsDouble() const;
     // SetFromDouble() in a thread that rounds to the nearest.
     void _SetFromNearest(double number, unsigned char places);
     // Integers that compare as the values do; false when the slow paths have to compare.

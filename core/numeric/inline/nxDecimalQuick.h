@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -104,45 +103,45 @@ public:
         return true;
     }
 
-    /// a *= b, rounded to the larger of the place counts, where both have at most 15 places and the product of the mantissas
-    /// stays below 2^49. Takes whatever direction of rounding the thread is set to, and no ties.
+    /// a *= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places, whatever direction of
+    /// rounding the thread is set to. A product that may be a tie is declined.
     ///
-    /// Let p be the product of the mantissas, s the smaller place count, y = p / 10^s the product in units of 10^-P, and
-    /// u = 2^-53.
-    /// - The rules calculate two quotients, their product and the scaled fraction, each with one rounding, and cut the
-    ///   fraction off without one. What they round to an integer thus is off by less than 4.01 u |y| units.
-    /// - A y that is no tie is 10^-s or more away from every tie, which is beyond that error while |p| < 2^50: the rules give
-    ///   the integer nearest to y. Where s is 0 that is p.
-    /// - The double of y errs by 2 u |y| at most, in every direction of rounding, and so is on the same side of every tie. A
-    ///   tie is a double itself. An integer less than one half away from the double of y therefore is the result.
+    /// Let y be the product in units of 10^-P, and u = 2^-53 the relative error of rounding to the nearest once.
+    /// - The rules round both mantissas, both quotients, their product and the scaled fraction to the nearest. The fraction is
+    ///   cut off without error. What they round to an integer is off by 6u |y| (terms of u^2 left out).
+    /// - The double calculated here has five roundings, or six where a compiler regroups, each in any direction: it is off by
+    ///   12u |y|, and by 18u |y| from what the rules round.
+    /// - _SetNearest() takes the integer that is nearest to all numbers within 30u |y| of the double, so that the rules give it
+    ///   as well.
+    /// - Where one of the place counts is 0, y is the product of the mantissas. Up to 2^49 the rules err by 3/8 of a unit.
     static bool Multiply(Number& a, const Number& b)
-    {
-        long long product;
-        if (!_HaveFewPlaces(a, b) || __builtin_mul_overflow(a.mantissa, b.mantissa, &product) ||
-            !_IsSmall(product)) [[unlikely]]
-            return false;
-        const std::uint64_t places = std::max(a.scale, b.scale);
-        const std::uint64_t smaller = a.scale + b.scale - places;
-        if (smaller != 0)
-            return _SetNearest(static_cast<double>(product), nxPowersOfTen::GetDouble(smaller), places, a);
-        a = {product, places};
-        return true;
-    }
-
-    /// a /= b, rounded to the larger of the place counts P, where both have at most 15 places, b is not 0 and below 2^49, and
-    /// n = a * 10^(P + pb - pa) is below 2^49. Takes whatever direction of rounding the thread is set to, and no ties.
-    ///
-    /// The quotient in units of 10^-P is y = n / b. Multiply() has the proof: a y that is no tie is 1 / |2 b| or more away
-    /// from every tie, beyond the error of the rules while |n| < 2^49, and beyond that of one division.
-    static bool Divide(Number& a, const Number& b)
     {
         if (!_HaveFewPlaces(a, b)) [[unlikely]]
             return false;
-        const std::uint64_t places = std::max(a.scale, b.scale);
-        const _Scaling& scale = _scalings.by[places + b.scale - a.scale];
-        if (!_IsWithin(a.mantissa, scale.limit) || !_IsSmall(b.mantissa) || b.mantissa == 0) [[unlikely]]
+        if (b.scale == 0 || a.scale == 0)
+        {
+            long long product;
+            if (__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[unlikely]]
+                return false;
+            if (!_HasBits<49>(product)) [[unlikely]]
+                return false;
+            a = {product, a.scale | b.scale};
+            return true;
+        }
+        const std::uint64_t smaller = std::min(a.scale, b.scale);
+        const double product = static_cast<double>(a.mantissa) * static_cast<double>(b.mantissa);
+        return _SetNearest(product * _reciprocals.by[smaller], a.scale + b.scale - smaller, a);
+    }
+
+    /// a /= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places and a divisor other
+    /// than 0. The quotient in units of 10^-P is y = a * 10^(P + pb - pa) / b, and the proof is that of Multiply().
+    static bool Divide(Number& a, const Number& b)
+    {
+        if (!_HaveFewPlaces(a, b) || b.mantissa == 0) [[unlikely]]
             return false;
-        return _SetNearest(static_cast<double>(a.mantissa * scale.power), static_cast<double>(b.mantissa), places, a);
+        const std::uint64_t places = std::max(a.scale, b.scale);
+        const double dividend = static_cast<double>(a.mantissa) * _powers.by[places + b.scale - a.scale];
+        return _SetNearest(dividend / static_cast<double>(b.mantissa), places, a);
     }
 
     /// Rounds to a multiple of the increment. Takes numbers that Align() takes, an increment other than 0 and the four
@@ -184,16 +183,24 @@ public:
     }
 
 private:
-    // Sets a number to the integer nearest to the quotient of two doubles, of less than 2^50 in magnitude. Declines a tie, and
-    // what a thread that does not round to the nearest has rounded otherwise.
-    static bool _SetNearest(double dividend, double divisor, std::uint64_t places, Number& result)
+    // Sets a number to the integer nearest to all numbers that differ from `units` by 32u of it or less. Declines when there is
+    // none, and beyond 2^46.
+    //
+    // One end of this interval is added to 1.5 * 2^52 and the other subtracted. Both yield one integer when the thread rounds to
+    // the nearest and no tie is between. A thread that rounds in another direction rounds the ends apart. They meet only where
+    // an integer is between them, which then is the nearest of all: 32u and 18u of 2^46 are less than one half.
+    static bool _SetNearest(double units, std::uint64_t places, Number& result)
     {
-        const double quotient = nxDoubleHelper::Rounded(dividend / nxDoubleHelper::Rounded(divisor));
-        const double sum = nxDoubleHelper::Rounded(quotient + _integerShift);
-        const double rest = quotient - nxDoubleHelper::Rounded(sum - _integerShift);
-        if (!(std::fabs(rest) < 0.5)) [[unlikely]]
+        constexpr auto zero = std::bit_cast<std::uint64_t>(_integerShift);
+        const double number = nxDoubleHelper::Rounded(units);
+        const auto added =
+            std::bit_cast<std::uint64_t>(nxDoubleHelper::Rounded(_integerShift + number * (1 + 0x1p-48)));
+        const auto taken =
+            std::bit_cast<std::uint64_t>(nxDoubleHelper::Rounded(_integerShift - number * (1 - 0x1p-48)));
+        const long long nearest = Wrap(added - zero);
+        if (added + taken != 2 * zero || !_HasBits<46>(nearest)) [[unlikely]]
             return false;
-        result = {Wrap(std::bit_cast<std::uint64_t>(sum) - std::bit_cast<std::uint64_t>(_integerShift)), places};
+        result = {nearest, places};
         return true;
     }
 
@@ -228,24 +235,6 @@ private:
         long long power;
         std::uint64_t limit;
     };
-    // By the number of places that are added.
-    struct _Scalings
-    {
-        _Scaling by[2 * _maxPlaces + 1];
-    };
-    static constexpr _Scalings _scalings = []
-    {
-        _Scalings table{};  // from 15 places on only 0 stays below 2^49
-        long long power = 1;
-        for (_Scaling& scaling : table.by)
-        {
-            scaling = {power, _maxUnits / static_cast<std::uint64_t>(power)};
-            if (scaling.limit == 0)
-                break;
-            power *= 10;
-        }
-        return table;
-    }();
     // By the places of the first number less those of the second, plus 15.
     struct _Alignments
     {
@@ -254,17 +243,33 @@ private:
     static constexpr _Alignments _alignments = []
     {
         _Alignments table{};
-        for (std::uint64_t i = 0; i <= _maxPlaces; ++i)
+        long long power = 1;
+        for (std::uint64_t i = 0; i <= _maxPlaces; ++i, power *= 10)
         {
-            table.by[_maxPlaces - i][0] = table.by[_maxPlaces + i][1] = _scalings.by[i];
-            table.by[_maxPlaces - i][1] = table.by[_maxPlaces + i][0] = _scalings.by[0];
+            table.by[_maxPlaces - i][0] = {power, _maxUnits / static_cast<std::uint64_t>(power)};
+            table.by[_maxPlaces - i][1] = {1, _maxUnits};
+            table.by[_maxPlaces + i][0] = table.by[_maxPlaces - i][1];
+            table.by[_maxPlaces + i][1] = table.by[_maxPlaces - i][0];
         }
         return table;
     }();
-    // From -2^49 up to but not including 2^49.
-    static constexpr bool _IsSmall(long long value)
+
+    // The doubles nearest to 10^n, and those nearest to 10^-n.
+    struct _Doubles
     {
-        return ((static_cast<std::uint64_t>(value) + (_maxUnits + 1)) >> 50) == 0;
+        double by[2 * _maxPlaces + 1];
+    };
+    static constexpr _Doubles _powers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10,
+                                         1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21,
+                                         1e22, 1e23, 1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30};
+    static constexpr _Doubles _reciprocals = {1e-0, 1e-1, 1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
+                                              1e-8, 1e-9, 1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15};
+
+    // Whether a number is from -2^Bits up to but not including 2^Bits.
+    template <unsigned Bits>
+    static constexpr bool _HasBits(long long value)
+    {
+        return ((static_cast<std::uint64_t>(value) + (std::uint64_t{1} << Bits)) >> (Bits + 1)) == 0;
     }
     static constexpr bool _IsWithin(long long value, std::uint64_t limit)
     {
