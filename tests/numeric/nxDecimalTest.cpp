@@ -2,10 +2,13 @@
 #include "core/numeric/nxDecimal.h"
 
 #include <cfenv>
+#include <random>
 
 #include "core/enum/nxValueStatusEnum.h"
+#include "core/numeric/inline/nxWide.h"
 #include "core/text/nxDoubleValueWrapper.h"
 #include "core/text/nxValueWrapper.h"
+#include "tests/numeric/nxDecimalOracle.h"
 #include "tests/support/nxTest.h"
 
 namespace
@@ -116,6 +119,75 @@ TEST(nxDecimal, CalculatesInEveryDirectionOfRounding)
                 EXPECT_EQ(found, expected) << number << " with " << int{places} << " places, direction " << direction;
             }
         }
+}
+
+// Around the numbers that the quick products and quotients take, where a wrong direction would be seen.
+TEST(nxDecimal, ProductsAndQuotientsAgreeWithTheOracleInAllDirections)
+{
+    std::mt19937_64 random(20260301);
+    const auto mantissa = [&random]
+    {
+        const long long near = (1LL << (random() % 54)) + static_cast<long long>(random() % 64) - 32;
+        return random() % 2 == 0 ? near : -static_cast<long long>(random() >> (random() % 63 + 1));
+    };
+    for (int i = 0; i < 400'000; ++i)
+    {
+        const nxDecimalOracle x(mantissa(), static_cast<unsigned>(random() % 17)),
+            y(mantissa(), static_cast<unsigned>(random() % 17));
+        nxDecimalOracle product(x), quotient(x);
+        product.Calculate('*', y);
+        quotient.Calculate('/', y);
+        const nxDecimal a = Parts(x.mantissa, static_cast<unsigned char>(x.places));
+        const nxDecimal b = Parts(y.mantissa, static_cast<unsigned char>(y.places));
+        constexpr int directions[] = {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO};
+        std::fesetround(directions[i % 4]);
+        const nxDecimal foundProduct = a * b, foundQuotient = a / b;
+        std::fesetround(FE_TONEAREST);
+        ASSERT_TRUE(product.Matches(foundProduct) && quotient.Matches(foundQuotient))
+            << x << " and " << y << " gave " << foundProduct << " and " << foundQuotient;
+    }
+}
+
+// Spans of all lengths around a block, with one number in the middle that differs from the others.
+TEST(nxDecimal, SumsOfSpans)
+{
+    const nxDecimal odd[] = {
+        Parts(5, 2),  Parts(5, 1), Parts(1, 0), Parts(smallest, 2), Parts(largest, 2), Parts(3, 18), Parts(3, 19),
+        Parts(7, 40), null,        noChange};
+    for (std::size_t size = 0; size < 200; ++size)
+        for (const nxDecimal& other : odd)
+        {
+            std::vector<nxDecimal> values(size, Parts(1234567 + static_cast<long long>(size), 2));
+            if (size > 0)
+                values[size * 7 / 11] = other;
+            nxDecimal expected = null, exact(-1, 0);
+            nxErrorEnum error;
+            nxWide units = 0;  // of 10^-18
+            unsigned char places = 0;
+            for (const nxDecimal& value : values)
+            {
+                expected = expected.IsValid() ? expected + value : value;
+                places = std::max(places, value.GetDecimalPlaces());
+                if (!value.IsValid())
+                    error = NX_ERR_OBJECT_IS_NULL;
+                else if (value.GetDecimalPlaces() <= 18)
+                    units += nxWide{value.GetValue()} *
+                             static_cast<long long>(nxDecimalOracle::Power(18U - value.GetDecimalPlaces()));
+            }
+            EXPECT_EQ(Fields(nxDecimal::GetSum(values)), Fields(expected.IsValid() ? expected : nxDecimal()));
+            const auto unit = places <= 18 ? static_cast<long long>(nxDecimalOracle::Power(18U - places)) : 1;
+            if (error.IsOK() && (places > 18 || units / unit != static_cast<long long>(units / unit)))
+                error = NX_ERR_VALUE_OUT_OF_RANGE;
+            EXPECT_EQ(exact.SetFromSumExact(values), error) << size << ", " << other;
+            EXPECT_EQ(Fields(exact),
+                      Fields(error.IsOK() ? Parts(static_cast<long long>(units / unit), places) : nxDecimal(-1, 0)));
+        }
+    // Only the sum has to fit.
+    const nxDecimal beyond[] = {Parts(largest, 0), Parts(largest, 0), Parts(smallest, 0), Parts(smallest, 0),
+                                Parts(2, 0)};
+    nxDecimal sum;
+    EXPECT_TRUE(sum.SetFromSumExact(beyond).IsOK());
+    EXPECT_EQ(Fields(sum), Fields(Parts(0, 0)));
 }
 
 TEST(nxDecimal, Compares)

@@ -143,19 +143,21 @@ void ComparePair(Claim& claim, long long left, unsigned leftPlaces, long long ri
     const nxDecimal a = Decimal(left, leftPlaces);
     const nxDecimal b = Decimal(right, rightPlaces);
     const nxDecimalOracle x(left, leftPlaces), y(right, rightPlaces);
-    nxDecimalOracle sum(x), difference(x);
+    nxDecimalOracle sum(x), difference(x), product(x), quotient(x);
     sum.Calculate('+', y);
     difference.Calculate('-', y);
-    const bool holds =
-        sum.Matches(a + b) && difference.Matches(a - b) && (a < b) == x.IsLessThan(y) && (a == b) == x.Equals(y);
+    product.Calculate('*', y);
+    quotient.Calculate('/', y);
+    const bool holds = sum.Matches(a + b) && difference.Matches(a - b) && product.Matches(a * b) &&
+                       quotient.Matches(a / b) && (a < b) == x.IsLessThan(y) && (a == b) == x.Equals(y);
     claim.Check(holds, [&] { std::printf("  %lld/%u %lld/%u\n", left, leftPlaces, right, rightPlaces); });
 }
 
 void SmallSums()
 {
     const long long most = isLong ? 2'000 : 300;
-    Claim claim(isLong ? "sums, differences and order, mantissas to 2,000, places to 4"
-                       : "sums, differences and order, mantissas to 300, places to 4");
+    Claim claim(isLong ? "sums, differences, products, quotients and order, mantissas to 2,000, places to 4"
+                       : "sums, differences, products, quotients and order, mantissas to 300, places to 4");
     for (unsigned leftPlaces = 0; leftPlaces <= 4; ++leftPlaces)
         for (unsigned rightPlaces = 0; rightPlaces <= 4; ++rightPlaces)
             for (long long left = -most; left <= most; ++left)
@@ -166,7 +168,8 @@ void SmallSums()
 /// Around the largest mantissas that the integer path takes, where its proof is tightest, and just beyond.
 void SumsAtTheBound()
 {
-    Claim claim("sums, differences and order where a scaled mantissa is near 2^49, all places to 15");
+    Claim claim(
+        "sums, differences, products, quotients and order where a scaled mantissa is near 2^49, all places to 15");
     constexpr long long bound = (1LL << 49) - 1;
     const long long width = isLong ? 20 : 6;
     for (unsigned leftPlaces = 0; leftPlaces <= 15; ++leftPlaces)

@@ -103,15 +103,14 @@ public:
         return true;
     }
 
-    /// a *= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places, whatever direction of
-    /// rounding the thread is set to. A product that may be a tie is declined.
+    /// a *= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places. Declines a product that
+    /// may be a tie, and most in a thread that does not round to the nearest.
     ///
-    /// Let y be the product in units of 10^-P, and u = 2^-53 the relative error of rounding to the nearest once.
-    /// - The rules round both mantissas, both quotients, their product and the scaled fraction to the nearest. The fraction is
-    ///   cut off without error. What they round to an integer is off by 6u |y| (terms of u^2 left out).
-    /// - The double calculated here has five roundings, or six where a compiler regroups, each in any direction: it is off by
-    ///   12u |y|, and by 18u |y| from what the rules round.
-    /// - _SetNearest() takes the integer that is nearest to all numbers within 30u |y| of the double, so that the rules give it
+    /// Let y be the product in units of 10^-P, and u = 2^-53 the relative error of one rounding.
+    /// - The rules round both mantissas, both quotients, their product and the scaled fraction, six times in all. The fraction
+    ///   is cut off without error. What they round to an integer is off by 6u |y| (terms of u^2 left out).
+    /// - The double calculated here has five roundings, or six where a compiler regroups. The two are 12u |y| apart at most.
+    /// - _SetNearest() takes the integer that is nearest to all numbers within 31u |y| of the double, so that the rules give it
     ///   as well.
     /// - Where one of the place counts is 0, y is the product of the mantissas. Up to 2^49 the rules err by 3/8 of a unit.
     static bool Multiply(Number& a, const Number& b)
@@ -123,7 +122,7 @@ public:
             long long product;
             if (__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[unlikely]]
                 return false;
-            if (!_HasBits<49>(product)) [[unlikely]]
+            if (!_IsSmall(product)) [[unlikely]]
                 return false;
             a = {product, a.scale | b.scale};
             return true;
@@ -183,24 +182,18 @@ public:
     }
 
 private:
-    // Sets a number to the integer nearest to all numbers that differ from `units` by 32u of it or less. Declines when there is
-    // none, and beyond 2^46.
-    //
-    // One end of this interval is added to 1.5 * 2^52 and the other subtracted. Both yield one integer when the thread rounds to
-    // the nearest and no tie is between. A thread that rounds in another direction rounds the ends apart. They meet only where
-    // an integer is between them, which then is the nearest of all: 32u and 18u of 2^46 are less than one half.
+    // Sets a number to the integer nearest to all numbers that differ from `units` by 2^-48 of it or less. Declines when there
+    // is none, and in a thread that does not round to the nearest. From 2^48 up there is none: the ends of this interval are
+    // further apart than two neighbouring sums.
     static bool _SetNearest(double units, std::uint64_t places, Number& result)
     {
-        constexpr auto zero = std::bit_cast<std::uint64_t>(_integerShift);
         const double number = nxDoubleHelper::Rounded(units);
-        const auto added =
-            std::bit_cast<std::uint64_t>(nxDoubleHelper::Rounded(_integerShift + number * (1 + 0x1p-48)));
-        const auto taken =
-            std::bit_cast<std::uint64_t>(nxDoubleHelper::Rounded(_integerShift - number * (1 - 0x1p-48)));
-        const long long nearest = Wrap(added - zero);
-        if (added + taken != 2 * zero || !_HasBits<46>(nearest)) [[unlikely]]
+        const double sum = nxDoubleHelper::Rounded(number * (1 + 0x1p-48) + _integerShift);
+        const double other = nxDoubleHelper::Rounded(number * (1 - 0x1p-48) + _integerShift);
+        const auto bits = std::bit_cast<std::uint64_t>(sum);
+        if (bits != std::bit_cast<std::uint64_t>(other) || !nxDoubleHelper::RoundsToNearest()) [[unlikely]]
             return false;
-        result = {nearest, places};
+        result = {Wrap(bits - std::bit_cast<std::uint64_t>(_integerShift)), places};
         return true;
     }
 
@@ -265,11 +258,10 @@ private:
     static constexpr _Doubles _reciprocals = {1e-0, 1e-1, 1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
                                               1e-8, 1e-9, 1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15};
 
-    // Whether a number is from -2^Bits up to but not including 2^Bits.
-    template <unsigned Bits>
-    static constexpr bool _HasBits(long long value)
+    // From -2^49 up to but not including 2^49.
+    static constexpr bool _IsSmall(long long value)
     {
-        return ((static_cast<std::uint64_t>(value) + (std::uint64_t{1} << Bits)) >> (Bits + 1)) == 0;
+        return ((static_cast<std::uint64_t>(value) + (std::uint64_t{1} << 49)) >> 50) == 0;
     }
     static constexpr bool _IsWithin(long long value, std::uint64_t limit)
     {
