@@ -40,8 +40,8 @@ EXPLAINED = os.path.join(ROOT, "scripts", "mutants-explained.txt")
 CLASSES = {
     "nxDecimal": (
         ["core/numeric/nxDecimal.h", "core/numeric/inline/nxDecimalBodies.inc", "core/numeric/inline/nxDecimalQuick.h",
-         "core/numeric/nxDecimal.cpp", "core/numeric/internal/nxDecimalText.h", "core/numeric/internal/nxDecimalText.cpp",
-         "core/numeric/nxPowersOfTen.h", "core/platform/inline/nxDoubleHelper.h"],
+         "core/numeric/nxDecimal.cpp", "core/numeric/nxDecimalSum.cpp", "core/numeric/internal/nxDecimalText.h",
+         "core/numeric/internal/nxDecimalText.cpp", "core/numeric/nxPowersOfTen.h", "core/platform/inline/nxDoubleHelper.h"],
         ["tests/numeric/nxDecimalTest.cpp", "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxStringHelper": (
         ["core/text/nxStringHelper.h", "core/text/nxStringHelper.cpp", "core/numeric/nxStringHelperDouble.cpp",
