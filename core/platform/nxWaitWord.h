@@ -12,8 +12,9 @@ class nxWaitWord
 public:
     nxWaitWord() = delete;
 
-    /// Sleeps until a wake-up, or for @p nanoseconds of a clock that cannot be set; returns at once when @p word is not
-    /// @p expected. May return early without a reason: callers check again what they wait for. Leaves errno as it is.
+    /// Sleeps until a wake-up, or for @p nanoseconds of a clock that cannot be set; the largest number is no limit. Returns at
+    /// once when @p word is not @p expected. May return early without a reason: callers check again what they wait for.
+    /// Leaves errno as it is.
     static void Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoseconds) noexcept;
 
     /// Wakes every thread that sleeps on @p word. Leaves errno as it is.

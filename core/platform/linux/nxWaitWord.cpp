@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <climits>
 #include <ctime>
+#include <limits>
 
 #include "core/platform/nxNanoseconds.h"
 
@@ -16,8 +17,10 @@ static_assert(sizeof(std::atomic<std::uint32_t>) == sizeof(std::uint32_t), "the 
 void nxWaitWord::Wait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoseconds) noexcept
 {
     const timespec time{nanoseconds / nxNanoseconds::PerSecond, nanoseconds % nxNanoseconds::PerSecond};
+    // Without a time the system starts no timer, which it would have to stop before the thread goes on.
+    const bool isEndless = nanoseconds == std::numeric_limits<std::int64_t>::max();
     const int saved = errno;
-    syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, expected, &time, nullptr, 0);
+    syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, expected, isEndless ? nullptr : &time, nullptr, 0);
     errno = saved;
 }
 
