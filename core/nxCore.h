@@ -9,8 +9,10 @@
 
 #include "core/app/nxApplicationData.h"
 #include "core/app/nxCSVFileReader.h"
+#include "core/app/nxAtomicFile.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
+#include "core/app/nxFileHelper.h"
 #include "core/app/nxOption.h"
 #include "core/app/nxOptions.h"
 #include "core/enum/nxAPIConnectionTypeEnum.h"

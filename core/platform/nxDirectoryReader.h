@@ -12,8 +12,8 @@
 
 /// Reads the names in a directory, some at a time, with memory that does not depend on their number.
 ///
-/// - Errors: a directory that cannot be read further counts as read to its end. So does one that other code of the process
-///   has closed. std::bad_alloc is thrown.
+/// - Errors: a directory that cannot be read further counts as read to its end, and GetError() tells the difference. So does
+///   one that other code of the process has closed. std::bad_alloc is thrown.
 /// - Threads: like an int.
 class nxDirectoryReader
 {
@@ -24,6 +24,8 @@ public:
     bool ReadNext(std::string& name);
     /// Whether ReadNext() has returned no name since Open().
     bool IsEmpty() const { return _isEmpty; }
+    /// Why reading has ended before the last name; 0 when it has not.
+    int GetError() const { return _error; }
     void Close();
 
 private:
@@ -36,6 +38,7 @@ private:
     std::size_t _used = 0;
     std::size_t _at = 0;
     bool _isEmpty = true;
+    int _error = 0;
 };
 
 /// What is in a directory, by name. Links are never followed. Errors are the system's numbers, 0 for success.

@@ -37,6 +37,7 @@ int nxDirectoryReader::Open(const nxDirectory& directory)
     if (_buffer == nullptr)
         _buffer = std::make_unique<char[]>(_capacity);
     _isEmpty = true;
+    _error = 0;
     return 0;
 }
 
@@ -49,10 +50,14 @@ void nxDirectoryReader::Close()
 bool nxDirectoryReader::_Fill()
 {
     struct stat status = {};
-    if (!_descriptor.IsOpen() || _descriptor.Check(status) != 0)
+    if (!_descriptor.IsOpen())
+        return false;
+    _error = _descriptor.Check(status);
+    if (_error != 0)
         return false;
     const ssize_t taken =
         nxSystemCall::RetryInterrupted([&] { return getdents64(_descriptor.Get(), _buffer.get(), _capacity); });
+    _error = taken < 0 ? errno : 0;
     _used = taken > 0 ? static_cast<std::size_t>(taken) : 0;
     _at = 0;
     return _used != 0;
