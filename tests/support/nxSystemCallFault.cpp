@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/nxSystemCallFault.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <ifaddrs.h>
 #include <pthread.h>
