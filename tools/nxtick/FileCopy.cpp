@@ -2,37 +2,25 @@
 #include "FileCopy.h"
 
 #include <fcntl.h>
-#include <sys/xattr.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
+#include <string_view>
 #include <vector>
+
+#include "core/platform/nxFile.h"
 
 namespace nxtick
 {
 namespace
 {
-constexpr char accessList[] = "system.posix_acl_access";
-constexpr std::size_t largestAttribute = 65536;  // that the system has
-constexpr mode_t permissions = 0777;
-
-bool HasNone(int error) { return error == ENODATA || error == EOPNOTSUPP; }
-
-bool WriteAll(int file, const char* data, std::size_t size)
+bool WriteAll(int file, std::string_view text)
 {
-    while (size > 0)
-    {
-        const ssize_t count = ::write(file, data, size);
-        if (count < 0 && errno != EINTR)
-            return false;
-        if (count > 0)
-        {
-            data += count;
-            size -= static_cast<std::size_t>(count);
-        }
-    }
-    return true;
+    std::size_t written = 0;
+    errno = nxFile::WriteTo(file, text.data(), text.size(), written);
+    return written == text.size();
 }
 
 // Copies from the current position of both to the end of the first.
@@ -44,7 +32,7 @@ bool CopyRest(int from, int to)
         const ssize_t count = ::read(from, buffer.data(), buffer.size());
         if (count == 0)
             return true;
-        if (count < 0 ? errno != EINTR : !WriteAll(to, buffer.data(), static_cast<std::size_t>(count)))
+        if (count < 0 ? errno != EINTR : !WriteAll(to, {buffer.data(), static_cast<std::size_t>(count)}))
             return false;
     }
 }
@@ -63,24 +51,6 @@ bool Reserve(int file, off_t size)
     return false;
 }
 }  // namespace
-
-bool CopyAccess(int from, const struct stat& status, int to)
-{
-    struct stat own = {};
-    if (::fstat(to, &own) != 0)
-        return false;
-    if ((own.st_uid != status.st_uid || own.st_gid != status.st_gid) && ::fchown(to, status.st_uid, status.st_gid) != 0)
-        return false;
-    std::vector<char> list(largestAttribute);
-    const ssize_t size = ::fgetxattr(from, accessList, list.data(), list.size());
-    if (size >= 0)  // it holds the permissions too
-        return ::fsetxattr(to, accessList, list.data(), static_cast<std::size_t>(size), 0) == 0;
-    // A list inherited from the directory would change the meaning of the group's bits.
-    if (!HasNone(errno) || (::fremovexattr(to, accessList) != 0 && !HasNone(errno)))
-        return false;
-    return ::fchmod(to, status.st_mode & permissions) == 0 ||
-           (::fstat(to, &own) == 0 && ((own.st_mode ^ status.st_mode) & permissions) == 0);
-}
 
 bool CopyContent(int from, int to, bool& isTouched)
 {

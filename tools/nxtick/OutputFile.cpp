@@ -12,6 +12,7 @@
 #include "FileCopy.h"
 #include "Terminal.h"
 #include "core/app/nxCmdLineArgs.h"
+#include "core/platform/nxFileAccess.h"
 #include "core/text/nxPrintableText.h"
 
 namespace nxtick
@@ -56,7 +57,7 @@ void OutputFile::_OpenTemporary()
             FailToWrite(_name);
         return _OpenTemporaryElsewhere("no file can be made beside it: " + Reason());
     }
-    if (!CopyAccess(_target.file.Get(), _target.status, _temporary.Get()))
+    if (nxFileAccess::Copy(_target.file.Get(), {}, _target.status, _temporary.Get(), nxFileAccess::Owner::Kept) != 0)
         _whyInPlace = "a new file cannot have its owner and permissions";
 }
 

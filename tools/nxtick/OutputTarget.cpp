@@ -11,6 +11,7 @@
 #include <climits>
 
 #include "Failure.h"
+#include "core/platform/nxFileAccess.h"
 
 namespace nxtick
 {
@@ -34,16 +35,6 @@ bool IsOfProcesses(int directory)
 {
     struct statfs status = {};
     return ::fstatfs(directory, &status) == 0 && status.f_type == PROC_SUPER_MAGIC;
-}
-
-// In a directory where everybody may make links, only those of the user and of the directory's owner are followed.
-bool MayFollow(int directory, const struct stat& link)
-{
-    struct stat status = {};
-    if (::fstat(directory, &status) != 0)
-        return false;
-    const bool isShared = (status.st_mode & (S_ISVTX | S_IWOTH)) == (S_ISVTX | S_IWOTH);
-    return !isShared || link.st_uid == ::geteuid() || link.st_uid == status.st_uid;
 }
 
 // Follows links to the file or stream that a name leads to.
@@ -81,7 +72,7 @@ public:
                 _target.directory.Close();
                 return std::move(_target);
             }
-            if (!MayFollow(_target.directory.Get(), status))
+            if (!nxFileAccess::MayFollow(_target.directory.Get(), status))
             {
                 errno = EACCES;
                 FailToWrite(_shownName);

@@ -7,19 +7,17 @@
 #include <csignal>
 #include <string>
 
-#include "FileDescriptor.h"
+#include "core/platform/nxUnnamedFile.h"
 
 namespace nxtick
 {
-/// A file that has no name until it is complete, so that nothing is left of it however the program ends.
-///
-/// If the file system cannot make such files, the file has a name that nobody can guess, ".nxtick-" and 16 digits. It is
-/// removed when the object is destroyed or a signal ends the program (SIGHUP, SIGINT, SIGQUIT, SIGTERM). One object
-/// exists at a time. All operations return whether they succeeded; if not, errno says why.
+/// An nxUnnamedFile that is also removed when SIGHUP, SIGINT, SIGQUIT or SIGTERM ends the program, where the file system
+/// gives it a name from the beginning: ".nxtick-" and 16 digits. One object exists at a time. All operations return whether
+/// they succeeded; if not, errno says why.
 class TemporaryFile
 {
 public:
-    TemporaryFile() = default;
+    TemporaryFile() : _file(".nxtick-") {}
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -29,7 +27,7 @@ public:
     bool Create(int directory, mode_t mode);
 
     bool IsOpen() const { return _file.IsOpen(); }
-    int Get() const { return _file.Get(); }
+    int Get() const { return _file.GetDescriptor().Get(); }
 
     /// Gives it a name of the directory that nobody has: EEXIST when somebody has.
     bool Publish(const std::string& name);
@@ -37,14 +35,7 @@ public:
     bool Replace(const std::string& name);
 
 private:
-    bool _CreateNamed(mode_t mode);
-    bool _Link(const std::string& name) const;
-    bool _RenameToFree(const std::string& name) const;
-    void _Remove();
-
-    FileDescriptor _file;
-    int _directory = -1;
-    std::string _name;  // empty while it has none
+    nxUnnamedFile _file;
 };
 
 /// Keeps SIGHUP, SIGINT, SIGQUIT and SIGTERM waiting as long as it exists.
