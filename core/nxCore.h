@@ -8,8 +8,8 @@
 #include "core/nxExport.h"  // says first what is not supported
 
 #include "core/app/nxApplicationData.h"
-#include "core/app/nxCSVFileReader.h"
 #include "core/app/nxAtomicFile.h"
+#include "core/app/nxCSVFileReader.h"
 #include "core/app/nxCmdLineArgs.h"
 #include "core/app/nxConfigurationKeys.h"
 #include "core/app/nxFileHelper.h"
