@@ -41,7 +41,7 @@ public:
     enum class Durability : unsigned char
     {
         /// The end of the process, by kill -9 too. After a failure of the machine the file may have the old content, or on
-        /// some file systems none. Takes some ten microseconds.
+        /// some file systems none. Takes some tens of microseconds.
         Atomic,
         /// A failure of the machine too: content and name are on the disk when the operation returns. Takes as long as the
         /// disk needs twice, often some milliseconds.
