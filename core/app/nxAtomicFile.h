@@ -28,8 +28,9 @@
 ///   where everybody may make links, only those of the user and of the directory's owner are followed. A second hard link
 ///   keeps the old content.
 /// - What is left: the new file is in the same directory and has no name before Commit(). A process that is killed between
-///   the two calls of Commit() that give it the name leaves a whole file of the name ".nxcore-" and 16 digits. Where the file system has no
-///   files without a name, or /proc is missing, the new file has such a name from the beginning, and kill -9 leaves it.
+///   the two calls of Commit() that give it the name leaves a whole file of the name ".nxcore-" and 16 digits. Where the
+///   file system has no files without a name, or /proc is missing, the new file has such a name from the beginning, and
+///   kill -9 leaves it.
 /// - Errors: those of nxFileHelper, also NX_ERR_FILE_WRITE_ERR, and NX_ERR_NOT_INITIALISED when no file is open. After an
 ///   error of Append() or Commit() the new content is given up and no file is open. That holds for a failed fsync too:
 ///   a second one might report a success that is none. Only when the last step of Commit(Durable) fails, which tells the
