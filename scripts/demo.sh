@@ -64,10 +64,11 @@ heading "The same for a program"
 show -table $shares -price 3001 -ladder 1 -format json
 
 heading "A program with the library: bonds in 32nds, rounded and valued in euros on two threads"
-printf '$ %s examples/data\n' "$bonds"
-"$bonds" examples/data
+printf '$ %s examples/data %s\n' "$bonds" "$build/bond-values.csv"
+"$bonds" examples/data "$build/bond-values.csv"
 
 "$nxtick" -quiet -table $shares -chart "$build/tick-sizes.svg"
 heading "Next"
 printf '  %-36s %s\n' "$snapped" "the rows, all of them" "$build/tick-sizes.svg" "the shares' table as a picture" \
+    "$build/bond-values.csv" "the values of the bonds" \
     "$nxtick -list" "the other tables, with sources" "$nxtick -help" "what else it can do" "examples/" "programs to copy from"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a list of bonds is worth in one currency: prices in 32nds and decimals from CSV, rounded to their ticks, times a nominal
-// such as 1.5M, converted by crossed rates, and valued on a pool of threads. Run it with the folder of the data files.
+// such as 1.5M, converted by crossed rates, and valued on a pool of threads. Run it with the folder of the data files and the
+// name of a file for the values.
 
 #include <iomanip>
 #include <iostream>
@@ -9,6 +10,7 @@
 
 #include "Bond.h"
 #include "Market.h"
+#include "core/app/nxFileHelper.h"
 #include "core/thread/nxFunctorThreadPool.h"
 
 namespace
@@ -79,13 +81,28 @@ nxErrorEnum ShowValues(const std::vector<Bond>& bonds)
     std::cout << std::left << std::setw(30) << "total" << std::right << std::setw(17) << total.GetAsString('.') << '\n';
     return nxErrorEnum();
 }
+// Readers of the file see the rows of the last run or of this one, and never a part of them.
+nxErrorEnum WriteValues(const std::string& path, const std::vector<Bond>& bonds)
+{
+    std::string rows = "bond,price,value,currency\n";
+    for (const Bond& bond : bonds)
+        if (bond.error.IsOK())
+        {
+            rows.append(bond.name).append(",").append(bond.price.GetAsExactString('.')).append(",");
+            rows.append(bond.value.GetAmount().GetAsExactString('.'))
+                .append(",")
+                .append(target.GetLetters())
+                .append("\n");
+        }
+    return nxFileHelper::ReplaceFile(path, rows, nxFileHelper::Durability::Durable);
+}
 }  // namespace
 
 int main(int count, char** arguments)
 {
-    if (count != 2)
+    if (count != 3)
     {
-        std::cerr << "usage: " << arguments[0] << " FOLDER\n";
+        std::cerr << "usage: " << arguments[0] << " FOLDER RESULT.csv\n";
         return 2;
     }
     const std::string folder = arguments[1];
@@ -100,6 +117,8 @@ int main(int count, char** arguments)
         error = ValueBonds(market, bonds);
     if (error.IsOK())
         error = ShowValues(bonds);
+    if (error.IsOK())
+        error = WriteValues(arguments[2], bonds);
     if (!error.IsOK())
         std::cerr << error << ": " << error.GetLongDescription() << '\n';
     return error.IsOK() ? 0 : 1;
