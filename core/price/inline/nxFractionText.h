@@ -108,8 +108,8 @@ private:
     Digits _digits;
     char _mark;
     unsigned char _partOf[_mostPartTexts] = {};  // by the number that its digits spell; _noPart where there is none
-    std::vector<std::uint16_t> _stepOf;     // by the number that the digits after the mark spell
-    std::string _stepTexts;                 // of each step: mark, digits, zeros, and in the last byte the length
+    std::vector<std::uint16_t> _stepOf;          // by the number that the digits after the mark spell
+    std::string _stepTexts;                      // of each step: mark, digits, zeros, and in the last byte the length
 };
 
 #endif
