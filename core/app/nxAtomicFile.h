@@ -41,9 +41,9 @@
 class NX_CORE_API nxAtomicFile
 {
 public:
-    nxAtomicFile() noexcept;
-    nxAtomicFile(nxAtomicFile&& other) noexcept;
-    nxAtomicFile& operator=(nxAtomicFile&& other) noexcept;
+    nxAtomicFile() noexcept;                                 ///< Without a file.
+    nxAtomicFile(nxAtomicFile&& other) noexcept;             ///< Takes the file of @p other, which then has none.
+    nxAtomicFile& operator=(nxAtomicFile&& other) noexcept;  ///< The same; gives up what this object had open.
     /// Gives up what was not committed.
     ~nxAtomicFile();
 
@@ -52,6 +52,7 @@ public:
     /// @param systemError where given, receives the system's error number, 0 after success; so do the other operations.
     [[nodiscard]] nxErrorEnum Open(const std::string& path, int* systemError = nullptr);
 
+    /// @return whether Append() and Commit() have a file to work on.
     bool IsOpen() const { return _replacement != nullptr; }
 
     /// Adds bytes. Small pieces are gathered, so that an error may be reported by a later call.

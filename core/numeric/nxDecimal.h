@@ -102,6 +102,7 @@ public:
 
     /// @name Arguments that would be cut silently do not compile
     /// @{
+
     /// No decimal is made of a character, a truth value, more than 64 bits, places with a fraction, or a text and places.
     template <class Value, class Places>
     requires nxDecimalArguments::AreMistaken<Value, Places> nxDecimal(Value value, Places places)
@@ -176,6 +177,7 @@ public:
 
     /// @name Changing the representation
     /// @{
+
     /// Makes @p places the number of decimal places: more places add zeros. Fewer cut decimals off, toward zero; with
     /// @p onlyDropZeros they remove trailing zeros alone and stop at the first other digit, so that no digit is lost.
     /// Nothing happens to a value that is not valid.
@@ -213,6 +215,7 @@ public:
     /// @name Arithmetic
     /// The result has the larger of the two place counts.
     /// @{
+
     /// The exact sum where both have one scale, else that of the doubles. It wraps modulo 2^64.
     nxDecimal& operator+=(const nxDecimal& other);
     /// The exact difference where both have one scale, else that of the doubles. It wraps modulo 2^64.
@@ -269,6 +272,7 @@ public:
     /// Numbers of one scale compare exactly; across scales they are equal when their doubles differ by 2.2e-16 at most.
     /// Null equals null and no change equals no change; null is less than no change, and both are less than any number.
     /// @{
+
     /// Not transitive across scales; EqualsExactly() is.
     friend bool operator==(const nxDecimal& left, const nxDecimal& right) { return _IsEqual(left, right); }
     /// Sorts values of one scale; across scales the tolerance of `==` makes it no strict order.
@@ -358,13 +362,11 @@ private:
     static constexpr std::uint64_t _noChange = 0x200;
     static constexpr long long _encodedNull = INT64_MAX;
     static constexpr long long _encodedNoChange = INT64_MAX - 1;
-
     constexpr bool _SharesScale(const nxDecimal& other) const;
     constexpr bool _AreValid(const nxDecimal& other) const { return (_number.scale | other._number.scale) < _null; }
     constexpr unsigned char _LargerScale(const nxDecimal& other) const;
     constexpr std::uint64_t _GetMagnitude() const { return nxDecimalQuick::GetMagnitude(_number.mantissa); }
     constexpr void _Negate();
-
     // SetFromDouble() in a thread that rounds to the nearest.
     void _SetFromNearest(double number, unsigned char places);
     // Integers that compare as the values do; false when the slow paths have to compare.
@@ -373,9 +375,7 @@ private:
     static bool _IsBelow(const nxDecimal& left, const nxDecimal& right);
     static bool _IsAbove(const nxDecimal& left, const nxDecimal& right);
     static bool _IsUpTo(const nxDecimal& left, const nxDecimal& right);
-
-    // Everything beyond the quick paths, operands that are not valid included. These take and return values, so that an
-    // object in registers stays there.
+    // Everything beyond the quick paths, also for operands that are not valid. By value: what is in registers stays there.
     static nxDecimal _FromAnyDouble(double number, unsigned char places);
     static bool _ReadAnyString(std::string_view text, char separator, nxDecimal& value);
     static nxDecimal _RoundLarge(nxDecimal value, nxDecimal increment, unsigned method);
