@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Holds the library's list of currencies, core/numeric/nxCurrencies.inc, to public copies of the standard.
+"""Holds the library's list of currencies, core/numeric/internal/nxCurrencies.inc, to public copies of the standard.
 
     currencies.py compare [--agency FILE] [--cldr FOLDER]   tells every row that the sources at hand contradict
     currencies.py list --agency FILE [--cldr FOLDER]        writes the list again, from the agency's list and the rows
@@ -31,7 +31,7 @@ import tempfile
 import xml.etree.ElementTree
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-LIST = os.path.join(ROOT, "core/numeric/nxCurrencies.inc")
+LIST = os.path.join(ROOT, "core/numeric/internal/nxCurrencies.inc")
 ROW = re.compile(r'^NX_CURRENCY\("([A-Z]{3})", (\d+), (\d+|NoMinorUnits), "([^"]*)"\)(?:  // (.*))?$')
 ISO_CODES = "/usr/share/iso-codes/json/iso_4217.json"
 LOCALES = "/usr/share/i18n/locales/*"

@@ -22,7 +22,7 @@ nxCurrencyList MakeBuiltIn()
     constexpr unsigned char NoMinorUnits = nxCurrencyList::NoMinorUnits;
     static constexpr Listed listed[] = {
 #define NX_CURRENCY(letters, number, minorUnits, name) {letters, number, minorUnits, name},
-#include "core/numeric/nxCurrencies.inc"
+#include "core/numeric/internal/nxCurrencies.inc"
 #undef NX_CURRENCY
     };
     nxCurrencyList list;
