@@ -40,7 +40,7 @@ need()
 # What every build needs, and what the tests need beside it.
 build_tools=(g++ g++ cmake cmake ninja ninja-build)
 need_build_tools() { need "${build_tools[@]}"; }
-need_test_tools() { need "${build_tools[@]}" /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3; }
+need_test_tools() { need "${build_tools[@]}" /usr/include/fmt/format.h libfmt-dev gdb gdb /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev pkg-config pkg-config python3 python3 /usr/share/zoneinfo/America/Chicago tzdata; }
 # Programs of the system with which single tests work. A test whose program is missing is skipped by name.
 want_test_programs()
 {
@@ -52,6 +52,7 @@ want_test_programs()
         jq jq \
         zsh zsh \
         spin spin \
+        $modules/numpy/version.py python3-numpy \
         $modules/z3/z3.py python3-z3 \
         $modules/prometheus_client/__init__.py python3-prometheus-client ||
         echo "The tests that need them are skipped." >&2
