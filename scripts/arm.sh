@@ -65,6 +65,8 @@ END
 # The machine's registration of Arm programs: the head of a 64-bit ELF file for Arm.
 export NX_ARM_FOLDER=$folder NX_ARM_BUILD=$build NX_ARM_PROGRAMS=$programs
 export QEMU_LD_PREFIX=$root
+# The emulator takes ten times as long; the Release build tries the random programs of the tests in full.
+export NX_TEST_OPERATIONS=${NX_TEST_OPERATIONS:-30000}
 cat >"$folder/run.sh" <<'END'
 set -u
 if mount -t binfmt_misc none /proc/sys/fs/binfmt_misc 2>/dev/null &&
