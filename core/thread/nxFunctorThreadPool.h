@@ -69,15 +69,8 @@ public:
     template <nxFunctor F>
     [[nodiscard]] nxErrorEnum TimedPost(F&& functor, double seconds, Priority priority = Priority::Normal)
     {
-        if constexpr (std::is_function_v<std::remove_reference_t<F>>)
-            return TimedPost(std::decay_t<F>(functor), seconds, priority);
-        else
-        {
-            using Actions = nxFunctorActionsOf<F>;
-            if (Actions::IsEmpty(functor))
-                return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
-            return _Post(Actions::GetAddress(functor), Actions::Value, seconds, priority);
-        }
+        return nxPostFunctor(std::forward<F>(functor), [&](void* address, const nxFunctorActions& actions)
+                             { return _Post(address, actions, seconds, priority); });
     }
 
     /// Accepts nothing more; the threads end when nothing is left to run. May be called again, from any thread and from a

@@ -9,6 +9,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/enum/nxErrorEnum.h"
+
 /// What can be posted to an nxFunctorQueue: anything that can be moved and called without arguments. Its result is ignored.
 template <class F>
 concept nxFunctor = std::is_move_constructible_v<std::decay_t<F>> && std::is_constructible_v<std::decay_t<F>, F> &&
@@ -96,5 +98,21 @@ public:
             return false;
     }
 };
+
+/// Calls @p post with the address of a functor and its actions. @return what @p post returns; NX_ERR_INVALID_PARAMETER for a
+/// null function.
+template <class F, class Post>
+nxErrorEnum nxPostFunctor(F&& functor, Post post)
+{
+    if constexpr (std::is_function_v<std::remove_reference_t<F>>)
+        return nxPostFunctor(std::decay_t<F>(functor), post);
+    else
+    {
+        using Actions = nxFunctorActionsOf<F>;
+        if (Actions::IsEmpty(functor))
+            return nxErrorEnum(NX_ERR_INVALID_PARAMETER);
+        return post(Actions::GetAddress(functor), Actions::Value);
+    }
+}
 
 #endif
