@@ -78,7 +78,7 @@ fuzz_one()
 {
     local name=${1##*/fuzz_} folder=build/clang-sanitize
     mkdir -p "$folder/corpus/$name" "fuzz/corpus/$name"
-    "$1" -runs="${NX_FUZZ_RUNS:-200000}" -max_total_time="${NX_FUZZ_SECONDS:-6}" -timeout=10 -rss_limit_mb=4096 -verbosity=0 \
+    "$1" -runs="${NX_FUZZ_RUNS:-200000}" -max_total_time="${NX_FUZZ_SECONDS:-4}" -timeout=10 -rss_limit_mb=4096 -verbosity=0 \
         -artifact_prefix="$folder/$name-" "$folder/corpus/$name" "fuzz/corpus/$name" >"$folder/$name.log" 2>&1 ||
         { echo "fuzz_$name:"; tail -n 30 "$folder/$name.log"; return 1; }
 }

@@ -9,13 +9,12 @@
 
 /// How long a random test runs and where it starts: NX_TEST_OPERATIONS is the number of operations of each test in
 /// all, NX_TEST_SEED the seed. Unset, a test does what takes a second at most, the same on every run. Under the
-/// sanitizers, which make these tests of one thread up to ten times as slow, it does a part: a fifth where threads are looked
-/// at, and a third where memory is.
+/// sanitizers, which make these tests of one thread up to ten times as slow, it does a fifth of it.
 struct nxRandomTest
 {
     static std::uint64_t GetOperations(std::uint64_t otherwise)
     {
-        return Get("NX_TEST_OPERATIONS", otherwise / (nxUnderThreadSanitizer ? 5 : nxUnderAddressSanitizer ? 3 : 1));
+        return Get("NX_TEST_OPERATIONS", otherwise / (nxUnderThreadSanitizer || nxUnderAddressSanitizer ? 5 : 1));
     }
     static std::uint64_t GetSeed(std::uint64_t otherwise) { return Get("NX_TEST_SEED", otherwise); }
 
