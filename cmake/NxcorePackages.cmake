@@ -36,7 +36,7 @@ set(CPACK_DEBIAN_SOURCES_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_SOURCES_PACKAGE_ARCHITECTURE all)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "The shared library.")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers, CMake and pkg-config files, debugger printers.")
-set(CPACK_COMPONENT_TOOLS_DESCRIPTION "nxtick, which snaps, steps and explains prices, and formats of log lines for lnav.")
+set(CPACK_COMPONENT_TOOLS_DESCRIPTION "nxtick, which snaps, steps and explains prices, and log formats for lnav.")
 set(CPACK_COMPONENT_SOURCES_DESCRIPTION "The sources, where debuggers find them with the packages of debug symbols.")
 set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "The guide, the reference, the tick tables and the benchmark report.")
 
