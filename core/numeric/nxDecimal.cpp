@@ -58,9 +58,9 @@ struct Rounding
     bool isNegative;
 
     // Whether the multiple above is due.
-    bool ExceedsThreshold(std::uint64_t rest, std::uint64_t scaledStep) const
+    bool RoundsUp(std::uint64_t rest, std::uint64_t scaledStep) const
     {
-        return rest > nxDecimalQuick::GetThreshold(method, isNegative, scaledStep);
+        return nxDecimalQuick::RoundsUp(rest, method, isNegative, scaledStep);
     }
 };
 
@@ -72,7 +72,7 @@ std::uint64_t RoundAtIncrementScale(const Rounding& rounding, std::uint64_t from
     for (std::uint64_t places = from; places < to; ++places)
         rest = TimesTenModulo(rest, rounding.step);
     const std::uint64_t scaled = rounding.magnitude * nxPowersOfTen::GetInteger(to - from);
-    return scaled - rest + (rounding.ExceedsThreshold(rest, rounding.step) ? rounding.step : 0);
+    return scaled - rest + (rounding.RoundsUp(rest, rounding.step) ? rounding.step : 0);
 }
 
 // The step gets the given number of places more. When it exceeds 64 bits then, it is more than twice the magnitude: the
@@ -87,7 +87,7 @@ std::uint64_t RoundAtValueScale(const Rounding& rounding, std::uint64_t morePlac
     }
     const std::uint64_t scaledStep = step * nxPowersOfTen::GetInteger(morePlaces);
     const std::uint64_t rest = magnitude % scaledStep;
-    return (magnitude / scaledStep + (rounding.ExceedsThreshold(rest, scaledStep) ? 1 : 0)) * step;
+    return (magnitude / scaledStep + (rounding.RoundsUp(rest, scaledStep) ? 1 : 0)) * step;
 }
 }  // namespace
 

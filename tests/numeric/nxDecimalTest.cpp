@@ -148,6 +148,15 @@ TEST(nxDecimal, ProductsAndQuotientsAgreeWithTheOracleInAllDirections)
     }
 }
 
+TEST(nxDecimal, QuotientsByPowersOfTenAreExact)
+{
+    for (unsigned places = 0; places <= nxPowerQuotient::MaxPlaces; ++places)
+        for (const std::uint64_t power = nxDecimalOracle::Power(places);
+             const std::uint64_t near : {power, 9 * power, nxPowerQuotient::MaxDividend / power * power})
+            for (const std::uint64_t dividend : {near - 1, near, nxPowerQuotient::MaxDividend})
+                EXPECT_EQ(nxPowerQuotient::Get(dividend, places), dividend / power) << dividend << ", " << places;
+}
+
 // Spans of all lengths around a block, with one number in the middle that differs from the others.
 TEST(nxDecimal, SumsOfSpans)
 {

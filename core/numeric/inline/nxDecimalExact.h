@@ -8,6 +8,7 @@
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/numeric/inline/nxDecimalQuick.h"
+#include "core/numeric/inline/nxPowerQuotient.h"
 #include "core/numeric/nxPowersOfTen.h"
 #include "core/nxExport.h"
 
@@ -46,10 +47,11 @@ public:
         if (places <= MaxPlaces && cut <= MaxPlaces && nxDecimalQuick::IsMethod(method) &&
             !__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[likely]]
         {
-            // It fits: only a tenth of the product or less is rounded up.
-            const std::uint64_t quotient = GetRoundedQuotient(nxDecimalQuick::GetMagnitude(product),
-                                                              nxPowersOfTen::GetInteger(cut), method, product < 0);
-            return _Set(a, _GetSigned(quotient, product < 0), places);
+            const std::uint64_t step = nxPowersOfTen::GetInteger(cut);
+            const std::uint64_t sum =
+                nxDecimalQuick::GetMagnitude(product) + nxDecimalQuick::GetAddend(method, product < 0, step);
+            if (sum <= nxPowerQuotient::MaxDividend) [[likely]]
+                return _Set(a, nxDecimalQuick::GetSigned(nxPowerQuotient::Get(sum, cut), product), places);
         }
         Number result;
         const nxErrorEnum error = _MultiplyFar(a, b, places, method, result);
@@ -60,17 +62,18 @@ public:
     {
         // The quotient of the mantissas counts units of 10^-(a.scale - b.scale).
         const std::uint64_t added = places + b.scale - a.scale;
-        std::uint64_t dividend;
-        if ((a.scale | b.scale | places) <= 31 && places <= MaxPlaces && added <= MaxPlaces && b.mantissa != 0 &&
-            nxDecimalQuick::IsMethod(method) &&
-            !__builtin_mul_overflow(nxDecimalQuick::GetMagnitude(a.mantissa), nxPowersOfTen::GetInteger(added),
-                                    &dividend)) [[likely]]
+        long long dividend;
+        if ((a.scale | b.scale) <= 31 && places <= MaxPlaces && added <= MaxPlaces && b.mantissa != 0 &&
+            nxDecimalQuick::IsMethod(method) && !__builtin_mul_overflow(a.mantissa, _GetPower(added), &dividend))
+            [[likely]]
         {
-            const bool isNegative = (a.mantissa < 0) != (b.mantissa < 0);
+            const long long sign = dividend ^ b.mantissa;
+            const std::uint64_t divisor = nxDecimalQuick::GetMagnitude(b.mantissa);
             const std::uint64_t quotient =
-                GetRoundedQuotient(dividend, nxDecimalQuick::GetMagnitude(b.mantissa), method, isNegative);
+                (nxDecimalQuick::GetMagnitude(dividend) + nxDecimalQuick::GetAddend(method, sign < 0, divisor)) /
+                divisor;
             if (quotient <= INT64_MAX) [[likely]]
-                return _Set(a, _GetSigned(quotient, isNegative), places);
+                return _Set(a, nxDecimalQuick::GetSigned(quotient, sign), places);
         }
         Number result;
         const nxErrorEnum error = _DivideFar(a, b, places, method, result);
@@ -115,7 +118,7 @@ public:
     {
         const Unsigned quotient = dividend / divisor;
         const Unsigned rest = dividend - quotient * divisor;
-        return quotient + (rest > nxDecimalQuick::GetThreshold(method, isNegative, divisor) ? 1 : 0);
+        return quotient + (nxDecimalQuick::RoundsUp(rest, method, isNegative, divisor) ? 1 : 0);
     }
 
 private:
@@ -153,10 +156,6 @@ private:
     static constexpr long long _GetPower(std::uint64_t places)
     {
         return static_cast<long long>(nxPowersOfTen::GetInteger(places));
-    }
-    static constexpr long long _GetSigned(std::uint64_t magnitude, bool isNegative)
-    {
-        return nxDecimalQuick::Wrap(isNegative ? 0 - magnitude : magnitude);
     }
     static nxErrorEnum _Set(Number& number, long long mantissa, std::uint64_t scale)
     {

@@ -35,6 +35,12 @@ public:
         const auto bits = static_cast<std::uint64_t>(mantissa);
         return mantissa < 0 ? 0 - bits : bits;
     }
+    /// @return @p magnitude with the sign of @p number, modulo 2^64. Without a branch, because signs are hard to foresee.
+    static constexpr long long GetSigned(std::uint64_t magnitude, long long number)
+    {
+        const auto signs = static_cast<std::uint64_t>(number >> 63);
+        return Wrap((magnitude ^ signs) - signs);
+    }
 
     /// Rounds a double to @p places decimals, in a thread that rounds to the nearest. Takes up to 15 places and numbers
     /// whose whole part fits 64 bits.
@@ -104,39 +110,34 @@ public:
     }
 
     /// a *= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places. Declines a product that
-    /// may be a tie, and most in a thread that does not round to the nearest.
+    /// may be a tie.
     ///
-    /// Let y be the product in units of 10^-P, and u = 2^-53 the relative error of one rounding.
+    /// Let y be the product in units of 10^-P, and u = 2^-53 the relative error of one rounding to the nearest.
     /// - The rules round both mantissas, both quotients, their product and the scaled fraction, six times in all. The fraction
     ///   is cut off without error. What they round to an integer is off by 6u |y| (terms of u^2 left out).
-    /// - The double calculated here has five roundings, or six where a compiler regroups. The two are 12u |y| apart at most.
-    /// - _SetNearest() takes the integer that is nearest to all numbers within 31u |y| of the double, so that the rules give it
+    /// - The double calculated here has five roundings, or six where a compiler regroups. In a thread that does not round to the
+    ///   nearest each is off by up to 2u, together by 12u |y|. The two are 18u |y| apart at most.
+    /// - _SetNearest() takes the integer that is nearest to all numbers within 32u |y| of the double, so that the rules give it
     ///   as well.
     /// - Where one of the place counts is 0, y is the product of the mantissas. Up to 2^49 the rules err by 3/8 of a unit.
     static bool Multiply(Number& a, const Number& b)
     {
+        if (b.scale == 0)
+            return _SetProduct(a, b, a.scale);
+        if (a.scale == 0)
+            return _SetProduct(a, b, b.scale);
         if (!_HaveFewPlaces(a, b)) [[unlikely]]
             return false;
-        if (b.scale == 0 || a.scale == 0)
-        {
-            long long product;
-            if (__builtin_mul_overflow(a.mantissa, b.mantissa, &product)) [[unlikely]]
-                return false;
-            if (!_IsSmall(product)) [[unlikely]]
-                return false;
-            a = {product, a.scale | b.scale};
-            return true;
-        }
         const std::uint64_t smaller = std::min(a.scale, b.scale);
         const double product = static_cast<double>(a.mantissa) * static_cast<double>(b.mantissa);
         return _SetNearest(product * _reciprocals.by[smaller], a.scale + b.scale - smaller, a);
     }
 
-    /// a /= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places and a divisor other
-    /// than 0. The quotient in units of 10^-P is y = a * 10^(P + pb - pa) / b, and the proof is that of Multiply().
+    /// a /= b, rounded to the larger of the place counts P, for two valid numbers of at most 15 places. Declines a divisor of 0.
+    /// The quotient in units of 10^-P is y = a * 10^(P + pb - pa) / b, and the proof is that of Multiply().
     static bool Divide(Number& a, const Number& b)
     {
-        if (!_HaveFewPlaces(a, b) || b.mantissa == 0) [[unlikely]]
+        if (!_HaveFewPlaces(a, b)) [[unlikely]]
             return false;
         const std::uint64_t places = std::max(a.scale, b.scale);
         const double dividend = static_cast<double>(a.mantissa) * _powers.by[places + b.scale - a.scale];
@@ -150,50 +151,69 @@ public:
         long long value, signedStep;
         if (increment.mantissa == 0 || !IsMethod(method) || !Align(number, increment, value, signedStep))
             return false;
-        const bool negative = value < 0;
-        const auto magnitude = static_cast<std::uint64_t>(negative ? -value : value);
-        const auto step = static_cast<std::uint64_t>(signedStep < 0 ? -signedStep : signedStep);
-        const std::uint64_t steps = magnitude / step;
-        const std::uint64_t rest = magnitude - steps * step;
-        const std::uint64_t rounded =
-            (steps + (rest > GetThreshold(method, negative, step) ? 1 : 0)) * GetMagnitude(increment.mantissa);
-        number = {Wrap(negative ? 0 - rounded : rounded), increment.scale};
+        const std::uint64_t step = GetMagnitude(signedStep);
+        const std::uint64_t steps = (GetMagnitude(value) + GetAddend(method, value < 0, step)) / step;
+        number = {GetSigned(steps * GetMagnitude(increment.mantissa), value), increment.scale};
         return true;
     }
     /// @return whether the method is one of the four. The class of the methods accepts nothing above its last one, and
     ///         what is below them means undefined or no change.
     static constexpr bool IsMethod(unsigned method) { return method >= NX_ROUNDING_METHOD_DOWN; }
-    /// @return the threshold that a rest exceeds when the multiple above is due, where the magnitude of a number is taken
-    ///         in whole steps and a rest. The threshold @p step itself is never exceeded.
+    /// @return what is added to the magnitude of a number so that its quotient by @p step, cut off, is the rounded one. It is
+    ///         less than @p step.
     template <class Unsigned>
-    static constexpr Unsigned GetThreshold(unsigned method, bool negative, Unsigned step)
+    static constexpr Unsigned GetAddend(unsigned method, bool negative, Unsigned step)
     {
         switch (method)
         {
             case NX_ROUNDING_METHOD_DOWN:
-                return negative ? 0 : step;
+                return negative ? step - 1 : 0;
             case NX_ROUNDING_METHOD_UP:
-                return negative ? step : 0;
+                return negative ? 0 : step - 1;
             case NX_ROUNDING_METHOD_NEAREST:
-                return (step - 1) / 2;
-            default:
                 return step / 2;
+            default:
+                return (step - 1) / 2;
         }
+    }
+    /// @return whether the multiple above is due for a magnitude of whole steps and a @p rest, which is less than @p step.
+    template <class Unsigned>
+    static constexpr bool RoundsUp(Unsigned rest, unsigned method, bool negative, Unsigned step)
+    {
+        return rest >= step - GetAddend(method, negative, step);
     }
 
 private:
+    // Sets a number to the product of two mantissas, if it is below 2^49 in magnitude. Shifted up by fourteen bits, every other
+    // product overflows.
+    static bool _SetProduct(Number& a, const Number& b, std::uint64_t places)
+    {
+        long long shifted, product;
+        if (places > _maxPlaces || __builtin_mul_overflow(a.mantissa, 1LL << 14, &shifted) ||
+            __builtin_mul_overflow(shifted, b.mantissa, &product)) [[unlikely]]
+            return false;
+        a = {product >> 14, places};
+        return true;
+    }
+
     // Sets a number to the integer nearest to all numbers that differ from `units` by 2^-48 of it or less. Declines when there
-    // is none, and in a thread that does not round to the nearest. From 2^48 up there is none: the ends of this interval are
-    // further apart than two neighbouring sums.
+    // is none, and NaN and the infinities.
+    //
+    // The sum with _integerShift is an integer next to `units`; which one, depends on the direction of rounding. It is the
+    // nearest to all of them when its distance, which is exact, and the difference together make less than a half. That sum
+    // too may be rounded, but never from a half or more to less. From 2^47 up the difference alone makes a half.
     static bool _SetNearest(double units, std::uint64_t places, Number& result)
     {
         const double number = nxDoubleHelper::Rounded(units);
-        const double sum = nxDoubleHelper::Rounded(number * (1 + 0x1p-48) + _integerShift);
-        const double other = nxDoubleHelper::Rounded(number * (1 - 0x1p-48) + _integerShift);
-        const auto bits = std::bit_cast<std::uint64_t>(sum);
-        if (bits != std::bit_cast<std::uint64_t>(other) || !nxDoubleHelper::RoundsToNearest()) [[unlikely]]
+        const double sum = nxDoubleHelper::Rounded(number + _integerShift);
+        const double nearest = nxDoubleHelper::Rounded(sum - _integerShift);
+        const long long integer = nxDoubleHelper::ToInteger(nearest);
+        const double distance = __builtin_fabs(nxDoubleHelper::Rounded(nearest - number));
+        const double spread = nxDoubleHelper::Rounded(distance + __builtin_fabs(number) * 0x1p-48);
+        // The bits, because switches of the compiler let comparisons of doubles ignore NaN.
+        if (std::bit_cast<std::uint64_t>(spread) >= std::bit_cast<std::uint64_t>(0.5)) [[unlikely]]
             return false;
-        result = {Wrap(bits - std::bit_cast<std::uint64_t>(_integerShift)), places};
+        result = {integer, places};
         return true;
     }
 
@@ -258,11 +278,6 @@ private:
     static constexpr _Doubles _reciprocals = {1e-0, 1e-1, 1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
                                               1e-8, 1e-9, 1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15};
 
-    // From -2^49 up to but not including 2^49.
-    static constexpr bool _IsSmall(long long value)
-    {
-        return ((static_cast<std::uint64_t>(value) + (std::uint64_t{1} << 49)) >> 50) == 0;
-    }
     static constexpr bool _IsWithin(long long value, std::uint64_t limit)
     {
         return static_cast<std::uint64_t>(value) + limit <= 2 * limit;

@@ -124,7 +124,7 @@ bool GetProduct(const Factors& factors, nxUnsignedWide& product)
 // @param quarters of the divisor in the rest: 0 for none, 1 for less than a half, 2 for a half, 3 for more.
 unsigned GetIncrement(unsigned quarters, unsigned method, bool isNegative)
 {
-    return quarters > nxDecimalQuick::GetThreshold(method, isNegative, 4U) ? 1 : 0;
+    return nxDecimalQuick::RoundsUp(quarters, method, isNegative, 4U) ? 1 : 0;
 }
 
 // The quotient rounded; the largest number when it is 2^63 or more by far. Schoolbook division with one digit of 64 bits,
