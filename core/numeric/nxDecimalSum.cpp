@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <span>
 
 #include "core/numeric/inline/nxWide.h"
@@ -12,13 +14,37 @@ namespace
 {
 constexpr std::size_t sumBlockSize = 64;
 
+// The mantissa and the scale of a decimal, which one instruction adds.
+using Words = std::uint64_t __attribute__((vector_size(16)));
+static_assert(sizeof(Words) == sizeof(nxDecimal) && offsetof(nxDecimalQuick::Number, scale) == sizeof(std::uint64_t));
+
+// What the numbers of a block give together. Four of them take turns, because each waits for its last addition.
+struct SumTurn
+{
+    Words sums = {};
+    Words scales = {};   // all bits that occur
+    Words shifted = {};  // all bits that occur in a mantissa plus 2^56
+
+    void Add(const nxDecimal& value)
+    {
+        const auto words = std::bit_cast<Words>(value);
+        sums += words;
+        scales |= words;
+        shifted |= words + Words{std::uint64_t{1} << 56, 0};
+    }
+    void Add(const SumTurn& other)
+    {
+        sums += other.sums;
+        scales |= other.scales;
+        shifted |= other.shifted;
+    }
+};
+
 struct SumBlock
 {
     std::span<const nxDecimal> values;
-    std::uint64_t scale;       // of the first number, or above 255
-    std::uint64_t sum = 0;     // modulo 2^64
-    std::uint64_t others = 0;  // 0 when all numbers have the scale
-    std::uint64_t bits = 0;    // all that occur in a mantissa plus 2^56
+    std::uint64_t scale;  // of the first number, or above 255
+    SumTurn total;
 
     // Takes the numbers off the span.
     SumBlock(std::span<const nxDecimal>& rest, std::uint64_t expectedScale)
@@ -30,17 +56,21 @@ struct SumBlock
         if (rest.size() >= ahead + sumBlockSize)
             for (std::size_t i = ahead; i < ahead + sumBlockSize; i += 4)
                 __builtin_prefetch(&rest[i]);
-        for (const nxDecimal& value : values)
-        {
-            const auto mantissa = static_cast<std::uint64_t>(value.GetValue());
-            sum += mantissa;
-            others |= value.GetScale() ^ scale;
-            bits |= mantissa + (std::uint64_t{1} << 56);
-        }
+        SumTurn turns[4];
+        std::size_t i = 0;
+        for (; i + 4 <= values.size(); i += 4)
+            for (std::size_t turn = 0; turn < 4; ++turn)
+                turns[turn].Add(values[i + turn]);
+        for (; i < values.size(); ++i)
+            turns[0].Add(values[i]);
+        for (const SumTurn& turn : turns)
+            total.Add(turn);
     }
-    bool HasOneScale() const { return others == 0; }
+    std::uint64_t GetSum() const { return total.sums[0]; }
+    // No scale has a bit that the expected one lacks, so that none is larger, and together they are as large.
+    bool HasOneScale() const { return total.scales[1] == scale && total.sums[1] == scale * values.size(); }
     // All mantissas are from -2^56 up to 2^56, so that 64 of them do not exceed 2^62.
-    bool Fits() const { return bits >> 57 == 0; }
+    bool Fits() const { return total.shifted[0] >> 57 == 0; }
 };
 
 // The exact sum of numbers of at most 18 places. Each scale has a total of its own, which 2^64 numbers cannot exceed.
@@ -50,7 +80,7 @@ public:
     void Add(const SumBlock& block)
     {
         if (block.HasOneScale() && block.Fits() && block.scale <= nxDecimal::MaxExactPlaces)
-            return _Add(nxDecimalQuick::Wrap(block.sum), block.scale);
+            return _Add(nxDecimalQuick::Wrap(block.GetSum()), block.scale);
         for (const nxDecimal& value : block.values)
         {
             _hasAllValues = _hasAllValues && value.IsValid();
@@ -107,7 +137,8 @@ nxDecimal nxDecimal::GetSum(std::span<const nxDecimal> values)
     {
         const SumBlock block(values, sum.GetScale());
         if (block.HasOneScale())
-            sum._number.mantissa = nxDecimalQuick::Wrap(static_cast<std::uint64_t>(sum._number.mantissa) + block.sum);
+            sum._number.mantissa =
+                nxDecimalQuick::Wrap(static_cast<std::uint64_t>(sum._number.mantissa) + block.GetSum());
         else
             for (const nxDecimal& value : block.values)
                 sum += value;
