@@ -156,6 +156,14 @@ struct PlainInteger
     }
 };
 
+// As many bytes as a decimal has: what memory alone costs.
+struct TwoWords
+{
+    using Value = long long __attribute__((vector_size(16)));
+    static Value Make(const Number& n) { return Value{n.mantissa, n.places}; }
+    static Value Add(const Value& a, const Value& b) { return a + b; }
+};
+
 struct PlainDouble
 {
     static double Make(const Number& n) { return n.AsDecimal().GetAsDouble(); }
@@ -660,6 +668,7 @@ const bool registered = []
     RegisterArray("decimal_sum_of_span", "ours", SumSpan);
     RegisterArray("decimal_sum_of_span", "ours_exact", SumSpanExact);
     RegisterArray("decimal_sum_of_span", "limit_int64", Sum<PlainInteger>);
+    RegisterArray("decimal_sum_of_span", "limit_two_words", Sum<TwoWords>);
 #ifdef NX_BENCHMARK_HAS_BID
     RegisterPairs<Bid64>("peer_bid64");
     RegisterExact<Bid64>("peer_bid64");
