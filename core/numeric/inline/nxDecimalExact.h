@@ -69,6 +69,7 @@ public:
         {
             const long long sign = dividend ^ b.mantissa;
             const std::uint64_t divisor = nxDecimalQuick::GetMagnitude(b.mantissa);
+            // The dividend is 2^63 at most and the addend less, so that the sum does not wrap.
             const std::uint64_t quotient =
                 (nxDecimalQuick::GetMagnitude(dividend) + nxDecimalQuick::GetAddend(method, sign < 0, divisor)) /
                 divisor;

@@ -199,9 +199,9 @@ private:
     // Sets a number to the integer nearest to all numbers that differ from `units` by 2^-48 of it or less. Declines when there
     // is none, and NaN and the infinities.
     //
-    // The sum with _integerShift is an integer next to `units`; which one, depends on the direction of rounding. It is the
-    // nearest to all of them when its distance, which is exact, and the difference together make less than a half. That sum
-    // too may be rounded, but never from a half or more to less. From 2^47 up the difference alone makes a half.
+    // The sum with _integerShift is an integer next to `units`; the direction of rounding decides which one. It is the nearest
+    // to all of them when its distance, which is exact below a half, and the difference together make less than a half. That
+    // sum too may be rounded, but never from a half or more to less. From 2^47 up the difference alone makes a half.
     static bool _SetNearest(double units, std::uint64_t places, Number& result)
     {
         const double number = nxDoubleHelper::Rounded(units);

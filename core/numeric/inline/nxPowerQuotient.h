@@ -11,10 +11,10 @@
 
 /// Quotients by powers of ten, by a multiplication in place of the slower division.
 ///
-/// Let d be the power, s the smallest number with d <= 2^s, and f the smallest integer from 2^(63 + s) / d up, which is below
-/// 2^64. f d exceeds 2^(63 + s) by e < d <= 2^s. For a dividend n the product n f / 2^(63 + s) is n / d + n e / (d 2^(63 + s)).
-/// It exceeds the quotient by less than n / 2^63 units of 1 / d. Below 2^63 that is less than one unit, so that both have the
-/// same whole part.
+/// Let d be the power, s the smallest number with d <= 2^s, and f the quotient 2^(63 + s) / d rounded up, which is below 2^64.
+/// f d exceeds 2^(63 + s) by e < d <= 2^s. For a dividend n the product n f / 2^(63 + s) is n / d + n e / (d 2^(63 + s)). It
+/// exceeds n / d by less than n / 2^63 units of 1 / d. For n below 2^63 that is less than one unit, so that both have the same
+/// whole part.
 /// - Threads and ownership: functions of their arguments.
 class nxPowerQuotient
 {
