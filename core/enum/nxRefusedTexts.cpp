@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
+#include <utility>
 
 #include "core/enum/inline/nxEnumTable.h"
 #include "core/enum/internal/nxEnumInterval.h"
@@ -23,15 +25,27 @@ template <class Item>
 using KeptItems = std::atomic<const Kept<Item>*>;
 
 template <class Item>
-void KeepOnce(KeptItems<Item>& latest, const Item& item)
+bool IsBetween(const Kept<Item>* first, const Kept<Item>* end, const Item& item)
 {
-    const Kept<Item>* const known = latest.load(std::memory_order_acquire);
-    for (const Kept<Item>* kept = known; kept != nullptr; kept = kept->previous)
-        if (kept->item == item)
-            return;
-    auto* const added = new Kept<Item>{item, known};
-    while (!latest.compare_exchange_weak(added->previous, added, std::memory_order_release, std::memory_order_acquire))
-        continue;
+    while (first != end && !(first->item == item))
+        first = first->previous;
+    return first != end;
+}
+
+// @return what was added, which continues with all that was added before; null for an item that was there.
+template <class Item>
+const Kept<Item>* KeepOnce(KeptItems<Item>& latest, const Item& item)
+{
+    const Kept<Item>* known = latest.load(std::memory_order_acquire);
+    if (IsBetween<Item>(known, nullptr, item))
+        return nullptr;
+    std::unique_ptr<Kept<Item>> added(new Kept<Item>{item, known});
+    // What other threads have added meanwhile is looked at as well.
+    while (!latest.compare_exchange_weak(added->previous, added.get(), std::memory_order_release,
+                                         std::memory_order_acquire))
+        if (IsBetween(added->previous, std::exchange(known, added->previous), item))
+            return nullptr;
+    return added.release();
 }
 
 // A class of an application or a plug-in. The name is copied, because a plug-in may be unloaded.
@@ -45,32 +59,29 @@ struct RegisteredClass
     bool operator==(const RegisteredClass&) const = default;
 };
 
-constinit KeptItems<std::string> toldSentences = nullptr;
+// One for each row: which classes overlap, and why a row is refused, may have changed when it comes again.
+struct ToldSentence
+{
+    std::string subject;
+    std::string text;
+
+    bool operator==(const ToldSentence& other) const { return subject == other.subject; }
+};
+
+constinit KeptItems<ToldSentence> toldSentences = nullptr;
 constinit KeptItems<RegisteredClass> registeredClasses = nullptr;
 
+// The library's, and those from @p latest on.
 template <class Visitor>
-void VisitClasses(const Visitor& visit)
+void VisitClasses(const Kept<RegisteredClass>* latest, const Visitor& visit)
 {
     for (const nxEnumInterval& interval : nxEnumInterval::OfLibrary())
         visit(interval);
-    for (auto* kept = registeredClasses.load(std::memory_order_acquire); kept != nullptr; kept = kept->previous)
-        visit(kept->item.GetInterval());
+    for (; latest != nullptr; latest = latest->previous)
+        visit(latest->item.GetInterval());
 }
 
 std::string InQuotes(std::string_view text) { return std::string(1, '\'').append(text).append(1, '\''); }
-
-// @return " of " and the name of the class that has the value; empty when it is not known.
-std::string OfClass(unsigned value)
-{
-    std::string text;
-    VisitClasses(
-        [&](const nxEnumInterval& interval)
-        {
-            if (text.empty() && interval.Has(value))
-                text.append(" of ").append(interval.name);
-        });
-    return text;
-}
 
 std::string Describe(const nxEnumInterval& interval)
 {
@@ -78,9 +89,29 @@ std::string Describe(const nxEnumInterval& interval)
            std::to_string(interval.maximum) + ")";
 }
 
-void Tell(const std::string& subject, const std::string& reason)
+void TellOverlap(const nxEnumInterval& interval, const nxEnumInterval& known)
 {
-    KeepOnce(toldSentences, subject + " is not registered: " + reason);
+    const std::string text = Describe(interval) + " and " + Describe(known) + " have values in common";
+    KeepOnce(toldSentences, {text, text});
+}
+
+// @return " of " and the name of the class that has the value; empty when it is not known.
+std::string OfClass(unsigned value)
+{
+    std::string text;
+    VisitClasses(registeredClasses.load(std::memory_order_acquire),
+                 [&](const nxEnumInterval& interval)
+                 {
+                     if (text.empty() && interval.Has(value))
+                         text.append(" of ").append(interval.name);
+                 });
+    return text;
+}
+
+// @param of the class of the row, which is not what tells it from others.
+void Tell(const std::string& subject, const std::string& of, const std::string& reason)
+{
+    KeepOnce(toldSentences, {subject, subject + of + " is not registered: " + reason});
 }
 
 // When there is no memory for a sentence, registration continues without it.
@@ -111,7 +142,7 @@ std::vector<std::string> nxRefusedTexts::Get()
 {
     std::vector<std::string> all;
     for (auto* kept = toldSentences.load(std::memory_order_acquire); kept != nullptr; kept = kept->previous)
-        all.push_back(kept->item);
+        all.push_back(kept->item.text);
     std::reverse(all.begin(), all.end());
     return all;
 }
@@ -121,17 +152,20 @@ void nxRefusedTexts::AddClass(std::string_view className, unsigned minimum, unsi
     IfThereIsMemory(
         [&]
         {
-            const RegisteredClass added{std::string(className), minimum, maximum};
-            VisitClasses(
-                [&, interval = added.GetInterval()](const nxEnumInterval& known)
-                {
-                    const bool isTheSame =
-                        known.name == added.name && known.minimum == minimum && known.maximum == maximum;
-                    if (!isTheSame && known.Overlaps(interval))
-                        KeepOnce(toldSentences,
-                                 Describe(interval) + " and " + Describe(known) + " have values in common");
-                });
-            KeepOnce(registeredClasses, added);
+            // A pair is found by the class that is added later, and only when that comes for the first time.
+            const Kept<RegisteredClass>* const added =
+                KeepOnce(registeredClasses, {std::string(className), minimum, maximum});
+            if (added == nullptr)
+                return;
+            const nxEnumInterval interval = added->item.GetInterval();
+            VisitClasses(added->previous,
+                         [&](const nxEnumInterval& known)
+                         {
+                             const bool isTheSame =
+                                 known.name == added->item.name && known.minimum == minimum && known.maximum == maximum;
+                             if (!isTheSame && known.Overlaps(interval))
+                                 TellOverlap(interval, known);
+                         });
         });
 }
 
@@ -140,9 +174,8 @@ void nxRefusedTexts::AddValue(unsigned value, std::string_view shortDescription)
     if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value);
         texts == nullptr || texts->first != shortDescription)
         IfThereIsMemory(
-            [&]
-            {
-                Tell(std::to_string(value) + " " + InQuotes(shortDescription) + OfClass(value),
+            [&] {
+                Tell(std::to_string(value) + " " + InQuotes(shortDescription), OfClass(value),
                      ReasonOf(value, shortDescription));
             });
 }
@@ -151,7 +184,8 @@ void nxRefusedTexts::AddOutside(unsigned value, std::string_view shortDescriptio
 {
     IfThereIsMemory(
         [&] {
-            Tell(std::to_string(value) + " " + InQuotes(shortDescription), "it lies outside the interval of its class");
+            Tell(std::to_string(value) + " " + InQuotes(shortDescription), "",
+                 "it lies outside the interval of its class");
         });
 }
 
@@ -162,7 +196,7 @@ void nxRefusedTexts::AddFlag(std::string_view className, unsigned long long word
         IfThereIsMemory(
             [&]
             {
-                Tell(std::string(className) + " " + std::to_string(word) + " " + InQuotes(shortDescription),
+                Tell(std::string(className) + " " + std::to_string(word) + " " + InQuotes(shortDescription), "",
                      "the flag has the text " + InQuotes(kept));
             });
 }

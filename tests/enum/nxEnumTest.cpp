@@ -249,6 +249,8 @@ TEST(nxEnum, RefusedRowsAreToldOnce)
     EXPECT_EQ(Registered<RivalEnum>(), (std::vector<unsigned>{3000202, 3000204, QuoteEnum::FIRM}));
     EXPECT_FALSE(nxEnum::IsRegisteredEnumValue(3000205));
     EXPECT_EQ(nxErrorEnum(1500000).GetAsString(), "NOT_REGISTERED");
+    nxRefusedTexts::AddClass("LateEnum", 3000200, 3000202);
+    EXPECT_TRUE(RivalEnum::Register());
     nxRefusedTexts::AddClass("TouchingEnum", 3000099, 3000201);
     nxRefusedTexts::AddClass("UpperBoolEnum", 5001, 5010);
     std::vector<std::string> told = nxRefusedTexts::Get();
@@ -262,12 +264,23 @@ TEST(nxEnum, RefusedRowsAreToldOnce)
                   std::string("3000203 '")
                       .append(65, 'R')
                       .append("' of RivalEnum is not registered: the identifier is longer than 64 characters"),
+                  "LateEnum (3000200 to 3000202) and RivalEnum (3000200 to 3000300) have values in common",
                   "UpperBoolEnum (5001 to 5010) and nxBoolEnum (5000 to 5003) have values in common"}));
     SessionEnum session;
     RivalEnum rival;
     EXPECT_TRUE(session.SetFromString("SESSION_DAY") && session.GetLongDescription() == "day session");
     EXPECT_FALSE(rival.SetFromString("OTHER"));
     EXPECT_TRUE(rival.SetFromString(std::string(64, 'R')) && rival == 3000204);
+
+    constexpr unsigned rows = 500;
+    const std::size_t before = nxRefusedTexts::Get().size();
+    const auto refuse = []
+    {
+        for (unsigned value = 0; value != rows; ++value)
+            nxRefusedTexts::AddOutside(value, "AT_ONCE");
+    };
+    nxInThreads(4, refuse);
+    EXPECT_EQ(nxRefusedTexts::Get().size(), before + rows);
 }
 
 // A thousand names that differ in one place, wherever it is: no slot of the table is the first choice of many.
