@@ -4,7 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -13,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/support/ring.h"
 #include "core/enum/nxValueStatusEnum.h"
 #include "core/numeric/nxDecimal.h"
 #include "core/text/inline/nxDigits.h"
@@ -30,10 +30,6 @@
 
 namespace
 {
-constexpr std::size_t ringSize = 1024;
-template <class T>
-using Ring = std::array<T, ringSize>;
-
 // --- Inputs ---
 
 struct Number
@@ -441,17 +437,14 @@ void RegisterPairs(const char* column)
 // Prices of one to seven digits, one in eight of them negative.
 const Ring<Number>& Prices()
 {
-    static const Ring<Number> prices = []
-    {
-        std::mt19937_64 random(4);
-        Ring<Number> numbers{};
-        for (Number& number : numbers)
+    static const auto prices = MakeRing(
+        [](auto& random)
         {
             const auto magnitude = static_cast<long long>(random() % 10'000'000);
-            number = {random() % 8 == 0 ? -magnitude : magnitude, static_cast<unsigned char>(random() % 5)};
-        }
-        return numbers;
-    }();
+            const bool isNegative = random() % 8 == 0;
+            return Number{isNegative ? -magnitude : magnitude, static_cast<unsigned char>(random() % 5)};
+        },
+        4);
     return prices;
 }
 Ring<std::string> Texts()

@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "benchmarks/support/ring.h"
 #include "core/numeric/nxCurrencyList.h"
 #include "core/numeric/nxExchangeRateConverter.h"
 
@@ -22,10 +22,6 @@
 
 namespace
 {
-constexpr std::size_t ringSize = 1024;
-template <class T>
-using Ring = std::array<T, ringSize>;
-
 const nxRoundingMethodEnum& Nearest()
 {
     static const nxRoundingMethodEnum nearest(NX_ROUNDING_METHOD_NEAREST);
@@ -48,16 +44,6 @@ void Measure(benchmark::State& state, const Ring<T>& inputs, Operation operation
         auto result = operation(inputs[at++ % ringSize]);
         benchmark::DoNotOptimize(result);
     }
-}
-
-template <class Make>
-auto MakeRing(Make make)
-{
-    std::mt19937_64 random(1);
-    Ring<decltype(make(random))> ring{};
-    for (auto& element : ring)
-        element = make(random);
-    return ring;
 }
 
 // --- Sums and splits ---
