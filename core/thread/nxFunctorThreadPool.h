@@ -18,6 +18,9 @@ class nxFunctorWorkers;
 /// | stopping       | NX_ERR_THR_ALREADY_STARTED | NX_ERR_THR_NOT_RUNNING | until the threads end     | abandons and joins|
 /// | ended          | NX_ERR_THR_ALREADY_STARTED | NX_ERR_THR_NOT_RUNNING | success                   | nothing           |
 /// | forked child   | NX_ERR_THR_NOT_RUNNING     | NX_ERR_THR_NOT_RUNNING | NX_ERR_THR_NOT_RUNNING    | nothing           |
+/// | the same, while a thread was inside Start() | NX_ERR_THR_NOT_RUNNING | NX_ERR_NOT_INITIALISED | NX_ERR_NOT_INITIALISED | nothing |
+///
+/// A child can start a pool that was not started when it was forked.
 ///
 /// - Order: functors of one priority begin in the order in which they were posted, but several run at once. With one thread each
 ///   ends before the next begins: see nxFunctorThread.

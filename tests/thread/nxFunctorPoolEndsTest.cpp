@@ -179,6 +179,37 @@ TEST(nxFunctorThreadPool, AFunctorAndAnotherThreadForkWhileTheQueueIsFull)
     }
 }
 
+TEST(nxFunctorThreadPool, AChildCannotStartAPoolThatAnotherThreadWasStarting)
+{
+    if (!nxInNewProcess())
+        return;
+    static nxStage stage;
+    nxFunctorThreadPool pool;
+    {
+        const auto isHeldUp = []
+        {
+            stage.Reach(1);
+            stage.WaitFor(2);
+        };
+        const nxJoinedThread starting(
+            [&]
+            {
+                const nxSystemCallFault fault("pthread_create", EAGAIN, {.meanwhile = isHeldUp});
+                EXPECT_EQ(pool.Start(1), NX_ERR_THR_RESOURCE);
+            });
+        stage.WaitFor(1);
+        const auto inChild = [&pool]
+        {
+            EXPECT_EQ(pool.Start(1), NX_ERR_THR_NOT_RUNNING);
+            EXPECT_EQ(pool.Post([] {}), NX_ERR_NOT_INITIALISED);
+        };
+        EXPECT_TRUE(nxInChild(inChild));
+        stage.Reach(2);
+    }
+    EXPECT_TRUE(nxInChild([&pool] { Posted(pool.Start(1)); }));
+    Posted(pool.Start(1));
+}
+
 TEST(nxFunctorThreadPool, ACancelledThreadLeavesTheRestToTheOthers)
 {
     const auto token = std::make_shared<int>();

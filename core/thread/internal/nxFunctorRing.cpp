@@ -50,7 +50,7 @@ std::size_t CountCells(std::uint32_t capacity, unsigned threads)
 nxFunctorRing::nxFunctorRing(std::size_t capacity, unsigned threads)
     : _capacity(CutCapacity(capacity)),
       _mostTaken(GetLargestBatch(_capacity, threads)),
-      _generation(functorGeneration.load(std::memory_order_relaxed)),
+      _generation(GetGeneration()),
       _cells(CountCells(_capacity, threads)),
       _free(_cells.Link(static_cast<std::uint32_t>(CountCells(_capacity, threads)))),
       _threads(threads)
@@ -63,10 +63,9 @@ nxFunctorRing::~nxFunctorRing()
         _cells.Leak();
 }
 
-bool nxFunctorRing::IsOfParent() const noexcept
-{
-    return functorGeneration.load(std::memory_order_relaxed) != _generation;
-}
+unsigned nxFunctorRing::GetGeneration() noexcept { return functorGeneration.load(std::memory_order_relaxed); }
+
+bool nxFunctorRing::IsOfParent() const noexcept { return GetGeneration() != _generation; }
 
 // Calls
 

@@ -65,6 +65,8 @@ public:
     nxErrorEnum WaitForEnd(double seconds);
     Counts GetCounts();
 
+    /// Grows with every fork, in the child.
+    static unsigned GetGeneration() noexcept;
     /// Whether this is a child of the process that made the ring. Its locks and cells may then be in any state.
     bool IsOfParent() const noexcept;
 

@@ -77,6 +77,30 @@ nxErrorEnum nxFunctorWorkers::Start(unsigned threads, const nxFunctorThreadOptio
 {
     if (const nxFunctorRing* const ring = GetRing(); ring != nullptr && ring->IsOfParent())
         return nxErrorEnum(NX_ERR_THR_NOT_RUNNING);
+    if (!_Enter())
+        return nxErrorEnum(NX_ERR_THR_NOT_RUNNING);
+    const nxErrorEnum error = _Start(threads, options);
+    _starting.fetch_sub(1);
+    return error;
+}
+
+// @return false where a thread was inside Start() when this process was forked.
+bool nxFunctorWorkers::_Enter() noexcept
+{
+    const std::uint64_t generation = std::uint64_t{nxFunctorRing::GetGeneration()} << 32;
+    std::uint64_t before = _starting.load();
+    for (;;)
+    {
+        const auto threads = static_cast<std::uint32_t>(before);
+        if (threads != 0 && before - threads != generation)
+            return false;
+        if (_starting.compare_exchange_weak(before, generation + threads + 1))
+            return true;
+    }
+}
+
+nxErrorEnum nxFunctorWorkers::_Start(unsigned threads, const nxFunctorThreadOptions& options)
+{
     const nxMutexGuard guard(_mutex);
     if (GetRing() != nullptr)
         return nxErrorEnum(NX_ERR_THR_ALREADY_STARTED);

@@ -3,6 +3,7 @@
 #define CORE_THREAD_INTERNAL_NXFUNCTORWORKERS_H
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,9 +56,15 @@ public:
 private:
     using Workers = std::vector<std::unique_ptr<nxFunctorWorker>>;
 
+    bool _Enter() noexcept;
+    nxErrorEnum _Start(unsigned threads, const nxFunctorThreadOptions& options);
     static Workers _Make(const std::shared_ptr<nxFunctorRing>& ring, unsigned threads, const std::string& name);
     static nxErrorEnum _StartAll(const Workers& workers, const nxFunctorThreadOptions& options);
 
+    // The threads inside Start() in the low half, and the generation of their process in the high one. A forked child that
+    // finds threads of its parent leaves the mutex alone, which one of them may hold. Changed before the mutex is locked and
+    // after it is unlocked. It hands nothing over, but has the default order: what a fork copies must not show the lock alone.
+    std::atomic<std::uint64_t> _starting{0};
     nxMutex _mutex;
     std::shared_ptr<nxFunctorRing> _ring;  // constant once it is published
     Workers _workers NX_GUARDED_BY(_mutex);
