@@ -40,7 +40,8 @@ struct nxLogStatistics
 ///   large record at a time, and small rings for threads that come when it is full, go beyond the bound. A thread
 ///   inside a device never waits for room, and no more than a tenth of a second for another device: what it cannot
 ///   hand over counts as dropped.
-/// - Start: the deferred-write thread starts with the first device, or with the first record that comes earlier.
+/// - Start: the deferred-write thread starts with the first device, or with the first record that comes earlier. The
+///   thread that starts it first looks up the local zone, once in a process; the library's threads never read the environment.
 ///   Records from before the first device are kept for it, up to a mebibyte. While the thread cannot be started,
 ///   records from the warning level on are written by the threads that report them; the error stream is told, once.
 /// - Fatal records: a record of the fatal level waits until it is with the operating system, 100 milliseconds at most,

@@ -24,6 +24,20 @@ public:
     ///         Set().
     [[nodiscard]] static int Copy(const char* name, std::span<char> value) noexcept;
 
+    /// Keeps other threads out of Copy() and Set() for as long as it lives, around a function of the C library that reads the
+    /// environment by itself. Waits until they have left; not for ever, because a signal handler may have interrupted one.
+    class Reading
+    {
+    public:
+        Reading() noexcept;
+        ~Reading();
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+    private:
+        bool _isOurs = false;
+    };
+
     /// Called in a forked child: a thread of the parent that was in Copy() or Set() does not exist there.
     static void AfterForkInChild() noexcept;
 

@@ -114,11 +114,13 @@ const nxTimeZone* Keep(nxPages<KeptTable>& table)
     return &added->zone;
 }
 
+constinit thread_local bool leavesEnvironmentAlone = false;
+
 // A copy of the variable TZ.
 class Setting
 {
 public:
-    Setting() : _error(nxEnvironment::Copy("TZ", _text)) {}
+    Setting() : _error(leavesEnvironmentAlone ? EBUSY : nxEnvironment::Copy("TZ", _text)) {}
 
     // Whether it could be read. It is known, too, that there is no such variable.
     bool IsKnown() const { return _error == 0 || _error == ENOENT; }
@@ -162,6 +164,16 @@ bool nxLocalZone::FindAndCheck(std::int64_t second, nxLocalMinute& minute)
     errno = error;
     return found;
 }
+
+// Not in a forked child, where the caller might wait for ever for a lock of the C library.
+void nxLocalZone::PrepareForOwnThread(std::int64_t second) noexcept
+{
+    nxLocalMinute minute;
+    if (!Find(second, minute) && !isForkedChild.load(std::memory_order_relaxed))
+        static_cast<void>(FindAndCheck(second, minute));
+}
+
+void nxLocalZone::LeaveEnvironmentAlone() noexcept { leavesEnvironmentAlone = true; }
 
 bool nxLocalZone::_FindWithLibrary(std::int64_t second, nxLocalMinute& minute)
 {

@@ -17,6 +17,10 @@
 /// clock and in every month of its two hundred years. When the caller asks for it, once in a while, it is compared
 /// again: about the second in question, and throughout when TZ has another text than the table was built for. Where
 /// there is no such table, localtime_r answers each time; a table is tried again after some thousand answers.
+///
+/// The library's own threads leave the environment alone, because a program that has no other threads may change it with
+/// setenv(). They use the table that another thread has built. After a change of the zone localtime_r answers them until
+/// another thread has asked; a change that neither the mark nor their own times show reaches them then, too.
 class nxLocalZone
 {
 public:
@@ -40,6 +44,12 @@ public:
     /// the C library that another thread of the parent held.
     /// @return false when the C library's calendar does not reach that far.
     static bool FindAndCheck(std::int64_t second, nxLocalMinute& minute);
+
+    /// Called by the thread that starts a thread of the library: makes the C library set the zone, and builds the table, if
+    /// that has not been done. Does nothing in a forked child. @param second any of our days.
+    static void PrepareForOwnThread(std::int64_t second) noexcept;
+    /// Called by a thread of the library: it never reads the environment from now on.
+    static void LeaveEnvironmentAlone() noexcept;
 
 private:
     static bool _FindWithLibrary(std::int64_t second, nxLocalMinute& minute);

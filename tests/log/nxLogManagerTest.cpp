@@ -2,6 +2,7 @@
 #include "core/log/nxLogManager.h"
 
 #include <linux/membarrier.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 
 #include <barrier>
@@ -745,4 +746,35 @@ TEST(nxLogManager, StartsItsThreadAlsoWhileThatIsBeingAdjusted)
         isWritten = hasCome;
     }
     EXPECT_TRUE(isWritten);
+}
+
+// A program without threads of its own may change it at any time.
+TEST(nxLogManager, ItsThreadLeavesTheEnvironmentAlone)
+{
+    if (!nxInNewProcess())  // in which nothing has asked for a local time
+        return;
+    LineDevice device({nxLogLineStyle::Full, true});
+    constexpr std::size_t size = 4'096;
+    void* const page = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(page, MAP_FAILED);
+    char** const before = std::exchange(environ, static_cast<char**>(page));
+    EXPECT_EQ(mprotect(page, size, PROT_NONE), 0);
+    for (int round = 0; round < 600; ++round)  // more than go without a look at the zone
+    {
+        NX_LOG(NX_LOG_LEVEL_INFO) << round;
+        WaitUntilWritten();
+    }
+    environ = before;
+    munmap(page, size);
+    EXPECT_EQ(std::count(device.text.begin(), device.text.end(), '\n'), 600);
+
+    for (const auto& [zone, expected] :
+         {std::pair("FIX-5:30", "01Jan70 05:30:00"), std::pair("FIX3", "31Dec69 21:00:00")})
+    {
+        const nxZoneOfProcess set(zone);
+        nxLog record(NX_LOG_LEVEL_INFO, "manager test", 1, nxTimeStamp(0, 0));
+        Manager().Write(record);
+        WaitUntilWritten();
+        EXPECT_NE(device.text.find(expected), std::string::npos) << device.text.substr(device.text.size() - 100);
+    }
 }

@@ -11,6 +11,7 @@
 #include "core/log/internal/nxLogDeviceThread.h"
 #include "core/log/internal/nxLogForkLock.h"
 #include "core/log/internal/nxLogTimedLock.h"
+#include "core/platform/nxLocalZone.h"
 #include "core/platform/nxServiceThread.h"
 #include "core/platform/nxThisThread.h"
 #include "core/platform/nxThreadSanitizer.h"
@@ -119,6 +120,7 @@ void nxLogDeviceQueue::AskForMaintenance() noexcept
 void nxLogDeviceQueue::Run() noexcept
 {
     nxServiceThread::Become("nxlogdevice");
+    nxLocalZone::LeaveEnvironmentAlone();
     // What a device reports while it is called never waits for room, nor for other devices.
     nxLogBell::SetCallerInsideDevice(true);
     while (!_IsToEnd())

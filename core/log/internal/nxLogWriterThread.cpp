@@ -16,6 +16,7 @@
 #include "core/log/internal/nxLogWriter.h"
 #include "core/log/nxLogDeferredWriteThread.h"
 #include "core/platform/inline/nxClock.h"
+#include "core/platform/nxLocalZone.h"
 #include "core/platform/nxProcess.h"
 #include "core/platform/nxStandardStream.h"
 #include "core/platform/nxThisThread.h"
@@ -66,6 +67,7 @@ bool nxLogWriterThread::Start() noexcept
 bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
 {
     nxLogExit::Register();
+    nxLocalZone::PrepareForOwnThread(nxClock::Now().seconds);
     const nxMutexGuard guard(_settingsMutex);
     if (_thread != nullptr)
         static_cast<void>(_thread->Wait());  // returns soon, because the state is Stopped
@@ -135,6 +137,7 @@ void nxLogWriterThread::SetThread(std::span<const unsigned> processors, unsigned
 void nxLogWriterThread::Run() noexcept
 {
     nxServiceThread::Become("nxlog");
+    nxLocalZone::LeaveEnvironmentAlone();
     nxLogBell::SetCallerWriter(true);
     nxLogIdleSleep idleSleep(nxLogChannelList::GetInstance());
     unsigned emptyLooks = 0;

@@ -66,6 +66,23 @@ int nxEnvironment::Copy(const char* name, std::span<char> value) noexcept
     return result;
 }
 
+nxEnvironment::Reading::Reading() noexcept
+{
+    constexpr int attempts = 1'000;
+    for (int i = 0; i < attempts && !_isOurs; ++i)
+    {
+        _isOurs = Take();
+        if (!_isOurs)
+            sched_yield();
+    }
+}
+
+nxEnvironment::Reading::~Reading()
+{
+    if (_isOurs)
+        GiveBack();
+}
+
 void nxEnvironment::AfterForkInChild() noexcept { GiveBack(); }
 
 bool nxEnvironment::IsSecureExecution() { return ::getauxval(AT_SECURE) != 0; }

@@ -5,19 +5,28 @@
 
 #include <utility>
 
+#include "core/platform/nxEnvironment.h"
 #include "core/platform/nxThisThread.h"
 
 namespace
 {
 pthread_mutex_t askingTheLibrary = PTHREAD_MUTEX_INITIALIZER;
 bool isHeldForFork = false;  // of the thread that forks
+bool hasAsked = false;       // under the mutex
+
+bool Ask(std::time_t moment, std::tm& fields)
+{
+    if (std::exchange(hasAsked, true))
+        return localtime_r(&moment, &fields) != nullptr;
+    const nxEnvironment::Reading reading;
+    return localtime_r(&moment, &fields) != nullptr;
+}
 }  // namespace
 
 bool nxSystemZone::GetLocalTime(std::int64_t second, std::tm& fields)
 {
-    const std::time_t moment = second;
     pthread_mutex_lock(&askingTheLibrary);
-    const bool isKnown = localtime_r(&moment, &fields) != nullptr;
+    const bool isKnown = Ask(second, fields);
     pthread_mutex_unlock(&askingTheLibrary);
     return isKnown;
 }

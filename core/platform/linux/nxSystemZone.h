@@ -27,8 +27,9 @@ public:
     nxSystemZone() = delete;
 
     /// Asks the C library for the local time at @p second, counted from 1 January 1970 00:00 UTC. The first call may set
-    /// the zone from the variable TZ. Takes a lock of the C library, which the forks of that library do not take: a child
-    /// that was forked inside the call would wait for it for ever. One thread at a time is inside, and none at a fork.
+    /// the zone from the variable TZ, safely beside nxEnvironment::Set(); later ones do not read the environment. Takes a
+    /// lock of the C library, which the forks of that library do not take: a child that was forked inside the call would
+    /// wait for it for ever. One thread at a time is inside, and none at a fork.
     /// @return false when the C library's calendar does not reach that far.
     static bool GetLocalTime(std::int64_t second, std::tm& fields);
 
