@@ -748,6 +748,16 @@ TEST(nxLogManager, StartsItsThreadAlsoWhileThatIsBeingAdjusted)
     EXPECT_TRUE(isWritten);
 }
 
+TEST(nxLogManager, WritesTheWarningOfAnotherThreadWhileItsThreadFailsToStart)
+{
+    if (!nxInNewProcess())  // its thread is not tried again for a second
+        return;
+    const auto warn = [] { nxInThreads(1, [] { NX_LOG(NX_LOG_LEVEL_WARNING) << "meanwhile"; }); };
+    const nxSystemCallFault fault("pthread_create", EAGAIN, {.meanwhile = warn});
+    const Device device;
+    EXPECT_EQ(device.writes, 1);
+}
+
 // A program without threads of its own may change it at any time.
 TEST(nxLogManager, ItsThreadLeavesTheEnvironmentAlone)
 {

@@ -64,7 +64,7 @@ public:
     /// Does one round in the calling thread, if it may wait and gets its turn within @p limit nanoseconds.
     static void RunRoundHere(std::int64_t limit = 0) noexcept;
     /// Has a record of @p level, which the calling thread has just queued, written at once: by the deferred-write
-    /// thread, or by the calling thread itself while that cannot be started. Waits until a fatal record is written, a
+    /// thread, or by the calling thread itself while that does not run. Waits until a fatal record is written, a
     /// tenth of a second at most, because the process may end before the next round.
     static void Urge(nxEnumValue level) noexcept;
 

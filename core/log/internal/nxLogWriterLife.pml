@@ -7,8 +7,8 @@
 // a device that reports itself; tickets of waiting threads; Destroy() followed by a registration; both steps of the end of the
 // process; a fork, after which the model follows either the parent or the child, because they share nothing. The child reports,
 // stops and ends. Rings are one count of records. Left out: the sleep (nxLogIdleSleep.pml), several devices
-// (nxLogDeviceList.pml), limits of time except that of Stop(), a system that refuses the thread, records that are kept for the
-// first device, forks from inside a device, and memory orders, which the locks and the changes of state give.
+// (nxLogDeviceList.pml), limits of time except that of Stop(), records that are kept for the first device, forks from inside a
+// device, and memory orders, which the locks and the changes of state give.
 //
 // What holds: one deferred-write thread at most in a process (ONE). What was reported before Destroy(), a wait or the end of the
 // process was given to the devices when these are over (WRITTEN), and without them it is written in the end, too, because
@@ -16,17 +16,23 @@
 // inside of (WHOLE). The child has an empty queue, a thread of its own, and loses nothing. Nothing waits for ever.
 //
 // MENU adds up what main and a second thread may do once each: 1 Destroy() and register, 2 SetWriteThread(), 4 fork, 8 wait until
-// all is written. OTHER is the menu of the second thread. GIVE_UPS is how often Stop() no longer waits for the thread.
+// all is written, 16 start the thread, as a record does that is no warning. OTHER is the menu of the second thread. GIVE_UPS is
+// how often Stop() no longer waits for the thread. REFUSALS is how often the system refuses one; what is reported is then a
+// warning, which the reporting thread writes itself while the other does not run.
 //
 // The longest check, -DMENU=4 -DOTHER=1, has 5,417,187 states to a depth of 373.
 //
 // RUN  holds    -DMENU=0 -DOTHER=2
 // RUN  violated -DMENU=0 -DOTHER=2 -DWITHOUT_SETTINGS_LOCK
 // RUN  violated -DMENU=0 -DOTHER=0 -DWITHOUT_BLOCKING_ROUNDS
+// RUN  holds    -DMENU=16 -DOTHER=0 -DREFUSALS=2
+// RUN  violated -DMENU=16 -DOTHER=0 -DREFUSALS=1 -DRUNNING_BEFORE_THREAD
+// RUN  violated -DMENU=16 -DOTHER=0 -DREFUSALS=1 -DWRITTEN_BY_THE_REFUSED_ALONE
 // LONG holds    -DMENU=1 -DOTHER=2
 // LONG holds    -DMENU=4 -DOTHER=0
 // LONG holds    -DMENU=4 -DOTHER=1
 // LONG holds    -DMENU=1 -DOTHER=0 -DGIVE_UPS=1
+// LONG holds    -DMENU=16 -DOTHER=16 -DREFUSALS=2
 // LONG violated -DMENU=1 -DOTHER=0 -DGIVE_UPS=1 -DWITHOUT_JOIN
 // LONG violated -DMENU=1 -DOTHER=0 -DGIVE_UPS=1 -DWITHOUT_EXCHANGE_IN_START
 // LONG violated -DMENU=4 -DOTHER=0 -DRINGS_BEFORE_DEVICES
@@ -40,6 +46,9 @@
 #endif
 #ifndef GIVE_UPS
 #define GIVE_UPS 0
+#endif
+#ifndef REFUSALS
+#define REFUSALS 0
 #endif
 #define PARENT 0
 #define CHILD 1
@@ -76,8 +85,10 @@ bool isInRound;
 byte process = PARENT;  // the one that the model follows
 bool isGone;
 byte atWork = 2;        // reporter and second thread
-byte nested = 1;        // records that the device reports itself
+byte nested = (REFUSALS > 0 -> 0 : 1);  // records that the device reports itself
 byte giveUps = GIVE_UPS;
+byte refusals = REFUSALS;
+bool couldNotStart;     // at the last attempt
 
 #define Lock(lock) atomic { lock == NOBODY -> lock = me }
 #define Unlock(lock) lock = NOBODY
@@ -137,14 +148,21 @@ inline StartNow()
     (!hasThread || threads == 0);
 #endif
     hasThread = true;
+#ifdef RUNNING_BEFORE_THREAD
     state = RUNNING;
-    atomic
-    {
-        threads++;
-        assert(threads == 1);  // ONE
-        run Writer(process);
-        running = true
-    }
+#endif
+    if
+    :: atomic { refusals > 0 -> refusals--; hasThread = false }
+    :: atomic
+       {
+           threads++;
+           assert(threads == 1);  // ONE
+           run Writer(process);
+           running = true
+       }
+    fi;
+    state = (running -> RUNNING : STOPPED);
+    couldNotStart = !running;
 #ifndef WITHOUT_SETTINGS_LOCK
     Unlock(settingsLock)
 #endif
@@ -164,6 +182,22 @@ inline Report()
     Lock(ringsLock);  // the first record of a thread gets it a ring
     Unlock(ringsLock);
     reported++
+}
+
+// nxLogWriterThread::Urge()
+inline Warn()
+{
+    Report();
+    EnsureRunning();
+#ifdef WRITTEN_BY_THE_REFUSED_ALONE
+    if
+    :: !running && couldNotStart -> Lock(roundLock); Round()
+#else
+    if
+    :: !running -> Lock(roundLock); Round()
+#endif
+    :: else
+    fi
 }
 
 inline CallDevice()
@@ -411,6 +445,7 @@ inline Operate(menu)
     :: menu & 2 -> SetThread()
     :: menu & 4 -> Fork()
     :: menu & 8 -> WaitUntilWritten()
+    :: menu & 16 -> EnsureRunning()
     :: true
     fi
 }
@@ -432,11 +467,15 @@ inline Exit()
 
 proctype Reporter()
 {
-    byte me = REPORTER, records = RECORDS, seen;
-    bool running, isMine;
+    byte me = REPORTER, records = RECORDS, seen, count, awaited;
+    bool running, isMine, hasDevice;
     {
         do
+#if REFUSALS
+        :: records > 0 -> records--; Warn()
+#else
         :: records > 0 -> records--; Report()
+#endif
         :: else -> break
         od;
         atWork--

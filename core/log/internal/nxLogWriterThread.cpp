@@ -73,13 +73,12 @@ bool nxLogWriterThread::_StartNow(std::int64_t now) noexcept
         static_cast<void>(_thread->Wait());  // returns soon, because the state is Stopped
     else
         _thread = new (std::nothrow) nxLogDeferredWriteThread;
-    nxLogBell::SetState(ThreadState::Running);
     const bool running = _thread != nullptr && _thread->_Start(_service).IsOK();
-    if (!running)
-    {
-        nxLogBell::SetState(ThreadState::Stopped);
+    // Not before: a thread that finds the state Running leaves its records to the deferred-write thread.
+    if (running)
+        nxLogBell::SetState(ThreadState::Running);
+    else
         _nextStart = now + nxLogLimits::RestartInterval;
-    }
     _couldNotStart.store(!running, std::memory_order_relaxed);
     return running;
 }
@@ -120,7 +119,7 @@ void nxLogWriterThread::Urge(nxEnumValue level) noexcept
     nxLogBell::Ring();
     if (level >= NX_LOG_LEVEL_FATAL)
         nxLogWriter::GetInstance().WaitUntilAllHave(nxLogLimits::Urgent);
-    else if (!running && _couldNotStart.load(std::memory_order_relaxed))
+    else if (!running)  // it cannot be started, or is being started at the moment, which may fail
         nxLogBell::RunRoundHere(nxLogLimits::Urgent.inAll);
 }
 

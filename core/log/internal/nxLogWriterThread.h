@@ -25,7 +25,8 @@ class nxLogDeferredWriteThread;
 /// In a forked child the state is Stopped. Where the deferred-write thread ends the process, it sets Stopped itself.
 ///
 /// Errors: a thread that cannot be started is tried again after nxLogLimits::RestartInterval; the error stream is told,
-/// once. Threads: any.
+/// once. Meanwhile, and while another thread is starting it, a warning or worse is written by the thread that reports it.
+/// Threads: any.
 class nxLogWriterThread
 {
 public:
