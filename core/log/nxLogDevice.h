@@ -16,7 +16,10 @@ class nxLogLineSink;
 ///   flushes or registers. So a device needs no lock of its own against the manager.
 /// - The deferred-write thread has a stack of 256 KiB, so a device keeps large buffers elsewhere.
 /// - A device may log and may unregister itself while it is being written to; records that it writes immediately
-///   meanwhile go to the other devices only. It does not fork meanwhile.
+///   meanwhile go to the other devices only.
+/// - A device does not fork meanwhile, but to call exec or _exit in the child at once. Where its call returns in the child, the
+///   records at hand are the parent's, and no device of the child is given them. A thread of the application goes on. A
+///   thread of the library ends, and with it a child that has no other threads, with status 0.
 /// - A device that does not return holds up the queue; after a second of that the manager drops records and counts them.
 ///   An nxSeparateLogDevice keeps it from holding up others.
 /// - Ownership: the application owns its devices. Unregister one before it is destroyed; that waits until the manager

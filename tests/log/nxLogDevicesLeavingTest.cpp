@@ -2,20 +2,30 @@
 // Devices that are unregistered while other threads use them: no thread is inside a device, or enters it, after its owner
 // has it back.
 
+#include <optional>
+
+#include "core/log/nxLogLineSink.h"
+#include "core/log/nxSeparateLogDevice.h"
 #include "tests/support/nxSystemTest.h"
 #include "tests/support/nxTestThreads.h"
 
 namespace
 {
 // Calls are counted while the device is its owner's, and while it is not.
-class Device final : public nxLogDevice
+class Device final : public nxLogDevice, public nxLogLineSink
 {
 public:
+    explicit Device(bool takesLines = false) : nxLogDevice(takesLines ? this : nullptr) {}
     ~Device() override { Manager().UnregisterLogDevice(this); }
 
     void Write(const nxLog& record) override
     {
         _Come([&] { onWrite(record); });
+    }
+    nxLogLineStyle GetLineStyle() const override { return {}; }
+    void WriteLines(const nxLogLineBatch&) override
+    {
+        _Come([&] { onWrite(nxLog(NX_LOG_LEVEL_INFO, "lines", 1, nxTimeStamp(0, 0))); });
     }
     void Flush() override { _Come(onFlush); }
     void Destroy() override
@@ -171,4 +181,75 @@ TEST(nxLogDevicesLeaving, WhatNoDeviceWasGivenDoesNotCountAsWritten)
     WaitUntilWritten();
     EXPECT_EQ(Manager().GetStatistics().written - before.written, given);
     EXPECT_GE(Manager().GetStatistics().unheard - before.unheard, 6u);
+}
+
+// A device that forks against the rules. Where its call returns in the child, a thread of the program goes on, and one of the
+// library ends, and the child with it.
+TEST(nxLogDevicesLeaving, AChildThatADeviceHasForkedHasNothingOfItsParent)
+{
+    if (nxUnderThreadSanitizer || nxUnderAddressSanitizer)
+        GTEST_SKIP()
+            << "the one cannot end a thread in a forked child, the other misses the stacks of the other threads";
+    if (!nxInNewProcess())
+        return;
+    enum class By
+    {
+        LogsThread,
+        DevicesThread,
+        Reporter
+    };
+    for (const By by : {By::LogsThread, By::DevicesThread, By::Reporter})
+        for (const bool takesLines : {false, true})
+        {
+            SCOPED_TRACE(testing::Message() << static_cast<int>(by) << takesLines);
+            const pid_t parent = getpid();
+            std::atomic<int> status{-1};
+            bool mayWrite = true;  // to the other device
+            int written = 0;
+            Device forking(takesLines), other(takesLines);
+            forking.onWrite = [&](const nxLog&)
+            {
+                if (status != -1 || getpid() != parent)
+                    return;
+                const pid_t child = fork();
+                mayWrite = child != 0;
+                if (child == 0)
+                {
+                    sigset_t none;  // a thread of the library blocks the signal
+                    sigemptyset(&none);
+                    pthread_sigmask(SIG_SETMASK, &none, nullptr);
+                    alarm(60);
+                    return;
+                }
+                int ended = -1;
+                waitpid(child, &ended, 0);
+                status = ended;
+            };
+            other.onWrite = [&](const nxLog&)
+            {
+                if (!mayWrite)
+                    _exit(2);
+                ++written;
+            };
+            Manager().Destroy();
+            {
+                nxSeparateLogDevice separate(std::shared_ptr<nxLogDevice>(&forking, [](const nxLogDevice*) {}));
+                std::optional<nxSystemCallFault> fault;
+                if (by == By::Reporter)
+                    fault.emplace("pthread_create", EAGAIN, nxSystemCallFault::Options{.times = 1'000});
+                nxLogDevice* const devices[] = {
+                    by == By::DevicesThread ? static_cast<nxLogDevice*>(&separate) : &forking, &other};
+                Manager().RegisterLogDevices(devices);
+                NX_LOG(NX_LOG_LEVEL_FATAL) << "parent";
+                if (getpid() != parent)
+                {
+                    mayWrite = true;
+                    NX_LOG(NX_LOG_LEVEL_WARNING) << "child";
+                    _exit(written == 1 ? 0 : 3);
+                }
+                EXPECT_TRUE(nxEventually([&status] { return status != -1; }));
+                EXPECT_EQ(status, 0);
+                Manager().UnregisterLogDevice(&separate);
+            }
+        }
 }

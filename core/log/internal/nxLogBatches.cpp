@@ -80,16 +80,17 @@ nxLogBatches::Batch& nxLogBatches::_GetBatch(const nxLogLineStyle& style)
     return *_batches.back();
 }
 
-void nxLogBatches::_BeginDay() noexcept
+bool nxLogBatches::_BeginDay() noexcept
 {
-    Send();
     std::memcpy(_date, _time.GetBytes(), sizeof _date);
+    return Send();
 }
 
 // When memory is short, a batch takes no more than it has room for, and gets room by being sent.
 [[gnu::noinline]] bool nxLogBatches::_AppendToEmptied(Batch& batch, const nxLogRecord& record) noexcept
 {
-    Send();
+    if (!Send())
+        return false;
     if (batch.lines.AppendLine(record, _time))
         return true;
     nxLogCounters::CountDropped(1, nxLogCounters::Reason::NoMemory);
@@ -113,6 +114,8 @@ bool nxLogBatches::_DeliverToAll(const nxLogRecord& record) noexcept
             isInLines |= _AppendToBatch(*batch, record);
         }
     const bool isTaken = _hasRecordDevices && _DeliverAsRecord(record);
+    if (_isOfParent)
+        return false;
     // A record that found no room in the lines has been counted as dropped.
     if (isTaken || !isForLines)
         _Count(1, isTaken);
@@ -136,7 +139,7 @@ void nxLogBatches::_Count(unsigned records, bool isTaken) noexcept
 bool nxLogBatches::_DeliverAsRecord(const nxLogRecord& record) noexcept
 {
     bool isTaken = false;
-    for (std::size_t index = 0; index < _batchOfDevice.size(); ++index)
+    for (std::size_t index = 0; index < _batchOfDevice.size() && !_isOfParent; ++index)
     {
         if (_batchOfDevice[index] != nullptr)
             continue;
@@ -147,10 +150,10 @@ bool nxLogBatches::_DeliverAsRecord(const nxLogRecord& record) noexcept
     return isTaken;
 }
 
-void nxLogBatches::Send() noexcept
+bool nxLogBatches::Send() noexcept
 {
     bool isTaken = false;
-    for (std::size_t index = 0; index < _batchOfDevice.size(); ++index)
+    for (std::size_t index = 0; index < _batchOfDevice.size() && !_isOfParent; ++index)
     {
         const Batch* const batch = _batchOfDevice[index];
         if (batch == nullptr || batch->count == 0)
@@ -162,6 +165,8 @@ void nxLogBatches::Send() noexcept
             entry.CallToWrite(lines.lines, lines.size, [&](nxLogDevice&) { entry.GetLineSink()->WriteLines(lines); });
         nxLogCounters::CountProgress();
     }
+    if (_isOfParent)
+        return false;
     _Count(_onlyBatch != nullptr ? _onlyBatch->count : std::exchange(_inLinesAlone, 0), isTaken);
     for (const auto& batch : _batches)
     {
@@ -171,4 +176,5 @@ void nxLogBatches::Send() noexcept
         _gravestLevel = std::max(_gravestLevel, batch->gravestLevel);
         batch->gravestLevel = NX_ENUM_UNDEFINED;
     }
+    return true;
 }

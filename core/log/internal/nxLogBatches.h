@@ -18,7 +18,8 @@
 /// Delivers the records of a round to the devices: as lines in batches to those that take lines, one by one to the others.
 ///
 /// Invariant: a batch holds lines of one style and of one local day. A record for which Deliver() returned true is in a
-/// batch, was given to a device, or was counted as dropped or undelivered; after Send() no batch holds a line.
+/// batch, was given to a device, or was counted as dropped or undelivered; after Send() no batch holds a line. In a child that
+/// a device has forked no device is given anything more.
 ///
 /// Errors: without memory Prepare() throws std::bad_alloc; a line that finds no memory is counted as dropped. Threads: the
 /// one that holds the round.
@@ -31,20 +32,24 @@ public:
     bool HasDevices() const noexcept { return _hasDevices; }
 
     /// Delivers one record. Inlined into the loop over the records.
-    /// @return false, with nothing done, when no device is registered.
+    /// @return false when no device is registered, with nothing done; and where IsOfParent().
     [[gnu::always_inline]] bool Deliver(const nxLogRecord& record) noexcept
     {
         // No batch holds lines of two days.
-        if (_time.Set(record.time) && std::memcmp(_date, _time.GetBytes(), sizeof _date) != 0)
-            _BeginDay();
+        if (_time.Set(record.time) && std::memcmp(_date, _time.GetBytes(), sizeof _date) != 0 && !_BeginDay())
+            return false;
         if (_onlyBatch == nullptr) [[unlikely]]
             return _DeliverToAll(record);
-        _AppendToBatch(*_onlyBatch, record);
-        return true;
+        return _AppendToBatch(*_onlyBatch, record) || !_isOfParent;
     }
 
-    /// Hands all lines to the devices.
-    void Send() noexcept;
+    /// Hands all lines to the devices. @return false where IsOfParent().
+    bool Send() noexcept;
+
+    /// Called in a forked child, which makes a round of its own.
+    void LeaveToParent() noexcept { _isOfParent = true; }
+    /// Whether a device has forked during the round, and this is the child.
+    bool IsOfParent() const noexcept { return _isOfParent; }
 
     /// The gravest level among the records of the round, as far as they were sent.
     nxEnumValue GetGravestLevel() const noexcept { return _gravestLevel; }
@@ -72,13 +77,13 @@ private:
             batch.seconds = record.time.seconds;
         batch.gravestLevel = std::max(batch.gravestLevel, static_cast<nxEnumValue>(record.level));
         if (batch.lines.GetSize() >= nxLogLimits::BatchSize) [[unlikely]]
-            Send();
+            return Send();
         return true;
     }
 
     void _PrepareDevice(std::size_t index);
     Batch& _GetBatch(const nxLogLineStyle& style);
-    void _BeginDay() noexcept;
+    bool _BeginDay() noexcept;
     bool _AppendToEmptied(Batch& batch, const nxLogRecord& record) noexcept;
     bool _DeliverToAll(const nxLogRecord& record) noexcept;
     bool _DeliverAsRecord(const nxLogRecord& record) noexcept;
@@ -97,6 +102,7 @@ private:
     nxLogLineThread _thread{};
     nxEnumValue _gravestLevel = NX_ENUM_UNDEFINED;
     bool _hasWritten = false;
+    bool _isOfParent = false;
 };
 
 #endif

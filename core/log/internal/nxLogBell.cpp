@@ -40,4 +40,5 @@ void nxLogBell::AfterForkInChild() noexcept
 {
     _state.store(State::Stopped, std::memory_order_relaxed);
     _bell.Reset();
+    isCallerWriter = false;
 }

@@ -50,6 +50,8 @@ public:
     /// Whether the calling thread may wait for records to be written: it does not write them itself, and is not inside
     /// a device.
     static bool CallerMayWait() noexcept { return !IsCallerWriter() && !IsCallerInsideDevice(); }
+    /// Whether the calling thread writes records. A thread that was in a round is no writer any more in a child that a
+    /// device has forked: the round and its records are the parent's, and the thread leaves it.
     static bool IsCallerWriter() noexcept;
     static bool IsCallerInsideDevice() noexcept;
     /// The calling thread begins to write records, or has ceased to.
@@ -68,7 +70,7 @@ public:
     /// tenth of a second at most, because the process may end before the next round.
     static void Urge(nxEnumValue level) noexcept;
 
-    /// The child has no deferred-write thread yet.
+    /// The child has no deferred-write thread yet, and its only thread is in no round of the child.
     static void AfterForkInChild() noexcept;
 
 private:

@@ -31,6 +31,8 @@ bool IsTicketReached(std::uint32_t reached, std::uint32_t ticket)
 }
 }  // namespace
 
+constinit thread_local const nxLogDeviceQueue* nxLogDeviceQueue::_ofThisThread = nullptr;
+
 nxLogDeviceQueue::nxLogDeviceQueue(std::unique_ptr<nxLogTarget> target) : _target(std::move(target)) { Join(); }
 
 nxLogDeviceQueue::~nxLogDeviceQueue()
@@ -121,15 +123,18 @@ void nxLogDeviceQueue::Run() noexcept
 {
     nxServiceThread::Become("nxlogdevice");
     nxLocalZone::LeaveEnvironmentAlone();
+    _ofThisThread = this;
     // What a device reports while it is called never waits for room, nor for other devices.
     nxLogBell::SetCallerInsideDevice(true);
-    while (!_IsToEnd())
+    while (_IsServedByCaller() && !_IsToEnd())
     {
         if (_isMaintenanceDue.exchange(false, std::memory_order_relaxed))
         {
             const nxMutexGuard guard(_inside);
             _target->Maintain();
         }
+        if (!_IsServedByCaller())
+            break;
         if (nxLogDeviceItem item; _inHand.Look(item))
             _Deliver(item);
         else if (!_TakeNext())
@@ -165,7 +170,10 @@ void nxLogDeviceQueue::_Deliver(const nxLogDeviceItem& item) noexcept
 {
     if (_isGivenUp.load(std::memory_order_relaxed))
         return _inHand.Pass();
-    switch (_Write(item))
+    const Outcome outcome = _Write(item);
+    if (!_IsServedByCaller())
+        return;
+    switch (outcome)
     {
         case Outcome::Taken:
             return _Finish(item, true);
@@ -339,7 +347,8 @@ std::uint64_t nxLogDeviceQueue::_DropWaiting() noexcept
 
 void nxLogDeviceQueue::BeforeFork() noexcept
 {
-    _isLockedForFork = nxLogForkLock::Take(_inside);
+    // Where the device forks itself, the calling thread holds the lock already.
+    _isLockedForFork = !_IsServedByCaller() && nxLogForkLock::Take(_inside);
     if (_isLockedForFork)
         _target->BeforeFork();
 }
@@ -360,6 +369,13 @@ void nxLogDeviceQueue::AfterForkInChild() noexcept
     nxForkMutex::Renew(_mutex);
     nxLogForkLock::RenewInChild(_inside, isWhole);
     _backlog.ForgetInChild();
+    // What the device was given, where it has forked itself, stays valid until it returns. Leak checkers find it.
+    [[gnu::used]] alignas(nxLogDeviceItems) static unsigned char given[sizeof(nxLogDeviceItems)];
+    if (_IsServedByCaller())
+    {
+        ::new (given) nxLogDeviceItems(std::move(_inHand));
+        _ofThisThread = nullptr;
+    }
     _inHand = nxLogDeviceItems();
     _inHandBytes.store(0, std::memory_order_relaxed);
     _reached.store(0, std::memory_order_relaxed);

@@ -92,6 +92,8 @@ private:
     std::uint32_t _RequestFlush() noexcept;
 
     bool _TakeNext() noexcept;
+    /// Whether the calling thread is the queue's. Not in a child that the device has forked: its queue starts another one.
+    bool _IsServedByCaller() const noexcept { return _ofThisThread == this; }
     bool _IsToEnd() noexcept;
     void _Deliver(const nxLogDeviceItem& item) noexcept;
     nxLogTarget::Outcome _Write(const nxLogDeviceItem& item) noexcept;
@@ -100,6 +102,8 @@ private:
 
     bool _EndThread(std::int64_t limit) noexcept;
     std::uint64_t _DropWaiting() noexcept;
+
+    static constinit thread_local const nxLogDeviceQueue* _ofThisThread;
 
     const std::unique_ptr<nxLogTarget> _target;
     nxMutex _inside;  // held during every call of the target

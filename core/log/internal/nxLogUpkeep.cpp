@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 
+#include "core/log/internal/nxLogBell.h"
 #include "core/log/internal/nxLogCounters.h"
 #include "core/log/internal/nxLogDeviceList.h"
 #include "core/log/internal/nxLogLevelFile.h"
@@ -30,8 +31,10 @@ void nxLogUpkeep::AfterRound(bool hasWritten, bool flushNow) noexcept
 {
     _state.isUnflushed = _state.isUnflushed || hasWritten;
     _FlushWhereDue(flushNow);
-    _MaintainWhereDue();
-    _ReportLosses();
+    if (nxLogBell::IsCallerWriter())
+        _MaintainWhereDue();
+    if (nxLogBell::IsCallerWriter())
+        _ReportLosses();
 }
 
 std::int64_t nxLogUpkeep::GetTimeUntilDue() const noexcept
@@ -67,9 +70,10 @@ void nxLogUpkeep::_FlushWhereDue(bool now) noexcept
     }
     if (!now && time - _state.lastFlush < _flushInterval.load(std::memory_order_relaxed))
         return;
-    FlushDevices(Devices::All);
+    // Before the devices: one that forks leaves its child another state.
     _state.isUnflushed = false;
     _state.lastFlush = time;
+    FlushDevices(Devices::All);
 }
 
 // Devices in trouble may mend it although no thread reports anything.

@@ -70,9 +70,12 @@ bool nxLogWriter::_RunRoundAndUpkeep(bool everything) noexcept
     const bool isAwaited = wanted != _reached.load(std::memory_order_relaxed);
     _isInRound.store(true, std::memory_order_relaxed);
     const Outcome outcome = _DoRound(everything || isAwaited);
+    // A device has forked, and this is the child. Its writer has no round, or one of another thread.
+    if (!nxLogBell::IsCallerWriter())
+        return false;
     _isInRound.store(false, std::memory_order_release);
     _upkeep.AfterRound(_batches != nullptr && _batches->TakeHasWritten(), isAwaited);
-    if (isAwaited && outcome != Outcome::NoMemory)
+    if (isAwaited && outcome != Outcome::NoMemory && nxLogBell::IsCallerWriter())
     {
         nxThreadSanitizer::Release(&_reached);
         _reached.store(wanted, std::memory_order_release);
@@ -87,44 +90,47 @@ nxLogWriter::Outcome nxLogWriter::_DoRound(bool everything) noexcept
     // The round's records are fixed before its devices, so that a record which is reported after a device was registered
     // finds the device in the list.
     nxLogMerge::GetInstance().Begin(everything);
+    nxLogBatches* batches = nullptr;
     try
     {
-        _PrepareBatches();
+        batches = &_PrepareBatches();
     }
     catch (...)
     {
         return Outcome::NoMemory;
     }
-    _WriteEarlyRecords();
-    const bool found = _DeliverQueued();
-    if (_batches->GetGravestLevel() >= NX_LOG_LEVEL_WARNING)
+    _WriteEarlyRecords(*batches);
+    const bool found = !batches->IsOfParent() && _DeliverQueued(*batches);
+    if (!batches->IsOfParent() && batches->GetGravestLevel() >= NX_LOG_LEVEL_WARNING)
         nxLogUpkeep::FlushDevices(nxLogUpkeep::Devices::TakingRecords);
     return found ? Outcome::Some : Outcome::Nothing;
 }
 
-void nxLogWriter::_PrepareBatches()
+nxLogBatches& nxLogWriter::_PrepareBatches()
 {
     if (_batches == nullptr)
         _batches = std::make_unique<nxLogBatches>();
-    _batches->Prepare();
-    if (_batches->HasDevices())
+    nxLogBatches& batches = *_batches;
+    batches.Prepare();
+    if (batches.HasDevices())
         _early.Close();
+    return batches;
 }
 
 // The first device gets what was reported before there was one.
-void nxLogWriter::_WriteEarlyRecords() noexcept
+void nxLogWriter::_WriteEarlyRecords(nxLogBatches& batches) noexcept
 {
-    if (!_batches->HasDevices())
+    if (!batches.HasDevices())
         return;
     for (const nxLog& early : _early.Take())
-        static_cast<void>(_batches->Deliver(nxLogConversion::View(early)));
+        if (!batches.Deliver(nxLogConversion::View(early)))
+            return;
 }
 
 // @return whether there was a record.
-bool nxLogWriter::_DeliverQueued() noexcept
+bool nxLogWriter::_DeliverQueued(nxLogBatches& batches) noexcept
 {
     nxLogMerge& merge = nxLogMerge::GetInstance();
-    nxLogBatches& batches = *_batches;
     nxLogRecord record;
     bool found = false;
     unsigned inHand = 0;
@@ -138,11 +144,16 @@ bool nxLogWriter::_DeliverQueued() noexcept
         found = true;
         _inHand.store(++inHand, std::memory_order_relaxed);
         if (!batches.Deliver(record)) [[unlikely]]
+        {
+            if (batches.IsOfParent())
+                return true;
             _KeepEarly(record);
+        }
         if (inHand == recordsPerRelease)
             release();
     }
-    batches.Send();
+    if (!batches.Send())
+        return found;
     if (found)
         nxLogCounters::SetRoundLag(merge.GetLag());
     // Also after no record at all: a thread may have moved on to the start of its ring.
@@ -228,6 +239,8 @@ void nxLogWriter::AfterForkInChild() noexcept
     ::new (&_roundMutex) nxMutex;
     // What a round of the parent was working with is half changed and not touched again. Leak checkers find it here.
     [[gnu::used]] static nxLogBatches* caught;
+    if (_batches != nullptr)
+        _batches->LeaveToParent();
     caught = _batches.release();
     static_cast<void>(caught);  // clang++ takes a variable that is only written for a mistake
     [[gnu::used]] alignas(std::vector<nxLog>) static unsigned char caughtEarly[sizeof(std::vector<nxLog>)];
@@ -235,6 +248,6 @@ void nxLogWriter::AfterForkInChild() noexcept
     _upkeep.AfterForkInChild();
     _isInRound.store(false, std::memory_order_relaxed);
     _inHand.store(0, std::memory_order_relaxed);
-    _wanted.store(0, std::memory_order_relaxed);
-    _reached.store(0, std::memory_order_relaxed);
+    // What the forking thread may be waiting for is the parent's business.
+    _reached.store(_wanted.load(std::memory_order_relaxed), std::memory_order_relaxed);
 }

@@ -66,7 +66,8 @@ public:
     /// Appends copies of all records that wait, for the first device too. The records of one thread are in order.
     void CopyRecords(std::vector<nxLog>& records);
 
-    /// The child has no round, and no thread that waits for one.
+    /// The child has no round, and no thread that waits for one. A thread that was in a round leaves it as soon as the device
+    /// returns that has forked, and delivers nothing more: the records are the parent's.
     void AfterForkInChild() noexcept NX_NO_THREAD_SAFETY_ANALYSIS;
 
 private:
@@ -83,9 +84,9 @@ private:
 
     bool _RunRoundAndUpkeep(bool everything) noexcept NX_REQUIRES(_roundMutex);
     Outcome _DoRound(bool everything) noexcept NX_REQUIRES(_roundMutex);
-    void _PrepareBatches() NX_REQUIRES(_roundMutex);
-    void _WriteEarlyRecords() noexcept NX_REQUIRES(_roundMutex);
-    bool _DeliverQueued() noexcept NX_REQUIRES(_roundMutex);
+    nxLogBatches& _PrepareBatches() NX_REQUIRES(_roundMutex);
+    void _WriteEarlyRecords(nxLogBatches& batches) noexcept NX_REQUIRES(_roundMutex);
+    bool _DeliverQueued(nxLogBatches& batches) noexcept NX_REQUIRES(_roundMutex);
     void _KeepEarly(const nxLogRecord& record) noexcept NX_REQUIRES(_roundMutex);
     bool _WaitUntilReached(const nxLogLimits::Wait& limit, nxLogAwakeTime& time, bool mayStart) noexcept;
 

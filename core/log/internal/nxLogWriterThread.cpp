@@ -144,6 +144,8 @@ void nxLogWriterThread::Run() noexcept
     while (nxLogBell::ChangeState(ThreadState::Stopping, ThreadState::Stopped) != ThreadState::Stopping)
     {
         const nxLogWriter::Look look = nxLogWriter::GetInstance().RunRound();
+        if (!nxLogBell::IsCallerWriter())
+            return;  // in a child, where a thread of its own may run by now
         emptyLooks = look.hasFound ? 0 : std::min(emptyLooks + 1, emptyLooksUntilIdle);
         if (emptyLooks < emptyLooksUntilIdle)
         {

@@ -22,7 +22,9 @@ class nxLogDeferredWriteThread;
 /// | Running  | runs its loop               | Stopping, by Stop(); Stopped, by Start() when the system refuses one |
 /// | Stopping | runs, and is to end         | Stopped, by the thread; Running, by Start() that came before that    |
 ///
-/// In a forked child the state is Stopped. Where the deferred-write thread ends the process, it sets Stopped itself.
+/// In a forked child the state is Stopped. Where the deferred-write thread ends the process, it sets Stopped itself. A child
+/// that a device has forked on the deferred-write thread has that thread alone: it ends when the device returns, and
+/// the child with it, unless the child has started others.
 ///
 /// Errors: a thread that cannot be started is tried again after nxLogLimits::RestartInterval; the error stream is told,
 /// once. Meanwhile, and while another thread is starting it, a warning or worse is written by the thread that reports it.
