@@ -5,8 +5,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
 
+#include "benchmarks/log/counted.h"
+#include "benchmarks/support/logTarget.h"
 #include "core/nxCore.h"
 
 namespace
@@ -29,39 +32,23 @@ std::string text;
 
 const nxVariableTickTable& Table() { return *nxVariableTickTableContainer::GetVariableTickTable("VTT_CHIX_FESE1"); }
 
-// Takes the lines of the log and keeps none.
-class LinesToNowhere final : public nxLogDevice, private nxLogLineSink
+const auto& samples = LogBenchmark::Samples();
+std::size_t sampleIndex = 0;
+
+const LogBenchmark::Sample& NextSample() { return samples[sampleIndex++ % samples.size()]; }
+
+void LogValues()
 {
-public:
-    explicit LinesToNowhere(const nxLogLineStyle& style) : nxLogDevice(static_cast<nxLogLineSink*>(this)), _style(style)
-    {
-        nxLogManager::GetInstance().RegisterLogDevice(this);
-    }
-    void Write(const nxLog&) override {}
-    void Flush() override {}
-    void Destroy() override {}
-
-private:
-    nxLogLineStyle GetLineStyle() const override { return _style; }
-    void WriteLines(const nxLogLineBatch&) override {}
-
-    nxLogLineStyle _style;
-};
-
-// A record for its caller and the log's thread together.
-void LogValues(nxLogLineStyle::Form form)
-{
-    static LinesToNowhere& device = *new LinesToNowhere({form, true});
-    Keep(device);
-    NX_LOG(NX_LOG_LEVEL_INFO) << "filled " << integer << price << integerText;
+    const auto& sample = NextSample();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "filled " << sample.quantity << sample.price << sample.symbol;
 }
-void LogFields(nxLogLineStyle::Form form)
+void LogFields()
 {
-    static LinesToNowhere& device = *new LinesToNowhere({form, true});
-    Keep(device);
-    NX_LOG(NX_LOG_LEVEL_INFO) << "filled" << nxField("quantity", integer) << nxField("price", price)
-                              << nxField("symbol", integerText);
+    const auto& sample = NextSample();
+    NX_LOG(NX_LOG_LEVEL_INFO) << "filled" << nxField("quantity", sample.quantity) << nxField("price", sample.price)
+                              << nxField("symbol", sample.symbol);
 }
+void LogNothing() { NX_LOG(NX_LOG_LEVEL_DEBUG) << "filled " << integer << price << integerText; }
 
 struct Operation
 {
@@ -255,11 +242,37 @@ const Operation operations[] = {
          Keep(stamp);
          stamp.GetAsStringFast(buffer, sizeof buffer);
      }},
-    {"log_text", [] { LogValues(nxLogLineStyle::Full); }},
-    {"log_json", [] { LogValues(nxLogLineStyle::Json); }},
-    {"log_text_fields", [] { LogFields(nxLogLineStyle::Full); }},
-    {"log_json_fields", [] { LogFields(nxLogLineStyle::Json); }},
+    {"log_suppressed", LogNothing},
 };
+
+// What a record costs its caller, and what the log's thread pays for it.
+struct LogOperation
+{
+    const char* name;
+    void (*report)();
+    std::optional<nxLogLineStyle::Form> form;  // of the lines; none where the caller's part is counted
+};
+
+const LogOperation logOperations[] = {
+    {"log_caller", LogValues, {}},
+    {"log_caller_fields", LogFields, {}},
+    {"log_text", LogValues, nxLogLineStyle::Full},
+    {"log_json", LogValues, nxLogLineStyle::Json},
+    {"log_text_fields", LogFields, nxLogLineStyle::Full},
+    {"log_json_fields", LogFields, nxLogLineStyle::Json},
+};
+
+// Returns if there is no operation of this name.
+void RunLogOperation(const char* wanted, int count)
+{
+    for (const LogOperation& operation : logOperations)
+        if (std::strcmp(operation.name, wanted) == 0)
+        {
+            if (operation.form)
+                CountedLog::RunWriter(operation.report, *operation.form, count);
+            CountedLog::RunCaller(operation.report, count);
+        }
+}
 }  // namespace
 
 int main(int argc, char** argv)
@@ -267,6 +280,8 @@ int main(int argc, char** argv)
     if (argc != 3)
     {
         for (const Operation& operation : operations)
+            std::puts(operation.name);
+        for (const LogOperation& operation : logOperations)
             std::puts(operation.name);
         return 0;
     }
@@ -278,5 +293,6 @@ int main(int argc, char** argv)
                 operation.run();
             return 0;
         }
+    RunLogOperation(argv[1], std::atoi(argv[2]));
     return 1;
 }
