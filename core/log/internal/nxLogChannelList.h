@@ -67,15 +67,14 @@ private:
 template <class Visitor>
 void nxLogChannelList::VisitWaiting(const Visitor& visit)
 {
-    const nxClockScale scale = nxClock::GetScale();
-    long long second = 0;
+    nxLogRecordTimes times(nxClock::GetScale());
     const nxMutexGuard guard(_mutex);
     for (const nxLogRing* ring = _rings; ring != nullptr; ring = ring->_next)
         ring->ForEachWaiting(
             [&](const char* bytes)
             {
                 nxLogRecord record;
-                nxLogRecordBytes::Decode(record, bytes, ring->_threadIndex, scale, second);
+                nxLogRecordBytes::Decode(record, bytes, ring->_threadIndex, times);
                 visit(record);
             });
 }

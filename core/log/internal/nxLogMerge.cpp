@@ -13,8 +13,6 @@ namespace
 constexpr std::uint64_t counterSkew = 10'000;
 // A record that is at least this far ahead was stamped before the clock was set back.
 constexpr std::uint64_t leastClockStep = 100'000'000;
-// How far ahead of its reading the emptying thread fetches.
-constexpr std::size_t readAhead = 512;
 }  // namespace
 
 nxLogMerge& nxLogMerge::GetInstance() noexcept
@@ -27,7 +25,7 @@ nxLogMerge& nxLogMerge::GetInstance() noexcept
 
 void nxLogMerge::Begin(bool everything) noexcept
 {
-    _round.scale = nxClock::GetScale();
+    _round.times = nxLogRecordTimes(nxClock::GetScale());
     // Before the heads are read: all records that were begun earlier and are published by now are in this round. A
     // round that takes everything does not ask the clocks, which may differ from processor to processor.
     _round.cutOff = everything ? _noTicks : nxClock::Ticks() - counterSkew;
@@ -45,7 +43,10 @@ void nxLogMerge::Begin(bool everything) noexcept
         }
 }
 
-std::int64_t nxLogMerge::GetLag() const noexcept { return nxLogRecordBytes::GetAge(_round.oldest, _round.scale); }
+std::int64_t nxLogMerge::GetLag() const noexcept
+{
+    return nxLogRecordBytes::GetAge(_round.oldest, _round.times.GetScale());
+}
 
 // Continues where the jump leads. When that is in another segment, the one before has been read to its end.
 void nxLogMerge::_FollowJump(nxLogRing& ring) noexcept
@@ -138,13 +139,12 @@ bool nxLogMerge::Next(nxLogRecord& record) noexcept
     }
     nxLogRing& ring = *_round.current;
     const char* bytes = ring._read;
-    // The other thread's processor has the bytes; a few records from now they will be here.
-    __builtin_prefetch(bytes + readAhead);
+    nxLogRecordBytes::Prefetch(bytes);
     // Its room is not given back before GiveBackRoom().
     ring._read += nxLogRecordBytes::RoundUp(nxLogRecordBytes::ReadSize(bytes));
     if (nxLogRecordBytes::ReadKind(bytes) == nxLogRecordHeader::Elsewhere) [[unlikely]]
         bytes = _round.block = nxLogRecordBytes::ReadBlock(bytes);
-    nxLogRecordBytes::Decode(record, bytes, ring._threadIndex, _round.scale, _round.second);
+    nxLogRecordBytes::Decode(record, bytes, ring._threadIndex, _round.times);
     return true;
 }
 

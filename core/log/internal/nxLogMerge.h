@@ -2,6 +2,7 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGMERGE_H
 #define CORE_LOG_INTERNAL_NXLOGMERGE_H
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -32,6 +33,32 @@ public:
     std::int64_t GetLag() const noexcept;
     /// Sets @p record to the oldest one that is left. @return whether there was one.
     bool Next(nxLogRecord& record) noexcept;
+    /// The statements that follow the record of the last Next(), before which no other ring has its turn. A loop over them keeps
+    /// its place in registers.
+    class Run
+    {
+    public:
+        /// Continues after the last record of @p merge, which knows of what is taken here once EndRun() is called.
+        explicit Run(const nxLogMerge& merge) noexcept;
+        /// Sets @p record to the next one. @return false if there is none: then Next() tells what comes.
+        [[gnu::always_inline]] bool Next(nxLogRecord& record, nxLogMerge& merge) noexcept;
+
+    private:
+        friend class nxLogMerge;
+
+        const nxLogRing* _ring;
+        const char* _read;
+        const char* _end;
+        std::uint64_t _lastTicks;  // a record with more is not of the run
+        unsigned _threadIndex;
+    };
+    /// Takes over what @p run has taken, before any other operation.
+    void EndRun(const Run& run) noexcept
+    {
+        // A device may have forked: the child has no round.
+        if (_round.current == run._ring)
+            _round.current->_read = const_cast<char*>(run._read);
+    }
     /// Gives the room of all that has been read back to the filling threads, and wakes those that wait for it.
     void GiveBackRoom() noexcept;
 
@@ -57,8 +84,7 @@ private:
         std::uint64_t otherOldest = 0;    // up to these ticks `current` goes before another ring's turn
         std::uint64_t oldest = _noTicks;  // when its first record was begun
         std::uint64_t cutOff = 0;         // records begun later belong to the next round
-        nxClockScale scale;
-        long long second = 0;  // of the statement that Next() returned last; most are of the same
+        nxLogRecordTimes times;
     };
 
     static Age _GetAge(std::uint64_t ticks, std::uint64_t cutOff) noexcept;
@@ -73,5 +99,28 @@ private:
     nxLogRingMemory& _memory;
     Round _round;
 };
+
+// A run has no record while a block waits to be freed.
+inline nxLogMerge::Run::Run(const nxLogMerge& merge) noexcept
+    : _ring(merge._round.current),
+      _read(_ring->_read),
+      _end(merge._round.block == nullptr ? _ring->_seen : _read),
+      _lastTicks(std::min(merge._round.otherOldest, merge._round.cutOff)),
+      _threadIndex(_ring->_threadIndex)
+{
+}
+
+inline bool nxLogMerge::Run::Next(nxLogRecord& record, nxLogMerge& merge) noexcept
+{
+    const char* const bytes = _read;
+    if (bytes == _end || merge._round.current != _ring ||
+        nxLogRecordBytes::ReadKind(bytes) != nxLogRecordHeader::Statement ||
+        nxLogRecordBytes::ReadTicks(bytes) > _lastTicks) [[unlikely]]
+        return false;
+    nxLogRecordBytes::Prefetch(bytes);
+    _read = bytes + nxLogRecordBytes::RoundUp(nxLogRecordBytes::ReadSize(bytes));
+    nxLogRecordBytes::DecodeStatement(record, bytes, _threadIndex, merge._round.times);
+    return true;
+}
 
 #endif

@@ -15,6 +15,8 @@
 #include "core/log/inline/nxLogTag.h"
 #include "core/log/internal/nxLogEscape.h"
 #include "core/log/internal/nxLogFieldText.h"
+#include "core/numeric/internal/nxDecimalText.h"
+#include "core/numeric/nxDecimal.h"
 #include "core/text/inline/nxDigits.h"
 
 /// How much room the text of a value takes, for each byte that tag and value take in a record.
@@ -95,10 +97,10 @@ public:
                 out = _WriteText(out, "FALSE");
                 return true;
             case nxLogTag::Signed32:
-                out = nxDigits::WriteSigned(out, Take<std::int32_t>(at));
+                out = _WriteSigned(out, Take<std::int32_t>(at));
                 return true;
             case nxLogTag::Unsigned32:
-                out = nxDigits::Write(out, Take<std::uint32_t>(at));
+                out = _WriteUnsigned(out, Take<std::uint32_t>(at));
                 return true;
             case nxLogTag::Signed64:
                 out = nxDigits::WriteSigned(out, Take<std::int64_t>(at));
@@ -107,7 +109,7 @@ public:
                 out = nxDigits::Write(out, Take<std::uint64_t>(at));
                 return true;
             case nxLogTag::Decimal:
-                out += Take<nxDecimal>(at).GetAsLogString(out, '.');
+                out = WriteDecimal(out, Take<nxDecimal>(at));
                 return true;
             case nxLogTag::Null:
                 out = _WriteText(out, "NULL");
@@ -172,6 +174,17 @@ public:
         return out;
     }
 
+    /// Writes a decimal's log form. @param out has room for nxDecimal::MaxTextSize bytes. @return the end.
+    [[gnu::always_inline]] static char* WriteDecimal(char* out, const nxDecimal& value) noexcept
+    {
+        // Null and no change have larger scales than any number.
+        const std::uint64_t places = value.GetScale();
+        const std::uint64_t magnitude = nxDecimalQuick::GetMagnitude(value.GetValue());
+        if (places >= 8 || magnitude >= _eightDigits) [[unlikely]]
+            return out + value.GetAsLogString(out, '.');
+        return out + nxDecimalText::Print(out, value.GetValue() < 0, magnitude, places, places, '.');
+    }
+
     /// @return the value at @p at, which is not aligned.
     template <class Value>
     static Value Load(const char* at)
@@ -233,6 +246,25 @@ private:
             found |= _CopyWord<suspect>(out + at, nxLogEscape::Load<std::uint64_t>(text + at));
         // The last one ends with the text.
         return found | _CopyWord<suspect>(out + size - word, nxLogEscape::Load<std::uint64_t>(text + size - word));
+    }
+
+    static constexpr std::uint64_t _eightDigits = 100'000'000;  // the first number with more
+
+    // Numbers without a branch on how many digits they have, because that is unpredictable.
+    [[gnu::always_inline]] static char* _WriteUnsigned(char* out, std::uint64_t value)
+    {
+        if (value >= _eightDigits) [[unlikely]]
+            return nxDigits::Write(out, value);
+        const std::uint64_t digits = nxDigits::Spread(value);
+        // All but the last may be leading zeros.
+        const auto zeros = static_cast<unsigned>(std::countr_zero(digits | std::uint64_t{1} << 56)) & ~7U;
+        nxDigits::Store(out, (digits | nxDigits::AsText) >> zeros);
+        return out + 8 - zeros / 8;
+    }
+    [[gnu::always_inline]] static char* _WriteSigned(char* out, std::int64_t value)
+    {
+        *out = '-';
+        return _WriteUnsigned(out + (value < 0 ? 1 : 0), nxDecimalQuick::GetMagnitude(value));
     }
 
     static char* _WriteText(char* out, std::string_view text)

@@ -8,6 +8,7 @@
 
 #include "core/log/inline/nxLogRecordHeader.h"
 #include "core/log/internal/nxLogRecord.h"
+#include "core/log/internal/nxLogRecordTimes.h"
 #include "core/platform/inline/nxClock.h"
 
 /// The fields of an nxLog that a statement does not have, as they are queued. The file follows with a NUL.
@@ -58,6 +59,14 @@ public:
         return static_cast<nxLogRecordHeader::Kind>(bytes[offsetof(nxLogRecordHeader, kind)]);
     }
 
+    /// Fetches what follows the record at @p bytes. The processor of the filling thread has it; a few records from now it will be
+    /// here.
+    static void Prefetch(const char* bytes)
+    {
+        constexpr std::size_t readAhead = 512;
+        __builtin_prefetch(bytes + readAhead);
+    }
+
     /// Where a jump leads.
     static char* ReadJump(const char* bytes) { return _Read<char*>(bytes + _jumpTarget); }
     static void WriteJump(char* at, char* target)
@@ -78,23 +87,11 @@ public:
 
     /// Sets @p record to what @p bytes hold, a Statement or an Object.
     /// @param threadIndex of the thread that filled the ring; an Object has its own.
-    /// @param scale turns ticks into times. @param second of the last record that was decoded, or 0; most are of the
-    ///        same. Changed to this one's.
-    [[gnu::always_inline]] static void Decode(nxLogRecord& record, const char* bytes, unsigned threadIndex,
-                                              const nxClockScale& scale, long long& second) noexcept
+    static void Decode(nxLogRecord& record, const char* bytes, unsigned threadIndex, nxLogRecordTimes& times) noexcept
     {
-        record.level = static_cast<std::uint8_t>(bytes[offsetof(nxLogRecordHeader, level)]);
-        record.processor = _Read<std::uint16_t>(bytes + offsetof(nxLogRecordHeader, processor));
-        record.values = bytes + sizeof(nxLogRecordHeader);
-        record.end = bytes + ReadSize(bytes);
-        if (ReadKind(bytes) == nxLogRecordHeader::Statement) [[likely]]
-        {
-            record.time = scale.ToTimeNear(ReadTicks(bytes), second);
-            second = record.time.seconds;
-            record.threadIndex = threadIndex;
-            record.source = _Read<const nxLogSource*>(bytes + offsetof(nxLogRecordHeader, source));
+        DecodeStatement(record, bytes, threadIndex, times);
+        if (ReadKind(bytes) == nxLogRecordHeader::Statement)
             return;
-        }
         const auto fields = _Read<nxLogObjectFields>(record.values);
         record.time = {fields.seconds, fields.nanoseconds};
         record.threadIndex = fields.threadIndex;
@@ -102,6 +99,18 @@ public:
         record.ownFile = record.values + sizeof fields;
         record.ownLine = fields.line;
         record.values = record.ownFile + fields.fileSize + 1;
+    }
+    /// The same for a Statement.
+    [[gnu::always_inline]] static void DecodeStatement(nxLogRecord& record, const char* bytes, unsigned threadIndex,
+                                                       nxLogRecordTimes& times) noexcept
+    {
+        record.level = static_cast<std::uint8_t>(bytes[offsetof(nxLogRecordHeader, level)]);
+        record.processor = _Read<std::uint16_t>(bytes + offsetof(nxLogRecordHeader, processor));
+        record.values = bytes + sizeof(nxLogRecordHeader);
+        record.end = bytes + ReadSize(bytes);
+        record.time = times.Get(ReadTicks(bytes));
+        record.threadIndex = threadIndex;
+        record.source = _Read<const nxLogSource*>(bytes + offsetof(nxLogRecordHeader, source));
     }
 
 private:

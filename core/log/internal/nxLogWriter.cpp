@@ -142,13 +142,18 @@ bool nxLogWriter::_DeliverQueued(nxLogBatches& batches) noexcept
     while (merge.Next(record))
     {
         found = true;
-        _inHand.store(++inHand, std::memory_order_relaxed);
-        if (!batches.Deliver(record)) [[unlikely]]
+        nxLogMerge::Run run(merge);
+        do
         {
-            if (batches.IsOfParent())
-                return true;
-            _KeepEarly(record);
-        }
+            _inHand.store(++inHand, std::memory_order_relaxed);
+            if (!batches.Deliver(record)) [[unlikely]]
+            {
+                if (batches.IsOfParent())
+                    return true;
+                _KeepEarly(record);
+            }
+        } while (inHand != recordsPerRelease && run.Next(record, merge));
+        merge.EndRun(run);
         if (inHand == recordsPerRelease)
             release();
     }
