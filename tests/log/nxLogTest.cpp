@@ -39,6 +39,34 @@ struct Order
 nxLog& operator<<(nxLog& record, const Order& order) { return record << '#' << order.id << "@" << order.price; }
 }  // namespace
 
+TEST(nxLog, NumbersOfEveryLengthAreAsElsewhere)
+{
+    for (long long bound = 1; bound <= 1'000'000'000'000; bound *= 10)
+        for (const long long number : {bound - 1, bound, bound + 1, -bound, 1 - bound})
+        {
+            EXPECT_EQ(TextOf(number), std::to_string(number));
+            EXPECT_EQ(TextOf(static_cast<int>(number)), std::to_string(static_cast<int>(number)));
+            EXPECT_EQ(TextOf(static_cast<unsigned>(number)), std::to_string(static_cast<unsigned>(number)));
+            for (unsigned char places = 0; places < 20; ++places)
+            {
+                const auto decimal = nxDecimal::ConstructFromValueAndDecimalPlaces(number, places);
+                EXPECT_EQ(TextOf(decimal), decimal.GetAsLogString('.'));
+            }
+        }
+}
+
+TEST(nxLog, TextsOfEveryLengthAreKept)
+{
+    const std::string letters = "abcdefghijklmnopqrstuvwxyz";
+    for (std::size_t first = 0; first < letters.size(); ++first)
+        for (std::size_t second = 0; second < letters.size(); ++second)
+        {
+            nxLog record(NX_LOG_LEVEL_INFO, nullptr, 0, nxTimeStamp(0, 0));
+            record << letters.substr(0, first) << letters.substr(0, second);
+            EXPECT_EQ(record.GetText(), letters.substr(0, first) + letters.substr(0, second));
+        }
+}
+
 TEST(nxLog, EveryValueBecomesItsText)
 {
     nxProductStateBitMask mask;

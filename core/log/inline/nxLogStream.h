@@ -275,7 +275,8 @@ private:
     }
 
     // A memcpy for texts that are mostly short: up to 16 bytes are copied without a call, as two pieces that may
-    // overlap.
+    // overlap. Texts of two, three and four characters, as symbols often are, take the same way, because a branch
+    // between them would be unpredictable.
     [[gnu::always_inline]] static void _Copy(char* to, const char* from, std::size_t size)
     {
         if (size > 16)
@@ -284,9 +285,9 @@ private:
             __asm__("" : "+r"(from));
             std::memcpy(to, from, size);
         }
-        else if (size >= 8)
+        else if (size > 8)
             _CopyEnds<8>(to, from, size);
-        else if (size >= 4)
+        else if (size > 4)
             _CopyEnds<4>(to, from, size);
         else if (size >= 2)
             _CopyEnds<2>(to, from, size);

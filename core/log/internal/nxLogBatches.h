@@ -2,7 +2,6 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGBATCHES_H
 #define CORE_LOG_INTERNAL_NXLOGBATCHES_H
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -75,7 +74,8 @@ private:
                 return false;
         if (batch.count++ == 0)
             batch.seconds = record.time.seconds;
-        batch.gravestLevel = std::max(batch.gravestLevel, static_cast<nxEnumValue>(record.level));
+        if (static_cast<nxEnumValue>(record.level) > batch.gravestLevel) [[unlikely]]
+            batch.gravestLevel = static_cast<nxEnumValue>(record.level);
         if (batch.lines.GetSize() >= nxLogLimits::BatchSize) [[unlikely]]
             return Send();
         return true;

@@ -118,8 +118,9 @@ struct QuickJson
                 return PutJson(out, "null");
             case nxLogTag::Decimal:
             {
-                const auto decimal = QuickText::Take<nxDecimal>(at);
-                return decimal.IsValid() ? out + decimal.GetAsLogString(out, '.') : PutJson(out, "null");
+                const char* const decimal = at;
+                return QuickText::Take<nxDecimal>(at).IsValid() ? QuickText::WriteDecimal(out, decimal)
+                                                                : PutJson(out, "null");
             }
             case nxLogTag::Double:
                 return nxLogJsonText::PutDouble(out, QuickText::Take<double>(at));
@@ -131,9 +132,9 @@ struct QuickJson
                 out = PutKeptText(out, at);
                 return out == nullptr ? nullptr : PutJson(out, "\"");
             case nxLogTag::Signed32:
-                return nxDigits::WriteSigned(out, QuickText::Take<std::int32_t>(at));
+                return QuickText::WriteSigned(out, QuickText::Take<std::int32_t>(at));
             case nxLogTag::Unsigned32:
-                return nxDigits::Write(out, QuickText::Take<std::uint32_t>(at));
+                return QuickText::WriteUnsigned(out, QuickText::Take<std::uint32_t>(at));
             case nxLogTag::Signed64:
                 return nxDigits::WriteSigned(out, QuickText::Take<std::int64_t>(at));
             case nxLogTag::Unsigned64:

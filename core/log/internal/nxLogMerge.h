@@ -118,8 +118,9 @@ inline bool nxLogMerge::Run::Next(nxLogRecord& record, nxLogMerge& merge) noexce
         nxLogRecordBytes::ReadTicks(bytes) > _lastTicks) [[unlikely]]
         return false;
     nxLogRecordBytes::Prefetch(bytes);
-    _read = bytes + nxLogRecordBytes::RoundUp(nxLogRecordBytes::ReadSize(bytes));
-    nxLogRecordBytes::DecodeStatement(record, bytes, _threadIndex, merge._round.times);
+    const std::uint32_t size = nxLogRecordBytes::ReadSize(bytes);
+    _read = bytes + nxLogRecordBytes::RoundUp(size);
+    nxLogRecordBytes::DecodeStatement(record, bytes, size, _threadIndex, merge._round.times);
     return true;
 }
 

@@ -97,10 +97,10 @@ public:
                 out = _WriteText(out, "FALSE");
                 return true;
             case nxLogTag::Signed32:
-                out = _WriteSigned(out, Take<std::int32_t>(at));
+                out = WriteSigned(out, Take<std::int32_t>(at));
                 return true;
             case nxLogTag::Unsigned32:
-                out = _WriteUnsigned(out, Take<std::uint32_t>(at));
+                out = WriteUnsigned(out, Take<std::uint32_t>(at));
                 return true;
             case nxLogTag::Signed64:
                 out = nxDigits::WriteSigned(out, Take<std::int64_t>(at));
@@ -109,7 +109,8 @@ public:
                 out = nxDigits::Write(out, Take<std::uint64_t>(at));
                 return true;
             case nxLogTag::Decimal:
-                out = WriteDecimal(out, Take<nxDecimal>(at));
+                out = WriteDecimal(out, at);
+                at += sizeof(nxDecimal);
                 return true;
             case nxLogTag::Null:
                 out = _WriteText(out, "NULL");
@@ -174,14 +175,35 @@ public:
         return out;
     }
 
-    /// Writes a decimal's log form. @param out has room for nxDecimal::MaxTextSize bytes. @return the end.
-    [[gnu::always_inline]] static char* WriteDecimal(char* out, const nxDecimal& value) noexcept
+    /// Writes a number without a branch on how many digits it has, because that is unpredictable.
+    /// @param out has room for nxDigits::MaxDigits bytes. @return the end.
+    [[gnu::always_inline]] static char* WriteUnsigned(char* out, std::uint64_t value)
     {
+        if (value >= _eightDigits) [[unlikely]]
+            return nxDigits::Write(out, value);
+        const std::uint64_t digits = nxDigits::Spread(value);
+        // All but the last may be leading zeros.
+        const auto zeros = static_cast<unsigned>(std::countr_zero(digits | std::uint64_t{1} << 56)) & ~7U;
+        nxDigits::Store(out, (digits | nxDigits::AsText) >> zeros);
+        return out + 8 - zeros / 8;
+    }
+    /// The same with a '-' in front of a negative one, and room for it.
+    [[gnu::always_inline]] static char* WriteSigned(char* out, std::int64_t value)
+    {
+        *out = '-';
+        return WriteUnsigned(out + (value < 0 ? 1 : 0), nxDecimalQuick::GetMagnitude(value));
+    }
+
+    /// Writes the log form of the decimal at @p at, which is not aligned. @param out has room for nxDecimal::MaxTextSize bytes.
+    /// @return the end.
+    [[gnu::always_inline]] static char* WriteDecimal(char* out, const char* at) noexcept
+    {
+        const auto value = Load<nxDecimal>(at);
         // Null and no change have larger scales than any number.
         const std::uint64_t places = value.GetScale();
         const std::uint64_t magnitude = nxDecimalQuick::GetMagnitude(value.GetValue());
         if (places >= 8 || magnitude >= _eightDigits) [[unlikely]]
-            return out + value.GetAsLogString(out, '.');
+            return _WriteAnyDecimal(out, at);
         return out + nxDecimalText::Print(out, value.GetValue() < 0, magnitude, places, places, '.');
     }
 
@@ -214,13 +236,14 @@ public:
     }
 
     /// The same for a text that follows its tag and length. There is no branch on the size, which is unpredictable: a word
-    /// that ends with the text may begin in tag and length, and is shifted until it begins with the text.
+    /// that ends with the text may begin before it, and is shifted until it begins with the text. Before the first value of
+    /// a record there is its header or the NUL of its file.
     template <Suspect suspect>
     [[gnu::always_inline]] static std::uint64_t CopyOfRecord(char* out, const char* text, std::size_t size)
     {
-        if (size - 3 >= 6) [[unlikely]]
+        if (size - 2 >= 7) [[unlikely]]
             return Copy<suspect>(out, text, size);
-        static_assert(sizeof(nxLogTag) + sizeof(std::uint32_t) == 8 - 3, "the word reads so far before the text");
+        static_assert(sizeof(nxLogTag) + sizeof(std::uint32_t) + 1 == 8 - 2, "the word reads so far before the text");
         const std::size_t others = 64 - 8 * size;
         const std::uint64_t word = nxLogEscape::Load<std::uint64_t>(text + size - 8) >> others;
         std::memcpy(out, &word, sizeof word);
@@ -250,21 +273,9 @@ private:
 
     static constexpr std::uint64_t _eightDigits = 100'000'000;  // the first number with more
 
-    // Numbers without a branch on how many digits they have, because that is unpredictable.
-    [[gnu::always_inline]] static char* _WriteUnsigned(char* out, std::uint64_t value)
+    [[gnu::noinline]] static char* _WriteAnyDecimal(char* out, const char* at) noexcept
     {
-        if (value >= _eightDigits) [[unlikely]]
-            return nxDigits::Write(out, value);
-        const std::uint64_t digits = nxDigits::Spread(value);
-        // All but the last may be leading zeros.
-        const auto zeros = static_cast<unsigned>(std::countr_zero(digits | std::uint64_t{1} << 56)) & ~7U;
-        nxDigits::Store(out, (digits | nxDigits::AsText) >> zeros);
-        return out + 8 - zeros / 8;
-    }
-    [[gnu::always_inline]] static char* _WriteSigned(char* out, std::int64_t value)
-    {
-        *out = '-';
-        return _WriteUnsigned(out + (value < 0 ? 1 : 0), nxDecimalQuick::GetMagnitude(value));
+        return out + Load<nxDecimal>(at).GetAsLogString(out, '.');
     }
 
     static char* _WriteText(char* out, std::string_view text)

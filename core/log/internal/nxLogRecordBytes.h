@@ -89,7 +89,7 @@ public:
     /// @param threadIndex of the thread that filled the ring; an Object has its own.
     static void Decode(nxLogRecord& record, const char* bytes, unsigned threadIndex, nxLogRecordTimes& times) noexcept
     {
-        DecodeStatement(record, bytes, threadIndex, times);
+        DecodeStatement(record, bytes, ReadSize(bytes), threadIndex, times);
         if (ReadKind(bytes) == nxLogRecordHeader::Statement)
             return;
         const auto fields = _Read<nxLogObjectFields>(record.values);
@@ -100,14 +100,14 @@ public:
         record.ownLine = fields.line;
         record.values = record.ownFile + fields.fileSize + 1;
     }
-    /// The same for a Statement.
-    [[gnu::always_inline]] static void DecodeStatement(nxLogRecord& record, const char* bytes, unsigned threadIndex,
-                                                       nxLogRecordTimes& times) noexcept
+    /// The same for a Statement. @param size is ReadSize().
+    [[gnu::always_inline]] static void DecodeStatement(nxLogRecord& record, const char* bytes, std::uint32_t size,
+                                                       unsigned threadIndex, nxLogRecordTimes& times) noexcept
     {
         record.level = static_cast<std::uint8_t>(bytes[offsetof(nxLogRecordHeader, level)]);
         record.processor = _Read<std::uint16_t>(bytes + offsetof(nxLogRecordHeader, processor));
         record.values = bytes + sizeof(nxLogRecordHeader);
-        record.end = bytes + ReadSize(bytes);
+        record.end = bytes + size;
         record.time = times.Get(ReadTicks(bytes));
         record.threadIndex = threadIndex;
         record.source = _Read<const nxLogSource*>(bytes + offsetof(nxLogRecordHeader, source));
