@@ -116,34 +116,23 @@ void nxLogMerge::_ChooseRing() noexcept
         _ChooseOldest();
 }
 
-// Whether the current ring has the next record of all, told without a closer look.
-inline bool nxLogMerge::_IsCurrentStillOldest() const noexcept
-{
-    if (_round.current == nullptr || _round.current->_read == _round.current->_seen)
-        return false;
-    const char* const bytes = _round.current->_read;
-    return nxLogRecordBytes::ReadKind(bytes) != nxLogRecordHeader::Jump &&
-           nxLogRecordBytes::ReadTicks(bytes) <= _round.otherOldest &&
-           nxLogRecordBytes::ReadTicks(bytes) <= _round.cutOff;
-}
-
-bool nxLogMerge::Next(nxLogRecord& record) noexcept
+bool nxLogMerge::_NextOfAll(nxLogRecord& record) noexcept
 {
     if (_round.block != nullptr) [[unlikely]]
         _FreeBlock();
-    if (!_IsCurrentStillOldest()) [[unlikely]]
-    {
-        _ChooseRing();
-        if (_round.current == nullptr)
-            return false;
-    }
+    _ChooseRing();
+    if (_round.current == nullptr)
+        return false;
     nxLogRing& ring = *_round.current;
     const char* bytes = ring._read;
-    nxLogRecordBytes::Prefetch(bytes);
-    // Its room is not given back before GiveBackRoom().
-    ring._read += nxLogRecordBytes::RoundUp(nxLogRecordBytes::ReadSize(bytes));
+    _Take(ring);
+    // A block is freed by the next look at all rings.
+    _round.currentUntil = std::min(_round.otherOldest, _round.cutOff);
     if (nxLogRecordBytes::ReadKind(bytes) == nxLogRecordHeader::Elsewhere) [[unlikely]]
+    {
         bytes = _round.block = nxLogRecordBytes::ReadBlock(bytes);
+        _round.currentUntil = 0;
+    }
     nxLogRecordBytes::Decode(record, bytes, ring._threadIndex, _round.times);
     return true;
 }

@@ -2,7 +2,6 @@
 #ifndef CORE_LOG_INTERNAL_NXLOGMERGE_H
 #define CORE_LOG_INTERNAL_NXLOGMERGE_H
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -31,33 +30,20 @@ public:
     void Begin(bool everything) noexcept;
     /// How many nanoseconds ago the oldest record of the round was begun; 0 for a round without records.
     std::int64_t GetLag() const noexcept;
-    /// Sets @p record to the oldest one that is left. @return whether there was one.
-    bool Next(nxLogRecord& record) noexcept;
-    /// The statements that follow the record of the last Next(), before which no other ring has its turn. A loop over them keeps
-    /// its place in registers.
-    class Run
+    /// Sets @p record to the oldest one that is left. Inlined into the loop over the records: nearly always it is the next
+    /// statement of the ring that had the last one. @return whether there was one.
+    [[gnu::always_inline]] bool Next(nxLogRecord& record) noexcept
     {
-    public:
-        /// Continues after the last record of @p merge, which knows of what is taken here once EndRun() is called.
-        explicit Run(const nxLogMerge& merge) noexcept;
-        /// Sets @p record to the next one. @return false if there is none: then Next() tells what comes.
-        [[gnu::always_inline]] bool Next(nxLogRecord& record, nxLogMerge& merge) noexcept;
-
-    private:
-        friend class nxLogMerge;
-
-        const nxLogRing* _ring;
-        const char* _read;
-        const char* _end;
-        std::uint64_t _lastTicks;  // a record with more is not of the run
-        unsigned _threadIndex;
-    };
-    /// Takes over what @p run has taken, before any other operation.
-    void EndRun(const Run& run) noexcept
-    {
-        // A device may have forked: the child has no round.
-        if (_round.current == run._ring)
-            _round.current->_read = const_cast<char*>(run._read);
+        nxLogRing* const ring = _round.current;
+        if (ring == nullptr || ring->_read == ring->_seen) [[unlikely]]
+            return _NextOfAll(record);
+        const char* const bytes = ring->_read;
+        if (nxLogRecordBytes::ReadKind(bytes) != nxLogRecordHeader::Statement ||
+            nxLogRecordBytes::ReadTicks(bytes) > _round.currentUntil) [[unlikely]]
+            return _NextOfAll(record);
+        const std::uint32_t size = _Take(*ring);
+        nxLogRecordBytes::DecodeStatement(record, bytes, size, ring->_threadIndex, _round.times);
+        return true;
     }
     /// Gives the room of all that has been read back to the filling threads, and wakes those that wait for it.
     void GiveBackRoom() noexcept;
@@ -82,6 +68,7 @@ private:
         nxLogRing* current = nullptr;
         char* block = nullptr;            // where the record is that Next() returned last, if not in the ring
         std::uint64_t otherOldest = 0;    // up to these ticks `current` goes before another ring's turn
+        std::uint64_t currentUntil = 0;   // up to these ticks nothing but `current` needs a look
         std::uint64_t oldest = _noTicks;  // when its first record was begun
         std::uint64_t cutOff = 0;         // records begun later belong to the next round
         nxLogRecordTimes times;
@@ -90,7 +77,15 @@ private:
     static Age _GetAge(std::uint64_t ticks, std::uint64_t cutOff) noexcept;
     const char* _AdvanceToRecord(nxLogRing& ring) noexcept;
     void _FollowJump(nxLogRing& ring) noexcept;
-    bool _IsCurrentStillOldest() const noexcept;
+    // Its room is not given back before GiveBackRoom(). @return the size of the record.
+    static std::uint32_t _Take(nxLogRing& ring) noexcept
+    {
+        const std::uint32_t size = nxLogRecordBytes::ReadSize(ring._read);
+        nxLogRecordBytes::Prefetch(ring._read);
+        ring._read += nxLogRecordBytes::RoundUp(size);
+        return size;
+    }
+    bool _NextOfAll(nxLogRecord& record) noexcept;
     void _ChooseRing() noexcept;
     void _ChooseOldest() noexcept;
     void _FreeBlock() noexcept;
@@ -99,29 +94,5 @@ private:
     nxLogRingMemory& _memory;
     Round _round;
 };
-
-// A run has no record while a block waits to be freed.
-inline nxLogMerge::Run::Run(const nxLogMerge& merge) noexcept
-    : _ring(merge._round.current),
-      _read(_ring->_read),
-      _end(merge._round.block == nullptr ? _ring->_seen : _read),
-      _lastTicks(std::min(merge._round.otherOldest, merge._round.cutOff)),
-      _threadIndex(_ring->_threadIndex)
-{
-}
-
-inline bool nxLogMerge::Run::Next(nxLogRecord& record, nxLogMerge& merge) noexcept
-{
-    const char* const bytes = _read;
-    if (bytes == _end || merge._round.current != _ring ||
-        nxLogRecordBytes::ReadKind(bytes) != nxLogRecordHeader::Statement ||
-        nxLogRecordBytes::ReadTicks(bytes) > _lastTicks) [[unlikely]]
-        return false;
-    nxLogRecordBytes::Prefetch(bytes);
-    const std::uint32_t size = nxLogRecordBytes::ReadSize(bytes);
-    _read = bytes + nxLogRecordBytes::RoundUp(size);
-    nxLogRecordBytes::DecodeStatement(record, bytes, size, _threadIndex, merge._round.times);
-    return true;
-}
 
 #endif

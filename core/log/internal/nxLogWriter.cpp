@@ -142,18 +142,13 @@ bool nxLogWriter::_DeliverQueued(nxLogBatches& batches) noexcept
     while (merge.Next(record))
     {
         found = true;
-        nxLogMerge::Run run(merge);
-        do
+        _inHand.store(++inHand, std::memory_order_relaxed);
+        if (!batches.Deliver(record)) [[unlikely]]
         {
-            _inHand.store(++inHand, std::memory_order_relaxed);
-            if (!batches.Deliver(record)) [[unlikely]]
-            {
-                if (batches.IsOfParent())
-                    return true;
-                _KeepEarly(record);
-            }
-        } while (inHand != recordsPerRelease && run.Next(record, merge));
-        merge.EndRun(run);
+            if (batches.IsOfParent())
+                return true;
+            _KeepEarly(record);
+        }
         if (inHand == recordsPerRelease)
             release();
     }
