@@ -4,7 +4,8 @@
 
 #include "core/log/nxLogLineSink.h"
 
-/// Runs that tell the instructions of a record's caller from those of the log's thread. Each takes the process for itself and ends it.
+/// Runs that tell the instructions of a record's caller from those of the log's thread. Each takes the process for itself and
+/// ends it.
 class CountedLog
 {
 public:
