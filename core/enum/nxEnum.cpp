@@ -1,35 +1,44 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxEnum.h"
 
-#include <algorithm>
-#include <iterator>
 #include <ostream>
 
+#include "core/enum/internal/nxListedTexts.h"
+#include "core/enum/internal/nxRegistrationLock.h"
 #include "core/enum/nxEnumRange.h"
 #include "core/enum/nxRefusedTexts.h"
 
 namespace
 {
-constexpr nxEnum::ValueTexts listedRows[] = {
-#define NX_ENUM_VALUE(constant, value, shortDescription, longDescription) {value, shortDescription, longDescription},
-#define NX_ERROR_CODE(value, identifier, wording) {value, #identifier, wording},
-#include "core/enum/nxEnumValues.inc"
-#include "core/enum/nxErrorCodes.inc"
-#undef NX_ENUM_VALUE
-#undef NX_ERROR_CODE
-};
+using ValueMap = std::map<unsigned, nxEnumTable::Texts>;
+using NameMap = std::map<std::string, unsigned>;
 
-constexpr bool IsBelow(const nxEnum::ValueTexts& left, const nxEnum::ValueTexts& right)
+// What was registered, and the library's own values once somebody has asked for all. Under the registration lock. Leaked, because
+// static destructors and threads that outlive main still print.
+ValueMap& RegisteredValues()
 {
-    return left.value < right.value;
+    static auto& map = *new ValueMap;
+    return map;
 }
-static_assert(std::is_sorted(std::begin(listedRows), std::end(listedRows), IsBelow), "the lists ascend");
 
-// Not looked up, because an application may have registered the identifier for a value of its own.
-const nxEnumTable::Texts& TextsOfUnknown()
+NameMap& RegisteredNames()
 {
-    static const nxEnumTable::Texts& texts = *new nxEnumTable::Texts("NOT_REGISTERED", "not registered");
-    return texts;
+    static auto& map = *new NameMap;
+    return map;
+}
+
+void AddListedToMaps()
+{
+    static constinit bool isDone = false;
+    if (isDone)
+        return;
+    const unsigned* value = nxListedTexts::GetValues().data();
+    for (const nxEnumTable::Texts& texts : nxListedTexts::GetTexts())
+    {
+        RegisteredValues().try_emplace(*value, texts);
+        RegisteredNames().try_emplace(texts.first, *value++);
+    }
+    isDone = true;
 }
 
 std::string_view View(const char* text) { return text != nullptr ? text : ""; }
@@ -37,41 +46,40 @@ std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 
 const bool nxEnum::_registered = nxEnum::_RegisterValues();
 
-bool nxEnum::_RegisterValues()
-{
-    TextsOfUnknown();  // built while the library is loaded, because memory may be short later
-    return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE);
-}
+bool nxEnum::_RegisterValues() { return _RegisterListed(NX_ENUM_UNDEFINED, NX_ENUM_NO_CHANGE); }
 
 std::map<unsigned, std::pair<std::string, std::string>>& nxEnum::_Map()
 {
-    // Leaked, because static destructors and threads that outlive main still print.
-    static auto& map = *new std::map<unsigned, std::pair<std::string, std::string>>;
-    return map;
+    const nxRegistrationLock lock;
+    AddListedToMaps();
+    return RegisteredValues();
 }
 
 std::map<std::string, unsigned>& nxEnum::_ReverseMap()
 {
-    static auto& map = *new std::map<std::string, unsigned>;
-    return map;
+    const nxRegistrationLock lock;
+    AddListedToMaps();
+    return RegisteredNames();
 }
 
 bool nxEnum::_Add(unsigned value, std::string_view shortDescription, std::string_view longDescription)
 {
-    if (shortDescription.size() > nxEnumTable::MaximumTextSize || nxEnumTable::Find(value) != nullptr ||
-        nxEnumTable::Find(shortDescription) != nxEnumTable::NotFound)
+    const nxRegistrationLock lock;
+    if (shortDescription.size() > nxEnumTable::MaximumTextSize || nxEnumTable::FindAnywhere(value) != nullptr ||
+        nxEnumTable::FindAnywhere(shortDescription) != nxEnumTable::NotFound)
         return false;
     // Everything that may run out of memory comes first. It leaves nothing behind that would prevent another attempt.
     nxEnumTable::Reserve(value);
-    const auto name = _ReverseMap().try_emplace(std::string(shortDescription), value).first;
+    const auto name = RegisteredNames().try_emplace(std::string(shortDescription), value).first;
     try
     {
-        const auto entry = _Map().try_emplace(_Map().end(), value, shortDescription, longDescription);
+        ValueMap& values = RegisteredValues();
+        const auto entry = values.try_emplace(values.end(), value, shortDescription, longDescription);
         nxEnumTable::Add(value, entry->second);
     }
     catch (...)
     {
-        _ReverseMap().erase(name);
+        RegisteredNames().erase(name);
         throw;
     }
     return true;
@@ -90,39 +98,20 @@ bool nxEnum::_RegisterAll(const ValueTexts* first, const ValueTexts* last)
     return true;
 }
 
-bool nxEnum::_RegisterListed(unsigned lowest, unsigned highest)
-{
-    return _RegisterAll(
-        std::lower_bound(std::begin(listedRows), std::end(listedRows), ValueTexts{lowest, "", ""}, IsBelow),
-        std::upper_bound(std::begin(listedRows), std::end(listedRows), ValueTexts{highest, "", ""}, IsBelow));
-}
+// Whichever class comes first, the texts of all are made: it is one step, and they are in one place.
+bool nxEnum::_RegisterListed(unsigned, unsigned) { return !nxListedTexts::GetTexts().empty(); }
 
-void nxEnum::_FillFromLists()
-{
-    static const bool isFilled = _RegisterAll(listedRows);
-    static_cast<void>(isFilled);
-}
+void nxEnum::_FillFromLists() { static_cast<void>(nxListedTexts::GetTexts()); }
 
 const nxEnumTable::Texts& nxEnum::_GetMissingTexts(unsigned value)
 {
-    _FillFromLists();
-    if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value))
-        return *texts;
-    return TextsOfUnknown();
+    const nxEnumTable::Texts* const texts = nxEnumTable::FindMissing(value);
+    return texts != nullptr ? *texts : *nxListedTexts::Find(NX_ENUM_NOT_REGISTERED);
 }
 
-std::int64_t nxEnum::_FindMissing(std::string_view text)
-{
-    _FillFromLists();
-    return nxEnumTable::Find(text);
-}
+std::int64_t nxEnum::_FindMissing(std::string_view text) { return nxEnumTable::FindMissing(text); }
 
-bool nxEnum::IsRegisteredEnumValue(unsigned value)
-{
-    if (nxEnumTable::Find(value) == nullptr)
-        _FillFromLists();
-    return nxEnumTable::Find(value) != nullptr;
-}
+bool nxEnum::IsRegisteredEnumValue(unsigned value) { return nxEnumTable::FindAnywhere(value) != nullptr; }
 
 bool nxEnum::IsSpecificTypeForInstance() const { return _MinValue() < _value && _value < _MaxValue(); }
 
@@ -136,7 +125,6 @@ void nxEnum::_Set(unsigned value)
 void nxEnum::GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>& values) const
 {
     values.clear();
-    _FillFromLists();
     for (const unsigned value : nxEnumRange<unsigned>(_MinValue(), _MaxValue()))
         values.push_back(static_cast<nxEnumValue>(value));
 }
@@ -144,7 +132,6 @@ void nxEnum::GetRegisteredEnumValuesForInstance(std::vector<nxEnumValue>& values
 void nxEnum::GetRegisteredEnumValuesForInstance(std::set<nxEnumValue>& values) const
 {
     values.clear();
-    _FillFromLists();
     for (const unsigned value : nxEnumRange<unsigned>(_MinValue(), _MaxValue()))
         values.insert(values.end(), static_cast<nxEnumValue>(value));
 }

@@ -155,11 +155,11 @@ protected:
         return _RegisterAll(rows, rows + Count);
     }
 
-    /// Adds the rows of the library's own lists from @p lowest to @p highest, both included; the library's classes
+    /// Makes the texts of the library's own lists, among them the rows from @p lowest to @p highest; the library's classes
     /// register with it.
     /// @return true.
     static bool _RegisterListed(unsigned lowest, unsigned highest);
-    /// Makes sure that the library's own values are registered, whichever initialiser runs first.
+    /// Does the same. Programs built with headers of 1.0 call it.
     static void _FillFromLists();
 
     /// @name Comparison of the stored values as unsigned numbers, for the operators of the concrete classes.
@@ -210,8 +210,8 @@ private:
     static const bool _registered;
 
     static bool _Add(unsigned value, std::string_view shortDescription, std::string_view longDescription);
-    // The fallback of a look-up that finds nothing: it registers the library's own values if that has not happened yet,
-    // and looks again. This makes the order of initialisers irrelevant.
+    // The fallback of a look-up that finds nothing: the library's own values may not have been looked for yet. This also
+    // makes the order of initialisers irrelevant.
     static const nxEnumTable::Texts& _GetMissingTexts(unsigned value);
     static std::int64_t _FindMissing(std::string_view text);
 

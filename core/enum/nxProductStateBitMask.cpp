@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxProductStateBitMask.h"
 
-NX_BIT_MASK_SOURCE(nxProductStateBitMask)
+#include "core/enum/internal/nxListedBitMaskSource.h"
+
+NX_LIBRARY_BIT_MASK_SOURCE(nxProductStateBitMask)

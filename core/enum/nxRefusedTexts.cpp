@@ -129,11 +129,11 @@ void IfThereIsMemory(Action action) noexcept
 
 std::string ReasonOf(unsigned value, std::string_view shortDescription)
 {
-    if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value))
+    if (const nxEnumTable::Texts* const texts = nxEnumTable::FindAnywhere(value))
         return "the value has the identifier " + InQuotes(texts->first);
     if (shortDescription.size() > nxEnumTable::MaximumTextSize)
         return "the identifier is longer than " + std::to_string(nxEnumTable::MaximumTextSize) + " characters";
-    const std::int64_t owner = nxEnumTable::Find(shortDescription);
+    const std::int64_t owner = nxEnumTable::FindAnywhere(shortDescription);
     return std::to_string(owner) + OfClass(static_cast<unsigned>(owner)) + " has that identifier";
 }
 }  // namespace
@@ -171,7 +171,7 @@ void nxRefusedTexts::AddClass(std::string_view className, unsigned minimum, unsi
 
 void nxRefusedTexts::AddValue(unsigned value, std::string_view shortDescription) noexcept
 {
-    if (const nxEnumTable::Texts* const texts = nxEnumTable::Find(value);
+    if (const nxEnumTable::Texts* const texts = nxEnumTable::FindAnywhere(value);
         texts == nullptr || texts->first != shortDescription)
         IfThereIsMemory(
             [&] {

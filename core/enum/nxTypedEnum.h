@@ -103,7 +103,6 @@ public:
     ///         `for (const nxBoolEnum value : nxBoolEnum::GetRegisteredValues())`.
     static nxEnumRange<Derived> GetRegisteredValues()
     {
-        _FillFromLists();
         constexpr unsigned lowest = Minimum < NX_ENUM_NO_CHANGE ? NX_ENUM_NO_CHANGE : Minimum;  // not the shared values
         return {lowest + 1, Maximum - 1};
     }

@@ -12,6 +12,8 @@ namespace
 nxLogLevelEnum GetLevel()
 {
     const std::string text = nxLogEnvironment::Get(QRX_LOG_LEVEL);
+    if (text.empty())
+        return nxLogLevelEnum();
     for (unsigned value = NX_LOG_LEVEL_DEBUG; value <= NX_LOG_LEVEL_FATAL; ++value)
         if (const nxLogLevelEnum level(static_cast<nxEnumValue>(value)); text == level.GetShortDescription())
             return level;

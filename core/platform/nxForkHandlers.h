@@ -34,6 +34,8 @@ public:
         /// The lock of the C library's local time, which a thread holds for one call. The child also drops the turn of a
         /// thread that was looking for the zone.
         LocalZone,
+        /// The lock under which texts of enumerations and masks are registered. A thread that holds it takes no other.
+        Registries,
         /// No lock: the child can use no functor queue of its parent.
         FunctorQueues,
         /// No lock: the child drops the update of a thread that was reading the clocks. Last, so that the child repairs

@@ -9,6 +9,7 @@ Enumerations and masks need the library's debug symbols, or a program compiled w
 cannot be shown without them says so; of some values gdb itself says "<incomplete type>".
 """
 
+import struct
 import time
 
 import gdb
@@ -53,14 +54,25 @@ def printable(text):
     return "".join(c if c.isprintable() else "".join("\\x%02X" % byte for byte in c.encode()) for c in text)
 
 
+def enum_texts(number):
+    """The address of a value's texts, which begin with a std::string; 0 if it has none."""
+    # nxEnumTable: a pointer to pages; a page begins with a pointer to the texts of each value.
+    pages = int(gdb.parse_and_eval("(unsigned long)_ZN11nxEnumTable6_pagesE"))
+    page = read_word(pages + 8 * (number // ENUM_PAGE))
+    texts = read_word(page + 8 * (number % ENUM_PAGE)) if page else 0
+    if texts:
+        return texts
+    # nxListedTexts: the library's own values, which enter a page when the program looks for them.
+    listed = int(gdb.parse_and_eval("(unsigned long)&_ZN13nxListedTexts13_forDebuggersE"))
+    values, count, texts, size = (read_word(listed + 8 * i) for i in range(4))
+    places = {value: i for i, (value,) in enumerate(struct.iter_unpack("I", read_bytes(values, 4 * count)))}
+    return texts + size * places[number] if number in places and read_word(texts) else 0
+
+
 def enum_identifier(number):
     """The registered short description; else the name of the constant; else the number."""
     try:
-        # nxEnumTable: a pointer to pages; a page begins with a pointer to the texts of each value; texts begin with a
-        # std::string.
-        pages = int(gdb.parse_and_eval("(unsigned long)_ZN11nxEnumTable6_pagesE"))
-        page = read_word(pages + 8 * (number // ENUM_PAGE))
-        texts = read_word(page + 8 * (number % ENUM_PAGE)) if page else 0
+        texts = enum_texts(number)
         if texts:
             address, size = std_string(texts)
             return printable(read_bytes(address, min(size, 64)).decode("utf-8", "backslashreplace"))

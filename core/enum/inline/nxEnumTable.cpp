@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "core/enum/internal/nxListedTexts.h"
 #include "core/enum/internal/nxNameTag.h"
 
 namespace
@@ -93,13 +94,23 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::NameTable
         slot.text.store(text, std::memory_order_release);
     }
 
-    // A table with twice as many slots, or as many as the first one has, and the same names. @throws std::bad_alloc
+    // A table of free slots; null when there is no memory.
+    static NameTable* Make(const NameTable* previous, std::size_t slotCount)
+    {
+        void* const memory = ::operator new(sizeof(NameTable) + slotCount * sizeof(Slot), std::nothrow);
+        if (memory == nullptr)
+            return nullptr;
+        auto* const made = new (memory) NameTable{previous, static_cast<std::uint32_t>(slotCount - 1)};
+        std::uninitialized_value_construct_n(&made->At(0), slotCount);
+        return made;
+    }
+
+    // A table with twice as many slots and the same names. @throws std::bad_alloc
     NameTable* MakeLarger() const
     {
-        const std::size_t count = std::max(firstSlotCount, 2 * GetSlotCount());
-        void* const memory = ::operator new(sizeof(NameTable) + count * sizeof(Slot));
-        auto* const larger = new (memory) NameTable{this, static_cast<std::uint32_t>(count - 1)};
-        std::uninitialized_value_construct_n(&larger->At(0), count);
+        NameTable* const larger = Make(this, 2 * GetSlotCount());
+        if (larger == nullptr)
+            throw std::bad_alloc();
         for (std::uint32_t i = 0; i < GetSlotCount(); ++i)
             if (const char* const text = At(i).text.load(std::memory_order_relaxed))
                 larger->Add(At(i).tag, At(i).value, text);
@@ -118,19 +129,25 @@ struct [[gnu::visibility("hidden")]] nxEnumTable::Storage
     };
     static_assert(sizeof(NoNames) == sizeof(NameTable) + sizeof(Slot) && alignof(NameTable) == alignof(Slot));
 
-    // Pages and tables are stored when they are complete (release), readers load them (acquire). Relaxed on the thread that
-    // adds, which is one at a time.
+    // Any thread that looks up may make a page, and exchanges it when it is complete (release); all load it (acquire).
+    // Relaxed on the thread that adds, after it has loaded it once.
     static constinit std::atomic<Page*> pages[_pageCount];
     static constinit NoNames noNames;
-    // Replaced by a larger table when half full. Release and acquire as above; relaxed on the thread that adds.
+    // Any thread may exchange noNames for the first table, which has the library's own names (release); all load it (acquire).
+    // The thread that adds stores a larger one when it is half full (release); relaxed where it has loaded it before.
     static constinit std::atomic<NameTable*> names;
-    static constinit std::size_t nameCount;
+    static constinit std::size_t addedCount;  // of names besides the library's own
+
+    // The page of a value; null when there is no memory for it.
+    static Page* GetPage(unsigned value);
+    // Sees to it that the library's own names are in the table. @return false when there is no memory for that.
+    static bool FillNames();
 };
 
 constinit std::atomic<nxEnumTable::Page*> nxEnumTable::Storage::pages[_pageCount] = {};
 constinit nxEnumTable::Storage::NoNames nxEnumTable::Storage::noNames = {};
 constinit std::atomic<nxEnumTable::NameTable*> nxEnumTable::Storage::names = &noNames.table;
-constinit std::size_t nxEnumTable::Storage::nameCount = 0;
+constinit std::size_t nxEnumTable::Storage::addedCount = 0;
 
 constinit std::atomic<nxEnumTable::Page*>* const nxEnumTable::_pages = Storage::pages;
 
@@ -146,40 +163,103 @@ std::int64_t nxEnumTable::Find(std::string_view text)
     return slot != nullptr ? std::int64_t{slot->value} : NotFound;
 }
 
+nxEnumTable::Page* nxEnumTable::Storage::GetPage(unsigned value)
+{
+    std::atomic<Page*>& page = pages[value / _pageSize];
+    Page* known = page.load(std::memory_order_acquire);
+    if (known != nullptr)
+        return known;
+    // A page is large and thinly filled. Zeroed memory from the system costs only the parts that are touched, and zero bytes
+    // are null pointers and clear bits.
+    auto* const made = static_cast<Page*>(std::calloc(1, sizeof(Page)));
+    if (made == nullptr || page.compare_exchange_strong(known, made, std::memory_order_release, std::memory_order_acquire))
+        return made;
+    std::free(made);
+    return known;
+}
+
+bool nxEnumTable::Storage::FillNames()
+{
+    NameTable* known = names.load(std::memory_order_acquire);
+    if (known != &noNames.table)
+        return true;
+    NameTable* const made = NameTable::Make(nullptr, firstSlotCount);
+    if (made == nullptr)
+        return false;
+    const unsigned* value = nxListedTexts::GetValues().data();
+    for (const Texts& texts : nxListedTexts::GetTexts())
+        made->Add(nxNameTag::Get(texts.first), *value++, texts.first.c_str());
+    if (!names.compare_exchange_strong(known, made, std::memory_order_release, std::memory_order_acquire))
+        ::operator delete(made);
+    return true;
+}
+
+const nxEnumTable::Texts* nxEnumTable::FindMissing(unsigned value)
+{
+    const Texts* const texts = nxListedTexts::Find(value);
+    if (texts != nullptr)
+        if (Page* const page = Storage::GetPage(value))
+            page->texts[value % _pageSize].store(texts, std::memory_order_release);
+    return texts;
+}
+
+std::int64_t nxEnumTable::FindMissing(std::string_view text)
+{
+    if (Storage::FillNames())
+        return Find(text);
+    const unsigned* const listed = nxListedTexts::Find(text);
+    return listed != nullptr ? std::int64_t{*listed} : NotFound;
+}
+
+const nxEnumTable::Texts* nxEnumTable::FindAnywhere(unsigned value)
+{
+    const Texts* const texts = Find(value);
+    return texts != nullptr ? texts : FindMissing(value);
+}
+
+std::int64_t nxEnumTable::FindAnywhere(std::string_view text)
+{
+    const std::int64_t value = Find(text);
+    return value != NotFound ? value : FindMissing(text);
+}
+
 std::int64_t nxEnumTable::FindFrom(unsigned from)
 {
-    std::size_t word = from % _pageSize / _wordBits;
+    const unsigned* const listed = nxListedTexts::FindFrom(from);
+    const std::int64_t added = _FindAdded(from, listed != nullptr ? *listed : ~0U);
+    return added != NotFound || listed == nullptr ? added : std::int64_t{*listed};
+}
+
+std::int64_t nxEnumTable::_FindAdded(unsigned from, unsigned to)
+{
+    constexpr std::size_t wordCount = _pageSize / _wordBits;
+    const std::size_t last = to / _wordBits;
     std::uint64_t wanted = ~std::uint64_t{0} << from % _wordBits;  // of the first word only
-    for (std::size_t number = from / _pageSize; number != _pageCount; ++number)
+    for (std::size_t word = from / _wordBits; word <= last; wanted = ~std::uint64_t{0})
     {
-        const Page* const page = _pages[number].load(std::memory_order_acquire);
-        for (; page != nullptr && word != _pageSize / _wordBits; ++word)
+        const Page* const page = _pages[word / wordCount].load(std::memory_order_acquire);
+        if (page == nullptr)
         {
-            const std::uint64_t found = page->present[word].load(std::memory_order_acquire) & wanted;
-            if (found != 0)
-                return static_cast<std::int64_t>(number * _pageSize + word * _wordBits) + std::countr_zero(found);
-            wanted = ~std::uint64_t{0};
+            word = (word / wordCount + 1) * wordCount;
+            continue;
         }
-        word = 0;
-        wanted = ~std::uint64_t{0};
+        const std::uint64_t found = page->present[word % wordCount].load(std::memory_order_acquire) & wanted;
+        if (found != 0)
+        {
+            const auto value = static_cast<std::int64_t>(word * _wordBits) + std::countr_zero(found);
+            return value <= to ? value : NotFound;
+        }
+        ++word;
     }
     return NotFound;
 }
 
 void nxEnumTable::Reserve(unsigned value)
 {
-    std::atomic<Page*>& page = _pages[value / _pageSize];
-    if (page.load(std::memory_order_relaxed) == nullptr)
-    {
-        // A page is large and thinly filled. Zeroed memory from the system costs only the parts that are touched, and
-        // zero bytes are null pointers and clear bits.
-        auto* const made = static_cast<Page*>(std::calloc(1, sizeof(Page)));
-        if (made == nullptr)
-            throw std::bad_alloc();
-        page.store(made, std::memory_order_release);
-    }
+    if (Storage::GetPage(value) == nullptr || !Storage::FillNames())
+        throw std::bad_alloc();
     const NameTable& names = *Storage::names.load(std::memory_order_relaxed);
-    if (2 * (Storage::nameCount + 1) > names.GetSlotCount())
+    if (2 * (nxListedTexts::Count + Storage::addedCount + 1) > names.GetSlotCount())
         Storage::names.store(names.MakeLarger(), std::memory_order_release);
 }
 
@@ -190,5 +270,5 @@ void nxEnumTable::Add(unsigned value, const Texts& texts) noexcept
     page.texts[index].store(&texts, std::memory_order_release);
     page.present[index / _wordBits].fetch_or(std::uint64_t{1} << index % _wordBits, std::memory_order_release);
     Storage::names.load(std::memory_order_relaxed)->Add(nxNameTag::Get(texts.first), value, texts.first.c_str());
-    ++Storage::nameCount;
+    ++Storage::addedCount;
 }
