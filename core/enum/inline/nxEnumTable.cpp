@@ -172,7 +172,8 @@ nxEnumTable::Page* nxEnumTable::Storage::GetPage(unsigned value)
     // A page is large and thinly filled. Zeroed memory from the system costs only the parts that are touched, and zero bytes
     // are null pointers and clear bits.
     auto* const made = static_cast<Page*>(std::calloc(1, sizeof(Page)));
-    if (made == nullptr || page.compare_exchange_strong(known, made, std::memory_order_release, std::memory_order_acquire))
+    if (made == nullptr ||
+        page.compare_exchange_strong(known, made, std::memory_order_release, std::memory_order_acquire))
         return made;
     std::free(made);
     return known;

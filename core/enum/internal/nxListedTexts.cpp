@@ -49,7 +49,8 @@ constexpr ListedSizes listedSizes[] = {
 };
 
 // Room for the strings. They are never destroyed, because threads that outlive main still print.
-alignas(nxListedTexts::Texts) constinit std::byte listedTextsRoom[std::size(listedValues) * sizeof(nxListedTexts::Texts)]{};
+alignas(nxListedTexts::Texts) constinit std::byte
+    listedTextsRoom[std::size(listedValues) * sizeof(nxListedTexts::Texts)]{};
 
 const nxListedTexts::Texts* MakeListedTexts()
 {
