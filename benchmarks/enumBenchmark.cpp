@@ -298,7 +298,7 @@ BENCHMARK(ToEnumHashCompare<4000>)->Name("text_to_enum_4000/limit_hash_compare")
 BENCHMARK(ToEnumMap<4000, std::unordered_map>)->Name("text_to_enum_4000/peer_unordered_map");
 BENCHMARK(ToEnumMap<4000, std::map>)->Name("text_to_enum_4000/peer_std_map");
 
-// --- Loading the library, its registries filled ---
+// --- Loading the library, and how much private memory that writes ---
 
 void Load(benchmark::State& state, const char* library)
 {
@@ -307,10 +307,12 @@ void Load(benchmark::State& state, const char* library)
     {
         std::FILE* const pipe = popen(command.c_str(), "r");
         long nanoseconds = 0;
-        const bool isRead = std::fscanf(pipe, "%ld", &nanoseconds) == 1;
+        long kilobytes = 0;
+        const bool isRead = std::fscanf(pipe, "%ld %ld", &nanoseconds, &kilobytes) == 2;
         if (pclose(pipe) != 0 || !isRead)
             state.SkipWithError("the library could not be loaded");
         state.SetIterationTime(static_cast<double>(nanoseconds) * 1e-9);
+        state.counters["dirty_kb"] = static_cast<double>(kilobytes);
     }
 }
 BENCHMARK_CAPTURE(Load, ours, NX_BENCHMARK_LIBRARY)->Name("library_load/ours")->UseManualTime();

@@ -26,8 +26,8 @@
 /// - Value 0 is "undefined": the state after construction and Clear(). Value 2 is "no change". Value 1 is never stored.
 /// - Errors: a setter that gets a value outside the class's interval silently stores 0; only the parsing setters return
 ///   whether they succeeded.
-/// - Threads: like an int. The registry is filled while the library is loaded; looking up takes no lock. A plug-in that
-///   is loaded later may register its own values while other threads print and parse.
+/// - Threads: like an int. Looking up takes no lock and does not fail for want of memory. A plug-in that is loaded later
+///   may register its own values while other threads print and parse.
 /// - Ownership: a 16-byte value that owns nothing. Texts are returned by reference and live as long as the process.
 class NX_CORE_API nxEnum
 {
