@@ -3,7 +3,7 @@
 #define CORE_ENUM_INLINE_NXBITMASKFLAGS_H
 
 // The flags of every bit mask in bit order: constant, word, short description, long description. NX_BIT_MASK and
-// NX_BIT_MASK_SOURCE make a mask's constants and registrations from the list with its name.
+// NX_LIBRARY_BIT_MASK_SOURCE make a mask's constants and registrations from the list with its name.
 // Texts appear on screens and in users' settings, so a text is never changed and a bit never gets another meaning.
 
 #define NX_FLAGS_nxOrderFillSummaryFieldBitMask(FLAG)      \
