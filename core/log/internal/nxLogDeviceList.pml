@@ -12,6 +12,9 @@
 // has reached the device when that returns, unless another thread has taken the device out (DELIVERED). Each record counts
 // either as written, because a device was given it, or as unheard (COUNTED). Nothing waits for ever.
 //
+// This file has the protocol, as the list and its entries follow it. The threads that use it, the devices and what must hold
+// at each call are in nxLogDeviceListWorld.pml.
+//
 // MENU adds up what the second thread may do: 1 Destroy, 2 UnregisterAll, 4 Flush, 8 Unregister, 16 Register; NESTED what the owner's
 // device does when it is called: 1 unregisters itself, 2 unregisters and registers itself.
 //
@@ -35,19 +38,6 @@
 // LONG violated -DMENU=2 -DLIVES=1 -DWITHOUT_COUNTING_LIVE
 // LONG violated -DMENU=4 -DLIVES=1 -DROUND_OOM=1 -DWITHOUT_HONEST_TICKET
 
-#ifndef OPERATIONS
-#define OPERATIONS 1
-#endif
-#ifndef OOM
-#define OOM 0
-#endif
-#ifndef NESTED
-#define NESTED 0
-#endif
-#ifndef ROUND_OOM
-#define ROUND_OOM 0
-#endif
-#define ROUNDS 1  // that nobody asks for
 #define DEVICES 2  // 0 is registered from the start and lives for ever; 1 belongs to the owner
 #define ENTRIES 6
 #define THREADS 3  // writer, owner, second thread
@@ -65,54 +55,14 @@ bool isRemoved[ENTRIES];
 bool isEnded[ENTRIES];
 byte holder[ENTRIES];     // of a lock
 byte visits[THREADS];     // the locks that a thread holds as visits
-byte memoryFails = OOM;
-
-// What the world knows, not the program.
-byte inside[DEVICES];         // threads in a call
-bool isGone[DEVICES];         // an Unregister has returned, and nothing has registered it since
-byte registrations[DEVICES];  // how often it was registered
-byte callOf[THREADS];         // the device in whose call a thread is
-byte nestedCalls = 1;
-bool wasTakenOutByOther = false;
-bool isDelivered = false;  // the owner's record to the owner's device
-byte reported = 0, written = 0, unheard = 0;
 
 // The queue: records that wait, and the tickets of threads that wait until they are written.
 byte queued = 0;
 byte wanted = 0, reached = 0;
-byte roundFails = ROUND_OOM;
-byte atWork = 2;  // owner and second thread
 
 // Whether the thread is in a call of the device itself.
 #define IsInside(me, d) (callOf[me] == d)
 #define IsReferenced(e) (HAS(list, e) || HAS(references[0] | references[1] | references[2], e))
-
-inline BeginCall(d)
-{
-    atomic
-    {
-        assert(!isGone[d]);       // DEAD
-        assert(inside[d] == 0);   // ONE
-        inside[d]++
-    }
-}
-inline EndCall(d)
-{
-    atomic
-    {
-        inside[d]--
-    }
-}
-
-// Whether the copy of the list finds memory.
-inline FindMemory()
-{
-    hasMemory = true;
-    if
-    :: memoryFails > 0 -> memoryFails--; hasMemory = false
-    :: true
-    fi
-}
 
 // _CopyLive() and _Publish(): within the list's lock.
 inline PublishLive()
@@ -283,18 +233,6 @@ inline WaitUntilLeft(me, d)
     fi
 }
 
-inline MarkLate()
-{
-    atomic
-    {
-        for (i : 0 .. ENTRIES - 1)
-        {
-            if :: HAS(late, i) -> isRemoved[i] = true :: else fi
-        }
-        i = 0; late = 0
-    }
-}
-
 // Until a round that began later has ended. A thread inside a device does not wait.
 inline WriteOut(me)
 {
@@ -399,13 +337,7 @@ inline Call(me, e)
             isTaken = true;
             callOf[me] = deviceOf[e];
             if :: me == 0 && inRound != 0 && deviceOf[e] == 1 -> isDelivered = true :: else fi;
-            if
-            :: deviceOf[e] == 1 && (NESTED & 1) != 0 && nestedCalls > 0 ->
-                nestedCalls--; inner = e; Unregister(me, 1); e = inner
-            :: deviceOf[e] == 1 && (NESTED & 2) != 0 && nestedCalls > 0 ->
-                nestedCalls--; inner = e; Unregister(me, 1); Add(me, 1); e = inner
-            :: true
-            fi;
+            DoInCall(me, e);
             atomic { given = true; inner = 0 };
             callOf[me] = NONE;
             EndCall(deviceOf[e])
@@ -445,164 +377,4 @@ inline End(me, e)
     given = false
 }
 
-#define LOCALS                                                                                                \
-    byte i = 0, e = 0, any = NONE, sharedLock = NONE, taken = 0, keep = 0, seen = 0, inner = 0, late = 0, at = 0; \
-    bool hasMemory = false, isThere = false, given = false, isTaken = false, isMeant = false
-
-// Calls every entry of the list as it is now.
-inline CallAll(me)
-{
-    atomic { taken = list; keep = taken; references[me] = taken; wasHeard = false };
-    at = 0;
-    do
-    :: at < ENTRIES ->
-        if
-        :: HAS(taken, at) -> Call(me, at); wasHeard = wasHeard || isTaken
-        :: else
-        fi;
-        at++
-    :: else -> break
-    od;
-    at = 0
-}
-
-inline DropReferences(me)
-{
-    atomic { references[me] = 0; taken = 0; keep = 0; isTaken = false; wasHeard = false }
-}
-
-// A round fixes its records first, its devices afterwards.
-proctype Writer()
-{
-    LOCALS;
-    byte inRound = 0, rounds = ROUNDS, ticket = 0;
-    bool wasHeard = false;
-    do
-    :: atomic { queued > 0 || wanted != reached || rounds > 0 -> if :: queued == 0 && wanted == reached -> rounds-- :: else fi };
-        ticket = wanted;
-        if
-        :: roundFails > 0 ->
-            // No memory for the round: the records wait.
-            roundFails--;
-#ifdef WITHOUT_HONEST_TICKET
-            reached = ticket
-#endif
-        :: true ->
-            atomic { inRound = queued; queued = 0 };
-            CallAll(0);
-            atomic
-            {
-#ifdef WITHOUT_COUNTING_LIVE
-                if :: taken != 0 -> written = written + inRound :: else -> unheard = unheard + inRound fi;
-#else
-                if :: wasHeard -> written = written + inRound :: else -> unheard = unheard + inRound fi;
-#endif
-                if :: inRound != 0 -> assert((written != 0) == wasHeard || written + unheard > 1) :: else fi;
-                assert(written + unheard + queued == reported);
-                inRound = 0
-            };
-            DropReferences(0);
-            reached = ticket
-        fi
-    :: atWork == 0 && queued == 0 && wanted == reached -> break
-    od
-}
-
-proctype Owner()
-{
-    LOCALS;
-    byte inRound = 0, lives = 0;
-    do
-    :: lives < LIVES ->
-        lives++;
-        atomic { isDelivered = false; wasTakenOutByOther = false };
-        Add(1, 1);
-        atomic { isThere = memoryFails == OOM; queued++; reported++ };
-        isMeant = isThere;
-        atomic { isThere = false };
-        WriteOut(1);
-        // DELIVERED
-        assert(!isMeant || isDelivered || wasTakenOutByOther);
-        Unregister(1, 1)
-    :: else -> break
-    od;
-    atWork--
-}
-
-// Destroy() as it was: each entry is flushed, marked and ended one after the other.
-inline CallTaken(me)
-{
-    at = 0;
-    do
-    :: at < ENTRIES ->
-        if
-        :: HAS(taken, at) ->
-            Call(me, at);
-            atomic { isRemoved[at] = true };
-            End(me, at)
-        :: else
-        fi;
-        at++
-    :: else -> break
-    od;
-    at = 0
-}
-
-proctype Second()
-{
-    LOCALS;
-    byte inRound = 0, operations = 0;
-    bool wasHeard = false;
-    do
-    :: operations < OPERATIONS ->
-        operations++;
-        if
-        :: (MENU & 1) != 0 ->
-            TakeAll(2);
-#ifdef WITHOUT_EARLY_MARK
-            CallTaken(2);
-#else
-            at = 0;
-            do
-            :: at < ENTRIES -> if :: HAS(taken, at) -> End(2, at) :: else fi; at++
-            :: else -> break
-            od;
-            at = 0;
-#endif
-            DropReferences(2)
-        :: (MENU & 2) != 0 ->
-            TakeAll(2);
-#ifdef WITHOUT_EARLY_MARK
-            atomic { late = taken };
-            MarkLate();
-#endif
-            at = 0;
-            do
-            :: at < ENTRIES -> if :: HAS(taken, at) -> WaitUntilLeft(2, deviceOf[at]) :: else fi; at++
-            :: else -> break
-            od;
-            at = 0;
-            DropReferences(2)
-        :: (MENU & 4) != 0 -> CallAll(2); DropReferences(2)
-        :: (MENU & 8) != 0 -> Unregister(2, 1)
-        :: (MENU & 16) != 0 -> Add(2, 1)
-        fi
-    :: else -> break
-    od;
-    atWork--
-}
-
-init
-{
-    byte i = 0;
-    atomic
-    {
-        for (i : 0 .. ENTRIES - 1) { holder[i] = NOBODY; lockOf[i] = i }
-        for (i : 0 .. THREADS - 1) { callOf[i] = NONE }
-        deviceOf[0] = 0;
-        list = BIT(0);
-        run Writer();
-        run Owner();
-        run Second()
-    }
-}
+#include "nxLogDeviceListWorld.pml"

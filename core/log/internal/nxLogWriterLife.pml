@@ -15,6 +15,9 @@
 // some thread does it (SERVED). No round goes on when the process is gone (GONE). A fork copies no device that a thread is
 // inside of (WHOLE). The child has an empty queue, a thread of its own, and loses nothing. Nothing waits for ever.
 //
+// This file has the protocol, from the start of the thread to the end of the process. The threads, the loop of the deferred-write
+// thread among them, and the device are in nxLogWriterLifeWorld.pml.
+//
 // MENU adds up what main and a second thread may do once each: 1 Destroy() and register, 2 SetWriteThread(), 4 fork, 8 wait until
 // all is written, 16 start the thread, as a record does that is no warning. OTHER is the menu of the second thread. GIVE_UPS is
 // how often Stop() no longer waits for the thread. REFUSALS is how often the system refuses one; what is reported is then a
@@ -41,15 +44,6 @@
 // LONG violated -DMENU=4 -DOTHER=0 -DWITHOUT_ROUND_LOCK_OF_CHILD
 // LONG violated -DMENU=4 -DOTHER=2 -DWITHOUT_START_LOCK_OF_CHILD
 
-#ifndef RECORDS
-#define RECORDS 1
-#endif
-#ifndef GIVE_UPS
-#define GIVE_UPS 0
-#endif
-#ifndef REFUSALS
-#define REFUSALS 0
-#endif
 #define PARENT 0
 #define CHILD 1
 // Threads, as holders of locks.
@@ -80,15 +74,6 @@ byte given;         // records that a round has taken and passed on
 byte wanted;
 byte reached;
 bool isInRound;
-
-// What the world knows, not the program.
-byte process = PARENT;  // the one that the model follows
-bool isGone;
-byte atWork = 2;        // reporter and second thread
-byte nested = (REFUSALS > 0 -> 0 : 1);  // records that the device reports itself
-byte giveUps = GIVE_UPS;
-byte refusals = REFUSALS;
-bool couldNotStart;     // at the last attempt
 
 #define Lock(lock) atomic { lock == NOBODY -> lock = me }
 #define Unlock(lock) lock = NOBODY
@@ -200,16 +185,6 @@ inline Warn()
     fi
 }
 
-inline CallDevice()
-{
-    Lock(deviceLock);
-    if
-    :: nested > 0 -> nested--; Report()
-    :: true
-    fi;
-    Unlock(deviceLock)
-}
-
 inline GetDevices()
 {
     Lock(devicesLock);
@@ -244,23 +219,6 @@ inline RunRoundHere()
     :: atomic { roundLock == NOBODY -> roundLock = me }; Round()
     :: roundLock != NOBODY
     fi
-}
-
-proctype Writer(byte mine)
-{
-    byte me = WRITER, count, awaited, seen;
-    bool running, isMine, hasDevice;
-    {
-        do
-        :: atomic { state == STOPPING -> state = STOPPED }; break
-        // It sleeps; without a limit here, so that nothing else makes progress for it.
-        :: state != STOPPING && (!IsEmpty || wanted != reached) -> Lock(roundLock); Round()
-        od;
-        Lock(ringsLock);  // takes back the wish for calls
-        Unlock(ringsLock);
-        threads--
-    }
-    unless { isGone || process != mine }
 }
 
 // nxLogWriter::_WaitUntilReached()
@@ -325,43 +283,6 @@ inline Stop()
     :: atomic { state != STOPPED && giveUps > 0 -> giveUps-- }
     fi;
     Unlock(startLock)
-}
-
-// nxLogManager::Destroy(), and the device is registered again.
-inline DestroyAndRegister()
-{
-    WriteOutAtEnd();
-    Stop();
-    atomic { devicesLock == NOBODY -> isRegistered = false; listVersion++ };
-    Lock(deviceLock);  // the last call of the device
-    Unlock(deviceLock);
-    Register()
-}
-
-inline Register()
-{
-    GetDevices();
-    if
-    :: !hasDevice ->
-        if
-        :: !IsEmpty || isInRound -> WaitUntilWritten()
-        :: else
-        fi;
-        atomic { devicesLock == NOBODY -> isRegistered = true; listVersion++ };
-        EnsureRunning()
-    :: else -> hasDevice = false
-    fi
-}
-
-inline SetThread()
-{
-#ifdef WITHOUT_SETTINGS_LOCK
-    Lock(startLock);
-    Unlock(startLock)
-#else
-    Lock(settingsLock);
-    Unlock(settingsLock)
-#endif
 }
 
 inline TakeDevicesForFork()
@@ -438,18 +359,6 @@ inline Fork()
     atomic { hasDevice = false; version = 0 }
 }
 
-inline Operate(menu)
-{
-    if
-    :: menu & 1 -> DestroyAndRegister()
-    :: menu & 2 -> SetThread()
-    :: menu & 4 -> Fork()
-    :: menu & 8 -> WaitUntilWritten()
-    :: menu & 16 -> EnsureRunning()
-    :: true
-    fi
-}
-
 // The step at exit(), and that of the library's end.
 inline Exit()
 {
@@ -465,68 +374,4 @@ inline Exit()
     }
 }
 
-proctype Reporter()
-{
-    byte me = REPORTER, records = RECORDS, seen, count, awaited;
-    bool running, isMine, hasDevice;
-    {
-        do
-#if REFUSALS
-        :: records > 0 -> records--; Warn()
-#else
-        :: records > 0 -> records--; Report()
-#endif
-        :: else -> break
-        od;
-        atWork--
-    }
-    unless { isGone || process == CHILD }
-}
-
-proctype Second()
-{
-    byte me = SECOND, count, awaited, seen, ticket, target, version;
-    bool running, isMine, hasDevice;
-    {
-        Operate(OTHER);
-        atWork--
-    }
-    unless { isGone || process == CHILD }
-}
-
-proctype Main()
-{
-    byte me = MAIN, count, awaited, seen, ticket, target, version;
-    bool running, isMine, hasDevice;
-    {
-        Operate(MENU);
-        // It ends the process when the others are done and all is written, or at any other moment.
-        if
-        :: true -> (atWork == 0 && IsEmpty)  // SERVED
-        :: true
-        fi;
-        Exit()
-    }
-    unless { process == CHILD }
-}
-
-proctype Child()
-{
-    byte me = MAIN, count, awaited, seen, ticket, target;
-    bool running, isMine, hasDevice;
-    Report();
-    (IsEmpty);  // SERVED
-    DestroyAndRegister();
-    Exit()
-}
-
-init
-{
-    atomic
-    {
-        isRegistered = true;
-        run Reporter();
-        run Second();
-        run Main()
-    }
-}
+#include "nxLogWriterLifeWorld.pml"
