@@ -10,15 +10,18 @@
 //
 // What holds: a reader that found one even number at both looks has the values of one update, that of the number.
 //
+// A store that is not a release and a load that is not an acquire leave out the same views, so the checks of the stores have the
+// states of those of the loads. They are the long ones for that reason.
+//
 // RUN  holds    -DUPDATES=3
 // RUN  violated -DUPDATES=2 -DFIRST_LOOK=RELAXED
 // RUN  violated -DUPDATES=2 -DLOAD_TICKS=RELAXED
 // RUN  violated -DUPDATES=2 -DLOAD_RATE=RELAXED
 // RUN  violated -DUPDATES=2 -DLOAD_VALIDITY=RELAXED
-// RUN  violated -DUPDATES=2 -DSTORE_VALIDITY=RELAXED
-// RUN  violated -DUPDATES=2 -DSTORE_TICKS=RELAXED
-// RUN  violated -DUPDATES=2 -DSTORE_RATE=RELAXED
-// RUN  violated -DUPDATES=2 -DSTORE_SEQUENCE=RELAXED
+// LONG violated -DUPDATES=2 -DSTORE_VALIDITY=RELAXED
+// LONG violated -DUPDATES=2 -DSTORE_TICKS=RELAXED
+// LONG violated -DUPDATES=2 -DSTORE_RATE=RELAXED
+// LONG violated -DUPDATES=2 -DSTORE_SEQUENCE=RELAXED
 
 #define RELAXED 0
 #define ORDERED 1  // acquire for a load, release for a store
