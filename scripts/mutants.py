@@ -2,8 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Breaks the code on purpose and counts how many breaks the tests notice.
 
-    scripts/mutants.py [--orders] [--class NAME]... [--count N] [--seed N] [--minutes M] [--jobs N] [--survivors FILE]
-                       [--verbose]
+    scripts/mutants.py [--orders] [--class NAME]... [--only TEXT] [--count N] [--seed N] [--stale] [OPTION]...
 
 Each mutant changes one operator, constant or branch of one of the classes below. Of all that can be made, --count are
 drawn at random for each class. A mutant is killed when a test of its class fails, crashes or hangs, if need be under the
@@ -15,7 +14,8 @@ under which all is built then reports a race. It sees an order that is missing w
 accesses that a test makes, and not where several atomic objects must agree.
 
 Survivors are listed: each is a test that is missing, or a change that makes no difference. Those of the second kind
-stand in mutants-explained.txt, each with its reason, and are counted on their own.
+stand in mutants-explained.txt, each with its reason, and are counted on their own. --stale only lists the explanations of
+lines that the code no longer has.
 """
 
 import argparse
@@ -51,11 +51,10 @@ CLASSES = {
          "tests/numeric/nxDecimalDifferentialTest.cpp"]),
     "nxVariableTickTable": (
         ["core/price/nxVariableTickTable.h", "core/price/nxVariableTickTable.cpp", "core/price/inline/nxTickRules.h",
-         "core/price/inline/nxTickRules.cpp", "core/price/inline/nxTickRulesExact.cpp",
-         "core/price/inline/nxTickPlace.h", "core/price/inline/nxTickPlace.cpp",
-         "core/price/inline/nxTickGrid.h", "core/price/inline/nxTickGrid.cpp", "core/price/inline/nxTickZone.h",
-         "core/price/nxTickTableCursor.h", "core/price/nxTickTableCursor.cpp", "core/price/internal/nxTickRun.h",
-         "core/price/internal/nxTickRun.cpp"],
+         "core/price/inline/nxTickRules.cpp", "core/price/inline/nxTickRulesExact.cpp", "core/price/inline/nxTickPlace.h",
+         "core/price/inline/nxTickPlace.cpp", "core/price/inline/nxTickGrid.h", "core/price/inline/nxTickGrid.cpp",
+         "core/price/inline/nxTickZone.h", "core/price/nxTickTableCursor.h", "core/price/nxTickTableCursor.cpp",
+         "core/price/internal/nxTickRun.h", "core/price/internal/nxTickRun.cpp"],
         ["tests/price/nxVariableTickTableTest.cpp"]),
 }
 # The same for memory orders: files that hold some, then sources that use the headers among them.
@@ -185,6 +184,20 @@ def read_explained():
     return explained
 
 
+def places(mutant):
+    """The two ways in which mutants-explained.txt may name the line of a mutant."""
+    file, lines, number, _ = mutant
+    line = lines[number].strip()
+    return (file, line), (file, lines[number - 1].strip() + " " + line)
+
+
+def stale():
+    """The explanations, as read_explained() gives them, that belong to no mutant."""
+    made = {(*place, after) for kind in (SLIP_KIND, ORDER_KIND) for files, _ in kind.classes.values()
+            for mutant in all_mutants(files, kind.changes) for place in places(mutant) for after in (mutant[3].strip(), "*")}
+    return sorted(read_explained() - made)
+
+
 class Base:
     """The ordinary build, and the commands to make a part of it again."""
 
@@ -310,6 +323,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--orders", action="store_const", dest="kind", const=ORDER_KIND, default=SLIP_KIND)
     parser.add_argument("--class", dest="classes", action="append", choices=sorted({**CLASSES, **ORDERS}))
+    parser.add_argument("--only", default="", metavar="TEXT", help="mutants of the files and lines that have this in 'FILE: LINE'")
+    parser.add_argument("--stale", action="store_true", help="lists explanations of lines that the code no longer has")
     parser.add_argument("--count", type=int, default=100, help="mutants of each class")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--minutes", type=float, help="makes no more mutants after this time")
@@ -317,6 +332,10 @@ def main():
     parser.add_argument("--verbose", action="store_true", help="names those that are killed, too")
     parser.add_argument("--survivors", default=os.path.join(ROOT, "build", "survivors.txt"))
     arguments = parser.parse_args()
+    if arguments.stale:
+        rows = stale()
+        print(*("{}\n- {}\n+ {}\n".format(*row) for row in rows), sep="\n", end="")
+        sys.exit(1 if rows else 0)
 
     kind = arguments.kind
     names = arguments.classes or sorted(kind.classes)
@@ -328,7 +347,8 @@ def main():
     explained = read_explained()
     draws = []
     for subject in subjects:
-        mutants = list(all_mutants(subject.files, kind.changes))
+        mutants = [mutant for mutant in all_mutants(subject.files, kind.changes)
+                   if arguments.only in f"{mutant[0]}: {mutant[1][mutant[2]].strip()}"]
         random.Random(arguments.seed).shuffle(mutants)
         draws.append([(subject, mutant) for mutant in mutants])
     # Draws go on where mutants do not compile; the classes take turns, so that the time is shared.
@@ -358,8 +378,7 @@ def main():
                 print(f"killed {file}:{number + 1}", flush=True)
             return
         line = lines[number].strip()
-        if any((file, before, after) in explained for before in (line, lines[number - 1].strip() + " " + line)
-               for after in (changed.strip(), "*")):
+        if any((*place, after) in explained for place in places(mutant) for after in (changed.strip(), "*")):
             count["explained"] += 1
             return
         survivors.write(f"{file}\n- {line}\n+ {changed.strip()}\n\n")
