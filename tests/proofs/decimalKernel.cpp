@@ -2,6 +2,10 @@
 // Tries the kernels of numbers on all their inputs, or on all within the bounds that each line of the output names.
 //
 //     proofs [--long]     --long widens the bounds; it takes some minutes
+//
+// Without a fault so far, on x86-64, each in less than a minute of processor time: the 400,200,025 pairs of mantissas to 2,000, the
+// 1,291,008 pairs around 2^49 units and the 21,602,160 roundings of --long. All pairs up to 2^49 are too many to try: for those
+// there are the proofs in nxDecimalQuick.h, which these inputs test at both ends.
 
 #include <chrono>
 #include <cstdio>
