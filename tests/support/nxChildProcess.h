@@ -75,6 +75,17 @@ bool nxInChild(Body body)
     return nxChildProcess(body).Succeeds();
 }
 
+/// Whether this process may become another user: one with root's rights may, in a name space that has that user.
+inline bool nxMayBecome(uid_t user)
+{
+    return nxInChild(
+        [user]
+        {
+            if (setuid(user) != 0)
+                _exit(1);
+        });
+}
+
 /// For a test that needs a process in which nothing has happened yet: runs the current test once more, in a new process
 /// of the same program, or of a copy of it, and expects it to pass.
 /// @return true in the new process, which executes the body of the test; false in the old one, which returns.

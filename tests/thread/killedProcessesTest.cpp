@@ -132,10 +132,11 @@ public:
         {
             alarm(60);
             const bool traced = ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0;
+            if (!traced)
+                _exit(2);  // nobody would let it go on after a stop
             raise(SIGSTOP);
-            if (traced)
-                body();
-            _exit(traced ? 0 : 2);
+            body();
+            _exit(0);
         }
         _runs = waitpid(_process, &_status, 0) == _process && WIFSTOPPED(_status);
     }
