@@ -24,9 +24,9 @@
 ///
 /// - Null: GetArgValueAs...() and GetEnvValueAs...() give the null value for what is missing or does not parse.
 /// - Errors: GetArgValueExact() and GetEnvValueExact() say why there is no value. The other operations report none.
-/// - Threads: every operation takes the object's mutex and copies what it returns. Call Initialise() once, from main,
-///   before other threads use the object. The process environment itself has no lock: while threads run, change it only
-///   with SetEnvValue(), never with setenv or putenv.
+/// - Threads: every operation takes the object's mutex and, except GetCommand(), copies what it returns. Call
+///   Initialise() once, from main, before other threads use the object. The process environment itself has no lock:
+///   while threads run, change it only with SetEnvValue(), never with setenv or putenv.
 /// - Fork: a child keeps what was read, whatever other threads of its parent were doing.
 /// - Ownership: one object per process, never destroyed. It keeps the pointers given to Initialise() only for
 ///   GetRawArgv() and GetRawEnvp(), and copies everything else.
@@ -55,8 +55,9 @@ public:
     ///             the last value. Null leaves the environment unread: GetEnvValue() then asks the system every time.
     void Initialise(char** argv, char** envp);
 
-    /// The first word of the command line; empty before Initialise() and when there was none.
-    const std::string& GetCommand() const;
+    /// The first word of the command line; empty before Initialise() and when there was none. The reference lasts as long
+    /// as the process; a first Initialise() writes the text that it refers to.
+    const std::string& GetCommand() const NX_NO_THREAD_SAFETY_ANALYSIS;  // the reference outlives the lock
 
     /// Whether the option was given, with or without a value.
     bool IsArgDefined(const std::string& name) const;
