@@ -290,6 +290,7 @@ TEST(nxFunctorThreadPool, RunsEachFunctorOnceAndEachProducersInOrder)
                     return pool.Post(
                         [&, producer, i, kept = std::move(kept)]
                         {
+                            static_cast<void>(kept);  // an int is copied as bytes, a pointer is moved
                             ++runs[static_cast<std::size_t>(producer * count + i)];
                             disorder += last[static_cast<std::size_t>(producer)].exchange(i) > i;
                         });
