@@ -90,7 +90,7 @@ try()
         for name in $folders; do
             targets+=("test_$name" $(cd "$folder/nxcore" && find "tests/$name" -name cmake_install.cmake -printf '%h/all ' 2>/dev/null))
         done
-        filter=(-R "^(nxtick|${folders// /|})\\.|\\.[A-Z]")
+        filter=(-R "^(nxtick|${folders// /|})\\.|\\.[A-Z]") without="$without|^docs\\."
     fi
     step "$folder" build cmake --build "$folder/nxcore" "${targets[@]}" -- -k 0 || { outcome "$kind" "FAILED to build" 1; return; }
     if [ "$kind" = libc++ ]; then
