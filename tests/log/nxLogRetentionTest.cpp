@@ -115,7 +115,7 @@ TEST_F(nxLogRetentionTest, CompressesClosedFilesWithoutAChild)
         Create({3, 0, 0, program});
         Rotate("first");
         const fs::path closed = Rotate("compress me"), compressed = closed.string().append(ending);
-        EXPECT_TRUE(nxEventually([&] { return !fs::exists(closed); }));
+        EXPECT_TRUE(nxEventually([&] { return !fs::exists(closed); })) << GetErrors();
         EXPECT_EQ(signals, 0);
         const std::string expand = std::string(program) + " -dc " + compressed.string() + " | grep -q 'compress me'";
         EXPECT_EQ(std::system(expand.c_str()), 0);
