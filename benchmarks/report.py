@@ -142,8 +142,9 @@ def rows_table(figures, are_crowded):
 
 def percentiles(figures):
     """Of the rows that have them: how long the calls took in the median, and what one in 100 and in 1000 exceeded."""
-    lines = [(row, column, *(shown(counters[key], "ns") for key in ("p50", "p99", "p999")))
-             for row, entry in figures["rows"].items() for column, counters in entry["counters"].items() if "p50" in counters]
+    keys = ("p50", "p99", "p999")
+    lines = [(row, column, *(shown(counters[key], "ns") for key in keys)) for row, entry in figures["rows"].items()
+             for column, counters in entry["counters"].items() if counters.keys() >= set(keys)]
     return [("row", "column", "median", "99 %", "99.9 %"), *lines] if lines else []
 
 
