@@ -43,6 +43,8 @@ left_out='^(package|gdb|docs\.(reference|figures|settings|named_tests|tick_table
 # With libc++ of Debian 12 these end in the system's libraries: its unwinder and libgcc's meet in pthread_exit of a main thread,
 # and it aborts in a thread when all keys of thread-specific data are taken.
 with_libcxx='nxLogProcess\.EndsAndWritesWhateverBecomesOfIt'
+# With clang++ 14 and C++23, {fmt} 9 refuses a precision that is an argument, in every formatter that a program derives from its own.
+with_clang_14_and_23='nxFmt\.CutsTextsOnly'
 
 # newest_clang: its major version; none when the system has but one.
 newest_clang()
@@ -96,6 +98,9 @@ try()
     if [ "$kind" = libc++ ]; then
         without="$without|$with_libcxx"
         echo "left out, because libraries of the system end the program: ${with_libcxx//\\/}"
+    elif [ "$kind" = clang++23 ] && [ "$(clang_version)" = 14 ]; then
+        without="$without|$with_clang_14_and_23"
+        echo "left out, because {fmt} is compiled to something else: ${with_clang_14_and_23//\\/}"
     fi
     ctest --test-dir "$folder/nxcore" --no-tests=error --output-on-failure -j "$((2 * $(nproc)))" -E "$without" \
         "${filter[@]}" >"$log" 2>&1

@@ -725,14 +725,8 @@ TEST(nxLogManager, WritesWarningsAndSaysSoOnceWhileItsThreadCannotBeStarted)
 // A single record, while other threads say how the log's thread is to run.
 TEST(nxLogManager, StartsItsThreadAlsoWhileThatIsBeingAdjusted)
 {
-    std::vector<std::jthread> adjusting;
-    for (int count = 0; count < 3; ++count)
-        adjusting.emplace_back(
-            [](const std::stop_token& stop)
-            {
-                while (!stop.stop_requested())
-                    Manager().SetWriteThread({});
-            });
+    const auto adjust = [] { Manager().SetWriteThread({}); };
+    const nxBusyThread adjusting[] = {nxBusyThread(adjust), nxBusyThread(adjust), nxBusyThread(adjust)};
     bool isWritten = true;
     for (int round = 0; round < 50 && isWritten; ++round)
     {

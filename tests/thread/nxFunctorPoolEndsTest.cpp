@@ -170,7 +170,7 @@ TEST(nxFunctorThreadPool, AFunctorAndAnotherThreadForkWhileTheQueueIsFull)
             Posted(pool.Post(forks));
         gate.WaitForAThread();
         Posted(pool.Post([&ran] { ++ran; }));
-        std::jthread waiting([&] { Posted(pool.Post([&ran] { ++ran; })); });
+        nxJoinedThread waiting([&] { Posted(pool.Post([&ran] { ++ran; })); });
         EXPECT_TRUE(nxInChild([&] { EXPECT_TRUE(isNoneOfIt()); }));
         gate.Open();
         waiting.join();
