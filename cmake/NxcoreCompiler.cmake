@@ -63,6 +63,14 @@ function(nxcore_unite target)
     endif()
 endfunction()
 
+# Compiles the headers of the C++ library that most sources of `target` include once for all of them, where NXCORE_PRECOMPILED
+# asks for that. The test package.includes holds the sources to including these themselves nevertheless.
+function(nxcore_precompile target)
+    if(NXCORE_PRECOMPILED)
+        target_precompile_headers(${target} PRIVATE <algorithm> <atomic> <memory> <string> <string_view> <utility> <vector>)
+    endif()
+endfunction()
+
 # Gives `target`, which is installed, what makes a fault of its own hard to use: the loader's tables are read-only, the
 # stack and the C library's copies are guarded, and jumps lead to where a jump may lead.
 function(nxcore_harden target)

@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXAPICONNECTIONTYPEENUM_H
 #define CORE_ENUM_NXAPICONNECTIONTYPEENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of how an application is connected to its servers.

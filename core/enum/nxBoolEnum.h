@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXBOOLENUM_H
 #define CORE_ENUM_NXBOOLENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of a named truth value: NX_BOOL_FALSE or NX_BOOL_TRUE.

@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXCASESENSITIVITYENUM_H
 #define CORE_ENUM_NXCASESENSITIVITYENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of whether texts are compared with regard to case: CASE_INSENSITIVE or CASE_SENSITIVE.

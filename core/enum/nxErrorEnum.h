@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXERRORENUM_H
 #define CORE_ENUM_NXERRORENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 // Declared first, because g++ does not take both this mark and NX_CORE_API in one declaration.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxGenericBitMask.h"
 
+#include <string>
+
 std::string nxGenericBitMask::GetClassName() const { return "nxGenericBitMask"; }
 
 std::string nxGenericBitMask::GetShortDescription() const

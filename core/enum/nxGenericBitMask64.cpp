@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/enum/nxGenericBitMask64.h"
 
+#include <string>
+
 std::string nxGenericBitMask64::GetClassName() const { return "nxGenericBitMask64"; }
 
 std::string nxGenericBitMask64::GetShortDescription() const

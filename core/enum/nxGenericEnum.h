@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXGENERICENUM_H
 #define CORE_ENUM_NXGENERICENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of a value that belongs to no class in particular.

@@ -5,6 +5,8 @@
 /// @file
 /// An enumeration of an application's own, made of one list that names each value once.
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The body of an enumeration class whose values are the list NX_VALUES_<class>: its constants, its constructors and

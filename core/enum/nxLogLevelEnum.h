@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXLOGLEVELENUM_H
 #define CORE_ENUM_NXLOGLEVELENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of the severities of a log record, from NX_LOG_LEVEL_DEBUG (31) to NX_LOG_LEVEL_FATAL (38).

@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXROUNDINGMETHODENUM_H
 #define CORE_ENUM_NXROUNDINGMETHODENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of how a number between two multiples of an increment is rounded to one of them.

@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXVALUESTATUSENUM_H
 #define CORE_ENUM_NXVALUESTATUSENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of whether a nullable value holds a number, nothing, or the instruction to keep the receiver's

@@ -2,6 +2,8 @@
 #ifndef CORE_ENUM_NXWORKPACEGROUPTYPEENUM_H
 #define CORE_ENUM_NXWORKPACEGROUPTYPEENUM_H
 
+#include <string>
+
 #include "core/enum/nxTypedEnum.h"
 
 /// The enumeration of the users that see a group of work spaces (the spelling of the name is kept).

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/numeric/nxRatio.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <ostream>

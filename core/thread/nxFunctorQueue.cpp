@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "core/thread/nxFunctorQueue.h"
 
+#include <utility>
+
 #include "core/thread/internal/nxFunctorRing.h"
 
 nxFunctorQueue::nxFunctorQueue(std::size_t capacity) : _ring(std::make_shared<nxFunctorRing>(capacity, 0U)) {}

@@ -2,6 +2,8 @@
 #ifndef CORE_THREAD_NXFUNCTORTHREAD_H
 #define CORE_THREAD_NXFUNCTORTHREAD_H
 
+#include <utility>
+
 #include "core/thread/nxFunctorThreadPool.h"
 
 /// One thread that runs functors from a bounded queue, one after another: what the functors share needs no lock.

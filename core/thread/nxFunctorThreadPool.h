@@ -3,6 +3,7 @@
 #define CORE_THREAD_NXFUNCTORTHREADPOOL_H
 
 #include <memory>
+#include <utility>
 
 #include "core/thread/nxFunctorQueue.h"
 #include "core/thread/nxFunctorThreadOptions.h"

@@ -24,7 +24,7 @@ pkg-config)
     program=$scratch/consumer
     ;;
 add_subdirectory)
-    cmake -S "$source/tests/consumer" -B "$scratch/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DNXCORE_UNITY=ON -DBUILD_SHARED_LIBS=OFF -DCMAKE_CXX_COMPILER="$cxx" -DNXCORE_SOURCE="$source" >"$scratch/configure.log"
+    cmake -S "$source/tests/consumer" -B "$scratch/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 -DNXCORE_UNITY=ON -DNXCORE_PRECOMPILED=ON -DBUILD_SHARED_LIBS=OFF -DCMAKE_CXX_COMPILER="$cxx" -DNXCORE_SOURCE="$source" >"$scratch/configure.log"
     if grep -qE 'NXCORE_BUILD_(TESTS|TOOLS|EXAMPLES|BENCHMARKS):BOOL=ON' "$scratch/build/CMakeCache.txt"; then
         echo "a part of another project must build the library alone"; exit 1
     fi

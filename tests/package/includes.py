@@ -5,7 +5,8 @@
 A unit is a header with its source and lists: one path without extension. Includes point sideways or down, units form no
 circle and folders form none, the parts of the log are in the order of that page, the operating system is named in its folder
 alone, and the umbrella header names exactly the public headers. No header calls the virtual bounds of an enumeration,
-which g++ -O3 may turn into calls of functions that nobody instantiated.
+which g++ -O3 may turn into calls of functions that nobody instantiated. A file that names something of a precompiled header
+includes that header, or a header that does.
 
     includes.py SOURCE               the headers and sources of the source tree
     includes.py SOURCE INSTALLED     what was installed from it: the public headers, and all they need and no more
@@ -45,13 +46,28 @@ NATIVE = "nxNative.h"
 PROCESSOR_HEADERS = {"cpuid.h", "emmintrin.h"}
 FOREIGN_HEADERS = {("core/format/nxFmt.h", "fmt/format.h")}
 
+# What names the headers that are precompiled, and therefore compile where they are not included.
+_ALGORITHMS = ("adjacent_find all_of any_of binary_search clamp copy copy_backward copy_if copy_n count count_if equal equal_range fill "
+               "fill_n find find_if for_each is_sorted lexicographical_compare lower_bound make_heap max max_element merge min "
+               "min_element minmax mismatch move_backward none_of nth_element partition partition_point pop_heap push_heap remove "
+               "remove_if replace reverse rotate search sort sort_heap stable_sort swap_ranges transform unique upper_bound")
+STANDARD_NAMES = {
+    "algorithm": f"(?:{_ALGORITHMS.replace(' ', '|')})\\(",
+    "atomic": r"(?:atomic|memory_order)\w*",
+    "memory": r"(?:(?:unique|shared|weak)_ptr|make_(?:unique|shared)|addressof|construct_at|destroy\w*|uninitialized_\w+|allocator\w*)\b",
+    "string": r"(?:string|to_string|char_traits|getline)\b",
+    "string_view": r"string_view\b",
+    "utility": r"(?:move\(|forward<|(?:exchange|swap|as_const|declval|make_pair|pair|in_place\w*|index_sequence|cmp_\w+)\b)",
+    "vector": r"vector\b",
+}
+
 
 class Tree:
-    """The headers, sources and lists of core/ below a folder, as texts by their path from there."""
+    """The headers, sources and lists of core/, or of another folder, below a folder, as texts by their path from there."""
 
-    def __init__(self, root):
+    def __init__(self, root, top="core"):
         self.texts = {}
-        for folder, _, names in os.walk(os.path.join(root, "core")):
+        for folder, _, names in os.walk(os.path.join(root, top)):
             for name in names:
                 if name.endswith((".h", ".inc", ".cpp")):
                     path = os.path.join(folder, name)
@@ -178,10 +194,29 @@ def faults_of_calls(tree):
             for call in re.findall(r"(?<!unsigned )\b_M(?:in|ax)Value\(\)", text)]
 
 
+def faults_of_precompilation(root, tree):
+    """The build does not see that a precompiled header is not included."""
+    with open(os.path.join(root, "cmake/NxcoreCompiler.cmake"), encoding="utf-8") as file:
+        precompiled = re.findall(r"<([a-z_]+)>", re.search(r"target_precompile_headers\((.*?)\)", file.read(), re.S)[1])
+    faults = [f"<{header}> is precompiled, and nothing tells its names" for header in precompiled if header not in STANDARD_NAMES]
+    tool = Tree(root, "tools/nxtick")
+    standard = {path: set(re.findall(r"^\s*#\s*include <([a-z_]+)>", text, re.M)) for path, text in {**tree.texts, **tool.texts}.items()}
+    included = {path: set(headers) for path, headers in standard.items()}
+    for path, target in tree.includes() + tool.includes():
+        included[path] |= standard.get(target) or standard.get("tools/nxtick/" + target) or set()
+    for path, text in tree.code() + tool.code():
+        if path.endswith(".inc"):
+            continue  # a part of what includes it
+        text = re.sub(r'"(?:\\.|[^"\\\n])*"', '""', text)
+        faults += [f"{path} names {match[0]} and does not include <{header}>" for header, names in STANDARD_NAMES.items()
+                   if header not in included[path] and (match := re.search(r"\bstd::" + names, text))]
+    return faults
+
+
 def faults_of_source(root, tree):
     return (faults_of_layers(tree) + faults_of_circles(tree, unit, "units") + faults_of_circles(tree, folder, "folders") +
             faults_of_log(tree, log_parts(root)) + faults_of_system(tree) + faults_of_forks(tree) + faults_of_umbrella(tree.headers()) +
-            faults_of_calls(tree))
+            faults_of_calls(tree) + faults_of_precompilation(root, tree))
 
 
 def faults_of_installation(graph, installed):

@@ -20,7 +20,6 @@ import tempfile
 
 FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "switches")
 SOURCES = sorted(glob.glob(os.path.join(FOLDER, "*.cpp"))) + [os.path.join(FOLDER, "../../enum/startup/plugin.cpp")]
-MIXED = [(("g++", "-O0"), ("g++", "-Ofast")), (("g++", "-O0"), ("clang++", "-Ofast")), (("clang++", "-O0"), ("clang++", "-Ofast"))]
 
 
 def run(command):
@@ -37,7 +36,8 @@ def has_avx2():
 
 def main():
     library, *folders = sys.argv[1:]
-    options = ["-O0", "-O2", "-O3", "-Ofast"] + (["-O3 -march=x86-64-v3"] if has_avx2() else [])
+    most = "-Ofast -march=x86-64-v3" if has_avx2() else "-Ofast"
+    options = ["-O0", "-O2", "-O3", most]
     compilers = [compiler for compiler in ("g++", "clang++") if shutil.which(compiler)]
     print("compilers:", *compilers, "switches:", ", ".join(options))
     builds = [(compiler, option) for compiler in compilers for option in options]
@@ -59,7 +59,8 @@ def main():
         for done in [pool.submit(make, build, source) for source in sources for build in builds]:
             done.result()
         programs = {" ".join(build): (*build, [path(build, source) for source in SOURCES]) for build in builds}
-        for first, second in MIXED:
+        for first, second in (("g++", "g++"), ("g++", "clang++"), ("clang++", "clang++")):
+            first, second = (first, "-O0"), (second, most)
             if first in builds and second in builds:
                 half = [path(first if n % 2 == 0 else second, source) for n, source in enumerate(SOURCES)]
                 rest = [path(second if n % 2 == 0 else first, source) for n, source in enumerate(SOURCES)]

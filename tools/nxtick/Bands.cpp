@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Commands.h"

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <charconv>
 #include <climits>
+#include <utility>
 
 #include "Failure.h"
 #include "core/platform/nxFileAccess.h"
