@@ -40,9 +40,12 @@ done
 # What the tests show of nothing but the sources, of other programs, or of packages.
 left_out='^(package|gdb|docs\.(reference|figures|settings|named_tests|tick_tables_today)|proofs\.(models|words)|nxtick\.tables_today|log\.reading)'
 
-# With libc++ of Debian 12 these end in the system's libraries: its unwinder and libgcc's meet in pthread_exit of a main thread,
-# and it aborts in a thread when all keys of thread-specific data are taken.
-with_libcxx='nxLogProcess\.EndsAndWritesWhateverBecomesOfIt'
+# With libc++ of Debian 12 these end in the system's libraries: pthread_exit and pthread_cancel unwind the stack by libgcc, which
+# calls libc++'s handlers, and these ask another unwinder about it. In the first one libc++ also aborts in a thread when all keys
+# of thread-specific data are taken.
+with_libcxx='nxLogProcess\.EndsAndWritesWhateverBecomesOfIt|nxThread\.ReportsAnExceptionThatLeavesRun'
+with_libcxx+='|nxFunctorThreadPool\.(ACancelledThread|AThreadThatIsUnwound)LeavesTheRestToTheOthers'
+with_libcxx+='|nxFunctorThread\.ACancellationWaitsForAFunctorThatCanBeCancelled'
 # With clang++ 14 and C++23, {fmt} 9 refuses a precision that is an argument, in every formatter that a program derives from its own.
 with_clang_14_and_23='nxFmt\.CutsTextsOnly'
 

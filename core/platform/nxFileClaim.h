@@ -17,8 +17,8 @@ class nxFileClaim
 {
 public:
     /// Claims a regular file of this user; links are not followed. It does not wait.
-    /// @return 0; EAGAIN while another has the file; EPERM if it is no such file; EROFS or ENOLCK, for example, where the
-    ///         file cannot be locked.
+    /// @return 0; EAGAIN while another has the file; ENOENT if there is none, or no more; EPERM if it is no such file; EROFS or
+    ///         ENOLCK, for example, where the file cannot be locked.
     [[nodiscard]] int Take(const nxDirectory& directory, const std::string& name);
 
     const nxDescriptor& GetDescriptor() const { return _descriptor; }

@@ -29,6 +29,12 @@ int nxFileClaim::Take(const nxDirectory& directory, const std::string& name)
         return EPERM;
     if (!nxRecordLock::TryExclusive(opened.Get(), 0))
         return errno;
+    // Its owner may have removed or renamed it since it was opened here, and given up the right to it then.
+    struct stat named = {};
+    if (fstatat(directory.GetDescriptor(), name.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno;
+    if (nxFileIdentity(named) != nxFileIdentity(status))
+        return ENOENT;
     _descriptor = std::move(opened);
     return 0;
 }
