@@ -67,7 +67,7 @@ inline std::vector<std::string> TakeReports(nxCapturingLogDevice& log, const std
     return reports;
 }
 
-/// Keeps a thread inside a device until it is opened, half a minute at most.
+/// Keeps a thread inside a device until it is opened, no longer than nxEventually() waits.
 class nxGate
 {
 public:

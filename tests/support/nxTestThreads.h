@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -58,11 +59,20 @@ private:
     nxJoinedThread _thread;
 };
 
-/// Waits until `holds` returns true, half a minute at most. @return whether it did.
+/// How many seconds a test may take: NX_TEST_SECONDS, two minutes without that setting. 0 is no limit.
+inline const unsigned nxTestSeconds = []
+{
+    const char* const setting = std::getenv("NX_TEST_SECONDS");
+    return setting == nullptr ? 120U : static_cast<unsigned>(std::atoi(setting));
+}();
+
+/// Waits until `holds` returns true, at most a quarter of what a test may take, half a minute where that has no limit.
+/// @return whether it did.
 template <class Holds>
 bool nxEventually(const Holds& holds)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::seconds(nxTestSeconds == 0 ? 30 : nxTestSeconds / 4);
     bool held = holds();
     for (; !held && std::chrono::steady_clock::now() < end; held = holds())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));

@@ -254,7 +254,8 @@ bool nxLogJsonLine::_AppendFrame(nxLogTextBytes& out, const nxLogRecord& record,
     return true;
 }
 
-bool nxLogJsonLine::Append(nxLogTextBytes& out, const nxLogRecord& record, std::string_view time) noexcept
+bool nxLogJsonLine::Append(nxLogTextBytes& out, const nxLogRecord& record, nxLogOtherTime& times,
+                           const nxLogTimeText& local) noexcept
 try
 {
     const std::size_t size = static_cast<std::size_t>(record.end - record.values);
@@ -262,16 +263,16 @@ try
     constexpr std::size_t frameRoom =
         timeMember.size() + nxLogOtherTime::Longest + _threadRoom + nxLogKeptSource::JsonRoom + longestNumber;
     if (record.source != nullptr && nxLogKeptSource::Of(*record.source).jsonSize <= nxLogKeptSource::JsonRoom &&
-        isShort && !time.empty() && out.Ensure(QuickText::GetRoom(size) + frameRoom)) [[likely]]
+        isShort && out.Ensure(QuickText::GetRoom(size) + frameRoom)) [[likely]]
     {
         const nxLogKeptSource& source = nxLogKeptSource::Of(*record.source);
         char* at = PutJson(out.GetCursor(), timeMember);
-        std::memcpy(at, time.data(), nxLogOtherTime::Longest);
-        at = _PutThread(at + time.size(), record);
+        at = _PutThread(at + times.Put(at, record.time, local), record);
         std::memcpy(at, source.json, nxLogKeptSource::JsonRoom);
         out.SetCursor(at + source.jsonSize);
     }
-    else if (!_AppendFrame(out, record, time) || !out.Ensure(isShort ? QuickText::GetRoom(size) + longestNumber : 0))
+    else if (!_AppendFrame(out, record, times.Get(record.time, local)) ||
+             !out.Ensure(isShort ? QuickText::GetRoom(size) + longestNumber : 0))
         return false;
     char* const end = isShort ? WriteQuickly(out.GetCursor(), record.values, record.end) : nullptr;
     if (end == nullptr) [[unlikely]]

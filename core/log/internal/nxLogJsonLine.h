@@ -30,9 +30,10 @@ public:
         _key = nxLogLineThread::NoKey;
     }
 
-    /// Appends the object of @p record, and leaves room for the line's end. @param time of ISO 8601, of which
-    /// nxLogOtherTime::Longest bytes may be read.
-    bool Append(nxLogTextBytes& out, const nxLogRecord& record, std::string_view time) noexcept;
+    /// Appends the object of @p record, and leaves room for the line's end. @param times have a form of ISO 8601.
+    /// @param local shows the record's time.
+    bool Append(nxLogTextBytes& out, const nxLogRecord& record, nxLogOtherTime& times,
+                const nxLogTimeText& local) noexcept;
 
 private:
     static constexpr std::size_t _threadRoom = 64;  // copying this many costs less than the right number

@@ -119,12 +119,13 @@ void nxLogLineBuffer::_MakePrefix(std::uint64_t key, const nxLogRecord& record, 
     _prefix.timeAt = timeAt != nullptr ? static_cast<std::size_t>(timeAt - _prefix.text) : _prefix.size;
 }
 
-bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, std::string_view time) noexcept
+bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, const nxLogTimeText& local) noexcept
 {
     if (_style.GetParts() == nxLogLineStyle::Json)
-        return _json.Append(_bytes, record, time);
+        return _json.Append(_bytes, record, _otherTime, local);
     if (!_bytes.Ensure(longestValue))
         return false;
+    const std::string_view time = _hasOtherTime ? _otherTime.Get(record.time, local) : local.Get();
     char* timeAt;
     _bytes.SetCursor(_PutPrefixSlowly(_bytes.GetCursor(), record, time, timeAt));
     return AppendMessage(record.values, record.end, true) &&
@@ -135,8 +136,7 @@ bool nxLogLineBuffer::_AppendParts(const nxLogRecord& record, std::string_view t
 [[gnu::noinline]] bool nxLogLineBuffer::_AppendOtherLine(const nxLogRecord& record, const nxLogTimeText& local) noexcept
 {
     const std::size_t start = GetSize();
-    if (!_AppendParts(record, _hasOtherTime ? _otherTime.Get(record.time, local) : local.Get()) ||
-        !_bytes.Ensure(longestValue))
+    if (!_AppendParts(record, local) || !_bytes.Ensure(longestValue))
     {
         _bytes.CutTo(start);
         return false;

@@ -75,7 +75,7 @@ private:
 
     bool _AppendSuffix(const nxLogRecord& record) noexcept;
     bool _AppendOtherLine(const nxLogRecord& record, const nxLogTimeText& local) noexcept;
-    bool _AppendParts(const nxLogRecord& record, std::string_view time) noexcept;
+    bool _AppendParts(const nxLogRecord& record, const nxLogTimeText& local) noexcept;
     std::string_view _GetColour(unsigned level) const noexcept;
 
     static constexpr std::size_t _allQuickSizes = nxLogQuickText::LargestRecord + 1;

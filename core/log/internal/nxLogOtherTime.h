@@ -3,6 +3,7 @@
 #define CORE_LOG_INTERNAL_NXLOGOTHERTIME_H
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 #include "core/log/internal/nxLogTimeText.h"
@@ -11,9 +12,9 @@
 #include "core/time/internal/nxFractionText.h"
 
 /// The times of records in another form than nxLogTimeText has, one after the other. While the second stays the same, only its
-/// fraction is written.
+/// fraction is made.
 ///
-/// Invariant: the text is that of the time that was set last, or empty. Local times are those of nxLogTimeText, which alone
+/// Invariant: local times are those of nxLogTimeText, which alone
 /// knows the zone.
 ///
 /// Errors: the text is empty outside the years 1 to 9999. Threads: none.
@@ -29,17 +30,27 @@ public:
         _size = 0;
     }
 
-    /// @param local shows the same time. @return the text, of which Longest bytes may be read.
-    std::string_view Get(const nxClockTime& time, const nxLogTimeText& local) noexcept
+    /// Writes the text. @param out has room for Longest bytes. @param local shows the same time. @return the size; 0 for none.
+    [[gnu::always_inline]] std::size_t Put(char* out, const nxClockTime& time, const nxLogTimeText& local) noexcept
     {
         if (_size == 0 || time.seconds != _second) [[unlikely]]
             _SetSecond(time.seconds, local);
-        const unsigned nanoseconds = time.nanoseconds % nxNanoseconds::PerSecond;
-        if (_form == nxLogLineStyle::Time::UTC)
-            nxFractionText::Write(_text + _shortFractionAt, nanoseconds);
+        // The fraction is written here only, because a processor waits before it loads whole what was just stored in parts.
+        std::memcpy(out, _text, Longest);
+        if (local.IsEmpty() || time.nanoseconds >= nxNanoseconds::PerSecond) [[unlikely]]
+        {
+            char fraction[nxFractionText::Size];
+            nxFractionText::Write(fraction, time.nanoseconds % nxNanoseconds::PerSecond);
+            _PutFraction(out, fraction);
+        }
         else
-            _PutISOFraction(nanoseconds);
-        return {_text, _size};
+            _PutFraction(out, local.GetBytes() + nxLogTimeText::Size - nxFractionText::Size);
+        return _size;
+    }
+    /// The same. @return the text, until the next call.
+    std::string_view Get(const nxClockTime& time, const nxLogTimeText& local) noexcept
+    {
+        return {_shown, Put(_shown, time, local)};
     }
 
 private:
@@ -47,12 +58,16 @@ private:
     static constexpr std::size_t _fractionAt = sizeof "2024-03-05T09:07:03" - 1;
     static constexpr std::size_t _fractionSize = sizeof ".123456" - 1;
 
-    void _PutISOFraction(unsigned nanoseconds)
+    // Puts ".123.456" where the form has its fraction, without the second point for ISO 8601.
+    void _PutFraction(char* out, const char* fraction) const
     {
-        char text[nxFractionText::Size];
-        nxFractionText::Write(text, nanoseconds);
-        std::memcpy(_text + _fractionAt, text, 4);
-        std::memcpy(_text + _fractionAt + 4, text + 5, 3);
+        if (_form == nxLogLineStyle::Time::UTC)
+        {
+            std::memcpy(out + _shortFractionAt, fraction, nxFractionText::Size);
+            return;
+        }
+        std::memcpy(out + _fractionAt, fraction, 4);
+        std::memcpy(out + _fractionAt + 4, fraction + 5, 3);
     }
     void _SetSecond(long long second, const nxLogTimeText& local) noexcept;
     std::size_t _WriteSecond(long long second, long long offset) noexcept;
@@ -60,7 +75,8 @@ private:
     nxLogLineStyle::Time _form = nxLogLineStyle::Time::UTC;
     long long _second = 0;
     std::size_t _size = 0;
-    char _text[Longest + nxFractionText::Size];
+    char _text[Longest] = {};  // without the fraction
+    char _shown[Longest] = {};
 };
 
 #endif
