@@ -203,7 +203,9 @@ class Base:
 
     def __init__(self, kind, names):
         self.kind, self.build = kind, kind.build
+        # A precompiled header would hide what a mutant changes in the headers that it holds.
         configure = ["cmake", "-S", ROOT, "-B", self.build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
+                     "-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON",
                      "-DCMAKE_CXX_FLAGS_DEBUG=-O1", "-DNXCORE_BUILD_EXAMPLES=OFF", "-DNXCORE_BUILD_TOOLS=OFF", *kind.options]
         subprocess.run(configure, check=True, stdout=subprocess.DEVNULL)
         with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as handle:

@@ -46,6 +46,8 @@ TEST(nxDecimal, ConstructorsSetEveryField)
                                                       {nxDecimal(1.5F, 2), "VALID 150e-2"},
                                                       {nxDecimal("12,5", ','), "VALID 125e-1"},
                                                       {nxDecimal("12.5", ','), "NULL 0e-0"},
+                                                      {nxDecimal("+5", '+'), "VALID 5e-0"},
+                                                      {nxDecimal("-5", '-'), "VALID -5e-0"},
                                                       {nxDecimal(std::string("12,5"), ','), "VALID 125e-1"},
                                                       {nxDecimal(std::string("1\0", 2), '.'), "NULL 0e-0"},
                                                       {nxDecimal::GetMaximumDecimal(), "VALID 9223372036854775807e-0"}};
