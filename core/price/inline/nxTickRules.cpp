@@ -80,15 +80,6 @@ nxTickRules::Band nxTickRules::GetBandOfStep(Band band, bool isOutwards, const n
     return isLower ? std::prev(band) : band;
 }
 
-nxTickRules::Band nxTickRules::GetBandAfterStep(Band band, bool isIncrease, const nxDecimal& price) const
-{
-    const bool isOutwards = isIncrease ? price.IsPositive() : price.IsNegative();
-    if (!isOutwards || std::next(band) == End())
-        return band;
-    const nxDecimal magnitude = nxDecimal::Abs(price);
-    return magnitude.IsNegative() || magnitude > band->first ? std::next(band) : band;
-}
-
 void nxTickRules::Move(bool isIncrease, nxDecimal& price, Band band) const
 {
     if (band == End())

@@ -3,6 +3,7 @@
 #define CORE_PRICE_INLINE_NXTICKRULES_H
 
 #include <cstddef>
+#include <iterator>
 
 #include "core/enum/nxErrorEnum.h"
 #include "core/enum/nxRoundingMethodEnum.h"
@@ -96,7 +97,14 @@ public:
     /// @return the band whose increment a step from a magnitude in @p band uses; @p isOutwards means away from zero.
     Band GetBandOfStep(Band band, bool isOutwards, const nxDecimal& magnitude) const;
     /// @return the band whose places the price gets after a step by the increment of @p band: this or the next.
-    Band GetBandAfterStep(Band band, bool isIncrease, const nxDecimal& price) const;
+    Band GetBandAfterStep(Band band, bool isIncrease, const nxDecimal& price) const
+    {
+        const bool isOutwards = isIncrease ? price.IsPositive() : price.IsNegative();
+        if (!isOutwards || std::next(band) == End())
+            return band;
+        const nxDecimal magnitude = nxDecimal::Abs(price);
+        return magnitude.IsNegative() || magnitude > band->first ? std::next(band) : band;
+    }
     /// Adds the band's increment (or subtracts it) and sets the places; End() leaves the price as it is.
     void Move(bool isIncrease, nxDecimal& price, Band band) const;
     /// Moves a price that lies in @p band by one step.
