@@ -129,55 +129,6 @@ TEST_F(nxLogRetentionTest, CompressesClosedFilesWithoutAChild)
     signal(SIGCHLD, before);
 }
 
-namespace
-{
-// A file that the library is about to claim. It is open here, so that its lock can be seen.
-std::string removedMeanwhile;
-int removedMeanwhileOpen = -1;
-
-bool IsOpenedByTheLibrary()
-{
-    for (const auto& entry : fs::directory_iterator("/proc/self/fd"))
-        if (std::error_code gone; fs::read_symlink(entry.path(), gone) == removedMeanwhile &&
-                                  entry.path().filename() != std::to_string(removedMeanwhileOpen))
-            return true;
-    return false;
-}
-
-// Between the library's opening of the file and its attempt to lock it, the compressor removes the file and ends.
-void LetTheCompressorEnd()
-{
-    if (!IsOpenedByTheLibrary())
-        return;
-    nxWriteFile(removedMeanwhile + ".go", "");
-    const auto isFree = []
-    {
-        struct flock lock = {};
-        lock.l_type = F_WRLCK;
-        lock.l_len = 1;
-        return fcntl(removedMeanwhileOpen, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
-    };
-    EXPECT_TRUE(nxEventually(isFree));
-}
-}  // namespace
-
-TEST_F(nxLogRetentionTest, ACompressorThatEndsWhileItsFileIsLookedAtHasNotFailed)
-{
-    Create({0, 0, 0, MakeCompressor("until [ -e $2.go ]; do sleep 0.01; done\nmv $2 $2.gz")});
-    const fs::path first = Rotate("first"), second = Device().GetFileName();
-    removedMeanwhile = first;
-    removedMeanwhileOpen = open(first.c_str(), O_RDWR | O_CLOEXEC);
-    {
-        const nxSystemCallFault fault("fcntl", 0, {.times = 1'000, .meanwhile = LetTheCompressorEnd});
-        Device().CloseAndReopenLogFile();
-    }
-    close(removedMeanwhileOpen);
-    EXPECT_FALSE(fs::exists(first));
-    nxWriteFile(second.string() + ".go", "");
-    EXPECT_TRUE(nxEventually([&] { return !fs::exists(second); })) << GetErrors();
-    EXPECT_EQ(GetErrors().find("Failed to compress"), std::string::npos);
-}
-
 TEST_F(nxLogRetentionTest, KeepsTheFileOfACompressorThatFailsOrIsKilled)
 {
     const fs::path crashed = Make("01Mar2024/orders_090703_4711_1.log", 9), half = crashed.string().append(".gz");
