@@ -129,6 +129,65 @@ TEST_F(nxLogRetentionTest, CompressesClosedFilesWithoutAChild)
     signal(SIGCHLD, before);
 }
 
+namespace
+{
+// A file that the library is about to claim. It is open here, so that its lock can be seen. The compressor waits for another
+// file to go.
+std::string removedMeanwhile, waitsFor;
+int removedMeanwhileOpen = -1;
+
+bool IsOpenedByTheLibrary()
+{
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd"))
+        if (std::error_code gone; fs::read_symlink(entry.path(), gone) == removedMeanwhile &&
+                                  entry.path().filename() != std::to_string(removedMeanwhileOpen))
+            return true;
+    return false;
+}
+
+// Between the library's opening of the file and its attempt to lock it, the compressor removes the file and ends.
+void LetTheCompressorEnd()
+{
+    static bool isInside = false;  // this function looks at the lock by the same call
+    if (isInside || !IsOpenedByTheLibrary())
+        return;
+    isInside = true;
+    const auto isFree = []
+    {
+        struct flock lock = {};
+        lock.l_type = F_WRLCK;
+        lock.l_len = 1;
+        return fcntl(removedMeanwhileOpen, F_OFD_GETLK, &lock) == 0 && lock.l_type == F_UNLCK;
+    };
+    if (!isFree())  // the compressor has begun
+        fs::remove(waitsFor);
+    EXPECT_TRUE(nxEventually(isFree));
+    isInside = false;
+}
+}  // namespace
+
+TEST_F(nxLogRetentionTest, ACompressorThatEndsWhileItsFileIsLookedAtHasNotFailed)
+{
+    waitsFor = GetRoot() / "wait";
+    nxWriteFile(waitsFor, "");
+    Create({0, 0, 0, MakeCompressor("while [ -e " + waitsFor + " ]; do sleep 0.01; done\nmv $2 $2.gz")});
+    const fs::path first = Rotate("first"), second = Device().GetFileName();
+    removedMeanwhile = first;
+    removedMeanwhileOpen = open(first.c_str(), O_RDWR | O_CLOEXEC);
+    {
+        const nxSystemCallFault fault("fcntl", 0, {.times = 1'000'000, .meanwhile = LetTheCompressorEnd});
+        EXPECT_TRUE(nxEventually(
+            [&]
+            {
+                Device().CloseAndReopenLogFile();
+                return !fs::exists(first);
+            }));
+    }
+    close(removedMeanwhileOpen);
+    EXPECT_TRUE(nxEventually([&] { return !fs::exists(second); })) << GetErrors();
+    EXPECT_EQ(GetErrors().find("Failed to compress"), std::string::npos);
+}
+
 TEST_F(nxLogRetentionTest, KeepsTheFileOfACompressorThatFailsOrIsKilled)
 {
     const fs::path crashed = Make("01Mar2024/orders_090703_4711_1.log", 9), half = crashed.string().append(".gz");
