@@ -20,6 +20,8 @@
 #include <initializer_list>
 #include <type_traits>
 
+#include "tests/support/nxCallPauses.h"
+
 // This file is compiled without sanitizers: its functions are called before and below them. It does not include <fcntl.h>,
 // so that open, openat and fcntl can be defined without their ellipsis: an argument that is there travels in the same
 // register, and one that is not is not looked at.
@@ -128,6 +130,15 @@ Pointer Next(std::atomic<void*>& cache, Pointer sanitizers, const char* name)
     return reinterpret_cast<Pointer>(next);
 }
 
+// A pause before a call and one after, each where chance wants it.
+struct Pauses
+{
+    Pauses() noexcept { nxCallPauses::MayPause(); }
+    ~Pauses() { nxCallPauses::MayPause(); }
+    Pauses(const Pauses&) = delete;
+    Pauses& operator=(const Pauses&) = delete;
+};
+
 template <class Result>
 Result Failed([[maybe_unused]] Style style, int error)
 {
@@ -165,8 +176,13 @@ extern "C"
     result name parameters exceptions                                        \
     {                                                                        \
         const Verdict verdict = Judge(Function_##name);                      \
-        if (verdict.error == 0)                                              \
+        if (verdict.error == 0 && !nxCallPauses::IsOn())                     \
             return NX_NEXT(name) arguments;                                  \
+        if (verdict.error == 0)                                              \
+        {                                                                    \
+            const Pauses pauses;                                             \
+            return NX_NEXT(name) arguments;                                  \
+        }                                                                    \
         if (verdict.executed)                                                \
             NX_NEXT(name) arguments;                                         \
         return Failed<result>(Style::style, verdict.error);                  \
