@@ -16,6 +16,11 @@ fatal=$(nm -D --undefined-only "$library" | awk '{print $2}' | grep -E '^(abort|
 if [ -n "$fatal" ]; then
     echo "used, though a library keeps quiet and never ends its process:"; echo "$fatal"; faults=1
 fi
+destroyed=$(objdump -dC --no-show-raw-insn "$library" |
+    awk '/^[0-9a-f]+ </ {name = $0} /<__cxa_atexit@plt>$/ && name !~ /<atexit>/ {print name}')
+if [ -n "$destroyed" ]; then
+    echo "makes objects that are destroyed while threads still use the library:"; echo "$destroyed"; faults=1
+fi
 # A program may have copies of exported objects. The library uses these where an object changes; nobody reads _registered.
 changing=$(readelf -SW "$library" | sed -n 's/^ *\[ *\([0-9]*\)\] \.\(data\|bss\) .*/\1/p')
 unlisted=$(readelf --dyn-syms -W "$library" | awk -v sections="$changing" \

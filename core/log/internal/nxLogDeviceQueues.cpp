@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -12,8 +13,15 @@
 #include "core/thread/internal/nxForkMutex.h"
 #include "core/thread/nxMutexGuard.h"
 
-constinit nxMutex nxLogDeviceQueues::_mutex;
 constinit nxLogDeviceQueues::Member* nxLogDeviceQueues::_first = nullptr;
+
+// Never destroyed: the log's thread asks to the very end.
+nxMutex& nxLogDeviceQueues::_GetMutex() noexcept
+{
+    alignas(nxMutex) static unsigned char storage[sizeof(nxMutex)];
+    static nxMutex& mutex = *::new (storage) nxMutex;
+    return mutex;
+}
 
 template <class Action>
 void nxLogDeviceQueues::_ForEach(const Action& action)
@@ -24,14 +32,14 @@ void nxLogDeviceQueues::_ForEach(const Action& action)
 
 void nxLogDeviceQueues::Member::Join() noexcept
 {
-    const nxMutexGuard guard(_mutex);
+    const nxMutexGuard guard(_GetMutex());
     _next = _first;
     _first = this;
 }
 
 void nxLogDeviceQueues::Member::Leave() noexcept
 {
-    const nxMutexGuard guard(_mutex);
+    const nxMutexGuard guard(_GetMutex());
     Member** at = &_first;
     while (*at != this)
         at = &(*at)->_next;
@@ -44,7 +52,7 @@ try
 {
     std::vector<std::shared_ptr<Member>> queues;
     {
-        const nxMutexGuard guard(_mutex);
+        const nxMutexGuard guard(_GetMutex());
         _ForEach([&](Member& queue) { queues.push_back(queue.weak_from_this().lock()); });
     }
     bool isWritten = true;
@@ -60,7 +68,7 @@ catch (...)
 
 unsigned nxLogDeviceQueues::CountThreads() noexcept
 {
-    const nxMutexGuard guard(_mutex);
+    const nxMutexGuard guard(_GetMutex());
     unsigned count = 0;
     _ForEach([&](const Member& queue) { count += queue.HasThread(); });
     return count;
@@ -68,7 +76,7 @@ unsigned nxLogDeviceQueues::CountThreads() noexcept
 
 std::uint64_t nxLogDeviceQueues::CountWaiting() noexcept
 {
-    const nxMutexGuard guard(_mutex);
+    const nxMutexGuard guard(_GetMutex());
     std::uint64_t count = 0;
     _ForEach([&](const Member& queue) { count += queue.GetWaiting(); });
     return count;
@@ -86,14 +94,14 @@ void nxLogDeviceQueues::TellDropped(std::uint64_t records) noexcept
 
 void nxLogDeviceQueues::BlockForGood() noexcept
 {
-    const nxMutexGuard guard(_mutex);
+    const nxMutexGuard guard(_GetMutex());
     const std::int64_t deadline = nxClock::MonotonicNanoseconds() + nxLogLimits::StalledDeviceAtEnd;
     _ForEach([deadline](Member& queue) { queue.BlockForGood(deadline); });
 }
 
 void nxLogDeviceQueues::BeforeFork() noexcept
 {
-    nxForkMutex::Take(_mutex);
+    nxForkMutex::Take(_GetMutex());
     _ForEach([](Member& queue) { queue.BeforeFork(); });
 }
 
@@ -105,11 +113,11 @@ void nxLogDeviceQueues::LockForFork() noexcept
 void nxLogDeviceQueues::AfterForkInParent() noexcept
 {
     _ForEach([](Member& queue) { queue.AfterForkInParent(); });
-    nxForkMutex::GiveBack(_mutex);
+    nxForkMutex::GiveBack(_GetMutex());
 }
 
 void nxLogDeviceQueues::AfterForkInChild() noexcept
 {
     _ForEach([](Member& queue) { queue.AfterForkInChild(); });
-    nxForkMutex::Renew(_mutex);
+    nxForkMutex::Renew(_GetMutex());
 }

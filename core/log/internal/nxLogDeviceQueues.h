@@ -74,8 +74,9 @@ private:
     template <class Action>
     static void _ForEach(const Action& action);
 
-    static nxMutex _mutex;
-    static Member* _first;  // guarded by _mutex
+    static nxMutex& _GetMutex() noexcept;
+
+    static Member* _first;  // guarded by the mutex
 };
 
 #endif

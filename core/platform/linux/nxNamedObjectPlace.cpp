@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 #include <string>
 
 #include "core/platform/linux/nxScopedDescriptor.h"
@@ -117,8 +118,10 @@ Root FindUsualRoot()
 // Opens the user's directory, or makes it.
 int OpenDirectory(const nxNamedObjectPlace::Identity& identity)
 {
-    // Read once. The caller holds the mutex of the table, which forks wait for.
-    static const Root configured = FindRoot();
+    // Read once. The caller holds the mutex of the table, which forks wait for. Never destroyed, because destructors of other
+    // objects and threads that outlive main still open named objects.
+    alignas(Root) static unsigned char storage[sizeof(Root)];
+    static const Root& configured = *::new (storage) Root(FindRoot());
     const Root root = configured.path.empty() && configured.error == 0 ? FindUsualRoot() : configured;
     errno = root.error;
     if (root.error != 0)
