@@ -11,6 +11,7 @@ row_pauses()
         "build/release/tests/$program" --gtest_list_tests |
             awk -v program="$program" '/^[^ ]/ {suite = $1} /^  / {print program, suite $1}'
     done)
+    [ -n "$tests" ] || { report pauses "the test programs do not start" 1; return; }
     while shuf <<<"$tests" 2>/dev/null; do :; done | timeout "$seconds" xargs -P $((4 * $(nproc))) -L 1 bash -c '
         text=$("build/release/tests/$0" --gtest_brief=1 --gtest_filter="$1" 2>&1) && echo "passed $1" ||
             printf "FAILED %s\n%s\n" "$1" "$text"' >"$log"
